@@ -1,0 +1,60 @@
+// owners.h - thin owners for objects of the host: each is given back when its owner goes out of scope.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "sdk/host_services.h"
+
+namespace Quorvane::SDK {
+
+/// Ends a host object by its own Release.
+struct ReleaseObject {
+    template <class Object>
+    void operator()(Object* object) const noexcept {
+        object->Release();
+    }
+};
+template <class Object>
+using Owned = std::unique_ptr<Object, ReleaseObject>;
+
+struct CloseProgress {
+    void operator()(IProgress* progress) const noexcept { progress->Close(); }
+};
+/// Null where the host shows no progress.
+using OwnedProgress = std::unique_ptr<IProgress, CloseProgress>;
+
+/// A service object from IHostServices::AcquireService; gives it back with the number it was asked for by.
+template <class Service>
+class AcquiredService {
+public:
+    AcquiredService(IHostServices& services, uint32_t number, const wchar_t* path = nullptr)
+        : m_services(services),
+          m_number(number),
+          m_service(static_cast<Service*>(services.AcquireService(number, 0, path))) {}
+    AcquiredService(const AcquiredService&) = delete;
+    AcquiredService& operator=(const AcquiredService&) = delete;
+    ~AcquiredService() {
+        if (m_service) m_services.ReleaseService(m_service, m_number);
+    }
+
+    explicit operator bool() const noexcept { return m_service != nullptr; }
+    Service* operator->() const noexcept { return m_service; }
+    Service* Get() const noexcept { return m_service; }
+
+private:
+    IHostServices& m_services;
+    uint32_t m_number;
+    Service* m_service;
+};
+
+/// The panel's selected items; null when the host cannot make a list. `flags`: SelectionFlags.
+Owned<IFileList> GatherSelection(IHostServices& services, uint32_t flags);
+
+/// The item's full path, of any length; empty when the host has none.
+std::wstring PathOf(IFileItem& item);
+
+/// The item's name, of any length; empty when the host has none.
+std::wstring NameOf(IFileItem& item);
+
+}  // namespace Quorvane::SDK

@@ -1,0 +1,53 @@
+#include "textio/data_reader.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "win32/handle.h"
+#include "win32/path.h"
+
+namespace QVUtils {
+
+struct FileDataReader::Handle {
+    Win32::FileHandle file;
+};
+
+FileDataReader::FileDataReader(const std::wstring& path) : m_handle(std::make_unique<Handle>()) {
+    m_handle->file.Reset(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_READ,
+                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!m_handle->file) throw QVUtilsException(GetLastError(), "Unable to open file");
+    LARGE_INTEGER size = {};
+    // "filesize" is one word in this message on purpose: people search their logs for it.
+    if (!GetFileSizeEx(m_handle->file.Get(), &size)) throw QVUtilsException(GetLastError(), "Failed to get filesize");
+    m_fileSize = static_cast<uint64_t>(size.QuadPart);
+}
+
+FileDataReader::~FileDataReader() = default;
+
+uint32_t FileDataReader::Read(void* buffer, uint32_t size, uint32_t& bytesRead) {
+    DWORD delivered = 0;
+    if (!ReadFile(m_handle->file.Get(), buffer, size, &delivered, nullptr))
+        throw QVUtilsException(GetLastError(), "Failed to read file");
+    bytesRead = delivered;
+    return 1;
+}
+
+void FileDataReader::Close() { m_handle->file.Reset(); }
+
+uint32_t MemoryDataReader::Read(void* buffer, uint32_t size, uint32_t& bytesRead) {
+    bytesRead = std::min(size, m_size - m_position);
+    if (bytesRead > 0) std::memcpy(buffer, m_data + m_position, bytesRead);
+    m_position += bytesRead;
+    return 1;
+}
+
+uint32_t SampledDataReader::Read(void* buffer, uint32_t size, uint32_t& bytesRead) {
+    const uint32_t left = m_sampleSize - m_position;
+    if (left == 0) return m_reader.Read(buffer, size, bytesRead);
+    bytesRead = std::min(size, left);
+    std::memcpy(buffer, m_sample + m_position, bytesRead);
+    m_position += bytesRead;
+    return 1;
+}
+
+}  // namespace QVUtils

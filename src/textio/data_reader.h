@@ -1,0 +1,91 @@
+// data_reader.h - the one abstract source of bytes, backed by a file or by memory.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "textio/qvutils_exception.h"
+
+namespace QVUtils {
+
+/// A source of bytes, read forwards by one thread at a time.
+class DataReader {
+public:
+    virtual ~DataReader() = default;
+    DataReader() = default;
+    DataReader(const DataReader&) = delete;
+    DataReader& operator=(const DataReader&) = delete;
+
+    /// Fills up to `size` bytes into `buffer` and stores the number delivered. A short read is no error; 0 bytes means
+    /// the end. @throws QVUtilsException "Failed to read file"
+    virtual uint32_t Read(void* buffer, uint32_t size, uint32_t& bytesRead) = 0;
+
+    /// Releases what is read from; more than once does no harm.
+    virtual void Close() = 0;
+};
+
+/// Reads a file, shared with other readers and writers. Unbuffered: every Read is one call of the system.
+class FileDataReader final : public DataReader {
+public:
+    /// @throws QVUtilsException "Unable to open file" or "Failed to get filesize", with the system's code
+    explicit FileDataReader(const std::wstring& path);
+    ~FileDataReader() override;
+
+    uint32_t Read(void* buffer, uint32_t size, uint32_t& bytesRead) override;
+    void Close() override;
+
+    /// Bytes, as the file was when it was opened.
+    uint64_t GetFileSize() const noexcept { return m_fileSize; }
+
+private:
+    struct Handle;  // keeps the system's header out of the engines
+    std::unique_ptr<Handle> m_handle;
+    uint64_t m_fileSize = 0;
+};
+
+/// Reads a block of memory. Never fails.
+class MemoryDataReader final : public DataReader {
+public:
+    /// Reads `size` bytes at `data`. With `ownsData` the block must come from new[] of bytes and is freed with the
+    /// reader; without, it must outlive it.
+    MemoryDataReader(const void* data, uint32_t size, bool ownsData)
+        : m_size(size), m_data(static_cast<const uint8_t*>(data)) {
+        if (ownsData) m_owned.reset(m_data);
+    }
+
+    uint32_t Read(void* buffer, uint32_t size, uint32_t& bytesRead) override;
+    void Close() override {}
+
+private:
+    uint32_t m_size;
+    uint32_t m_position = 0;
+    const uint8_t* m_data;
+    std::unique_ptr<const uint8_t[]> m_owned;
+};
+
+/// Puts bytes that were already read in front of what another reader still has to give. So a file is opened once, both
+/// to look at its first bytes and to load it.
+class SampledDataReader final : public DataReader {
+public:
+    static constexpr uint32_t kSampleSize = 1024;
+
+    /// Takes the sample at once, with a single read. The other reader must outlive this one.
+    explicit SampledDataReader(DataReader& reader) : m_reader(reader) {
+        m_reader.Read(m_sample, kSampleSize, m_sampleSize);
+    }
+
+    const uint8_t* GetSample() const noexcept { return m_sample; }
+    uint32_t GetSampleSize() const noexcept { return m_sampleSize; }
+
+    uint32_t Read(void* buffer, uint32_t size, uint32_t& bytesRead) override;
+    void Close() override { m_reader.Close(); }
+
+private:
+    DataReader& m_reader;
+    uint8_t m_sample[kSampleSize] = {};
+    uint32_t m_sampleSize = 0;
+    uint32_t m_position = 0;
+};
+
+}  // namespace QVUtils

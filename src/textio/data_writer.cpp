@@ -1,0 +1,69 @@
+#include "textio/data_writer.h"
+
+#include <algorithm>
+
+#include "win32/handle.h"
+#include "win32/path.h"
+
+namespace QVUtils {
+
+void WriteAll(DataWriter& writer, const void* data, uint64_t size) {
+    const auto* bytes = static_cast<const uint8_t*>(data);
+    while (size > 0) {
+        const uint32_t written = writer.Write(bytes, std::min<uint64_t>(size, BufferedDataWriter::kBlockSize));
+        if (written == 0) throw QVUtilsException(ErrorCode::DiskFull, "Failed to write data to file");
+        bytes += written;
+        size -= written;
+    }
+}
+
+struct FileDataWriter::Handle {
+    Win32::FileHandle file;
+};
+
+FileDataWriter::FileDataWriter() : m_handle(std::make_unique<Handle>()) {}
+
+FileDataWriter::~FileDataWriter() = default;
+
+void FileDataWriter::Open(const std::wstring& path, bool overwrite) {
+    m_handle->file.Reset();
+    m_handle->file.Reset(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_WRITE,
+                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                     overwrite ? CREATE_ALWAYS : CREATE_NEW, 0, nullptr));
+    if (!m_handle->file) throw QVUtilsException(GetLastError(), "Unable to open file for writing");
+}
+
+uint32_t FileDataWriter::WriteData(const void* buffer, uint32_t size, uint32_t* bytesWritten) {
+    DWORD written = 0;
+    if (!WriteFile(m_handle->file.Get(), buffer, size, &written, nullptr))
+        throw QVUtilsException(GetLastError(), "Failed to write data to file");
+    if (bytesWritten) *bytesWritten = written;
+    return 1;
+}
+
+void FileDataWriter::Close() {
+    if (!m_handle->file) return;
+    if (!CloseHandle(m_handle->file.Release())) throw QVUtilsException(GetLastError(), "Failed to write data to file");
+}
+
+void FileDataWriter::Abandon() noexcept { m_handle->file.Reset(); }
+
+void BufferedDataWriter::Append(const void* data, uint64_t size) {
+    const auto* bytes = static_cast<const uint8_t*>(data);
+    if (m_block.size() + size > m_blockSize) {
+        Flush();
+        if (size >= m_blockSize) {
+            WriteAll(m_target, bytes, size);
+            return;
+        }
+    }
+    if (m_block.capacity() == 0) m_block.reserve(m_blockSize);
+    m_block.insert(m_block.end(), bytes, bytes + size);
+}
+
+void BufferedDataWriter::Flush() {
+    WriteAll(m_target, m_block.data(), m_block.size());
+    m_block.clear();
+}
+
+}  // namespace QVUtils

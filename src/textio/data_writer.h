@@ -1,0 +1,151 @@
+// data_writer.h - the one abstract sink for bytes, backed by a file or by memory, and a buffer to put in front of it.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "textio/qvutils_exception.h"
+
+namespace QVUtils {
+
+/// A sink for bytes that also knows the line break of the text being written.
+class DataWriter {
+public:
+    virtual ~DataWriter() = default;
+    DataWriter() = default;
+    DataWriter(const DataWriter&) = delete;
+    DataWriter& operator=(const DataWriter&) = delete;
+
+    /// Hooks around a whole text; no writer needs them so far.
+    virtual void BeginText() {}
+    virtual void EndText() {}
+
+    /// Writes the line break set before. Returns the bytes written: 0, without a write, when none is set.
+    virtual uint32_t WriteNewLine() {
+        if (m_lineBreak.empty()) return 0;
+        return Write(m_lineBreak.data(), m_lineBreak.size());
+    }
+
+    /// Writes `size` bytes and stores how many of them were taken (`bytesWritten` may be null). Fewer than asked is
+    /// not reported as an error here: see WriteAll. @throws QVUtilsException "Failed to write data to file"
+    virtual uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* bytesWritten) = 0;
+
+    /// Writes and returns the count. The size is cut to 32 bits, and 0 of them write nothing, not even an empty block.
+    virtual uint32_t Write(const void* buffer, uint64_t size) {
+        const auto cut = static_cast<uint32_t>(size);
+        if (cut == 0) return 0;
+        uint32_t written = 0;
+        WriteData(buffer, cut, &written);
+        return written;
+    }
+
+    /// Sets the bytes of a line break in the target's encoding; empty for none.
+    void SetLineBreak(std::string bytes) { m_lineBreak = std::move(bytes); }
+    const std::string& GetLineBreak() const noexcept { return m_lineBreak; }
+
+private:
+    std::string m_lineBreak;
+};
+
+/// Writes every byte, in as many calls as the writer needs: a successful write may take only a part (a size limit, a
+/// full disk), and the next one then says why. @throws QVUtilsException the writer's, or disk full when it takes nothing
+void WriteAll(DataWriter& writer, const void* data, uint64_t size);
+
+/// Writes a file. Unbuffered: every write is one call of the system.
+class FileDataWriter final : public DataWriter {
+public:
+    FileDataWriter();
+    ~FileDataWriter() override;
+
+    /// Closes what is open, then opens `path`: emptied when it exists and `overwrite` is set, refused with code 80 when
+    /// it exists and `overwrite` is not. @throws QVUtilsException "Unable to open file for writing"
+    void Open(const std::wstring& path, bool overwrite);
+
+    uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* bytesWritten) override;
+
+    /// Closes the file, so that a failure to do so is seen before anything relies on the new content.
+    /// @throws QVUtilsException "Failed to write data to file"
+    void Close();
+
+    /// Closes the file without looking at the result: its content is given up.
+    void Abandon() noexcept;
+
+private:
+    struct Handle;  // keeps the system's header out of the engines
+    std::unique_ptr<Handle> m_handle;
+};
+
+/// Writes into a block of fixed size. What does not fit is dropped silently, as intended: the caller sizes the block.
+template <class CharT>
+class MemoryDataWriter final : public DataWriter {
+public:
+    /// `size` in bytes; the block is zero-filled.
+    explicit MemoryDataWriter(uint32_t size)
+        : m_block(std::make_unique<CharT[]>((size + sizeof(CharT) - 1) / sizeof(CharT))),
+          m_cursor(reinterpret_cast<uint8_t*>(m_block.get())),
+          m_end(m_cursor + size) {}
+
+    uint32_t WriteNewLine() override {
+        const uint32_t written = DataWriter::WriteNewLine();
+        ++m_lineBreaks;
+        m_sinceLineBreak = 0;
+        return written;
+    }
+
+    uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* bytesWritten) override {
+        const auto room = static_cast<size_t>(m_end - m_cursor);
+        const auto taken = static_cast<uint32_t>(size < room ? size : room);
+        if (taken > 0) std::memcpy(m_cursor, buffer, taken);
+        m_cursor += taken;
+        if (bytesWritten) *bytesWritten = taken;
+        return 1;
+    }
+
+    /// Hands the block to the caller. Nothing may be written afterwards but what fits into no bytes.
+    std::unique_ptr<CharT[]> Release() {
+        m_cursor = m_end = nullptr;
+        return std::move(m_block);
+    }
+
+    uint32_t GetLineBreakCount() const noexcept { return m_lineBreaks; }
+
+private:
+    std::unique_ptr<CharT[]> m_block;
+    uint8_t* m_cursor;
+    uint8_t* m_end;
+    uint32_t m_lineBreaks = 0;
+    uint32_t m_sinceLineBreak = 0;
+};
+
+/// Collects small writes into blocks for another writer; large ones go through as they are. The line break is taken
+/// from the other writer when this one is made. Whoever writes through it calls Flush at the end; a buffer that is
+/// destroyed without it (after a failure) drops what it holds.
+class BufferedDataWriter final : public DataWriter {
+public:
+    static constexpr uint32_t kBlockSize = 1 << 20;  // larger blocks are slower to write, not faster
+
+    explicit BufferedDataWriter(DataWriter& target, uint32_t blockSize = kBlockSize)
+        : m_target(target), m_blockSize(blockSize) {
+        SetLineBreak(target.GetLineBreak());
+    }
+
+    uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* bytesWritten) override {
+        Append(buffer, size);
+        if (bytesWritten) *bytesWritten = size;
+        return 1;
+    }
+
+    /// As WriteData, for blocks of any size.
+    void Append(const void* data, uint64_t size);
+    void Flush();
+
+private:
+    DataWriter& m_target;
+    uint32_t m_blockSize;
+    std::vector<uint8_t> m_block;
+};
+
+}  // namespace QVUtils

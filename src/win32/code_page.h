@@ -1,0 +1,22 @@
+// code_page.h - between UTF-16 and the 8-bit code pages, without silent loss.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Win32 {
+
+inline constexpr uint32_t kThreadCodePage = 3;  // CP_THREAD_ACP: follows the thread's locale
+inline constexpr uint32_t kUtf8CodePage = 65001;
+
+/// `text` in the code page, or nothing when a character of it cannot be represented there: no best-fit letters, no
+/// "?" in its place, no lone surrogates in UTF-8. "" gives "".
+std::optional<std::string> ToCodePage(std::wstring_view text, uint32_t codePage);
+
+/// `text` decoded from the code page. Bytes that mean nothing there come out as the system's replacement character:
+/// this is for showing text to people, not for text that is written back.
+std::wstring FromCodePage(std::string_view text, uint32_t codePage);
+
+}  // namespace Win32

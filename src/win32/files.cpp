@@ -1,0 +1,108 @@
+#include "win32/files.h"
+
+#include <optional>
+
+#include "win32/handle.h"
+#include "win32/path.h"
+
+#include <aclapi.h>
+
+namespace Win32 {
+namespace {
+
+constexpr int kAttempts = 6;
+constexpr DWORD kPauseMilliseconds = 50;
+constexpr DWORD kCarriedAttributes = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
+                                     FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+
+/// Runs `operation` (true for success) and, while another program holds the file, a few times more.
+template <class Operation>
+uint32_t WithRetries(Operation&& operation) {
+    for (int attempt = 1;; ++attempt) {
+        if (operation()) return ERROR_SUCCESS;
+        const DWORD error = GetLastError();
+        const bool held = error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
+        if (!held || attempt == kAttempts) return error;
+        Sleep(kPauseMilliseconds);
+    }
+}
+
+uint32_t Move(const std::wstring& from, const std::wstring& to, DWORD flags) {
+    const std::wstring source = ExtendedPath(from);
+    const std::wstring target = ExtendedPath(to);
+    return WithRetries([&] { return MoveFileExW(source.c_str(), target.c_str(), flags) != FALSE; });
+}
+
+/// What tells one file of this machine from all others: volume serial number and file index.
+struct FileIdentity {
+    DWORD volume;
+    DWORD indexHigh;
+    DWORD indexLow;
+    bool operator==(const FileIdentity&) const = default;
+};
+
+std::optional<FileIdentity> IdentityOf(const std::wstring& path) {
+    const FileHandle file(CreateFileW(ExtendedPath(path).c_str(), FILE_READ_ATTRIBUTES,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                      FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    BY_HANDLE_FILE_INFORMATION information = {};
+    if (!file || !GetFileInformationByHandle(file.Get(), &information)) return std::nullopt;
+    return FileIdentity{information.dwVolumeSerialNumber, information.nFileIndexHigh, information.nFileIndexLow};
+}
+
+void CarryOverAccess(const std::wstring& from, std::wstring to) {
+    PACL list = nullptr;
+    PSECURITY_DESCRIPTOR raw = nullptr;
+    if (GetNamedSecurityInfoW(from.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list, nullptr,
+                              &raw) != ERROR_SUCCESS)
+        return;
+    const LocalMemory descriptor(raw);
+    SECURITY_DESCRIPTOR_CONTROL control = 0;
+    DWORD revision = 0;
+    if (!GetSecurityDescriptorControl(raw, &control, &revision)) return;
+    // A list that came from the folder is inherited by the new file anyway; only a list of the file's own is carried.
+    const bool isProtected = (control & SE_DACL_PROTECTED) != 0;
+    const SECURITY_INFORMATION inheritance =
+        isProtected ? PROTECTED_DACL_SECURITY_INFORMATION : UNPROTECTED_DACL_SECURITY_INFORMATION;
+    SetNamedSecurityInfoW(to.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION | inheritance, nullptr, nullptr, list,
+                          nullptr);
+}
+
+}  // namespace
+
+bool Exists(const std::wstring& path) {
+    return GetFileAttributesW(ExtendedPath(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+uint32_t MoveFileTo(const std::wstring& from, const std::wstring& to) { return Move(from, to, 0); }
+
+uint32_t MoveFileOver(const std::wstring& from, const std::wstring& to) {
+    return Move(from, to, MOVEFILE_REPLACE_EXISTING);
+}
+
+uint32_t RemoveFile(const std::wstring& path) {
+    const std::wstring target = ExtendedPath(path);
+    return WithRetries([&] { return DeleteFileW(target.c_str()) != FALSE; });
+}
+
+uint32_t RemoveFileWhateverItsAttributes(const std::wstring& path) {
+    SetFileAttributesW(ExtendedPath(path).c_str(), FILE_ATTRIBUTE_NORMAL);
+    return RemoveFile(path);
+}
+
+bool IsSameFile(const std::wstring& left, const std::wstring& right) {
+    const auto leftIdentity = IdentityOf(left);
+    return leftIdentity && leftIdentity == IdentityOf(right);
+}
+
+void CarryOverAttributesAndAccess(const std::wstring& from, const std::wstring& to) {
+    const std::wstring source = ExtendedPath(from);
+    const std::wstring target = ExtendedPath(to);
+    CarryOverAccess(source, target);
+    const DWORD attributes = GetFileAttributesW(source.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return;
+    const DWORD carried = attributes & kCarriedAttributes;
+    SetFileAttributesW(target.c_str(), carried ? carried : FILE_ATTRIBUTE_NORMAL);
+}
+
+}  // namespace Win32

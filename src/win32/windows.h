@@ -1,0 +1,15 @@
+// windows.h - the one place that includes the system's header, so that every file sees it the same way.
+#pragma once
+
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#include <windows.h>
+
+// The system renames these words by macro; they are operation names of the contract with the host.
+#undef MessageBox
+#undef GetMessage
+#undef GetObject

@@ -1,0 +1,25 @@
+// main.cpp - the main function of every test program.
+#include <cstdio>
+
+#include <gtest/gtest.h>
+
+#include "win32/windows.h"
+
+namespace {
+
+/// A crash must not look like success: Wine may end a crashed program with status 0.
+LONG WINAPI ReportCrash(EXCEPTION_POINTERS* fault) {
+    std::fprintf(stderr, "crashed with exception %08lx at %p\n", fault->ExceptionRecord->ExceptionCode,
+                 fault->ExceptionRecord->ExceptionAddress);
+    std::fflush(stderr);
+    TerminateProcess(GetCurrentProcess(), 70);
+    return EXCEPTION_EXECUTE_HANDLER;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    SetUnhandledExceptionFilter(ReportCrash);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
