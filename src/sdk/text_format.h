@@ -15,7 +15,8 @@ public:
     TextArgument(uint64_t number) : m_text(std::to_wstring(number)) {}
     TextArgument(int number) : m_text(std::to_wstring(number)) {}
     TextArgument(uint32_t number) : m_text(std::to_wstring(number)) {}
-    TextArgument(std::wstring_view text) : m_text(text) {}
+    TextArgument(const std::wstring& text) : m_text(text) {}
+    TextArgument(const wchar_t* text) : m_text(text ? text : L"") {}
     const std::wstring& Text() const { return m_text; }
 
 private:

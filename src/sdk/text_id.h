@@ -14,12 +14,24 @@ constexpr TextId MakeTextId(uint32_t number, char category) {
 
 // One literal per category, so that text 2100 of category "m" reads 2100_m.
 inline namespace TextIdLiterals {
-constexpr TextId operator""_m(unsigned long long number) { return MakeTextId(static_cast<uint32_t>(number), 'm'); }
-constexpr TextId operator""_c(unsigned long long number) { return MakeTextId(static_cast<uint32_t>(number), 'c'); }
-constexpr TextId operator""_d(unsigned long long number) { return MakeTextId(static_cast<uint32_t>(number), 'd'); }
-constexpr TextId operator""_e(unsigned long long number) { return MakeTextId(static_cast<uint32_t>(number), 'e'); }
-constexpr TextId operator""_g(unsigned long long number) { return MakeTextId(static_cast<uint32_t>(number), 'g'); }
-constexpr TextId operator""_p(unsigned long long number) { return MakeTextId(static_cast<uint32_t>(number), 'p'); }
+constexpr TextId operator""_m(unsigned long long number) {
+    return MakeTextId(static_cast<uint32_t>(number), 'm');
+}
+constexpr TextId operator""_c(unsigned long long number) {
+    return MakeTextId(static_cast<uint32_t>(number), 'c');
+}
+constexpr TextId operator""_d(unsigned long long number) {
+    return MakeTextId(static_cast<uint32_t>(number), 'd');
+}
+constexpr TextId operator""_e(unsigned long long number) {
+    return MakeTextId(static_cast<uint32_t>(number), 'e');
+}
+constexpr TextId operator""_g(unsigned long long number) {
+    return MakeTextId(static_cast<uint32_t>(number), 'g');
+}
+constexpr TextId operator""_p(unsigned long long number) {
+    return MakeTextId(static_cast<uint32_t>(number), 'p');
+}
 }  // namespace TextIdLiterals
 
 static_assert(2100_m == 0x0834006D);

@@ -40,9 +40,7 @@ struct Block {
     }
     static uint32_t Mask(__m128i equal) { return static_cast<uint32_t>(_mm_movemask_epi8(equal)); }
     static size_t FirstUnit(uint32_t mask) { return static_cast<size_t>(std::countr_zero(mask)) / sizeof(CharT); }
-    static size_t LastUnit(uint32_t mask) {
-        return static_cast<size_t>(31 - std::countl_zero(mask)) / sizeof(CharT);
-    }
+    static size_t LastUnit(uint32_t mask) { return static_cast<size_t>(31 - std::countl_zero(mask)) / sizeof(CharT); }
     /// The mask without the bits of unit `index`.
     static uint32_t Without(uint32_t mask, size_t index) {
         constexpr uint32_t kUnitBits = (1u << sizeof(CharT)) - 1;
@@ -128,8 +126,7 @@ const CharT* FindSequence(const CharT* begin, const CharT* end, const CharT* ite
 }
 
 template <class CharT>
-const CharT* FindLastSequence(const CharT* begin, const CharT* end, const CharT* item, size_t length,
-                              bool ignoreCase) {
+const CharT* FindLastSequence(const CharT* begin, const CharT* end, const CharT* item, size_t length, bool ignoreCase) {
     if (length == 0 || static_cast<size_t>(end - begin) < length) return end;
     const CharT* after = end - length + 1;  // one behind the places still to be looked at
 #ifdef __SSE2__
@@ -154,10 +151,10 @@ const CharT* FindLastSequence(const CharT* begin, const CharT* end, const CharT*
 }
 
 // Byte text, and 16-bit text under the name that it has on this platform.
-#define QV_INSTANTIATE(CharT)                                                                                       \
-    template const CharT* FindLineBreak(const CharT*, const CharT*);                                                \
-    template const CharT* FindUnit(const CharT*, const CharT*, CharT);                                              \
-    template const CharT* FindSequence(const CharT*, const CharT*, const CharT*, size_t, bool);                     \
+#define QV_INSTANTIATE(CharT)                                                                   \
+    template const CharT* FindLineBreak(const CharT*, const CharT*);                            \
+    template const CharT* FindUnit(const CharT*, const CharT*, CharT);                          \
+    template const CharT* FindSequence(const CharT*, const CharT*, const CharT*, size_t, bool); \
     template const CharT* FindLastSequence(const CharT*, const CharT*, const CharT*, size_t, bool);
 QV_INSTANTIATE(char)
 #ifdef _WIN32

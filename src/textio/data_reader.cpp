@@ -32,7 +32,9 @@ uint32_t FileDataReader::Read(void* buffer, uint32_t size, uint32_t& bytesRead) 
     return 1;
 }
 
-void FileDataReader::Close() { m_handle->file.Reset(); }
+void FileDataReader::Close() {
+    m_handle->file.Reset();
+}
 
 uint32_t MemoryDataReader::Read(void* buffer, uint32_t size, uint32_t& bytesRead) {
     bytesRead = std::min(size, m_size - m_position);

@@ -46,7 +46,9 @@ void FileDataWriter::Close() {
     if (!CloseHandle(m_handle->file.Release())) throw QVUtilsException(GetLastError(), "Failed to write data to file");
 }
 
-void FileDataWriter::Abandon() noexcept { m_handle->file.Reset(); }
+void FileDataWriter::Abandon() noexcept {
+    m_handle->file.Reset();
+}
 
 void BufferedDataWriter::Append(const void* data, uint64_t size) {
     const auto* bytes = static_cast<const uint8_t*>(data);

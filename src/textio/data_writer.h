@@ -51,7 +51,8 @@ private:
 };
 
 /// Writes every byte, in as many calls as the writer needs: a successful write may take only a part (a size limit, a
-/// full disk), and the next one then says why. @throws QVUtilsException the writer's, or disk full when it takes nothing
+/// full disk), and the next one then says why. @throws QVUtilsException the writer's, or disk full when it takes
+/// nothing
 void WriteAll(DataWriter& writer, const void* data, uint64_t size);
 
 /// Writes a file. Unbuffered: every write is one call of the system.

@@ -18,11 +18,11 @@ enum class LineBreak : uint8_t {
 /// One line cut from a text. Pointers lead into the text.
 template <class CharT>
 struct LineEnd {
-    const CharT* textEnd;    // behind the line's last character
-    const CharT* nextLine;   // where the next line begins; the text's end after the last one
-    uint8_t breakLength;     // units
+    const CharT* textEnd;   // behind the line's last character
+    const CharT* nextLine;  // where the next line begins; the text's end after the last one
+    uint8_t breakLength;    // units
     LineBreak lineBreak;
-    bool atEndOfData;        // no break was found: in a block that is not the last one, the line may go on
+    bool atEndOfData;  // no break was found: in a block that is not the last one, the line may go on
 };
 
 /// Cuts the first line off [begin, end).

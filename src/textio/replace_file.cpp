@@ -67,7 +67,7 @@ void WriteWithBackupAt(const std::wstring& backup, const ReplaceRequest& request
 
 }  // namespace
 
-uint32_t ReplaceFile(const ReplaceRequest& request, const WriteContent& write) {
+uint32_t ReplaceFileContent(const ReplaceRequest& request, const WriteContent& write) {
     const bool wantsBackup = request.keepBackup || request.dropBackup;
     if (wantsBackup && Win32::Exists(request.target)) {
         const std::wstring backup = FreeBackupName(request.target, Win32::Exists);

@@ -11,7 +11,7 @@ namespace QVUtils {
 
 /// How the target is to be written.
 struct ReplaceRequest {
-    std::wstring source;            // where the content comes from; nobody reads it any more
+    std::wstring source;  // where the content comes from; nobody reads it any more
     std::wstring target;
     bool mayOverwrite = false;      // an existing target is replaced, else it is an error (code 80)
     bool keepBackup = false;        // an existing target is moved aside first, and stays there
@@ -35,6 +35,6 @@ using WriteContent = std::function<void(DataWriter&)>;
 /// Returns 0, or the Windows error code for which a backup that was to be deleted is still there: the new file is
 /// complete all the same.
 /// @throws QVUtilsException whatever moving, opening or writing reports, and what `write` throws
-uint32_t ReplaceFile(const ReplaceRequest& request, const WriteContent& write);
+uint32_t ReplaceFileContent(const ReplaceRequest& request, const WriteContent& write);
 
 }  // namespace QVUtils
