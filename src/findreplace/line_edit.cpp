@@ -1,0 +1,122 @@
+#include "findreplace/line_edit.h"
+
+#include <algorithm>
+
+#include "findreplace/request.h"
+#include "textio/qvutils_exception.h"
+
+namespace QVFindAndReplace {
+
+void ThrowEndlessReplacement() {
+    throw QVUtils::QVUtilsException(QVUtils::ErrorCode::InvalidParameter,
+                                    "The replacement would be replaced again without end");
+}
+
+template <class CharT>
+void LineEdit<CharT>::Begin(View line) {
+    m_line = line;
+    m_isChanged = false;
+    m_passed = 0;
+    m_done.clear();
+    m_ahead = line;
+    m_original = line.size();
+    m_changesSince = m_grownSince = 0;
+}
+
+template <class CharT>
+std::basic_string<CharT> LineEdit<CharT>::GetPart(size_t from, size_t length) const {
+    const View done = GetDone();
+    std::basic_string<CharT> part;
+    if (from < done.size()) part = done.substr(from, length);
+    const size_t fromAhead = from + part.size() - done.size();
+    if (part.size() < length && fromAhead < m_ahead.size()) part += m_ahead.substr(fromAhead, length - part.size());
+    return part;
+}
+
+template <class CharT>
+void LineEdit<CharT>::Skip(Span match) {
+    const size_t lengthBefore = m_ahead.size();
+    Pass(match.start + match.length);
+    GoOnAfter(match, lengthBefore);
+}
+
+template <class CharT>
+void LineEdit<CharT>::Replace(Span match, View replacement) {
+    if (!m_isChanged) {
+        m_isChanged = true;
+        m_done.assign(m_line.begin(), m_line.begin() + static_cast<std::ptrdiff_t>(m_passed));
+    }
+    const size_t lengthBefore = m_ahead.size();
+    Pass(match.start);
+    m_ahead.remove_prefix(match.length);
+    const size_t kept = std::min(replacement.size(), match.length);
+    m_done.insert(m_done.end(), replacement.begin(), replacement.begin() + static_cast<std::ptrdiff_t>(kept));
+    if (replacement.size() > match.length) {
+        CheckThatItEnds(replacement.size() - match.length);
+        PushBack(replacement.substr(match.length));
+    } else {
+        Pass(match.length - kept);
+    }
+    GoOnAfter(match, lengthBefore);
+}
+
+/// Moves the position over text that stays as it is; no further than to the line's end.
+template <class CharT>
+void LineEdit<CharT>::Pass(size_t length) {
+    length = std::min(length, m_ahead.size());
+    if (m_isChanged)
+        m_done.insert(m_done.end(), m_ahead.begin(), m_ahead.begin() + static_cast<std::ptrdiff_t>(length));
+    else
+        m_passed += length;
+    m_ahead.remove_prefix(length);
+}
+
+template <class CharT>
+void LineEdit<CharT>::GoOnAfter(Span match, size_t lengthBefore) {
+    if (match.length > 0) return;
+    const bool wasAtEnd = match.start == lengthBefore;
+    Pass(wasAtEnd ? m_ahead.size() : 1);
+}
+
+/// Puts `text` in front of the text ahead.
+template <class CharT>
+void LineEdit<CharT>::PushBack(View text) {
+    const bool isInRoom = !m_room.empty() && m_ahead.data() >= m_room.data() &&
+                          m_ahead.data() + m_ahead.size() == m_room.data() + m_room.size();
+    const size_t free = isInRoom ? static_cast<size_t>(m_ahead.data() - m_room.data()) : 0;
+    if (free < text.size()) {
+        // Twice the room needed: moving the text is paid for by what fits in front of it before it must move again.
+        const size_t needed = 2 * (m_ahead.size() + text.size());
+        if (m_room.size() >= needed) {
+            std::copy_backward(m_ahead.begin(), m_ahead.end(), m_room.end());
+        } else {
+            std::vector<CharT> larger(needed);
+            std::copy_backward(m_ahead.begin(), m_ahead.end(), larger.end());
+            m_room = std::move(larger);
+        }
+        m_ahead = View(m_room.data() + m_room.size() - m_ahead.size(), m_ahead.size());
+    }
+    CharT* const front = m_room.data() + (m_ahead.data() - m_room.data()) - text.size();
+    std::copy(text.begin(), text.end(), front);
+    m_ahead = View(front, m_ahead.size() + text.size());
+}
+
+/// A replacement that is found again pushes text back without ever passing a unit of the original line. That may go on
+/// for a while in good faith, but not for ten million changes or 64 MB.
+template <class CharT>
+void LineEdit<CharT>::CheckThatItEnds(size_t grownBy) {
+    constexpr uint64_t kMostChanges = 10'000'000;
+    constexpr uint64_t kMostUnits = (64 << 20) / sizeof(CharT);
+    if (m_ahead.size() < m_original) {
+        m_original = m_ahead.size();
+        m_changesSince = m_grownSince = 0;
+    }
+    m_changesSince += 1;
+    m_grownSince += grownBy;
+    if (m_changesSince > kMostChanges || m_grownSince > kMostUnits) ThrowEndlessReplacement();
+}
+
+template class LineEdit<char>;
+template class LineEdit<WideChar>;
+
+}  // namespace QVFindAndReplace

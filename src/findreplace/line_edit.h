@@ -1,0 +1,71 @@
+// line_edit.h - one line while matches in it are replaced one after the other. Knows where the search goes on; finds
+// nothing itself.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "findreplace/line_matcher.h"
+
+namespace QVFindAndReplace {
+
+/// A position in a line cuts it in two: what lies before it is final, what lies ahead of it is still searched.
+///
+/// After a match the position moves behind it as it was found, applied to the line as it then stands. So a longer
+/// replacement is itself searched from there on, and a shorter one lets the position jump over text behind it; behind
+/// the line's end there is nothing to find. After an empty match it moves one character further, at the line's end out
+/// of the line.
+///
+/// The text ahead is kept in one piece with free room in front of it, so that what a longer replacement pushes back in
+/// front costs its own length only: any number of replacements in a line takes time in proportion to the text.
+template <class CharT>
+class LineEdit {
+public:
+    using View = std::basic_string_view<CharT>;
+
+    /// Starts on a line, which must stay where it is until the edit is committed, at its first character.
+    void Begin(View line);
+
+    /// The text to be searched next. Spans below count from its beginning.
+    View GetAhead() const noexcept { return m_ahead; }
+    /// Characters of the line before the text ahead.
+    size_t GetColumn() const noexcept { return m_isChanged ? m_done.size() : m_passed; }
+    bool IsChanged() const noexcept { return m_isChanged; }
+    /// The line's text up to the position and from it on.
+    View GetDone() const noexcept {
+        return m_isChanged ? View(m_done.data(), m_done.size()) : m_line.substr(0, m_passed);
+    }
+
+    /// At most `length` characters of the line as it stands, from column `from` on.
+    std::basic_string<CharT> GetPart(size_t from, size_t length) const;
+
+    /// Moves the position behind a match without changing it.
+    void Skip(Span match);
+
+    /// Replaces a match. @throws QVUtilsException (code 87) when replacements feed on replacements without end
+    void Replace(Span match, View replacement);
+
+private:
+    void Pass(size_t length);
+    void PushBack(View text);
+    void GoOnAfter(Span match, size_t lengthBefore);
+    void CheckThatItEnds(size_t grownBy);
+
+    View m_line;
+    bool m_isChanged = false;
+    size_t m_passed = 0;        // while nothing is changed, the units of m_line that are done
+    std::vector<CharT> m_done;  // from the first change on
+    View m_ahead;
+    std::vector<CharT> m_room;    // holds m_ahead at its end once something was pushed back
+    size_t m_original = 0;        // units of the line as it was that have not been passed yet
+    uint64_t m_changesSince = 0;  // changes, and units grown by, since the last such unit was passed
+    uint64_t m_grownSince = 0;
+};
+
+/// Refuses a replacement that would be replaced again without end: code 87, in words.
+[[noreturn]] void ThrowEndlessReplacement();
+
+}  // namespace QVFindAndReplace

@@ -1,0 +1,100 @@
+#include "findreplace/line_matcher.h"
+
+#include "findreplace/request.h"
+#include "textio/byte_search.h"
+
+namespace QVFindAndReplace {
+namespace {
+
+using QVUtils::FindSequence;
+using QVUtils::FindUnit;
+using QVUtils::FoldCase;
+
+/// What both plain matchers share: hits as long as the item, and the item's text as the quickest sign of a hit.
+template <class CharT>
+class PlainMatcher : public LineMatcher<CharT> {
+public:
+    using View = typename LineMatcher<CharT>::View;
+
+    PlainMatcher(std::basic_string<CharT> item, bool foldsCase) : m_item(std::move(item)), m_foldsCase(foldsCase) {}
+
+    const CharT* FindCandidate(View lines) const override {
+        if (m_item.empty()) return nullptr;
+        const CharT* const end = lines.data() + lines.size();
+        const CharT* const hit = FindSequence(lines.data(), end, m_item.data(), m_item.size(), m_foldsCase);
+        return hit == end ? nullptr : hit;
+    }
+
+    // After a replacement the search goes on inside it, as many characters on as the match was long. An item that is
+    // found in that rest is found there after every further replacement too.
+    bool NeverEndsWith(View replacement) override {
+        Span found;
+        return replacement.size() > m_item.size() && this->Find(replacement.substr(m_item.size()), found);
+    }
+
+protected:
+    const std::basic_string<CharT> m_item;
+    const bool m_foldsCase;
+};
+
+template <class CharT>
+class ExactMatcher final : public PlainMatcher<CharT> {
+public:
+    using View = typename LineMatcher<CharT>::View;
+
+    explicit ExactMatcher(std::basic_string<CharT> item) : PlainMatcher<CharT>(std::move(item), false) {}
+
+    bool Find(View text, Span& found) override {
+        const CharT* const hit = this->FindCandidate(text);
+        if (!hit || FindUnit(text.data(), hit, CharT(0)) != hit) return false;
+        found = {static_cast<size_t>(hit - text.data()), this->m_item.size()};
+        return true;
+    }
+};
+
+template <class CharT>
+class ScanningMatcher final : public PlainMatcher<CharT> {
+public:
+    using View = typename LineMatcher<CharT>::View;
+    static constexpr bool kFoldsCase = sizeof(CharT) == 2;
+
+    explicit ScanningMatcher(std::basic_string<CharT> item) : PlainMatcher<CharT>(std::move(item), kFoldsCase) {}
+
+    bool Find(View text, Span& found) override {
+        const auto& item = this->m_item;
+        if (item.empty()) return false;
+        const CharT* const end = text.data() + text.size();
+        size_t matched = 0;
+        for (const CharT* at = text.data(); at != end; ++at) {
+            if (matched == 0) {
+                at = FindSequence(at, end, item.data(), 1, kFoldsCase);
+                if (at == end) return false;
+            }
+            matched = AreEqual(*at, item[matched]) ? matched + 1 : 0;
+            if (matched == item.size()) {
+                found = {static_cast<size_t>(at - text.data()) + 1 - matched, matched};
+                return true;
+            }
+        }
+        return false;
+    }
+
+private:
+    static bool AreEqual(CharT left, CharT right) {
+        if constexpr (kFoldsCase) return FoldCase(left) == FoldCase(right);
+        return left == right;
+    }
+};
+
+}  // namespace
+
+template <class CharT>
+std::unique_ptr<LineMatcher<CharT>> MakePlainMatcher(std::basic_string<CharT> item, bool ignoreCase) {
+    if (ignoreCase) return std::make_unique<ScanningMatcher<CharT>>(std::move(item));
+    return std::make_unique<ExactMatcher<CharT>>(std::move(item));
+}
+
+template std::unique_ptr<LineMatcher<char>> MakePlainMatcher(std::basic_string<char>, bool);
+template std::unique_ptr<LineMatcher<WideChar>> MakePlainMatcher(std::basic_string<WideChar>, bool);
+
+}  // namespace QVFindAndReplace

@@ -1,0 +1,169 @@
+#include "findreplace/lines.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "findreplace/request.h"
+#include "textio/text_file.h"
+
+namespace QVFindAndReplace {
+
+using QVUtils::LineBreak;
+
+template <class CharT>
+CharT* TextArena<CharT>::Allocate(size_t length) {
+    if (length > m_left) {
+        // A long text gets a block of its own, and the rest of the block in use is kept for short ones.
+        const bool isLong = length > kBlockUnits / 4;
+        m_blocks.push_back(std::make_unique_for_overwrite<CharT[]>(isLong ? length : kBlockUnits));
+        if (isLong) return m_blocks.back().get();
+        m_next = m_blocks.back().get();
+        m_left = kBlockUnits;
+    }
+    CharT* const room = m_next;
+    m_next += length;
+    m_left -= length;
+    return room;
+}
+
+template <class CharT>
+void Lines<CharT>::Load(QVUtils::DataReader& reader, uint64_t expectedSize, uint32_t markSize, uint32_t chunkSize) {
+    QVUtils::RefuseOversizedText(expectedSize);
+    // One chunk more than expected: the last read, which finds the end, needs room too.
+    size_t capacity = static_cast<size_t>(expectedSize) + chunkSize;
+    m_storage = std::make_unique_for_overwrite<uint8_t[]>(capacity);
+    size_t size = 0;
+    for (;;) {
+        if (capacity - size < chunkSize) {
+            capacity = capacity / 2 * 3 + chunkSize;
+            auto larger = std::make_unique_for_overwrite<uint8_t[]>(capacity);
+            std::memcpy(larger.get(), m_storage.get(), size);
+            m_storage = std::move(larger);
+        }
+        uint32_t delivered = 0;
+        reader.Read(m_storage.get() + size, chunkSize, delivered);
+        if (delivered == 0) break;
+        size += delivered;
+        QVUtils::RefuseOversizedText(size);
+    }
+    const auto* const bytes = reinterpret_cast<const char*>(m_storage.get());
+    const size_t mark = std::min<size_t>(markSize, size);
+    const size_t units = (size - mark) / sizeof(CharT);
+    m_mark.assign(bytes, mark);
+    m_halfUnit.assign(bytes + mark + units * sizeof(CharT), bytes + size);
+    m_text = View(reinterpret_cast<const CharT*>(bytes + mark), units);
+}
+
+template <class CharT>
+void Lines<CharT>::MakeRecords() const {
+    constexpr size_t kExpectedLineBytes = 60;
+    m_records.reserve(m_text.size() * sizeof(CharT) / kExpectedLineBytes);
+    const CharT* position = m_text.data();
+    const CharT* const end = position + m_text.size();
+    while (position != end) {
+        const auto line = QVUtils::FindLineEnd(position, end);
+        const auto length = static_cast<uint32_t>(line.textEnd - position);
+        m_records.push_back({position, nullptr, length, length, line.breakLength, line.lineBreak, false, false});
+        position = line.nextLine;
+    }
+    m_hasRecords = true;
+}
+
+template <class CharT>
+void Lines<CharT>::SetLine(uint32_t line, View head, View tail) {
+    LineRecord<CharT>& record = Records()[line];
+    const size_t length = head.size() + tail.size();
+    QVUtils::RefuseOversizedText(length * sizeof(CharT));
+    // Room for one unit at least: an edit to no text at all is an edit too, and shows by its address.
+    CharT* const text = m_arena.Allocate(std::max<size_t>(length, 1));
+    std::copy(head.begin(), head.end(), text);
+    std::copy(tail.begin(), tail.end(), text + head.size());
+    record.edited = text;
+    record.currentLength = static_cast<uint32_t>(length);
+    m_isTouched = true;
+}
+
+template <class CharT>
+void Lines<CharT>::RemoveLine(uint32_t line) {
+    Records()[line].isRemoved = true;
+    m_isTouched = true;
+}
+
+template <class CharT>
+void Lines<CharT>::InsertLine(uint32_t line, View text) {
+    Records()[line].hasInsertedLines = true;
+    m_inserted[line].emplace_back(text);
+    m_isTouched = true;
+}
+
+template <class CharT>
+void Lines<CharT>::Save(QVUtils::DataWriter& writer) const {
+    const auto& records = Records();
+    const auto hasBreak = [](const LineRecord<CharT>& record) { return record.lineBreak != LineBreak::None; };
+    const auto first = std::find_if(records.begin(), records.end(), hasBreak);
+    const LineBreak style = first == records.end() ? LineBreak::Lf : first->lineBreak;
+    writer.SetLineBreak(QVUtils::LineBreakBytes<CharT>(style));
+
+    const auto write = [&](const CharT* text, size_t length) {
+        QVUtils::WriteAll(writer, text, length * sizeof(CharT));
+    };
+    // Neighbouring lines that are written just as they stand in the storage go out in one piece.
+    const CharT* pieceBegin = nullptr;
+    const CharT* pieceEnd = nullptr;
+    const auto writePiece = [&] {
+        write(pieceBegin, static_cast<size_t>(pieceEnd - pieceBegin));
+        pieceBegin = pieceEnd = nullptr;
+    };
+
+    QVUtils::WriteAll(writer, m_mark.data(), m_mark.size());
+    for (uint32_t line = 0; line < records.size(); ++line) {
+        const LineRecord<CharT>& record = records[line];
+        const bool isVerbatim = !record.edited && !record.isRemoved && !record.hasInsertedLines &&
+                                (record.lineBreak == style || record.lineBreak == LineBreak::None);
+        if (isVerbatim) {
+            if (record.text != pieceEnd) {
+                writePiece();
+                pieceBegin = record.text;
+            }
+            pieceEnd = record.text + record.length + record.breakLength;
+            continue;
+        }
+        writePiece();
+        if (!record.isRemoved) {
+            write(record.edited ? record.edited : record.text, record.currentLength);
+            if (hasBreak(record)) writer.WriteNewLine();
+        }
+        if (!record.hasInsertedLines) continue;
+        for (const auto& text : m_inserted.at(line)) {
+            // A line added behind one that has no break (the last one of the file) must not run into it.
+            if (!hasBreak(record)) writer.WriteNewLine();
+            write(text.data(), text.size());
+            if (hasBreak(record)) writer.WriteNewLine();
+        }
+    }
+    writePiece();
+    QVUtils::WriteAll(writer, m_halfUnit.data(), m_halfUnit.size());
+}
+
+template <class CharT>
+uint32_t Lines<CharT>::FindLineOf(const CharT* at, uint32_t first, uint32_t last) const {
+    const auto& records = Records();
+    // Steps that double until they pass the place, then a search in the last step.
+    uint32_t step = 1;
+    while (last - first > step && records[first + step].text <= at) {
+        first += step;
+        step *= 2;
+    }
+    const auto begin = records.begin() + first;
+    const auto end = records.begin() + std::min(last, first + step);
+    const auto behind = std::upper_bound(
+        begin, end, at, [](const CharT* place, const LineRecord<CharT>& record) { return place < record.text; });
+    return static_cast<uint32_t>(behind - records.begin()) - 1;
+}
+
+template class TextArena<char>;
+template class TextArena<WideChar>;
+template class Lines<char>;
+template class Lines<WideChar>;
+
+}  // namespace QVFindAndReplace

@@ -1,0 +1,23 @@
+// matching.h - applies one find-and-replace request to one loaded document.
+#pragma once
+
+#include "findreplace/callback.h"
+#include "findreplace/request.h"
+#include "findreplace/text_document.h"
+
+namespace QVFindAndReplace {
+
+/// Finds and replaces in the mode that the request's options give, and returns the document's change count. With a
+/// callback each match is asked about until the user wants all replaced; without one all are replaced.
+///
+/// One: the first find item by the first replacement item. Many: each find item by the replacement item of its number.
+/// ManySame: each find item by the first replacement item. The pairs are applied one after the other, so a later one
+/// finds what earlier ones put there. Multiline: all find items as consecutive lines. No mode: both texts whole.
+///
+/// An item that the document's encoding cannot hold is not found; such a replacement fails the document at its first
+/// match. @throws QVUtilsException as Request::FindFault says, on a replacement that would never end (code 87), or when
+/// the user cancels (code 1223); WildcardError for a pattern that cannot be read. The document is then not to be saved.
+template <class CharT>
+uint32_t FindAndReplace(TextDocumentT<CharT>& document, Request& request, IFindAndReplaceCallback* callback);
+
+}  // namespace QVFindAndReplace
