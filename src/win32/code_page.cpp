@@ -40,8 +40,7 @@ std::wstring FromCodePage(std::string_view text, uint32_t codePage) {
     const int needed = MultiByteToWideChar(codePage, 0, text.data(), length, nullptr, 0);
     if (needed <= 0) return {};
     std::wstring result(static_cast<size_t>(needed), L'\0');
-    result.resize(
-        static_cast<size_t>(MultiByteToWideChar(codePage, 0, text.data(), length, result.data(), needed)));
+    result.resize(static_cast<size_t>(MultiByteToWideChar(codePage, 0, text.data(), length, result.data(), needed)));
     return result;
 }
 

@@ -74,7 +74,9 @@ bool Exists(const std::wstring& path) {
     return GetFileAttributesW(ExtendedPath(path).c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
-uint32_t MoveFileTo(const std::wstring& from, const std::wstring& to) { return Move(from, to, 0); }
+uint32_t MoveFileTo(const std::wstring& from, const std::wstring& to) {
+    return Move(from, to, 0);
+}
 
 uint32_t MoveFileOver(const std::wstring& from, const std::wstring& to) {
     return Move(from, to, MOVEFILE_REPLACE_EXISTING);

@@ -12,10 +12,10 @@ bool Exists(const std::wstring& path);
 
 /// Windows error code, 0 for success. A file that somebody (a scanner, an indexer) holds for a moment is tried again
 /// for about a quarter of a second before error 32 or 33 is given back.
-uint32_t MoveFileTo(const std::wstring& from, const std::wstring& to);           // fails when `to` exists
-uint32_t MoveFileOver(const std::wstring& from, const std::wstring& to);         // replaces a file at `to`
-uint32_t RemoveFile(const std::wstring& path);                                   // as it stands
-uint32_t RemoveFileWhateverItsAttributes(const std::wstring& path);              // read-only ones too
+uint32_t MoveFileTo(const std::wstring& from, const std::wstring& to);    // fails when `to` exists
+uint32_t MoveFileOver(const std::wstring& from, const std::wstring& to);  // replaces a file at `to`
+uint32_t RemoveFile(const std::wstring& path);                            // as it stands
+uint32_t RemoveFileWhateverItsAttributes(const std::wstring& path);       // read-only ones too
 
 /// True when both paths lead to the same file on disk (another spelling, a hard link, a link to it). False when either
 /// cannot be opened.

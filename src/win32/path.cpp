@@ -9,7 +9,9 @@ namespace {
 // lower limit for both is always right.
 constexpr size_t kShortPathLimit = MAX_PATH - 12;
 
-bool IsSeparator(wchar_t unit) { return unit == L'\\' || unit == L'/'; }
+bool IsSeparator(wchar_t unit) {
+    return unit == L'\\' || unit == L'/';
+}
 
 }  // namespace
 

@@ -47,16 +47,19 @@ TemporaryFolder::TemporaryFolder() {
     static std::atomic<unsigned> counter = 0;
     std::wstring base(MAX_PATH + 1, L'\0');
     base.resize(GetTempPathW(static_cast<DWORD>(base.size()), base.data()));
-    const std::wstring name =
-        L"qvtest-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++counter);
+    const std::wstring name = L"qvtest-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++counter);
     m_path = Win32::JoinPath(base, name);
     RemoveTree(m_path);
     if (!CreateDirectoryW(m_path.c_str(), nullptr)) ADD_FAILURE() << "cannot make the test's folder";
 }
 
-TemporaryFolder::~TemporaryFolder() { RemoveTree(m_path); }
+TemporaryFolder::~TemporaryFolder() {
+    RemoveTree(m_path);
+}
 
-std::wstring TemporaryFolder::operator/(std::wstring_view name) const { return Win32::JoinPath(m_path, name); }
+std::wstring TemporaryFolder::operator/(std::wstring_view name) const {
+    return Win32::JoinPath(m_path, name);
+}
 
 std::wstring TemporaryFolder::Write(std::wstring_view name, std::string_view bytes) const {
     const std::wstring path = *this / name;

@@ -1,0 +1,105 @@
+#include "fileutils/command_table.h"
+
+#include "fileutils/find_replace_command.h"
+
+namespace FileUtils {
+namespace {
+
+using namespace Quorvane::SDK;
+
+// A row without a handler is in the menu, and its command is answered as not handled.
+constexpr CommandHandler kNotHandled = nullptr;
+
+constexpr CommandRow kMenuCommands[] = {
+    // id    submenu  text    shortcut     handler
+    {30000, 2001_m, 2100_m, 0x0049004A, kNotHandled},  {30001, 2001_m, 2101_m, 0x004D004A, kNotHandled},
+    {30002, 2001_m, 2102_m, kNoShortcut, kNotHandled}, {30010, 2001_m, 2110_m, kNoShortcut, kNotHandled},
+    {30020, 2001_m, 2120_m, kNoShortcut, kNotHandled}, {30101, 2002_m, 2201_m, kNoShortcut, kNotHandled},
+    {30102, 2002_m, 2202_m, 0x0049004B, kNotHandled},  {30103, 2002_m, 2203_m, kNoShortcut, kNotHandled},
+    {30110, 2002_m, 2204_m, kNoShortcut, kNotHandled}, {30200, 2002_m, 2210_m, kNoShortcut, kNotHandled},
+    {30201, 2002_m, 2211_m, kNoShortcut, kNotHandled}, {30150, 2002_m, 2220_m, kNoShortcut, kNotHandled},
+    {30151, 2002_m, 2221_m, kNoShortcut, kNotHandled}, {30210, 2003_m, 2240_m, kNoShortcut, kNotHandled},
+    {30211, 2003_m, 2241_m, kNoShortcut, kNotHandled}, {30300, 2300_m, 2301_m, kNoShortcut, kNotHandled},
+    {30310, 2300_m, 2310_m, kNoShortcut, kNotHandled}, {30311, 2300_m, 2311_m, kNoShortcut, kNotHandled},
+    {30350, 2400_m, 2401_m, kNoShortcut, kNotHandled},
+};
+
+constexpr uint32_t kSwitch = ParameterFlags::Switch;
+constexpr uint32_t kText = ParameterFlags::Text;
+constexpr uint32_t kNumber = ParameterFlags::Number;
+constexpr uint32_t kRequired = ParameterFlags::Required;
+
+constexpr ParameterRow kCreateLinkParameters[] = {
+    {"LNKTYPE", kRequired | kNumber, 51_c},
+    {"LNKSRC", kRequired | kText, 52_c},
+    {"LNKTRG", kRequired | kText, 53_c},
+    {"ASADMIN", kSwitch, 54_c},
+};
+
+constexpr ParameterRow kSortLinesParameters[] = {
+    {"FILE", kRequired | kText, 61_c},
+    {"TARGET", kText, 62_c},
+    {"SORTBY", kText, 63_c},
+    {"KEEPTOP", kNumber, 64_c},
+    {"KEEPBOTTOM", kNumber, 65_c},
+    {"LINEOFFSET", kNumber, 66_c},
+    {"SKIPLEADINGSPACE", kSwitch, 67_c},
+    {"IGNORECASE", kSwitch, 68_c},
+    {"LANGUAGEORDER", kSwitch, 69_c},
+    {"NATRUALNUMORDER", kSwitch, 70_c},  // spelled so on purpose: scripts use it
+    {"REVERSE", kSwitch, 71_c},
+    {"OVERWRITE", kSwitch, 72_c},
+    {"SORTAS", kText, 73_c},
+    {"DATEFORMAT", kText, 74_c},
+    {"ITEMSEP", kText, 75_c},
+    {"ITEM", kText, 76_c},       // a number, yet registered as text: scripts rely on that too
+    {"SUBSTRLEN", kText, 77_c},  // likewise
+    {"ENDCHAR", kText, 78_c},
+    {"ENDATWHITESPACE", kSwitch, 79_c},
+    {"KEEPBACKUP", kSwitch, 80_c},
+    {"DELETE", kSwitch, 81_c},
+    {"SILENT", kSwitch, 82_c},
+};
+
+constexpr ParameterRow kFindAndReplaceParameters[] = {
+    {"FILE", kRequired | kText, 91_c},
+    {"TARGET", kText, 62_c},
+    {"FIND", kRequired | kText, 92_c},
+    {"REPLACEWITH", kRequired | kText, 93_c},
+    {"MODE", kText, 95_c},
+    {"REPLACEALL", kSwitch, 94_c},
+    {"IGNORECASE", kSwitch, 68_c},  // registered, never read: see the command
+    {"FORCEUTF8", kSwitch, 96_c},
+    {"WILDCARD", kSwitch, 97_c},
+    {"OVERWRITE", kSwitch, 72_c},
+    {"KEEPBACKUP", kSwitch, 80_c},
+    {"DELETE", kSwitch, 81_c},
+    {"SILENT", kSwitch, 82_c},
+};
+
+constexpr CustomCommandRow kCustomCommands[] = {
+    {"CreateLink", 30351, 50_c, kCreateLinkParameters, nullptr},
+    {"SortLines", 30352, 60_c, kSortLinesParameters, nullptr},
+    {"FindAndReplace", 30353, 90_c, kFindAndReplaceParameters, RunFindAndReplaceCommand},
+};
+
+constexpr ElevatedRow kElevatedRequests[] = {
+    {5000, nullptr},  // take ownership
+    {5001, nullptr},  // grant access
+    {5003, nullptr},  // reset the access list
+    {5004, nullptr},  // create a link
+};
+
+}  // namespace
+
+std::span<const CommandRow> MenuCommands() {
+    return kMenuCommands;
+}
+std::span<const CustomCommandRow> CustomCommands() {
+    return kCustomCommands;
+}
+std::span<const ElevatedRow> ElevatedRequests() {
+    return kElevatedRequests;
+}
+
+}  // namespace FileUtils

@@ -1,0 +1,98 @@
+#include "fileutils/cqvutils.h"
+
+#include <algorithm>
+
+#include "fileutils/command_table.h"
+#include "fileutils/extension_ids.h"
+#include "sdk/boundary.h"
+
+namespace FileUtils {
+namespace {
+
+using namespace Quorvane::SDK;
+
+void BuildMenus(IHostServices& host) {
+    IMenuBuilder* const builder = host.GetMenuBuilder();
+    ICommandFactory* const factory = host.GetCommandFactory();
+    if (!builder || !factory) return;
+    Menu* const root = builder->CreateRootMenu(kRootMenuText, 1, 0);
+    TextId openText = kNoText;
+    Menu* open = nullptr;
+    for (const CommandRow& row : MenuCommands()) {
+        if (row.subMenu != openText) {
+            open = builder->AddSubMenu(root, row.subMenu, 1, 1);
+            openText = row.subMenu;
+        }
+        Command* const command = factory->CreateCommand(row.id, kCommandFlags, row.text, row.text, row.shortcut, 0);
+        if (open && command) builder->AddCommand(open, command, 1, 0);
+    }
+}
+
+void RegisterCustomCommands(IHostServices& host) {
+    ICustomCommandRegistry* const registry = host.GetCustomCommandRegistry(kModuleName);
+    if (!registry || registry->IsRegistered()) return;
+    for (const CustomCommandRow& row : CustomCommands()) {
+        ICustomCommand* const command =
+            registry->AddCustomCommand(row.name, row.id, kCustomCommandFlags, kCustomCommandMoreFlags);
+        if (!command) continue;
+        command->SetDescription(host.GetText(row.description));
+        for (const ParameterRow& parameter : row.parameters)
+            command->AddParameter(parameter.name, parameter.flags, host.GetText(parameter.description));
+    }
+    registry->Commit(1);
+}
+
+/// The first row for which `matches` holds; null when there is none.
+template <class Row, class Matches>
+const Row* FindRow(std::span<const Row> rows, Matches&& matches) {
+    const auto found = std::find_if(rows.begin(), rows.end(), matches);
+    return found == rows.end() ? nullptr : &*found;
+}
+
+}  // namespace
+
+uint32_t CQVUtils::Init(IHostServices* services) {
+    return AtBoundary(0u, [&] {
+        if (!services) return 0u;
+        BuildMenus(*services);
+        RegisterCustomCommands(*services);
+        return 1u;
+    });
+}
+
+uint32_t CQVUtils::SetHost(IHostServices* services) {
+    m_services = services;
+    return 1;
+}
+
+const char* CQVUtils::GetId() {
+    return kExtensionId;
+}
+
+uint32_t CQVUtils::OnCommand(uint32_t id, uintptr_t, uintptr_t) {
+    return AtBoundary(0u, [&] {
+        if (id == kCommandShutdown) return Shutdown();
+        const CommandRow* const row = FindRow(MenuCommands(), [&](const CommandRow& r) { return r.id == id; });
+        return m_services && row && row->handler ? row->handler(*m_services, id) : 0u;
+    });
+}
+
+uint32_t CQVUtils::OnCustomCommand(ICustomCommandCall* call) {
+    return AtBoundary(0u, [&] {
+        if (!m_services || !call) return 0u;
+        const uint32_t id = call->GetCommandId();
+        const CustomCommandRow* const row =
+            FindRow(CustomCommands(), [&](const CustomCommandRow& r) { return r.id == id; });
+        return row && row->handler ? row->handler(*m_services, *call) : 0u;
+    });
+}
+
+uint32_t CQVUtils::OnElevatedRequest(uint32_t requestId, IRequestMessage* message) {
+    return AtBoundary(0u, [&] {
+        const ElevatedRow* const row =
+            FindRow(ElevatedRequests(), [&](const ElevatedRow& r) { return r.requestId == requestId; });
+        return m_services && message && row && row->handler ? row->handler(*m_services, *message) : 0u;
+    });
+}
+
+}  // namespace FileUtils
