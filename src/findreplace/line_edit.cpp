@@ -15,7 +15,7 @@ void ThrowEndlessReplacement() {
 template <class CharT>
 void LineEdit<CharT>::Begin(View line) {
     m_line = line;
-    m_isChanged = false;
+    m_isChanged = m_isFinished = false;
     m_passed = 0;
     m_done.clear();
     m_ahead = line;
@@ -60,10 +60,13 @@ void LineEdit<CharT>::Replace(Span match, View replacement) {
     GoOnAfter(match, lengthBefore);
 }
 
-/// Moves the position over text that stays as it is; no further than to the line's end.
+/// Moves the position over text that stays as it is. Further than to the line's end means out of the line.
 template <class CharT>
 void LineEdit<CharT>::Pass(size_t length) {
-    length = std::min(length, m_ahead.size());
+    if (length > m_ahead.size()) {
+        m_isFinished = true;
+        length = m_ahead.size();
+    }
     if (m_isChanged)
         m_done.insert(m_done.end(), m_ahead.begin(), m_ahead.begin() + static_cast<std::ptrdiff_t>(length));
     else
@@ -75,7 +78,7 @@ template <class CharT>
 void LineEdit<CharT>::GoOnAfter(Span match, size_t lengthBefore) {
     if (match.length > 0) return;
     const bool wasAtEnd = match.start == lengthBefore;
-    Pass(wasAtEnd ? m_ahead.size() : 1);
+    Pass(wasAtEnd ? m_ahead.size() + 1 : 1);
 }
 
 /// Puts `text` in front of the text ahead.

@@ -29,6 +29,9 @@ public:
     /// Starts on a line, which must stay where it is until the edit is committed, at its first character.
     void Begin(View line);
 
+    /// True once the position has left the line: there is nothing more to search in it, not even for an empty match.
+    bool IsFinished() const noexcept { return m_isFinished; }
+
     /// The text to be searched next. Spans below count from its beginning.
     View GetAhead() const noexcept { return m_ahead; }
     /// Characters of the line before the text ahead.
@@ -56,6 +59,7 @@ private:
 
     View m_line;
     bool m_isChanged = false;
+    bool m_isFinished = false;
     size_t m_passed = 0;        // while nothing is changed, the units of m_line that are done
     std::vector<CharT> m_done;  // from the first change on
     View m_ahead;

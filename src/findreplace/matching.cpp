@@ -82,7 +82,7 @@ private:
     void EditLine(const Pair& pair, uint32_t line) {
         m_edit.Begin(m_lines.GetLine(line));
         m_lineInEdit = line;
-        for (Span span; pair.matcher->Find(m_edit.GetAhead(), span);) {
+        for (Span span; !m_edit.IsFinished() && pair.matcher->Find(m_edit.GetAhead(), span);) {
             if (!pair.replacement) ThrowUnrepresentable();
             const auto column = static_cast<uint32_t>(m_edit.GetColumn() + span.start);
             const Match match = {line, column, line, static_cast<uint32_t>(column + span.length)};

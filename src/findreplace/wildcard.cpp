@@ -90,7 +90,7 @@ private:
         Quantifier quantifier = {};
         quantifier.least = quantifier.most = ReadCount();
         if (ReadsOn(CharT(','))) quantifier.most = !AtEnd() && IsDigit(Peek()) ? ReadCount() : kUnbounded;
-        if (!ReadsOn(CharT('}'))) Fail(RegexError::error_badbrace);
+        if (!ReadsOn(CharT('}'))) Fail(Peek() == CharT(',') ? RegexError::error_brace : RegexError::error_badbrace);
         if (quantifier.most < quantifier.least) Fail(RegexError::error_badbrace);
         return quantifier;
     }

@@ -1,0 +1,126 @@
+#include "findreplace/line_edit.h"
+
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "findreplace/line_matcher.h"
+#include "findreplace/wildcard.h"
+#include "textio/qvutils_exception.h"
+
+using namespace QVFindAndReplace;
+
+namespace {
+
+/// The rule about the position, written down literally on a whole string.
+std::string ReplaceLiterally(std::string line, LineMatcher<char>& matcher, const std::string& replacement,
+                             std::mt19937* skips, int& changes) {
+    size_t column = 0;
+    for (Span span; column <= line.size() && changes < 1000;) {
+        if (!matcher.Find(std::string_view(line).substr(column), span)) break;
+        const size_t start = column + span.start;
+        const bool wasAtEnd = start == line.size();
+        if (!skips || (*skips)() % 2) {
+            line.replace(start, span.length, replacement);
+            ++changes;
+        }
+        column = start + span.length;
+        if (span.length == 0) {
+            if (wasAtEnd) break;
+            ++column;
+        }
+    }
+    return line;
+}
+
+std::string ReplaceByEdit(const std::string& line, LineMatcher<char>& matcher, const std::string& replacement,
+                          std::mt19937* skips, int& changes) {
+    LineEdit<char> edit;
+    edit.Begin(line);
+    for (Span span; changes < 1000 && !edit.IsFinished() && matcher.Find(edit.GetAhead(), span);) {
+        if (!skips || (*skips)() % 2) {
+            edit.Replace(span, replacement);
+            ++changes;
+        } else {
+            edit.Skip(span);
+        }
+    }
+    return edit.GetPart(0, 1'000'000);
+}
+
+std::string RandomText(std::mt19937& random, size_t longest, const std::string& units) {
+    std::string text;
+    for (size_t length = random() % (longest + 1); text.size() < length;) text += units[random() % units.size()];
+    return text;
+}
+
+}  // namespace
+
+TEST(LineEdit, MovesThePositionAsTheRuleSays) {
+    std::mt19937 random(2);
+    int endless = 0;
+    for (int round = 0; round < 60'000; ++round) {
+        const std::string line = RandomText(random, 14, "aab");
+        const std::string replacement = RandomText(random, 5, "abc");
+        const int kind = static_cast<int>(random() % 3);
+        const std::string item = kind == 2 ? RandomText(random, 3, "ab?*") : RandomText(random, 3, "ab");
+        const auto matcher =
+            kind == 2 ? MakeWildcardMatcher<char>(item, false) : MakePlainMatcher<char>(item, kind == 1);
+        const uint32_t seed = random();
+        std::mt19937 skips(seed);
+        std::mt19937 sameSkips(seed);
+        const bool withSkips = seed % 2 == 0;
+        int expectedChanges = 0;
+        int changes = 0;
+        const std::string expected =
+            ReplaceLiterally(line, *matcher, replacement, withSkips ? &skips : nullptr, expectedChanges);
+        if (expectedChanges >= 1000) {
+            ++endless;
+            continue;  // replaced without end: another test
+        }
+        ASSERT_EQ(ReplaceByEdit(line, *matcher, replacement, withSkips ? &sameSkips : nullptr, changes), expected)
+            << line << " find " << item << " replace " << replacement;
+        ASSERT_EQ(changes, expectedChanges);
+    }
+    EXPECT_LT(endless, 30'000);
+}
+
+TEST(LineEdit, PlainItemsKnowWhenTheyWouldNeverEnd) {
+    std::mt19937 random(3);
+    for (int round = 0; round < 20'000; ++round) {
+        const std::string item = RandomText(random, 2, "ab") + "a";
+        const std::string replacement = RandomText(random, 6, "ab");
+        const auto matcher = MakePlainMatcher<char>(item, random() % 2 == 0);
+        int changes = 0;
+        Span span;
+        const std::string line = "b" + item + "b";
+        if (!matcher->Find(line, span)) continue;
+        ReplaceLiterally(line, *matcher, replacement, nullptr, changes);
+        ASSERT_EQ(matcher->NeverEndsWith(replacement), changes >= 1000) << item << " replace " << replacement;
+    }
+}
+
+TEST(LineEdit, RefusesToGrowWithoutEnd) {
+    const auto matcher = MakeWildcardMatcher<char>("a?", false);
+    LineEdit<char> edit;
+    edit.Begin("xay");
+    EXPECT_THROW(
+        {
+            for (Span span; !edit.IsFinished() && matcher->Find(edit.GetAhead(), span);) edit.Replace(span, "aaaa");
+        },
+        QVUtils::QVUtilsException);
+}
+
+TEST(LineEdit, AMillionLongerReplacementsInOneLineStayLinear) {
+    std::string line;
+    for (int i = 0; i < 1'000'000; ++i) line += "ab";
+    const auto matcher = MakePlainMatcher<char>("a", false);
+    LineEdit<char> edit;
+    edit.Begin(line);
+    int changes = 0;
+    for (Span span; !edit.IsFinished() && matcher->Find(edit.GetAhead(), span); ++changes) edit.Replace(span, "xyz");
+    EXPECT_EQ(changes, 1'000'000);
+    EXPECT_EQ(edit.GetPart(0, 12), "xyzbxyzbxyzb");
+    EXPECT_EQ(edit.GetDone().size() + edit.GetAhead().size(), 4'000'000u);
+}

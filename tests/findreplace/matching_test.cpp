@@ -1,0 +1,252 @@
+#include "findreplace/matching.h"
+
+#include <regex>
+
+#include <gtest/gtest.h>
+
+#include "findreplace/recording_callback.h"
+
+using namespace QVFindAndReplace;
+using QVTest::RecordingCallback;
+using QVTest::ToNarrow;
+using QVUtils::EncodingKind;
+
+namespace {
+
+class StringWriter final : public QVUtils::DataWriter {
+public:
+    uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* bytesWritten) override {
+        text.append(static_cast<const char*>(buffer), size);
+        *bytesWritten = size;
+        return 1;
+    }
+    std::string text;
+};
+
+template <class CharT>
+struct Outcome {
+    std::string text;  // the saved text, narrowed
+    uint32_t changes = 0;
+    std::string error;  // its text, when it failed
+    uint32_t code = 0;
+};
+
+/// Applies a request to a text and saves what came of it.
+template <class CharT>
+Outcome<CharT> Apply(const std::string& text, uint32_t options, const std::wstring& find,
+                     const std::wstring& replacement, IFindAndReplaceCallback* callback = nullptr) {
+    const std::basic_string<CharT> wide(text.begin(), text.end());
+    TextDocumentT<CharT> document(sizeof(CharT) == 1 ? EncodingKind::CodePage : EncodingKind::Utf16);
+    QVUtils::MemoryDataReader reader(wide.data(), static_cast<uint32_t>(wide.size() * sizeof(CharT)), false);
+    document.GetLines().Load(reader, wide.size(), 0);
+    Request request(options, find, replacement, ToNarrow);
+    Outcome<CharT> outcome;
+    try {
+        outcome.changes = FindAndReplace(document, request, callback);
+    } catch (const QVUtils::QVUtilsException& failure) {
+        outcome.error = failure.what();
+        outcome.code = failure.GetErrorCode();
+        return outcome;
+    }
+    StringWriter writer;
+    document.Save(writer);
+    const auto* const units = reinterpret_cast<const CharT*>(writer.text.data());
+    for (size_t i = 0; i < writer.text.size() / sizeof(CharT); ++i) outcome.text += static_cast<char>(units[i]);
+    return outcome;
+}
+
+template <class CharT>
+class Matching : public testing::Test {};
+using Widths = testing::Types<char, wchar_t>;
+TYPED_TEST_SUITE(Matching, Widths);
+
+constexpr uint32_t kOne = Option::ModeOne;
+constexpr uint32_t kMany = Option::ModeMany;
+constexpr uint32_t kManySame = Option::ModeManySame;
+constexpr uint32_t kMultiline = Option::ModeMultiline;
+constexpr uint32_t kWildcard = Option::Wildcard;
+constexpr uint32_t kIgnoreCase = Option::IgnoreCase;
+
+}  // namespace
+
+TYPED_TEST(Matching, EachModeReplacesItsWay) {
+    const struct {
+        const char* why;
+        uint32_t options;
+        std::string text;
+        const wchar_t* find;
+        const wchar_t* replacement;
+        std::string expected;
+        uint32_t changes;
+    } cases[] = {
+        {"one item everywhere", kOne, "a b a\nba\n", L"a", L"x", "x b x\nbx\n", 3},
+        {"only the first items count", kOne, "a b", L"a\nb", L"x\ny", "x b", 1},
+        {"an empty find text does nothing", kOne, "a", L"", L"x", "a", 0},
+        {"an empty first item too", kOne, "a", L"\na", L"x", "a", 0},
+        {"no mode takes texts whole", 0, "a b", L"a", L"x\ny", "x\ny b", 1},
+        {"a find text over lines has no hit in one", 0, "a\nb", L"a\nb", L"x", "a\nb", 0},
+        {"pairs by number", kMany, "a b", L"a\nb", L"1\n2", "1 2", 2},
+        {"later pairs see what earlier ones put", kMany, "a", L"a\nb", L"b\nc", "c", 2},
+        {"many wins over same", kMany | kManySame, "a b", L"a\nb", L"1\n2", "1 2", 2},
+        {"all by the first", kManySame, "a b c", L"a\nc", L"x\ny", "x b x", 2},
+        {"all by nothing", kManySame, "a b c", L"a\nc", L"", " b ", 2},
+        {"an empty item among others is passed over", kManySame, "a b", L"a\n\nb", L"x", "x x", 2},
+        {"CR LF and a lone CR cut items too", kManySame, "a b c", L"a\r\nb\rc", L"x", "x x x", 3},
+        {"breaks take the style of the first", kOne, "a\r\na\na", L"a", L"b", "b\r\nb\r\nb", 3},
+        {"a lone CR is lost", kOne, "a\ra", L"a", L"b", "bb", 2},
+        {"a shorter replacement jumps over what follows", kOne, "aaXXaab", L"aa", L"", "XXb", 2},
+        {"jumping over a hit", kOne, "aXXb", L"X", L"", "aXb", 1},
+        {"jumping out of the line", kOne, "abc\nabc", L"abc", L"x", "x\nx", 2},
+        {"the rest of a longer replacement is searched", kOne, "abb", L"ab", L"xxa", "xxxxa", 2},
+        {"a zero ends the search in its line", kOne, std::string("a\0a\na", 5), L"a", L"b", std::string("b\0a\nb", 5),
+         2},
+        {"but not the scan that ignores case", kOne | kIgnoreCase, std::string("a\0a", 3), L"a", L"b",
+         std::string("b\0b", 3), 2},
+        {"the scan never steps back", kOne | kIgnoreCase, "aab ab", L"ab", L"x", "aab x", 1},
+        {"wildcards", kOne | kWildcard, "abc   a.c ac", L"a?c", L"x", "x   x ac", 2},
+        {"special characters are plain", kOne | kWildcard, "a.c abc [x]", L"a.c", L"x", "x abc [x]", 1},
+        {"a brace counts", kOne | kWildcard, "xxx", L"x{2}", L"y", "yx", 1},
+        {"wildcards ignore case", kOne | kWildcard | kIgnoreCase, "ABC", L"a*", L"x", "x", 1},
+        {"a star on an empty line", kOne | kWildcard, "\nab\n", L"*", L"", "\n\n", 2},
+        {"empty hits with nothing to put in", kOne | kWildcard, "ab", L"x{0}", L"", "ab", 3},
+        {"an empty document", kOne, "", L"a", L"b", "", 0},
+    };
+    for (const auto& c : cases) {
+        const auto outcome = Apply<TypeParam>(c.text, c.options, c.find, c.replacement);
+        EXPECT_EQ(outcome.text, c.expected) << c.why << " " << outcome.error;
+        EXPECT_EQ(outcome.changes, c.changes) << c.why;
+    }
+}
+
+TYPED_TEST(Matching, MultilineComparesFirstAndLastLines) {
+    const struct {
+        const char* why;
+        std::string text;
+        const wchar_t* find;
+        const wchar_t* replacement;
+        std::string expected;
+        uint32_t changes;
+    } cases[] = {
+        {"two by one: the last line stays", "1a\nb2\n", L"a\nb", L"x", "1x\nb2\n", 1},
+        {"two by two", "1a\nb2\n", L"a\nb", L"x\ny", "1x\ny2\n", 1},
+        {"two by three", "1a\nb2\n", L"a\nb", L"x\nn\ny", "1x\nn\ny2\n", 1},
+        {"what follows the first item goes", "a tail\nb\n", L"a\nb", L"x\ny", "x\ny\n", 1},
+        {"the last must begin its line", "a\n b\n", L"a\nb", L"x\ny", "a\n b\n", 0},
+        {"three: whatever the middle holds", "a\nanything\nc\n", L"a\nb\nc", L"x\ny", "x\ny\n", 1},
+        {"five: the first middle line counts", "a\nB\n?\n?\ne\n", L"a\nb\nc\nd\ne", L"x", "a\nB\n?\n?\ne\n", 0},
+        {"five: the last two do not", "a\nb\n?\n?\ne\n", L"a\nb\nc\nd\ne", L"x\ny", "x\ny\n", 1},
+        {"again from the match's end", "a\nba\nb\n", L"a\nb", L"x\ny", "x\nyx\ny\n", 2},
+        {"the table's end", "a\n", L"a\nb", L"x\ny", "a\n", 0},
+        {"one line by one", "a a\n", L"a", L"x", "x x\n", 2},
+        {"one line by two: the second follows the line", "1a2\n", L"a", L"x\ny", "1x2\ny\n", 1},
+        {"no replacement line counts as an empty one", "1a2\n", L"a", L"", "12\n", 1},
+        {"an empty last line fits everywhere", "a\nb\na\nb", L"a\n\n", L"x\ny", "x\nyb\nx\nyb", 2},
+        {"an empty first line is found where the search stands", "q\nb\n", L"\nb", L"x\ny", "x\ny\n", 1},
+        {"lines that were put there are not searched", "a\n", L"a", L"x\na", "x\na\n", 1},
+    };
+    for (const auto& c : cases) {
+        const auto outcome = Apply<TypeParam>(c.text, kMultiline, c.find, c.replacement);
+        EXPECT_EQ(outcome.text, c.expected) << c.why << " " << outcome.error;
+        EXPECT_EQ(outcome.changes, c.changes) << c.why;
+    }
+}
+
+TYPED_TEST(Matching, ManyMultilineMatchesStayLinear) {
+    std::string text;
+    for (int i = 0; i < 300'000; ++i) text += "a\nb\n";
+    EXPECT_EQ(Apply<TypeParam>(text, kMultiline, L"a\nb", L"x\ny").changes, 300'000u);
+    EXPECT_EQ(Apply<TypeParam>(text, kMultiline, L"a\n\n", L"x\ny").changes, 300'000u);
+}
+
+TYPED_TEST(Matching, RefusesWhatCannotWork) {
+    const struct {
+        uint32_t options;
+        const wchar_t* find;
+        const wchar_t* replacement;
+        const char* error;
+        uint32_t code;
+    } cases[] = {
+        {kOne, L"", L"", "Find match are too short. Atleast one character need", 87},
+        {0, L"", L"x", "Find match are too short. Atleast one character need", 87},
+        {kMany, L"", L"x", "To few find items. Atleast one must be set", 87},
+        {kMany, L"a\nb", L"x", "Find and Replace item do not match", 87},
+        {kManySame, L"", L"x", "To few find items. Atleast one must be set", 87},
+        {kMultiline, L"", L"x", "To few find items. Atleast one must be set", 87},
+        {kOne, L"a", L"aa", "The replacement would be replaced again without end", 87},
+        {kOne, L"a", L"_a", "The replacement would be replaced again without end", 87},
+        {kOne, L"-", L"--", "The replacement would be replaced again without end", 87},
+        {kOne | kWildcard, L"x{0}", L"y", "The replacement would be replaced again without end", 87},
+        {kOne | kWildcard, L"a?", L"aaaa", "The replacement would be replaced again without end", 87},
+    };
+    for (const auto& c : cases) {
+        const auto outcome = Apply<TypeParam>("ab - a", c.options, c.find, c.replacement);
+        EXPECT_EQ(outcome.error, c.error);
+        EXPECT_EQ(outcome.code, c.code);
+    }
+    EXPECT_EQ(Apply<TypeParam>("bcd", kOne, L"a", L"aa").error, "");  // no hit, nothing to refuse
+    EXPECT_THROW(Apply<TypeParam>("", kOne | kWildcard, L"x{", L"y"), std::regex_error);
+}
+
+TEST(Matching, IgnoresCaseInPlainTextOfSixteenBitsOnly) {
+    EXPECT_EQ(Apply<wchar_t>("abc", kOne | kIgnoreCase, L"ABC", L"x").changes, 1u);
+    EXPECT_EQ(Apply<char>("abc", kOne | kIgnoreCase, L"ABC", L"x").changes, 0u);
+}
+
+TEST(Matching, TextsThatTheEncodingCannotHoldAreNeverChangedOnTheWay) {
+    EXPECT_EQ(Apply<char>("? 8 a", kOne, L"\x4E2D", L"x").text, "? 8 a");
+    EXPECT_EQ(Apply<char>("? 8 a", kOne, L"\x221E", L"x").text, "? 8 a");
+    const auto outcome = Apply<char>("a", kOne, L"a", L"\x4E2D");
+    EXPECT_EQ(outcome.code, 1113u);
+    EXPECT_EQ(Apply<char>("b", kOne, L"a", L"\x4E2D").error, "");
+}
+
+TYPED_TEST(Matching, AsksAboutEachMatchUntilAllAreWanted) {
+    const struct {
+        const char* why;
+        std::vector<uint32_t> answers;
+        std::string expected;
+        uint32_t changes;
+        size_t questions;
+    } cases[] = {
+        {"each", {Answer::Replace}, "x x\nx\n", 3, 3},
+        {"none", {Answer::FindNext}, "a a\na\n", 0, 3},
+        {"the second", {Answer::FindNext, Answer::ReplaceToo, Answer::FindNext}, "a x\na\n", 1, 3},
+        {"all from the second on", {Answer::FindNext, Answer::ReplaceAll}, "a x\nx\n", 2, 2},
+        {"unknown answers skip", {4}, "a a\na\n", 0, 3},
+    };
+    for (const auto& c : cases) {
+        RecordingCallback callback(c.answers);
+        const auto outcome = Apply<TypeParam>("a a\na\n", kOne, L"a", L"x", &callback);
+        EXPECT_EQ(outcome.text, c.expected) << c.why;
+        EXPECT_EQ(outcome.changes, c.changes) << c.why;
+        EXPECT_EQ(callback.shown, std::vector<std::string>(c.questions, "a")) << c.why;
+    }
+}
+
+TYPED_TEST(Matching, CancellingFailsSingleLineModesAndEndsMultilineQuietly) {
+    RecordingCallback callback({Answer::Replace, Answer::Cancel});
+    const auto single = Apply<TypeParam>("a a", kOne, L"a", L"x", &callback);
+    EXPECT_EQ(single.error, "Operation cancelled by user");
+    EXPECT_EQ(single.code, 1223u);
+    for (const wchar_t* const find : {L"a", L"a\nb"}) {
+        RecordingCallback again({Answer::Replace, Answer::Cancel});
+        const auto multiline = Apply<TypeParam>("a\nb\na\nb\n", kMultiline, find, L"x\ny", &again);
+        EXPECT_EQ(multiline.error, "");
+        EXPECT_EQ(multiline.changes, 1u);
+        EXPECT_TRUE(again.isCancelled);
+        EXPECT_EQ(again.lastReplacement, "x\r\ny");
+        EXPECT_EQ(again.lastLength, kZeroTerminated);
+    }
+}
+
+TYPED_TEST(Matching, QuestionsShowTheMatchAlsoInLinesTooLongToShow) {
+    const std::string text = "before\n" + std::string(5000, '.') + "hit" + std::string(5000, '.') + "\nafter\nfar\n";
+    RecordingCallback callback({Answer::FindNext});
+    Apply<TypeParam>(text, kOne, L"hit", L"x", &callback);
+    ASSERT_EQ(callback.matches.size(), 1u);
+    EXPECT_EQ(callback.shown[0], "hit");
+    EXPECT_EQ(callback.matches[0].startLine, 1u);
+    EXPECT_EQ(callback.matches[0].startColumn, 5000u);
+    EXPECT_EQ(callback.matches[0].endColumn, 5003u);
+    EXPECT_LT(callback.matches[0].contextOffset, 1100u);
+}

@@ -1,0 +1,121 @@
+#include "findreplace/process_file.h"
+
+#include <gtest/gtest.h>
+
+#include "findreplace/recording_callback.h"
+#include "support/temporary_folder.h"
+#include "win32/handle.h"
+
+using namespace QVFindAndReplace;
+using namespace std::string_literals;
+using QVTest::RecordingCallback;
+using QVTest::TemporaryFolder;
+using QVTest::ToNarrow;
+using QVTest::Utf16;
+
+namespace {
+
+constexpr uint32_t kBase = Option::ModeOne | Option::DropBackup;
+
+int64_t Process(const std::wstring& path, uint32_t options, const std::wstring& find, const std::wstring& replacement,
+                RecordingCallback& callback) {
+    Request request(options, find, replacement, ToNarrow);
+    return ProcessFile(path, path, options, request, callback);
+}
+
+}  // namespace
+
+TEST(ProcessFile, KeepsTheEncodingAndEveryByteAroundTheMatches) {
+    const struct {
+        const char* why;
+        std::string content;
+        uint32_t options;
+        const wchar_t* find;
+        const wchar_t* replacement;
+        std::string expected;
+    } cases[] = {
+        {"the thread's code page",
+         "Stra\xDF"
+         "e\r\n",
+         kBase, L"\xDF", L"ss", "Strasse\r\n"},
+        {"UTF-8 by its mark", "\xEF\xBB\xBFna\xC3\xAFve\n", kBase, L"\xEF", L"\x4E2D",
+         "\xEF\xBB\xBFna\xE4\xB8\xADve\n"},
+        {"UTF-8 by demand", "na\xC3\xAFve\n", kBase | Option::ForceUtf8, L"\xEF", L"i", "naive\n"},
+        {"the mark is not part of the first line",
+         "\xEF\xBB\xBF"
+         "abc\n",
+         kBase | Option::Wildcard, L"*", L"x", "\xEF\xBB\xBFx\n"},
+        {"UTF-16 with mark", "\xFF\xFE" + Utf16(L"\x4E2D x\r\n"), kBase, L"x", L"\xD83D\xDE00",
+         "\xFF\xFE" + Utf16(L"\x4E2D \xD83D\xDE00\r\n")},
+        {"UTF-16 without mark, cut in a unit", Utf16(L"abcdef\n") + "!", kBase, L"f", L"F", Utf16(L"abcdeF\n") + "!"},
+        {"zero bytes", "ab\0cd\nab\n"s, kBase, L"b", L"x", "ax\0cd\nax\n"s},
+        {"empty", "", kBase, L"b", L"x", ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.why);
+        const TemporaryFolder folder;
+        RecordingCallback callback({Answer::ReplaceAll});
+        EXPECT_GE(Process(folder.Write(L"file", c.content), c.options, c.find, c.replacement, callback), 0);
+        EXPECT_EQ(folder.Read(L"file"), c.expected);
+        EXPECT_EQ(folder.List(), std::vector<std::wstring>{L"file"});
+        EXPECT_TRUE(callback.errors.empty());
+    }
+}
+
+TEST(ProcessFile, AFileWithoutAMatchIsNotWritten) {
+    const TemporaryFolder folder;
+    const std::wstring path = folder.Write(L"file", "one\rtwo\r\nthree\n");  // saving it would change its breaks
+    RecordingCallback callback({Answer::ReplaceAll});
+    EXPECT_EQ(Process(path, Option::ModeOne | Option::KeepBackup, L"four", L"x", callback), 0);
+    EXPECT_EQ(folder.Read(L"file"), "one\rtwo\r\nthree\n");
+    EXPECT_EQ(folder.List(), std::vector<std::wstring>{L"file"});
+}
+
+TEST(ProcessFile, ReportsWhatItCannotDoAndLeavesTheFileAlone) {
+    using Error = std::pair<std::string, uint32_t>;
+    const TemporaryFolder folder;
+    const std::wstring path = folder.Write(L"file", "a\n");
+    const auto errorOf = [&](const std::wstring& source, uint32_t options, const wchar_t* find, int64_t expected) {
+        RecordingCallback callback({Answer::ReplaceAll});
+        EXPECT_EQ(Process(source, options, find, L"x", callback), expected);
+        EXPECT_EQ(callback.errors.size(), 1u);
+        return callback.errors.empty() ? Error() : callback.errors[0];
+    };
+    EXPECT_EQ(errorOf(folder / L"missing", kBase, L"a", -1), Error("File not found", 2));
+    EXPECT_EQ(errorOf(folder.Path(), kBase, L"a", -1), Error("Unable to open file", 5));
+    EXPECT_EQ(errorOf(folder.Write(L"binary", "\x01\x02\x03\x04\x05"), kBase, L"a", 0),
+              Error("File is not detected as a text file. Unsupported file format", 11));
+    EXPECT_EQ(errorOf(path, kBase | Option::Wildcard, L"a{", -1).second, 14u);
+    EXPECT_EQ(errorOf(path, Option::ModeMany | Option::DropBackup, L"a\nb", -1),
+              Error("Find and Replace item do not match", 87));
+    EXPECT_EQ(errorOf(path, Option::ModeOne | Option::SaveAs, L"a", -1), Error("Target file already exists", 80));
+    {
+        const Win32::FileHandle holder(
+            CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+        EXPECT_EQ(errorOf(path, kBase, L"a", -1), Error("Unable to make a backup of the file", 32));
+    }
+    EXPECT_EQ(folder.Read(L"file"), "a\n");
+    EXPECT_EQ(folder.List(), (std::vector<std::wstring>{L"binary", L"file"}));
+}
+
+TEST(ProcessFile, CancellingSavesNothing) {
+    const TemporaryFolder folder;
+    const std::wstring path = folder.Write(L"file", "a\nb\na\nb\n");
+    RecordingCallback single({Answer::Replace, Answer::Cancel});
+    EXPECT_EQ(Process(path, kBase, L"a", L"x", single), kFileCancelled);
+    RecordingCallback multiline({Answer::Replace, Answer::Cancel});
+    EXPECT_EQ(Process(path, Option::ModeMultiline | Option::DropBackup, L"a\nb", L"x\ny", multiline), 1);
+    EXPECT_TRUE(single.errors.empty() && multiline.errors.empty());
+    EXPECT_EQ(folder.Read(L"file"), "a\nb\na\nb\n");
+}
+
+TEST(ProcessFile, LongPathsAndUnusualNamesWork) {
+    const TemporaryFolder folder;
+    const std::wstring name = std::wstring(120, L'n') + L" \x4E2D \xD83D\xDE00.txt";
+    const std::wstring deep = L"\\\\?\\" + folder.Path() + L"\\" + std::wstring(150, L'd');
+    ASSERT_TRUE(CreateDirectoryW(deep.c_str(), nullptr));
+    const std::wstring relative = std::wstring(150, L'd') + L"\\" + name;
+    RecordingCallback callback({Answer::ReplaceAll});
+    EXPECT_EQ(Process(folder.Write(relative, "a"), kBase, L"a", L"b", callback), 1);
+    EXPECT_EQ(folder.Read(relative), "b");
+}

@@ -1,0 +1,66 @@
+#include "textio/byte_search.h"
+
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+using namespace QVUtils;
+
+namespace {
+
+template <class CharT>
+class ByteSearch : public testing::Test {};
+using Widths = testing::Types<char, wchar_t>;
+TYPED_TEST_SUITE(ByteSearch, Widths);
+
+template <class CharT>
+bool StandsAt(const std::basic_string<CharT>& text, size_t at, const std::basic_string<CharT>& item, bool ignoreCase) {
+    for (size_t i = 0; i < item.size(); ++i) {
+        const CharT left = ignoreCase ? FoldCase(text[at + i]) : text[at + i];
+        const CharT right = ignoreCase ? FoldCase(item[i]) : item[i];
+        if (left != right) return false;
+    }
+    return true;
+}
+
+template <class CharT>
+std::basic_string<CharT> RandomText(std::mt19937& random, size_t length) {
+    // Few letters, so that beginnings and ends meet often; the characters beside the letters show a wrong case bit.
+    static constexpr char kUnits[] = "aAbBzZ@[`{\r\n";
+    std::basic_string<CharT> text;
+    while (text.size() < length) text += static_cast<CharT>(kUnits[random() % (sizeof(kUnits) - 1)]);
+    return text;
+}
+
+}  // namespace
+
+TYPED_TEST(ByteSearch, FindsWhatTheObviousLoopFinds) {
+    using CharT = TypeParam;
+    std::mt19937 random(1);
+    for (int round = 0; round < 20'000; ++round) {
+        const auto text = RandomText<CharT>(random, random() % 70);
+        const auto item = RandomText<CharT>(random, 1 + random() % 4);
+        const bool ignoreCase = random() % 2 == 0;
+        const CharT* const begin = text.data();
+        const CharT* const end = begin + text.size();
+
+        size_t first = text.size();
+        size_t last = text.size();
+        for (size_t at = 0; at + item.size() <= text.size(); ++at) {
+            if (!StandsAt(text, at, item, ignoreCase)) continue;
+            if (first == text.size()) first = at;
+            last = at;
+        }
+        ASSERT_EQ(FindSequence(begin, end, item.data(), item.size(), ignoreCase) - begin, std::ptrdiff_t(first));
+        ASSERT_EQ(FindLastSequence(begin, end, item.data(), item.size(), ignoreCase) - begin, std::ptrdiff_t(last));
+        ASSERT_EQ(FindUnit(begin, end, item[0]) - begin, std::ptrdiff_t(std::min(text.find(item[0]), text.size())));
+        const CharT breaks[] = {CharT('\r'), CharT('\n'), 0};
+        ASSERT_EQ(FindLineBreak(begin, end) - begin, std::ptrdiff_t(std::min(text.find_first_of(breaks), text.size())));
+    }
+}
+
+TYPED_TEST(ByteSearch, AnEmptyItemStandsAtTheBeginning) {
+    const TypeParam text[] = {TypeParam('a'), 0};
+    EXPECT_EQ(FindSequence(text, text + 1, text, 0, false), text);
+}

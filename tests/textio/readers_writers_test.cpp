@@ -1,0 +1,138 @@
+#include <gtest/gtest.h>
+
+#include "support/temporary_folder.h"
+#include "textio/data_reader.h"
+#include "textio/data_writer.h"
+#include "textio/text_file.h"
+
+using namespace QVUtils;
+using QVTest::TemporaryFolder;
+
+namespace {
+
+/// The text and code of what `body` throws; "" and 0 when it throws nothing.
+template <class Body>
+std::pair<std::string, uint32_t> FailureOf(Body&& body) {
+    try {
+        body();
+        return {};
+    } catch (const QVUtilsException& failure) {
+        return {failure.what(), failure.GetErrorCode()};
+    }
+}
+
+std::string ReadAll(DataReader& reader, uint32_t size) {
+    std::string text;
+    std::string buffer(size, '\0');
+    for (uint32_t read = 0; reader.Read(buffer.data(), size, read), read > 0;) text.append(buffer, 0, read);
+    return text;
+}
+
+/// Takes at most `most` bytes a call, and none after `limit` bytes.
+class ReluctantWriter final : public DataWriter {
+public:
+    ReluctantWriter(uint32_t most, size_t limit) : m_most(most), m_limit(limit) {}
+    uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* bytesWritten) override {
+        ++calls;
+        const auto taken = static_cast<uint32_t>(std::min<size_t>({size, m_most, m_limit - text.size()}));
+        text.append(static_cast<const char*>(buffer), taken);
+        *bytesWritten = taken;
+        return 1;
+    }
+    std::string text;
+    int calls = 0;
+
+private:
+    uint32_t m_most;
+    size_t m_limit;
+};
+
+}  // namespace
+
+TEST(FileDataReader, SaysWhyItCannotRead) {
+    const TemporaryFolder folder;
+    using Failure = std::pair<std::string, uint32_t>;
+    EXPECT_EQ(FailureOf([&] { FileDataReader(folder / L"missing"); }), Failure("Unable to open file", 2));
+    EXPECT_EQ(FailureOf([&] { FileDataReader(folder.Path()); }), Failure("Unable to open file", 5));
+    EXPECT_EQ(FailureOf([&] { TextFile(folder / L"missing"); }), Failure("File not found", 2));
+}
+
+TEST(FileDataReader, ReadsToTheEndAndClosesTwice) {
+    const TemporaryFolder folder;
+    FileDataReader empty(folder.Write(L"empty", ""));
+    EXPECT_EQ(empty.GetFileSize(), 0u);
+    EXPECT_EQ(ReadAll(empty, 10), "");
+    FileDataReader file(folder.Write(L"file", "twelve bytes"));
+    EXPECT_EQ(file.GetFileSize(), 12u);
+    EXPECT_EQ(ReadAll(file, 5), "twelve bytes");
+    file.Close();
+    file.Close();
+}
+
+TEST(SampledDataReader, GivesTheSampleAgain) {
+    const std::string text(3000, 'x');
+    for (const uint32_t size : {1u, 1000u, 1024u, 4000u}) {
+        MemoryDataReader memory(text.data(), static_cast<uint32_t>(text.size()), false);
+        SampledDataReader sampled(memory);
+        EXPECT_EQ(sampled.GetSampleSize(), 1024u);
+        EXPECT_EQ(ReadAll(sampled, size), text);
+    }
+}
+
+TEST(FileDataWriter, OverwritesOnlyWhenAsked) {
+    const TemporaryFolder folder;
+    const std::wstring path = folder.Write(L"file", "old content");
+    FileDataWriter writer;
+    const auto failure = FailureOf([&] { writer.Open(path, false); });
+    EXPECT_EQ(failure.first, "Unable to open file for writing");
+    EXPECT_EQ(failure.second, 80u);
+    EXPECT_EQ(folder.Read(L"file"), "old content");
+    writer.Open(path, true);
+    EXPECT_EQ(writer.Write("new", 3), 3u);
+    EXPECT_EQ(writer.Write("nothing", 0x100000000), 0u);  // the low 32 bits count
+    writer.Close();
+    EXPECT_EQ(folder.Read(L"file"), "new");
+}
+
+TEST(DataWriter, WritesItsLineBreakOrNothing) {
+    ReluctantWriter writer(100, 100);
+    EXPECT_EQ(writer.WriteNewLine(), 0u);
+    EXPECT_EQ(writer.calls, 0);
+    writer.SetLineBreak("\r\n");
+    EXPECT_EQ(writer.WriteNewLine(), 2u);
+    EXPECT_EQ(writer.text, "\r\n");
+}
+
+TEST(MemoryDataWriter, DropsWhatDoesNotFit) {
+    MemoryDataWriter<wchar_t> writer(10);
+    EXPECT_EQ(writer.Write("0123456789ABCDEF", 16), 10u);
+    EXPECT_EQ(writer.Write("x", 1), 0u);
+    writer.WriteData("x", 1, nullptr);
+    const auto block = writer.Release();
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(block.get()), 10), "0123456789");
+    EXPECT_EQ(writer.Write("x", 1), 0u);
+}
+
+TEST(WriteAll, GoesOnAfterShortWritesAndFailsWhenNothingIsTaken) {
+    ReluctantWriter slow(3, 100);
+    WriteAll(slow, "0123456789", 10);
+    EXPECT_EQ(slow.text, "0123456789");
+    ReluctantWriter full(3, 7);
+    const auto failure = FailureOf([&] { WriteAll(full, "0123456789", 10); });
+    EXPECT_EQ(failure.first, "Failed to write data to file");
+    EXPECT_EQ(failure.second, ErrorCode::DiskFull);
+}
+
+TEST(BufferedDataWriter, JoinsSmallWritesAndPassesLargeOnesOn) {
+    ReluctantWriter target(1000, 1000);
+    BufferedDataWriter buffer(target, 10);
+    std::string expected;
+    for (const size_t size : {3u, 3u, 3u, 2u, 25u, 10u, 1u, 9u, 1u}) {
+        const std::string piece(size, static_cast<char>('a' + expected.size() % 26));
+        buffer.Write(piece.data(), piece.size());
+        expected += piece;
+    }
+    buffer.Flush();
+    EXPECT_EQ(target.text, expected);
+    EXPECT_LT(target.calls, 9);
+}
