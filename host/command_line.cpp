@@ -57,11 +57,15 @@ struct RawOptions {
 
 void AddOptions(CLI::App& app, RawOptions& raw, HostOptions& options) {
     app.add_option("--library", raw.library, "The library to load (default: QVUtils.dll beside this program)")
-        ->type_name("FILE");
-    app.add_option("--config", raw.config, "Where settings are kept (default: per user)")->type_name("FOLDER");
+        ->type_name("FILE")
+        ->take_last();
+    app.add_option("--config", raw.config, "Where settings are kept (default: per user)")
+        ->type_name("FOLDER")
+        ->take_last();
     app.add_option("--language", raw.language, "The texts (default: qvhost-english.txt beside this program)")
-        ->type_name("FILE");
-    app.add_option("--log", raw.log, "Appends the log lines to a file as well")->type_name("FILE");
+        ->type_name("FILE")
+        ->take_last();
+    app.add_option("--log", raw.log, "Appends the log lines to a file as well")->type_name("FILE")->take_last();
     app.add_flag("--quiet", options.isQuiet, "No log lines on standard output");
     // A list that takes no extra words: only so is an answer such as [a,b] one answer.
     app.add_option("--answer", raw.answers,
@@ -71,7 +75,8 @@ void AddOptions(CLI::App& app, RawOptions& raw, HostOptions& options) {
         ->allow_extra_args(false);
     app.add_flag("--windows", options.asksInWindows, "Asks questions in windows");
     app.add_option("--files-from", raw.filesFrom, "Further paths, one a line, UTF-8; - for standard input")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->take_last();
     app.add_flag("--can-elevate", options.canElevate, "The host can start an elevated second process");
     app.add_flag("--elevated", options.isElevated, "The host counts as elevated");
 }

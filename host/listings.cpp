@@ -26,7 +26,7 @@ std::wstring Padded(std::wstring text, size_t width) {
 }
 
 void PrintField(Output& output, const wchar_t* name, const std::wstring& value) {
-    output.Line(L"  " + Padded(name, 16) + value);
+    output.Line(L"  " + Padded(name, 16) + (value.empty() ? L"(none)" : value));
 }
 
 /// "Shortcut 0x0049+J": the modifier code as the host's number, the key as its letter.
