@@ -19,6 +19,12 @@ std::wstring Hex(uint32_t number, int digits) {
     return text;
 }
 
+/// The line without blanks at its end, which an empty last column would leave.
+std::wstring WithoutTail(std::wstring line) {
+    line.resize(line.find_last_not_of(L' ') + 1);
+    return line;
+}
+
 /// `text` filled up with blanks to `width` units.
 std::wstring Padded(std::wstring text, size_t width) {
     text.resize(std::max(text.size(), width), L' ');
@@ -94,15 +100,15 @@ void PrintCustomCommands(Output& output, const CustomCommandTable& table) {
     for (const CustomCommand* command : table.Commands()) {
         if (!isFirst) output.Line(L"");
         isFirst = false;
-        output.Line(*FromUtf8(command->Name()) + L" (" + std::to_wstring(command->Id()) + L"): " +
-                    OnOneLine(command->Description()));
+        output.Line(WithoutTail(FromUtf8(command->Name()).value_or(L"") + L" (" + std::to_wstring(command->Id()) +
+                                L"): " + OnOneLine(command->Description())));
         size_t width = 0;
         for (const CustomParameter& parameter : command->Parameters()) width = std::max(width, parameter.name.size());
         for (const CustomParameter& parameter : command->Parameters())
-            output.Line(L"  " + Padded(FromUtf8(parameter.name).value_or(L""), width + 2) +
-                        Padded(KindOf(parameter), 8) +
-                        Padded(parameter.Is(ParameterFlags::Required) ? L"required" : L"", 10) +
-                        OnOneLine(parameter.description));
+            output.Line(WithoutTail(L"  " + Padded(FromUtf8(parameter.name).value_or(L""), width + 2) +
+                                    Padded(KindOf(parameter), 8) +
+                                    Padded(parameter.Is(ParameterFlags::Required) ? L"required" : L"", 10) +
+                                    OnOneLine(parameter.description)));
     }
 }
 
