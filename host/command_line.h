@@ -1,0 +1,44 @@
+// command_line.h - from the words of the command line to the options of a run. Opens no file and runs nothing.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace QVHost {
+
+enum class Action { Extensions, Menus, Commands, Call, Command, ElevatedServer };
+
+struct HostOptions {
+    Action action = Action::Extensions;
+    std::vector<std::wstring> operands;  // what stands behind the action's name, as given
+    std::wstring library;                // "": beside the program; so are the next two
+    std::wstring config;
+    std::wstring language;
+    std::wstring log;  // "": none
+    std::optional<std::wstring> filesFrom;
+    std::vector<std::wstring> answers;
+    bool isQuiet = false;
+    bool asksInWindows = false;
+    bool canElevate = false;
+    bool isElevated = false;
+    std::wstring pipe;  // these two: of an elevated second process only
+    uint32_t extension = 0;
+};
+
+/// Nothing is to be run: the text is for standard output.
+struct HelpText {
+    std::string text;
+};
+
+/// `arguments` without the program's name.
+///
+/// Options may stand before or behind the action. Everything else behind the action is an operand and taken as it is:
+/// blanks, brackets, commas and further equals signs mean nothing here. Behind `--` even words that begin with `-` are
+/// operands.
+/// @throws UsageError
+/// @throws HelpText for --help
+HostOptions ParseCommandLine(const std::vector<std::wstring>& arguments);
+
+}  // namespace QVHost

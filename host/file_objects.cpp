@@ -1,0 +1,97 @@
+#include "host/file_objects.h"
+
+#include "host/boundary.h"
+#include "host/text.h"
+#include "win32/path.h"
+#include "win32/windows.h"
+
+namespace QVHost {
+namespace {
+
+/// The folder of a path as a person writes it: `C:\folder`, but `C:\`.
+std::wstring_view LocationOf(std::wstring_view path) {
+    std::wstring_view folder = Win32::FolderOf(path);
+    if (folder.size() > 3) folder.remove_suffix(1);
+    return folder;
+}
+
+}  // namespace
+
+FileItem::~FileItem() {
+    m_objects.Forget(this);
+}
+
+uint32_t FileItem::GetName(wchar_t* buffer, uint32_t capacity) {
+    return CopyText(Win32::FileNameOf(m_path), buffer, capacity);
+}
+
+uint32_t FileItem::GetLocation(wchar_t* buffer, uint32_t capacity) {
+    return CopyText(LocationOf(m_path), buffer, capacity);
+}
+
+uint32_t FileItem::GetPath(wchar_t* buffer, uint32_t capacity) {
+    return CopyText(m_path, buffer, capacity);
+}
+
+uint32_t FileItem::GetAttributes() {
+    return Guarded(INVALID_FILE_ATTRIBUTES, [&] { return GetFileAttributesW(Win32::ExtendedPath(m_path).c_str()); });
+}
+
+bool FileItem::GetStoredProperty(uint16_t, uint16_t, Quorvane::SDK::StoredPropertyValue*) {
+    return false;
+}
+
+int32_t FileItem::IsRemote() {
+    return m_path.starts_with(LR"(\\)") && !m_path.starts_with(LR"(\\?\)") ? 1 : 0;
+}
+
+void FileItem::Release() {
+    GuardedCall([&] { m_objects.m_handedOut.Remove(this); });
+}
+
+uint32_t FileItem::QueryProperty(uint16_t, uint32_t, Quorvane::SDK::StoredPropertyValue*) {
+    return 0;
+}
+
+void FileItem::RefreshProperty(uint32_t) {}
+
+bool FileList::AddItem(Quorvane::SDK::IFileItem* item) {
+    return Guarded(false, [&] {
+        std::shared_ptr<FileItem> known = m_objects.FindItem(item);
+        if (!known) return false;
+        Add(std::move(known));
+        return true;
+    });
+}
+
+uint32_t FileList::GetCount() {
+    return static_cast<uint32_t>(m_items.size());
+}
+
+Quorvane::SDK::IFileItem* FileList::GetItem(uint32_t index) {
+    return index < m_items.size() ? m_items[index].get() : nullptr;
+}
+
+void FileList::Release() {
+    GuardedCall([&] { m_objects.m_lists.Remove(this); });
+}
+
+std::shared_ptr<FileItem> FileObjects::MakeItem(std::wstring path) {
+    auto item = std::make_shared<FileItem>(*this, std::move(path));
+    const std::lock_guard lock(m_mutex);
+    m_items[item.get()] = item;
+    return item;
+}
+
+std::shared_ptr<FileItem> FileObjects::FindItem(const void* item) {
+    const std::lock_guard lock(m_mutex);
+    const auto entry = m_items.find(item);
+    return entry == m_items.end() ? nullptr : entry->second.lock();
+}
+
+void FileObjects::Forget(const FileItem* item) {
+    const std::lock_guard lock(m_mutex);
+    m_items.erase(item);
+}
+
+}  // namespace QVHost

@@ -1,0 +1,102 @@
+#include "host/file_operations.h"
+
+#include <algorithm>
+
+#include "host/boundary.h"
+#include "host/text.h"
+#include "host/unix_paths.h"
+#include "win32/files.h"
+#include "win32/path.h"
+#include "win32/windows.h"
+
+namespace QVHost {
+
+bool RenameBatch::AddRename(Quorvane::SDK::IFileItem* item, const wchar_t* newName, uint32_t) {
+    return Guarded(false, [&] {
+        std::shared_ptr<FileItem> known = m_objects.FindItem(item);
+        if (!known || !newName) return false;
+        m_rows.push_back({std::move(known), newName});
+        return true;
+    });
+}
+
+bool FileOperations::Exists(const wchar_t* path) {
+    return Guarded(false, [&] { return path && *path && Win32::Exists(FromUnixPath(path)); });
+}
+
+Quorvane::SDK::IFileItem* FileOperations::CreateFileItem(const wchar_t* path, uint32_t) {
+    return Guarded<Quorvane::SDK::IFileItem*>(nullptr, [&]() -> Quorvane::SDK::IFileItem* {
+        if (!path || !*path) return nullptr;
+        std::wstring full = FullUserPath(path);
+        if (!Win32::Exists(full)) return nullptr;
+        return m_objects.HandOut(m_objects.MakeItem(std::move(full)));
+    });
+}
+
+bool FileOperations::SetFileList(Quorvane::SDK::IFileList* list) {
+    return Guarded(false, [&] { return m_objects.FindList(list) != nullptr; });
+}
+
+Quorvane::SDK::IRenameBatch* FileOperations::CreateRenameBatch() {
+    return Guarded<Quorvane::SDK::IRenameBatch*>(
+        nullptr, [&] { return m_batches.Keep(std::make_shared<RenameBatch>(m_objects)); });
+}
+
+void FileOperations::EndRenameBatch(Quorvane::SDK::IRenameBatch* batch) {
+    GuardedCall([&] { m_batches.Remove(batch); });
+}
+
+uint32_t FileOperations::CommitRenameBatch(Quorvane::SDK::IRenameBatch* batch, uint32_t) {
+    return Guarded<uint32_t>(ERROR_OUTOFMEMORY, [&]() -> uint32_t {
+        const std::shared_ptr<RenameBatch> known = m_batches.Find(batch);
+        if (!known) return ERROR_INVALID_PARAMETER;
+        const std::vector<RenameBatch::Row> taken = known->TakeRows();
+        std::vector<RenameRow> rows;
+        for (const RenameBatch::Row& row : taken) rows.push_back({row.item->Path(), row.newName, 0, {}});
+        RenameRows(rows);
+        uint32_t firstError = ERROR_SUCCESS;
+        for (size_t at = 0; at < rows.size(); ++at) {
+            taken[at].item->SetPath(rows[at].now);
+            const uint32_t error = Report(rows[at]);
+            if (firstError == ERROR_SUCCESS) firstError = error;
+        }
+        return firstError;
+    });
+}
+
+uint32_t FileOperations::Report(const RenameRow& row) {
+    const std::wstring what = row.path + L" -> " + row.newName;
+    if (row.error == ERROR_SUCCESS) {
+        m_output.Note(L"[renamed] " + what);
+        return row.error;
+    }
+    ++m_failedCount;
+    const std::wstring place = row.now == row.path ? L"" : L"; it is now " + row.now;
+    m_output.Note(L"[not renamed] " + what + L": " + DescribeError(row.error) + place);
+    return row.error;
+}
+
+void FolderRefresh::RefreshFolder(const wchar_t* location) {
+    if (location) ++m_count;
+}
+
+void PropertySet::SetExtension(const char* extensionId, const wchar_t* groupName) {
+    GuardedCall([&] {
+        m_columns.extensionId = FromUtf8(extensionId ? extensionId : "").value_or(L"");
+        m_columns.groupName = TextOrEmpty(groupName);
+    });
+}
+
+bool PropertySet::AddDefinition(const Quorvane::SDK::PropertyDefinition* definition) {
+    return Guarded(false, [&] {
+        if (!definition || !definition->key) return false;
+        if (std::ranges::find(m_columns.columns, definition->id, &PropertyColumns::Column::id) !=
+            m_columns.columns.end())
+            return false;
+        m_columns.columns.push_back({definition->id, definition->defaultWidth, definition->valueType, definition->flags,
+                                     definition->key, TextOrEmpty(definition->displayName)});
+        return true;
+    });
+}
+
+}  // namespace QVHost

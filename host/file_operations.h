@@ -1,0 +1,94 @@
+// file_operations.h - the host's services 3000 (file operations with rename batches), 3010 (refreshing a folder) and
+// 3100 (property columns).
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/file_objects.h"
+#include "host/output.h"
+#include "host/rename_rows.h"
+#include "host/shelf.h"
+#include "sdk/services.h"
+
+namespace QVHost {
+
+class RenameBatch final : public Quorvane::SDK::IRenameBatch {
+public:
+    explicit RenameBatch(FileObjects& objects) : m_objects(objects) {}
+
+    bool AddRename(Quorvane::SDK::IFileItem* item, const wchar_t* newName, uint32_t zero) override;
+
+    struct Row {
+        std::shared_ptr<FileItem> item;
+        std::wstring newName;
+    };
+    /// The rows so far; the batch is empty afterwards.
+    std::vector<Row> TakeRows() { return std::exchange(m_rows, {}); }
+
+private:
+    FileObjects& m_objects;
+    std::vector<Row> m_rows;
+};
+
+class FileOperations final : public Quorvane::SDK::IFileOperations {
+public:
+    /// Refused renames add to `failedCount`.
+    FileOperations(FileObjects& objects, Output& output, uint32_t& failedCount)
+        : m_objects(objects), m_output(output), m_failedCount(failedCount) {}
+
+    bool Exists(const wchar_t* path) override;
+    Quorvane::SDK::IFileItem* CreateFileItem(const wchar_t* path, uint32_t one) override;
+    bool SetFileList(Quorvane::SDK::IFileList* list) override;
+    Quorvane::SDK::IRenameBatch* CreateRenameBatch() override;
+    void EndRenameBatch(Quorvane::SDK::IRenameBatch* batch) override;
+    /// Reports each row on standard error and gives the first error.
+    uint32_t CommitRenameBatch(Quorvane::SDK::IRenameBatch* batch, uint32_t zero) override;
+
+private:
+    uint32_t Report(const RenameRow& row);
+
+    FileObjects& m_objects;
+    Output& m_output;
+    uint32_t& m_failedCount;
+    Shelf<RenameBatch> m_batches;
+};
+
+/// There is no panel to refresh; the requests are counted.
+class FolderRefresh final : public Quorvane::SDK::IFolderRefresh {
+public:
+    void RefreshFolder(const wchar_t* location) override;
+    uint32_t Count() const { return m_count; }
+
+private:
+    uint32_t m_count = 0;
+};
+
+/// The property columns that an extension has defined.
+struct PropertyColumns {
+    struct Column {
+        uint16_t id;
+        uint16_t defaultWidth;
+        uint16_t valueType;
+        uint32_t flags;
+        std::wstring key;
+        std::wstring displayName;
+    };
+    std::wstring extensionId;
+    std::wstring groupName;
+    std::vector<Column> columns;
+};
+
+class PropertySet final : public Quorvane::SDK::IPropertySet {
+public:
+    explicit PropertySet(PropertyColumns& columns) : m_columns(columns) {}
+    void SetExtension(const char* extensionId, const wchar_t* groupName) override;
+    bool AddDefinition(const Quorvane::SDK::PropertyDefinition* definition) override;
+
+private:
+    PropertyColumns& m_columns;
+};
+
+}  // namespace QVHost

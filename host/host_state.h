@@ -1,0 +1,48 @@
+// host_state.h - what the host has, apart from the library: streams, texts, settings, menus, files. One for each run,
+// shared by the services objects of all extensions.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/answers.h"
+#include "host/choice_list.h"
+#include "host/custom_commands.h"
+#include "host/elevated_channel.h"
+#include "host/file_objects.h"
+#include "host/file_operations.h"
+#include "host/language.h"
+#include "host/log.h"
+#include "host/menus.h"
+#include "host/output.h"
+#include "host/progress.h"
+#include "host/questions.h"
+#include "host/settings_file.h"
+
+namespace QVHost {
+
+struct HostState {
+    Output& output;
+    Log log;
+    LanguageTexts texts;
+    SettingsFile settings;
+    Questions questions;
+    ProgressWatch progressWatch;
+    ElevatedLaunch elevatedLaunch;
+    std::wstring configurationFolder;  // ends in a separator
+    bool isElevated = false;
+    bool canElevate = false;
+
+    MenuModel menus = {};
+    CustomCommandTable customCommands = {};
+    std::map<uint32_t, PropertyColumns> propertyColumns = {};  // by extension
+    FileObjects files = {};                                    // above everything that holds items
+    Shelf<ChoiceList> choiceLists = {};
+    Shelf<Progress> progressDisplays = {};
+    std::vector<std::shared_ptr<FileItem>> selection = {};
+    uint32_t failedCount = 0;  // files marked as failed, renames refused
+};
+
+}  // namespace QVHost

@@ -1,0 +1,60 @@
+#include "host/log.h"
+
+#include <cstdio>
+
+#include "host/host_error.h"
+#include "host/text.h"
+#include "win32/path.h"
+
+namespace QVHost {
+namespace {
+
+constexpr size_t kBlock = 64 * 1024;               // bytes
+constexpr size_t kLongestLine = 16 * 1024 * 1024;  // units
+
+}  // namespace
+
+Log::Log(Output& output, const std::wstring& file, bool quiet) : m_output(output), m_quiet(quiet) {
+    if (file.empty()) return;
+    m_file.Reset(CreateFileW(Win32::ExtendedPath(file).c_str(), FILE_APPEND_DATA,
+                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
+                             FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!m_file) throw HostError(L"cannot open the log file " + file + L": " + DescribeError(GetLastError()));
+}
+
+Log::~Log() {
+    FlushFile();
+}
+
+void Log::Write(std::wstring_view text) {
+    const std::wstring line = OnOneLine(text);
+    if (!m_quiet) m_output.Line(line);
+    if (!m_file) return;
+    const std::lock_guard lock(m_mutex);
+    m_pending += ToUtf8(line) + '\n';
+    if (m_pending.size() >= kBlock) FlushFile();
+}
+
+void Log::FlushFile() {
+    if (!m_file || m_pending.empty()) return;
+    DWORD written = 0;
+    if (!WriteFile(m_file.Get(), m_pending.data(), static_cast<DWORD>(m_pending.size()), &written, nullptr))
+        m_output.Note(L"qvhost: writing the log file failed: " + DescribeError(GetLastError()));
+    m_pending.clear();
+}
+
+std::wstring FormatLine(const wchar_t* format, va_list arguments) {
+    for (size_t size = 512; size <= kLongestLine; size *= 2) {
+        std::wstring line(size, L'\0');
+        va_list copy;
+        va_copy(copy, arguments);
+        const int length = _vsnwprintf(line.data(), line.size(), format, copy);
+        va_end(copy);
+        if (length < 0 || static_cast<size_t>(length) >= size) continue;
+        line.resize(static_cast<size_t>(length));
+        return line;
+    }
+    return {};
+}
+
+}  // namespace QVHost

@@ -1,0 +1,74 @@
+// main.cpp - the program qvhost: binds a run to the process's command line, streams and console.
+#include <fcntl.h>
+#include <io.h>
+
+#include <atomic>
+#include <cstdio>
+#include <iostream>
+
+#include "host/run.h"
+#include "win32/windows.h"
+
+namespace {
+
+std::atomic<bool> g_isInterrupted = false;
+
+/// The first Ctrl+C asks the run to stop; the second ends the process, as it would without this.
+BOOL WINAPI OnConsoleEvent(DWORD event) {
+    return event == CTRL_C_EVENT && !g_isInterrupted.exchange(true);
+}
+
+bool IsConsole(DWORD standardHandle) {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(standardHandle), &mode) != FALSE;
+}
+
+/// A line typed at the console, in Unicode, which the C runtime's input is not; nothing at its end.
+std::optional<std::wstring> ReadConsoleLine() {
+    std::wstring line;
+    wchar_t block[256];
+    DWORD read = 0;
+    while (ReadConsoleW(GetStdHandle(STD_INPUT_HANDLE), block, static_cast<DWORD>(std::size(block)), &read, nullptr) &&
+           read > 0) {
+        line.append(block, read);
+        if (line.back() != L'\n') continue;
+        while (!line.empty() && (line.back() == L'\n' || line.back() == L'\r')) line.pop_back();
+        return line;
+    }
+    return std::nullopt;
+}
+
+/// The console shows UTF-8 while this lives, and what it showed before afterwards.
+class Utf8Console {
+public:
+    Utf8Console() : m_before(GetConsoleOutputCP()) { SetConsoleOutputCP(CP_UTF8); }
+    ~Utf8Console() { SetConsoleOutputCP(m_before); }
+    Utf8Console(const Utf8Console&) = delete;
+    Utf8Console& operator=(const Utf8Console&) = delete;
+
+private:
+    UINT m_before;
+};
+
+std::wstring ProgramPath() {
+    std::wstring path(32768, L'\0');
+    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+    return path;
+}
+
+}  // namespace
+
+int wmain(int count, wchar_t** words) {
+    for (std::FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
+    SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
+    const Utf8Console utf8Console;
+    QVHost::HostEnvironment environment = {.out = std::cout,
+                                           .error = std::cerr,
+                                           .in = std::cin,
+                                           .program = ProgramPath(),
+                                           .outIsTerminal = IsConsole(STD_OUTPUT_HANDLE),
+                                           .readAnswer = {},
+                                           .progressWatch = {IsConsole(STD_ERROR_HANDLE), &g_isInterrupted}};
+    if (IsConsole(STD_INPUT_HANDLE)) environment.readAnswer = ReadConsoleLine;
+    return QVHost::RunQvHost({words + 1, words + count}, environment);
+}

@@ -1,0 +1,39 @@
+// output.h - the two streams of a run, in UTF-8 with LF line ends: standard output for results and log lines, standard
+// error for everything about the run. May be used from any thread.
+#pragma once
+
+#include <mutex>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+namespace QVHost {
+
+class Output {
+public:
+    /// `flushLines`: somebody is watching standard output as it comes.
+    Output(std::ostream& out, std::ostream& error, bool flushLines)
+        : m_out(out), m_error(error), m_flushLines(flushLines) {}
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+    ~Output() { Flush(); }
+
+    /// One line of standard output. Kept until there is a block of them or something needs the order.
+    void Line(std::wstring_view text);
+    /// One line of standard error, behind all output so far.
+    void Note(std::wstring_view text);
+    /// Standard error without a line end: a prompt, or a line that is written over by the next.
+    void Prompt(std::wstring_view text);
+    void Flush();
+
+private:
+    void FlushLines();
+
+    std::mutex m_mutex;
+    std::ostream& m_out;
+    std::ostream& m_error;
+    bool m_flushLines;
+    std::string m_pending;
+};
+
+}  // namespace QVHost

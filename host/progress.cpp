@@ -1,0 +1,47 @@
+#include "host/progress.h"
+
+#include <algorithm>
+
+#include "host/boundary.h"
+#include "host/text.h"
+
+namespace QVHost {
+namespace {
+
+constexpr size_t kWidth = 78;  // of the narrowest usual terminal, less what a cursor needs
+
+}  // namespace
+
+Progress::Progress(Shelf<Progress>& shelf, Output& output, ProgressWatch watch, std::wstring title, uint32_t total)
+    : m_shelf(shelf), m_output(output), m_watch(watch), m_title(OnOneLine(title)), m_total(total) {}
+
+Progress::~Progress() {
+    GuardedCall([&] { Show({}); });
+}
+
+void Progress::Advance(uint32_t done, const wchar_t* currentItem) {
+    GuardedCall([&] {
+        Show(m_title + L" " + std::to_wstring(done) + L"/" + std::to_wstring(m_total) + L" " +
+             OnOneLine(TextOrEmpty(currentItem)));
+    });
+}
+
+bool Progress::IsCancelled() {
+    return m_watch.isCancelled && m_watch.isCancelled->load();
+}
+
+void Progress::Close() {
+    GuardedCall([&] { m_shelf.Remove(this); });
+}
+
+void Progress::Show(std::wstring text) {
+    if (!m_watch.isShown || (text.empty() && m_shown == 0)) return;
+    if (text.size() > kWidth) text.resize(kWidth);
+    const size_t units = text.size();
+    // Blanks wipe out the rest of a longer line before; an empty text leaves a clean line.
+    text.resize(std::max(units, m_shown), L' ');
+    m_output.Prompt(L"\r" + text + (units == 0 ? L"\r" : L""));
+    m_shown = units;
+}
+
+}  // namespace QVHost

@@ -1,0 +1,121 @@
+#include "host/run.h"
+
+#include "host/command_line.h"
+#include "host/elevated_server.h"
+#include "host/host_error.h"
+#include "host/listings.h"
+#include "host/nearest_name.h"
+#include "host/selection.h"
+#include "host/session.h"
+#include "host/text.h"
+#include "win32/files.h"
+
+namespace QVHost {
+namespace {
+
+std::wstring Wide(const std::string& text) {
+    return FromUtf8(text).value_or(L"");
+}
+
+/// The status of a command that was `handled`, with everything that counts against it.
+int StatusOf(HostState& state, bool handled, uint32_t resultCode) {
+    const bool isSaved = state.settings.Save();
+    const bool isDone = handled && resultCode == 0 && state.failedCount == 0 && isSaved;
+    return isDone ? ExitStatus::Done : ExitStatus::Failed;
+}
+
+const CustomCommand& FindCustomCommand(const CustomCommandTable& table, const std::wstring& name) {
+    if (const CustomCommand* command = table.Find(name)) return *command;
+    std::vector<std::wstring> known;
+    for (const CustomCommand* command : table.Commands()) known.push_back(Wide(command->Name()));
+    throw UsageError(L"there is no custom command \"" + name + L"\"" + DidYouMean(name, known) +
+                     L" (qvhost commands lists them)");
+}
+
+int RunCall(Session& session, const HostOptions& options) {
+    HostState& state = session.State();
+    const CustomCommand& command = FindCustomCommand(state.customCommands, options.operands.front());
+    CustomCommandCall call(command);
+    for (size_t at = 1; at < options.operands.size(); ++at) call.SetArgument(options.operands[at]);
+
+    Quorvane::SDK::IPluginInterface* const extension = session.Extensions()[command.Extension()]->Commands();
+    const bool handled = extension && extension->OnCustomCommand(&call) != 0;
+    if (!call.ResultText().empty()) state.output.Note(L"[result] " + call.ResultText());
+    if (call.ResultCode() != 0) state.output.Note(L"[result] " + DescribeError(call.ResultCode()));
+    // The extension decides what it makes of a call without them; a person wants to know why nothing happened.
+    for (const std::wstring& name : call.MissingParameters())
+        if (!handled) state.output.Note(L"qvhost: " + Wide(command.Name()) + L" needs " + name);
+    return StatusOf(state, handled, call.ResultCode());
+}
+
+/// Gives the command to the extension that made it, or, when none did, to one after the other until it is handled:
+/// some commands have no entry in a menu.
+bool Dispatch(Session& session, uint32_t id) {
+    const Quorvane::SDK::Command* const command = session.State().menus.Find(id);
+    for (const auto& extension : session.Extensions()) {
+        if (!extension->Commands() || (command && command->extension != extension->Index())) continue;
+        if (extension->Commands()->OnCommand(id, 0, 0) != 0) return true;
+    }
+    return false;
+}
+
+int RunCommand(Session& session, const HostOptions& options, std::istream& in) {
+    HostState& state = session.State();
+    uint32_t id = 0;
+    if (!ParseNumber(options.operands.front(), id))
+        throw UsageError(L"\"" + options.operands.front() + L"\" is no command id (qvhost menus lists them)");
+    const std::vector<std::wstring> given(options.operands.begin() + 1, options.operands.end());
+    for (std::wstring& path : SelectedPaths(given, options.filesFrom, in))
+        state.selection.push_back(state.files.MakeItem(std::move(path)));
+    const bool handled = Dispatch(session, id);
+    if (!handled) state.output.Note(L"qvhost: no extension handles the command " + std::to_wstring(id));
+    return StatusOf(state, handled, 0);
+}
+
+int RunElevatedServer(Session& session, const HostOptions& options) {
+    if (options.extension >= session.Extensions().size()) throw UsageError(L"there is no such extension");
+    Quorvane::SDK::IPluginInterface* const extension = session.Extensions()[options.extension]->Commands();
+    if (!extension) throw UsageError(L"this extension handles no requests");
+    const uint32_t error = ServeElevatedRequests(options.pipe, options.extension, *extension);
+    if (error != 0) session.State().output.Note(L"[elevated] the pipe failed: " + DescribeError(error));
+    return StatusOf(session.State(), true, error);
+}
+
+int Run(const HostOptions& options, HostEnvironment& environment, Output& output) {
+    if (options.action != Action::Command && options.filesFrom)
+        throw UsageError(L"--files-from goes with command alone");
+    Session session(options, environment, output);
+    if (options.action == Action::Extensions) {
+        PrintExtensions(output, session.Library().Extensions());
+        return ExitStatus::Done;
+    }
+    session.StartExtensions();
+    switch (options.action) {
+        case Action::Call: return RunCall(session, options);
+        case Action::Command: return RunCommand(session, options, environment.in);
+        case Action::ElevatedServer: return RunElevatedServer(session, options);
+        case Action::Menus: PrintMenus(output, session.State().menus); return ExitStatus::Done;
+        default: PrintCustomCommands(output, session.State().customCommands); return ExitStatus::Done;
+    }
+}
+
+}  // namespace
+
+int RunQvHost(const std::vector<std::wstring>& arguments, HostEnvironment& environment) {
+    Output output(environment.out, environment.error, environment.outIsTerminal);
+    try {
+        return Run(ParseCommandLine(arguments), environment, output);
+    } catch (const HelpText& help) {
+        environment.out << help.text << std::flush;
+        return ExitStatus::Done;
+    } catch (const UsageError& error) {
+        output.Note(L"qvhost: " + Wide(error.what()));
+        output.Note(L"qvhost: how it goes: qvhost --help");
+        return ExitStatus::WrongUse;
+    } catch (const std::exception& error) {
+        output.Note(L"qvhost: " + Wide(error.what()));
+        return ExitStatus::Failed;
+    }
+}
+
+}  // namespace QVHost

@@ -1,0 +1,40 @@
+// session.h - the host with a library in it: everything made in order, and ended in the opposite one.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "host/command_line.h"
+#include "host/host_services.h"
+#include "host/host_state.h"
+#include "host/loaded_library.h"
+#include "host/run.h"
+
+namespace QVHost {
+
+class Session {
+public:
+    /// Loads the library and reads the language file; no extension is made yet.
+    /// @throws UsageError when a file named on the command line does not exist
+    /// @throws HostError when the library cannot be loaded
+    Session(const HostOptions& options, HostEnvironment& environment, Output& output);
+
+    /// Makes and starts every extension of the library.
+    /// @throws HostError when one does not start
+    void StartExtensions();
+
+    HostState& State() { return m_state; }
+    const LoadedLibrary& Library() const { return m_library; }
+    /// In the order of the library; empty before StartExtensions.
+    const std::vector<std::unique_ptr<LoadedExtension>>& Extensions() const { return m_extensions; }
+
+private:
+    void ReadLanguage(const std::wstring& file, bool mustExist);
+
+    HostState m_state;
+    LoadedLibrary m_library;
+    std::vector<std::unique_ptr<HostServices>> m_services;
+    std::vector<std::unique_ptr<LoadedExtension>> m_extensions;
+};
+
+}  // namespace QVHost

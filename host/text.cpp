@@ -1,0 +1,93 @@
+#include "host/text.h"
+
+#include <algorithm>
+
+#include "win32/handle.h"
+
+namespace QVHost {
+
+std::string ToUtf8(std::wstring_view text) {
+    if (text.empty()) return {};
+    const int units = static_cast<int>(text.size());
+    const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
+    std::string bytes(static_cast<size_t>(size), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.data(), units, bytes.data(), size, nullptr, nullptr);
+    return bytes;
+}
+
+std::optional<std::wstring> FromUtf8(std::string_view bytes) {
+    if (bytes.empty()) return std::wstring();
+    const int size = static_cast<int>(bytes.size());
+    const int units = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(), size, nullptr, 0);
+    if (units == 0) return std::nullopt;
+    std::wstring text(static_cast<size_t>(units), L'\0');
+    MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(), size, text.data(), units);
+    return text;
+}
+
+uint32_t CopyText(std::wstring_view text, wchar_t* buffer, uint32_t capacity) {
+    if (buffer && capacity > 0) {
+        const size_t copied = std::min<size_t>(text.size(), capacity - 1);
+        text.copy(buffer, copied);
+        buffer[copied] = L'\0';
+    }
+    return static_cast<uint32_t>(text.size());
+}
+
+std::wstring TextOfField(const wchar_t* field, size_t size) {
+    return std::wstring(field, std::find(field, field + size, L'\0'));
+}
+
+std::wstring TextOfField(const char* field, size_t size) {
+    return std::wstring(field, std::find(field, field + size, '\0'));
+}
+
+std::wstring TextOrEmpty(const wchar_t* text) {
+    return text ? std::wstring(text) : std::wstring();
+}
+
+std::wstring OnOneLine(std::wstring_view text) {
+    std::wstring line;
+    line.reserve(text.size());
+    for (size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == L'\r' && at + 1 < text.size() && text[at + 1] == L'\n') continue;
+        line += text[at] == L'\r' || text[at] == L'\n' ? L' ' : text[at];
+    }
+    return line;
+}
+
+bool EqualIgnoringCase(std::wstring_view left, std::wstring_view right) {
+    // The system's comparison takes no empty text.
+    if (left.empty() || right.empty()) return left.empty() && right.empty();
+    return CompareStringOrdinal(left.data(), static_cast<int>(left.size()), right.data(),
+                                static_cast<int>(right.size()), TRUE) == CSTR_EQUAL;
+}
+
+std::vector<std::string_view> LinesOf(std::string_view bytes) {
+    constexpr std::string_view kMark = "\xEF\xBB\xBF";
+    if (bytes.starts_with(kMark)) bytes.remove_prefix(kMark.size());
+    std::vector<std::string_view> lines;
+    while (!bytes.empty()) {
+        const size_t end = std::min(bytes.find('\n'), bytes.size());
+        std::string_view line = bytes.substr(0, end);
+        if (line.ends_with('\r')) line.remove_suffix(1);
+        lines.push_back(line);
+        bytes.remove_prefix(std::min(end + 1, bytes.size()));
+    }
+    return lines;
+}
+
+std::wstring DescribeError(uint32_t code) {
+    std::wstring description = L"error " + std::to_wstring(code);
+    wchar_t* raw = nullptr;
+    const DWORD length =
+        FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                       nullptr, code, 0, reinterpret_cast<wchar_t*>(&raw), 0, nullptr);
+    const Win32::LocalMemory owner(raw);
+    if (length == 0) return description;
+    std::wstring_view text(raw, length);
+    while (!text.empty() && text.back() <= L' ') text.remove_suffix(1);
+    return description + L" (" + OnOneLine(text) + L")";
+}
+
+}  // namespace QVHost

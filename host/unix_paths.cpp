@@ -1,0 +1,43 @@
+#include "host/unix_paths.h"
+
+#include "host/text.h"
+#include "win32/module.h"
+#include "win32/path.h"
+
+namespace QVHost {
+namespace {
+
+/// Wine's own export: the drive path, in memory of the process heap, of a path of the system below.
+using GetDosFileName = wchar_t*(__cdecl*)(const char* unixPath);
+
+GetDosFileName FindGetDosFileName() {
+    const HMODULE kernel = GetModuleHandleW(L"kernel32.dll");
+    if (!kernel) return nullptr;
+    return reinterpret_cast<GetDosFileName>(reinterpret_cast<void*>(GetProcAddress(kernel, "wine_get_dos_file_name")));
+}
+
+struct HeapTraits {
+    using Raw = wchar_t*;
+    static Raw Empty() noexcept { return nullptr; }
+    static void Close(Raw raw) noexcept { HeapFree(GetProcessHeap(), 0, raw); }
+};
+
+}  // namespace
+
+bool RunsUnderWine() {
+    return FindGetDosFileName() != nullptr;
+}
+
+std::wstring FromUnixPath(const std::wstring& path) {
+    if (!path.starts_with(L'/') || path.starts_with(L"//") || path.starts_with(LR"(/\)")) return path;
+    const GetDosFileName getDosFileName = FindGetDosFileName();
+    if (!getDosFileName) return path;
+    const Win32::UniqueHandle<HeapTraits> dosPath(getDosFileName(ToUtf8(path).c_str()));
+    return dosPath ? std::wstring(dosPath.Get()) : path;
+}
+
+std::wstring FullUserPath(const std::wstring& path) {
+    return Win32::FullPath(FromUnixPath(path));
+}
+
+}  // namespace QVHost

@@ -1,0 +1,20 @@
+// whole_file.h - small files read and written in one go.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace QVHost {
+
+/// Reads the file at `path` into `bytes`. Windows error code, 0 for success; a file over 256 MB is refused (223).
+uint32_t ReadWholeFile(const std::wstring& path, std::string& bytes);
+
+/// Writes beside the file and moves over it when all is on disk, so that a failure leaves the old file as it was.
+/// Windows error code, 0 for success.
+uint32_t ReplaceWholeFile(const std::wstring& path, std::string_view bytes);
+
+/// Makes the folder and those above it. Windows error code, 0 when it is there afterwards.
+uint32_t MakeFolders(const std::wstring& folder);
+
+}  // namespace QVHost

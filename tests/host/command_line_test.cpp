@@ -1,0 +1,68 @@
+#include "host/command_line.h"
+
+#include <gtest/gtest.h>
+
+#include "host/host_error.h"
+#include "host/nearest_name.h"
+
+namespace {
+
+using namespace QVHost;
+using Words = std::vector<std::wstring>;
+
+TEST(ParseCommandLine, TakesOperandsAsTheyAre) {
+    const struct {
+        const char* why;
+        Words arguments;
+        Words operands;
+    } cases[] = {
+        {"brackets", {L"call", L"N", L"FIND=[old]"}, {L"N", L"FIND=[old]"}},
+        {"brackets and a comma", {L"call", L"N", L"FIND=[a,b]"}, {L"N", L"FIND=[a,b]"}},
+        {"a value that looks like an option", {L"call", L"N", L"FIND=-x"}, {L"N", L"FIND=-x"}},
+        {"a further equals sign", {L"call", L"N", L"FIND=a=b"}, {L"N", L"FIND=a=b"}},
+        {"blanks and nothing", {L"call", L"N", L"A= ", L"B="}, {L"N", L"A= ", L"B="}},
+        {"the name of an action", {L"call", L"N", L"menus"}, {L"N", L"menus"}},
+        {"options on both sides", {L"--quiet", L"call", L"N", L"--answer", L"no", L"S"}, {L"N", L"S"}},
+        {"words behind two dashes", {L"command", L"1", L"--", L"-a", L"--quiet"}, {L"1", L"-a", L"--quiet"}},
+        {"a single dash", {L"command", L"1", L"-"}, {L"1", L"-"}},
+    };
+    for (const auto& c : cases) EXPECT_EQ(ParseCommandLine(c.arguments).operands, c.operands) << c.why;
+}
+
+TEST(ParseCommandLine, KeepsAnswersWholeAndInOrder) {
+    const HostOptions options = ParseCommandLine(
+        {L"--answer", L"[a,b]", L"call", L"--answer=yes", L"N", L"--answer", L"-1", L"--answer", L"a=b c"});
+    EXPECT_EQ(options.answers, (Words{L"[a,b]", L"yes", L"-1", L"a=b c"}));
+}
+
+TEST(ParseCommandLine, RefusesWhatMakesNoSense) {
+    const Words cases[] = {
+        {},
+        {L"dance"},
+        {L"call"},
+        {L"command"},
+        {L"menus", L"extra"},
+        {L"call", L"N", L"--unknown"},
+        {L"--answer"},
+        {L"elevated-server"},
+    };
+    for (const Words& arguments : cases) EXPECT_THROW(ParseCommandLine(arguments), UsageError) << arguments.size();
+    EXPECT_THROW(ParseCommandLine({L"--help"}), HelpText);
+}
+
+TEST(NearestName, FindsSlipsAndNothingElse) {
+    const std::vector<std::wstring> known = {L"CreateLink", L"SortLines", L"FindAndReplace"};
+    const struct {
+        const wchar_t* name;
+        const wchar_t* nearest;
+    } cases[] = {
+        {L"FindReplace", L"FindAndReplace"},
+        {L"sortlines", L"SortLines"},
+        {L"SrotLines", L"SortLines"},
+        {L"Dance", L""},
+        {L"", L""},
+    };
+    for (const auto& c : cases) EXPECT_EQ(NearestName(c.name, known), c.nearest);
+}
+
+}  // namespace

@@ -1,0 +1,74 @@
+#include "host/rename_rows.h"
+
+#include <gtest/gtest.h>
+
+#include "host_runner.h"
+#include "win32/windows.h"
+
+namespace {
+
+using namespace QVTest;
+using QVHost::RenameRow;
+using Names = std::vector<std::wstring>;
+
+TEST(RenameRows, LetRowsTakeEachOthersNames) {
+    const struct {
+        const char* why;
+        std::vector<std::pair<std::wstring, std::wstring>> renames;
+        Names files;  // before: each holds its own name
+        Names after;  // names that hold, in this order, the content of `files`
+        std::vector<uint32_t> errors;
+    } cases[] = {
+        {"plain", {{L"a", L"b"}}, {L"a"}, {L"b"}, {0}},
+        {"the name is in use", {{L"a", L"b"}}, {L"a", L"b"}, {L"a", L"b"}, {183}},
+        {"a chain, first row first", {{L"a", L"b"}, {L"b", L"c"}}, {L"a", L"b"}, {L"b", L"c"}, {0, 0}},
+        {"a swap", {{L"a", L"b"}, {L"b", L"a"}}, {L"a", L"b"}, {L"b", L"a"}, {0, 0}},
+        {"a circle of three",
+         {{L"a", L"b"}, {L"b", L"c"}, {L"c", L"a"}},
+         {L"a", L"b", L"c"},
+         {L"b", L"c", L"a"},
+         {0, 0, 0}},
+        {"a chain into a circle",
+         {{L"x", L"a"}, {L"a", L"b"}, {L"b", L"a"}},
+         {L"x", L"a", L"b"},
+         {L"x", L"b", L"a"},
+         {183, 0, 0}},
+        {"a chain against a wall", {{L"a", L"b"}, {L"b", L"c"}}, {L"a", L"b", L"c"}, {L"a", L"b", L"c"}, {183, 183}},
+        {"two rows for one name", {{L"a", L"c"}, {L"b", L"c"}}, {L"a", L"b"}, {L"c", L"b"}, {0, 183}},
+        {"case alone", {{L"a", L"A"}}, {L"a"}, {L"A"}, {0}},
+        {"the name it has", {{L"a", L"a"}}, {L"a"}, {L"a"}, {0}},
+        {"no file name", {{L"a", L"b\\c"}, {L"b", L"c"}}, {L"a", L"b"}, {L"a", L"c"}, {123, 0}},
+        {"a name that cannot be", {{L"a", L""}, {L"b", L"c:d"}}, {L"a", L"b"}, {L"a", L"b"}, {123, 123}},
+        {"a missing file", {{L"none", L"c"}}, {L"a"}, {L"a"}, {2}},
+    };
+    for (const auto& c : cases) {
+        const TemporaryFolder folder;
+        const auto contentOf = [](const std::wstring& name) { return std::string(name.begin(), name.end()); };
+        for (const std::wstring& name : c.files) folder.Write(name, contentOf(name));
+        std::vector<RenameRow> rows;
+        for (const auto& [from, to] : c.renames) rows.push_back({folder / from, to, 0, {}});
+        RenameRows(rows);
+        for (size_t at = 0; at < rows.size(); ++at) EXPECT_EQ(rows[at].error, c.errors[at]) << c.why << " row " << at;
+        Names expected = c.after;
+        std::sort(expected.begin(), expected.end());
+        EXPECT_EQ(folder.List(), expected) << c.why;
+        for (size_t at = 0; at < c.files.size(); ++at)
+            EXPECT_EQ(folder.Read(c.after[at]), contentOf(c.files[at])) << c.why;
+    }
+}
+
+TEST(RenameBatch, ReportsEachRowAndTheFirstError) {
+    const HostRunner host;
+    const std::wstring first = host.Folder().Write(L"first", "1");
+    const std::wstring second = host.Folder().Write(L"second", "2");
+    host.Folder().Write(L"taken", "3");
+    const HostRun run = host.Run({L"call", L"Rename", L"FILE=" + first, L"TO=taken", L"FILE2=" + second, L"TO2=third"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "error 183\n");
+    EXPECT_NE(run.error.find("\\first -> taken: error 183"), std::string::npos) << run.error;
+    EXPECT_NE(run.error.find("\\second -> third\n"), std::string::npos) << run.error;
+    EXPECT_EQ(host.Folder().Read(L"taken"), "3");
+    EXPECT_EQ(host.Folder().Read(L"third"), "2");
+}
+
+}  // namespace

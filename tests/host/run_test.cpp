@@ -1,0 +1,167 @@
+// run_test.cpp - whole runs of the host with the test extension.
+#include <gtest/gtest.h>
+
+#include "host/text.h"
+#include "host/whole_file.h"
+#include "host_runner.h"
+#include "win32/path.h"
+#include "win32/windows.h"
+
+namespace {
+
+using namespace QVTest;
+using Words = std::vector<std::wstring>;
+
+bool Contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+TEST(QvHost, ListsWhatTheLibraryRegisters) {
+    const HostRunner host;
+    const HostRun extensions = host.Run({L"extensions"});
+    EXPECT_EQ(extensions.status, 0);
+    EXPECT_TRUE(Contains(extensions.out, "0  Test Extension\n")) << extensions.out;
+    EXPECT_TRUE(Contains(extensions.out, "0123456789abcdef0123456789abcdef\n")) << extensions.out;
+    const HostRun menus = host.Run({L"menus"});
+    EXPECT_TRUE(Contains(menus.out, "Test\n  Sub\n    40000  Do it")) << menus.out;
+    EXPECT_TRUE(Contains(menus.out, "Shortcut 0x0049+J\n")) << menus.out;
+    const HostRun commands = host.Run({L"commands"});
+    EXPECT_TRUE(Contains(commands.out, "Echo (41000): Says it again\n  TEXT    text    required  Name:\n"))
+        << commands.out;
+}
+
+TEST(QvHost, HandsParametersOverWhole) {
+    const HostRunner host;
+    const struct {
+        Words arguments;
+        const char* logged;
+    } cases[] = {
+        {{L"TEXT=[a,b]"}, "text <[a,b]> number 7 default switch off\n"},
+        {{L"TEXT=-x=y ", L"FLAG"}, "text <-x=y > number 7 default switch on\n"},
+        {{L"TEXT=", L"NUMBER=4294967295"}, "text <> number 4294967295 given switch off\n"},
+        {{L"NUMBER=0x10", L"TEXT=gr\u00FC\u00DFe \U0001F600"},
+         "text <gr\xC3\xBC\xC3\x9F"
+         "e \xF0\x9F\x98\x80> number 16 given switch off\n"},
+    };
+    for (const auto& c : cases) {
+        Words arguments = {L"call", L"Echo"};
+        arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+        const HostRun run = host.Run(arguments);
+        EXPECT_EQ(run.out, c.logged);
+        EXPECT_EQ(run.status, 0) << run.error;
+    }
+}
+
+TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
+    const HostRunner host;
+    host.Folder().Write(L"good.txt", "");
+    host.Folder().Write(L"bad.txt", "");
+    const struct {
+        const char* why;
+        Words arguments;
+        int status;
+        const char* said;
+    } cases[] = {
+        {"a failed file", {L"command", L"40000", host.Folder() / L"bad.txt"}, 1, "[failed] "},
+        {"a done file", {L"command", L"40000", host.Folder() / L"good.txt"}, 0, "[done] "},
+        {"a command in no menu", {L"command", L"40001"}, 0, ""},
+        {"not handled", {L"command", L"9"}, 1, "no extension handles the command 9"},
+        {"a missing file", {L"command", L"40000", L"none.txt"}, 2, "there is no file or folder none.txt"},
+        {"no id", {L"command", L"x"}, 2, "\"x\" is no command id"},
+        {"result code", {L"call", L"Result", L"CODE=5"}, 1, "[result] that is it\n[result] error 5"},
+        {"result code 0", {L"call", L"Result"}, 0, "[result] that is it\n"},
+        {"required parameter missing", {L"call", L"Echo"}, 1, "Echo needs TEXT"},
+        {"unknown command", {L"call", L"Ehco"}, 2, "there is no custom command \"Ehco\", did you mean Echo?"},
+        {"unknown parameter", {L"call", L"Echo", L"TXET=a"}, 2, "has no parameter \"TXET\", did you mean TEXT?"},
+        {"names are exact", {L"call", L"Echo", L"text=a"}, 2, "did you mean TEXT?"},
+        {"text without a value", {L"call", L"Echo", L"TEXT"}, 2, "TEXT needs a value"},
+        {"switch with a value", {L"call", L"Echo", L"FLAG=1"}, 2, "FLAG is a switch"},
+        {"no number", {L"call", L"Echo", L"NUMBER=1x"}, 2, "NUMBER needs a number"},
+        {"too large a number", {L"call", L"Echo", L"NUMBER=4294967296"}, 2, "NUMBER needs a number"},
+        {"given twice", {L"call", L"Echo", L"TEXT=a", L"TEXT=b"}, 2, "TEXT is given twice"},
+        {"no library", {L"menus", L"--library", L"none.dll"}, 2, "none.dll"},
+        {"wrong use", {L"dance"}, 2, "qvhost --help"},
+    };
+    for (const auto& c : cases) {
+        const HostRun run = host.Run(c.arguments);
+        EXPECT_EQ(run.status, c.status) << c.why << ": " << run.error;
+        EXPECT_TRUE(Contains(run.error, c.said)) << c.why << ": " << run.error;
+    }
+}
+
+TEST(QvHost, TakesPathsOfAnyLengthAndScript) {
+    const HostRunner host;
+    std::wstring folder = host.Folder().Path();
+    for (int level = 0; level < 3; ++level) {
+        folder = Win32::JoinPath(folder, std::wstring(100, L'd'));
+        ASSERT_EQ(QVHost::MakeFolders(folder), 0u);
+    }
+    const std::wstring name = L"\u65E5\u672C \U0001F600.txt";
+    const std::wstring path = Win32::JoinPath(folder, name);
+    ASSERT_EQ(QVHost::ReplaceWholeFile(path, "x"), 0u);
+    const std::string list = "\xEF\xBB\xBF" + QVHost::ToUtf8(path) + "\r\n";
+    for (const HostRun& run :
+         {host.Run({L"command", L"40000", path}), host.Run({L"command", L"40000", L"--files-from", L"-"}, list)}) {
+        EXPECT_EQ(run.status, 0) << run.error;
+        EXPECT_EQ(run.error, "[done] " + QVHost::ToUtf8(path) + "\n");
+        EXPECT_TRUE(Contains(run.out, QVHost::ToUtf8(name + L" in " + folder + L", attributes"))) << run.out;
+    }
+}
+
+TEST(QvHost, AnswersQuestionsFromTheScript) {
+    const HostRunner host;
+    const struct {
+        const char* why;
+        Words arguments;
+        const char* logged;
+        const char* said;
+    } cases[] = {
+        {"yes", {L"Ask", L"STYLE=36", L"--answer", L"Yes"}, "button 6\n", "[question] Test: Really? Sure? -> yes\n"},
+        {"no such button", {L"Ask", L"STYLE=36", L"--answer", L"ok"}, "button 7\n", "Sure? -> no\n"},
+        {"no such button", {L"Ask", L"STYLE=33", L"--answer", L"yes"}, "button 2\n", "Sure? -> cancel\n"},
+        {"nobody answers", {L"Ask", L"STYLE=35"}, "button 7\n", "Sure? -> no\n"},
+        {"OK alone", {L"Ask", L"STYLE=64", L"--answer", L"no"}, "button 1\n", "Sure? -> ok\n"},
+        {"a choice", {L"Choose", L"--answer", L"replace"}, "chosen 0\n", "Replace here? -> Replace\n"},
+        {"a choice", {L"Choose", L"--answer", L"replace-all"}, "chosen 1\n", "Replace here? -> Replace All\n"},
+        {"a choice", {L"Choose", L"--answer", L"find-next"}, "chosen 2\n", "Replace here? -> Find Next\n"},
+        {"no choice", {L"Choose", L"--answer", L"cancel"}, "cancelled 0\n", "Replace here? -> cancel\n"},
+        {"no such choice", {L"Choose", L"--answer", L"dance"}, "cancelled 0\n", "[note] \"dance\" is none"},
+        {"an input", {L"Enter", L"--answer", L"a b"}, "entered <a b>\n", "[question] Input: Name: -> a b\n"},
+        {"too long an input", {L"Enter", L"--answer", L"1234567890123456"}, "cancelled <proposed>\n", "longer than 15"},
+        {"nobody enters", {L"Enter"}, "cancelled <proposed>\n", "-> cancel\n"},
+    };
+    for (const auto& c : cases) {
+        Words arguments = {L"call"};
+        arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+        const HostRun run = host.Run(arguments);
+        EXPECT_EQ(run.out, c.logged) << c.why;
+        EXPECT_TRUE(Contains(run.error, c.said)) << c.why << ": " << run.error;
+    }
+}
+
+TEST(QvHost, AsksOnTheConsoleUntilItUnderstands) {
+    const HostRunner host;
+    EXPECT_EQ(host.RunOnConsole({L"call", L"Ask", L"STYLE=35"}, {L"perhaps", L"YES"}).out, "button 6\n");
+    EXPECT_EQ(host.RunOnConsole({L"call", L"Ask", L"STYLE=35"}, {}).out, "button 7\n");
+    EXPECT_EQ(host.RunOnConsole({L"call", L"Choose"}, {L"9", L"3"}).out, "chosen 2\n");
+    EXPECT_EQ(host.RunOnConsole({L"call", L"Choose"}, {L""}).out, "cancelled 0\n");
+    EXPECT_EQ(host.RunOnConsole({L"call", L"Enter"}, {L""}).out, "entered <proposed>\n");
+}
+
+TEST(QvHost, KeepsLogLinesWholeAndInTheFile) {
+    const HostRunner host;
+    const std::wstring log = host.Folder() / L"log.txt";
+    host.Run({L"call", L"Echo", L"TEXT=a\nb", L"--quiet", L"--log", log});
+    const HostRun second = host.Run({L"call", L"Echo", L"TEXT=c", L"--log", log});
+    EXPECT_EQ(second.out, "text <c> number 7 default switch off\n");
+    EXPECT_EQ(host.Folder().Read(L"log.txt"), "text <a b> number 7 default switch off\n" + second.out);
+}
+
+TEST(QvHost, SurvivesAFaultyExtension) {
+    const HostRunner host;
+    const HostRun run = host.Run({L"call", L"Misuse"});
+    EXPECT_EQ(run.status, 0) << run.error;
+    EXPECT_EQ(run.out, std::string(100000, 'x') + "\n");
+}
+
+}  // namespace
