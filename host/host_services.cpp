@@ -104,7 +104,8 @@ ICustomCommandRegistry* HostServices::GetCustomCommandRegistry(const char* modul
 }
 
 IXmlService* HostServices::GetXmlService(const wchar_t*, uint32_t) {
-    return nullptr;
+    return Guarded<IXmlService*>(
+        nullptr, [&] { return m_state.xmlServices.Keep(std::make_shared<XmlService>(m_state.xmlServices)); });
 }
 
 ISettings* HostServices::GetSettings() {

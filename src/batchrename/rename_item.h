@@ -36,6 +36,6 @@ struct BatchRenameItem {
     uint32_t state = RowState::Ready;
 };
 
-using RenameRows = std::vector<std::shared_ptr<BatchRenameItem>>;
+using RenameItems = std::vector<std::shared_ptr<BatchRenameItem>>;
 
 }  // namespace BatchRename

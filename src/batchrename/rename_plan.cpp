@@ -112,7 +112,7 @@ private:
     uint32_t m_last = kNone;
 };
 
-size_t CountNames(const RenameRows& rows, const std::vector<FolderNames>& folders) {
+size_t CountNames(const RenameItems& rows, const std::vector<FolderNames>& folders) {
     size_t count = rows.size() * 2;
     for (const FolderNames& folder : folders) count += folder.names.size();
     return count;
@@ -120,7 +120,7 @@ size_t CountNames(const RenameRows& rows, const std::vector<FolderNames>& folder
 
 class Planner {
 public:
-    Planner(const RenameRows& rows, const std::vector<FolderNames>& folders)
+    Planner(const RenameItems& rows, const std::vector<FolderNames>& folders)
         : m_rows(rows), m_from(rows.size(), kNone), m_to(rows.size(), kNone), m_places(CountNames(rows, folders)) {
         m_plan.rows.resize(rows.size());
         EnterRows(folders);
@@ -267,7 +267,7 @@ private:
         }
     }
 
-    const RenameRows& m_rows;
+    const RenameItems& m_rows;
     FolderNumbers m_folders;
     std::vector<uint32_t> m_folderErrors;
     std::vector<uint32_t> m_from;  // place of each row's current name
@@ -279,11 +279,11 @@ private:
 
 }  // namespace
 
-RenamePlan PlanRenames(const RenameRows& rows, const std::vector<FolderNames>& folders) {
+RenamePlan PlanRenames(const RenameItems& rows, const std::vector<FolderNames>& folders) {
     return Planner(rows, folders).Plan();
 }
 
-std::vector<std::wstring> FoldersOf(const RenameRows& rows) {
+std::vector<std::wstring> FoldersOf(const RenameItems& rows) {
     FolderNumbers numbers;
     for (const auto& row : rows) numbers.NumberOf(row->location);
     std::vector<std::wstring> folders;

@@ -74,10 +74,10 @@ struct RenamePlan {
 ///
 /// Items in deeper folders come before those in folders above, so that no path changes under a row that waits; within
 /// one depth chains and rings come in the list order of their first rows. Takes time linear in rows and names.
-RenamePlan PlanRenames(const RenameRows& rows, const std::vector<FolderNames>& folders);
+RenamePlan PlanRenames(const RenameItems& rows, const std::vector<FolderNames>& folders);
 
 /// The distinct folders of the rows, in order of appearance.
-std::vector<std::wstring> FoldersOf(const RenameRows& rows);
+std::vector<std::wstring> FoldersOf(const RenameItems& rows);
 
 /// The row's verdict in words, without the word for the verdict itself; "" for a row that is to be renamed.
 std::wstring DescribeRowPlan(const BatchRenameItem& row, const RowPlan& plan);
