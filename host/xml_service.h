@@ -22,8 +22,7 @@ public:
 
     /// Null where the system has no MSXML.
     Quorvane::SDK::IXmlDocument* CreateDocument() override;
-    /// Null for a file that cannot be read or is not well-formed. Documents with a DTD are refused: they could name
-    /// other files.
+    /// Null for a file that cannot be read or is not well-formed. Nothing that a document refers to is fetched.
     Quorvane::SDK::IXmlDocument* Load(const wchar_t* path, uint32_t zero) override;
     /// Mode 0: as the document stands; 1: with line breaks and tabs between elements. `text` is not used: null. The
     /// file is replaced whole or left as it was.

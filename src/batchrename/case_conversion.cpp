@@ -49,13 +49,15 @@ void CapitaliseWords(std::wstring& name) {
 }  // namespace
 
 wchar_t UpperWide(wchar_t unit) {
+    if (unit < 0x80) return UpperAscii(unit);
     static const CaseTable table(LCMAP_UPPERCASE);
-    return unit < 0x80 ? UpperAscii(unit) : table[unit];
+    return table[unit];
 }
 
 wchar_t LowerWide(wchar_t unit) {
+    if (unit < 0x80) return LowerAscii(unit);
     static const CaseTable table(LCMAP_LOWERCASE);
-    return unit < 0x80 ? LowerAscii(unit) : table[unit];
+    return table[unit];
 }
 
 void ApplyCase(std::wstring& name, std::wstring& extension, uint32_t options) {

@@ -125,12 +125,12 @@ std::wstring DescribeFault(std::regex_constants::error_type code) {
         error_type code;
         const wchar_t* text;
     } texts[] = {
-        {error_collate, L"a name inside [. .] or [= =] is unknown"},
+        {error_collate, L"a name inside [: :], [. .] or [= =] is unknown"},
         {error_ctype, L"a class inside [: :] is unknown"},
         {error_escape, L"a backslash stands before a character that needs none, or at the end"},
         {error_backref, L"a number behind a backslash names a group that is not there"},
         {error_brack, L"a \"[\" has no \"]\""},
-        {error_paren, L"a \"(\" or \")\" has no counterpart, or a group begins in a way that is unknown"},
+        {error_paren, L"a \"(\" or \")\" has no counterpart, or a sign such as \"*\" has nothing before it to repeat"},
         {error_brace, L"a \"{\" has no \"}\""},
         {error_badbrace, L"what stands between \"{\" and \"}\" is no count"},
         {error_range, L"a range inside [ ] runs backwards or is cut off"},

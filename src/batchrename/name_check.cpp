@@ -1,6 +1,7 @@
 #include "batchrename/name_check.h"
 
 #include <algorithm>
+#include <array>
 
 #include "batchrename/case_conversion.h"
 
@@ -51,8 +52,13 @@ std::wstring Shown(wchar_t unit) {
 }  // namespace
 
 bool IsForbiddenInNames(wchar_t unit) {
-    constexpr std::wstring_view kForbidden = L"\\/:*?\"<>|";
-    return unit < L' ' || (unit < 0x80 && kForbidden.find(unit) != std::wstring_view::npos);
+    // One bit for each ASCII character: every unit of every name is asked about.
+    static constexpr std::array<uint64_t, 2> kForbidden = [] {
+        std::array<uint64_t, 2> bits = {0xFFFFFFFF, 0};
+        for (const wchar_t each : std::wstring_view(L"\\/:*?\"<>|")) bits[each / 64] |= uint64_t(1) << (each % 64);
+        return bits;
+    }();
+    return unit < 0x80 && (kForbidden[unit / 64] >> (unit % 64) & 1) != 0;
 }
 
 NameCheck CheckName(std::wstring_view name) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <limits>
 #include <unordered_map>
 
 #include "batchrename/case_conversion.h"
@@ -12,7 +11,7 @@
 namespace BatchRename {
 namespace {
 
-constexpr uint32_t kNone = std::numeric_limits<uint32_t>::max();
+constexpr uint32_t kNone = StepGroup::kNoRing;
 constexpr size_t kLongestPath = 32767;  // units, with the closing zero and the prefix for long paths
 constexpr size_t kPathReserve = 16;
 
@@ -46,7 +45,7 @@ class Places {
 public:
     explicit Places(size_t expected) {
         m_places.reserve(expected);
-        m_slots.assign(std::bit_ceil(expected * 2 + 16), kNone);
+        m_slots.assign(std::bit_ceil(expected + expected / 2 + 16), kNone);
     }
 
     Place& operator[](uint32_t index) { return m_places[index]; }
@@ -66,7 +65,7 @@ public:
     }
 
 private:
-    /// The slot that holds the name, or the empty one where it belongs. The table is never more than half full.
+    /// The slot that holds the name, or the empty one where it belongs. The table is never more than two thirds full.
     std::pair<size_t, uint64_t> SlotOf(uint32_t folder, std::wstring_view name) const {
         const uint64_t hash = HashOf(name, folder * 0x9E3779B97F4A7C15);
         const size_t mask = m_slots.size() - 1;
@@ -130,6 +129,7 @@ public:
         for (uint32_t row = 0; row < m_rows.size(); ++row) Judge(row);
         for (uint32_t row = 0; row < m_rows.size(); ++row) JudgeTarget(row);
         StopThoseThatWaitForever();
+        m_plan.steps.reserve(m_rows.size());
         for (const uint32_t row : RowsByDepth()) EmitGroupOf(row);
         return std::move(m_plan);
     }
@@ -245,13 +245,14 @@ private:
 
     void EmitRing(uint32_t row) {
         BeginGroup();
-        m_plan.groups.back().temporaryName = FreeTemporaryName(row);
+        m_plan.groups.back().ring = static_cast<uint32_t>(m_plan.temporaryNames.size());
+        m_plan.temporaryNames.push_back(FreeTemporaryName(row));
         Emit(row, StepKind::Aside);
         for (uint32_t at = AwaitedBy(row); at != row; at = AwaitedBy(at)) Emit(at, StepKind::Direct);
         Emit(row, StepKind::FromAside);
     }
 
-    void BeginGroup() { m_plan.groups.push_back({m_plan.steps.size(), 0, {}}); }
+    void BeginGroup() { m_plan.groups.push_back({static_cast<uint32_t>(m_plan.steps.size()), 0}); }
 
     void Emit(uint32_t row, StepKind kind) {
         m_plan.steps.push_back({row, kind});
@@ -319,9 +320,9 @@ std::wstring TemporaryNameFor(std::wstring_view location, std::wstring_view name
 }
 
 bool IsSameName(std::wstring_view left, std::wstring_view right) {
-    return std::ranges::equal(left, right, [](wchar_t first, wchar_t second) {
-        return first == second || UpperWide(first) == UpperWide(second);
-    });
+    return left == right || std::ranges::equal(left, right, [](wchar_t first, wchar_t second) {
+               return first == second || UpperWide(first) == UpperWide(second);
+           });
 }
 
 std::wstring FoldedName(std::wstring_view name) {

@@ -49,24 +49,27 @@ enum class StepKind : uint8_t {
 };
 
 struct RenameStep {
-    size_t row = 0;
+    uint32_t row = 0;
     StepKind kind = StepKind::Direct;
 };
 
 /// A chain: each step frees the name that the next one needs. Or a ring: all of it or nothing, through one temporary
 /// name.
 struct StepGroup {
-    size_t first = 0;  // into the steps
-    size_t count = 0;
-    std::wstring temporaryName;  // of a ring; "" for a chain
+    static constexpr uint32_t kNoRing = 0xFFFFFFFF;
 
-    bool IsRing() const { return !temporaryName.empty(); }
+    uint32_t first = 0;  // into the steps
+    uint32_t count = 0;
+    uint32_t ring = kNoRing;  // into the temporary names
+
+    bool IsRing() const { return ring != kNoRing; }
 };
 
 struct RenamePlan {
     std::vector<RowPlan> rows;  // one for each row
     std::vector<RenameStep> steps;
     std::vector<StepGroup> groups;  // in the order in which they are to be done
+    std::vector<std::wstring> temporaryNames;
 };
 
 /// Plans the rows. Names count as equal when they differ in case alone, as the file system has it. `folders` holds a

@@ -117,12 +117,14 @@ private:
     }
 
     std::vector<Move> MovesOf(const StepGroup& group) const {
+        static const std::wstring kNone;
+        const std::wstring& aside = group.IsRing() ? m_plan.temporaryNames[group.ring] : kNone;
         std::vector<Move> moves;
         for (size_t at = group.first; at < group.first + group.count; ++at) {
             const RenameStep& step = m_plan.steps[at];
             const BatchRenameItem& item = *m_rows[step.row];
-            moves.push_back(MoveOf(step.row, step.kind == StepKind::FromAside ? group.temporaryName : item.currentName,
-                                   step.kind == StepKind::Aside ? group.temporaryName : item.newName));
+            moves.push_back(MoveOf(step.row, step.kind == StepKind::FromAside ? aside : item.currentName,
+                                   step.kind == StepKind::Aside ? aside : item.newName));
         }
         return moves;
     }
