@@ -62,9 +62,12 @@ public:
 
 private:
     void Spend() const {
-        if (--m_budget->steps < 0) throw std::regex_error(std::regex_constants::error_complexity);
-        if (static_cast<const char*>(__builtin_frame_address(0)) < m_budget->stackFloor)
-            throw std::regex_error(std::regex_constants::error_stack);
+        const bool isDeep = static_cast<const char*>(__builtin_frame_address(0)) < m_budget->stackFloor;
+        if (--m_budget->steps < 0 || isDeep) [[unlikely]]
+            GiveUp(isDeep);
+    }
+    [[noreturn, gnu::noinline, gnu::cold]] static void GiveUp(bool isDeep) {
+        throw std::regex_error(isDeep ? std::regex_constants::error_stack : std::regex_constants::error_complexity);
     }
 
     const wchar_t* m_at = nullptr;

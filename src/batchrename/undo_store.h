@@ -52,11 +52,13 @@ public:
     /// false also for a session that is not in the list.
     bool Delete(const std::shared_ptr<BatchRenameUndo>& session);
 
+    /// Deletes the session's file alone; true when that succeeds.
+    bool DeleteFileOf(BatchRenameUndo& session);
+
     /// Windows error code of the last file operation that failed.
     uint32_t LastError() const { return m_lastError; }
 
 private:
-    bool DeleteFileOf(BatchRenameUndo& session);
     std::wstring PathOf(BatchRenameUndo& session);
     uint32_t WriteFileOf(BatchRenameUndo& session, bool mayReplace);
     UndoProgress OpenAtEnd(BatchRenameUndo& session);
