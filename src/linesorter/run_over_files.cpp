@@ -24,34 +24,34 @@ constexpr uint32_t kSorterLogLevel = 0;
 
 class SortRun {
 public:
-    SortRun(IHostServices& services, IFileList& files, SortRequest&& request)
-        : m_services(services),
+    SortRun(IHostServices& host, IFileList& files, SortRequest&& request)
+        : m_host(host),
           m_files(files),
           m_request(std::move(request)),
-          m_title(services.GetText(kTitle)),
-          m_sorted(services.CreateFileList()),
-          m_failed(services.CreateFileList()),
-          m_skipped(services.CreateFileList()) {}
+          m_title(host.GetText(kTitle)),
+          m_sorted(host.CreateFileList()),
+          m_failed(host.CreateFileList()),
+          m_skipped(host.CreateFileList()) {}
 
     SortRunResult Run() {
         const uint32_t count = m_files.GetCount();
-        const OwnedProgress progress(IsSilent() ? nullptr : m_services.OpenProgress(m_title.c_str(), count));
-        for (uint32_t i = 0; i < count && !m_result.cancelled; ++i) {
+        const OwnedProgress progress(IsSilent() ? nullptr : m_host.OpenProgress(m_title.c_str(), count));
+        for (uint32_t i = 0; i < count && !m_result.isCancelled; ++i) {
             IFileItem* const item = m_files.GetItem(i);
             const std::wstring path = item ? PathOf(*item) : std::wstring();
             if (path.empty()) continue;
             if (progress) {
                 progress->Advance(i, path.c_str());
-                m_result.cancelled = progress->IsCancelled();
+                m_result.isCancelled = progress->IsCancelled();
             }
-            if (!m_result.cancelled) SortItem(*item, path);
+            if (!m_result.isCancelled) SortItem(*item, path);
         }
         return m_result;
     }
 
     /// To be called with the progress display closed.
     void Report() {
-        if (m_result.cancelled) return;
+        if (m_result.isCancelled) return;
         Mark(m_sorted, MarkKind::Done);
         Mark(m_failed, MarkKind::Failed);
         if (m_result.skipped > 0) Mark(m_skipped, MarkKind::Skipped);
@@ -78,7 +78,7 @@ private:
                 m_result.lastErrorCode = QVUtils::ErrorCode::FileExists;
                 Log(L"[SortLines] - Skipped to sortline in file : %s", path.c_str());
                 return;
-            case TargetAnswer::Cancel: m_result.cancelled = true; return;
+            case TargetAnswer::Cancel: m_result.isCancelled = true; return;
         }
         const SortFileResult result = SortFile(path, target, m_request);
         if (result.errorCode != 0) {
@@ -101,8 +101,8 @@ private:
         // run.
         if (m_request.Has(SortOption::Overwrite)) return TargetAnswer::Write;
         if (IsSilent()) return TargetAnswer::Skip;
-        const std::wstring question = m_services.GetText(kOverwriteQuestion);
-        switch (m_services.MessageBox(question.c_str(), m_title.c_str(), MB_YESNOCANCEL | MB_ICONQUESTION)) {
+        const std::wstring question = m_host.GetText(kOverwriteQuestion);
+        switch (m_host.MessageBox(question.c_str(), m_title.c_str(), MB_YESNOCANCEL | MB_ICONQUESTION)) {
             case IDYES: m_request.options |= SortOption::Overwrite; return TargetAnswer::Write;
             case IDNO: return TargetAnswer::Skip;
             default: return TargetAnswer::Cancel;
@@ -111,12 +111,12 @@ private:
 
     template <class... Arguments>
     void Log(const wchar_t* format, Arguments... arguments) {
-        m_services.Log(kSorterLogLevel, LogKind::Success, format, arguments...);
+        m_host.Log(kSorterLogLevel, LogKind::Success, format, arguments...);
     }
 
     void LogReason(const std::wstring& text, uint32_t errorCode) {
-        m_services.Log(kSorterLogLevel, LogKind::Failure, L"[SortLines] - Error : %s ( ErrorCode : %d )", text.c_str(),
-                       errorCode);
+        m_host.Log(kSorterLogLevel, LogKind::Failure, L"[SortLines] - Error : %s ( ErrorCode : %d )", text.c_str(),
+                   errorCode);
     }
 
     static void Add(const Owned<IFileList>& list, IFileItem& item) {
@@ -124,15 +124,15 @@ private:
     }
 
     void Mark(const Owned<IFileList>& list, uint32_t kind) {
-        if (list) m_services.RunHostCommand(HostCommand::MarkFiles, list.get(), kind, 0);
+        if (list) m_host.RunHostCommand(HostCommand::MarkFiles, list.get(), kind, 0);
     }
 
     void ShowSummary(TextId pattern, uint32_t number, uint32_t style) {
-        const std::wstring text = FormatText(m_services.GetText(pattern), {number});
-        m_services.MessageBox(text.c_str(), m_title.c_str(), style);
+        const std::wstring text = FormatText(m_host.GetText(pattern), {number});
+        m_host.MessageBox(text.c_str(), m_title.c_str(), style);
     }
 
-    IHostServices& m_services;
+    IHostServices& m_host;
     IFileList& m_files;
     SortRequest m_request;
     const std::wstring m_title;
@@ -150,8 +150,8 @@ std::wstring TargetOf(const std::wstring& source, const SortRequest& request) {
     return Win32::JoinPath(Win32::FolderOf(source), name);
 }
 
-SortRunResult SortFiles(IHostServices& services, IFileList& files, SortRequest request) {
-    SortRun run(services, files, std::move(request));
+SortRunResult SortFiles(IHostServices& host, IFileList& files, SortRequest request) {
+    SortRun run(host, files, std::move(request));
     const SortRunResult result = run.Run();
     run.Report();
     return result;

@@ -11,7 +11,7 @@ struct SortRunResult {
     uint32_t sorted = 0;
     uint32_t failed = 0;
     uint32_t skipped = 0;        // their target exists and stays as it is
-    bool cancelled = false;      // by the user: the files behind are as they were
+    bool isCancelled = false;    // by the user: the files behind are as they were
     uint32_t lastErrorCode = 0;  // of the last file that failed or was skipped
 };
 
@@ -19,6 +19,6 @@ struct SortRunResult {
 std::wstring TargetOf(const std::wstring& source, const SortRequest& request);
 
 /// Sorts the files in the list's order. A file that fails is reported and the run goes on.
-SortRunResult SortFiles(Quorvane::SDK::IHostServices& services, Quorvane::SDK::IFileList& files, SortRequest request);
+SortRunResult SortFiles(Quorvane::SDK::IHostServices& host, Quorvane::SDK::IFileList& files, SortRequest request);
 
 }  // namespace QVLineSorter

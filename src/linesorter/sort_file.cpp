@@ -6,9 +6,8 @@
 #include "linesorter/sort_lines.h"
 #include "linesorter/sortable_lines.h"
 #include "linesorter/write_lines.h"
-#include "textio/data_reader.h"
-#include "textio/encoding.h"
 #include "textio/replace_file.h"
+#include "textio/text_file.h"
 #include "win32/code_page.h"
 #include "win32/files.h"
 
@@ -75,10 +74,11 @@ void ExtractKeys(SortableLinesData<CharT>& data, const KeyRule<CharT>& rule) {
 }
 
 template <class CharT>
-SortableLinesData<CharT> LoadSorted(QVUtils::DataReader& reader, uint64_t size, const SortRequest& request) {
+SortableLinesData<CharT> LoadSorted(QVUtils::TextFile& file, const SortRequest& request) {
     const KeyRule<CharT> rule = KeyRuleOf<CharT>(request);
     const std::basic_string<CharT> dateFormat = DateFormatIn<CharT>(request.dateFormat);
-    SortableLinesData<CharT> data(reader, size);
+    SortableLinesData<CharT> data(file.GetReader(), file.GetSize());
+    file.Close();
     ExtractKeys(data, rule);
     SortLines(data, request, dateFormat);
     if (request.Has(SortOption::RemoveBlankLines)) RemoveBlankLines(data, request);
@@ -96,27 +96,22 @@ uint32_t Save(const SortableLinesData<CharT>& data, const std::wstring& source, 
                                              .mayOverwrite = mayOverwrite,
                                              .keepBackup = request.Has(SortOption::KeepBackup),
                                              .dropBackup = request.Has(SortOption::DeleteBackup)};
-    return QVUtils::ReplaceFile(replace, [&](QVUtils::DataWriter& writer) { WriteLines(data, writer); });
+    return QVUtils::ReplaceFileContent(replace, [&](QVUtils::DataWriter& writer) { WriteLines(data, writer); });
 }
 
 /// Returns the error for which a backup stayed, else 0.
 uint32_t SortOneFile(const std::wstring& source, const std::wstring& target, const SortRequest& request) {
     if (CheckRequest(request))
         throw QVLineSorterException(ErrorCode::InvalidParameter, "The sort options are not valid");
-    if (!Win32::Exists(source)) throw QVLineSorterException(ErrorCode::FileNotFound, "File not found");
-    QVUtils::FileDataReader file(source);
-    if (file.GetFileSize() >= kFileSizeLimit)
-        throw QVLineSorterException(ErrorCode::FileTooLarge, "Files of 4 GB or more cannot be sorted");
-    QVUtils::SampledDataReader reader(file);
-    switch (QVUtils::DetectEncoding(reader.GetSample(), reader.GetSampleSize())) {
+    QVUtils::TextFile file(source);
+    QVUtils::RefuseOversizedText(file.GetSize());
+    switch (file.GetKind()) {
         case EncodingKind::CodePage: {
-            const auto data = LoadSorted<char>(reader, file.GetFileSize(), request);
-            file.Close();
+            const auto data = LoadSorted<char>(file, request);
             return Save(data, source, target, request);
         }
         case EncodingKind::Utf16: {
-            const auto data = LoadSorted<wchar_t>(reader, file.GetFileSize(), request);
-            file.Close();
+            const auto data = LoadSorted<wchar_t>(file, request);
             return Save(data, source, target, request);
         }
         default: throw QVLineSorterException(ErrorCode::TextFormatNotSupported, "Text format not supported");

@@ -3,13 +3,14 @@
 #include <algorithm>
 #include <cstring>
 
-#include "linesorter/sort_request.h"
 #include "textio/line_splitter.h"
+#include "textio/text_file.h"
 
 namespace QVLineSorter {
 namespace {
 
 constexpr uint32_t kReadSize = 1 << 20;
+constexpr uint64_t kSizeLimit = uint64_t{1} << 32;  // of what RefuseOversizedText lets pass
 
 template <class CharT>
 constexpr CharT kLineFeed[] = {CharT('\n')};
@@ -36,7 +37,7 @@ SortableLinesData<CharT>::SortableLinesData(QVUtils::DataReader& reader, uint64_
 template <class CharT>
 void SortableLinesData<CharT>::ReadText(QVUtils::DataReader& reader, uint64_t expectedSize) {
     // Room for one read beyond the expected end: it finds nothing there, unless the file grows while it is read.
-    size_t capacity = std::min<uint64_t>(expectedSize, kFileSizeLimit) + 1;
+    size_t capacity = std::min<uint64_t>(expectedSize, kSizeLimit) + 1;
     m_bytes = std::make_unique_for_overwrite<uint8_t[]>(capacity + kSpareBytes);
     for (;;) {
         uint32_t received = 0;
@@ -44,8 +45,7 @@ void SortableLinesData<CharT>::ReadText(QVUtils::DataReader& reader, uint64_t ex
                     received);
         if (received == 0) break;
         m_size += received;
-        if (m_size >= kFileSizeLimit)
-            throw QVLineSorterException(QVUtils::ErrorCode::FileTooLarge, "Files of 4 GB or more cannot be sorted");
+        QVUtils::RefuseOversizedText(m_size);
         if (m_size < capacity) continue;
         capacity += capacity / 2 + kReadSize;
         auto larger = std::make_unique_for_overwrite<uint8_t[]>(capacity + kSpareBytes);

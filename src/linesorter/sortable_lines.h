@@ -10,10 +10,8 @@
 
 namespace QVLineSorter {
 
-/// Files of this size in bytes and above are refused: places and lengths are kept in 32 bits.
-inline constexpr uint64_t kFileSizeLimit = uint64_t{1} << 32;
-
-/// One line, without its line break. Places and lengths count characters. There are tens of millions of these, so the
+/// One line, without its line break. Places and lengths count characters. Texts stay below 4 GB.
+/// There are tens of millions of these, so the
 /// text's pointer is a 32-bit place, the line break is read from the text behind the line, and number and date keys are
 /// kept by the sort that needs them: 16 bytes a line.
 struct SortableLine {
@@ -34,7 +32,7 @@ public:
 
     /// Reads everything that `reader` still has to give. `expectedSize` in bytes is what the file had when it was
     /// opened; it may have changed since.
-    /// @throws QVLineSorterException code 223 when there is more than can be sorted, and what the reader throws
+    /// @throws QVUtilsException code 223 when it grew to 4 GB or more, and what the reader throws
     SortableLinesData(QVUtils::DataReader& reader, uint64_t expectedSize);
 
     /// In file order at first. Sorting moves them, removing blank lines drops some.
