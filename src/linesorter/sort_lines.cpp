@@ -1,9 +1,11 @@
 #include "linesorter/sort_lines.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
-#include <numeric>
+#include <limits>
+#include <memory>
 #include <optional>
 #include <span>
 
@@ -41,15 +43,28 @@ void ApplyOrder(Range lines, std::span<KeyedIndex> entries) {
     for (size_t i = 0; i < lines.size(); ++i) lines[i] = std::bit_cast<SortableLine>(entries[i]);
 }
 
+/// A comparator on whole lines.
+template <class CharT, class Compare = LineCompare_TextBase<CharT>>
+class KeyLess {
+public:
+    KeyLess(const SortableLinesData<CharT>& data, Compare& compare) : m_data(data), m_compare(compare) {}
+
+    bool operator()(const SortableLine& left, const SortableLine& right) const {
+        const auto leftKey = m_data.KeyText(left);
+        const auto rightKey = m_data.KeyText(right);
+        return m_compare.Less(leftKey.data(), static_cast<uint32_t>(leftKey.size()), rightKey.data(),
+                              static_cast<uint32_t>(rightKey.size()));
+    }
+
+private:
+    const SortableLinesData<CharT>& m_data;
+    Compare& m_compare;
+};
+
 /// The plain way, which all others must agree with.
 template <class CharT>
 void SortByComparing(const SortableLinesData<CharT>& data, Range lines, LineCompare_TextBase<CharT>& compare) {
-    std::stable_sort(lines.begin(), lines.end(), [&](const SortableLine& left, const SortableLine& right) {
-        const auto leftKey = data.KeyText(left);
-        const auto rightKey = data.KeyText(right);
-        return compare.Less(leftKey.data(), static_cast<uint32_t>(leftKey.size()), rightKey.data(),
-                            static_cast<uint32_t>(rightKey.size()));
-    });
+    std::stable_sort(lines.begin(), lines.end(), KeyLess<CharT>(data, compare));
 }
 
 // ---- keys as big-endian chunks of eight bytes; reading them whole relies on the spare bytes behind the text
@@ -127,27 +142,20 @@ constexpr uint64_t kLastCharacter = sizeof(CharT) == 1 ? 0xFF : 0xFFFF;
 class OrdinalLess {
 public:
     OrdinalLess(const SortableLinesData<char>& data, Range lines, LineCompare_OrdinalA& compare)
-        : m_data(data), m_lines(lines), m_compare(compare) {}
+        : m_lines(lines), m_lessByText(data, compare) {}
 
     bool operator()(const KeyedIndex& left, const KeyedIndex& right) const {
         const uint64_t difference = left.key ^ right.key;
-        if (difference == 0) return (left.key & kLastCharacter<char>) != 0 && LessByText(left.index, right.index);
+        if (difference == 0)
+            return (left.key & kLastCharacter<char>) != 0 && m_lessByText(m_lines[left.index], m_lines[right.index]);
         const int shift = 56 - (std::countl_zero(difference) & ~7);
         const bool oneHasEnded = (left.key >> shift & 0xFF) == 0 || (right.key >> shift & 0xFF) == 0;
         return oneHasEnded ? left.key == 0 : left.key < right.key;  // the shorter one is equal, unless it is empty
     }
 
 private:
-    bool LessByText(uint32_t left, uint32_t right) const {
-        const auto leftKey = m_data.KeyText(m_lines[left]);
-        const auto rightKey = m_data.KeyText(m_lines[right]);
-        return m_compare.Less(leftKey.data(), static_cast<uint32_t>(leftKey.size()), rightKey.data(),
-                              static_cast<uint32_t>(rightKey.size()));
-    }
-
-    const SortableLinesData<char>& m_data;
     Range m_lines;
-    LineCompare_OrdinalA& m_compare;
+    KeyLess<char, LineCompare_OrdinalA> m_lessByText;
 };
 
 template <class ReadChunk>
@@ -196,40 +204,32 @@ void SortOrdinal(const SortableLinesData<wchar_t>& data, Range lines, bool ignor
         SortOrdinalUnits(data, lines, PlainUnits{});
 }
 
-/// The system's sort keys of all lines, each followed by enough zero bytes to be read in chunks.
-class SortKeys {
+/// Memory for the system's sort keys, handed out in pieces and given back as a whole.
+class SortKeyMemory {
 public:
-    explicit SortKeys(size_t limit) : m_limit(limit) {}
+    explicit SortKeyMemory(size_t limit) : m_limit(limit) {}
 
-    /// Adds the next line's key. False when the system makes none, or the keys would take too much memory.
-    template <class CharT, class Compare>
-    bool Add(Compare& compare, std::basic_string_view<CharT> key) {
-        const auto length = static_cast<uint32_t>(key.size());
-        if (length == 0) {
-            m_keys.push_back(kEmptyKey);
-            return true;
-        }
-        uint32_t size = m_left > kPadding ? compare.MakeSortKey(key.data(), length, m_next, m_left - kPadding) : 0;
+    /// `make(buffer, capacity)` writes a key that ends with a zero byte and returns its size, 0 when it does not fit;
+    /// with capacity 0 it returns the size needed, 0 for a failure. Gives the key with enough zero bytes behind it to
+    /// be read in chunks, or null when it cannot be made or the keys would take too much memory.
+    template <class Make>
+    const uint8_t* Add(Make&& make) {
+        uint32_t size = m_left > kPadding ? make(m_next, m_left - kPadding) : 0;
         if (size == 0) {
-            const uint32_t needed = compare.MakeSortKey(key.data(), length, nullptr, 0);
-            if (needed == 0 || !AddBlock(size_t{needed} + kPadding)) return false;
-            size = compare.MakeSortKey(key.data(), length, m_next, m_left - kPadding);
-            if (size == 0) return false;
+            const uint32_t needed = make(nullptr, 0);
+            if (needed == 0 || !AddBlock(size_t{needed} + kPadding)) return nullptr;
+            size = make(m_next, m_left - kPadding);
+            if (size == 0) return nullptr;
         }
-        std::memset(m_next + size, 0, kPadding);
-        m_keys.push_back(m_next);
+        uint8_t* const key = m_next;
+        std::memset(key + size, 0, kPadding);
         m_next += size + kPadding;
         m_left -= size + kPadding;
-        return true;
+        return key;
     }
-    void Reserve(size_t count) { m_keys.reserve(count); }
-
-    uint64_t operator()(uint32_t index, uint32_t depth) const { return LoadBytes(m_keys[index] + size_t{depth} * 8); }
 
 private:
-    static constexpr uint32_t kPadding =
-        7;  // with the key's own zero byte, a chunk that begins inside the key ends here
-    static constexpr uint8_t kEmptyKey[8] = {};
+    static constexpr uint32_t kPadding = 7;  // with the key's own zero byte, a chunk that begins inside it ends here
     static constexpr size_t kBlockSize = 1 << 20;
 
     bool AddBlock(size_t needed) {
@@ -245,20 +245,115 @@ private:
     size_t m_limit;
     size_t m_used = 0;
     std::vector<std::unique_ptr<uint8_t[]>> m_blocks;
-    std::vector<const uint8_t*> m_keys;
     uint8_t* m_next = nullptr;
     uint32_t m_left = 0;
 };
 
-/// Sorts by the sort keys when all lines can have one.
+/// The chunks of the lines' sort keys.
+///
+/// Making a sort key takes longer than anything else here, and most lines differ in its first chunk already. That chunk
+/// holds the first letters' weights, and of a line that begins with plain letters it comes out the same from the first
+/// characters alone. So the whole key is made when the first chunk leaves lines equal, and for lines with anything at
+/// their beginning whose weight may depend on what follows.
+template <class CharT, class Compare>
+class SortKeyChunks {
+public:
+    SortKeyChunks(const SortableLinesData<CharT>& data, Range lines, Compare& compare, size_t limit)
+        : m_data(data), m_lines(lines), m_compare(compare), m_memory(limit), m_keys(lines.size()) {
+        m_usesBeginnings = BeginningsTellLinesApart();
+    }
+
+    uint64_t operator()(uint32_t index, uint32_t depth) {
+        if (depth == 0 && m_usesBeginnings)
+            if (const std::optional<uint64_t> chunk = ChunkOfBeginning(index)) return *chunk;
+        const uint8_t* const key = WholeKey(index);
+        return key ? LoadBytes(key + size_t{depth} * 8) : 0;
+    }
+
+    /// True when a key could not be made; the chunks mean nothing then.
+    bool HasFailed() const noexcept { return m_hasFailed; }
+
+private:
+    // Characters. A chunk holds the weights of about four letters; the rest is there for letters that weigh together.
+    static constexpr size_t kBeginning = 16;
+    static constexpr size_t kShortestBeginning = 12;
+
+    const uint8_t* WholeKey(uint32_t index) {
+        static constexpr uint8_t kEmptyKey[8] = {};
+        if (m_keys[index] || m_hasFailed) return m_keys[index];
+        const auto text = m_data.KeyText(m_lines[index]);
+        if (text.empty()) return kEmptyKey;
+        m_keys[index] = m_memory.Add([&](uint8_t* buffer, uint32_t capacity) {
+            return m_compare.MakeSortKey(text.data(), static_cast<uint32_t>(text.size()), buffer, capacity);
+        });
+        m_hasFailed = !m_keys[index];
+        return m_keys[index];
+    }
+
+    std::optional<uint64_t> ChunkOfBeginning(uint32_t index) {
+        auto text = m_data.KeyText(m_lines[index]).substr(0, kBeginning);
+        if (text.size() < kBeginning || !std::all_of(text.begin(), text.end(), IsPlain)) return std::nullopt;
+        while (text.size() > kShortestBeginning && IsDigit(text.back())) text.remove_suffix(1);
+        if (IsDigit(text.back())) return std::nullopt;  // a number that may go on weighs as a whole
+        uint8_t key[256];
+        if (m_compare.MakeSortKey(text.data(), static_cast<uint32_t>(text.size()), key, sizeof key) <= 8)
+            return std::nullopt;
+        constexpr uint8_t kEndOfLetters = 1;  // accents and what else is looked at later follow
+        if (std::find(key, key + 8, kEndOfLetters) != key + 8) return std::nullopt;
+        return LoadBytes(key);
+    }
+
+    static bool IsDigit(CharT unit) { return unit >= CharT('0') && unit <= CharT('9'); }
+
+    /// ASCII letters, digits and blanks. Hyphens and apostrophes are weighed last, and other characters may stand for
+    /// several letters or for none.
+    static bool IsPlain(CharT unit) {
+        const auto letter = static_cast<CharT>(unit | CharT(0x20));
+        return unit == CharT(' ') || IsDigit(unit) || (letter >= CharT('a') && letter <= CharT('z'));
+    }
+
+    /// Looks at some lines from all over the file. Where many begin alike, the work would be done twice.
+    bool BeginningsTellLinesApart() {
+        constexpr size_t kSample = 256;
+        if (m_lines.size() < 16 * kSample) return false;
+        std::vector<uint64_t> chunks;
+        for (size_t i = 0; i < kSample; ++i)
+            if (const auto chunk = ChunkOfBeginning(static_cast<uint32_t>(m_lines.size() / kSample * i)))
+                chunks.push_back(*chunk);
+        std::sort(chunks.begin(), chunks.end());
+        const auto different = std::unique(chunks.begin(), chunks.end()) - chunks.begin();
+        return static_cast<size_t>(different) > kSample / 4 && static_cast<size_t>(different) > chunks.size() * 7 / 8;
+    }
+
+    const SortableLinesData<CharT>& m_data;
+    Range m_lines;
+    Compare& m_compare;
+    SortKeyMemory m_memory;
+    std::vector<const uint8_t*> m_keys;  // null: not made yet
+    bool m_usesBeginnings = false;
+    bool m_hasFailed = false;
+};
+
+/// Sorts by the sort keys when all that are needed can be made.
 template <class CharT, class Compare>
 bool SortBySortKeys(const SortableLinesData<CharT>& data, Range lines, Compare& compare, size_t limit) {
-    SortKeys keys(limit);
-    keys.Reserve(lines.size());
-    for (const SortableLine& line : lines)
-        if (!keys.Add(compare, data.KeyText(line))) return false;
-    std::vector<KeyedIndex> entries = MakeEntries(lines.size(), [&](uint32_t index) { return keys(index, 0); });
-    SortByChunks(entries, 0xFF, Beginnings::Allowed, keys);
+    SortKeyChunks<CharT, Compare> chunkAt(data, lines, compare, limit);
+    std::vector<KeyedIndex> entries = MakeEntries(lines.size(), [&](uint32_t index) { return chunkAt(index, 0); });
+    if (chunkAt.HasFailed()) return false;
+    SortByKeyThenIndex(entries);
+    // A few lines are compared sooner than their sort keys are made.
+    constexpr ptrdiff_t kFew = 12;
+    const KeyLess<CharT, Compare> less(data, compare);
+    for (auto begin = entries.begin(), end = begin; begin != entries.end(); begin = end) {
+        end = std::find_if(begin, entries.end(), [&](const KeyedIndex& entry) { return entry.key != begin->key; });
+        if (end - begin > kFew)
+            SortByChunks({begin, end}, 0xFF, Beginnings::Allowed, chunkAt);
+        else if (end - begin > 1)
+            std::stable_sort(begin, end, [&](const KeyedIndex& left, const KeyedIndex& right) {
+                return less(lines[left.index], lines[right.index]);
+            });
+        if (chunkAt.HasFailed()) return false;
+    }
     ApplyOrder(lines, entries);
     return true;
 }
