@@ -74,9 +74,9 @@ private:
 /// the system does not tell.
 std::vector<wchar_t> OrdinalCaseTable();
 
-// The language-aware classes always ignore case. Each can also give a key's sort key: bytes that end with a zero byte,
-// and whose order is the order of Less. `MakeSortKey` returns their number with the zero byte, or 0 when the system
-// makes none or `capacity` bytes are too few; with capacity 0 it returns the number needed.
+// The language-aware classes always ignore case. Each can also give a key's sort key: bytes whose order is the order of
+// Less, with a zero byte at the end (and sometimes inside). `MakeSortKey` returns their number with the last zero byte,
+// or 0 when the system makes none or `capacity` bytes are too few; with capacity 0 it returns the number needed.
 
 /// 8-bit keys, by the system's 8-bit comparison in the user's locale.
 class LineCompare_LanguageAware_StringCompareA final : public LineCompare_TextBase<char> {

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <utility>
 
 #include "linesorter/chunk_sort.h"
 #include "linesorter/date_key.h"
@@ -210,43 +211,58 @@ public:
     explicit SortKeyMemory(size_t limit) : m_limit(limit) {}
 
     /// `make(buffer, capacity)` writes a key that ends with a zero byte and returns its size, 0 when it does not fit;
-    /// with capacity 0 it returns the size needed, 0 for a failure. Gives the key with enough zero bytes behind it to
-    /// be read in chunks, or null when it cannot be made or the keys would take too much memory.
+    /// with capacity 0 it returns the size needed, 0 for a failure. Gives the key in the form described below, or null
+    /// when it cannot be made or the keys would take too much memory.
+    ///
+    /// Some bytes inside a key are zero too, while chunks take a zero for the end. So 0 is kept as 1 1 and 1 as 1 2,
+    /// which changes the order of no two keys. Behind the end there are enough zero bytes for a chunk that begins
+    /// inside the key.
     template <class Make>
     const uint8_t* Add(Make&& make) {
-        uint32_t size = m_left > kPadding ? make(m_next, m_left - kPadding) : 0;
+        uint32_t size = make(m_scratch.data(), static_cast<uint32_t>(m_scratch.size()));
         if (size == 0) {
             const uint32_t needed = make(nullptr, 0);
-            if (needed == 0 || !AddBlock(size_t{needed} + kPadding)) return nullptr;
-            size = make(m_next, m_left - kPadding);
+            if (needed == 0) return nullptr;
+            m_scratch.resize(needed);
+            size = make(m_scratch.data(), needed);
             if (size == 0) return nullptr;
         }
-        uint8_t* const key = m_next;
-        std::memset(key + size, 0, kPadding);
-        m_next += size + kPadding;
-        m_left -= size + kPadding;
-        return key;
+        const std::span<const uint8_t> key(m_scratch.data(), size - 1);
+        const auto escaped = std::count_if(key.begin(), key.end(), [](uint8_t byte) { return byte <= 1; });
+        uint8_t* next = Allocate(key.size() + static_cast<size_t>(escaped) + kZerosBehind);
+        if (!next) return nullptr;
+        const uint8_t* const result = next;
+        for (const uint8_t byte : key) {
+            if (byte <= 1) *next++ = 1;
+            *next++ = byte <= 1 ? byte + 1 : byte;
+        }
+        std::memset(next, 0, kZerosBehind);
+        return result;
     }
 
 private:
-    static constexpr uint32_t kPadding = 7;  // with the key's own zero byte, a chunk that begins inside it ends here
+    static constexpr size_t kZerosBehind = 8;
     static constexpr size_t kBlockSize = 1 << 20;
 
-    bool AddBlock(size_t needed) {
-        const size_t size = std::max(needed, kBlockSize);
-        if (size > std::numeric_limits<uint32_t>::max() || size > m_limit - m_used) return false;
-        m_blocks.push_back(std::make_unique_for_overwrite<uint8_t[]>(size));
-        m_used += size;
-        m_next = m_blocks.back().get();
-        m_left = static_cast<uint32_t>(size);
-        return true;
+    uint8_t* Allocate(size_t size) {
+        if (size > m_left) {
+            const size_t blockSize = std::max(size, kBlockSize);
+            if (blockSize > m_limit - m_used) return nullptr;
+            m_blocks.push_back(std::make_unique_for_overwrite<uint8_t[]>(blockSize));
+            m_used += blockSize;
+            m_next = m_blocks.back().get();
+            m_left = blockSize;
+        }
+        m_left -= size;
+        return std::exchange(m_next, m_next + size);
     }
 
     size_t m_limit;
     size_t m_used = 0;
     std::vector<std::unique_ptr<uint8_t[]>> m_blocks;
+    std::vector<uint8_t> m_scratch = std::vector<uint8_t>(4096);
     uint8_t* m_next = nullptr;
-    uint32_t m_left = 0;
+    size_t m_left = 0;
 };
 
 /// The chunks of the lines' sort keys.
@@ -298,8 +314,8 @@ private:
         uint8_t key[256];
         if (m_compare.MakeSortKey(text.data(), static_cast<uint32_t>(text.size()), key, sizeof key) <= 8)
             return std::nullopt;
-        constexpr uint8_t kEndOfLetters = 1;  // accents and what else is looked at later follow
-        if (std::find(key, key + 8, kEndOfLetters) != key + 8) return std::nullopt;
+        // A 1 ends the letters: accents and what else is looked at later follow.
+        if (std::any_of(key, key + 8, [](uint8_t byte) { return byte <= 1; })) return std::nullopt;
         return LoadBytes(key);
     }
 
