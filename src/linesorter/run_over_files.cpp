@@ -14,9 +14,9 @@ namespace {
 using namespace Quorvane::SDK;
 
 constexpr TextId kTitle = 571_d;
-constexpr TextId kOverwriteQuestion = 575_d;
-constexpr TextId kAllSorted = 573_d;      // takes the number of files
-constexpr TextId kSomeNotSorted = 581_d;  // takes the number of files that failed or were skipped
+constexpr TextId kOverwriteQuestion = 575_d;  // may name the target
+constexpr TextId kAllSorted = 573_d;          // takes the number of files
+constexpr TextId kSomeNotSorted = 581_d;      // takes the number of files that failed or were skipped
 
 /// The sorter's own log lines are written at this level, and those about a file with the kind of a success, whatever
 /// became of it: log readers filter for them so. Only the line with the reason is of the failure kind.
@@ -101,7 +101,7 @@ private:
         // run.
         if (m_request.Has(SortOption::Overwrite)) return TargetAnswer::Write;
         if (IsSilent()) return TargetAnswer::Skip;
-        const std::wstring question = m_host.GetText(kOverwriteQuestion);
+        const std::wstring question = FormatText(m_host.GetText(kOverwriteQuestion), {target});
         switch (m_host.MessageBox(question.c_str(), m_title.c_str(), MB_YESNOCANCEL | MB_ICONQUESTION)) {
             case IDYES: m_request.options |= SortOption::Overwrite; return TargetAnswer::Write;
             case IDNO: return TargetAnswer::Skip;
