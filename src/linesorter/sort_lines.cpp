@@ -115,17 +115,38 @@ struct FoldedUnits {
     }
 };
 
-/// The chunk of a line's key at a depth, read by one of the functions above; 0 behind the key's end.
+/// How many characters all keys begin with in common, leaving at least one of each that is not counted; 0 when a key is
+/// empty.
+template <class CharT>
+size_t CommonBeginning(const SortableLinesData<CharT>& data, Range lines) {
+    if (lines.empty()) return 0;
+    const auto first = data.KeyText(lines.front());
+    size_t common = first.size();
+    size_t shortest = first.size();
+    for (const SortableLine& line : lines) {
+        const auto key = data.KeyText(line);
+        shortest = std::min(shortest, key.size());
+        common = std::min(common, shortest);
+        common = static_cast<size_t>(
+            std::mismatch(key.begin(), key.begin() + static_cast<ptrdiff_t>(common), first.begin()).first -
+            key.begin());
+        if (common == 0) return 0;
+    }
+    return common < shortest ? common : shortest - 1;
+}
+
+/// The chunk of a line's key at a depth, read by one of the functions above; 0 behind the key's end. Depths count from
+/// behind what all keys begin with.
 template <class CharT, class ReadChunk>
 class KeyChunks {
 public:
     KeyChunks(const SortableLinesData<CharT>& data, Range lines, ReadChunk read)
-        : m_data(data), m_lines(lines), m_read(read) {}
+        : m_data(data), m_lines(lines), m_read(read), m_beginning(CommonBeginning(data, lines)) {}
 
     uint64_t operator()(uint32_t index, uint32_t depth) const {
         constexpr size_t kCharacters = 8 / sizeof(CharT);
         const auto key = m_data.KeyText(m_lines[index]);
-        const size_t offset = size_t{depth} * kCharacters;
+        const size_t offset = m_beginning + size_t{depth} * kCharacters;
         return offset < key.size() ? m_read(key.data() + offset, key.size() - offset) : 0;
     }
 
@@ -133,34 +154,37 @@ private:
     const SortableLinesData<CharT>& m_data;
     Range m_lines;
     ReadChunk m_read;
+    size_t m_beginning;
 };
 
 template <class CharT>
 constexpr uint64_t kLastCharacter = sizeof(CharT) == 1 ? 0xFF : 0xFFFF;
 
-/// LineCompare_OrdinalA by first chunks. The same answers as from the class itself, and the text is looked at only
-/// where the chunks do not tell.
+/// LineCompare_OrdinalA by chunks: the same answers as from the class itself, eight bytes at a time.
+template <class ChunkAt>
 class OrdinalLess {
 public:
-    OrdinalLess(const SortableLinesData<char>& data, Range lines, LineCompare_OrdinalA& compare)
-        : m_lines(lines), m_lessByText(data, compare) {}
+    explicit OrdinalLess(const ChunkAt& chunkAt) : m_chunkAt(chunkAt) {}
 
     bool operator()(const KeyedIndex& left, const KeyedIndex& right) const {
-        const uint64_t difference = left.key ^ right.key;
-        if (difference == 0)
-            return (left.key & kLastCharacter<char>) != 0 && m_lessByText(m_lines[left.index], m_lines[right.index]);
-        const int shift = 56 - (std::countl_zero(difference) & ~7);
-        const bool oneHasEnded = (left.key >> shift & 0xFF) == 0 || (right.key >> shift & 0xFF) == 0;
-        return oneHasEnded ? left.key == 0 : left.key < right.key;  // the shorter one is equal, unless it is empty
+        uint64_t leftChunk = left.key;
+        uint64_t rightChunk = right.key;
+        for (uint32_t depth = 1; leftChunk == rightChunk; ++depth) {
+            if ((leftChunk & kLastCharacter<char>) == 0) return false;
+            leftChunk = m_chunkAt(left.index, depth);
+            rightChunk = m_chunkAt(right.index, depth);
+        }
+        const int shift = 56 - (std::countl_zero(leftChunk ^ rightChunk) & ~7);
+        const bool oneHasEnded = (leftChunk >> shift & 0xFF) == 0 || (rightChunk >> shift & 0xFF) == 0;
+        return oneHasEnded ? left.key == 0 : leftChunk < rightChunk;  // the shorter is equal, unless it is empty
     }
 
 private:
-    Range m_lines;
-    KeyLess<char, LineCompare_OrdinalA> m_lessByText;
+    const ChunkAt& m_chunkAt;
 };
 
 template <class ReadChunk>
-void SortOrdinalBytes(const SortableLinesData<char>& data, Range lines, LineCompare_OrdinalA& compare, ReadChunk read) {
+void SortOrdinalBytes(const SortableLinesData<char>& data, Range lines, ReadChunk read) {
     const KeyChunks<char, ReadChunk> chunkAt(data, lines, read);
     const auto firstChunk = [&](uint32_t index) { return chunkAt(index, 0); };
     std::vector<KeyedIndex> entries = MakeEntries(lines.size(), firstChunk);
@@ -169,7 +193,7 @@ void SortOrdinalBytes(const SortableLinesData<char>& data, Range lines, LineComp
     // the stable sort decides, as it always has.
     if (!SortByChunks(entries, kLastCharacter<char>, Beginnings::Refused, chunkAt)) {
         for (uint32_t i = 0; i < entries.size(); ++i) entries[i] = {.key = firstChunk(i), .index = i};
-        std::stable_sort(entries.begin(), entries.end(), OrdinalLess(data, lines, compare));
+        std::stable_sort(entries.begin(), entries.end(), OrdinalLess(chunkAt));
     }
     ApplyOrder(lines, entries);
 }
@@ -180,9 +204,9 @@ void SortOrdinal(const SortableLinesData<char>& data, Range lines, bool ignoreCa
         SortByComparing(data, lines, compare);
     } else if (ignoreCase) {
         const std::array<uint8_t, 256> ranks = compare.ByteRanks();
-        SortOrdinalBytes(data, lines, compare, RankedBytes{ranks});
+        SortOrdinalBytes(data, lines, RankedBytes{ranks});
     } else {
-        SortOrdinalBytes(data, lines, compare, PlainBytes{});
+        SortOrdinalBytes(data, lines, PlainBytes{});
     }
 }
 

@@ -132,6 +132,10 @@ TEST(SortLines, GivesThePlainOrderForEveryKeyAndOrder) {
     QVTest::InBothWidths([]<class CharT>(CharT) {
         ExpectThePlainOrder(QVTest::SampleLines<CharT>(400, 1), {}, "all kinds of lines");
 
+        auto alike = QVTest::SampleLines<CharT>(300, 5);
+        for (auto& line : alike) line.insert(0, As<CharT>("what all lines begin with "));
+        ExpectThePlainOrder(alike, {}, "lines that begin alike");
+
         auto withZeros = QVTest::SampleLines<CharT>(200, 2);
         for (size_t i = 0; i < withZeros.size(); i += 3) withZeros[i].insert(withZeros[i].size() / 2, 1, CharT(0));
         ExpectThePlainOrder(withZeros, {}, "zero characters");
