@@ -76,9 +76,15 @@ bool DrivenDialog::IsChecked(int id) const {
 }
 
 int DrivenDialog::Focus() const {
+    const DWORD thread = GetWindowThreadProcessId(m_window, nullptr);
     GUITHREADINFO info = {};
     info.cbSize = sizeof(info);
-    GetGUIThreadInfo(GetWindowThreadProcessId(m_window, nullptr), &info);
+    const auto hasFocus = [&] { return GetGUIThreadInfo(thread, &info) && info.hwndFocus; };
+    // Another program's window may have come to the front; ours gets its focus back where it was.
+    if (!hasFocus()) {
+        SetForegroundWindow(m_window);
+        WaitUntil(hasFocus);
+    }
     return GetDlgCtrlID(info.hwndFocus);
 }
 
