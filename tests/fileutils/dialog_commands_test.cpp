@@ -88,6 +88,24 @@ TEST(FindAndReplaceCommand, SaveAsWritesBesideTheOriginal) {
     EXPECT_EQ(host.Folder().Read(L"a_new.txt"), "two\n");
 }
 
+TEST(FindAndReplaceCommand, FromAScriptAsksInTheDialogWhereTheHostHasAWindow) {
+    CommandRunner host;
+    host.Folder().Write(L"a.txt", "one one\n");
+    const std::wstring file = L"FILE=" + (host.Folder() / L"a.txt");
+    const std::vector<std::wstring> call = {L"call",     L"FindAndReplace",  file,
+                                            L"FIND=one", L"REPLACEWITH=two", L"DELETE"};
+    std::vector<std::wstring> withWindows = call;
+    withWindows.insert(withWindows.begin(), L"--windows");
+    RunDriven(host, withWindows, [](DialogDriver& driver) {
+        driver.WaitFor(kConfirmTitle).PressAndClose(IDC_ANSWER_FIND_NEXT);
+        driver.WaitFor(kConfirmTitle).PressAndClose(IDOK);
+    });
+    EXPECT_EQ(host.Folder().Read(L"a.txt"), "one two\n");
+    // Without one the answers come from the command line, and no window opens.
+    EXPECT_EQ(host.Run(call, {L"replace"}).status, 0);
+    EXPECT_EQ(host.Folder().Read(L"a.txt"), "two two\n");
+}
+
 TEST(FindAndReplaceCommand, WithoutASelectionShowsNothing) {
     CommandRunner host;
     EXPECT_EQ(RunDriven(host, {L"command", L"30151"}, [](DialogDriver&) {}).status, 0);

@@ -12,6 +12,7 @@ namespace {
 
 constexpr ULONGLONG kPatience = 10000;  // milliseconds
 constexpr DWORD kStep = 5;
+constexpr DWORD kGrace = 1000;
 
 std::wstring TextOfWindow(HWND window) {
     std::wstring text(static_cast<size_t>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0)) + 1, L'\0');
@@ -164,7 +165,8 @@ void WhileDriving(const std::function<void(DialogDriver&)>& script, const std::f
         } catch (const std::exception& failure) {
             ADD_FAILURE() << failure.what();
         }
-        // Whatever the script left open would hold the test for ever.
+        // Whatever the script left open would hold the test for ever. A progress window closes by itself.
+        WaitForSingleObject(finished.Get(), kGrace);
         while (WaitForSingleObject(finished.Get(), kStep) == WAIT_TIMEOUT) {
             if (const HWND menu = FindThreadWindow(thread, L"#32768", nullptr))
                 PostMessageW(menu, WM_KEYDOWN, VK_ESCAPE, 1);
