@@ -96,8 +96,17 @@ private:
             for (const Text& text : pair.inserted) m_lines.InsertLine(line, text);
             m_document.CountChange();
         }
-        if (m_edit.IsChanged()) m_lines.SetLine(line, m_edit.GetDone(), m_edit.GetAhead());
+        if (m_edit.IsChanged()) KeepEdit(line);
         m_lineInEdit = kNoLine;
+    }
+
+    /// A short text is copied, which lets the edit use its memory again; a long one is not copied once more.
+    void KeepEdit(uint32_t line) {
+        constexpr size_t kLongUnits = 16384;
+        if (m_edit.GetDone().size() < kLongUnits)
+            m_lines.SetLine(line, m_edit.GetDone(), m_edit.GetAhead());
+        else
+            m_lines.SetLine(line, m_edit.TakeText());
     }
 
     // Going from line to line, with one look at a whole stretch of untouched lines.
