@@ -246,6 +246,7 @@ private:
     }
     static std::vector<Text> Values(const std::vector<Converted<CharT>>& items) {
         std::vector<Text> values;
+        values.reserve(items.size());
         for (const Converted<CharT>& item : items) values.push_back(*item);
         return values;
     }

@@ -11,7 +11,11 @@ namespace QVFindAndReplace {
 template <class CharT>
 TextBlocks<CharT>::TextBlocks(QVUtils::DataReader& reader, uint32_t markSize, size_t blockSize, uint64_t expectedSize,
                               uint32_t chunkSize)
-    : m_reader(reader), m_chunkSize(chunkSize), m_markSize(markSize), m_blockSize(blockSize) {
+    : m_reader(reader),
+      m_chunkSize(chunkSize),
+      m_expectedSize(static_cast<size_t>(expectedSize)),
+      m_markSize(markSize),
+      m_blockSize(blockSize) {
     QVUtils::RefuseOversizedText(expectedSize);
     // One chunk more than is needed: the last read, which finds the end, needs room too.
     m_capacity = std::min<size_t>(static_cast<size_t>(expectedSize), blockSize) + chunkSize;
@@ -53,7 +57,10 @@ template <class CharT>
 bool TextBlocks<CharT>::Fill() {
     if (m_isAtEnd) return false;
     if (m_capacity - m_end < m_chunkSize) {
-        const size_t larger = 2 * m_capacity + m_chunkSize;
+        // A line of this length is likely to be most of the text: copying it once is enough.
+        constexpr size_t kLongLine = 4 * 1024 * 1024;
+        const size_t doubled = 2 * m_capacity + m_chunkSize;
+        const size_t larger = m_end < kLongLine ? doubled : std::max<size_t>(doubled, m_expectedSize + m_chunkSize);
         auto buffer = std::make_unique_for_overwrite<uint8_t[]>(larger);
         std::memcpy(buffer.get(), m_buffer.get(), m_end);
         m_buffer = std::move(buffer);

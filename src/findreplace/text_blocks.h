@@ -44,6 +44,7 @@ private:
 
     QVUtils::DataReader& m_reader;
     const uint32_t m_chunkSize;
+    const size_t m_expectedSize;
     size_t m_markSize;
     size_t m_blockSize;
     uint64_t m_offset = 0;
