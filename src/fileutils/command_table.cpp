@@ -1,6 +1,7 @@
 #include "fileutils/command_table.h"
 
 #include "fileutils/find_replace_command.h"
+#include "fileutils/sort_lines_command.h"
 
 namespace FileUtils {
 namespace {
@@ -79,7 +80,7 @@ constexpr ParameterRow kFindAndReplaceParameters[] = {
 
 constexpr CustomCommandRow kCustomCommands[] = {
     {"CreateLink", 30351, 50_c, kCreateLinkParameters, nullptr},
-    {"SortLines", 30352, 60_c, kSortLinesParameters, nullptr},
+    {"SortLines", 30352, 60_c, kSortLinesParameters, RunSortLinesCommand},
     {"FindAndReplace", 30353, 90_c, kFindAndReplaceParameters, RunFindAndReplaceCommand},
 };
 
