@@ -85,16 +85,15 @@ private:
         m_replacement.Begin();
         QVUtils::WriteAll(m_replacement.GetWriter(), blocks.GetMark().data(), blocks.GetMark().size());
         if (blocks.GetOffset() == 0) return;
-        QVUtils::FileDataReader reader(m_job.source);
+        QVUtils::FileDataReader file(m_job.source);
+        QVUtils::LimitedDataReader reader(file, blocks.GetOffset());
         Blocks again(reader, MarkSize(), Blocks::kBlockSize, blocks.GetOffset());
         Lines<CharT> lines;
-        View block;
-        bool hasBlock = false;
-        while ((hasBlock = again.Next(block)) && again.GetOffset() < blocks.GetOffset()) {
+        for (View block; again.Next(block);) {
             lines.Reset(block);
             lines.Save(m_replacement.GetWriter(), m_style);
         }
-        if (!hasBlock || again.GetOffset() != blocks.GetOffset())
+        if (reader.GetLeft() > 0)
             throw QVUtilsException(ErrorCode::ReadFault, "The file was changed while it was read");
     }
 
