@@ -126,7 +126,7 @@ private:
 /// destroyed without it (after a failure) drops what it holds.
 class BufferedDataWriter final : public DataWriter {
 public:
-    static constexpr uint32_t kBlockSize = 1 << 20;  // larger blocks are slower to write, not faster
+    static constexpr uint32_t kBlockSize = 256 * 1024;  // larger blocks are slower to write, not faster
 
     explicit BufferedDataWriter(DataWriter& target, uint32_t blockSize = kBlockSize)
         : m_target(target), m_blockSize(blockSize) {
