@@ -37,7 +37,7 @@ std::wstring TemporaryNameBeside(const std::wstring& path) {
 
 FileReplacement::~FileReplacement() {
     m_file.Abandon();
-    if (!m_path.empty()) Win32::RemoveFileWhateverItsAttributes(m_path);
+    if (m_isOurs) Win32::RemoveFileWhateverItsAttributes(m_path);
 }
 
 void FileReplacement::Begin() {
@@ -47,8 +47,9 @@ void FileReplacement::Begin() {
     // A read-only file cannot be opened for writing, but it can be moved aside.
     m_isBeside = exists && (WantsBackup() || IsOrdinaryFile(path));
     if (m_isBeside) path = TemporaryNameBeside(path);
-    m_file.Open(path, exists && !m_isBeside);
+    const bool isNew = m_file.Open(path, m_request.mayOverwrite && !m_isBeside);
     m_path = path;
+    m_isOurs = isNew;
     m_buffer.emplace(m_file);
 }
 
@@ -56,7 +57,7 @@ uint32_t FileReplacement::Commit() {
     m_buffer->Flush();
     m_file.Close();
     const uint32_t backupError = m_isBeside ? TakePlace() : ERROR_SUCCESS;
-    m_path.clear();
+    m_isOurs = false;
     return backupError;
 }
 

@@ -51,7 +51,8 @@ private:
     uint32_t TakePlace();
 
     ReplaceRequest m_request;
-    std::wstring m_path;  // what is written; empty when there is nothing to remove
+    std::wstring m_path;    // what is written
+    bool m_isOurs = false;  // it was created here and is not complete yet
     bool m_isBeside = false;
     FileDataWriter m_file;
     std::optional<BufferedDataWriter> m_buffer;
