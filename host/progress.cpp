@@ -12,7 +12,8 @@ constexpr size_t kWidth = 78;  // of the narrowest usual terminal, less what a c
 
 }  // namespace
 
-Progress::Progress(Shelf<Progress>& shelf, Output& output, ProgressWatch watch, std::wstring title, uint32_t total)
+Progress::Progress(Shelf<Progress>& shelf, Output& output, ProgressWatch watch, const std::wstring& title,
+                   uint32_t total)
     : m_shelf(shelf), m_output(output), m_watch(watch), m_title(OnOneLine(title)), m_total(total) {
     if (watch.isInWindow) m_window.emplace(title);
 }

@@ -22,7 +22,7 @@ struct ProgressWatch {
 
 class Progress final : public Quorvane::SDK::IProgress {
 public:
-    Progress(Shelf<Progress>& shelf, Output& output, ProgressWatch watch, std::wstring title, uint32_t total);
+    Progress(Shelf<Progress>& shelf, Output& output, ProgressWatch watch, const std::wstring& title, uint32_t total);
     ~Progress();
 
     void Advance(uint32_t done, const wchar_t* currentItem) override;

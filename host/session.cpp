@@ -93,7 +93,7 @@ void Session::ReadLanguage(const std::wstring& file, bool mustExist) {
         m_state.output.Note(L"[language] " + file + L" cannot be read; texts show as their ids: " +
                             DescribeError(error));
     for (const std::wstring& fault : m_state.texts.Read(bytes))
-        m_state.output.Note(L"[language] " + file + L": " + fault);
+        m_state.output.Note(std::wstring(L"[language] ").append(file).append(L": ").append(fault));
 }
 
 void Session::StartExtensions() {

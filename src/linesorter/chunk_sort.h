@@ -5,10 +5,18 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <cstring>
 #include <span>
 #include <vector>
 
 namespace QVLineSorter {
+
+/// Eight bytes of memory as a big-endian number: the first byte counts most.
+inline uint64_t LoadBytes(const void* from) {
+    uint64_t bytes;
+    std::memcpy(&bytes, from, sizeof bytes);
+    return __builtin_bswap64(bytes);
+}
 
 /// Eight bytes of a line's key, or its number, and the line's index in the file.
 struct KeyedIndex {

@@ -86,13 +86,11 @@ SortableLinesData<CharT> LoadSorted(QVUtils::TextFile& file, const SortRequest& 
 }
 
 template <class CharT>
-uint32_t Save(const SortableLinesData<CharT>& data, const std::wstring& source, const std::wstring& target,
-              const SortRequest& request) {
+uint32_t Save(const SortableLinesData<CharT>& data, const std::wstring& target, const SortRequest& request) {
     const bool mayOverwrite = request.Has(SortOption::Overwrite);
     if (request.Has(SortOption::SaveAs) && !mayOverwrite && Win32::Exists(target))
         throw QVLineSorterException(ErrorCode::FileExists, "Target file already exists");
-    const QVUtils::ReplaceRequest replace = {.source = source,
-                                             .target = target,
+    const QVUtils::ReplaceRequest replace = {.target = target,
                                              .mayOverwrite = mayOverwrite,
                                              .keepBackup = request.Has(SortOption::KeepBackup),
                                              .dropBackup = request.Has(SortOption::DeleteBackup)};
@@ -108,11 +106,11 @@ uint32_t SortOneFile(const std::wstring& source, const std::wstring& target, con
     switch (file.GetKind()) {
         case EncodingKind::CodePage: {
             const auto data = LoadSorted<char>(file, request);
-            return Save(data, source, target, request);
+            return Save(data, target, request);
         }
         case EncodingKind::Utf16: {
             const auto data = LoadSorted<wchar_t>(file, request);
-            return Save(data, source, target, request);
+            return Save(data, target, request);
         }
         default: throw QVLineSorterException(ErrorCode::TextFormatNotSupported, "Text format not supported");
     }

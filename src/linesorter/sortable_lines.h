@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -20,6 +21,9 @@ struct SortableLine {
     uint32_t keyOffset = 0;  // from the line's start
     uint32_t keyLength = 0;  // 0: to the end of the line
 };
+
+/// The lines that are sorted. Indexes of the sort count from its first line.
+using Range = std::span<SortableLine>;
 
 /// The text and the lines of one file.
 ///
