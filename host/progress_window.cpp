@@ -19,7 +19,7 @@ ProgressWindow::ProgressWindow(const std::wstring& title) {
     if (!m_window) return;
     SetWindowTextW(m_window.Get(), title.c_str());
     SetDlgItemTextW(m_window.Get(), IDCANCEL, L"Cancel");
-    ShowWindow(m_window.Get(), SW_SHOWNOACTIVATE);
+    ShowWindow(m_window.Get(), SW_SHOW);
 }
 
 INT_PTR CALLBACK ProgressWindow::OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
