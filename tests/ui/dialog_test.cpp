@@ -120,6 +120,38 @@ TEST(Resizing, MovesEachEdgeByItsShare) {
     EXPECT_EQ(limits.ptMinTrackSize.y, height);
 }
 
+TEST(Resizing, CountsAnewOnAScreenOfAnotherScale) {
+    Sample sample;
+    sample.anchors = {{IDOK, 100, 100, 100, 100}};
+    sample.ShowModeless(nullptr);
+    const HWND window = sample.GetWindow();
+    const auto rectOfButton = [&] {
+        RECT rect = {};
+        GetWindowRect(GetDlgItem(window, IDOK), &rect);
+        MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&rect), 2);
+        return rect;
+    };
+    const HDC context = GetDC(window);
+    const int dots = GetDeviceCaps(context, LOGPIXELSX);
+    ReleaseDC(window, context);
+    RECT client = {};
+    GetClientRect(window, &client);
+    RECT whole = {};
+    GetWindowRect(window, &whole);
+    const RECT button = rectOfButton();
+    // As the system does it: it tells of the new scale, and makes window and controls larger.
+    SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(2 * dots, 2 * dots), reinterpret_cast<LPARAM>(&whole));
+    SetWindowPos(window, nullptr, 0, 0, 2 * (whole.right - whole.left), 2 * (whole.bottom - whole.top),
+                 SWP_NOMOVE | SWP_NOZORDER);
+    RECT largerClient = {};
+    GetClientRect(window, &largerClient);
+    const RECT larger = rectOfButton();
+    EXPECT_EQ(largerClient.right - larger.right, 2 * (client.right - button.right));
+    EXPECT_EQ(largerClient.bottom - larger.bottom, 2 * (client.bottom - button.bottom));
+    EXPECT_EQ(larger.right - larger.left, 2 * (button.right - button.left));
+    EXPECT_EQ(larger.bottom - larger.top, 2 * (button.bottom - button.top));
+}
+
 TEST(ActivationContext, GivesOurWindowsTheNewerControls) {
     const auto hasNewerEdit = [] {
         const HWND window =

@@ -116,6 +116,45 @@ TEST(SortLinesDlg, TheMenuOfDatesFillsTheFormat) {
     EXPECT_EQ(result->dateFormat, L"%Y-%m-%d %H:%M:%S");
 }
 
+TEST(SortLinesDlg, TabReachesEveryUsableFieldOnce) {
+    SortRequest first;
+    first.options = Option::Item | Option::AsDate | Option::SaveAs;
+    first.separator = L';';
+    first.itemNumber = 1;
+    first.dateFormat = L"%Y";
+    Show(first, [](DialogDriver&, DrivenDialog& dialog) {
+        const std::vector<int> order = {IDC_TARGET,
+                                        IDC_FILE_NAME,
+                                        IDC_KEEP_TOP,
+                                        IDC_KEEP_BOTTOM,
+                                        IDC_LINE_OFFSET,
+                                        IDC_SKIP_SPACES,
+                                        IDC_KEY_ITEM,
+                                        IDC_ITEM_SEPARATOR,
+                                        IDC_ITEM_NUMBER,
+                                        IDC_SORT_METHOD,
+                                        IDC_DATE_FORMAT,
+                                        IDC_DATE_MENU,
+                                        IDC_LANGUAGE_ORDER,
+                                        IDC_SORT_IGNORE_CASE,
+                                        IDC_REVERSE,
+                                        IDC_REMOVE_BLANK_LINES,
+                                        IDOK,
+                                        IDCANCEL,
+                                        IDC_FILES};
+        std::vector<int> reached;
+        for (size_t step = 0; step < order.size(); ++step) {
+            const int before = dialog.Focus();
+            reached.push_back(before);
+            dialog.Key(VK_TAB);
+            ASSERT_TRUE(QVTest::WaitUntil([&] { return dialog.Focus() != before; })) << before;
+        }
+        EXPECT_EQ(reached, order);
+        EXPECT_EQ(dialog.Focus(), IDC_TARGET);
+        dialog.PressAndClose(IDCANCEL);
+    });
+}
+
 TEST(SortLinesDlg, NumbersRefuseWhatIsNone) {
     Show({}, [](DialogDriver&, DrivenDialog& dialog) {
         SendMessageW(dialog.Control(IDC_KEEP_TOP), EM_SETSEL, 0, -1);
