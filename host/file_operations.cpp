@@ -54,6 +54,7 @@ uint32_t FileOperations::CommitRenameBatch(Quorvane::SDK::IRenameBatch* batch, u
         if (!known) return ERROR_INVALID_PARAMETER;
         const std::vector<RenameBatch::Row> taken = known->TakeRows();
         std::vector<RenameRow> rows;
+        rows.reserve(taken.size());
         for (const RenameBatch::Row& row : taken) rows.push_back({row.item->Path(), row.newName, 0, {}});
         QVHost::RenameRows(rows);
         uint32_t firstError = ERROR_SUCCESS;

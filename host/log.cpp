@@ -9,8 +9,8 @@
 namespace QVHost {
 namespace {
 
-constexpr size_t kBlock = 64 * 1024;               // bytes
-constexpr size_t kLongestLine = 16 * 1024 * 1024;  // units
+constexpr size_t kBlock = size_t{64} * 1024;               // bytes
+constexpr size_t kLongestLine = size_t{16} * 1024 * 1024;  // units
 
 }  // namespace
 

@@ -5,7 +5,7 @@
 namespace QVHost {
 namespace {
 
-constexpr size_t kBlock = 64 * 1024;  // bytes
+constexpr size_t kBlock = size_t{64} * 1024;  // bytes
 
 }  // namespace
 

@@ -7,7 +7,7 @@
 namespace QVHost {
 namespace {
 
-constexpr LONGLONG kLargest = 256 * 1024 * 1024;  // bytes
+constexpr LONGLONG kLargest = LONGLONG{256} * 1024 * 1024;  // bytes
 
 uint32_t WriteNewFile(const std::wstring& path, std::string_view bytes) {
     const Win32::FileHandle file(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_WRITE, 0, nullptr,

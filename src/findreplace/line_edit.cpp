@@ -1,6 +1,7 @@
 #include "findreplace/line_edit.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "findreplace/request.h"
 #include "textio/qvutils_exception.h"
@@ -24,6 +25,12 @@ void LineEdit<CharT>::Begin(View line) {
 }
 
 template <class CharT>
+std::vector<CharT> LineEdit<CharT>::TakeText() {
+    m_done.insert(m_done.end(), m_ahead.begin(), m_ahead.end());
+    return std::exchange(m_done, {});
+}
+
+template <class CharT>
 std::basic_string<CharT> LineEdit<CharT>::GetPart(size_t from, size_t length) const {
     const View done = GetDone();
     std::basic_string<CharT> part;
@@ -44,6 +51,8 @@ template <class CharT>
 void LineEdit<CharT>::Replace(Span match, View replacement) {
     if (!m_isChanged) {
         m_isChanged = true;
+        // Most replacements are about as long as what they replace; a long line must not be copied while it grows.
+        m_done.reserve(m_line.size() + m_line.size() / 8 + replacement.size());
         m_done.assign(m_line.begin(), m_line.begin() + static_cast<std::ptrdiff_t>(m_passed));
     }
     const size_t lengthBefore = m_ahead.size();

@@ -42,6 +42,9 @@ public:
         return m_isChanged ? View(m_done.data(), m_done.size()) : m_line.substr(0, m_passed);
     }
 
+    /// Ends the edit: gives the line's new text, of which nothing is kept here.
+    std::vector<CharT> TakeText();
+
     /// At most `length` characters of the line as it stands, from column `from` on.
     std::basic_string<CharT> GetPart(size_t from, size_t length) const;
 

@@ -1,7 +1,6 @@
 #include "findreplace/lines.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "findreplace/request.h"
 #include "textio/text_file.h"
@@ -13,10 +12,12 @@ using QVUtils::LineBreak;
 template <class CharT>
 CharT* TextArena<CharT>::Allocate(size_t length) {
     if (length > m_left) {
-        // A long text gets a block of its own, and the rest of the block in use is kept for short ones.
-        const bool isLong = length > kBlockUnits / 4;
-        m_blocks.push_back(std::make_unique_for_overwrite<CharT[]>(isLong ? length : kBlockUnits));
-        if (isLong) return m_blocks.back().get();
+        // A long text gets memory of its own, and the rest of the block in use is kept for short ones.
+        if (length > kBlockUnits / 4) {
+            m_longTexts.push_back(std::make_unique_for_overwrite<CharT[]>(length));
+            return m_longTexts.back().get();
+        }
+        m_blocks.push_back(std::make_unique_for_overwrite<CharT[]>(kBlockUnits));
         m_next = m_blocks.back().get();
         m_left = kBlockUnits;
     }
@@ -27,31 +28,22 @@ CharT* TextArena<CharT>::Allocate(size_t length) {
 }
 
 template <class CharT>
-void Lines<CharT>::Load(QVUtils::DataReader& reader, uint64_t expectedSize, uint32_t markSize, uint32_t chunkSize) {
-    QVUtils::RefuseOversizedText(expectedSize);
-    // One chunk more than expected: the last read, which finds the end, needs room too.
-    size_t capacity = static_cast<size_t>(expectedSize) + chunkSize;
-    m_storage = std::make_unique_for_overwrite<uint8_t[]>(capacity);
-    size_t size = 0;
-    for (;;) {
-        if (capacity - size < chunkSize) {
-            capacity = capacity / 2 * 3 + chunkSize;
-            auto larger = std::make_unique_for_overwrite<uint8_t[]>(capacity);
-            std::memcpy(larger.get(), m_storage.get(), size);
-            m_storage = std::move(larger);
-        }
-        uint32_t delivered = 0;
-        reader.Read(m_storage.get() + size, chunkSize, delivered);
-        if (delivered == 0) break;
-        size += delivered;
-        QVUtils::RefuseOversizedText(size);
-    }
-    const auto* const bytes = reinterpret_cast<const char*>(m_storage.get());
-    const size_t mark = std::min<size_t>(markSize, size);
-    const size_t units = (size - mark) / sizeof(CharT);
-    m_mark.assign(bytes, mark);
-    m_halfUnit.assign(bytes + mark + units * sizeof(CharT), bytes + size);
-    m_text = View(reinterpret_cast<const CharT*>(bytes + mark), units);
+void TextArena<CharT>::Clear() {
+    m_longTexts.clear();
+    m_adopted.clear();
+    if (m_blocks.empty()) return;
+    m_blocks.resize(1);
+    m_next = m_blocks.front().get();
+    m_left = kBlockUnits;
+}
+
+template <class CharT>
+void Lines<CharT>::Reset(View text) {
+    m_text = text;
+    m_isTouched = m_hasRecords = false;
+    m_records.clear();
+    m_inserted.clear();
+    m_arena.Clear();
 }
 
 template <class CharT>
@@ -71,13 +63,24 @@ void Lines<CharT>::MakeRecords() const {
 
 template <class CharT>
 void Lines<CharT>::SetLine(uint32_t line, View head, View tail) {
-    LineRecord<CharT>& record = Records()[line];
     const size_t length = head.size() + tail.size();
-    QVUtils::RefuseOversizedText(length * sizeof(CharT));
     // Room for one unit at least: an edit to no text at all is an edit too, and shows by its address.
     CharT* const text = m_arena.Allocate(std::max<size_t>(length, 1));
     std::copy(head.begin(), head.end(), text);
     std::copy(tail.begin(), tail.end(), text + head.size());
+    Edit(line, text, length);
+}
+
+template <class CharT>
+void Lines<CharT>::SetLine(uint32_t line, std::vector<CharT>&& text) {
+    Edit(line, text.data(), text.size());
+    m_arena.Adopt(std::move(text));
+}
+
+template <class CharT>
+void Lines<CharT>::Edit(uint32_t line, const CharT* text, size_t length) {
+    QVUtils::RefuseOversizedText(length * sizeof(CharT));
+    LineRecord<CharT>& record = Records()[line];
     record.edited = text;
     record.currentLength = static_cast<uint32_t>(length);
     m_isTouched = true;
@@ -97,17 +100,19 @@ void Lines<CharT>::InsertLine(uint32_t line, View text) {
 }
 
 template <class CharT>
-void Lines<CharT>::Save(QVUtils::DataWriter& writer) const {
+void Lines<CharT>::Save(QVUtils::DataWriter& writer, LineBreak& style) const {
     const auto& records = Records();
     const auto hasBreak = [](const LineRecord<CharT>& record) { return record.lineBreak != LineBreak::None; };
-    const auto first = std::find_if(records.begin(), records.end(), hasBreak);
-    const LineBreak style = first == records.end() ? LineBreak::Lf : first->lineBreak;
-    writer.SetLineBreak(QVUtils::LineBreakBytes<CharT>(style));
+    if (style == LineBreak::None) {
+        const auto first = std::find_if(records.begin(), records.end(), hasBreak);
+        if (first != records.end()) style = first->lineBreak;
+        writer.SetLineBreak(QVUtils::LineBreakBytes<CharT>(style == LineBreak::None ? LineBreak::Lf : style));
+    }
 
     const auto write = [&](const CharT* text, size_t length) {
         QVUtils::WriteAll(writer, text, length * sizeof(CharT));
     };
-    // Neighbouring lines that are written just as they stand in the storage go out in one piece.
+    // Neighbouring lines that are written just as they stand in the text go out in one piece.
     const CharT* pieceBegin = nullptr;
     const CharT* pieceEnd = nullptr;
     const auto writePiece = [&] {
@@ -115,7 +120,6 @@ void Lines<CharT>::Save(QVUtils::DataWriter& writer) const {
         pieceBegin = pieceEnd = nullptr;
     };
 
-    QVUtils::WriteAll(writer, m_mark.data(), m_mark.size());
     for (uint32_t line = 0; line < records.size(); ++line) {
         const LineRecord<CharT>& record = records[line];
         const bool isVerbatim = !record.edited && !record.isRemoved && !record.hasInsertedLines &&
@@ -142,7 +146,6 @@ void Lines<CharT>::Save(QVUtils::DataWriter& writer) const {
         }
     }
     writePiece();
-    QVUtils::WriteAll(writer, m_halfUnit.data(), m_halfUnit.size());
 }
 
 template <class CharT>

@@ -1,4 +1,4 @@
-// lines.h - a text as a table of lines over one block of memory, with the edits made to it.
+// lines.h - a stretch of text as a table of lines, with the edits made to it.
 #pragma once
 
 #include <cstdint>
@@ -8,22 +8,27 @@
 #include <string_view>
 #include <vector>
 
-#include "textio/data_reader.h"
 #include "textio/data_writer.h"
 #include "textio/line_splitter.h"
 
 namespace QVFindAndReplace {
 
-/// Memory for texts that live as long as the document, handed out from large blocks.
+/// Memory for texts of the same life, handed out from large blocks.
 template <class CharT>
 class TextArena {
 public:
-    /// Room for `length` units.
+    /// Room for `length` units, valid until Clear.
     CharT* Allocate(size_t length);
+    /// Keeps a text that was built elsewhere; it stays where it is.
+    void Adopt(std::vector<CharT>&& text) { m_adopted.push_back(std::move(text)); }
+    /// Gives up all texts, and keeps one block for the next ones.
+    void Clear();
 
 private:
-    static constexpr size_t kBlockUnits = (1 << 20) / sizeof(CharT);
+    static constexpr size_t kBlockUnits = (1 << 18) / sizeof(CharT);
     std::vector<std::unique_ptr<CharT[]>> m_blocks;
+    std::vector<std::unique_ptr<CharT[]>> m_longTexts;
+    std::vector<std::vector<CharT>> m_adopted;
     CharT* m_next = nullptr;
     size_t m_left = 0;
 };
@@ -41,24 +46,18 @@ struct LineRecord {
     bool hasInsertedLines;
 };
 
-/// The lines of a document, in file order.
+/// The lines of a text, in its order.
 ///
-/// The whole text lies in one block as it was read, so that a search can run over many lines at once. The table over it
-/// is made when it is first asked for: a text in which nothing is found never needs one.
+/// The text stays where it is, in one piece, so that a search can run over many lines at once. The table over it is
+/// made when it is first asked for: a text in which nothing is found never needs one.
 template <class CharT>
 class Lines {
 public:
     using View = std::basic_string_view<CharT>;
 
-    static constexpr uint32_t kChunkSize = 32768;
+    /// Starts on a text, which must stay in place as long as its lines are used. What was held before is gone.
+    void Reset(View text);
 
-    /// Reads everything that `reader` gives, in chunks of `chunkSize` bytes. `expectedSize` (bytes) only saves growing.
-    /// The first `markSize` bytes (a byte-order mark) belong to no line and come back first when the text is written;
-    /// so does, at the end, half of a UTF-16 unit. @throws QVUtilsException for 4 GB or more, and what the reader
-    /// throws
-    void Load(QVUtils::DataReader& reader, uint64_t expectedSize, uint32_t markSize, uint32_t chunkSize = kChunkSize);
-
-    /// The text as it was read, without the mark.
     View GetText() const noexcept { return m_text; }
 
     uint32_t GetCount() const { return static_cast<uint32_t>(Records().size()); }
@@ -78,16 +77,19 @@ public:
 
     /// Gives a line the text `head` + `tail`. Both may lie in the line's present text.
     void SetLine(uint32_t line, View head, View tail);
+    /// The same, taking the text over instead of copying it.
+    void SetLine(uint32_t line, std::vector<CharT>&& text);
     /// The line is searched and written no more.
     void RemoveLine(uint32_t line);
     /// Adds a line behind `line` and behind those added there before. Added lines are written, never searched: that
     /// they came from the replacement is reason enough not to replace in them again.
     void InsertLine(uint32_t line, View text);
 
-    /// Writes all lines. Every line that had a break gets the break of the first line that had one, so that a file with
-    /// mixed breaks comes back with one style; this is intended. Added lines get it too; a line without a break stays
-    /// without. @throws QVUtilsException what the writer throws
-    void Save(QVUtils::DataWriter& writer) const;
+    /// Writes all lines. Every line that had a break gets the break of the first line of the file that had one, so that
+    /// a file with mixed breaks comes back with one style; this is intended. Added lines get it too; a line without a
+    /// break stays without. `style` holds that break, or None as long as no such line was seen.
+    /// @throws QVUtilsException what the writer throws
+    void Save(QVUtils::DataWriter& writer, QVUtils::LineBreak& style) const;
 
     /// The line of an untouched stretch [first, last) of the table in which the text position `at` lies. Fast when it
     /// is near `first`.
@@ -100,9 +102,8 @@ private:
     }
     void MakeRecords() const;
 
-    std::unique_ptr<uint8_t[]> m_storage;
-    std::string m_mark;
-    std::string m_halfUnit;
+    void Edit(uint32_t line, const CharT* text, size_t length);
+
     View m_text;
     bool m_isTouched = false;
     // The table follows from the text alone, so making it changes nothing that can be seen.

@@ -96,8 +96,17 @@ private:
             for (const Text& text : pair.inserted) m_lines.InsertLine(line, text);
             m_document.CountChange();
         }
-        if (m_edit.IsChanged()) m_lines.SetLine(line, m_edit.GetDone(), m_edit.GetAhead());
+        if (m_edit.IsChanged()) KeepEdit(line);
         m_lineInEdit = kNoLine;
+    }
+
+    /// A short text is copied, which lets the edit use its memory again; a long one is not copied once more.
+    void KeepEdit(uint32_t line) {
+        constexpr size_t kLongUnits = 16384;
+        if (m_edit.GetDone().size() < kLongUnits)
+            m_lines.SetLine(line, m_edit.GetDone(), m_edit.GetAhead());
+        else
+            m_lines.SetLine(line, m_edit.TakeText());
     }
 
     // Going from line to line, with one look at a whole stretch of untouched lines.
@@ -237,6 +246,7 @@ private:
     }
     static std::vector<Text> Values(const std::vector<Converted<CharT>>& items) {
         std::vector<Text> values;
+        values.reserve(items.size());
         for (const Converted<CharT>& item : items) values.push_back(*item);
         return values;
     }

@@ -3,6 +3,7 @@
 #include <new>
 
 #include "findreplace/matching.h"
+#include "findreplace/text_blocks.h"
 #include "textio/replace_file.h"
 #include "textio/text_file.h"
 #include "win32/files.h"
@@ -23,37 +24,92 @@ struct Job {
     IFindAndReplaceCallback& callback;
 };
 
-template <class CharT>
-void Save(const Job& job, const TextDocumentT<CharT>& document) {
+QVUtils::ReplaceRequest ReplacementOf(const Job& job) {
     const bool isSaveAs = (job.options & Option::SaveAs) != 0;
-    const bool mayOverwrite = isSaveAs && (job.options & Option::Overwrite) != 0;
-    if (isSaveAs && !mayOverwrite && Win32::Exists(job.target))
-        throw QVUtilsException(ErrorCode::FileExists, "Target file already exists");
     QVUtils::ReplaceRequest replace;
-    replace.source = job.source;
     replace.target = job.target;
-    replace.mayOverwrite = mayOverwrite;
+    replace.mayOverwrite = isSaveAs && (job.options & Option::Overwrite) != 0;
     replace.keepBackup = (job.options & Option::KeepBackup) != 0;
     replace.dropBackup = (job.options & Option::DropBackup) != 0;
-    // A file that cannot be written is expected to be there as if nothing had happened.
-    replace.restoreOnFailure = true;
-    const uint32_t backupError =
-        QVUtils::ReplaceFileContent(replace, [&](QVUtils::DataWriter& writer) { document.Save(writer); });
-    if (backupError != 0) job.callback.ReportErrorA("Unable to delete the backup of the file", backupError);
+    return replace;
 }
 
+/// Finds and replaces in one text, block by block. Nothing is written before there is a change, and then to a file of
+/// its own; so a failure at any place leaves everything as it was.
 template <class CharT>
-int64_t ProcessDocument(const Job& job, QVUtils::TextFile& file, EncodingKind kind) {
-    TextDocumentT<CharT> document(kind);
-    document.Load(file);
-    file.Close();
-    const uint32_t changes = FindAndReplace(document, job.request, &job.callback);
-    // Cancelled while over several lines: nothing is saved, yet the file counts one change and the run goes on. That is
-    // what this path has always answered, and it stays.
-    if (job.callback.IsCancelled()) return 1;
-    if (changes > 0) Save(job, document);
-    return changes;
-}
+class TextProcess {
+public:
+    TextProcess(const Job& job, QVUtils::TextFile& file, EncodingKind kind)
+        : m_job(job), m_file(file), m_document(kind), m_replacement(ReplacementOf(job)) {}
+
+    int64_t Run() {
+        // Whoever asks is shown lines by their number and their neighbours, and a match over lines has no block to be
+        // in: both need the whole text.
+        const bool asksNobody = (m_job.options & (Option::ReplaceAll | Option::Silent)) != 0;
+        const bool inBlocks = asksNobody && m_job.request.GetMode() != Mode::Multiline;
+        IFindAndReplaceCallback* const callback = asksNobody ? nullptr : &m_job.callback;
+        Blocks blocks(m_file.GetReader(), MarkSize(), inBlocks ? Blocks::kBlockSize : Blocks::kWholeText,
+                      m_file.GetSize());
+        View block;
+        // An empty text has no block, yet a request that cannot work is told so.
+        bool hasBlock = blocks.Next(block);
+        do {
+            m_document.GetLines().Reset(block);
+            FindAndReplace(m_document, m_job.request, callback);
+            // Cancelled while over several lines: nothing is saved, yet the file counts one change and the run goes on.
+            // That is what this path has always answered, and it stays.
+            if (m_job.callback.IsCancelled()) return 1;
+            if (m_document.GetChangeCount() > 0) Save(blocks);
+            hasBlock = hasBlock && blocks.Next(block);
+        } while (hasBlock);
+        if (m_replacement.HasBegun()) Finish(blocks);
+        return m_document.GetChangeCount();
+    }
+
+private:
+    using Blocks = TextBlocks<CharT>;
+    using View = typename Blocks::View;
+
+    uint32_t MarkSize() const { return static_cast<uint32_t>(m_file.GetMarkSize()); }
+
+    void Save(const Blocks& blocks) {
+        if (!m_replacement.HasBegun()) Begin(blocks);
+        m_document.GetLines().Save(m_replacement.GetWriter(), m_style);
+    }
+
+    /// Opens what is written to, and writes what lies before the first block with a change.
+    void Begin(const Blocks& blocks) {
+        const bool isSaveAs = (m_job.options & Option::SaveAs) != 0;
+        if (isSaveAs && !(m_job.options & Option::Overwrite) && Win32::Exists(m_job.target))
+            throw QVUtilsException(ErrorCode::FileExists, "Target file already exists");
+        m_replacement.Begin();
+        QVUtils::WriteAll(m_replacement.GetWriter(), blocks.GetMark().data(), blocks.GetMark().size());
+        if (blocks.GetOffset() == 0) return;
+        QVUtils::FileDataReader file(m_job.source);
+        QVUtils::LimitedDataReader reader(file, blocks.GetOffset());
+        Blocks again(reader, MarkSize(), Blocks::kBlockSize, blocks.GetOffset());
+        Lines<CharT> lines;
+        for (View block; again.Next(block);) {
+            lines.Reset(block);
+            lines.Save(m_replacement.GetWriter(), m_style);
+        }
+        if (reader.GetLeft() > 0)
+            throw QVUtilsException(ErrorCode::ReadFault, "The file was changed while it was read");
+    }
+
+    void Finish(const Blocks& blocks) {
+        QVUtils::WriteAll(m_replacement.GetWriter(), blocks.GetHalfUnit().data(), blocks.GetHalfUnit().size());
+        m_file.Close();
+        const uint32_t backupError = m_replacement.Commit();
+        if (backupError != 0) m_job.callback.ReportErrorA("Unable to delete the backup of the file", backupError);
+    }
+
+    const Job& m_job;
+    QVUtils::TextFile& m_file;
+    TextDocumentT<CharT> m_document;
+    QVUtils::FileReplacement m_replacement;
+    QVUtils::LineBreak m_style = QVUtils::LineBreak::None;
+};
 
 int64_t Process(const Job& job) {
     QVUtils::TextFile file(job.source);
@@ -62,12 +118,12 @@ int64_t Process(const Job& job) {
             job.callback.ReportErrorA("File is not detected as a text file. Unsupported file format",
                                       ErrorCode::NotATextFile);
             return 0;
-        case EncodingKind::Utf16: return ProcessDocument<WideChar>(job, file, EncodingKind::Utf16);
-        case EncodingKind::Utf8: return ProcessDocument<char>(job, file, EncodingKind::Utf8);
+        case EncodingKind::Utf16: return TextProcess<WideChar>(job, file, EncodingKind::Utf16).Run();
+        case EncodingKind::Utf8: return TextProcess<char>(job, file, EncodingKind::Utf8).Run();
         case EncodingKind::CodePage: break;
     }
     const bool forceUtf8 = (job.options & Option::ForceUtf8) != 0;
-    return ProcessDocument<char>(job, file, forceUtf8 ? EncodingKind::Utf8 : EncodingKind::CodePage);
+    return TextProcess<char>(job, file, forceUtf8 ? EncodingKind::Utf8 : EncodingKind::CodePage).Run();
 }
 
 }  // namespace

@@ -12,9 +12,12 @@ namespace {
 
 template <class CharT>
 bool EqualUnits(const CharT* left, const CharT* right, size_t length, bool ignoreCase) {
-    if (!ignoreCase) return std::memcmp(left, right, length * sizeof(CharT)) == 0;
-    for (size_t i = 0; i < length; ++i)
-        if (FoldCase(left[i]) != FoldCase(right[i])) return false;
+    constexpr size_t kWorthACall = 32;
+    if (!ignoreCase && length >= kWorthACall) return std::memcmp(left, right, length * sizeof(CharT)) == 0;
+    for (size_t i = 0; i < length; ++i) {
+        if (left[i] == right[i]) continue;
+        if (!ignoreCase || FoldCase(left[i]) != FoldCase(right[i])) return false;
+    }
     return true;
 }
 

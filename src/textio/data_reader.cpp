@@ -43,6 +43,12 @@ uint32_t MemoryDataReader::Read(void* buffer, uint32_t size, uint32_t& bytesRead
     return 1;
 }
 
+uint32_t LimitedDataReader::Read(void* buffer, uint32_t size, uint32_t& bytesRead) {
+    m_reader.Read(buffer, static_cast<uint32_t>(std::min<uint64_t>(size, m_left)), bytesRead);
+    m_left -= bytesRead;
+    return 1;
+}
+
 uint32_t SampledDataReader::Read(void* buffer, uint32_t size, uint32_t& bytesRead) {
     const uint32_t left = m_sampleSize - m_position;
     if (left == 0) return m_reader.Read(buffer, size, bytesRead);

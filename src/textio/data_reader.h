@@ -64,6 +64,23 @@ private:
     std::unique_ptr<const uint8_t[]> m_owned;
 };
 
+/// The first bytes of what another reader gives.
+class LimitedDataReader final : public DataReader {
+public:
+    /// Ends after `limit` bytes. The other reader must outlive this one.
+    LimitedDataReader(DataReader& reader, uint64_t limit) : m_reader(reader), m_left(limit) {}
+
+    uint32_t Read(void* buffer, uint32_t size, uint32_t& bytesRead) override;
+    void Close() override { m_reader.Close(); }
+
+    /// Bytes that were not read yet; above 0 at the end when the other reader had fewer.
+    uint64_t GetLeft() const noexcept { return m_left; }
+
+private:
+    DataReader& m_reader;
+    uint64_t m_left;
+};
+
 /// Puts bytes that were already read in front of what another reader still has to give. So a file is opened once, both
 /// to look at its first bytes and to load it.
 class SampledDataReader final : public DataReader {

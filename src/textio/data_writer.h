@@ -62,8 +62,9 @@ public:
     ~FileDataWriter() override;
 
     /// Closes what is open, then opens `path`: emptied when it exists and `overwrite` is set, refused with code 80 when
-    /// it exists and `overwrite` is not. @throws QVUtilsException "Unable to open file for writing"
-    void Open(const std::wstring& path, bool overwrite);
+    /// it exists and `overwrite` is not. True when the file was not there before.
+    /// @throws QVUtilsException "Unable to open file for writing"
+    bool Open(const std::wstring& path, bool overwrite);
 
     uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* bytesWritten) override;
 
@@ -126,7 +127,7 @@ private:
 /// destroyed without it (after a failure) drops what it holds.
 class BufferedDataWriter final : public DataWriter {
 public:
-    static constexpr uint32_t kBlockSize = 1 << 20;  // larger blocks are slower to write, not faster
+    static constexpr uint32_t kBlockSize = 256 * 1024;  // larger blocks are slower to write, not faster
 
     explicit BufferedDataWriter(DataWriter& target, uint32_t blockSize = kBlockSize)
         : m_target(target), m_blockSize(blockSize) {

@@ -12,6 +12,7 @@ inline constexpr uint32_t FileNotFound = 2;
 inline constexpr uint32_t AccessDenied = 5;
 inline constexpr uint32_t NotATextFile = 11;
 inline constexpr uint32_t OutOfMemory = 14;
+inline constexpr uint32_t ReadFault = 30;
 inline constexpr uint32_t FileExists = 80;
 inline constexpr uint32_t InvalidParameter = 87;
 inline constexpr uint32_t DiskFull = 112;

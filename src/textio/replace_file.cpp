@@ -2,34 +2,29 @@
 
 #include "textio/target_name.h"
 #include "win32/files.h"
+#include "win32/handle.h"
 #include "win32/path.h"
-#include "win32/windows.h"
 
 namespace QVUtils {
 namespace {
+
+constexpr char kCannotOpen[] = "Unable to open file for writing";
 
 void ThrowIfFailed(uint32_t error, const char* message) {
     if (error != ERROR_SUCCESS) throw QVUtilsException(error, message);
 }
 
-/// Writes a whole file; an incomplete one is removed before the failure goes on. One that cannot be opened is not ours
-/// to remove.
-void WriteWholeFile(const std::wstring& path, bool overwrite, const WriteContent& write) {
-    FileDataWriter file;
-    file.Open(path, overwrite);
-    try {
-        BufferedDataWriter buffer(file);
-        write(buffer);
-        buffer.Flush();
-        file.Close();
-    } catch (...) {
-        file.Abandon();
-        Win32::RemoveFile(path);
-        throw;
-    }
+/// Can the target be written at all, and is it a file on a disk? Asked before work is spent on its replacement.
+/// @throws QVUtilsException with the code that opening it gives
+bool IsOrdinaryFile(const std::wstring& path) {
+    const Win32::FileHandle file(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_WRITE,
+                                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                             OPEN_EXISTING, 0, nullptr));
+    if (!file) throw QVUtilsException(GetLastError(), kCannotOpen);
+    return GetFileType(file.Get()) == FILE_TYPE_DISK;
 }
 
-/// A name beside `path` that no file has. Temporary files never leave the target's folder: moving over is safe only
+/// A name beside `path` that no file has. What is written never leaves the target's folder: taking a place is safe only
 /// within one volume.
 std::wstring TemporaryNameBeside(const std::wstring& path) {
     for (uint32_t number = GetTickCount();; ++number) {
@@ -38,52 +33,58 @@ std::wstring TemporaryNameBeside(const std::wstring& path) {
     }
 }
 
-void WriteBesideAndMoveOver(const std::wstring& target, const WriteContent& write) {
-    const std::wstring temporary = TemporaryNameBeside(target);
-    WriteWholeFile(temporary, false, write);
-    Win32::CarryOverAttributesAndAccess(target, temporary);
-    const uint32_t error = Win32::MoveFileOver(temporary, target);
-    if (error != ERROR_SUCCESS) Win32::RemoveFileWhateverItsAttributes(temporary);
-    ThrowIfFailed(error, "Unable to replace the file");
-}
-
-/// Writes `target`, whose former content lies at `backup` by now. On failure it is put back, or the text of the failure
-/// tells where it is.
-void WriteWithBackupAt(const std::wstring& backup, const ReplaceRequest& request, const WriteContent& write) {
-    const auto putBack = [&] {
-        return request.restoreOnFailure && Win32::MoveFileTo(backup, request.target) == ERROR_SUCCESS;
-    };
-    try {
-        WriteWholeFile(request.target, false, write);
-    } catch (const QVUtilsException& failure) {
-        if (putBack()) throw;
-        throw QVUtilsException(failure.GetErrorCode(),
-                               std::string(failure.what()) + " (the original is kept in its .bak file)");
-    } catch (...) {
-        putBack();
-        throw;
-    }
-}
-
 }  // namespace
 
-uint32_t ReplaceFileContent(const ReplaceRequest& request, const WriteContent& write) {
-    const bool wantsBackup = request.keepBackup || request.dropBackup;
-    if (wantsBackup && Win32::Exists(request.target)) {
-        const std::wstring backup = FreeBackupName(request.target, Win32::Exists);
-        if (!backup.empty()) {
-            ThrowIfFailed(Win32::MoveFileTo(request.target, backup), "Unable to make a backup of the file");
-            WriteWithBackupAt(backup, request, write);
-            Win32::CarryOverAttributesAndAccess(backup, request.target);
-            return request.keepBackup ? ERROR_SUCCESS : Win32::RemoveFileWhateverItsAttributes(backup);
-        }
+FileReplacement::~FileReplacement() {
+    m_file.Abandon();
+    if (m_isOurs) Win32::RemoveFileWhateverItsAttributes(m_path);
+}
+
+void FileReplacement::Begin() {
+    std::wstring path = m_request.target;
+    const bool exists = Win32::Exists(path);
+    if (exists && !m_request.mayOverwrite && !WantsBackup()) throw QVUtilsException(ErrorCode::FileExists, kCannotOpen);
+    // A read-only file cannot be opened for writing, but it can be moved aside.
+    m_isBeside = exists && (WantsBackup() || IsOrdinaryFile(path));
+    if (m_isBeside) path = TemporaryNameBeside(path);
+    const bool isNew = m_file.Open(path, m_request.mayOverwrite && !m_isBeside);
+    m_path = path;
+    m_isOurs = isNew;
+    m_buffer.emplace(m_file);
+}
+
+uint32_t FileReplacement::Commit() {
+    m_buffer->Flush();
+    m_file.Close();
+    const uint32_t backupError = m_isBeside ? TakePlace() : ERROR_SUCCESS;
+    m_isOurs = false;
+    return backupError;
+}
+
+/// Gives the complete file the target's name.
+uint32_t FileReplacement::TakePlace() {
+    const std::wstring& target = m_request.target;
+    Win32::CarryOverAttributesAndAccess(target, m_path);
+    const std::wstring backup = WantsBackup() ? FreeBackupName(target, Win32::Exists) : std::wstring();
+    if (backup.empty()) {
+        ThrowIfFailed(Win32::MoveFileOver(m_path, target), "Unable to replace the file");
+        return ERROR_SUCCESS;
     }
-    const bool mayOverwrite = request.mayOverwrite || wantsBackup;
-    if (mayOverwrite && Win32::IsSameFile(request.source, request.target))
-        WriteBesideAndMoveOver(request.target, write);
-    else
-        WriteWholeFile(request.target, mayOverwrite, write);
-    return ERROR_SUCCESS;
+    ThrowIfFailed(Win32::MoveFileTo(target, backup), "Unable to make a backup of the file");
+    const uint32_t error = Win32::MoveFileTo(m_path, target);
+    if (error != ERROR_SUCCESS) {
+        const bool isBack = Win32::MoveFileTo(backup, target) == ERROR_SUCCESS;
+        ThrowIfFailed(error, isBack ? "Unable to replace the file"
+                                    : "Unable to replace the file (the original is kept in its .bak file)");
+    }
+    return m_request.keepBackup ? ERROR_SUCCESS : Win32::RemoveFileWhateverItsAttributes(backup);
+}
+
+uint32_t ReplaceFileContent(const ReplaceRequest& request, const WriteContent& write) {
+    FileReplacement replacement(request);
+    replacement.Begin();
+    write(replacement.GetWriter());
+    return replacement.Commit();
 }
 
 }  // namespace QVUtils

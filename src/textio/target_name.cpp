@@ -38,7 +38,8 @@ std::wstring FreeBackupName(const std::wstring& path, const std::function<bool(c
     for (int attempt = 2; exists(name); ++attempt) {
         if (attempt > kLastAttempt) return {};
         const std::wstring digits = std::to_wstring(attempt);
-        name = path + L"_(" + std::wstring(4 - digits.size(), L'0') + digits + L").bak";
+        name = path;
+        name.append(L"_(").append(4 - digits.size(), L'0').append(digits).append(L").bak");
     }
     return name;
 }

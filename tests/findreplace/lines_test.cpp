@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "findreplace/request.h"
+#include "findreplace/text_blocks.h"
 
 using namespace QVFindAndReplace;
 using QVUtils::MemoryDataReader;
@@ -54,12 +54,6 @@ std::string Widened(const std::string& text) {
     return {reinterpret_cast<const char*>(wide.data()), wide.size() * sizeof(CharT)};
 }
 
-template <class CharT>
-void Load(Lines<CharT>& lines, const std::string& bytes, uint32_t chunkSize = 32768, uint32_t markSize = 0) {
-    MemoryDataReader reader(bytes.data(), static_cast<uint32_t>(bytes.size()), false);
-    lines.Load(reader, bytes.size() / 2, markSize, chunkSize);  // a size that is too small must not matter
-}
-
 /// Collects what is written.
 class StringWriter final : public QVUtils::DataWriter {
 public:
@@ -74,8 +68,33 @@ public:
 template <class CharT>
 std::string Saved(const Lines<CharT>& lines) {
     StringWriter writer;
-    lines.Save(writer);
+    auto style = QVUtils::LineBreak::None;
+    lines.Save(writer, style);
     return writer.text;
+}
+
+/// Cuts a text into blocks, and saves the lines of each.
+template <class CharT>
+std::string SavedByBlocks(const std::string& bytes, uint32_t markSize, size_t blockSize, uint32_t chunkSize,
+                          std::vector<Line>& cut) {
+    MemoryDataReader reader(bytes.data(), static_cast<uint32_t>(bytes.size()), false);
+    TextBlocks<CharT> blocks(reader, markSize, blockSize, bytes.size() / 2, chunkSize);  // a wrong size must not matter
+    StringWriter writer;
+    auto style = QVUtils::LineBreak::None;
+    Lines<CharT> lines;
+    size_t offset = 0;
+    for (std::basic_string_view<CharT> block; blocks.Next(block); offset += block.size() * sizeof(CharT)) {
+        EXPECT_EQ(blocks.GetOffset(), offset + (offset > 0 ? blocks.GetMark().size() : 0));
+        lines.Reset(block);
+        lines.Save(writer, style);
+        for (uint32_t i = 0; i < lines.GetCount(); ++i) {
+            const auto line = lines.GetLine(i);
+            const auto kind = static_cast<int>(lines.GetRecord(i).lineBreak);
+            EXPECT_EQ(lines.GetRecord(i).breakLength, kind == 0 ? 0 : kind - 1);
+            cut.emplace_back(std::string(line.begin(), line.end()), kind);
+        }
+    }
+    return blocks.GetMark() + writer.text + blocks.GetHalfUnit();
 }
 
 template <class CharT>
@@ -91,17 +110,11 @@ TYPED_TEST(LinesOf, SmallTextsAreCutAndSavedAsTheModelSays) {
     std::string text;
     const auto check = [&] {
         const std::vector<Line> expected = Model(text);
-        for (const uint32_t chunkSize : {1u, 2u, 3u, 4u}) {
-            Lines<CharT> lines;
-            Load(lines, Widened<CharT>(text), chunkSize);
-            ASSERT_EQ(lines.GetCount(), expected.size());
-            for (uint32_t i = 0; i < lines.GetCount(); ++i) {
-                const auto line = lines.GetLine(i);
-                ASSERT_EQ(std::string(line.begin(), line.end()), expected[i].first);
-                ASSERT_EQ(static_cast<int>(lines.GetRecord(i).lineBreak), expected[i].second);
-                ASSERT_EQ(lines.GetRecord(i).breakLength, expected[i].second == 0 ? 0 : expected[i].second - 1);
-            }
-            ASSERT_EQ(Saved(lines), Widened<CharT>(SavedModel(expected)));
+        for (const auto& [blockSize, chunkSize] : {std::pair(1u, 1u), {2u, 3u}, {4u, 2u}, {7u, 4u}, {4096u, 3u}}) {
+            std::vector<Line> cut;
+            const std::string saved = SavedByBlocks<CharT>(Widened<CharT>(text), 0, blockSize, chunkSize, cut);
+            ASSERT_EQ(cut, expected) << testing::PrintToString(text);
+            ASSERT_EQ(saved, Widened<CharT>(SavedModel(expected))) << testing::PrintToString(text);
         }
     };
     const std::function<void()> grow = [&] {
@@ -116,19 +129,25 @@ TYPED_TEST(LinesOf, SmallTextsAreCutAndSavedAsTheModelSays) {
     grow();
 }
 
-TEST(Lines, MarksAndHalfUnitsComeBackWhereTheyWere) {
-    const std::string bytes = "\xFF\xFE" + Widened<wchar_t>("a\nb") + "!";
-    Lines<wchar_t> lines;
-    Load(lines, bytes, 3, 2);
-    ASSERT_EQ(lines.GetCount(), 2u);
-    EXPECT_EQ(lines.GetLine(0), L"a");
-    EXPECT_EQ(lines.GetLine(1), L"b");
-    EXPECT_EQ(Saved(lines), bytes);
+TEST(TextBlocks, MarksAndHalfUnitsComeBackWhereTheyWere) {
+    const std::string bytes = "\xFF\xFE" + Widened<wchar_t>("a\nb\n") + "!";
+    for (const size_t blockSize : {size_t(1), size_t(5), TextBlocks<wchar_t>::kWholeText}) {
+        for (const uint32_t chunkSize : {1u, 3u, 100u}) {
+            std::vector<Line> cut;
+            EXPECT_EQ(SavedByBlocks<wchar_t>(bytes, 2, blockSize, chunkSize, cut), bytes);
+            EXPECT_EQ(cut, (std::vector<Line>{{"a", 2}, {"b", 2}}));
+        }
+    }
+}
+
+TEST(TextBlocks, FourGigabytesAreRefusedBeforeLoading) {
+    MemoryDataReader reader("", 0, false);
+    EXPECT_THROW(TextBlocks<char>(reader, 0, 1, 0x100000000), QVUtils::QVUtilsException);
 }
 
 TEST(Lines, EditsShowInTheLinesAndInWhatIsSaved) {
     Lines<char> lines;
-    Load(lines, "one\r\ntwo\nthree\nfour");
+    lines.Reset("one\r\ntwo\nthree\nfour");
     lines.SetLine(0, "", "");
     lines.RemoveLine(1);
     lines.InsertLine(1, "after the removed one");
@@ -147,14 +166,8 @@ TEST(Lines, ThePlaceOfATextTellsItsLine) {
     std::string text;
     for (int i = 0; i < 1000; ++i) text += std::string(static_cast<size_t>(i % 5), 'x') + "\n";
     Lines<char> lines;
-    Load(lines, text);
+    lines.Reset(text);
     for (uint32_t first : {0u, 1u, 500u, 999u})
         for (uint32_t line = first; line < 1000; line += 7)
             ASSERT_EQ(lines.FindLineOf(lines.GetRecord(line).text, first, 1000), line);
-}
-
-TEST(Lines, FourGigabytesAreRefusedBeforeLoading) {
-    Lines<char> lines;
-    MemoryDataReader reader("", 0, false);
-    EXPECT_THROW(lines.Load(reader, 0x100000000, 0), QVUtils::QVUtilsException);
 }

@@ -37,8 +37,7 @@ Outcome<CharT> Apply(const std::string& text, uint32_t options, const std::wstri
                      const std::wstring& replacement, IFindAndReplaceCallback* callback = nullptr) {
     const std::basic_string<CharT> wide(text.begin(), text.end());
     TextDocumentT<CharT> document(sizeof(CharT) == 1 ? EncodingKind::CodePage : EncodingKind::Utf16);
-    QVUtils::MemoryDataReader reader(wide.data(), static_cast<uint32_t>(wide.size() * sizeof(CharT)), false);
-    document.GetLines().Load(reader, wide.size(), 0);
+    document.GetLines().Reset(wide);
     Request request(options, find, replacement, ToNarrow);
     Outcome<CharT> outcome;
     try {
@@ -49,7 +48,8 @@ Outcome<CharT> Apply(const std::string& text, uint32_t options, const std::wstri
         return outcome;
     }
     StringWriter writer;
-    document.Save(writer);
+    auto style = QVUtils::LineBreak::None;
+    document.GetLines().Save(writer, style);
     const auto* const units = reinterpret_cast<const CharT*>(writer.text.data());
     for (size_t i = 0; i < writer.text.size() / sizeof(CharT); ++i) outcome.text += static_cast<char>(units[i]);
     return outcome;

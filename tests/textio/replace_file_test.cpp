@@ -34,30 +34,29 @@ uint32_t ErrorOf(const ReplaceRequest& request, const WriteContent& write) {
 TEST(ReplaceFileContent, KeepsTheOriginalUntilTheReplacementIsComplete) {
     const struct {
         const char* why;
-        ReplaceRequest request;  // names without folder
+        ReplaceRequest request;  // the target without its folder
         bool fails;
         uint32_t error;
         std::vector<std::pair<std::wstring, std::string>> expected;
     } cases[] = {
-        {"keep", {L"a", L"a", false, true, false, true}, false, 0, {{L"a", "new"}, {L"a.bak", "old"}}},
-        {"drop", {L"a", L"a", false, false, true, true}, false, 0, {{L"a", "new"}}},
-        {"keep, failing, restored", {L"a", L"a", false, true, false, true}, true, 112, {{L"a", "old"}}},
-        {"drop, failing, restored", {L"a", L"a", false, false, true, true}, true, 112, {{L"a", "old"}}},
-        {"keep, failing, left", {L"a", L"a", false, true, false, false}, true, 112, {{L"a.bak", "old"}}},
-        {"onto itself", {L"a", L"a", true, false, false, true}, false, 0, {{L"a", "new"}}},
-        {"onto itself in another case", {L"a", L"A", true, false, false, true}, false, 0, {{L"a", "new"}}},
-        {"onto itself, failing", {L"a", L"a", true, false, false, true}, true, 112, {{L"a", "old"}}},
-        {"onto itself without leave", {L"a", L"a", false, false, false, true}, false, 80, {{L"a", "old"}}},
-        {"to a new name", {L"a", L"b", false, false, false, true}, false, 0, {{L"a", "old"}, {L"b", "new"}}},
-        {"to a new name, failing", {L"a", L"b", false, false, false, true}, true, 112, {{L"a", "old"}}},
-        {"into no folder", {L"a", L"no\\b", true, false, false, true}, false, 3, {{L"a", "old"}}},
+        {"keep", {L"a", false, true, false}, false, 0, {{L"a", "new"}, {L"a.bak", "old"}}},
+        {"drop", {L"a", false, false, true}, false, 0, {{L"a", "new"}}},
+        {"keep, failing", {L"a", false, true, false}, true, 112, {{L"a", "old"}}},
+        {"drop, failing", {L"a", false, false, true}, true, 112, {{L"a", "old"}}},
+        {"over it", {L"a", true, false, false}, false, 0, {{L"a", "new"}}},
+        {"over it, failing", {L"a", true, false, false}, true, 112, {{L"a", "old"}}},
+        {"over it without leave", {L"a", false, false, false}, false, 80, {{L"a", "old"}}},
+        {"to a new name", {L"b", false, false, false}, false, 0, {{L"a", "old"}, {L"b", "new"}}},
+        {"to a new name, failing", {L"b", true, false, false}, true, 112, {{L"a", "old"}}},
+        {"a backup of nothing", {L"b", false, true, false}, false, 0, {{L"a", "old"}, {L"b", "new"}}},
+        {"into no folder", {L"no\\b", true, false, false}, false, 3, {{L"a", "old"}}},
+        {"onto a folder", {L".", true, false, false}, false, 5, {{L"a", "old"}}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.why);
         const TemporaryFolder folder;
         folder.Write(L"a", "old");
         ReplaceRequest request = c.request;
-        request.source = folder / request.source;
         request.target = folder / request.target;
         EXPECT_EQ(ErrorOf(request, c.fails ? WriteHalfAndFail : WriteNew), c.error);
         Names names;
@@ -65,17 +64,24 @@ TEST(ReplaceFileContent, KeepsTheOriginalUntilTheReplacementIsComplete) {
             names.push_back(name);
             EXPECT_EQ(folder.Read(name), content);
         }
-        Names listed = folder.List();
-        for (std::wstring& name : listed) name[0] = static_cast<wchar_t>(towlower(name[0]));
-        EXPECT_EQ(listed, names);
+        EXPECT_EQ(folder.List(), names);
     }
+}
+
+TEST(ReplaceFileContent, ASecondBackupGetsANumber) {
+    const TemporaryFolder folder;
+    const std::wstring path = folder.Write(L"a", "old");
+    EXPECT_EQ(ErrorOf({path, false, true, false}, WriteNew), 0u);
+    EXPECT_EQ(ErrorOf({path, false, true, false}, WriteNew), 0u);
+    EXPECT_EQ(folder.List(), (Names{L"a", L"a.bak", L"a_(0002).bak"}));
+    EXPECT_EQ(folder.Read(L"a.bak"), "old");
 }
 
 TEST(ReplaceFileContent, ReadOnlyFilesAreReplacedAndStayReadOnly) {
     const TemporaryFolder folder;
     const std::wstring path = folder.Write(L"a", "old");
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
-    EXPECT_EQ(ErrorOf({path, path, false, false, true, true}, WriteNew), 0u);
+    EXPECT_EQ(ErrorOf({path, false, false, true}, WriteNew), 0u);
     EXPECT_EQ(folder.Read(L"a"), "new");
     EXPECT_EQ(folder.List(), Names{L"a"});
     EXPECT_TRUE(GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_READONLY);
@@ -86,7 +92,7 @@ TEST(ReplaceFileContent, AFileHeldByAnotherProgramStaysAsItIs) {
     const std::wstring path = folder.Write(L"a", "old");
     {
         const Win32::FileHandle holder(CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-        EXPECT_EQ(ErrorOf({path, path, false, true, false, true}, WriteNew), ERROR_SHARING_VIOLATION);
+        EXPECT_EQ(ErrorOf({path, false, true, false}, WriteNew), ERROR_SHARING_VIOLATION);
     }
     EXPECT_EQ(folder.Read(L"a"), "old");
     EXPECT_EQ(folder.List(), Names{L"a"});
@@ -97,7 +103,7 @@ TEST(ReplaceFileContent, AHardLinkToTheSourceIsNotWrittenThrough) {
     const std::wstring source = folder.Write(L"a", "old");
     const std::wstring link = folder / L"link";
     ASSERT_TRUE(CreateHardLinkW(link.c_str(), source.c_str(), nullptr));
-    EXPECT_EQ(ErrorOf({source, link, true, false, false, true}, WriteNew), 0u);
+    EXPECT_EQ(ErrorOf({link, true, false, false}, WriteNew), 0u);
     EXPECT_EQ(folder.Read(L"a"), "old");
     EXPECT_EQ(folder.Read(L"link"), "new");
 }

@@ -1,0 +1,60 @@
+// text_blocks.h - reads a text in blocks of whole lines, so that a long file passes through a small buffer that stays
+// in the processor's cache.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "textio/data_reader.h"
+
+namespace QVFindAndReplace {
+
+template <class CharT>
+class TextBlocks {
+public:
+    using View = std::basic_string_view<CharT>;
+
+    static constexpr uint32_t kChunkSize = 32768;
+    static constexpr size_t kBlockSize = size_t{128} * 1024;
+    static constexpr size_t kWholeText = std::numeric_limits<size_t>::max();
+
+    /// `markSize`: bytes of the byte-order mark, which belongs to no line. `blockSize`: bytes of a block, which grows
+    /// for a line that is longer, or kWholeText. `expectedSize` (bytes) only saves growing. The reader must outlive the
+    /// object; it is read in chunks of `chunkSize` bytes.
+    TextBlocks(QVUtils::DataReader& reader, uint32_t markSize, size_t blockSize, uint64_t expectedSize,
+               uint32_t chunkSize = kChunkSize);
+
+    /// Gives the next block; what was given before is gone. False at the end; a text without a line gives no block.
+    /// @throws QVUtilsException what the reader throws, and code 223 for a block of 4 GB
+    bool Next(View& block);
+
+    /// Bytes of the text before the block given last, the mark included.
+    uint64_t GetOffset() const noexcept { return m_offset; }
+    /// The mark, once Next was called.
+    const std::string& GetMark() const noexcept { return m_mark; }
+    /// What is left of a UTF-16 text that ends inside a unit, once Next was false.
+    const std::string& GetHalfUnit() const noexcept { return m_halfUnit; }
+
+private:
+    bool Fill();
+    const uint8_t* EndOfLastLine(size_t searched) const;
+
+    QVUtils::DataReader& m_reader;
+    const uint32_t m_chunkSize;
+    const size_t m_expectedSize;
+    size_t m_markSize;
+    size_t m_blockSize;
+    uint64_t m_offset = 0;
+    std::unique_ptr<uint8_t[]> m_buffer;
+    size_t m_capacity;
+    size_t m_begin = 0;  // of the bytes not given yet
+    size_t m_end = 0;
+    bool m_isAtEnd = false;
+    std::string m_mark;
+    std::string m_halfUnit;
+};
+
+}  // namespace QVFindAndReplace

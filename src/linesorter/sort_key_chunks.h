@@ -1,0 +1,164 @@
+// sort_key_chunks.h - keys in a language's order as chunks of the system's sort keys, for chunk_sort.h. The comparator
+// makes the keys; this decides which are needed and holds them.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "linesorter/chunk_sort.h"
+#include "linesorter/sortable_lines.h"
+
+namespace QVLineSorter {
+
+/// Memory for the system's sort keys, handed out in pieces and given back as a whole.
+class SortKeyMemory {
+public:
+    explicit SortKeyMemory(size_t limit) : m_limit(limit) {}
+
+    /// `make(buffer, capacity)` writes a key that ends with a zero byte and returns its size, 0 when it does not fit;
+    /// with capacity 0 it returns the size needed, 0 for a failure. Gives the key in the form described below, or null
+    /// when it cannot be made or the keys would take too much memory.
+    ///
+    /// Some bytes inside a key are zero too, while chunks take a zero for the end. So 0 is kept as 1 1 and 1 as 1 2,
+    /// which changes the order of no two keys. Behind the end there are enough zero bytes for a chunk that begins
+    /// inside the key.
+    template <class Make>
+    const uint8_t* Add(Make&& make) {
+        uint32_t size = make(m_scratch.data(), static_cast<uint32_t>(m_scratch.size()));
+        if (size == 0) {
+            const uint32_t needed = make(nullptr, 0);
+            if (needed == 0) return nullptr;
+            m_scratch.resize(needed);
+            size = make(m_scratch.data(), needed);
+            if (size == 0) return nullptr;
+        }
+        const std::span<const uint8_t> key(m_scratch.data(), size - 1);
+        const auto escaped = std::count_if(key.begin(), key.end(), [](uint8_t byte) { return byte <= 1; });
+        uint8_t* next = Allocate(key.size() + static_cast<size_t>(escaped) + kZerosBehind);
+        if (!next) return nullptr;
+        const uint8_t* const result = next;
+        for (const uint8_t byte : key) {
+            if (byte <= 1) *next++ = 1;
+            *next++ = byte <= 1 ? byte + 1 : byte;
+        }
+        std::memset(next, 0, kZerosBehind);
+        return result;
+    }
+
+private:
+    static constexpr size_t kZerosBehind = 8;
+    static constexpr size_t kBlockSize = 1 << 20;
+
+    uint8_t* Allocate(size_t size) {
+        if (size > m_left) {
+            const size_t blockSize = std::max(size, kBlockSize);
+            if (blockSize > m_limit - m_used) return nullptr;
+            m_blocks.push_back(std::make_unique_for_overwrite<uint8_t[]>(blockSize));
+            m_used += blockSize;
+            m_next = m_blocks.back().get();
+            m_left = blockSize;
+        }
+        m_left -= size;
+        return std::exchange(m_next, m_next + size);
+    }
+
+    size_t m_limit;
+    size_t m_used = 0;
+    std::vector<std::unique_ptr<uint8_t[]>> m_blocks;
+    std::vector<uint8_t> m_scratch = std::vector<uint8_t>(4096);
+    uint8_t* m_next = nullptr;
+    size_t m_left = 0;
+};
+
+/// The chunks of the lines' sort keys.
+///
+/// Making a sort key takes longer than anything else here, and most lines differ in its first chunk already. That chunk
+/// holds the first letters' weights, and of a line that begins with plain letters it comes out the same from the first
+/// characters alone. So the whole key is made when the first chunk leaves lines equal, and for lines with anything at
+/// their beginning whose weight may depend on what follows.
+template <class CharT, class Compare>
+class SortKeyChunks {
+public:
+    SortKeyChunks(const SortableLinesData<CharT>& data, Range lines, Compare& compare, size_t limit)
+        : m_data(data), m_lines(lines), m_compare(compare), m_memory(limit), m_keys(lines.size()) {
+        m_usesBeginnings = BeginningsTellLinesApart();
+    }
+
+    uint64_t operator()(uint32_t index, uint32_t depth) {
+        if (depth == 0 && m_usesBeginnings)
+            if (const std::optional<uint64_t> chunk = ChunkOfBeginning(index)) return *chunk;
+        const uint8_t* const key = WholeKey(index);
+        return key ? LoadBytes(key + size_t{depth} * 8) : 0;
+    }
+
+    /// True when a key could not be made; the chunks mean nothing then.
+    bool HasFailed() const noexcept { return m_hasFailed; }
+
+private:
+    // Characters. A chunk holds the weights of about four letters; the rest is there for letters that weigh together.
+    static constexpr size_t kBeginning = 16;
+    static constexpr size_t kShortestBeginning = 12;
+
+    const uint8_t* WholeKey(uint32_t index) {
+        static constexpr uint8_t kEmptyKey[8] = {};
+        if (m_keys[index] || m_hasFailed) return m_keys[index];
+        const auto text = m_data.KeyText(m_lines[index]);
+        if (text.empty()) return kEmptyKey;
+        m_keys[index] = m_memory.Add([&](uint8_t* buffer, uint32_t capacity) {
+            return m_compare.MakeSortKey(text.data(), static_cast<uint32_t>(text.size()), buffer, capacity);
+        });
+        m_hasFailed = !m_keys[index];
+        return m_keys[index];
+    }
+
+    std::optional<uint64_t> ChunkOfBeginning(uint32_t index) {
+        auto text = m_data.KeyText(m_lines[index]).substr(0, kBeginning);
+        if (text.size() < kBeginning || !std::all_of(text.begin(), text.end(), IsPlain)) return std::nullopt;
+        while (text.size() > kShortestBeginning && IsDigit(text.back())) text.remove_suffix(1);
+        if (IsDigit(text.back())) return std::nullopt;  // a number that may go on weighs as a whole
+        uint8_t key[256];
+        if (m_compare.MakeSortKey(text.data(), static_cast<uint32_t>(text.size()), key, sizeof key) <= 8)
+            return std::nullopt;
+        // A 1 ends the letters: accents and what else is looked at later follow.
+        if (std::any_of(key, key + 8, [](uint8_t byte) { return byte <= 1; })) return std::nullopt;
+        return LoadBytes(key);
+    }
+
+    static bool IsDigit(CharT unit) { return unit >= CharT('0') && unit <= CharT('9'); }
+
+    /// ASCII letters, digits and blanks. Hyphens and apostrophes are weighed last, and other characters may stand for
+    /// several letters or for none.
+    static bool IsPlain(CharT unit) {
+        const auto letter = static_cast<CharT>(unit | CharT(0x20));
+        return unit == CharT(' ') || IsDigit(unit) || (letter >= CharT('a') && letter <= CharT('z'));
+    }
+
+    /// Looks at some lines from all over the file. Where many begin alike, the work would be done twice.
+    bool BeginningsTellLinesApart() {
+        constexpr size_t kSample = 256;
+        if (m_lines.size() < 16 * kSample) return false;
+        std::vector<uint64_t> chunks;
+        for (size_t i = 0; i < kSample; ++i)
+            if (const auto chunk = ChunkOfBeginning(static_cast<uint32_t>(m_lines.size() / kSample * i)))
+                chunks.push_back(*chunk);
+        std::sort(chunks.begin(), chunks.end());
+        const auto different = std::unique(chunks.begin(), chunks.end()) - chunks.begin();
+        return static_cast<size_t>(different) > kSample / 4 && static_cast<size_t>(different) > chunks.size() * 7 / 8;
+    }
+
+    const SortableLinesData<CharT>& m_data;
+    Range m_lines;
+    Compare& m_compare;
+    SortKeyMemory m_memory;
+    std::vector<const uint8_t*> m_keys;  // null: not made yet
+    bool m_usesBeginnings = false;
+    bool m_hasFailed = false;
+};
+
+}  // namespace QVLineSorter

@@ -1,0 +1,81 @@
+// sortable_lines.h - one file's text in memory, cut into lines. Knows no keys' rules and no order.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "textio/data_reader.h"
+
+namespace QVLineSorter {
+
+/// One line, without its line break. Places and lengths count characters. Texts stay below 4 GB.
+/// There are tens of millions of these, so the
+/// text's pointer is a 32-bit place, the line break is read from the text behind the line, and number and date keys are
+/// kept by the sort that needs them: 16 bytes a line.
+struct SortableLine {
+    uint32_t start = 0;
+    uint32_t length = 0;
+    uint32_t keyOffset = 0;  // from the line's start
+    uint32_t keyLength = 0;  // 0: to the end of the line
+};
+
+/// The lines that are sorted. Indexes of the sort count from its first line.
+using Range = std::span<SortableLine>;
+
+/// The text and the lines of one file.
+///
+/// The text is held in one piece, so a line of any length is a line like any other. A byte-order mark belongs to no
+/// line and neither does an odd last byte of 16-bit text: both stay where they are in the file.
+template <class CharT>
+class SortableLinesData {
+public:
+    using View = std::basic_string_view<CharT>;
+
+    /// Reads everything that `reader` still has to give. `expectedSize` in bytes is what the file had when it was
+    /// opened; it may have changed since.
+    /// @throws QVUtilsException code 223 when it grew to 4 GB or more, and what the reader throws
+    SortableLinesData(QVUtils::DataReader& reader, uint64_t expectedSize);
+
+    /// In file order at first. Sorting moves them, removing blank lines drops some.
+    std::vector<SortableLine>& Lines() noexcept { return m_lines; }
+    const std::vector<SortableLine>& Lines() const noexcept { return m_lines; }
+
+    View LineText(const SortableLine& line) const { return {m_text + line.start, line.length}; }
+    View KeyText(const SortableLine& line) const {
+        const uint32_t rest = line.length - line.keyOffset;
+        return {m_text + line.start + line.keyOffset, line.keyLength != 0 ? line.keyLength : rest};
+    }
+    /// The line from its key's start on, whatever the key's length.
+    View TextFromKey(const SortableLine& line) const { return LineText(line).substr(line.keyOffset); }
+    /// The line with the break that it was read with. A lone CR ends a line without being a break of it.
+    View LineWithBreak(const SortableLine& line) const;
+
+    /// The first line break of the file; LF when it has none, as for a changed document.
+    View PrevailingLineBreak() const noexcept { return m_prevailingLineBreak; }
+
+    /// Bytes in front of the first line and behind the last one.
+    std::string_view ByteOrderMark() const noexcept;
+    std::string_view OddByte() const noexcept;
+
+    /// True when a character of the text is zero: the C runtime ends its comparisons there.
+    bool HasZeroCharacter() const;
+
+    /// At least this many bytes may be read behind the text, all of them zero.
+    static constexpr size_t kSpareBytes = 8;
+
+private:
+    void ReadText(QVUtils::DataReader& reader, uint64_t expectedSize);
+    void CutIntoLines();
+
+    std::unique_ptr<uint8_t[]> m_bytes;
+    size_t m_size = 0;              // bytes read
+    const CharT* m_text = nullptr;  // behind the byte-order mark
+    const CharT* m_textEnd = nullptr;
+    View m_prevailingLineBreak;
+    std::vector<SortableLine> m_lines;
+};
+
+}  // namespace QVLineSorter

@@ -1,0 +1,140 @@
+#include "ui/controls.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace Ui {
+namespace {
+
+/// Finds the widest of some texts, in pixels, as a control shows them.
+class TextMeter {
+public:
+    explicit TextMeter(HWND control)
+        : m_control(control),
+          m_context(GetDC(control)),
+          m_fontBefore(SelectObject(m_context, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)))) {}
+    ~TextMeter() {
+        SelectObject(m_context, m_fontBefore);
+        ReleaseDC(m_control, m_context);
+    }
+    TextMeter(const TextMeter&) = delete;
+    TextMeter& operator=(const TextMeter&) = delete;
+
+    void Add(std::wstring_view text) {
+        SIZE size = {};
+        GetTextExtentPoint32W(m_context, text.data(), static_cast<int>(text.size()), &size);
+        m_widest = std::max(m_widest, size.cx);
+    }
+    LONG Widest() const { return m_widest; }
+
+private:
+    HWND m_control;
+    HDC m_context;
+    HGDIOBJ m_fontBefore;
+    LONG m_widest = 0;
+};
+
+}  // namespace
+
+std::wstring TextOf(HWND control) {
+    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(control)) + 1, L'\0');
+    text.resize(static_cast<size_t>(GetWindowTextW(control, text.data(), static_cast<int>(text.size()))));
+    return text;
+}
+
+void SetTextOf(HWND control, const std::wstring& text) {
+    if (TextOf(control) != text) SetWindowTextW(control, text.c_str());
+}
+
+bool IsChecked(HWND box) {
+    return SendMessageW(box, BM_GETCHECK, 0, 0) == BST_CHECKED;
+}
+
+void SetChecked(HWND box, bool isChecked) {
+    SendMessageW(box, BM_SETCHECK, isChecked ? BST_CHECKED : BST_UNCHECKED, 0);
+}
+
+void SetBoxes(HWND dialog, std::span<const OptionBox> boxes, uint32_t options) {
+    for (const OptionBox& box : boxes) SetChecked(GetDlgItem(dialog, box.control), (options & box.bit) != 0);
+}
+
+uint32_t BitsOfBoxes(HWND dialog, std::span<const OptionBox> boxes) {
+    uint32_t bits = 0;
+    for (const OptionBox& box : boxes)
+        if (IsChecked(GetDlgItem(dialog, box.control))) bits |= box.bit;
+    return bits;
+}
+
+void FillCombo(HWND combo, const HostTexts& texts, std::span<const ListEntry> entries, uint32_t options,
+               uint32_t otherwise) {
+    const bool isKnown = std::ranges::any_of(entries, [&](const ListEntry& entry) { return options & entry.bit; });
+    const uint32_t wanted = isKnown ? options : otherwise;
+    bool isSelected = false;
+    TextMeter meter(combo);
+    for (const ListEntry& entry : entries) {
+        const wchar_t* const text = texts(entry.text);
+        meter.Add(text);
+        const LRESULT index = SendMessageW(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
+        if (index < 0) continue;
+        SendMessageW(combo, CB_SETITEMDATA, static_cast<WPARAM>(index), static_cast<LPARAM>(entry.bit));
+        if (isSelected || !(wanted & entry.bit)) continue;
+        SendMessageW(combo, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
+        isSelected = true;
+    }
+    // In another language the entries may be longer than the field: the open list shows them whole.
+    const int margin = GetSystemMetrics(SM_CXVSCROLL);
+    SendMessageW(combo, CB_SETDROPPEDWIDTH, static_cast<WPARAM>(meter.Widest() + margin), 0);
+}
+
+uint32_t SelectedBit(HWND combo) {
+    const LRESULT index = SendMessageW(combo, CB_GETCURSEL, 0, 0);
+    if (index < 0) return 0;
+    return static_cast<uint32_t>(SendMessageW(combo, CB_GETITEMDATA, static_cast<WPARAM>(index), 0));
+}
+
+void FillList(HWND list, std::span<const std::wstring> paths) {
+    SendMessageW(list, WM_SETREDRAW, FALSE, 0);
+    TextMeter meter(list);
+    for (const std::wstring& path : paths) {
+        SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(path.c_str()));
+        meter.Add(path);
+    }
+    constexpr LONG kMargin = 8;
+    SendMessageW(list, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(meter.Widest() + kMargin), 0);
+    SendMessageW(list, WM_SETREDRAW, TRUE, 0);
+}
+
+std::wstring WithEditBreaks(std::wstring_view text) {
+    std::wstring result;
+    result.reserve(text.size());
+    for (size_t at = 0; at < text.size(); ++at) {
+        const bool isBreak = text[at] == L'\r' || text[at] == L'\n';
+        if (isBreak)
+            result += L"\r\n";
+        else
+            result += text[at];
+        if (text[at] == L'\r' && at + 1 < text.size() && text[at + 1] == L'\n') ++at;
+    }
+    return result;
+}
+
+std::optional<uint32_t> NumberFromText(std::wstring_view text) {
+    const auto isBlank = [](wchar_t unit) { return unit == L' ' || unit == L'\t'; };
+    while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+    uint64_t number = 0;
+    for (const wchar_t digit : text) {
+        if (digit < L'0' || digit > L'9') return std::nullopt;
+        number = number * 10 + static_cast<uint64_t>(digit - L'0');
+        if (number > std::numeric_limits<uint32_t>::max()) return std::nullopt;
+    }
+    return static_cast<uint32_t>(number);
+}
+
+void EnableWithLabel(HWND control, bool isEnabled) {
+    // A key that leads to a disabled field would seem dead, so its label is disabled with it.
+    EnableWindow(GetWindow(control, GW_HWNDPREV), isEnabled);
+    EnableWindow(control, isEnabled);
+}
+
+}  // namespace Ui

@@ -1,0 +1,139 @@
+// The custom command "SortLines", from its parameters to the file's bytes.
+#include <gtest/gtest.h>
+
+#include "fileutils/command_runner.h"
+
+namespace {
+
+using QVTest::CommandRun;
+using QVTest::CommandRunner;
+using Words = std::vector<std::wstring>;
+using Names = std::vector<std::wstring>;
+
+/// Sorts a.txt of the runner's folder.
+CommandRun Sort(const CommandRunner& runner, const Words& parameters, const Words& answers = {}) {
+    Words words = {L"call", L"SortLines", L"FILE=" + (runner.Folder() / L"a.txt")};
+    words.insert(words.end(), parameters.begin(), parameters.end());
+    return runner.Run(words, answers);
+}
+
+bool Contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+TEST(SortLinesCommand, SortsByEveryParameter) {
+    const struct {
+        Words parameters;
+        const char* before;
+        const char* after;
+    } cases[] = {
+        {{}, "b\nA\na\n", "A\na\nb\n"},
+        {{L"IGNORECASE"}, "b\na\nA\n", "a\nA\nb\n"},
+        {{L"IGNORECASE", L"REVERSE"}, "b\na\nA\n", "b\nA\na\n"},
+        {{L"LANGUAGEORDER"}, "b\nB\na\nA\n", "a\nA\nb\nB\n"},
+        {{L"LANGUAGEORDER", L"NATRUALNUMORDER"}, "file10\nfile9\n", "file9\nfile10\n"},
+        {{L"NATRUALNUMORDER"}, "file9\nfile10\n", "file10\nfile9\n"},
+        {{L"KEEPTOP=1", L"KEEPBOTTOM=1"}, "z\nc\nb\na\n", "z\nb\nc\na\n"},
+        {{L"LINEOFFSET=3"}, "xxb\nyya\nz\n", "z\nyya\nxxb\n"},
+        {{L"LINEOFFSET=1", L"SKIPLEADINGSPACE"}, " b\n\ta\n  c\n", "\ta\n b\n  c\n"},
+        {{L"SORTBY=substring", L"SUBSTRLEN=1"}, "bz\nay\nbx\n", "ay\nbz\nbx\n"},
+        {{L"SORTBY=substring", L"ENDCHAR=;"}, "b;1\nb;0\na;2\n", "a;2\nb;1\nb;0\n"},
+        {{L"SORTBY=substring", L"ENDATWHITESPACE"}, "b 1\nb 0\na 2\n", "a 2\nb 1\nb 0\n"},
+        {{L"SORTBY=item", L"ITEMSEP=,", L"ITEM=2", L"SORTAS=num"}, "x,10\ny,9\nz,-1\n", "z,-1\ny,9\nx,10\n"},
+        {{L"SORTBY=item", L"ITEMSEP=\\t", L"ITEM=2"}, "x\tb\ny\ta\n", "y\ta\nx\tb\n"},
+        {{L"SORTAS=num"}, "10\n9\n", "9\n10\n"},
+        {{L"SORTBY=line", L"SORTAS=num"}, "10\n9\n", "10\n9\n"},
+        {{L"SORTAS=date", L"DATEFORMAT=%d/%m/%Y"},
+         "01/02/2020\n02/01/2020\n31/12/2019\n",
+         "31/12/2019\n02/01/2020\n01/02/2020\n"},
+    };
+    for (const auto& c : cases) {
+        const CommandRunner runner;
+        runner.Folder().Write(L"a.txt", c.before);
+        Words parameters = c.parameters;
+        parameters.insert(parameters.end(), {L"OVERWRITE", L"SILENT"});
+        const CommandRun run = Sort(runner, parameters);
+        EXPECT_EQ(run.status, 0) << run.log << run.notes;
+        EXPECT_EQ(runner.Folder().Read(L"a.txt"), c.after) << testing::PrintToString(c.parameters);
+        EXPECT_TRUE(Contains(run.log, "[SortLines] - Sorted lines in file : ")) << run.log;
+        EXPECT_TRUE(Contains(run.notes, "[done] ")) << run.notes;
+    }
+}
+
+TEST(SortLinesCommand, LeavesTheFileAloneForABadParameterAndSaysWhich) {
+    const struct {
+        Words parameters;
+        const char* logged;
+    } cases[] = {
+        {{L"SORTBY=word"}, "SORTBY : \"word\" is none of line, substring, item"},
+        {{L"SORTAS=size"}, "SORTAS : \"size\" is none of text, num, date"},
+        {{L"ITEM=x"}, "ITEM : \"x\" is not a number of 0 or more"},
+        {{L"ITEM=-1"}, "ITEM : \"-1\" is not a number of 0 or more"},
+        {{L"ITEM=4294967296"}, "ITEM : \"4294967296\" is too large"},
+        {{L"SUBSTRLEN="}, "SUBSTRLEN : \"\" is not a number of 0 or more"},
+        {{L"SUBSTRLEN=64", L"SORTAS=num"}, "SUBSTRLEN : is above 63, the longest number key"},
+        {{L"ITEMSEP=ab"}, "ITEMSEP : \"ab\" is not one character (\\t stands for a tab)"},
+        {{L"ENDCHAR="}, "ENDCHAR : \"\" is not one character (\\t stands for a tab)"},
+        {{L"SORTAS=date", L"DATEFORMAT=%d %Z"}, "DATEFORMAT : uses %Z, which is not supported"},
+        {{L"SORTAS=date", L"DATEFORMAT=" + std::wstring(128, L'x')}, "DATEFORMAT : is longer than 127 characters"},
+    };
+    for (const auto& c : cases) {
+        const CommandRunner runner;
+        runner.Folder().Write(L"a.txt", "b\na\n");
+        Words parameters = c.parameters;
+        parameters.insert(parameters.end(), {L"OVERWRITE", L"SILENT"});
+        const CommandRun run = Sort(runner, parameters);
+        EXPECT_EQ(run.status, 1) << run.log;
+        EXPECT_EQ(run.log, std::string("[Custom Cmd - SortLines] - ") + c.logged + "\n");
+        EXPECT_EQ(runner.Folder().Read(L"a.txt"), "b\na\n") << c.logged;
+        EXPECT_EQ(runner.Folder().List(), Names{L"a.txt"}) << c.logged;
+    }
+}
+
+TEST(SortLinesCommand, AsksBeforeATargetIsOverwritten) {
+    const struct {
+        const char* why;
+        Words parameters;
+        Words answers;
+        int status;
+        const char* target;
+        const char* noted;
+    } cases[] = {
+        {"a new target needs no answer", {L"TARGET=new.txt", L"SILENT"}, {}, 0, "old\n", "[done]"},
+        {"yes", {L"TARGET=*_s.*"}, {L"yes", L"ok"}, 0, "a\nb\n", "[done]"},
+        {"no", {L"TARGET=*_s.*"}, {L"no", L"ok"}, 1, "old\n", "[skipped]"},
+        {"cancel", {L"TARGET=*_s.*"}, {L"cancel"}, 1, "old\n", "1223"},
+        {"silent", {L"TARGET=*_s.*", L"SILENT"}, {}, 1, "old\n", "[skipped]"},
+        {"silent and allowed", {L"TARGET=*_s.*", L"SILENT", L"OVERWRITE"}, {}, 0, "a\nb\n", "[done]"},
+        {"without a target it is the file itself", {}, {L"no", L"ok"}, 1, "old\n", "[skipped]"},
+        {"a backup needs no answer", {L"KEEPBACKUP", L"SILENT"}, {}, 0, "old\n", "[done]"},
+    };
+    for (const auto& c : cases) {
+        const CommandRunner runner;
+        runner.Folder().Write(L"a.txt", "b\na\n");
+        runner.Folder().Write(L"a_s.txt", "old\n");
+        const CommandRun run = Sort(runner, c.parameters, c.answers);
+        EXPECT_EQ(run.status, c.status) << c.why << run.notes;
+        EXPECT_EQ(runner.Folder().Read(L"a_s.txt"), c.target) << c.why;
+        EXPECT_TRUE(Contains(run.notes, c.noted)) << c.why << ": " << run.notes;
+    }
+}
+
+TEST(SortLinesCommand, TellsWhyAFileFailed) {
+    const CommandRunner runner;
+    const std::string missing = Sort(runner, {L"SILENT"}).log;
+    EXPECT_TRUE(missing.starts_with("[Custom Cmd - SortLines] - FILE : ")) << missing;
+    EXPECT_TRUE(missing.ends_with("a.txt not found\n")) << missing;
+    runner.Folder().Write(L"a.txt",
+                          "\xEF\xBB\xBF"
+                          "b\na\n");
+    const CommandRun run = Sort(runner, {L"OVERWRITE", L"SILENT"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(
+        run.log.starts_with("[SortLines] - Error : Text format not supported ( ErrorCode : 1630 )\n"
+                            "[SortLines] - Failed to sortline in file : "))
+        << run.log;
+    EXPECT_TRUE(Contains(run.notes, "[failed] ")) << run.notes;
+}
+
+}  // namespace

@@ -1,0 +1,245 @@
+#include "linesorter/sort_lines.h"
+
+#include <algorithm>
+
+#include <gtest/gtest.h>
+
+#include "linesorter/both_widths.h"
+#include "linesorter/date_key.h"
+#include "linesorter/line_compare.h"
+#include "linesorter/sample_lines.h"
+#include "linesorter/sort_key.h"
+
+namespace {
+
+using namespace QVLineSorter;
+using QVTest::As;
+namespace Option = SortOption;
+
+template <class CharT>
+using Lines = std::vector<std::basic_string<CharT>>;
+
+template <class CharT>
+SortableLinesData<CharT> Load(const Lines<CharT>& lines) {
+    std::basic_string<CharT> text;
+    for (const auto& line : lines) (text += line) += CharT('\n');
+    QVUtils::MemoryDataReader reader(text.data(), static_cast<uint32_t>(text.size() * sizeof(CharT)), false);
+    return SortableLinesData<CharT>(reader, 10);  // the file has grown since it was opened
+}
+
+template <class CharT>
+Lines<CharT> Texts(const SortableLinesData<CharT>& data) {
+    Lines<CharT> lines;
+    for (const SortableLine& line : data.Lines()) lines.emplace_back(data.LineText(line));
+    return lines;
+}
+
+template <class CharT>
+void CutKeys(SortableLinesData<CharT>& data, const KeyRule<CharT>& rule) {
+    for (SortableLine& line : data.Lines()) {
+        const KeySpan key = FindKey<CharT>(data.LineText(line), rule);
+        line.keyOffset = key.offset;
+        line.keyLength = key.length;
+    }
+}
+
+std::unique_ptr<LineCompare_TextBase<char>> Comparator(const SortRequest& request, char) {
+    if (!request.Has(Option::LanguageOrder))
+        return std::make_unique<LineCompare_OrdinalA>(request.Has(Option::IgnoreCase));
+    if (request.Has(Option::NaturalNumbers)) return std::make_unique<LineCompare_LanguageAware_WFallback>();
+    return std::make_unique<LineCompare_LanguageAware_StringCompareA>();
+}
+
+std::unique_ptr<LineCompare_TextBase<wchar_t>> Comparator(const SortRequest& request, wchar_t) {
+    if (!request.Has(Option::LanguageOrder))
+        return std::make_unique<LineCompare_OrdinalW>(request.Has(Option::IgnoreCase));
+    return std::make_unique<LineCompare_LanguageAware_StringCompareEx<wchar_t>>(request.Has(Option::NaturalNumbers),
+                                                                                true);
+}
+
+/// The order by the obvious way: keys in an array of their own, a stable sort, reversal.
+template <class CharT>
+Lines<CharT> SortedPlainly(const Lines<CharT>& lines, const SortRequest& request, const KeyRule<CharT>& rule,
+                           const std::basic_string<CharT>& dateFormat) {
+    struct Row {
+        std::basic_string<CharT> line;
+        std::basic_string<CharT> key;
+        int64_t number;
+    };
+    std::vector<Row> rows;
+    for (const auto& line : lines) {
+        const KeySpan span = FindKey<CharT>(line, rule);
+        const auto rest = line.substr(span.offset);
+        int64_t number = 0;
+        if (request.Has(Option::AsNumber)) number = NumberKey<CharT>(rest, request.substringLength);
+        if (request.Has(Option::AsDate)) number = DateKeyReader().Read<CharT>(rest, dateFormat);
+        rows.push_back({line, span.length ? rest.substr(0, span.length) : rest, number});
+    }
+    const auto compare = Comparator(request, CharT{});
+    const bool byNumber = request.Has(Option::AsNumber | Option::AsDate);
+    std::stable_sort(rows.begin(), rows.end(), [&](const Row& left, const Row& right) {
+        if (byNumber) return left.number < right.number;
+        return compare->Less(left.key.data(), static_cast<uint32_t>(left.key.size()), right.key.data(),
+                             static_cast<uint32_t>(right.key.size()));
+    });
+    if (request.Has(Option::Reverse)) std::reverse(rows.begin(), rows.end());
+    Lines<CharT> sorted;
+    for (const Row& row : rows) sorted.push_back(row.line);
+    return sorted;
+}
+
+constexpr uint32_t kOrders[] = {
+    Option::AsText,
+    Option::AsText | Option::IgnoreCase,
+    Option::AsText | Option::LanguageOrder,
+    Option::AsText | Option::LanguageOrder | Option::NaturalNumbers,
+    Option::AsNumber,
+    Option::AsDate,
+};
+
+template <class CharT>
+std::vector<KeyRule<CharT>> KeyRules() {
+    using Kind = typename KeyRule<CharT>::Kind;
+    std::vector<KeyRule<CharT>> rules(5);
+    rules[1].lineOffset = 3;
+    rules[2].kind = Kind::Substring;
+    rules[2].substringLength = 12;
+    rules[3].kind = Kind::Substring;
+    rules[3].endAtWhiteSpace = true;
+    rules[3].skipLeadingSpaces = true;
+    rules[4].kind = Kind::Item;
+    rules[4].separator = CharT(',');
+    rules[4].itemNumber = 2;
+    return rules;
+}
+
+template <class CharT>
+void ExpectThePlainOrder(const Lines<CharT>& lines, SortRequest request, const char* what) {
+    const auto dateFormat = As<CharT>("%d.%m.%y");
+    for (const KeyRule<CharT>& rule : KeyRules<CharT>())
+        for (const uint32_t order : kOrders)
+            for (const uint32_t reverse : {0u, Option::Reverse}) {
+                request.options = order | reverse;
+                auto data = Load(lines);
+                CutKeys(data, rule);
+                SortLines(data, request, dateFormat);
+                ASSERT_EQ(Texts(data), SortedPlainly(lines, request, rule, dateFormat))
+                    << what << ", options " << std::hex << request.options << ", key rule " << int(rule.kind);
+            }
+}
+
+TEST(SortLines, GivesThePlainOrderForEveryKeyAndOrder) {
+    QVTest::InBothWidths([]<class CharT>(CharT) {
+        ExpectThePlainOrder(QVTest::SampleLines<CharT>(400, 1), {}, "all kinds of lines");
+
+        auto alike = QVTest::SampleLines<CharT>(300, 5);
+        for (auto& line : alike) line.insert(0, As<CharT>("what all lines begin with "));
+        ExpectThePlainOrder(alike, {}, "lines that begin alike");
+
+        auto withZeros = QVTest::SampleLines<CharT>(200, 2);
+        for (size_t i = 0; i < withZeros.size(); i += 3) withZeros[i].insert(withZeros[i].size() / 2, 1, CharT(0));
+        ExpectThePlainOrder(withZeros, {}, "zero characters");
+
+        QVTest::Random random(3);
+        Lines<CharT> noBeginnings;  // of equal length: no key begins another one
+        for (int i = 0; i < 500; ++i) {
+            std::basic_string<CharT> line(20, CharT('a'));
+            for (auto& unit : line) unit = static_cast<CharT>("aAbB,1\xE9 "[random.Below(8)] & 0xFF);
+            noBeginnings.push_back(line);
+        }
+        ExpectThePlainOrder(noBeginnings, {}, "lines of one length");
+        // A hyphen's place is weighed last, as a number whose second byte is zero here; what differs stands behind it.
+        Lines<CharT> hyphens;
+        for (size_t i = 0; i < 40; ++i) {
+            std::basic_string<CharT> line(401, CharT('a'));
+            line.insert(255, 1, CharT('-'));
+            line.insert(257 + i * 17 % 140, 1, CharT('-'));
+            hyphens.push_back(line);
+        }
+        ExpectThePlainOrder(hyphens, {}, "hyphens in long lines");
+        ExpectThePlainOrder(Lines<CharT>(), {}, "no line");
+        ExpectThePlainOrder(Lines<CharT>(3), {}, "empty lines");
+
+        Lines<CharT> dates;
+        for (int i = 0; i < 300; ++i)
+            dates.push_back(As<CharT>(std::to_string(random.Below(32)) + "." + std::to_string(random.Below(14)) + "." +
+                                      std::to_string(random.Below(100)) + "," + std::to_string(random.Below(9)) + "." +
+                                      std::to_string(random.Below(9)) + ".99"));
+        ExpectThePlainOrder(dates, {}, "dates");
+    });
+}
+
+/// Enough lines that only the beginnings' sort keys are made.
+template <class CharT>
+Lines<CharT> ManyLines(const char* letters, uint32_t letterCount) {
+    QVTest::Random random(4);
+    Lines<CharT> lines;
+    for (int i = 0; i < 6000; ++i) {
+        std::basic_string<CharT> line;
+        for (uint32_t length = 14 + random.Below(10); length > 0; --length)
+            line += static_cast<CharT>(letters[random.Below(letterCount)] & 0xFF);
+        lines.push_back(line);
+        if (i % 7 == 0) lines.push_back(line + As<CharT>("X9"));
+    }
+    return lines;
+}
+
+TEST(SortLines, SortKeysOfBeginningsGiveThePlainOrder) {
+    QVTest::InBothWidths([]<class CharT>(CharT) {
+        for (const auto& lines : {ManyLines<CharT>("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ 01", 55),
+                                  ManyLines<CharT>("abcdefghijklmnopqrstABCDEFGHIJ -'01239\xE9\xDF", 41)})
+            for (const uint32_t natural : {0u, Option::NaturalNumbers}) {
+                SortRequest request;
+                request.options = Option::AsText | Option::LanguageOrder | natural;
+                const auto expected = SortedPlainly(lines, request, KeyRule<CharT>(), {});
+                for (const size_t limit : {kSortKeyLimit, size_t{3} << 19, size_t{0}}) {
+                    auto data = Load(lines);
+                    SortLines(data, request, {}, limit);
+                    ASSERT_TRUE(Texts(data) == expected) << "with " << limit << " bytes of sort keys";
+                }
+            }
+    });
+}
+
+TEST(SortLines, KeepsTopAndBottomAndNeverOverflows) {
+    const Lines<char> lines = {"d", "", "c", "b", "", "a"};
+    const struct {
+        const char* why;
+        uint32_t top;
+        uint32_t bottom;
+        uint32_t options;
+        Lines<char> expected;
+    } cases[] = {
+        {"empty keys come first", 0, 0, 0, {"", "", "a", "b", "c", "d"}},
+        {"one line kept at each end", 1, 1, 0, {"d", "", "", "b", "c", "a"}},
+        {"only the middle is reversed", 1, 1, Option::Reverse, {"d", "c", "b", "", "", "a"}},
+        {"blank lines go from the middle only", 2, 1, Option::RemoveBlankLines, {"d", "", "b", "c", "a"}},
+        {"one line in the middle", 3, 2, Option::RemoveBlankLines, {"d", "", "c", "b", "", "a"}},
+        {"nothing in the middle", 3, 3, Option::Reverse | Option::RemoveBlankLines, lines},
+        {"more kept than there is", 4, 4000000000, Option::Reverse, lines},
+        {"more on top than there is", 4294967295, 4294967295, Option::RemoveBlankLines, lines},
+    };
+    for (const auto& c : cases) {
+        SortRequest request;
+        request.keepTop = c.top;
+        request.keepBottom = c.bottom;
+        request.options = Option::AsText | c.options;
+        auto data = Load(lines);
+        SortLines(data, request, {});
+        if (request.Has(Option::RemoveBlankLines)) RemoveBlankLines(data, request);
+        EXPECT_EQ(Texts(data), c.expected) << c.why;
+    }
+}
+
+TEST(SortLines, LeavesEntireLinesAsNumbersOrDatesInTheirOrder) {
+    const Lines<char> lines = {"3", "1", "2"};
+    for (const uint32_t kind : {Option::AsNumber, Option::AsDate}) {
+        SortRequest request;
+        request.options = Option::EntireLine | kind;
+        auto data = Load(lines);
+        SortLines(data, request, std::string("%d"));
+        EXPECT_EQ(Texts(data), lines);
+    }
+}
+
+}  // namespace
