@@ -53,7 +53,7 @@ size_t ByteOrderMarkSize(EncodingKind kind, const uint8_t* sample, size_t size) 
     std::string_view mark;
     if (kind == EncodingKind::Utf16) mark = kUtf16Mark;
     if (kind == EncodingKind::Utf8) mark = kUtf8Mark;
-    return StartsWith(sample, size, mark) ? mark.size() : 0;
+    return !mark.empty() && StartsWith(sample, size, mark) ? mark.size() : 0;
 }
 
 }  // namespace QVUtils
