@@ -13,15 +13,24 @@ constexpr CommandHandler kNotHandled = nullptr;
 
 constexpr CommandRow kMenuCommands[] = {
     // id    submenu  text    shortcut     handler
-    {30000, 2001_m, 2100_m, 0x0049004A, kNotHandled},  {30001, 2001_m, 2101_m, 0x004D004A, kNotHandled},
-    {30002, 2001_m, 2102_m, kNoShortcut, kNotHandled}, {30010, 2001_m, 2110_m, kNoShortcut, kNotHandled},
-    {30020, 2001_m, 2120_m, kNoShortcut, kNotHandled}, {30101, 2002_m, 2201_m, kNoShortcut, kNotHandled},
-    {30102, 2002_m, 2202_m, 0x0049004B, kNotHandled},  {30103, 2002_m, 2203_m, kNoShortcut, kNotHandled},
-    {30110, 2002_m, 2204_m, kNoShortcut, kNotHandled}, {30200, 2002_m, 2210_m, kNoShortcut, kNotHandled},
-    {30201, 2002_m, 2211_m, kNoShortcut, kNotHandled}, {30150, 2002_m, 2220_m, kNoShortcut, kNotHandled},
-    {30151, 2002_m, 2221_m, kNoShortcut, kNotHandled}, {30210, 2003_m, 2240_m, kNoShortcut, kNotHandled},
-    {30211, 2003_m, 2241_m, kNoShortcut, kNotHandled}, {30300, 2300_m, 2301_m, kNoShortcut, kNotHandled},
-    {30310, 2300_m, 2310_m, kNoShortcut, kNotHandled}, {30311, 2300_m, 2311_m, kNoShortcut, kNotHandled},
+    {30000, 2001_m, 2100_m, 0x0049004A, kNotHandled},
+    {30001, 2001_m, 2101_m, 0x004D004A, kNotHandled},
+    {30002, 2001_m, 2102_m, kNoShortcut, kNotHandled},
+    {30010, 2001_m, 2110_m, kNoShortcut, kNotHandled},
+    {30020, 2001_m, 2120_m, kNoShortcut, kNotHandled},
+    {30101, 2002_m, 2201_m, kNoShortcut, kNotHandled},
+    {30102, 2002_m, 2202_m, 0x0049004B, kNotHandled},
+    {30103, 2002_m, 2203_m, kNoShortcut, kNotHandled},
+    {30110, 2002_m, 2204_m, kNoShortcut, kNotHandled},
+    {30200, 2002_m, 2210_m, kNoShortcut, kNotHandled},
+    {30201, 2002_m, 2211_m, kNoShortcut, kNotHandled},
+    {30150, 2002_m, 2220_m, kNoShortcut, RunSortLinesDialog},
+    {30151, 2002_m, 2221_m, kNoShortcut, RunFindAndReplaceDialog},
+    {30210, 2003_m, 2240_m, kNoShortcut, kNotHandled},
+    {30211, 2003_m, 2241_m, kNoShortcut, kNotHandled},
+    {30300, 2300_m, 2301_m, kNoShortcut, kNotHandled},
+    {30310, 2300_m, 2310_m, kNoShortcut, kNotHandled},
+    {30311, 2300_m, 2311_m, kNoShortcut, kNotHandled},
     {30350, 2400_m, 2401_m, kNoShortcut, kNotHandled},
 };
 

@@ -3,9 +3,12 @@
 #include <string>
 
 #include "fileutils/confirm_by_choice.h"
+#include "fileutils/find_replace_settings.h"
 #include "findreplace/run_over_files.h"
 #include "sdk/owners.h"
 #include "textio/qvutils_exception.h"
+#include "ui/confirm_replace_dlg.h"
+#include "ui/find_and_replace_dlg.h"
 #include "win32/code_page.h"
 
 namespace FileUtils {
@@ -84,12 +87,37 @@ uint32_t RunFindAndReplaceCommand(IHostServices& host, ICustomCommandCall& call)
     if (!list || !list->AddItem(item.get())) return 0;
 
     QVFindAndReplace::Request request(OptionsOf(call), find, replacement, ToNarrow);
-    ConfirmByChoice confirmation(host);
+    // A host without a main window is driven by a script or from a command line: a window of ours would wait there for
+    // somebody who may not exist. Such a host asks in its own way, or answers by itself.
+    ConfirmByChoice choice(host);
+    Ui::ConfirmReplaceDlg dialog(host.GetMainWindow());
+    QVFindAndReplace::IConfirmReplace* confirmation = &choice;
+    if (host.GetMainWindow()) confirmation = &dialog;
     std::wstring pattern = TextParameter(call, "TARGET");
     if (pattern.empty()) pattern = L"*.*";
     // The target lies in the file's own folder: a script names the file by its path, and the target by a name.
-    const auto result = QVFindAndReplace::RunOverFiles(host, list.get(), {request, pattern, L"", confirmation});
+    const auto result = QVFindAndReplace::RunOverFiles(host, list.get(), {request, pattern, L"", *confirmation});
     if (result.isCancelled) call.SetResultCode(QVUtils::ErrorCode::Cancelled);
+    return 1;
+}
+
+uint32_t RunFindAndReplaceDialog(IHostServices& host, uint32_t) {
+    const Owned<IFileList> files = GatherSelection(host, SelectionFlags::Files);
+    if (!files || files->GetCount() == 0) return 1;
+
+    FindReplaceSettings settings;
+    LoadFindReplaceSettings(host.GetSettings(), settings);
+    Ui::FindAndReplaceDlg dialog([&](TextId id) { return host.GetText(id); }, PathsOf(*files),
+                                 {settings.find, settings.replacement, settings.options, L""});
+    const auto chosen = dialog.Show(host.GetMainWindow());
+    if (!chosen) return 1;
+    SaveFindReplaceSettings(host.GetSettings(), {chosen->find, chosen->replacement, chosen->options});
+
+    QVFindAndReplace::Request request(chosen->options, chosen->find, chosen->replacement, ToNarrow);
+    // Whoever pressed Start sits in front of the screen, so the matches are shown there even by a host without a
+    // window.
+    Ui::ConfirmReplaceDlg confirmation(host.GetMainWindow());
+    QVFindAndReplace::RunOverFiles(host, files.get(), {request, chosen->targetPattern, L"", confirmation});
     return 1;
 }
 

@@ -4,9 +4,11 @@
 #include <optional>
 #include <string>
 
+#include "fileutils/sort_lines_settings.h"
 #include "linesorter/run_over_files.h"
 #include "linesorter/sort_request.h"
 #include "sdk/owners.h"
+#include "ui/sort_lines_dlg.h"
 
 namespace FileUtils {
 namespace {
@@ -163,6 +165,20 @@ uint32_t RunSortLinesCommand(IHostServices& host, ICustomCommandCall& call) {
         call.SetResultCode(ErrorCode::InvalidParameter);
     }
     return 0;
+}
+
+uint32_t RunSortLinesDialog(IHostServices& host, uint32_t) {
+    const Owned<IFileList> files = GatherSelection(host, SelectionFlags::Files);
+    if (!files || files->GetCount() == 0) return 1;
+
+    SortRequest last;
+    LoadSortLinesSettings(host.GetSettings(), last);
+    Ui::SortLinesDlg dialog([&](TextId id) { return host.GetText(id); }, PathsOf(*files), std::move(last));
+    auto chosen = dialog.Show(host.GetMainWindow());
+    if (!chosen) return 1;
+    SaveSortLinesSettings(host.GetSettings(), *chosen);
+    QVLineSorter::SortFiles(host, *files, std::move(*chosen));
+    return 1;
 }
 
 }  // namespace FileUtils

@@ -1,4 +1,5 @@
-// sort_lines_command.h - the line sorter as a custom command, for one file.
+// sort_lines_command.h - the line sorter over the selected files, asked for in a dialog, and as a custom command for
+// one file.
 #pragma once
 
 #include "sdk/host_services.h"
@@ -12,5 +13,9 @@ namespace FileUtils {
 /// untouched and writes one log line that names it; without "FILE" nothing happens at all. In "ITEMSEP" and "ENDCHAR"
 /// the two characters \t stand for a tab, which a script cannot hold.
 uint32_t RunSortLinesCommand(Quorvane::SDK::IHostServices& host, Quorvane::SDK::ICustomCommandCall& call);
+
+/// Shows the dialog with the last request and sorts the panel's selection by what it gives. Nonzero also when the user
+/// cancels, or nothing is selected.
+uint32_t RunSortLinesDialog(Quorvane::SDK::IHostServices& host, uint32_t id);
 
 }  // namespace FileUtils

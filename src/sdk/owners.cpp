@@ -32,4 +32,15 @@ std::wstring NameOf(IFileItem& item) {
     return ReadText([&](wchar_t* buffer, uint32_t capacity) { item.GetName(buffer, capacity); });
 }
 
+std::vector<std::wstring> PathsOf(IFileList& list) {
+    std::vector<std::wstring> paths;
+    const uint32_t count = list.GetCount();
+    for (uint32_t index = 0; index < count; ++index) {
+        IFileItem* const item = list.GetItem(index);
+        std::wstring path = item ? PathOf(*item) : std::wstring();
+        if (!path.empty()) paths.push_back(std::move(path));
+    }
+    return paths;
+}
+
 }  // namespace Quorvane::SDK

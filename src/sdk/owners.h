@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "sdk/host_services.h"
 
@@ -56,5 +57,8 @@ std::wstring PathOf(IFileItem& item);
 
 /// The item's name, of any length; empty when the host has none.
 std::wstring NameOf(IFileItem& item);
+
+/// The full paths of the list's items in its order; items without one are left out.
+std::vector<std::wstring> PathsOf(IFileList& list);
 
 }  // namespace Quorvane::SDK

@@ -14,4 +14,10 @@ Module LoadSystemModule(const wchar_t* fileName) {
     return Module(LoadLibraryW(path.c_str()));
 }
 
+HMODULE ModuleOfAddress(const void* address) noexcept {
+    constexpr DWORD kFlags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+    HMODULE module = nullptr;
+    return GetModuleHandleExW(kFlags, static_cast<const wchar_t*>(address), &module) ? module : nullptr;
+}
+
 }  // namespace Win32

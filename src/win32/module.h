@@ -16,6 +16,10 @@ using Module = UniqueHandle<ModuleTraits>;
 /// host or in the current folder is never run. Empty when it cannot be loaded (see GetLastError).
 Module LoadSystemModule(const wchar_t* fileName);
 
+/// The program or library that holds this address; null for an address in none. It stays loaded by itself: nothing is
+/// to be closed.
+HMODULE ModuleOfAddress(const void* address) noexcept;
+
 /// The address of an exported function, or null. `Function` is a pointer-to-function type.
 template <class Function>
 Function FindFunction(const Module& module, const char* name) noexcept {

@@ -1,0 +1,67 @@
+// dialog.h - the base of our dialogs: ties a window to its object, opens it modal or modeless, and carries exceptions
+// around the system's code. What is in a dialog is its own work.
+#pragma once
+
+#include <exception>
+
+#include "ui/resizing.h"
+#include "win32/windows.h"
+
+namespace Ui {
+
+/// One dialog. The object outlives its window: it may be shown again once the window is gone.
+///
+/// An exception that a handler throws cannot pass through the system's code. It is kept, the dialog ends, and ShowModal
+/// throws it again; for a modeless dialog OnFailure gets it.
+class Dialog {
+public:
+    Dialog(const Dialog&) = delete;
+    Dialog& operator=(const Dialog&) = delete;
+
+    HWND GetWindow() const noexcept { return m_window; }
+
+protected:
+    /// From a dialog resource of our own module.
+    explicit Dialog(WORD resourceId) noexcept : m_resourceId(resourceId) {}
+    /// From a template in memory, which must outlive the object.
+    explicit Dialog(const DLGTEMPLATE* layout) noexcept : m_layout(layout) {}
+    virtual ~Dialog();
+
+    /// The number given to End. `owner` may be null.
+    /// @throws what a handler threw; std::system_error when the window cannot be made
+    INT_PTR ShowModal(HWND owner);
+    /// The window is made, and shown when its style says so. @throws like ShowModal
+    void ShowModeless(HWND owner);
+    /// Closes the window; ShowModal returns `result`.
+    void End(INT_PTR result) noexcept;
+
+    /// The window and its controls are there and not shown yet. False when the focus has been set.
+    virtual bool OnInit() = 0;
+    /// True when handled. Without a handler, Cancel and the close box end the dialog.
+    virtual bool OnCommand(int id, int notification) = 0;
+    /// Any other message, before the base looks at it; true when handled.
+    virtual bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    /// Something was thrown in a handler of a modeless dialog, whose window is gone.
+    virtual void OnFailure(std::exception_ptr failure);
+
+    HWND Item(int id) const noexcept { return GetDlgItem(m_window, id); }
+    /// From OnInit on the controls follow the window's size, which cannot get smaller than it is then.
+    void MakeResizable(std::span<const Anchor> anchors) { m_resizing.Start(m_window, anchors); }
+
+private:
+    static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
+    INT_PTR Handle(UINT message, WPARAM wParam, LPARAM lParam);
+    void ThrowFailure();
+
+    WORD m_resourceId = 0;
+    const DLGTEMPLATE* m_layout = nullptr;
+    HWND m_window = nullptr;
+    bool m_isModal = false;
+    Resizing m_resizing;
+    std::exception_ptr m_failure;
+};
+
+/// The template of one of our dialogs, as it lies in the resources. @throws std::system_error
+const DLGTEMPLATE* DialogResource(WORD resourceId);
+
+}  // namespace Ui
