@@ -1,7 +1,11 @@
 #include "fileutils/command_table.h"
 
 #include "fileutils/find_replace_command.h"
+#include "fileutils/quick_rename.h"
+#include "fileutils/quick_rename_command.h"
+#include "fileutils/rename_group_command.h"
 #include "fileutils/sort_lines_command.h"
+#include "fileutils/text_conversion_command.h"
 
 namespace FileUtils {
 namespace {
@@ -13,15 +17,15 @@ constexpr CommandHandler kNotHandled = nullptr;
 
 constexpr CommandRow kMenuCommands[] = {
     // id    submenu  text    shortcut     handler
-    {30000, 2001_m, 2100_m, 0x0049004A, kNotHandled},
-    {30001, 2001_m, 2101_m, 0x004D004A, kNotHandled},
-    {30002, 2001_m, 2102_m, kNoShortcut, kNotHandled},
+    {30000, 2001_m, 2100_m, 0x0049004A, RunQuickRename},
+    {30001, 2001_m, 2101_m, 0x004D004A, RunQuickRename},
+    {30002, 2001_m, 2102_m, kNoShortcut, RunQuickRename},
     {30010, 2001_m, 2110_m, kNoShortcut, kNotHandled},
-    {30020, 2001_m, 2120_m, kNoShortcut, kNotHandled},
-    {30101, 2002_m, 2201_m, kNoShortcut, kNotHandled},
-    {30102, 2002_m, 2202_m, 0x0049004B, kNotHandled},
-    {30103, 2002_m, 2203_m, kNoShortcut, kNotHandled},
-    {30110, 2002_m, 2204_m, kNoShortcut, kNotHandled},
+    {30020, 2001_m, 2120_m, kNoShortcut, RunRenameGroup},
+    {30101, 2002_m, 2201_m, kNoShortcut, RunTextConversion},
+    {30102, 2002_m, 2202_m, 0x0049004B, RunTextConversion},
+    {30103, 2002_m, 2203_m, kNoShortcut, RunTextConversion},
+    {30110, 2002_m, 2204_m, kNoShortcut, RunTextConversion},
     {30200, 2002_m, 2210_m, kNoShortcut, kNotHandled},
     {30201, 2002_m, 2211_m, kNoShortcut, kNotHandled},
     {30150, 2002_m, 2220_m, kNoShortcut, RunSortLinesDialog},
@@ -32,6 +36,10 @@ constexpr CommandRow kMenuCommands[] = {
     {30310, 2300_m, 2310_m, kNoShortcut, kNotHandled},
     {30311, 2300_m, 2311_m, kNoShortcut, kNotHandled},
     {30350, 2400_m, 2401_m, kNoShortcut, kNotHandled},
+};
+
+constexpr CommandRange kCommandsWithoutEntry[] = {
+    {30003, kLastQuickRename, RunQuickRename},
 };
 
 constexpr uint32_t kSwitch = ParameterFlags::Switch;
@@ -104,6 +112,9 @@ constexpr ElevatedRow kElevatedRequests[] = {
 
 std::span<const CommandRow> MenuCommands() {
     return kMenuCommands;
+}
+std::span<const CommandRange> CommandsWithoutEntry() {
+    return kCommandsWithoutEntry;
 }
 std::span<const CustomCommandRow> CustomCommands() {
     return kCustomCommands;

@@ -49,6 +49,14 @@ const Row* FindRow(std::span<const Row> rows, Matches&& matches) {
     return found == rows.end() ? nullptr : &*found;
 }
 
+CommandHandler FindHandler(uint32_t id) {
+    if (const CommandRow* const row = FindRow(MenuCommands(), [&](const CommandRow& r) { return r.id == id; }))
+        return row->handler;
+    const CommandRange* const range =
+        FindRow(CommandsWithoutEntry(), [&](const CommandRange& r) { return id >= r.firstId && id <= r.lastId; });
+    return range ? range->handler : nullptr;
+}
+
 }  // namespace
 
 uint32_t CQVUtils::Init(IHostServices* services) {
@@ -72,8 +80,8 @@ const char* CQVUtils::GetId() {
 uint32_t CQVUtils::OnCommand(uint32_t id, uintptr_t, uintptr_t) {
     return AtBoundary(0u, [&] {
         if (id == kCommandShutdown) return Shutdown();
-        const CommandRow* const row = FindRow(MenuCommands(), [&](const CommandRow& r) { return r.id == id; });
-        return m_services && row && row->handler ? row->handler(*m_services, id) : 0u;
+        const CommandHandler handler = FindHandler(id);
+        return m_services && handler ? handler(*m_services, id) : 0u;
     });
 }
 
