@@ -1,5 +1,6 @@
 #include "fileutils/command_table.h"
 
+#include "fileutils/base64_command.h"
 #include "fileutils/find_replace_command.h"
 #include "fileutils/quick_rename.h"
 #include "fileutils/quick_rename_command.h"
@@ -30,8 +31,8 @@ constexpr CommandRow kMenuCommands[] = {
     {30201, 2002_m, 2211_m, kNoShortcut, kNotHandled},
     {30150, 2002_m, 2220_m, kNoShortcut, RunSortLinesDialog},
     {30151, 2002_m, 2221_m, kNoShortcut, RunFindAndReplaceDialog},
-    {30210, 2003_m, 2240_m, kNoShortcut, kNotHandled},
-    {30211, 2003_m, 2241_m, kNoShortcut, kNotHandled},
+    {30210, 2003_m, 2240_m, kNoShortcut, RunBase64},
+    {30211, 2003_m, 2241_m, kNoShortcut, RunBase64},
     {30300, 2300_m, 2301_m, kNoShortcut, kNotHandled},
     {30310, 2300_m, 2310_m, kNoShortcut, kNotHandled},
     {30311, 2300_m, 2311_m, kNoShortcut, kNotHandled},
