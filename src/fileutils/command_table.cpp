@@ -1,7 +1,9 @@
 #include "fileutils/command_table.h"
 
 #include "fileutils/base64_command.h"
+#include "fileutils/create_link_command.h"
 #include "fileutils/find_replace_command.h"
+#include "fileutils/link_creation.h"
 #include "fileutils/quick_rename.h"
 #include "fileutils/quick_rename_command.h"
 #include "fileutils/rename_group_command.h"
@@ -97,7 +99,7 @@ constexpr ParameterRow kFindAndReplaceParameters[] = {
 };
 
 constexpr CustomCommandRow kCustomCommands[] = {
-    {"CreateLink", 30351, 50_c, kCreateLinkParameters, nullptr},
+    {"CreateLink", 30351, 50_c, kCreateLinkParameters, RunCreateLinkCommand},
     {"SortLines", 30352, 60_c, kSortLinesParameters, RunSortLinesCommand},
     {"FindAndReplace", 30353, 90_c, kFindAndReplaceParameters, RunFindAndReplaceCommand},
 };
@@ -106,7 +108,7 @@ constexpr ElevatedRow kElevatedRequests[] = {
     {5000, nullptr},  // take ownership
     {5001, nullptr},  // grant access
     {5003, nullptr},  // reset the access list
-    {5004, nullptr},  // create a link
+    {kCreateLinkRequest, AnswerCreateLinkRequest},
 };
 
 }  // namespace
