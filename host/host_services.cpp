@@ -162,11 +162,11 @@ bool HostServices::CanElevate() {
 }
 
 bool HostServices::UseColumnD() {
-    return false;
+    return m_state.usesColumnD;
 }
 
 bool HostServices::UseColumnE() {
-    return false;
+    return m_state.usesColumnE;
 }
 
 IFileList* HostServices::CreateFileList() {

@@ -34,6 +34,8 @@ struct HostState {
     std::wstring configurationFolder;  // ends in a separator
     bool isElevated = false;
     bool canElevate = false;
+    bool usesColumnD = false;
+    bool usesColumnE = false;
 
     MenuModel menus = {};
     CustomCommandTable customCommands = {};

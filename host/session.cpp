@@ -72,7 +72,9 @@ Session::Session(const HostOptions& options, HostEnvironment& environment, Outpu
               .elevatedLaunch = MakeElevatedLaunch(options, environment),
               .configurationFolder = ConfigurationFolder(options),
               .isElevated = options.isElevated || options.action == Action::ElevatedServer,
-              .canElevate = options.canElevate},
+              .canElevate = options.canElevate,
+              .usesColumnD = options.usesColumnD,
+              .usesColumnE = options.usesColumnE},
       m_library(Existing(GivenOrBeside(options.library, environment.program, kLibraryName), !options.library.empty())) {
     ReadLanguage(GivenOrBeside(options.language, environment.program, kLanguageName), !options.language.empty());
 }

@@ -1,6 +1,7 @@
 #include "fileutils/command_table.h"
 
 #include "fileutils/base64_command.h"
+#include "fileutils/control_panel.h"
 #include "fileutils/create_link_command.h"
 #include "fileutils/find_replace_command.h"
 #include "fileutils/link_creation.h"
@@ -43,6 +44,7 @@ constexpr CommandRow kMenuCommands[] = {
 
 constexpr CommandRange kCommandsWithoutEntry[] = {
     {30003, kLastQuickRename, RunQuickRename},
+    {kFirstControlPanelCommand, kLastControlPanelCommand, RunControlPanelCommand},
 };
 
 constexpr uint32_t kSwitch = ParameterFlags::Switch;

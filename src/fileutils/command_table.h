@@ -50,7 +50,7 @@ struct ElevatedRow {
 
 inline constexpr Quorvane::SDK::TextId kRootMenuText = Quorvane::SDK::MakeTextId(2004, 'm');
 
-/// Commands that the host sends without an entry in a menu, by ranges of ids.
+/// Commands that are handled whether or not a menu has them, by ranges of ids.
 struct CommandRange {
     uint32_t firstId;
     uint32_t lastId;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "fileutils/command_table.h"
+#include "fileutils/control_panel.h"
 #include "fileutils/extension_ids.h"
 #include "sdk/boundary.h"
 
@@ -26,6 +27,7 @@ void BuildMenus(IHostServices& host) {
         Command* const command = factory->CreateCommand(row.id, kCommandFlags, row.text, row.text, row.shortcut, 0);
         if (open && command) builder->AddCommand(open, command, 1, 0);
     }
+    BuildControlPanelMenu(host, *builder, root);
 }
 
 void RegisterCustomCommands(IHostServices& host) {
