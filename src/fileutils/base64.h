@@ -17,8 +17,8 @@ public:
     /// padded with "=": only a text's last block may have one.
     static size_t Encode(const uint8_t* data, size_t size, char* text);
 
-    /// Most bytes that a block of `size` characters can give.
-    static constexpr size_t LargestDecoded(size_t size) { return size / 4 * 3 + 3; }
+    /// The room that decoding a block of `size` characters needs: its bytes, and one that is written over again.
+    static constexpr size_t LargestDecoded(size_t size) { return size / 4 * 3 + 4; }
 
     /// Decodes the next block into `data` and gives the number of bytes. Characters outside the alphabet (line breaks
     /// above all) are skipped, groups may be cut by the blocks, and everything behind the first "=" is ignored.

@@ -18,7 +18,7 @@ namespace {
 using namespace Quorvane::SDK;
 using QVUtils::QVUtilsException;
 
-constexpr uint32_t kBlockSize = 256 * 1024;  // bytes
+constexpr uint32_t kBlockSize = 128 * 1024;  // bytes
 constexpr uint32_t kLargestChoice = 8;
 constexpr uint32_t kProposedChoice = 3;  // the fourth: a tab is 4 spaces
 constexpr uint32_t kTabWidthLimit = 21;  // a host that returns such a number did not show our choices
