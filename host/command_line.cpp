@@ -73,7 +73,8 @@ void AddOptions(CLI::App& app, RawOptions& raw, HostOptions& options) {
                    "choose or to enter. Repeat it for further questions; the last one repeats")
         ->type_name("ANSWER")
         ->allow_extra_args(false);
-    app.add_flag("--windows", options.asksInWindows, "Asks questions in windows");
+    app.add_flag("--windows", options.asksInWindows,
+                 "Asks questions in windows, and shows progress in one where there is no terminal");
     app.add_option("--files-from", raw.filesFrom, "Further paths, one a line, UTF-8; - for standard input")
         ->type_name("FILE")
         ->take_last();

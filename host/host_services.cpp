@@ -39,7 +39,7 @@ HostServices::HostServices(HostState& state, uint32_t extension, const Extension
 void HostServices::Release() {}
 
 HWND HostServices::GetMainWindow() {
-    return nullptr;
+    return m_state.mainWindow.Get();
 }
 
 uint16_t HostServices::GetTextModule(const char* extensionId) {

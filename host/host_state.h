@@ -15,6 +15,7 @@
 #include "host/file_operations.h"
 #include "host/language.h"
 #include "host/log.h"
+#include "host/main_window.h"
 #include "host/menus.h"
 #include "host/output.h"
 #include "host/progress.h"
@@ -32,6 +33,7 @@ struct HostState {
     ProgressWatch progressWatch;
     ElevatedLaunch elevatedLaunch;
     std::wstring configurationFolder;  // ends in a separator
+    UniqueWindow mainWindow = {};      // empty where nobody is there to look at windows
     bool isElevated = false;
     bool canElevate = false;
     bool usesColumnD = false;

@@ -14,7 +14,9 @@ constexpr size_t kWidth = 78;  // of the narrowest usual terminal, less what a c
 
 Progress::Progress(Shelf<Progress>& shelf, Output& output, ProgressWatch watch, const std::wstring& title,
                    uint32_t total)
-    : m_shelf(shelf), m_output(output), m_watch(watch), m_title(OnOneLine(title)), m_total(total) {}
+    : m_shelf(shelf), m_output(output), m_watch(watch), m_title(OnOneLine(title)), m_total(total) {
+    if (watch.isInWindow) m_window.emplace(title);
+}
 
 Progress::~Progress() {
     GuardedCall([&] { Show({}); });
@@ -22,13 +24,16 @@ Progress::~Progress() {
 
 void Progress::Advance(uint32_t done, const wchar_t* currentItem) {
     GuardedCall([&] {
-        Show(m_title + L" " + std::to_wstring(done) + L"/" + std::to_wstring(m_total) + L" " +
-             OnOneLine(TextOrEmpty(currentItem)));
+        const std::wstring place = std::to_wstring(done) + L"/" + std::to_wstring(m_total) + L" ";
+        const std::wstring item = OnOneLine(TextOrEmpty(currentItem));
+        Show(m_title + L" " + place + item);
+        if (m_window) m_window->Show(place + item);
     });
 }
 
 bool Progress::IsCancelled() {
-    return m_watch.isCancelled && m_watch.isCancelled->load();
+    if (m_watch.isCancelled && m_watch.isCancelled->load()) return true;
+    return Guarded(false, [&] { return m_window && m_window->IsCancelled(); });
 }
 
 void Progress::Close() {

@@ -1,11 +1,13 @@
-// progress.h - the progress display of a run: one line of a terminal, written over and over. Without a terminal it only
-// carries the wish to stop.
+// progress.h - the progress display of a run: one line of a terminal, written over and over, or a window where
+// questions are asked in windows and there is no terminal. Otherwise it only carries the wish to stop.
 #pragma once
 
 #include <atomic>
+#include <optional>
 #include <string>
 
 #include "host/output.h"
+#include "host/progress_window.h"
 #include "host/shelf.h"
 #include "sdk/host_objects.h"
 
@@ -15,6 +17,7 @@ namespace QVHost {
 struct ProgressWatch {
     bool isShown = false;                            // standard error is a terminal
     const std::atomic<bool>* isCancelled = nullptr;  // set by Ctrl+C; null: never
+    bool isInWindow = false;                         // it is shown in a window instead
 };
 
 class Progress final : public Quorvane::SDK::IProgress {
@@ -35,6 +38,7 @@ private:
     std::wstring m_title;
     uint32_t m_total;
     size_t m_shown = 0;  // units on the line
+    std::optional<ProgressWindow> m_window;
 };
 
 }  // namespace QVHost

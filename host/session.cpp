@@ -43,6 +43,12 @@ std::unique_ptr<IAnswers> MakeAnswers(const HostOptions& options, const HostEnvi
     return std::make_unique<SafeAnswers>();
 }
 
+ProgressWatch MakeProgressWatch(const HostOptions& options, const HostEnvironment& environment) {
+    ProgressWatch watch = environment.progressWatch;
+    watch.isInWindow = options.asksInWindows && !watch.isShown;
+    return watch;
+}
+
 ElevatedLaunch MakeElevatedLaunch(const HostOptions& options, const HostEnvironment& environment) {
     ElevatedLaunch launch = {environment.program, {}};
     const auto pass = [&](const wchar_t* option, const std::wstring& value) {
@@ -68,9 +74,10 @@ Session::Session(const HostOptions& options, HostEnvironment& environment, Outpu
               .texts = {},
               .settings = {output, ConfigurationFolder(options) + kSettingsName},
               .questions = {output, MakeAnswers(options, environment, output)},
-              .progressWatch = environment.progressWatch,
+              .progressWatch = MakeProgressWatch(options, environment),
               .elevatedLaunch = MakeElevatedLaunch(options, environment),
               .configurationFolder = ConfigurationFolder(options),
+              .mainWindow = options.asksInWindows ? MakeMainWindow() : UniqueWindow(),
               .isElevated = options.isElevated || options.action == Action::ElevatedServer,
               .canElevate = options.canElevate,
               .usesColumnD = options.usesColumnD,

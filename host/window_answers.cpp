@@ -1,59 +1,23 @@
 #include "host/window_answers.h"
 
 #include "host/boundary.h"
+#include "host/dialog_template.h"
 
 namespace QVHost {
 namespace {
 
 constexpr WORD kPromptId = 100;
 constexpr WORD kFieldId = 101;
-constexpr WORD kStaticClass = 0x0082;  // class numbers of dialog templates
-constexpr WORD kEditClass = 0x0081;
-constexpr WORD kListClass = 0x0083;
-constexpr WORD kButtonClass = 0x0080;
 
-/// A dialog with a prompt, one field and two buttons, built in memory: the program has no other dialog, and so needs no
-/// resource file. Sizes are in dialog units.
-class DialogTemplate {
-public:
-    DialogTemplate(WORD fieldClass, DWORD fieldStyle, short fieldHeight) {
-        const auto bottom = static_cast<short>(36 + fieldHeight);
-        AddHeader(static_cast<short>(bottom + 26));
-        AddControl(kPromptId, kStaticClass, SS_LEFT | SS_NOPREFIX, 8, 8, 224, 24);
-        AddControl(kFieldId, fieldClass, WS_BORDER | WS_TABSTOP | fieldStyle, 8, 34, 224, fieldHeight);
-        AddControl(IDOK, kButtonClass, BS_DEFPUSHBUTTON | WS_TABSTOP, 126, static_cast<short>(bottom + 6), 50, 14);
-        AddControl(IDCANCEL, kButtonClass, BS_PUSHBUTTON | WS_TABSTOP, 182, static_cast<short>(bottom + 6), 50, 14);
-    }
-    const DLGTEMPLATE* Get() const { return reinterpret_cast<const DLGTEMPLATE*>(m_words.data()); }
-
-private:
-    void AddDouble(DWORD value) {
-        m_words.push_back(LOWORD(value));
-        m_words.push_back(HIWORD(value));
-    }
-    void AddPlace(short x, short y, short width, short height) {
-        for (const short value : {x, y, width, height}) m_words.push_back(static_cast<WORD>(value));
-    }
-    void AddHeader(short height) {
-        AddDouble(WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_CENTER);
-        AddDouble(0);
-        m_words.push_back(4);  // controls
-        AddPlace(0, 0, 240, height);
-        m_words.insert(m_words.end(), 3, 0);  // no menu, the usual class, the caption comes later
-    }
-    void AddControl(WORD id, WORD classNumber, DWORD style, short x, short y, short width, short height) {
-        if (m_words.size() % 2 != 0) m_words.push_back(0);  // each control begins at a multiple of 4 bytes
-        AddDouble(WS_CHILD | WS_VISIBLE | style);
-        AddDouble(0);
-        AddPlace(x, y, width, height);
-        m_words.push_back(id);
-        m_words.push_back(0xFFFF);
-        m_words.push_back(classNumber);
-        m_words.insert(m_words.end(), 2, 0);  // no text, no data
-    }
-
-    std::vector<WORD> m_words;
-};
+/// A dialog with a prompt, one field and two buttons.
+DialogTemplate Layout(WORD fieldClass, DWORD fieldStyle, short fieldHeight) {
+    const auto buttons = static_cast<short>(42 + fieldHeight);
+    return DialogTemplate(240, static_cast<short>(buttons + 20),
+                          {{kPromptId, ControlClass::Static, SS_LEFT | SS_NOPREFIX, 8, 8, 224, 24},
+                           {kFieldId, fieldClass, WS_BORDER | WS_TABSTOP | fieldStyle, 8, 34, 224, fieldHeight},
+                           {IDOK, ControlClass::Button, BS_DEFPUSHBUTTON | WS_TABSTOP, 126, buttons, 50, 14},
+                           {IDCANCEL, ControlClass::Button, BS_PUSHBUTTON | WS_TABSTOP, 182, buttons, 50, 14}});
+}
 
 /// What the dialog shows, and what it gives back.
 struct DialogState {
@@ -121,13 +85,13 @@ uint32_t WindowAnswers::AnswerBox(const BoxQuestion& question) {
 
 std::optional<uint32_t> WindowAnswers::Choose(const ChoiceQuestion& question) {
     DialogState state = {question.title, question.prompt, &question.choices, question.position, {}};
-    if (!Show(DialogTemplate(kListClass, LBS_NOINTEGRALHEIGHT | WS_VSCROLL, 60), state)) return std::nullopt;
+    if (!Show(Layout(ControlClass::List, LBS_NOINTEGRALHEIGHT | WS_VSCROLL, 60), state)) return std::nullopt;
     return state.position;
 }
 
 std::optional<std::wstring> WindowAnswers::Enter(const InputQuestion& question) {
     DialogState state = {question.prompt, question.prompt, nullptr, 0, question.proposed};
-    if (!Show(DialogTemplate(kEditClass, ES_AUTOHSCROLL, 14), state)) return std::nullopt;
+    if (!Show(Layout(ControlClass::Edit, ES_AUTOHSCROLL, 14), state)) return std::nullopt;
     return state.text;
 }
 

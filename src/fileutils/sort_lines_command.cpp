@@ -172,6 +172,7 @@ uint32_t RunSortLinesDialog(IHostServices& host, uint32_t) {
     if (!files || files->GetCount() == 0) return 1;
 
     SortRequest last;
+    last.itemNumber = 1;  // until somebody asks for another item
     LoadSortLinesSettings(host.GetSettings(), last);
     Ui::SortLinesDlg dialog([&](TextId id) { return host.GetText(id); }, PathsOf(*files), std::move(last));
     auto chosen = dialog.Show(host.GetMainWindow());

@@ -58,7 +58,7 @@ bool TextBlocks<CharT>::Fill() {
     if (m_isAtEnd) return false;
     if (m_capacity - m_end < m_chunkSize) {
         // A line of this length is likely to be most of the text: copying it once is enough.
-        constexpr size_t kLongLine = 4 * 1024 * 1024;
+        constexpr size_t kLongLine = size_t{4} * 1024 * 1024;
         const size_t doubled = 2 * m_capacity + m_chunkSize;
         const size_t larger = m_end < kLongLine ? doubled : std::max<size_t>(doubled, m_expectedSize + m_chunkSize);
         auto buffer = std::make_unique_for_overwrite<uint8_t[]>(larger);

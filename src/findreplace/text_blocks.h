@@ -18,7 +18,7 @@ public:
     using View = std::basic_string_view<CharT>;
 
     static constexpr uint32_t kChunkSize = 32768;
-    static constexpr size_t kBlockSize = 128 * 1024;
+    static constexpr size_t kBlockSize = size_t{128} * 1024;
     static constexpr size_t kWholeText = std::numeric_limits<size_t>::max();
 
     /// `markSize`: bytes of the byte-order mark, which belongs to no line. `blockSize`: bytes of a block, which grows

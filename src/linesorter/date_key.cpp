@@ -241,7 +241,7 @@ int64_t DateKeyReader::TimeOf(const CalendarFields& fields) {
         m_midnight = RuntimeTimeOf(m_day);
         if (m_midnight < 0) return RuntimeTimeOf(fields);
     }
-    return m_midnight + fields.hour * 3600 + fields.minute * 60 + fields.second;
+    return m_midnight + int64_t{fields.hour} * 3600 + int64_t{fields.minute} * 60 + fields.second;
 }
 
 #define QV_INSTANTIATE(CharT)                                                                                 \

@@ -46,7 +46,8 @@ struct OptionalSystemFunction::Library {
 
 OptionalSystemFunction::OptionalSystemFunction(const char* name) {
     if (!name) return;
-    m_library = std::make_unique<Library>(Win32::LoadSystemModule(L"kernel32.dll"));
+    m_library = std::make_unique<Library>();
+    m_library->module = Win32::LoadSystemModule(L"kernel32.dll");
     m_address = Win32::FindFunction<void*>(m_library->module, name);
 }
 

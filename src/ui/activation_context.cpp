@@ -3,6 +3,8 @@
 #include "ui/resource.h"
 #include "win32/module.h"
 
+#include <commctrl.h>
+
 namespace Ui {
 
 HMODULE OwnModule() noexcept {
@@ -17,6 +19,9 @@ ActivationContext::ActivationContext() {
     request.hModule = OwnModule();
     m_context = CreateActCtxW(&request);
     if (m_context != INVALID_HANDLE_VALUE) m_isActive = ActivateActCtx(m_context, &m_cookie) != FALSE;
+    // Registers the classes of the version that is active now; a host need not have loaded any.
+    const INITCOMMONCONTROLSEX classes = {sizeof(classes), ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES};
+    InitCommonControlsEx(&classes);
 }
 
 ActivationContext::~ActivationContext() {

@@ -135,6 +135,10 @@ bool ConfirmReplaceDlg::OnInit() {
         MoveWindow(GetWindow(), m_place->left, m_place->top, m_place->right - m_place->left,
                    m_place->bottom - m_place->top, FALSE);
     SetTextOf(Item(IDC_MATCH_FILE), m_question->fileName);
+    // Of a path that is too long, its end says more.
+    SendMessageW(Item(IDC_MATCH_FILE), EM_SETSEL, m_question->fileName.size(),
+                 static_cast<LPARAM>(m_question->fileName.size()));
+    SendMessageW(Item(IDC_MATCH_FILE), EM_SCROLLCARET, 0, 0);
     SetTextOf(Item(IDC_MATCH_CONTEXT_LABEL),
               L"&Match in line " + std::to_wstring(m_question->match.startLine + 1) + L":");
     // UTF-16 can be read in one way only.

@@ -4,6 +4,37 @@
 #include <limits>
 
 namespace Ui {
+namespace {
+
+/// Finds the widest of some texts, in pixels, as a control shows them.
+class TextMeter {
+public:
+    explicit TextMeter(HWND control)
+        : m_control(control),
+          m_context(GetDC(control)),
+          m_fontBefore(SelectObject(m_context, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)))) {}
+    ~TextMeter() {
+        SelectObject(m_context, m_fontBefore);
+        ReleaseDC(m_control, m_context);
+    }
+    TextMeter(const TextMeter&) = delete;
+    TextMeter& operator=(const TextMeter&) = delete;
+
+    void Add(std::wstring_view text) {
+        SIZE size = {};
+        GetTextExtentPoint32W(m_context, text.data(), static_cast<int>(text.size()), &size);
+        m_widest = std::max(m_widest, size.cx);
+    }
+    LONG Widest() const { return m_widest; }
+
+private:
+    HWND m_control;
+    HDC m_context;
+    HGDIOBJ m_fontBefore;
+    LONG m_widest = 0;
+};
+
+}  // namespace
 
 std::wstring TextOf(HWND control) {
     std::wstring text(static_cast<size_t>(GetWindowTextLengthW(control)) + 1, L'\0');
@@ -39,14 +70,20 @@ void FillCombo(HWND combo, const HostTexts& texts, std::span<const ListEntry> en
     const bool isKnown = std::ranges::any_of(entries, [&](const ListEntry& entry) { return options & entry.bit; });
     const uint32_t wanted = isKnown ? options : otherwise;
     bool isSelected = false;
+    TextMeter meter(combo);
     for (const ListEntry& entry : entries) {
-        const LRESULT index = SendMessageW(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(texts(entry.text)));
+        const wchar_t* const text = texts(entry.text);
+        meter.Add(text);
+        const LRESULT index = SendMessageW(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
         if (index < 0) continue;
         SendMessageW(combo, CB_SETITEMDATA, static_cast<WPARAM>(index), static_cast<LPARAM>(entry.bit));
         if (isSelected || !(wanted & entry.bit)) continue;
         SendMessageW(combo, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
         isSelected = true;
     }
+    // In another language the entries may be longer than the field: the open list shows them whole.
+    const int margin = GetSystemMetrics(SM_CXVSCROLL);
+    SendMessageW(combo, CB_SETDROPPEDWIDTH, static_cast<WPARAM>(meter.Widest() + margin), 0);
 }
 
 uint32_t SelectedBit(HWND combo) {
@@ -57,19 +94,13 @@ uint32_t SelectedBit(HWND combo) {
 
 void FillList(HWND list, std::span<const std::wstring> paths) {
     SendMessageW(list, WM_SETREDRAW, FALSE, 0);
-    const HDC context = GetDC(list);
-    const HGDIOBJ before = SelectObject(context, reinterpret_cast<HFONT>(SendMessageW(list, WM_GETFONT, 0, 0)));
-    LONG widest = 0;
+    TextMeter meter(list);
     for (const std::wstring& path : paths) {
         SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(path.c_str()));
-        SIZE size = {};
-        GetTextExtentPoint32W(context, path.c_str(), static_cast<int>(path.size()), &size);
-        widest = std::max(widest, size.cx);
+        meter.Add(path);
     }
-    SelectObject(context, before);
-    ReleaseDC(list, context);
     constexpr LONG kMargin = 8;
-    SendMessageW(list, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest + kMargin), 0);
+    SendMessageW(list, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(meter.Widest() + kMargin), 0);
     SendMessageW(list, WM_SETREDRAW, TRUE, 0);
 }
 

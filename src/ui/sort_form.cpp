@@ -70,9 +70,8 @@ private:
                 Fail(L"End character is one character or none; \\t stands for a tab.");
             ReadNumber(m_form.substringLength, L"Substring lenght", request.substringLength);
         } else if (!request.Has(Option::AsText)) {
-            // By design an entire line has no number and no date, and the order stays as it is.
-            m_reading.hint =
-                L"Entire lines keep their order when sorted by number or date: choose a substring or an item.";
+            // By design: the keys of all lines are equal then.
+            m_reading.hint = L"Entire lines have no number and no date to sort by: choose a substring or an item.";
         }
     }
 

@@ -1,0 +1,32 @@
+#include "host/progress_window.h"
+
+#include <gtest/gtest.h>
+
+#include "support/dialog_driver.h"
+
+namespace {
+
+using QVTest::DialogDriver;
+using QVTest::DrivenDialog;
+using QVTest::WhileDriving;
+
+TEST(ProgressWindow, ShowsTheFileInWorkAndTakesTheWishToStop) {
+    constexpr int kTextId = 100;
+    WhileDriving(
+        [](DialogDriver& driver) {
+            const DrivenDialog window = driver.WaitFor(L"Sorting");
+            EXPECT_TRUE(QVTest::WaitUntil([&] { return window.Text(kTextId) == L"1/2 C:\\a.txt"; }));
+            window.PressLater(IDCANCEL);
+            window.WaitUntilClosed();
+        },
+        [] {
+            QVHost::ProgressWindow window(L"Sorting");
+            EXPECT_FALSE(window.IsCancelled());
+            EXPECT_TRUE(QVTest::WaitUntil([&] {
+                window.Show(L"1/2 C:\\a.txt");
+                return window.IsCancelled();
+            }));
+        });
+}
+
+}  // namespace

@@ -1,0 +1,72 @@
+// dialog_driver.h - plays the person in front of a dialog: a second thread finds the windows that the test's thread
+// opens, fills them and presses their buttons. All waits are bounded, and a dialog that nobody expects is closed.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "win32/windows.h"
+
+namespace QVTest {
+
+/// One dialog on the screen, seen from another thread.
+class DrivenDialog {
+public:
+    explicit DrivenDialog(HWND window) : m_window(window) {}
+
+    HWND Window() const { return m_window; }
+    HWND Control(int id) const;
+    std::wstring Text(int id) const;
+    bool IsEnabled(int id) const;
+    bool IsVisible(int id) const;
+    bool IsChecked(int id) const;
+    /// Number of the control with the focus.
+    int Focus() const;
+    std::vector<std::wstring> Entries(int combo) const;
+    int Selected(int combo) const;
+
+    /// As if typed over what is there.
+    void Enter(int edit, const std::wstring& text) const;
+    void Check(int box, bool isChecked) const;
+    void Select(int combo, int entry) const;
+    void Press(int button) const;
+    /// Without waiting for what the button does: it may open a menu.
+    void PressLater(int button) const;
+    /// A key goes through the dialog's message loop, as from the keyboard.
+    void Key(WPARAM virtualKey) const;
+    /// @throws std::runtime_error when the dialog is still there after ten seconds
+    void WaitUntilClosed() const;
+    void PressAndClose(int button) const {
+        PressLater(button);
+        WaitUntilClosed();
+    }
+
+private:
+    HWND m_window;
+};
+
+class DialogDriver {
+public:
+    explicit DialogDriver(DWORD thread) : m_thread(thread) {}
+
+    /// A visible dialog with this title. @throws std::runtime_error after ten seconds
+    DrivenDialog WaitFor(const std::wstring& title) const;
+    /// An open popup menu.
+    HWND WaitForMenu() const;
+
+private:
+    HWND WaitForWindow(const wchar_t* windowClass, const std::wstring& title) const;
+
+    DWORD m_thread;
+};
+
+/// True once `isTrue` says so; false after ten seconds.
+bool WaitUntil(const std::function<bool()>& isTrue);
+
+/// Runs `body` on this thread and `script` beside it. What goes wrong in the script is a failure of the test, and ends
+/// the dialogs that are still open.
+void WhileDriving(const std::function<void(DialogDriver&)>& script, const std::function<void()>& body);
+
+}  // namespace QVTest

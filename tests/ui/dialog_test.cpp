@@ -1,0 +1,196 @@
+#include <stdexcept>
+#include <system_error>
+
+#include <gtest/gtest.h>
+
+#include "support/dialog_driver.h"
+#include "ui/activation_context.h"
+#include "ui/controls.h"
+#include "ui/dialog.h"
+#include "ui/resource.h"
+
+#include <commctrl.h>
+
+namespace {
+
+using QVTest::DialogDriver;
+using QVTest::DrivenDialog;
+using QVTest::WhileDriving;
+
+constexpr wchar_t kTitle[] = L"Confirm Replace";
+
+/// Any dialog serves: this one has buttons and fields, and here they mean nothing.
+class Sample final : public Ui::Dialog {
+public:
+    explicit Sample(WORD resourceId = IDD_CONFIRM_REPLACE) : Dialog(resourceId) {}
+    explicit Sample(const DLGTEMPLATE* layout) : Dialog(layout) {}
+    ~Sample() = default;
+
+    using Dialog::ShowModal;
+    using Dialog::ShowModeless;
+
+    bool throwsInInit = false;
+    std::vector<Ui::Anchor> anchors;
+    std::exception_ptr failure;
+
+private:
+    bool OnInit() override {
+        if (throwsInInit) throw std::runtime_error("in init");
+        if (!anchors.empty()) MakeResizable(anchors);
+        return true;
+    }
+    bool OnCommand(int id, int) override {
+        if (id == IDC_SWITCH_UTF8) throw std::runtime_error("in command");
+        if (id == IDOK) End(42);
+        return id == IDOK;
+    }
+    void OnFailure(std::exception_ptr thrown) noexcept override { failure = thrown; }
+};
+
+TEST(Dialog, ReturnsWhatItEndsWith) {
+    Sample fromResource;
+    Sample fromMemory(Ui::DialogResource(IDD_CONFIRM_REPLACE));
+    for (Sample* const sample : {&fromResource, &fromMemory}) {
+        WhileDriving([](DialogDriver& driver) { driver.WaitFor(kTitle).PressAndClose(IDOK); },
+                     [&] { EXPECT_EQ(sample->ShowModal(nullptr), 42); });
+        WhileDriving([](DialogDriver& driver) { driver.WaitFor(kTitle).PressAndClose(IDCANCEL); },
+                     [&] { EXPECT_EQ(sample->ShowModal(nullptr), IDCANCEL); });
+        EXPECT_EQ(sample->GetWindow(), nullptr);
+    }
+}
+
+TEST(Dialog, CarriesExceptionsAroundTheSystem) {
+    Sample sample;
+    WhileDriving([](DialogDriver& driver) { driver.WaitFor(kTitle).PressAndClose(IDC_SWITCH_UTF8); },
+                 [&] { EXPECT_THROW(sample.ShowModal(nullptr), std::runtime_error); });
+    sample.throwsInInit = true;
+    EXPECT_THROW(sample.ShowModal(nullptr), std::runtime_error);
+    EXPECT_THROW(sample.ShowModeless(nullptr), std::runtime_error);
+    EXPECT_EQ(sample.GetWindow(), nullptr);
+    EXPECT_THROW(Sample(WORD{9999}).ShowModal(nullptr), std::system_error);
+}
+
+TEST(Dialog, WithoutAModalLoopHandsTheExceptionOn) {
+    Sample sample;
+    sample.ShowModeless(nullptr);
+    ASSERT_TRUE(sample.GetWindow());
+    SendDlgItemMessageW(sample.GetWindow(), IDC_SWITCH_UTF8, BM_CLICK, 0, 0);
+    EXPECT_EQ(sample.GetWindow(), nullptr);
+    ASSERT_TRUE(sample.failure);
+    EXPECT_THROW(std::rethrow_exception(sample.failure), std::runtime_error);
+}
+
+TEST(Dialog, TakesItsWindowWithIt) {
+    HWND window = nullptr;
+    {
+        Sample sample;
+        sample.ShowModeless(nullptr);
+        window = sample.GetWindow();
+        ASSERT_TRUE(IsWindow(window));
+    }
+    EXPECT_FALSE(IsWindow(window));
+}
+
+TEST(Resizing, MovesEachEdgeByItsShare) {
+    Sample sample;
+    sample.anchors = {{IDC_MATCH_CONTEXT, 0, 0, 100, 50}, {IDOK, 100, 100, 100, 100}};
+    sample.ShowModeless(nullptr);
+    const HWND window = sample.GetWindow();
+    const auto rectOf = [&](int id) {
+        RECT rect = {};
+        GetWindowRect(GetDlgItem(window, id), &rect);
+        MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&rect), 2);
+        return rect;
+    };
+    RECT whole = {};
+    GetWindowRect(window, &whole);
+    const RECT context = rectOf(IDC_MATCH_CONTEXT);
+    const RECT button = rectOf(IDOK);
+    const LONG width = whole.right - whole.left;
+    const LONG height = whole.bottom - whole.top;
+    SetWindowPos(window, nullptr, 0, 0, width + 100, height + 60, SWP_NOMOVE | SWP_NOZORDER);
+    EXPECT_EQ(rectOf(IDC_MATCH_CONTEXT).right, context.right + 100);
+    EXPECT_EQ(rectOf(IDC_MATCH_CONTEXT).bottom, context.bottom + 30);
+    EXPECT_EQ(rectOf(IDOK).left, button.left + 100);
+    EXPECT_EQ(rectOf(IDOK).right, button.right + 100);
+    EXPECT_EQ(rectOf(IDOK).top, button.top + 60);
+    MINMAXINFO limits = {};
+    SendMessageW(window, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
+    EXPECT_EQ(limits.ptMinTrackSize.x, width);
+    EXPECT_EQ(limits.ptMinTrackSize.y, height);
+}
+
+TEST(Resizing, CountsAnewOnAScreenOfAnotherScale) {
+    Sample sample;
+    sample.anchors = {{IDOK, 100, 100, 100, 100}};
+    sample.ShowModeless(nullptr);
+    const HWND window = sample.GetWindow();
+    const auto rectOfButton = [&] {
+        RECT rect = {};
+        GetWindowRect(GetDlgItem(window, IDOK), &rect);
+        MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&rect), 2);
+        return rect;
+    };
+    const HDC context = GetDC(window);
+    const int dots = GetDeviceCaps(context, LOGPIXELSX);
+    ReleaseDC(window, context);
+    RECT client = {};
+    GetClientRect(window, &client);
+    RECT whole = {};
+    GetWindowRect(window, &whole);
+    const RECT button = rectOfButton();
+    // As the system does it: it tells of the new scale, and makes window and controls larger.
+    SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(2 * dots, 2 * dots), reinterpret_cast<LPARAM>(&whole));
+    SetWindowPos(window, nullptr, 0, 0, 2 * (whole.right - whole.left), 2 * (whole.bottom - whole.top),
+                 SWP_NOMOVE | SWP_NOZORDER);
+    RECT largerClient = {};
+    GetClientRect(window, &largerClient);
+    const RECT larger = rectOfButton();
+    EXPECT_EQ(largerClient.right - larger.right, 2 * (client.right - button.right));
+    EXPECT_EQ(largerClient.bottom - larger.bottom, 2 * (client.bottom - button.bottom));
+    EXPECT_EQ(larger.right - larger.left, 2 * (button.right - button.left));
+    EXPECT_EQ(larger.bottom - larger.top, 2 * (button.bottom - button.top));
+}
+
+TEST(ActivationContext, GivesOurWindowsTheNewerControls) {
+    const auto hasNewerEdit = [] {
+        const HWND window =
+            CreateWindowExW(0, L"EDIT", L"", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+        // Only the controls of version 6 know this message.
+        const LRESULT isSet = SendMessageW(window, EM_SETCUEBANNER, TRUE, reinterpret_cast<LPARAM>(L"cue"));
+        DestroyWindow(window);
+        return isSet != 0;
+    };
+    EXPECT_FALSE(hasNewerEdit());
+    {
+        const Ui::ActivationContext context;
+        EXPECT_TRUE(hasNewerEdit());
+    }
+    EXPECT_FALSE(hasNewerEdit());
+}
+
+TEST(Controls, NumbersAreReadWholeOrNotAtAll) {
+    const struct {
+        const wchar_t* text;
+        std::optional<uint32_t> number;
+    } cases[] = {
+        {L"", 0},
+        {L" 12\t", 12},
+        {L"007", 7},
+        {L"4294967295", 4294967295},
+        {L"4294967296", {}},
+        {L"-1", {}},
+        {L"1 2", {}},
+        {L"99999999999999999999999", {}},
+        {L"\u0661", {}},
+        {L"x", {}},
+    };
+    for (const auto& c : cases) EXPECT_EQ(Ui::NumberFromText(c.text), c.number) << c.text;
+}
+
+TEST(Controls, AllLineBreaksBecomeThoseOfEdits) {
+    EXPECT_EQ(Ui::WithEditBreaks(L"a\nb\rc\r\nd\r\r\n"), L"a\r\nb\r\nc\r\nd\r\n\r\n");
+    EXPECT_EQ(Ui::WithEditBreaks(L""), L"");
+}
+
+}  // namespace

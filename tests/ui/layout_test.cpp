@@ -1,0 +1,171 @@
+// Walks every dialog as the resources have it, in two sizes: at 100 % and, by a font of half the size again, at 150 %.
+#include <cwctype>
+#include <map>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "ui/activation_context.h"
+#include "ui/controls.h"
+#include "ui/dialog.h"
+#include "ui/resource.h"
+
+namespace {
+
+constexpr WORD kDialogs[] = {IDD_FIND_AND_REPLACE, IDD_CONFIRM_REPLACE, IDD_SORT_LINES};
+constexpr WORD kPointSizes[] = {8, 12};
+
+/// A copy of a dialog's template with another size of its font.
+std::vector<WORD> TemplateWithFont(WORD dialog, WORD points) {
+    const HRSRC resource = FindResourceW(Ui::OwnModule(), MAKEINTRESOURCEW(dialog), RT_DIALOG);
+    const auto* const words = reinterpret_cast<const WORD*>(Ui::DialogResource(dialog));
+    std::vector<WORD> copy(words, words + SizeofResource(Ui::OwnModule(), resource) / sizeof(WORD));
+    size_t at = 13 + 2;  // the head of fixed size; no menu and no window class take a word each
+    while (copy[at] != 0) ++at;
+    copy[at + 1] = points;
+    return copy;
+}
+
+INT_PTR CALLBACK HandleNothing(HWND, UINT, WPARAM, LPARAM) {
+    return FALSE;
+}
+
+class OpenDialog {
+public:
+    OpenDialog(WORD dialog, WORD points) : m_template(TemplateWithFont(dialog, points)) {
+        const Ui::ActivationContext context;
+        m_window = CreateDialogIndirectParamW(Ui::OwnModule(), reinterpret_cast<const DLGTEMPLATE*>(m_template.data()),
+                                              nullptr, HandleNothing, 0);
+    }
+    ~OpenDialog() { DestroyWindow(m_window); }
+    OpenDialog(const OpenDialog&) = delete;
+    OpenDialog& operator=(const OpenDialog&) = delete;
+
+    HWND Window() const { return m_window; }
+    std::vector<HWND> Controls() const {
+        std::vector<HWND> controls;
+        for (HWND child = GetWindow(m_window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+            controls.push_back(child);
+        return controls;
+    }
+
+private:
+    std::vector<WORD> m_template;
+    HWND m_window = nullptr;
+};
+
+std::wstring ClassOf(HWND window) {
+    wchar_t name[64] = {};
+    GetClassNameW(window, name, 64);
+    return name;
+}
+
+LONG ButtonKind(HWND button) {
+    return GetWindowLongW(button, GWL_STYLE) & BS_TYPEMASK;
+}
+
+bool IsGroupBox(HWND control) {
+    return ClassOf(control) == L"Button" && ButtonKind(control) == BS_GROUPBOX;
+}
+
+RECT RectIn(HWND dialog, HWND control) {
+    RECT rect = {};
+    GetWindowRect(control, &rect);
+    MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&rect), 2);
+    return rect;
+}
+
+/// What a text needs on the screen, in pixels, in the font of its control; the mark of an access key takes no room.
+SIZE SizeOfText(HWND control, const std::wstring& text) {
+    const HDC context = GetDC(control);
+    const HGDIOBJ before = SelectObject(context, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
+    RECT rect = {};
+    DrawTextW(context, text.c_str(), -1, &rect, DT_CALCRECT | DT_SINGLELINE);
+    SelectObject(context, before);
+    ReleaseDC(control, context);
+    return {rect.right, rect.bottom};
+}
+
+/// What a control takes for itself beside its text.
+LONG Frame(HWND control) {
+    if (ClassOf(control) != L"Button") return 0;
+    const LONG kind = ButtonKind(control);
+    if (kind == BS_PUSHBUTTON || kind == BS_DEFPUSHBUTTON) return 8;
+    return GetSystemMetrics(SM_CXMENUCHECK) + 4;
+}
+
+wchar_t AccessKeyOf(const std::wstring& text) {
+    const size_t mark = text.find(L'&');
+    return mark == std::wstring::npos || mark + 1 == text.size() ? L'\0'
+                                                                 : static_cast<wchar_t>(towlower(text[mark + 1]));
+}
+
+std::string Name(WORD dialog, WORD points, HWND control) {
+    const std::wstring text = Ui::TextOf(control);
+    return "dialog " + std::to_string(dialog) + ", " + std::to_string(points) + " points, control " +
+           std::to_string(GetDlgCtrlID(control)) + " \"" + std::string(text.begin(), text.end()) + "\"";
+}
+
+TEST(Layout, EverythingFitsAndNothingOverlaps) {
+    for (const WORD dialog : kDialogs) {
+        for (const WORD points : kPointSizes) {
+            const OpenDialog open(dialog, points);
+            ASSERT_TRUE(open.Window());
+            RECT client = {};
+            GetClientRect(open.Window(), &client);
+            const std::vector<HWND> controls = open.Controls();
+            for (size_t i = 0; i < controls.size(); ++i) {
+                const HWND control = controls[i];
+                const RECT rect = RectIn(open.Window(), control);
+                RECT common = {};
+                EXPECT_TRUE(IntersectRect(&common, &rect, &client) && EqualRect(&common, &rect))
+                    << Name(dialog, points, control) << " leaves the dialog";
+                const std::wstring windowClass = ClassOf(control);
+                if (windowClass == L"Button" || windowClass == L"Static") {
+                    const SIZE text = SizeOfText(control, Ui::TextOf(control));
+                    EXPECT_LE(text.cx + Frame(control), rect.right - rect.left) << Name(dialog, points, control);
+                    EXPECT_LE(text.cy, rect.bottom - rect.top) << Name(dialog, points, control);
+                }
+                if (IsGroupBox(control)) continue;
+                for (size_t j = i + 1; j < controls.size(); ++j) {
+                    const RECT other = RectIn(open.Window(), controls[j]);
+                    EXPECT_TRUE(IsGroupBox(controls[j]) || !IntersectRect(&common, &rect, &other))
+                        << Name(dialog, points, control) << " overlaps " << Name(dialog, points, controls[j]);
+                }
+            }
+        }
+    }
+}
+
+TEST(Layout, EveryControlIsWithinReachOfTheKeyboard) {
+    for (const WORD dialog : kDialogs) {
+        const OpenDialog open(dialog, kPointSizes[0]);
+        ASSERT_TRUE(open.Window());
+        std::map<wchar_t, HWND> keys;
+        HWND before = nullptr;
+        for (const HWND control : open.Controls()) {
+            const std::string name = Name(dialog, kPointSizes[0], control);
+            const std::wstring windowClass = ClassOf(control);
+            const bool isField = windowClass == L"Edit" || windowClass == L"ComboBox" || windowClass == L"ListBox";
+            if (isField) {
+                // Screen readers name a field by the text before it, and the text's key leads to the field.
+                EXPECT_TRUE(before && ClassOf(before) == L"Static" && !Ui::TextOf(before).empty()) << name;
+            }
+            const bool isStop = isField || (windowClass == L"Button" && !IsGroupBox(control));
+            if (isStop && ButtonKind(control) != BS_AUTORADIOBUTTON) {
+                EXPECT_TRUE(GetWindowLongW(control, GWL_STYLE) & WS_TABSTOP) << name;
+            }
+            if (windowClass != L"Edit") {
+                if (const wchar_t key = AccessKeyOf(Ui::TextOf(control))) {
+                    EXPECT_TRUE(keys.emplace(key, control).second)
+                        << name << " has the key of " << Name(dialog, kPointSizes[0], keys[key]);
+                }
+            }
+            before = control;
+        }
+        EXPECT_EQ(SendMessageW(open.Window(), DM_GETDEFID, 0, 0), MAKELONG(IDOK, DC_HASDEFID));
+        EXPECT_TRUE(GetDlgItem(open.Window(), IDCANCEL));
+    }
+}
+
+}  // namespace

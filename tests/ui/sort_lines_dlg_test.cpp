@@ -1,0 +1,170 @@
+#include "ui/sort_lines_dlg.h"
+
+#include <gtest/gtest.h>
+
+#include "support/dialog_driver.h"
+#include "ui/host_texts.h"
+#include "ui/resource.h"
+
+namespace {
+
+using QVLineSorter::SortRequest;
+using QVTest::DialogDriver;
+using QVTest::DrivenDialog;
+using QVTest::WhileDriving;
+namespace Option = QVLineSorter::SortOption;
+
+using Person = std::function<void(DialogDriver&, DrivenDialog&)>;
+
+std::optional<SortRequest> Show(const SortRequest& first, const Person& person) {
+    std::optional<SortRequest> result;
+    WhileDriving(
+        [&](DialogDriver& driver) {
+            DrivenDialog dialog = driver.WaitFor(L"Sort Lines");
+            person(driver, dialog);
+        },
+        [&] { result = Ui::SortLinesDlg(QVTest::EchoTexts(), {L"C:\\a.txt"}, first).Show(nullptr); });
+    return result;
+}
+
+TEST(SortLinesDlg, OpensWithTheRequestAndGivesItBack) {
+    SortRequest first;
+    first.keepTop = 1;
+    first.keepBottom = 2;
+    first.lineOffset = 3;
+    first.substringLength = 4;
+    first.separator = L',';
+    first.itemNumber = 5;
+    first.dateFormat = L"%Y-%m-%d";
+    first.options = Option::Substring | Option::AsDate | Option::DeleteBackup | Option::LanguageOrder |
+                    Option::Reverse | Option::RemoveDuplicates | Option::RemoveBlankLines | Option::SkipLeadingSpaces |
+                    Option::EndAtWhiteSpace | Option::EndAtCharacter;
+    const auto result = Show(first, [](DialogDriver&, DrivenDialog& dialog) {
+        EXPECT_EQ(dialog.Text(IDC_WARNING), L"Only sort text files. Sorting binary files will destory them.");
+        EXPECT_EQ(dialog.Entries(IDC_TARGET), (std::vector<std::wstring>{L"427d", L"428d", L"429d"}));
+        EXPECT_EQ(dialog.Entries(IDC_SORT_METHOD), (std::vector<std::wstring>{L"440d", L"442d", L"443d"}));
+        EXPECT_EQ(dialog.Text(IDC_LINE_OFFSET), L"4");
+        EXPECT_TRUE(dialog.IsChecked(IDC_KEY_SUBSTRING));
+        EXPECT_TRUE(dialog.IsChecked(IDC_REMOVE_DUPLICATES));
+        EXPECT_FALSE(dialog.IsEnabled(IDC_REMOVE_DUPLICATES));
+        dialog.PressAndClose(IDOK);
+    });
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->options, first.options);
+    EXPECT_EQ(result->keepTop, 1u);
+    EXPECT_EQ(result->keepBottom, 2u);
+    EXPECT_EQ(result->lineOffset, 3u);
+    EXPECT_EQ(result->substringLength, 4u);
+    EXPECT_EQ(result->separator, L',');
+    EXPECT_EQ(result->itemNumber, 5u);
+    EXPECT_EQ(result->dateFormat, L"%Y-%m-%d");
+}
+
+TEST(SortLinesDlg, EachControlFillsItsField) {
+    const auto result = Show({}, [](DialogDriver&, DrivenDialog& dialog) {
+        EXPECT_FALSE(dialog.IsEnabled(IDC_DATE_FORMAT));
+        EXPECT_FALSE(dialog.IsEnabled(IDC_ITEM_NUMBER));
+        EXPECT_FALSE(dialog.IsEnabled(IDC_NATURAL_NUMBERS));
+        dialog.Select(IDC_TARGET, 0);
+        EXPECT_EQ(dialog.Text(IDC_FILE_NAME), L"*_sorted.*");
+        dialog.Select(IDC_SORT_METHOD, 1);
+        dialog.Press(IDC_KEY_ITEM);
+        EXPECT_TRUE(dialog.IsEnabled(IDC_ITEM_NUMBER));
+        EXPECT_FALSE(dialog.IsEnabled(IDOK));
+        EXPECT_EQ(dialog.Text(IDC_REASON), L"Item Separator is one character; \\t stands for a tab.");
+        dialog.Enter(IDC_ITEM_SEPARATOR, L";");
+        dialog.Enter(IDC_ITEM_NUMBER, L"2");
+        dialog.Enter(IDC_KEEP_TOP, L"7");
+        dialog.Enter(IDC_LINE_OFFSET, L"9");
+        for (const int box : {IDC_SKIP_SPACES, IDC_REVERSE, IDC_REMOVE_BLANK_LINES, IDC_LANGUAGE_ORDER})
+            dialog.Check(box, true);
+        EXPECT_FALSE(dialog.IsEnabled(IDC_SORT_IGNORE_CASE));
+        dialog.Check(IDC_NATURAL_NUMBERS, true);
+        dialog.Check(IDC_LANGUAGE_ORDER, false);
+        dialog.Check(IDC_SORT_IGNORE_CASE, true);
+        dialog.PressAndClose(IDOK);
+    });
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->options, Option::SaveAs | Option::AsNumber | Option::Item | Option::SkipLeadingSpaces |
+                                   Option::Reverse | Option::RemoveBlankLines | Option::NaturalNumbers |
+                                   Option::IgnoreCase);
+    EXPECT_EQ(result->saveAsName, L"*_sorted.*");
+    EXPECT_EQ(result->separator, L';');
+    EXPECT_EQ(result->itemNumber, 2u);
+    EXPECT_EQ(result->keepTop, 7u);
+    EXPECT_EQ(result->lineOffset, 8u);
+}
+
+TEST(SortLinesDlg, TheMenuOfDatesFillsTheFormat) {
+    const auto result = Show({}, [](DialogDriver& driver, DrivenDialog& dialog) {
+        dialog.Select(IDC_SORT_METHOD, 2);
+        dialog.Press(IDC_KEY_SUBSTRING);
+        EXPECT_FALSE(dialog.IsEnabled(IDOK));
+        dialog.PressLater(IDC_DATE_MENU);
+        const HWND menu = driver.WaitForMenu();
+        const auto handle = reinterpret_cast<HMENU>(SendMessageW(menu, MN_GETHMENU, 0, 0));
+        EXPECT_EQ(GetMenuItemCount(handle), 8);
+        wchar_t entry[100] = {};
+        GetMenuStringW(handle, 1, entry, 100, MF_BYPOSITION);
+        EXPECT_STREQ(entry, L"%Y-%m-%d %H:%M:%S\t2014-11-21 13:44:48");
+        for (const WPARAM key : {VK_DOWN, VK_DOWN, VK_RETURN}) PostMessageW(menu, WM_KEYDOWN, key, 1);
+        QVTest::WaitUntil([&] { return !dialog.Text(IDC_DATE_FORMAT).empty(); });
+        EXPECT_EQ(dialog.Text(IDC_DATE_FORMAT), L"%Y-%m-%d %H:%M:%S");
+        dialog.PressAndClose(IDOK);
+    });
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->dateFormat, L"%Y-%m-%d %H:%M:%S");
+}
+
+TEST(SortLinesDlg, TabReachesEveryUsableFieldOnce) {
+    SortRequest first;
+    first.options = Option::Item | Option::AsDate | Option::SaveAs;
+    first.separator = L';';
+    first.itemNumber = 1;
+    first.dateFormat = L"%Y";
+    Show(first, [](DialogDriver&, DrivenDialog& dialog) {
+        const std::vector<int> order = {IDC_TARGET,
+                                        IDC_FILE_NAME,
+                                        IDC_KEEP_TOP,
+                                        IDC_KEEP_BOTTOM,
+                                        IDC_LINE_OFFSET,
+                                        IDC_SKIP_SPACES,
+                                        IDC_KEY_ITEM,
+                                        IDC_ITEM_SEPARATOR,
+                                        IDC_ITEM_NUMBER,
+                                        IDC_SORT_METHOD,
+                                        IDC_DATE_FORMAT,
+                                        IDC_DATE_MENU,
+                                        IDC_LANGUAGE_ORDER,
+                                        IDC_SORT_IGNORE_CASE,
+                                        IDC_REVERSE,
+                                        IDC_REMOVE_BLANK_LINES,
+                                        IDOK,
+                                        IDCANCEL,
+                                        IDC_FILES};
+        std::vector<int> reached;
+        for (size_t step = 0; step < order.size(); ++step) {
+            const int before = dialog.Focus();
+            reached.push_back(before);
+            dialog.Key(VK_TAB);
+            ASSERT_TRUE(QVTest::WaitUntil([&] { return dialog.Focus() != before; })) << before;
+        }
+        EXPECT_EQ(reached, order);
+        EXPECT_EQ(dialog.Focus(), IDC_TARGET);
+        dialog.PressAndClose(IDCANCEL);
+    });
+}
+
+TEST(SortLinesDlg, NumbersRefuseWhatIsNone) {
+    Show({}, [](DialogDriver&, DrivenDialog& dialog) {
+        SendMessageW(dialog.Control(IDC_KEEP_TOP), EM_SETSEL, 0, -1);
+        for (const wchar_t unit : std::wstring(L"1x2")) SendMessageW(dialog.Control(IDC_KEEP_TOP), WM_CHAR, unit, 1);
+        EXPECT_EQ(dialog.Text(IDC_KEEP_TOP), L"12");
+        dialog.Enter(IDC_KEEP_TOP, L"1x");  // as pasted
+        EXPECT_EQ(dialog.Text(IDC_REASON), L"Start Line is a number from 0 to 4294967295.");
+        EXPECT_FALSE(dialog.IsEnabled(IDOK));
+        dialog.PressAndClose(IDCANCEL);
+    });
+}
+
+}  // namespace
