@@ -15,14 +15,59 @@ namespace {
 constexpr std::wstring_view kValueOptions[] = {L"--library", L"--config",     L"--language", L"--log",
                                                L"--answer",  L"--files-from", L"--pipe",     L"--extension"};
 
-/// The command line in two: what the option parser sees, and the operands, which it never gets to interpret.
+/// The options of `rename` that take a value. Their values never meet the option parser: an empty one, and one that
+/// looks like an option or a list, are names and templates like any other.
+struct RenameValueOption {
+    const wchar_t* name;
+    std::optional<std::wstring> RenameOptions::*single;  // the last one counts
+    std::vector<std::wstring> RenameOptions::*list;      // or: all, in order
+    const char* typeName;
+    const char* description;
+};
+constexpr RenameValueOption kRenameValueOptions[] = {
+    {L"--name", &RenameOptions::nameTemplate, nullptr, "TEMPLATE",
+     "The new names: [N] name, [C] counter, [F] folder..."},
+    {L"--extension", &RenameOptions::extensionTemplate, nullptr, "TEMPLATE", "The new extensions: [E] extension..."},
+    {L"--counter", &RenameOptions::counter, nullptr, "START,STEP,DIGITS", "How [C] counts (1,1,2)"},
+    {L"--case", &RenameOptions::caseName, nullptr, "CASE",
+     "lower, upper, name-lower, name-upper, extension-lower, extension-upper, words or sentence"},
+    {L"--find", nullptr, &RenameOptions::find, "TEXT", "Found in the new names; with its --replace, repeatable"},
+    {L"--replace", nullptr, &RenameOptions::replace, "TEXT", "What takes its place"},
+    {L"--scope", &RenameOptions::scope, nullptr, "SCOPE", "Where to find: both, name or extension"},
+    {L"--profile", &RenameOptions::profile, nullptr, "NAME", "Begins with a saved rule"},
+    {L"--save-profile", &RenameOptions::saveProfile, nullptr, "NAME", "Saves the rule"},
+    {L"--time", &RenameOptions::time, nullptr, "YYYY-MM-DDThh:mm:ss", "What date and time tags give (now)"},
+};
+
+/// The command line in parts: what the option parser sees, and the rest, which it never gets to interpret.
 struct SplitArguments {
     std::vector<std::string> options;
+    RenameOptions rename;
+    bool hasRenameValues = false;
     std::vector<std::wstring> operands;
 };
 
+/// Takes the word at `at`, and its value behind it or behind its "=", when it is such an option.
+bool TakeRenameValue(const std::vector<std::wstring>& arguments, size_t& at, SplitArguments& split) {
+    const std::wstring& word = arguments[at];
+    const size_t equals = word.find(L'=');
+    const auto option =
+        std::ranges::find(kRenameValueOptions, std::wstring_view(word).substr(0, equals), &RenameValueOption::name);
+    if (option == std::end(kRenameValueOptions)) return false;
+    if (equals == std::wstring::npos && at + 1 == arguments.size()) throw UsageError(word + L" needs a value");
+    std::wstring value = equals == std::wstring::npos ? arguments[++at] : word.substr(equals + 1);
+    if (option->single)
+        split.rename.*option->single = std::move(value);
+    else
+        (split.rename.*option->list).push_back(std::move(value));
+    split.hasRenameValues = true;
+    return true;
+}
+
 SplitArguments Split(const std::vector<std::wstring>& arguments) {
     SplitArguments split;
+    // The elevated server has an --extension of its own.
+    const bool isRename = std::ranges::find(arguments, L"rename") != arguments.end();
     bool hasAction = false;
     bool onlyOperands = false;
     for (size_t at = 0; at < arguments.size(); ++at) {
@@ -30,6 +75,8 @@ SplitArguments Split(const std::vector<std::wstring>& arguments) {
         const bool isOption = !onlyOperands && word.size() > 1 && word.front() == L'-';
         if (isOption && word == L"--") {
             onlyOperands = true;
+        } else if (isOption && isRename && TakeRenameValue(arguments, at, split)) {
+            continue;
         } else if (isOption && std::ranges::find(kValueOptions, word) != std::end(kValueOptions)) {
             if (at + 1 == arguments.size()) throw UsageError(word + L" needs a value");
             split.options.push_back(ToUtf8(word + L"=" + arguments[++at]));
@@ -84,6 +131,17 @@ void AddOptions(CLI::App& app, RawOptions& raw, HostOptions& options) {
     app.add_flag("--column-e", options.usesColumnE, "The same for column E");
 }
 
+void AddRename(CLI::App& app, RenameOptions& rename) {
+    // For the help alone: these never get here.
+    for (const RenameValueOption& option : kRenameValueOptions)
+        app.add_option(ToUtf8(option.name), option.description)->type_name(option.typeName);
+    app.add_flag("--regex", rename.isRegex, "The find texts are regular expressions");
+    app.add_flag("--replace-all", rename.replacesAll, "Replaces every occurrence, not the first one alone");
+    app.add_flag("--case-sensitive", rename.isCaseSensitive, "Finds in exactly this case");
+    app.add_flag("--preview", rename.isPreview, "Renames nothing, shows what would be done");
+    app.add_flag("--no-undo", rename.noUndo, "Records nothing for undo");
+}
+
 void AddActions(CLI::App& app, RawOptions& raw, HostOptions& options) {
     const auto add = [&](const char* name, const char* description, Action action) {
         CLI::App* const sub = app.add_subcommand(name, description);
@@ -96,6 +154,8 @@ void AddActions(CLI::App& app, RawOptions& raw, HostOptions& options) {
     add("commands", "Shows the custom commands and their parameters", Action::Commands);
     add("call", "NAME [KEY=VALUE | SWITCH]...: runs a custom command", Action::Call);
     add("command", "ID PATH...: runs a menu command on the selection PATH...", Action::Command);
+    AddRename(*add("rename", "PATH...: renames files and folders by a rule", Action::Rename), options.rename);
+    add("undo", "[list | restore SESSION | delete SESSION]: earlier renames; SESSION may be \"last\"", Action::Undo);
     CLI::App* const server = add("elevated-server", "The second process; started by the first", Action::ElevatedServer);
     server->group("");  // not in the help: nobody starts it by hand
     server->add_option("--pipe", raw.pipe);
@@ -104,7 +164,8 @@ void AddActions(CLI::App& app, RawOptions& raw, HostOptions& options) {
 }
 
 void CheckOperands(const HostOptions& options) {
-    const bool takesOperands = options.action == Action::Call || options.action == Action::Command;
+    const bool takesOperands = options.action == Action::Call || options.action == Action::Command ||
+                               options.action == Action::Rename || options.action == Action::Undo;
     if (!takesOperands && !options.operands.empty())
         throw UsageError(L"\"" + options.operands.front() + L"\" is one word too many");
     if (options.action == Action::Call && options.operands.empty())
@@ -134,6 +195,15 @@ HostOptions ParseCommandLine(const std::vector<std::wstring>& arguments) {
         throw HelpText{help.str()};
     } catch (const CLI::Error& error) {
         throw UsageError(Wide(error.what()));
+    }
+    if (split.hasRenameValues && options.action != Action::Rename)
+        throw UsageError(L"there are options here that go with rename alone");
+    // The parser has filled in the switches, the split the values.
+    for (const RenameValueOption& option : kRenameValueOptions) {
+        if (option.single)
+            options.rename.*option.single = std::move(split.rename.*option.single);
+        else
+            options.rename.*option.list = std::move(split.rename.*option.list);
     }
     options.operands = std::move(split.operands);
     options.library = Wide(raw.library);

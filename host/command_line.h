@@ -8,7 +8,26 @@
 
 namespace QVHost {
 
-enum class Action { Extensions, Menus, Commands, Call, Command, ElevatedServer };
+enum class Action { Extensions, Menus, Commands, Call, Command, Rename, Undo, ElevatedServer };
+
+/// What `rename` is given, as texts: what they mean is the command's to say. Nothing for what is not given.
+struct RenameOptions {
+    std::optional<std::wstring> nameTemplate;
+    std::optional<std::wstring> extensionTemplate;
+    std::optional<std::wstring> counter;
+    std::optional<std::wstring> caseName;
+    std::vector<std::wstring> find;
+    std::vector<std::wstring> replace;
+    std::optional<std::wstring> scope;
+    std::optional<std::wstring> profile;
+    std::optional<std::wstring> saveProfile;
+    std::optional<std::wstring> time;
+    bool isRegex = false;
+    bool replacesAll = false;
+    bool isCaseSensitive = false;
+    bool isPreview = false;
+    bool noUndo = false;
+};
 
 struct HostOptions {
     Action action = Action::Extensions;
@@ -25,6 +44,7 @@ struct HostOptions {
     bool isElevated = false;
     bool usesColumnD = false;
     bool usesColumnE = false;
+    RenameOptions rename;
     std::wstring pipe;  // these two: of an elevated second process only
     uint32_t extension = 0;
 };

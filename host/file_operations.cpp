@@ -1,8 +1,10 @@
 #include "host/file_operations.h"
 
 #include <algorithm>
+#include <span>
 
 #include "host/boundary.h"
+#include "host/property_texts.h"
 #include "host/text.h"
 #include "host/unix_paths.h"
 #include "win32/files.h"
@@ -54,7 +56,7 @@ uint32_t FileOperations::CommitRenameBatch(Quorvane::SDK::IRenameBatch* batch, u
         std::vector<RenameRow> rows;
         rows.reserve(taken.size());
         for (const RenameBatch::Row& row : taken) rows.push_back({row.item->Path(), row.newName, 0, {}});
-        RenameRows(rows);
+        QVHost::RenameRows(rows);
         uint32_t firstError = ERROR_SUCCESS;
         for (size_t at = 0; at < rows.size(); ++at) {
             taken[at].item->SetPath(rows[at].now);
@@ -62,6 +64,34 @@ uint32_t FileOperations::CommitRenameBatch(Quorvane::SDK::IRenameBatch* batch, u
             if (firstError == ERROR_SUCCESS) firstError = error;
         }
         return firstError;
+    });
+}
+
+uint32_t FileOperations::RenameRows(const Quorvane::SDK::RenameRowInfo* rows, uint32_t count,
+                                    Quorvane::SDK::IRenameResultCallback* callback) {
+    uint32_t begun = 0;
+    GuardedCall([&] {
+        if (!rows || !callback) return;
+        for (const Quorvane::SDK::RenameRowInfo& row : std::span(rows, count)) {
+            if (!callback->OnRenameStarting(row.row)) return;
+            ++begun;
+            const uint32_t error = Guarded<uint32_t>(ERROR_OUTOFMEMORY, [&]() -> uint32_t {
+                return row.path && row.newName ? RenameOne(row.path, row.newName, TextOrEmpty(row.asideName))
+                                               : ERROR_INVALID_PARAMETER;
+            });
+            if (!callback->OnRenameResult(row.row, error)) return;
+        }
+    });
+    return begun;
+}
+
+bool FileOperations::GetPropertyText(const wchar_t* path, const wchar_t* name, const wchar_t* format, wchar_t* buffer,
+                                     uint32_t capacity) {
+    return Guarded(false, [&] {
+        if (!path || !name) return false;
+        const std::optional<std::wstring> text = PropertyText(path, name, TextOrEmpty(format));
+        if (text) CopyText(*text, buffer, capacity);
+        return text.has_value();
     });
 }
 

@@ -46,6 +46,11 @@ public:
     void EndRenameBatch(Quorvane::SDK::IRenameBatch* batch) override;
     /// Reports each row on standard error and gives the first error.
     uint32_t CommitRenameBatch(Quorvane::SDK::IRenameBatch* batch, uint32_t zero) override;
+    /// Says nothing by itself: the callback hears of each row.
+    uint32_t RenameRows(const Quorvane::SDK::RenameRowInfo* rows, uint32_t count,
+                        Quorvane::SDK::IRenameResultCallback* callback) override;
+    bool GetPropertyText(const wchar_t* path, const wchar_t* name, const wchar_t* format, wchar_t* buffer,
+                         uint32_t capacity) override;
 
 private:
     uint32_t Report(const RenameRow& row);

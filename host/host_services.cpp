@@ -5,6 +5,7 @@
 
 #include "host/boundary.h"
 #include "host/text.h"
+#include "host/whole_file.h"
 
 namespace QVHost {
 namespace {
@@ -104,7 +105,8 @@ ICustomCommandRegistry* HostServices::GetCustomCommandRegistry(const char* modul
 }
 
 IXmlService* HostServices::GetXmlService(const wchar_t*, uint32_t) {
-    return nullptr;
+    return Guarded<IXmlService*>(
+        nullptr, [&] { return m_state.xmlServices.Keep(std::make_shared<XmlService>(m_state.xmlServices, m_state.output)); });
 }
 
 ISettings* HostServices::GetSettings() {
@@ -112,6 +114,8 @@ ISettings* HostServices::GetSettings() {
 }
 
 uint32_t HostServices::GetConfigurationFolder(wchar_t* buffer, uint32_t capacity) {
+    // Whoever asks means to keep something there. Where the folder cannot be made, that is what will fail and say so.
+    GuardedCall([&] { MakeFolders(m_state.configurationFolder.substr(0, m_state.configurationFolder.size() - 1)); });
     return CopyText(m_state.configurationFolder, buffer, capacity);
 }
 

@@ -21,7 +21,7 @@ public:
     Quorvane::SDK::ICommandFactory* GetCommandFactory() override;
     Quorvane::SDK::IMenuBuilder* GetMenuBuilder() override;
     Quorvane::SDK::ICustomCommandRegistry* GetCustomCommandRegistry(const char* moduleName) override;
-    /// Null for now: the documents come with the profiles that need them.
+    /// A new service for each call; ended by its Release on the same thread. Path and mode say nothing to this host.
     Quorvane::SDK::IXmlService* GetXmlService(const wchar_t* path, uint32_t mode) override;
     Quorvane::SDK::ISettings* GetSettings() override;
     uint32_t GetConfigurationFolder(wchar_t* buffer, uint32_t capacity) override;

@@ -21,6 +21,7 @@
 #include "host/progress.h"
 #include "host/questions.h"
 #include "host/settings_file.h"
+#include "host/xml_service.h"
 
 namespace QVHost {
 
@@ -45,6 +46,7 @@ struct HostState {
     FileObjects files = {};                                    // above everything that holds items
     Shelf<ChoiceList> choiceLists = {};
     Shelf<Progress> progressDisplays = {};
+    Shelf<XmlService> xmlServices = {};
     std::vector<std::shared_ptr<FileItem>> selection = {};
     uint32_t failedCount = 0;  // files marked as failed, renames refused
 };

@@ -5,6 +5,7 @@
 
 #include "host/text.h"
 #include "win32/files.h"
+#include "win32/folder.h"
 #include "win32/path.h"
 #include "win32/windows.h"
 
@@ -24,6 +25,14 @@ std::wstring FreePathBeside(const std::wstring& path) {
         std::wstring candidate = stem + L"-" + std::to_wstring(number) + L".tmp";
         if (!Win32::Exists(candidate)) return candidate;
     }
+}
+
+/// True when the folder shows the item in exactly this spelling.
+bool IsSpelled(const std::wstring& path) {
+    std::vector<std::wstring> names;
+    const std::wstring name(Win32::FileNameOf(path));
+    return Win32::ListFolder(std::wstring(Win32::FolderOf(path)), name, names) == ERROR_SUCCESS &&
+           std::ranges::find(names, name) != names.end();
 }
 
 class Renames {
@@ -85,6 +94,25 @@ bool IsFileName(const std::wstring& name) {
     if (name.back() == L' ' || name.back() == L'.') return false;  // the system would silently drop these
     return std::ranges::none_of(
         name, [&](wchar_t unit) { return unit < L' ' || kForbidden.find(unit) != std::wstring_view::npos; });
+}
+
+uint32_t RenameOne(const std::wstring& path, const std::wstring& newName, const std::wstring& asideName) {
+    if (!IsFileName(newName)) return ERROR_INVALID_NAME;
+    const std::wstring folder(Win32::FolderOf(path));
+    const std::wstring target = folder + newName;
+    uint32_t error = Win32::MoveFileTo(path, target);
+    if (error != ERROR_SUCCESS || !EqualIgnoringCase(path, target) || IsSpelled(target)) return error;
+    // The system said yes and did nothing.
+    std::wstring aside = asideName.empty() ? FreePathBeside(path) : folder + asideName;
+    error = Win32::MoveFileTo(path, aside);
+    if (error == ERROR_ALREADY_EXISTS) {
+        aside = FreePathBeside(path);
+        error = Win32::MoveFileTo(path, aside);
+    }
+    if (error != ERROR_SUCCESS) return error;
+    error = Win32::MoveFileTo(aside, target);
+    if (error != ERROR_SUCCESS) Win32::MoveFileTo(aside, path);
+    return error;
 }
 
 void RenameRows(std::vector<RenameRow>& rows) {

@@ -22,6 +22,11 @@ struct RenameRow {
 /// because not every system does it in one step. A name in use is refused with 183, one that is no file name with 123.
 void RenameRows(std::vector<RenameRow>& rows);
 
+/// Renames one file or folder within its own folder, never onto a name in use. Where the system takes a change of case
+/// alone for no change, it goes through `asideName` ("": a name of the host's). Windows error code, 0 for success;
+/// after a failure the item has its old name.
+uint32_t RenameOne(const std::wstring& path, const std::wstring& newName, const std::wstring& asideName);
+
 /// False for "", ".", "..", and what holds a separator, a wildcard or another character that no name may have.
 bool IsFileName(const std::wstring& name);
 

@@ -5,9 +5,11 @@
 #include "host/host_error.h"
 #include "host/listings.h"
 #include "host/nearest_name.h"
+#include "host/rename_command.h"
 #include "host/selection.h"
 #include "host/session.h"
 #include "host/text.h"
+#include "host/undo_command.h"
 #include "win32/files.h"
 
 namespace QVHost {
@@ -82,8 +84,10 @@ int RunElevatedServer(Session& session, const HostOptions& options) {
 }
 
 int Run(const HostOptions& options, HostEnvironment& environment, Output& output) {
-    if (options.action != Action::Command && options.filesFrom)
-        throw UsageError(L"--files-from goes with command alone");
+    if (options.action != Action::Command && options.action != Action::Rename && options.filesFrom)
+        throw UsageError(L"--files-from goes with command and rename alone");
+    if (options.action == Action::Rename) return RunRename(options, environment, output);
+    if (options.action == Action::Undo) return RunUndo(options, environment, output);
     Session session(options, environment, output);
     if (options.action == Action::Extensions) {
         PrintExtensions(output, session.Library().Extensions());

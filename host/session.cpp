@@ -68,20 +68,24 @@ const std::wstring& Existing(const std::wstring& file, bool mustExist) {
 
 }  // namespace
 
+HostState MakeHostState(const HostOptions& options, const HostEnvironment& environment, Output& output) {
+    return {.output = output,
+            .log = {output, options.log.empty() ? L"" : FullUserPath(options.log), options.isQuiet},
+            .texts = {},
+            .settings = {output, ConfigurationFolder(options) + kSettingsName},
+            .questions = {output, MakeAnswers(options, environment, output)},
+            .progressWatch = MakeProgressWatch(options, environment),
+            .elevatedLaunch = MakeElevatedLaunch(options, environment),
+            .configurationFolder = ConfigurationFolder(options),
+            .mainWindow = options.asksInWindows ? MakeMainWindow() : UniqueWindow(),
+            .isElevated = options.isElevated || options.action == Action::ElevatedServer,
+            .canElevate = options.canElevate,
+            .usesColumnD = options.usesColumnD,
+            .usesColumnE = options.usesColumnE};
+}
+
 Session::Session(const HostOptions& options, HostEnvironment& environment, Output& output)
-    : m_state{.output = output,
-              .log = {output, options.log.empty() ? L"" : FullUserPath(options.log), options.isQuiet},
-              .texts = {},
-              .settings = {output, ConfigurationFolder(options) + kSettingsName},
-              .questions = {output, MakeAnswers(options, environment, output)},
-              .progressWatch = MakeProgressWatch(options, environment),
-              .elevatedLaunch = MakeElevatedLaunch(options, environment),
-              .configurationFolder = ConfigurationFolder(options),
-              .mainWindow = options.asksInWindows ? MakeMainWindow() : UniqueWindow(),
-              .isElevated = options.isElevated || options.action == Action::ElevatedServer,
-              .canElevate = options.canElevate,
-              .usesColumnD = options.usesColumnD,
-              .usesColumnE = options.usesColumnE},
+    : m_state(MakeHostState(options, environment, output)),
       m_library(Existing(GivenOrBeside(options.library, environment.program, kLibraryName), !options.library.empty())) {
     ReadLanguage(GivenOrBeside(options.language, environment.program, kLanguageName), !options.language.empty());
 }

@@ -12,6 +12,10 @@
 
 namespace QVHost {
 
+/// What the host has, without a library in it.
+/// @throws HostError when the log file cannot be opened
+HostState MakeHostState(const HostOptions& options, const HostEnvironment& environment, Output& output);
+
 class Session {
 public:
     /// Loads the library and reads the language file; no extension is made yet.

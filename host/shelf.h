@@ -34,6 +34,13 @@ public:
         m_objects.erase(entry);
     }
 
+    /// Ends all objects.
+    void Clear() {
+        std::unordered_map<const void*, std::shared_ptr<Object>> last;
+        const std::lock_guard lock(m_mutex);
+        last.swap(m_objects);
+    }
+
 private:
     std::mutex m_mutex;
     std::unordered_map<const void*, std::shared_ptr<Object>> m_objects;

@@ -25,6 +25,32 @@ protected:
     ~IRenameBatch() = default;
 };
 
+/// One rename that is handed to the host. How the record looks is this library's choice.
+struct RenameRowInfo {
+    uint32_t row;              // the number by which the callback hears of it
+    uint32_t reserved;         // 0
+    const wchar_t* path;       // of the file or folder now
+    const wchar_t* newName;    // within its folder
+    const wchar_t* asideName;  // a name in the same folder to go through where the system needs one; null: the host's
+};
+
+/// Result codes that are no Windows error of a rename.
+namespace RenameResult {
+inline constexpr uint32_t Renamed = 0;
+inline constexpr uint32_t Ignored = 10;
+}  // namespace RenameResult
+
+/// Hears of every row of a rename. Its slots are this library's choice. Called on the thread that asked for the
+/// renames; false from either operation lets no further row begin.
+class IRenameResultCallback {
+public:
+    virtual bool OnRenameStarting(uint32_t row) = 0;               // slot 0: false: not this row either
+    virtual bool OnRenameResult(uint32_t row, uint32_t code) = 0;  // slot 1: RenameResult, else a Windows error code
+
+protected:
+    ~IRenameResultCallback() = default;
+};
+
 /// Service 3000. The host reports renames that the system refuses; the library does not repeat it.
 class IFileOperations {
 public:
@@ -96,6 +122,13 @@ public:
     virtual IRenameBatch* CreateRenameBatch() = 0;                               // slot 64
     virtual void EndRenameBatch(IRenameBatch* batch) = 0;                        // slot 65
     virtual uint32_t CommitRenameBatch(IRenameBatch* batch, uint32_t zero) = 0;  // slot 66: a Windows error code
+    /// slot 67: this library's choice. Renames one row after the other, in this order, and never onto a name in use;
+    /// gives the number of rows begun.
+    virtual uint32_t RenameRows(const RenameRowInfo* rows, uint32_t count, IRenameResultCallback* callback) = 0;
+    /// slot 68: this library's choice. The text of a property of the file or folder at `path`, copied as from
+    /// IFileItem; `format` may be "". False when the host knows no such property.
+    virtual bool GetPropertyText(const wchar_t* path, const wchar_t* name, const wchar_t* format, wchar_t* buffer,
+                                 uint32_t capacity) = 0;
 
 protected:
     ~IFileOperations() = default;

@@ -26,7 +26,8 @@ TEST(Registration, MenusHoldTheCommandsInTheirOrder) {
                                                "30103", "30110", "30200", "30201", "30150", "30151", "30210",
                                                "30211", "30300", "30310", "30311", "30350", "31000"};
     EXPECT_EQ(AllMatches(menus, R"(\n +(3\d{4})  )"), expected) << menus;
-    EXPECT_EQ(AllMatches(menus, R"((0x[0-9A-F]+\+\w))"), (std::vector<std::string>{"0x0049+J", "0x004D+J", "0x0049+K"}));
+    EXPECT_EQ(AllMatches(menus, R"((0x[0-9A-F]+\+\w))"),
+              (std::vector<std::string>{"0x0049+J", "0x004D+J", "0x0049+K"}));
 }
 
 TEST(Registration, CustomCommandsHaveTheirParametersInOrder) {

@@ -110,6 +110,10 @@ TEST(Slots, OfFilesAndServices) {
     EXPECT_SLOT(IFileOperations, CreateRenameBatch, 64);
     EXPECT_SLOT(IFileOperations, EndRenameBatch, 65);
     EXPECT_SLOT(IFileOperations, CommitRenameBatch, 66);
+    EXPECT_SLOT(IFileOperations, RenameRows, 67);
+    EXPECT_SLOT(IFileOperations, GetPropertyText, 68);
+    EXPECT_SLOT(IRenameResultCallback, OnRenameStarting, 0);
+    EXPECT_SLOT(IRenameResultCallback, OnRenameResult, 1);
     EXPECT_SLOT(IRenameBatch, AddRename, 1);
     EXPECT_SLOT(IFolderRefresh, RefreshFolder, 0);
     EXPECT_SLOT(IElevatedChannel, Connect, 0);

@@ -1,0 +1,74 @@
+#include "host/rename_host.h"
+
+#include "batchrename/qv_batch_rename.h"
+#include "host/session.h"
+#include "host/text.h"
+#include "win32/path.h"
+
+namespace QVHost {
+namespace {
+
+using namespace BatchRename;
+
+constexpr uint32_t kPropertyCapacity = 4096;  // units; no name takes more
+
+/// The services are made for an extension; these commands stand in for Batch Rename.
+Quorvane::SDK::ExtensionInfo BatchRenameRecord() {
+    Quorvane::SDK::ExtensionInfo record = {};
+    std::string_view(kExtensionId).copy(record.ExtensionId, std::size(record.ExtensionId));
+    std::wstring_view(L"QVBatchRename").copy(record.ShortName, std::size(record.ShortName) - 1);
+    return record;
+}
+
+std::wstring_view VerdictOf(const RowOutcome& outcome, const wchar_t* word) {
+    if (outcome.code == Quorvane::SDK::RenameResult::Renamed) return word;
+    return outcome.code == Quorvane::SDK::RenameResult::Ignored ? L"ignored" : L"failed";
+}
+
+/// A name may hold no tab, but a new one that is refused for it must not break the columns.
+std::wstring Cell(std::wstring_view text) {
+    std::wstring cell = OnOneLine(text);
+    for (wchar_t& unit : cell)
+        if (unit == L'\t') unit = L' ';
+    return cell;
+}
+
+}  // namespace
+
+RenameHost::RenameHost(const HostOptions& options, HostEnvironment& environment, Output& output)
+    : m_state(MakeHostState(options, environment, output)),
+      m_services(m_state, 0, BatchRenameRecord()),
+      m_files(m_services, Quorvane::SDK::ServiceNumber::FileOperations),
+      m_isStopped(environment.progressWatch.isCancelled) {
+    m_journal.SetFolder(Win32::JoinPath(m_state.configurationFolder, L"Undo"));
+}
+
+RunSurroundings RenameHost::Surroundings(bool isRecorded) {
+    return {*m_files.Get(), ListFolderOnDisk, isRecorded ? &m_journal : nullptr, m_isStopped};
+}
+
+bool RenameHost::GetProperty(const BatchRenameItem& row, const std::wstring& name, const std::wstring& format,
+                             std::wstring& value) {
+    wchar_t buffer[kPropertyCapacity] = {};
+    const std::wstring path = Win32::JoinPath(row.location, row.currentName);
+    const bool isKnown =
+        m_files->GetPropertyText(path.c_str(), name.c_str(), format.c_str(), buffer, kPropertyCapacity);
+    value = buffer;
+    return isKnown;
+}
+
+bool RenameHost::PrintOutcomes(const RenameItems& rows, const std::vector<RowOutcome>& outcomes, const wchar_t* word) {
+    bool isDone = true;
+    for (size_t row = 0; row < rows.size(); ++row) {
+        const RowOutcome& outcome = outcomes[row];
+        const std::wstring_view verdict = VerdictOf(outcome, word);
+        std::wstring line = Cell(rows[row]->currentName) + L'\t' + Cell(rows[row]->newName) + L'\t';
+        line += verdict;
+        if (!outcome.reason.empty()) line += L": " + Cell(outcome.reason);
+        m_state.output.Line(line);
+        isDone = isDone && verdict != L"failed";
+    }
+    return isDone;
+}
+
+}  // namespace QVHost

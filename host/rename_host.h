@@ -1,0 +1,43 @@
+// rename_host.h - what the rename commands need of the host: its services without a library in it, and the printing of
+// rows.
+#pragma once
+
+#include <vector>
+
+#include "batchrename/rename_rule.h"
+#include "batchrename/rename_run.h"
+#include "host/command_line.h"
+#include "host/host_services.h"
+#include "host/run.h"
+#include "sdk/owners.h"
+
+namespace QVHost {
+
+class RenameHost final : public BatchRename::IPropertySource {
+public:
+    RenameHost(const HostOptions& options, HostEnvironment& environment, Output& output);
+
+    HostState& State() { return m_state; }
+    HostServices& Services() { return m_services; }
+    /// The sessions of this host.
+    BatchRename::UndoStore& Journal() { return m_journal; }
+    /// `isRecorded`: with the undo journal.
+    BatchRename::RunSurroundings Surroundings(bool isRecorded);
+
+    bool GetProperty(const BatchRename::BatchRenameItem& row, const std::wstring& name, const std::wstring& format,
+                     std::wstring& value) override;
+
+    /// One line a row: old name, new name, `word` (for rows with the code 0) or "ignored" or "failed", and the reason.
+    /// True when no row failed.
+    bool PrintOutcomes(const BatchRename::RenameItems& rows, const std::vector<BatchRename::RowOutcome>& outcomes,
+                       const wchar_t* word);
+
+private:
+    HostState m_state;
+    HostServices m_services;
+    Quorvane::SDK::AcquiredService<Quorvane::SDK::IFileOperations> m_files;
+    BatchRename::UndoStore m_journal;
+    const std::atomic<bool>* m_isStopped;
+};
+
+}  // namespace QVHost

@@ -1,0 +1,65 @@
+// rename_run.h - carries out a plan: hands its steps to the host, keeps the undo session true, and says for each row
+// what became of it. The order of the steps is the planner's; the renames themselves are the host's.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "batchrename/rename_item.h"
+#include "batchrename/rename_plan.h"
+#include "batchrename/restore_rows.h"
+#include "batchrename/undo_store.h"
+#include "sdk/services.h"
+
+namespace BatchRename {
+
+/// Counts the rows of a run, one result each. May be read from any thread while the run is going on.
+class CRenameResultCallback final : public Quorvane::SDK::IRenameResultCallback {
+public:
+    bool OnRenameStarting(uint32_t) override { return true; }
+    bool OnRenameResult(uint32_t row, uint32_t code) override;
+
+    uint32_t DoneCount() const { return m_doneCount; }  // renamed, or restored in a restore run
+    uint32_t IgnoredCount() const { return m_ignoredCount; }
+    uint32_t FailedCount() const { return m_failedCount; }
+
+private:
+    std::atomic<uint32_t> m_doneCount = 0;
+    std::atomic<uint32_t> m_ignoredCount = 0;
+    std::atomic<uint32_t> m_failedCount = 0;
+};
+
+/// What became of a row.
+struct RowOutcome {
+    uint32_t code = 0;    // RenameResult, else a Windows error code
+    std::wstring reason;  // in words; "" for a row that was renamed
+    std::wstring name;    // under which the item is now
+};
+
+struct RunSurroundings {
+    Quorvane::SDK::IFileOperations& host;
+    ListFolder list;
+    UndoStore* journal = nullptr;                  // null: the run is not recorded
+    const std::atomic<bool>* isStopped = nullptr;  // looked at between rows, never inside a ring
+};
+
+/// Lists a folder of this machine.
+FolderNames ListFolderOnDisk(const std::wstring& folder);
+
+/// Renames the rows. Each gets exactly one result, by its number in `rows`, through `results`, its state code, and an
+/// outcome here. `time`: of the session in the journal. Before the first rename the session with all planned rows is
+/// written; afterwards it is rewritten with those that were renamed, or deleted when none was.
+std::vector<RowOutcome> RunRenames(const RenameItems& rows, const CalendarTime& time, const RunSurroundings& around,
+                                   CRenameResultCallback& results);
+
+/// Gives the items of a session their old names back; the outcomes go by `restore.rows`. The session counts as restored
+/// when something was and nothing failed. A session that the journal knows is written anew.
+std::vector<RowOutcome> RunRestore(BatchRenameUndo& session, const RestoreRows& restore, const RunSurroundings& around,
+                                   CRenameResultCallback& results);
+
+/// "2 Renamed, 1 Ignored, 3 Failed": only what is not 0. "Restored" for a restore.
+std::wstring RunStatusText(const CRenameResultCallback& results, bool isRestore);
+
+}  // namespace BatchRename

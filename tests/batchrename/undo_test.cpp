@@ -1,0 +1,126 @@
+#include <gtest/gtest.h>
+
+#include "batchrename/undo_session.h"
+#include "batchrename/undo_store.h"
+#include "rows.h"
+#include "support/temporary_folder.h"
+#include "win32/handle.h"
+
+namespace {
+
+using namespace BatchRename;
+using namespace QVTest;
+
+constexpr CalendarTime kTime = {2016, 3, 1, 7, 14, 29, 5, 0};
+constexpr wchar_t kText[] =
+    L"[INFO]\r\nDate : 1457360945\r\nItems : 2\r\nHaveRestored : 0\r\n\r\n[FILES]\r\n"
+    L"C:\\d|old 1|new 1\r\nC:\\d|\xD83D\xDE00|b\r\n";
+
+BatchRenameUndo Sample() {
+    BatchRenameUndo session;
+    session.time = kTime;
+    session.entries = {{L"C:\\d", L"new 1", L"old 1", {}, {}}, {L"C:\\d", L"b", L"\xD83D\xDE00", {}, {}}};
+    return session;
+}
+
+TEST(UndoSession, IsWrittenLineByLineAndReadBack) {
+    EXPECT_EQ(FormatSession(Sample()), kText);
+    BatchRenameUndo session;
+    ParseSession(kText, session);
+    EXPECT_EQ(session.time, kTime);
+    EXPECT_EQ(FormatSession(session), kText);
+    EXPECT_EQ(FileNameOf(session), L"BatchRenameUndoData-2016-03-07-142905.dat");
+}
+
+TEST(UndoSession, IsReadInSpiteOfDamage) {
+    const struct {
+        const char* why;
+        std::wstring text;
+        size_t entries;
+        bool haveRestored;
+        int year;
+    } cases[] = {
+        {"nothing", L"", 0, false, 1970},
+        {"no files", L"[INFO]\nDate : 1457360945\n", 0, false, 2016},
+        {"lines end with LF", L"[INFO]\nHaveRestored : 2\n[FILES]\na|b|c\n", 1, true, 1970},
+        {"the last line has no end", L"[FILES]\r\na|b|c", 1, false, 1970},
+        {"notes and blanks", L"; x\n# y\n \t[FILES] \n\n  a|b|c\t\n", 1, false, 1970},
+        {"too few and too many fields", L"[FILES]\na|b\na|b|c|d\na|b|c\n", 1, false, 1970},
+        {"before any section", L"a|b|c\nDate : 5\n", 0, false, 1970},
+        {"no number", L"[INFO]\nDate : x\nHaveRestored : x\n", 0, false, 1970},
+        {"a date beyond all dates", L"[INFO]\nDate : 9223372036854775807\n", 0, false, 1970},
+        {"another case", L"[info]\ndate : 5\n[FILES]\na|b|c\n", 1, false, 1970},
+        {"a count that is wrong", L"[INFO]\nItems : 900\n[FILES]\na|b|c\n", 1, false, 1970},
+        {"progress of no entry", L"[FILES]\na|b|c\n# unfinished\n#> 7|x\n#> |x\n#> 99999999999|x\n#=\n", 1, false,
+         1970},
+    };
+    for (const auto& c : cases) {
+        BatchRenameUndo session;
+        ParseSession(c.text, session);
+        EXPECT_EQ(session.entries.size(), c.entries) << c.why;
+        EXPECT_EQ(session.haveRestored, c.haveRestored) << c.why;
+        EXPECT_EQ(session.time.year, c.year) << c.why;
+    }
+}
+
+TEST(UndoSession, KnowsHowFarAnUnfinishedRunCame) {
+    BatchRenameUndo session = Sample();
+    session.isUnfinished = true;
+    const std::wstring start = FormatSession(session);
+    const std::wstring text = start + FormatStep(0, L"~qvbr00000000") + FormatStep(1, L"b") + FormatFailedStep(1) +
+                              FormatStep(0, L"old 1") + L"#> 1|cut of";
+    ParseSession(text, session);
+    EXPECT_TRUE(session.isUnfinished);
+    EXPECT_EQ(session.entries[0].reached, L"~qvbr00000000");
+    EXPECT_EQ(session.entries[0].begun, L"old 1");
+    EXPECT_EQ(session.entries[1].reached, L"");
+    EXPECT_EQ(session.entries[1].begun, L"");
+}
+
+TEST(UndoSession, IsDecodedWithAndWithoutAMark) {
+    std::string bigEndian = "\xFE\xFF";
+    for (const char unit : std::string("[X]")) bigEndian += std::string(1, '\0') + unit;
+    for (const std::string& bytes :
+         {Utf16(L"[X]"), "\xFF\xFE" + Utf16(L"[X]"), bigEndian, std::string("\xEF\xBB\xBF[X]"), Utf16(L"[X]") + "y"})
+        EXPECT_EQ(DecodeSession(bytes), L"[X]");
+    EXPECT_EQ(DecodeSession(""), L"");
+}
+
+TEST(UndoStore, ListsTheNewestFirstAndDeletesWhatItCan) {
+    const TemporaryFolder folder;
+    UndoStore store;
+    store.SetFolder(folder / L"none");
+    EXPECT_TRUE(store.Sessions().empty());
+    folder.Write(L"a.dat", Utf16(kText));
+    folder.Write(L"b.dat", Utf16(L"[INFO]\nDate : 1457360946\n"));
+    folder.Write(L"damaged.dat", "\x01");
+    folder.Write(L"other.txt", "");
+    store.SetFolder(folder.Path());
+    ASSERT_EQ(store.Sessions().size(), 3u);
+    EXPECT_EQ(store.Sessions()[0]->fileName, L"b.dat");
+    EXPECT_EQ(store.Sessions()[2]->fileName, L"damaged.dat");
+    EXPECT_FALSE(store.Delete(std::make_shared<BatchRenameUndo>()));
+    EXPECT_TRUE(store.Delete(store.Sessions()[0]));
+    {
+        const Win32::FileHandle held(CreateFileW((folder / L"a.dat").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                                 OPEN_EXISTING, 0, nullptr));
+        EXPECT_FALSE(store.Delete(store.Sessions()[0]));
+    }
+    EXPECT_EQ(store.Sessions().size(), 2u);
+    EXPECT_EQ(folder.List(), (std::vector<std::wstring>{L"a.dat", L"damaged.dat", L"other.txt"}));
+}
+
+TEST(UndoStore, NeverPutsTwoSessionsIntoOneFile) {
+    const TemporaryFolder folder;
+    UndoStore store;
+    store.SetFolder(folder.Path());
+    for (int run = 0; run < 2; ++run) {
+        const auto session = std::make_shared<BatchRenameUndo>(Sample());
+        session->time.millisecond = 999;
+        EXPECT_TRUE(store.Begin(session));
+    }
+    EXPECT_EQ(folder.List(), (std::vector<std::wstring>{L"BatchRenameUndoData-2016-03-07-142905.dat",
+                                                        L"BatchRenameUndoData-2016-03-07-142906.dat"}));
+}
+
+}  // namespace

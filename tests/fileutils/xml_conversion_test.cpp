@@ -1,0 +1,51 @@
+// XML documents in their readable and compact forms, through the host's XML service.
+#include <gtest/gtest.h>
+
+#include "fileutils/command_runner.h"
+
+namespace {
+
+using QVTest::CommandRun;
+using QVTest::CommandRunner;
+using Names = std::vector<std::wstring>;
+
+constexpr char kDeclaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
+
+/// Without line breaks and what else differs between systems at the document's ends.
+std::string Trimmed(std::string text) {
+    std::erase(text, '\r');
+    while (text.ends_with('\n')) text.pop_back();
+    if (text.starts_with(std::string(kDeclaration) + "\n")) text.erase(sizeof(kDeclaration) - 1, 1);
+    return text;
+}
+
+TEST(XmlConversion, GoesFromOneFormToTheOtherAndBack) {
+    const std::string compact =
+        std::string(kDeclaration) +
+        "<a x=\"1 &lt; 2\"><b>text <i>mixed</i> </b><c> </c><d xml:space=\"preserve\"> <e/> </d><f><g/></f></a>";
+    const std::string readable = std::string(kDeclaration) +
+                                 "<a x=\"1 &lt; 2\">\n\t<b>text <i>mixed</i> </b>\n\t<c> </c>\n"
+                                 "\t<d xml:space=\"preserve\"> <e/> </d>\n\t<f>\n\t\t<g/>\n\t</f>\n</a>";
+    const CommandRunner runner;
+    const std::wstring path = runner.Folder().Write(L"a.xml", compact);
+    for (int time = 0; time < 2; ++time) {  // the second time there is nothing left to do
+        EXPECT_EQ(runner.Run({L"command", L"30200", path}).status, 0);
+        EXPECT_EQ(Trimmed(runner.Folder().Read(L"a.xml")), readable);
+    }
+    EXPECT_EQ(runner.Run({L"command", L"30201", path}).status, 0);
+    EXPECT_EQ(Trimmed(runner.Folder().Read(L"a.xml")), compact);
+}
+
+TEST(XmlConversion, LeavesABadDocumentAloneAndSaysWhere) {
+    const CommandRunner runner;
+    const std::string bad = "<a>\n  <b></a>\n";
+    const std::wstring path = runner.Folder().Write(L"bad.xml", bad);
+    const std::wstring good = runner.Folder().Write(L"good.xml", "<a> <b/> </a>");
+    const CommandRun run = runner.Run({L"command", L"30201", path, good});
+    EXPECT_EQ(runner.Folder().Read(L"bad.xml"), bad);
+    EXPECT_NE(run.log.find("[Convert XML] - Failed to load file : "), std::string::npos) << run.log;
+    EXPECT_NE(runner.Folder().Read(L"good.xml").find("<a><b/></a>"), std::string::npos);
+    EXPECT_EQ(runner.Folder().List(), (Names{L"bad.xml", L"good.xml"}));
+}
+
+}  // namespace
