@@ -1,6 +1,7 @@
 #include "host/xml_service.h"
 
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -8,10 +9,13 @@
 #include "host/text.h"
 #include "host/unix_paths.h"
 #include "win32/files.h"
+#include "win32/module.h"
 #include "win32/windows.h"
 
 #include <msxml2.h>
 #include <ole2.h>
+#include <shlwapi.h>
+#include <xmllite.h>
 
 namespace QVHost {
 namespace {
@@ -20,6 +24,7 @@ constexpr uint32_t kIndented = 1;
 
 // The compiler's headers stop short of version 6; its numbers are public.
 constexpr CLSID kDomDocument60 = {0x88D96A05, 0xF192, 0x11D4, {0xA6, 0x5F, 0x00, 0x40, 0x96, 0x32, 0x51, 0xE5}};
+constexpr IID kXmlReader = {0x7279FC81, 0x709D, 0x4095, {0xB6, 0x3D, 0x69, 0xFE, 0x4B, 0x0D, 0x90, 0x30}};
 constexpr IID kDomDocument2 = {0x2933BF95, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
 
 /// Owns one reference to a COM object.
@@ -139,8 +144,32 @@ bool KeepsBlanks(IXMLDOMNode* node) {
     return SUCCEEDED(attribute->get_text(value.Receive())) && value.View() == L"preserve";
 }
 
+/// Line and column, from 1, where the system's light reader stops; nothing when it reads the file to its end, cannot
+/// open it, or does not exist. The reader above does not tell the place on every system.
+std::optional<std::pair<UINT, UINT>> FaultPlace(const std::wstring& path) {
+    using CreateReader = HRESULT(WINAPI*)(REFIID, void**, IMalloc*);
+    const Win32::Module library = Win32::LoadSystemModule(L"xmllite.dll");  // first: it must go after the reader
+    const auto createReader = Win32::FindFunction<CreateReader>(library, "CreateXmlReader");
+    ComPtr<IXmlReader> reader;
+    ComPtr<IStream> stream;
+    if (!createReader || FAILED(createReader(kXmlReader, reinterpret_cast<void**>(reader.Receive()), nullptr)) ||
+        FAILED(SHCreateStreamOnFileEx(path.c_str(), STGM_READ | STGM_SHARE_DENY_NONE, 0, FALSE, nullptr,
+                                      stream.Receive())) ||
+        FAILED(reader->SetInput(stream.Get())))
+        return std::nullopt;
+    HRESULT result = S_OK;
+    XmlNodeType type = XmlNodeType_None;
+    while (result == S_OK) result = reader->Read(&type);
+    if (result == S_FALSE) return std::nullopt;
+    UINT line = 0;
+    UINT column = 0;
+    reader->GetLineNumber(&line);
+    reader->GetLinePosition(&column);
+    return std::pair(line, column);
+}
+
 /// Where and why a document is not well-formed; "" when that is not what is wrong.
-std::wstring FaultOf(IXMLDOMDocument2* document) {
+std::wstring FaultOf(IXMLDOMDocument2* document, const std::wstring& path) {
     ComPtr<IXMLDOMParseError> fault;
     if (FAILED(document->get_parseError(fault.Receive())) || !fault) return {};
     LONG line = 0;
@@ -149,9 +178,16 @@ std::wstring FaultOf(IXMLDOMDocument2* document) {
     fault->get_line(&line);
     fault->get_linepos(&column);
     fault->get_reason(reason.Receive());
-    if (line <= 0) return {};
-    return L"line " + std::to_wstring(line) + L", column " + std::to_wstring(column) + L": " +
-           OnOneLine(std::wstring(reason.View()));
+    std::wstring place;
+    if (line > 0) {
+        place = L"line " + std::to_wstring(line) + L", column " + std::to_wstring(column);
+    } else if (const auto found = FaultPlace(path)) {
+        place = L"line " + std::to_wstring(found->first) + L", column " + std::to_wstring(found->second);
+    } else {
+        return {};
+    }
+    const std::wstring why = OnOneLine(reason.View());
+    return why.empty() ? place : place + L": " + why;
 }
 
 }  // namespace
@@ -429,7 +465,7 @@ Quorvane::SDK::IXmlDocument* XmlService::Load(const wchar_t* path, uint32_t) {
         const Bstr source(FullUserPath(path));
         VARIANT_BOOL isLoaded = VARIANT_FALSE;
         if (document->load(TextVariant(source), &isLoaded) != S_OK || isLoaded != VARIANT_TRUE) {
-            const std::wstring fault = FaultOf(document.Get());
+            const std::wstring fault = FaultOf(document.Get(), std::wstring(source.View()));
             if (!fault.empty()) m_output.Note(L"[xml] " + std::wstring(source.View()) + L", " + fault);
             return nullptr;
         }

@@ -44,6 +44,7 @@ TEST(XmlConversion, LeavesABadDocumentAloneAndSaysWhere) {
     const CommandRun run = runner.Run({L"command", L"30201", path, good});
     EXPECT_EQ(runner.Folder().Read(L"bad.xml"), bad);
     EXPECT_NE(run.log.find("[Convert XML] - Failed to load file : "), std::string::npos) << run.log;
+    EXPECT_NE(run.notes.find("bad.xml, line 2, column "), std::string::npos) << run.notes;
     EXPECT_NE(runner.Folder().Read(L"good.xml").find("<a><b/></a>"), std::string::npos);
     EXPECT_EQ(runner.Folder().List(), (Names{L"bad.xml", L"good.xml"}));
 }
