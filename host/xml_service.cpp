@@ -8,6 +8,8 @@
 #include "host/boundary.h"
 #include "host/text.h"
 #include "host/unix_paths.h"
+#include "host/whole_file.h"
+#include "host/xml_encoding.h"
 #include "win32/files.h"
 #include "win32/module.h"
 #include "win32/windows.h"
@@ -216,14 +218,17 @@ private:
 
 class XmlDocument final : public Quorvane::SDK::IXmlDocument {
 public:
-    XmlDocument(Shelf<XmlDocument>& shelf, ComPtr<IXMLDOMDocument2> document)
-        : m_shelf(shelf), m_document(std::move(document)) {}
+    /// Without an encoding the document cannot be saved.
+    XmlDocument(Shelf<XmlDocument>& shelf, ComPtr<IXMLDOMDocument2> document, std::optional<XmlEncoding> encoding)
+        : m_shelf(shelf), m_document(std::move(document)), m_encoding(std::move(encoding)) {}
 
     Quorvane::SDK::IXmlElement* GetRoot() override;
     Quorvane::SDK::IXmlElement* CreateRoot(const wchar_t* name) override;
     void Release() override;
 
     IXMLDOMDocument2* Document() const { return m_document.Get(); }
+    /// Writes the document to a new file, in its encoding. Afterwards it may be without its declaration.
+    bool SaveAs(const std::wstring& path) const;
     /// The one object that stands for this node; null for null.
     XmlElement* ElementOf(ComPtr<IXMLDOMElement> node);
     ComPtr<IXMLDOMElement> NewElement(const wchar_t* name);
@@ -239,6 +244,7 @@ private:
 
     Shelf<XmlDocument>& m_shelf;
     ComPtr<IXMLDOMDocument2> m_document;
+    std::optional<XmlEncoding> m_encoding;
     std::map<IXMLDOMElement*, std::unique_ptr<XmlElement>> m_elements;
 };
 
@@ -425,6 +431,21 @@ void XmlDocument::IndentChildren(IXMLDOMNode* parent, const std::wstring& lineSt
     InsertBlank(parent, lineStart, nullptr);
 }
 
+bool XmlDocument::SaveAs(const std::wstring& path) const {
+    if (!m_encoding) return false;
+    const Bstr name(path);
+    if (m_encoding->codePage == XmlEncoding::kUtf8) return SUCCEEDED(m_document->save(TextVariant(name)));
+    // Not every system's writer follows a declaration of another encoding; some write UTF-8 under its name. Without a
+    // declaration all write UTF-8, which is then put into the document's own encoding.
+    ComPtr<IXMLDOMNode> declaration;
+    m_document->get_firstChild(declaration.Receive());
+    if (declaration && NameOf(declaration.Get()) == L"xml") m_document->removeChild(declaration.Get(), nullptr);
+    std::string bytes;
+    if (FAILED(m_document->save(TextVariant(name))) || ReadWholeFile(path, bytes) != ERROR_SUCCESS) return false;
+    const std::optional<std::wstring> text = FromUtf8(bytes);
+    return text && ReplaceWholeFile(path, EncodedXml(*m_encoding, *text)) == ERROR_SUCCESS;
+}
+
 void XmlDocument::Compact() {
     ComPtr<IXMLDOMElement> root;
     m_document->get_documentElement(root.Receive());
@@ -453,7 +474,7 @@ Quorvane::SDK::IXmlDocument* XmlService::CreateDocument() {
         if (SUCCEEDED(document->createProcessingInstruction(
                 Bstr(L"xml").Get(), Bstr(L"version=\"1.0\" encoding=\"UTF-8\"").Get(), declaration.Receive())))
             document->appendChild(declaration.Get(), nullptr);
-        return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document)));
+        return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document), XmlEncoding()));
     });
 }
 
@@ -469,7 +490,9 @@ Quorvane::SDK::IXmlDocument* XmlService::Load(const wchar_t* path, uint32_t) {
             if (!fault.empty()) m_output.Note(L"[xml] " + std::wstring(source.View()) + L", " + fault);
             return nullptr;
         }
-        return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document)));
+        std::string bytes;
+        if (ReadWholeFile(std::wstring(source.View()), bytes) != ERROR_SUCCESS) return nullptr;
+        return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document), EncodingOf(bytes)));
     });
 }
 
@@ -481,8 +504,7 @@ bool XmlService::Save(Quorvane::SDK::IXmlDocument* document, const wchar_t* path
         if (mode == kIndented) known->Indent();
         const std::wstring target = FullUserPath(path);
         const std::wstring beside = target + L"." + std::to_wstring(GetCurrentProcessId()) + L".new";
-        const Bstr name(beside);
-        bool isSaved = SUCCEEDED(known->Document()->save(TextVariant(name)));
+        bool isSaved = known->SaveAs(beside);
         if (isSaved && Win32::Exists(target)) Win32::CarryOverAttributesAndAccess(target, beside);
         isSaved = isSaved && Win32::MoveFileOver(beside, target) == ERROR_SUCCESS;
         if (!isSaved) Win32::RemoveFile(beside);

@@ -36,6 +36,22 @@ TEST(XmlConversion, GoesFromOneFormToTheOtherAndBack) {
     EXPECT_EQ(Trimmed(runner.Folder().Read(L"a.xml")), compact);
 }
 
+TEST(XmlConversion, KeepsDeclarationAndEncoding) {
+    const std::string declaration = "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>";
+    const CommandRunner runner;
+    const std::wstring latin = runner.Folder().Write(L"latin.xml", declaration + "<a> <b>\xE4&#8364;</b> </a>");
+    const std::wstring start = L"\uFEFF<?xml version=\"1.0\" encoding=\"UTF-16\"?>";
+    const std::wstring wide = runner.Folder().Write(L"wide.xml", QVTest::Utf16(start + L"<a> <b>\u4E2D</b> </a>"));
+    const std::string unknown = "<?xml version=\"1.0\" encoding=\"IBM037\"?><a> <b/> </a>";
+    const std::wstring other = runner.Folder().Write(L"other.xml", unknown);
+    runner.Run({L"command", L"30201", latin, wide, other}, {L"ok"});
+    EXPECT_EQ(Trimmed(runner.Folder().Read(L"latin.xml")), declaration + "\n<a><b>\xE4&#8364;</b></a>");
+    const std::string wideBytes = runner.Folder().Read(L"wide.xml");
+    EXPECT_TRUE(wideBytes.starts_with(QVTest::Utf16(start + L"\n<a><b>\u4E2D</b></a>")))
+        << testing::PrintToString(wideBytes);
+    EXPECT_EQ(runner.Folder().Read(L"other.xml"), unknown);
+}
+
 TEST(XmlConversion, LeavesABadDocumentAloneAndSaysWhere) {
     const CommandRunner runner;
     const std::string bad = "<a>\n  <b></a>\n";
