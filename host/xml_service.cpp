@@ -167,6 +167,7 @@ std::optional<std::pair<UINT, UINT>> FaultPlace(const std::wstring& path) {
     UINT column = 0;
     reader->GetLineNumber(&line);
     reader->GetLinePosition(&column);
+    if (line == 0) return std::nullopt;  // an empty file has no place
     return std::pair(line, column);
 }
 

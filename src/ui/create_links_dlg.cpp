@@ -13,7 +13,7 @@ constexpr uint32_t kJunction = 2;
 constexpr uint32_t kSymbolicLink = 3;
 constexpr uint32_t kShortcut = 4;
 constexpr wchar_t kShortcutExtension[] = L".lnk";
-constexpr wchar_t kArrow[] = L"  \u2192  ";
+constexpr wchar_t kArrow[] = L"  ->  ";
 
 // In the order of their numbers, from 1.
 constexpr const wchar_t* kKinds[] = {L"Hard link", L"Junction", L"Symbolic link", L"Shortcut"};

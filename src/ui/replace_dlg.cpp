@@ -8,7 +8,7 @@ namespace {
 
 constexpr size_t kLongestPreview = 100;  // names; more than anybody reads
 constexpr WPARAM kLongestText = 255;     // units of a name
-constexpr wchar_t kArrow[] = L"  \u2192  ";
+constexpr wchar_t kArrow[] = L"  ->  ";
 
 // In the order of NamePart.
 constexpr const wchar_t* kParts[] = {L"the name", L"the extension", L"name and extension"};
