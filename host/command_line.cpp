@@ -127,6 +127,8 @@ void AddOptions(CLI::App& app, RawOptions& raw, HostOptions& options) {
         ->take_last();
     app.add_flag("--can-elevate", options.canElevate, "The host can start an elevated second process");
     app.add_flag("--elevated", options.isElevated, "The host counts as elevated");
+    app.add_flag("--column-d", options.usesColumnD, "The control-panel menu leaves out what column D excludes");
+    app.add_flag("--column-e", options.usesColumnE, "The same for column E");
 }
 
 void AddRename(CLI::App& app, RenameOptions& rename) {

@@ -42,6 +42,8 @@ struct HostOptions {
     bool asksInWindows = false;
     bool canElevate = false;
     bool isElevated = false;
+    bool usesColumnD = false;
+    bool usesColumnE = false;
     RenameOptions rename;
     std::wstring pipe;  // these two: of an elevated second process only
     uint32_t extension = 0;

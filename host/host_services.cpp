@@ -106,7 +106,7 @@ ICustomCommandRegistry* HostServices::GetCustomCommandRegistry(const char* modul
 
 IXmlService* HostServices::GetXmlService(const wchar_t*, uint32_t) {
     return Guarded<IXmlService*>(
-        nullptr, [&] { return m_state.xmlServices.Keep(std::make_shared<XmlService>(m_state.xmlServices)); });
+        nullptr, [&] { return m_state.xmlServices.Keep(std::make_shared<XmlService>(m_state.xmlServices, m_state.output)); });
 }
 
 ISettings* HostServices::GetSettings() {
@@ -166,11 +166,11 @@ bool HostServices::CanElevate() {
 }
 
 bool HostServices::UseColumnD() {
-    return false;
+    return m_state.usesColumnD;
 }
 
 bool HostServices::UseColumnE() {
-    return false;
+    return m_state.usesColumnE;
 }
 
 IFileList* HostServices::CreateFileList() {

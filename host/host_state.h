@@ -37,6 +37,8 @@ struct HostState {
     UniqueWindow mainWindow = {};      // empty where nobody is there to look at windows
     bool isElevated = false;
     bool canElevate = false;
+    bool usesColumnD = false;
+    bool usesColumnE = false;
 
     MenuModel menus = {};
     CustomCommandTable customCommands = {};

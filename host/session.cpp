@@ -79,7 +79,9 @@ HostState MakeHostState(const HostOptions& options, const HostEnvironment& envir
             .configurationFolder = ConfigurationFolder(options),
             .mainWindow = options.asksInWindows ? MakeMainWindow() : UniqueWindow(),
             .isElevated = options.isElevated || options.action == Action::ElevatedServer,
-            .canElevate = options.canElevate};
+            .canElevate = options.canElevate,
+            .usesColumnD = options.usesColumnD,
+            .usesColumnE = options.usesColumnE};
 }
 
 Session::Session(const HostOptions& options, HostEnvironment& environment, Output& output)

@@ -1,17 +1,23 @@
 #include "host/xml_service.h"
 
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 
 #include "host/boundary.h"
 #include "host/text.h"
 #include "host/unix_paths.h"
+#include "host/whole_file.h"
+#include "host/xml_encoding.h"
 #include "win32/files.h"
+#include "win32/module.h"
 #include "win32/windows.h"
 
 #include <msxml2.h>
 #include <ole2.h>
+#include <shlwapi.h>
+#include <xmllite.h>
 
 namespace QVHost {
 namespace {
@@ -20,6 +26,7 @@ constexpr uint32_t kIndented = 1;
 
 // The compiler's headers stop short of version 6; its numbers are public.
 constexpr CLSID kDomDocument60 = {0x88D96A05, 0xF192, 0x11D4, {0xA6, 0x5F, 0x00, 0x40, 0x96, 0x32, 0x51, 0xE5}};
+constexpr IID kXmlReader = {0x7279FC81, 0x709D, 0x4095, {0xB6, 0x3D, 0x69, 0xFE, 0x4B, 0x0D, 0x90, 0x30}};
 constexpr IID kDomDocument2 = {0x2933BF95, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
 
 /// Owns one reference to a COM object.
@@ -121,6 +128,71 @@ std::wstring NameOf(IXMLDOMNode* node) {
     return std::wstring(name.View());
 }
 
+bool IsBlankText(const ComPtr<IXMLDOMNode>& node) {
+    const auto text = node.As<IXMLDOMCharacterData>(IID_IXMLDOMCharacterData);
+    Bstr data;
+    if (!text || FAILED(text->get_data(data.Receive()))) return false;
+    return data.View().find_first_not_of(L" \t\r\n") == std::wstring_view::npos;
+}
+
+/// True for an element that asks for its blanks to be kept.
+bool KeepsBlanks(IXMLDOMNode* node) {
+    ComPtr<IXMLDOMElement> element;
+    node->QueryInterface(IID_IXMLDOMElement, reinterpret_cast<void**>(element.Receive()));
+    ComPtr<IXMLDOMAttribute> attribute;
+    if (!element || element->getAttributeNode(Bstr(L"xml:space").Get(), attribute.Receive()) != S_OK || !attribute)
+        return false;
+    Bstr value;
+    return SUCCEEDED(attribute->get_text(value.Receive())) && value.View() == L"preserve";
+}
+
+/// Line and column, from 1, where the system's light reader stops; nothing when it reads the file to its end, cannot
+/// open it, or does not exist. The reader above does not tell the place on every system.
+std::optional<std::pair<UINT, UINT>> FaultPlace(const std::wstring& path) {
+    using CreateReader = HRESULT(WINAPI*)(REFIID, void**, IMalloc*);
+    const Win32::Module library = Win32::LoadSystemModule(L"xmllite.dll");  // first: it must go after the reader
+    const auto createReader = Win32::FindFunction<CreateReader>(library, "CreateXmlReader");
+    ComPtr<IXmlReader> reader;
+    ComPtr<IStream> stream;
+    if (!createReader || FAILED(createReader(kXmlReader, reinterpret_cast<void**>(reader.Receive()), nullptr)) ||
+        FAILED(SHCreateStreamOnFileEx(path.c_str(), STGM_READ | STGM_SHARE_DENY_NONE, 0, FALSE, nullptr,
+                                      stream.Receive())) ||
+        FAILED(reader->SetInput(stream.Get())))
+        return std::nullopt;
+    HRESULT result = S_OK;
+    XmlNodeType type = XmlNodeType_None;
+    while (result == S_OK) result = reader->Read(&type);
+    if (result == S_FALSE) return std::nullopt;
+    UINT line = 0;
+    UINT column = 0;
+    reader->GetLineNumber(&line);
+    reader->GetLinePosition(&column);
+    if (line == 0) return std::nullopt;  // an empty file has no place
+    return std::pair(line, column);
+}
+
+/// Where and why a document is not well-formed; "" when that is not what is wrong.
+std::wstring FaultOf(IXMLDOMDocument2* document, const std::wstring& path) {
+    ComPtr<IXMLDOMParseError> fault;
+    if (FAILED(document->get_parseError(fault.Receive())) || !fault) return {};
+    LONG line = 0;
+    LONG column = 0;
+    Bstr reason;
+    fault->get_line(&line);
+    fault->get_linepos(&column);
+    fault->get_reason(reason.Receive());
+    std::wstring place;
+    if (line > 0) {
+        place = L"line " + std::to_wstring(line) + L", column " + std::to_wstring(column);
+    } else if (const auto found = FaultPlace(path)) {
+        place = L"line " + std::to_wstring(found->first) + L", column " + std::to_wstring(found->second);
+    } else {
+        return {};
+    }
+    const std::wstring why = OnOneLine(reason.View());
+    return why.empty() ? place : place + L": " + why;
+}
+
 }  // namespace
 
 /// An element. Lives with its document, which owns it.
@@ -147,26 +219,33 @@ private:
 
 class XmlDocument final : public Quorvane::SDK::IXmlDocument {
 public:
-    XmlDocument(Shelf<XmlDocument>& shelf, ComPtr<IXMLDOMDocument2> document)
-        : m_shelf(shelf), m_document(std::move(document)) {}
+    /// Without an encoding the document cannot be saved.
+    XmlDocument(Shelf<XmlDocument>& shelf, ComPtr<IXMLDOMDocument2> document, std::optional<XmlEncoding> encoding)
+        : m_shelf(shelf), m_document(std::move(document)), m_encoding(std::move(encoding)) {}
 
     Quorvane::SDK::IXmlElement* GetRoot() override;
     Quorvane::SDK::IXmlElement* CreateRoot(const wchar_t* name) override;
     void Release() override;
 
     IXMLDOMDocument2* Document() const { return m_document.Get(); }
+    /// Writes the document to a new file, in its encoding. Afterwards it may be without its declaration.
+    bool SaveAs(const std::wstring& path) const;
     /// The one object that stands for this node; null for null.
     XmlElement* ElementOf(ComPtr<IXMLDOMElement> node);
     ComPtr<IXMLDOMElement> NewElement(const wchar_t* name);
-    /// Puts line breaks and tabs between the elements. An element with text of its own stays as it is.
+    /// Takes the blanks between elements away. An element with text of its own stays as it is.
+    void Compact();
+    /// Puts line breaks and tabs between the elements of a compact document.
     void Indent();
 
 private:
+    void CompactChildren(IXMLDOMElement* parent);
     void IndentChildren(IXMLDOMNode* parent, const std::wstring& lineStart);
     void InsertBlank(IXMLDOMNode* parent, const std::wstring& blank, IXMLDOMNode* before);
 
     Shelf<XmlDocument>& m_shelf;
     ComPtr<IXMLDOMDocument2> m_document;
+    std::optional<XmlEncoding> m_encoding;
     std::map<IXMLDOMElement*, std::unique_ptr<XmlElement>> m_elements;
 };
 
@@ -296,6 +375,30 @@ void XmlDocument::Release() {
     GuardedCall([&] { m_shelf.Remove(this); });
 }
 
+void XmlDocument::CompactChildren(IXMLDOMElement* parent) {
+    if (KeepsBlanks(parent)) return;
+    std::vector<ComPtr<IXMLDOMNode>> blanks;
+    std::vector<ComPtr<IXMLDOMElement>> elements;
+    bool hasText = false;
+    ComPtr<IXMLDOMNode> child;
+    parent->get_firstChild(child.Receive());
+    while (child) {
+        DOMNodeType type = NODE_INVALID;
+        child->get_nodeType(&type);
+        ComPtr<IXMLDOMNode> next;
+        child->get_nextSibling(next.Receive());
+        if (type == NODE_ELEMENT) elements.push_back(child.As<IXMLDOMElement>(IID_IXMLDOMElement));
+        if (type == NODE_CDATA_SECTION || type == NODE_ENTITY_REFERENCE) hasText = true;
+        if (type == NODE_TEXT && !IsBlankText(child)) hasText = true;
+        if (type == NODE_TEXT) blanks.push_back(std::move(child));
+        child = std::move(next);
+    }
+    if (hasText || elements.empty()) blanks.clear();
+    for (const ComPtr<IXMLDOMNode>& blank : blanks) parent->removeChild(blank.Get(), nullptr);
+    for (const ComPtr<IXMLDOMElement>& element : elements)
+        if (element) CompactChildren(element.Get());
+}
+
 void XmlDocument::InsertBlank(IXMLDOMNode* parent, const std::wstring& blank, IXMLDOMNode* before) {
     ComPtr<IXMLDOMText> text;
     if (FAILED(m_document->createTextNode(Bstr(blank).Get(), text.Receive()))) return;
@@ -308,6 +411,7 @@ void XmlDocument::InsertBlank(IXMLDOMNode* parent, const std::wstring& blank, IX
 }
 
 void XmlDocument::IndentChildren(IXMLDOMNode* parent, const std::wstring& lineStart) {
+    if (KeepsBlanks(parent)) return;
     std::vector<ComPtr<IXMLDOMNode>> children;
     ComPtr<IXMLDOMNode> child;
     parent->get_firstChild(child.Receive());
@@ -328,14 +432,35 @@ void XmlDocument::IndentChildren(IXMLDOMNode* parent, const std::wstring& lineSt
     InsertBlank(parent, lineStart, nullptr);
 }
 
+bool XmlDocument::SaveAs(const std::wstring& path) const {
+    if (!m_encoding) return false;
+    const Bstr name(path);
+    if (m_encoding->codePage == XmlEncoding::kUtf8) return SUCCEEDED(m_document->save(TextVariant(name)));
+    // Not every system's writer follows a declaration of another encoding; some write UTF-8 under its name. Without a
+    // declaration all write UTF-8, which is then put into the document's own encoding.
+    ComPtr<IXMLDOMNode> declaration;
+    m_document->get_firstChild(declaration.Receive());
+    if (declaration && NameOf(declaration.Get()) == L"xml") m_document->removeChild(declaration.Get(), nullptr);
+    std::string bytes;
+    if (FAILED(m_document->save(TextVariant(name))) || ReadWholeFile(path, bytes) != ERROR_SUCCESS) return false;
+    const std::optional<std::wstring> text = FromUtf8(bytes);
+    return text && ReplaceWholeFile(path, EncodedXml(*m_encoding, *text)) == ERROR_SUCCESS;
+}
+
+void XmlDocument::Compact() {
+    ComPtr<IXMLDOMElement> root;
+    m_document->get_documentElement(root.Receive());
+    if (root) CompactChildren(root.Get());
+}
+
 void XmlDocument::Indent() {
     ComPtr<IXMLDOMElement> root;
     m_document->get_documentElement(root.Receive());
     if (root) IndentChildren(root.Get(), L"\n");
 }
 
-XmlService::XmlService(Shelf<XmlService>& shelf)
-    : m_shelf(shelf), m_hasCom(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+XmlService::XmlService(Shelf<XmlService>& shelf, Output& output)
+    : m_shelf(shelf), m_output(output), m_hasCom(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
 
 XmlService::~XmlService() {
     m_documents.Clear();  // before COM goes
@@ -350,7 +475,7 @@ Quorvane::SDK::IXmlDocument* XmlService::CreateDocument() {
         if (SUCCEEDED(document->createProcessingInstruction(
                 Bstr(L"xml").Get(), Bstr(L"version=\"1.0\" encoding=\"UTF-8\"").Get(), declaration.Receive())))
             document->appendChild(declaration.Get(), nullptr);
-        return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document)));
+        return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document), XmlEncoding()));
     });
 }
 
@@ -361,8 +486,14 @@ Quorvane::SDK::IXmlDocument* XmlService::Load(const wchar_t* path, uint32_t) {
         if (!document) return nullptr;
         const Bstr source(FullUserPath(path));
         VARIANT_BOOL isLoaded = VARIANT_FALSE;
-        if (document->load(TextVariant(source), &isLoaded) != S_OK || isLoaded != VARIANT_TRUE) return nullptr;
-        return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document)));
+        if (document->load(TextVariant(source), &isLoaded) != S_OK || isLoaded != VARIANT_TRUE) {
+            const std::wstring fault = FaultOf(document.Get(), std::wstring(source.View()));
+            if (!fault.empty()) m_output.Note(L"[xml] " + std::wstring(source.View()) + L", " + fault);
+            return nullptr;
+        }
+        std::string bytes;
+        if (ReadWholeFile(std::wstring(source.View()), bytes) != ERROR_SUCCESS) return nullptr;
+        return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document), EncodingOf(bytes)));
     });
 }
 
@@ -370,12 +501,13 @@ bool XmlService::Save(Quorvane::SDK::IXmlDocument* document, const wchar_t* path
     return Guarded(false, [&] {
         const std::shared_ptr<XmlDocument> known = m_documents.Find(document);
         if (!known || !path || !*path) return false;
+        known->Compact();
         if (mode == kIndented) known->Indent();
         const std::wstring target = FullUserPath(path);
         const std::wstring beside = target + L"." + std::to_wstring(GetCurrentProcessId()) + L".new";
-        const Bstr name(beside);
-        const bool isSaved = SUCCEEDED(known->Document()->save(TextVariant(name))) &&
-                             Win32::MoveFileOver(beside, target) == ERROR_SUCCESS;
+        bool isSaved = known->SaveAs(beside);
+        if (isSaved && Win32::Exists(target)) Win32::CarryOverAttributesAndAccess(target, beside);
+        isSaved = isSaved && Win32::MoveFileOver(beside, target) == ERROR_SUCCESS;
         if (!isSaved) Win32::RemoveFile(beside);
         return isSaved;
     });

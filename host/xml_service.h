@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "host/output.h"
 #include "host/shelf.h"
 #include "sdk/host_objects.h"
 
@@ -14,18 +15,20 @@ class XmlDocument;
 /// Belongs to the thread that made it, as does everything it hands out.
 class XmlService final : public Quorvane::SDK::IXmlService {
 public:
-    /// The service is kept in `shelf` and leaves it by its Release.
-    explicit XmlService(Shelf<XmlService>& shelf);
+    /// The service is kept in `shelf` and leaves it by its Release. `output` is told what is wrong with a document.
+    XmlService(Shelf<XmlService>& shelf, Output& output);
     XmlService(const XmlService&) = delete;
     XmlService& operator=(const XmlService&) = delete;
     ~XmlService();
 
     /// Null where the system has no MSXML.
     Quorvane::SDK::IXmlDocument* CreateDocument() override;
-    /// Null for a file that cannot be read or is not well-formed. Nothing that a document refers to is fetched.
+    /// Null for a file that cannot be read or is not well-formed; a note then says where it is not. Nothing that a
+    /// document refers to is fetched.
     Quorvane::SDK::IXmlDocument* Load(const wchar_t* path, uint32_t zero) override;
-    /// Mode 0: as the document stands; 1: with line breaks and tabs between elements. `text` is not used: null. The
-    /// file is replaced whole or left as it was.
+    /// Mode 0: compact, nothing between elements; 1: with line breaks and tabs between them. Blanks count as nothing
+    /// only where an element has other elements and no text, and not below xml:space="preserve". Declaration and
+    /// encoding stay. `text` is not used. The file is replaced whole or left as it was.
     bool Save(Quorvane::SDK::IXmlDocument* document, const wchar_t* path, uint32_t mode, const wchar_t* text) override;
     /// The document as text, copied as from IFileItem.
     uint32_t ReadText(Quorvane::SDK::IXmlDocument* document, wchar_t* buffer, uint32_t capacity) override;
@@ -33,6 +36,7 @@ public:
 
 private:
     Shelf<XmlService>& m_shelf;
+    Output& m_output;
     bool m_hasCom;
     Shelf<XmlDocument> m_documents;
 };

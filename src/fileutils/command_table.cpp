@@ -1,7 +1,18 @@
 #include "fileutils/command_table.h"
 
+#include "fileutils/base64_command.h"
+#include "fileutils/control_panel.h"
+#include "fileutils/create_link_command.h"
+#include "fileutils/create_links_command.h"
 #include "fileutils/find_replace_command.h"
+#include "fileutils/link_creation.h"
+#include "fileutils/quick_rename.h"
+#include "fileutils/quick_rename_command.h"
+#include "fileutils/rename_group_command.h"
+#include "fileutils/replace_in_names_command.h"
 #include "fileutils/sort_lines_command.h"
+#include "fileutils/text_conversion_command.h"
+#include "fileutils/xml_conversion_command.h"
 
 namespace FileUtils {
 namespace {
@@ -13,25 +24,30 @@ constexpr CommandHandler kNotHandled = nullptr;
 
 constexpr CommandRow kMenuCommands[] = {
     // id    submenu  text    shortcut     handler
-    {30000, 2001_m, 2100_m, 0x0049004A, kNotHandled},
-    {30001, 2001_m, 2101_m, 0x004D004A, kNotHandled},
-    {30002, 2001_m, 2102_m, kNoShortcut, kNotHandled},
-    {30010, 2001_m, 2110_m, kNoShortcut, kNotHandled},
-    {30020, 2001_m, 2120_m, kNoShortcut, kNotHandled},
-    {30101, 2002_m, 2201_m, kNoShortcut, kNotHandled},
-    {30102, 2002_m, 2202_m, 0x0049004B, kNotHandled},
-    {30103, 2002_m, 2203_m, kNoShortcut, kNotHandled},
-    {30110, 2002_m, 2204_m, kNoShortcut, kNotHandled},
-    {30200, 2002_m, 2210_m, kNoShortcut, kNotHandled},
-    {30201, 2002_m, 2211_m, kNoShortcut, kNotHandled},
+    {30000, 2001_m, 2100_m, 0x0049004A, RunQuickRename},
+    {30001, 2001_m, 2101_m, 0x004D004A, RunQuickRename},
+    {30002, 2001_m, 2102_m, kNoShortcut, RunQuickRename},
+    {30010, 2001_m, 2110_m, kNoShortcut, RunReplaceInNames},
+    {30020, 2001_m, 2120_m, kNoShortcut, RunRenameGroup},
+    {30101, 2002_m, 2201_m, kNoShortcut, RunTextConversion},
+    {30102, 2002_m, 2202_m, 0x0049004B, RunTextConversion},
+    {30103, 2002_m, 2203_m, kNoShortcut, RunTextConversion},
+    {30110, 2002_m, 2204_m, kNoShortcut, RunTextConversion},
+    {30200, 2002_m, 2210_m, kNoShortcut, RunXmlConversion},
+    {30201, 2002_m, 2211_m, kNoShortcut, RunXmlConversion},
     {30150, 2002_m, 2220_m, kNoShortcut, RunSortLinesDialog},
     {30151, 2002_m, 2221_m, kNoShortcut, RunFindAndReplaceDialog},
-    {30210, 2003_m, 2240_m, kNoShortcut, kNotHandled},
-    {30211, 2003_m, 2241_m, kNoShortcut, kNotHandled},
+    {30210, 2003_m, 2240_m, kNoShortcut, RunBase64},
+    {30211, 2003_m, 2241_m, kNoShortcut, RunBase64},
     {30300, 2300_m, 2301_m, kNoShortcut, kNotHandled},
     {30310, 2300_m, 2310_m, kNoShortcut, kNotHandled},
     {30311, 2300_m, 2311_m, kNoShortcut, kNotHandled},
-    {30350, 2400_m, 2401_m, kNoShortcut, kNotHandled},
+    {30350, 2400_m, 2401_m, kNoShortcut, RunCreateLinks},
+};
+
+constexpr CommandRange kCommandsWithoutEntry[] = {
+    {30003, kLastQuickRename, RunQuickRename},
+    {kFirstControlPanelCommand, kLastControlPanelCommand, RunControlPanelCommand},
 };
 
 constexpr uint32_t kSwitch = ParameterFlags::Switch;
@@ -88,7 +104,7 @@ constexpr ParameterRow kFindAndReplaceParameters[] = {
 };
 
 constexpr CustomCommandRow kCustomCommands[] = {
-    {"CreateLink", 30351, 50_c, kCreateLinkParameters, nullptr},
+    {"CreateLink", 30351, 50_c, kCreateLinkParameters, RunCreateLinkCommand},
     {"SortLines", 30352, 60_c, kSortLinesParameters, RunSortLinesCommand},
     {"FindAndReplace", 30353, 90_c, kFindAndReplaceParameters, RunFindAndReplaceCommand},
 };
@@ -97,13 +113,16 @@ constexpr ElevatedRow kElevatedRequests[] = {
     {5000, nullptr},  // take ownership
     {5001, nullptr},  // grant access
     {5003, nullptr},  // reset the access list
-    {5004, nullptr},  // create a link
+    {kCreateLinkRequest, AnswerCreateLinkRequest},
 };
 
 }  // namespace
 
 std::span<const CommandRow> MenuCommands() {
     return kMenuCommands;
+}
+std::span<const CommandRange> CommandsWithoutEntry() {
+    return kCommandsWithoutEntry;
 }
 std::span<const CustomCommandRow> CustomCommands() {
     return kCustomCommands;

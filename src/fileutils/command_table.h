@@ -50,8 +50,16 @@ struct ElevatedRow {
 
 inline constexpr Quorvane::SDK::TextId kRootMenuText = Quorvane::SDK::MakeTextId(2004, 'm');
 
+/// Commands that are handled whether or not a menu has them, by ranges of ids.
+struct CommandRange {
+    uint32_t firstId;
+    uint32_t lastId;
+    CommandHandler handler;
+};
+
 /// In the order of the menus; rows of one submenu stand together.
 std::span<const CommandRow> MenuCommands();
+std::span<const CommandRange> CommandsWithoutEntry();
 /// In the order of registration.
 std::span<const CustomCommandRow> CustomCommands();
 std::span<const ElevatedRow> ElevatedRequests();

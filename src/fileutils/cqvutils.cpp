@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "fileutils/command_table.h"
+#include "fileutils/control_panel.h"
 #include "fileutils/extension_ids.h"
 #include "sdk/boundary.h"
 
@@ -26,6 +27,7 @@ void BuildMenus(IHostServices& host) {
         Command* const command = factory->CreateCommand(row.id, kCommandFlags, row.text, row.text, row.shortcut, 0);
         if (open && command) builder->AddCommand(open, command, 1, 0);
     }
+    BuildControlPanelMenu(host, *builder, root);
 }
 
 void RegisterCustomCommands(IHostServices& host) {
@@ -47,6 +49,14 @@ template <class Row, class Matches>
 const Row* FindRow(std::span<const Row> rows, Matches&& matches) {
     const auto found = std::find_if(rows.begin(), rows.end(), matches);
     return found == rows.end() ? nullptr : &*found;
+}
+
+CommandHandler FindHandler(uint32_t id) {
+    if (const CommandRow* const row = FindRow(MenuCommands(), [&](const CommandRow& r) { return r.id == id; }))
+        return row->handler;
+    const CommandRange* const range =
+        FindRow(CommandsWithoutEntry(), [&](const CommandRange& r) { return id >= r.firstId && id <= r.lastId; });
+    return range ? range->handler : nullptr;
 }
 
 }  // namespace
@@ -72,8 +82,8 @@ const char* CQVUtils::GetId() {
 uint32_t CQVUtils::OnCommand(uint32_t id, uintptr_t, uintptr_t) {
     return AtBoundary(0u, [&] {
         if (id == kCommandShutdown) return Shutdown();
-        const CommandRow* const row = FindRow(MenuCommands(), [&](const CommandRow& r) { return r.id == id; });
-        return m_services && row && row->handler ? row->handler(*m_services, id) : 0u;
+        const CommandHandler handler = FindHandler(id);
+        return m_services && handler ? handler(*m_services, id) : 0u;
     });
 }
 

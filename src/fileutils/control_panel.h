@@ -1,0 +1,56 @@
+// control_panel.h - shortcuts into the control panel: their tables, their menu, and opening one.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "fileutils/command_table.h"
+#include "sdk/host_services.h"
+
+namespace FileUtils {
+
+/// Commands of the control panel, this one and the last included; each is this number and an item's index.
+inline constexpr uint32_t kFirstControlPanelCommand = 6100;
+inline constexpr uint32_t kLastControlPanelCommand = 7100;
+
+/// The menus have the texts; display names are for readers of the table.
+struct ControlPanelCategory {
+    const wchar_t* displayName;
+    uint32_t number;
+    Quorvane::SDK::TextId text;
+};
+
+/// Flags B and C are kept as data: nothing depends on them.
+struct ControlPanelItem {
+    const wchar_t* displayName;
+    const wchar_t* canonicalName;  // without "Microsoft.", see flagA
+    bool flagA;                    // the canonical name goes behind "Microsoft."
+    bool flagB;
+    bool flagC;
+    bool flagD;  // in the menu of a host that uses column D
+    bool flagE;  // in the menu of a host that uses column E
+    bool flagF;  // cannot be opened
+    uint32_t index;
+    uint32_t category;
+    Quorvane::SDK::TextId text;
+};
+
+/// Both in the order of the menus.
+std::span<const ControlPanelCategory> ControlPanelCategories();
+std::span<const ControlPanelItem> ControlPanelItems();
+
+/// Adds the menu below `root`, into the submenu that another extension's tools are in. Adds nothing in a host that
+/// cannot elevate.
+void BuildControlPanelMenu(Quorvane::SDK::IHostServices& host, Quorvane::SDK::IMenuBuilder& builder,
+                           Quorvane::SDK::Menu* root);
+
+/// Starts a program with its arguments.
+using LaunchProgram = void (*)(const wchar_t* program, const wchar_t* arguments);
+
+/// Opens the item with this index, through the shell unless `launch` is given. Does nothing for an index that is none.
+void OpenControlPanelItem(uint32_t index, LaunchProgram launch = nullptr);
+
+/// A command from kFirstControlPanelCommand to kLastControlPanelCommand. Always handled, with or without a menu.
+uint32_t RunControlPanelCommand(Quorvane::SDK::IHostServices& host, uint32_t id);
+
+}  // namespace FileUtils

@@ -1,0 +1,76 @@
+#include "fileutils/create_link_command.h"
+
+#include <optional>
+#include <string>
+
+#include "fileutils/link_creation.h"
+#include "sdk/owners.h"
+#include "win32/path.h"
+
+namespace FileUtils {
+namespace {
+
+using namespace Quorvane::SDK;
+
+/// The request of a call; nothing when a parameter is missing or the target does not exist.
+std::optional<LinkRequest> RequestOf(ICustomCommandCall& call) {
+    for (const char* name : {"LNKSRC", "LNKTRG", "LNKTYPE"})
+        if (!call.HasParameter(name)) return std::nullopt;
+    const wchar_t* const link = call.GetTextParameter("LNKSRC");
+    const wchar_t* const target = call.GetTextParameter("LNKTRG");
+    LinkRequest request;
+    if (!link || !target || !call.GetNumberParameter("LNKTYPE", &request.type)) return std::nullopt;
+    request.link = link;
+    request.target = target;
+    const DWORD attributes = GetFileAttributesW(Win32::ExtendedPath(request.target).c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return std::nullopt;
+    request.targetIsFolder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    return request;
+}
+
+/// The request of a message, when it holds these four fields and nothing else.
+std::optional<LinkRequest> RequestOf(IRequestMessage& message) {
+    const Owned<IRequestReader> reader(message.CreateReader());
+    if (!reader || !reader->Attach(message.GetData(), message.GetSize())) return std::nullopt;
+    const wchar_t* link = nullptr;
+    const wchar_t* target = nullptr;
+    uint32_t folderFlag = 0;
+    LinkRequest request;
+    const bool isWhole = reader->ReadNumber(&request.type) && reader->ReadString(&link) &&
+                         reader->ReadString(&target) && reader->ReadNumber(&folderFlag);
+    uint32_t more = 0;
+    if (!isWhole || folderFlag > 1 || reader->ReadNumber(&more)) return std::nullopt;
+    request.link = link;
+    request.target = target;
+    request.targetIsFolder = folderFlag == 1;
+    return request;
+}
+
+}  // namespace
+
+uint32_t RunCreateLinkCommand(IHostServices& host, ICustomCommandCall& call) {
+    const std::optional<LinkRequest> request = RequestOf(call);
+    if (!request) return 0;
+    if (call.HasParameter("ASADMIN")) {
+        // An elevated host could make the link by itself, and still makes none: scripts rely on this switch meaning the
+        // second process and nothing else.
+        if (!host.CanElevate() || host.IsElevated()) return 0;
+        const uint32_t error = CreateLinkElevated(host, *request);
+        call.SetResultCode(error);
+        return error == ERROR_SUCCESS;
+    }
+    uint32_t error = CreateLinkHere(host, *request);
+    if (error == ERROR_PRIVILEGE_NOT_HELD) error = ERROR_ACCESS_DENIED;  // the log keeps the system's own code
+    call.SetResultText(std::to_wstring(error).c_str());
+    call.SetResultCode(error);
+    return error == ERROR_SUCCESS;
+}
+
+uint32_t AnswerCreateLinkRequest(IHostServices& host, IRequestMessage& message) {
+    const std::optional<LinkRequest> request = RequestOf(message);
+    const uint32_t error = request ? CreateLinkHere(host, *request) : uint32_t{ERROR_INVALID_PARAMETER};
+    message.Reply(1, error, 0, 0);
+    return 1;
+}
+
+}  // namespace FileUtils

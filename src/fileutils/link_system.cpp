@@ -1,0 +1,92 @@
+#include "fileutils/link_system.h"
+
+#include <memory>
+
+#include <objbase.h>
+#include <shlobj.h>
+
+#include "win32/handle.h"
+#include "win32/module.h"
+#include "win32/path.h"
+
+namespace FileUtils {
+namespace {
+
+constexpr DWORD kSetReparsePoint = 0x900A4;  // FSCTL_SET_REPARSE_POINT
+
+uint32_t LastErrorUnless(bool succeeded) {
+    return succeeded ? ERROR_SUCCESS : GetLastError();
+}
+
+uint32_t MakeHardLink(const std::wstring& link, const std::wstring& target) {
+    return LastErrorUnless(
+        CreateHardLinkW(Win32::ExtendedPath(link).c_str(), Win32::ExtendedPath(target).c_str(), nullptr) != FALSE);
+}
+
+uint32_t MakeSymbolicLink(const std::wstring& link, const std::wstring& target, uint32_t flags) {
+    using Function = BOOLEAN(WINAPI*)(LPCWSTR, LPCWSTR, DWORD);
+    const Win32::Module kernel = Win32::LoadSystemModule(L"kernel32.dll");
+    const auto create = Win32::FindFunction<Function>(kernel, "CreateSymbolicLinkW");
+    if (!create) return GetLastError();
+    // The target is stored as it stands: a relative one is meant to be seen from the link's folder.
+    return LastErrorUnless(create(Win32::ExtendedPath(link).c_str(), target.c_str(), flags) != FALSE);
+}
+
+uint32_t SetReparsePoint(const std::wstring& folder, const ReparseBuffer& buffer) {
+    // Not shared: nobody else may put a file into the folder while it turns into a junction.
+    const Win32::FileHandle handle(CreateFileW(Win32::ExtendedPath(folder).c_str(), GENERIC_READ | GENERIC_WRITE, 0,
+                                               nullptr, OPEN_EXISTING,
+                                               FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    if (!handle) return GetLastError();
+    std::vector<uint8_t> bytes = buffer.bytes;
+    DWORD returned = 0;
+    return LastErrorUnless(DeviceIoControl(handle.Get(), kSetReparsePoint, bytes.data(), buffer.usedSize, nullptr, 0,
+                                           &returned, nullptr) != FALSE);
+}
+
+/// COM for this thread while the object lives. The thread may use it already, in whichever way.
+class ComOnThisThread {
+public:
+    ComOnThisThread() : m_result(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)) {}
+    ComOnThisThread(const ComOnThisThread&) = delete;
+    ComOnThisThread& operator=(const ComOnThisThread&) = delete;
+    ~ComOnThisThread() {
+        if (SUCCEEDED(m_result)) CoUninitialize();
+    }
+
+private:
+    HRESULT m_result;
+};
+
+struct ReleaseInterface {
+    void operator()(IUnknown* object) const noexcept { object->Release(); }
+};
+template <class Interface>
+using OwnedInterface = std::unique_ptr<Interface, ReleaseInterface>;
+
+uint32_t SaveShortcut(const std::wstring& link, const std::wstring& target, const std::wstring& workingFolder,
+                      const wchar_t* description) {
+    const ComOnThisThread com;
+    IShellLinkW* raw = nullptr;
+    if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW,
+                                reinterpret_cast<void**>(&raw))))
+        return ERROR_PATH_NOT_FOUND;
+    const OwnedInterface<IShellLinkW> shortcut(raw);
+    IPersistFile* rawFile = nullptr;
+    if (FAILED(shortcut->QueryInterface(IID_IPersistFile, reinterpret_cast<void**>(&rawFile))))
+        return ERROR_PATH_NOT_FOUND;
+    const OwnedInterface<IPersistFile> file(rawFile);
+    const bool isSaved = SUCCEEDED(shortcut->SetPath(target.c_str())) &&
+                         (workingFolder.empty() || SUCCEEDED(shortcut->SetWorkingDirectory(workingFolder.c_str()))) &&
+                         SUCCEEDED(shortcut->SetDescription(description)) && SUCCEEDED(file->Save(link.c_str(), TRUE));
+    return isSaved ? ERROR_SUCCESS : ERROR_PATH_NOT_FOUND;
+}
+
+}  // namespace
+
+const LinkSystem& ThisSystem() {
+    static constexpr LinkSystem kSystem = {MakeHardLink, MakeSymbolicLink, SetReparsePoint, SaveShortcut};
+    return kSystem;
+}
+
+}  // namespace FileUtils

@@ -1,0 +1,29 @@
+// rename_items.h - items of the panel with the names they are to get, handed to the host in one batch.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "sdk/host_services.h"
+
+namespace FileUtils {
+
+/// An item and its new name. The item lives as long as the list it came from.
+struct ItemRename {
+    Quorvane::SDK::IFileItem* item;
+    std::wstring newName;
+};
+
+inline bool IsFolder(Quorvane::SDK::IFileItem& item) {
+    constexpr uint32_t kDirectory = 0x10;
+    return (item.GetAttributes() & kDirectory) != 0;
+}
+
+/// Asks whether so many names are to change, and has the host change them. Asks nothing when there is none. What the
+/// host refuses, it reports itself.
+void AskAndRename(Quorvane::SDK::IHostServices& host, const std::vector<ItemRename>& renames);
+
+/// The same without the question.
+void RenameItems(Quorvane::SDK::IHostServices& host, const std::vector<ItemRename>& renames);
+
+}  // namespace FileUtils

@@ -1,0 +1,129 @@
+#include "fileutils/text_conversion_command.h"
+
+#include <algorithm>
+#include <ctime>
+#include <optional>
+
+#include "fileutils/text_conversion.h"
+#include "sdk/owners.h"
+#include "sdk/text_format.h"
+#include "textio/data_reader.h"
+#include "textio/data_writer.h"
+#include "win32/files.h"
+#include "win32/windows.h"
+
+namespace FileUtils {
+namespace {
+
+using namespace Quorvane::SDK;
+using QVUtils::QVUtilsException;
+
+constexpr uint32_t kBlockSize = 128 * 1024;  // bytes
+constexpr uint32_t kLargestChoice = 8;
+constexpr uint32_t kProposedChoice = 3;  // the fourth: a tab is 4 spaces
+constexpr uint32_t kTabWidthLimit = 21;  // a host that returns such a number did not show our choices
+
+struct ConversionOfId {
+    uint32_t id;
+    TextConversion conversion;
+};
+constexpr ConversionOfId kConversions[] = {
+    {30101, TextConversion::ToLf},
+    {30102, TextConversion::ToCrLf},
+    {30103, TextConversion::ToCr},
+    {30110, TextConversion::TabsToSpaces},
+};
+
+template <size_t capacity>
+void CopyText(const wchar_t* text, wchar_t (&field)[capacity]) {
+    const size_t length = std::char_traits<wchar_t>::length(text);
+    std::copy_n(text, std::min(length, capacity - 1), field);
+}
+
+/// The number of spaces for a tab; nothing when the choice was cancelled.
+std::optional<uint32_t> AskForTabWidth(IHostServices& host) {
+    const Owned<IChoiceList> choices(host.CreateChoiceList());
+    if (!choices) return std::nullopt;
+    for (uint32_t width = 1; width <= kLargestChoice; ++width) choices->AddChoice(std::to_wstring(width).c_str());
+    ChoiceRequest request = {};
+    CopyText(host.GetText(16_c), request.prompt);
+    CopyText(host.GetText(17_c), request.title);
+    request.choices = choices.get();
+    request.position = kProposedChoice;
+    if (!host.ShowChoiceDialog(&request)) return std::nullopt;
+    const wchar_t* const chosen = choices->GetChoice(request.position);
+    const unsigned long width = chosen ? std::wcstoul(chosen, nullptr, 10) : kTabWidthLimit;
+    if (width >= kTabWidthLimit) return std::nullopt;
+    return static_cast<uint32_t>(width);
+}
+
+void ConvertBytes(QVUtils::DataReader& reader, TextConverter converter, QVUtils::DataWriter& writer) {
+    const auto block = std::make_unique_for_overwrite<char[]>(kBlockSize);
+    const auto result = std::make_unique_for_overwrite<char[]>(converter.LargestResult(kBlockSize));
+    for (;;) {
+        uint32_t size = 0;
+        reader.Read(block.get(), kBlockSize, size);
+        if (size == 0) return;
+        QVUtils::WriteAll(writer, result.get(), converter.Convert(block.get(), size, result.get()));
+    }
+}
+
+/// Writes the converted form of `path` to `target`, which must not exist yet. Nothing of it stays when that fails.
+/// @throws QVUtilsException
+void ConvertInto(const std::wstring& path, const std::wstring& target, const TextConverter& converter) {
+    QVUtils::FileDataReader reader(path);
+    QVUtils::FileDataWriter writer;
+    writer.Open(target, false);
+    try {
+        ConvertBytes(reader, converter, writer);
+        writer.Close();
+    } catch (...) {
+        writer.Abandon();
+        Win32::RemoveFile(target);
+        throw;
+    }
+}
+
+/// Converts one file. The converted form is complete on disk before the file is touched, and takes its place in one
+/// step of the system, so that at no moment there is neither. When the file cannot be replaced (it is in use, or
+/// read-only) both stay: the work is done, and whoever frees the file can put it in place.
+void ConvertFile(IHostServices& host, const std::wstring& path, const TextConverter& converter) {
+    const std::wstring temporary = path + L".temp" + std::to_wstring(std::time(nullptr));
+    try {
+        ConvertInto(path, temporary, converter);
+    } catch (const QVUtilsException& error) {
+        const std::string what = error.what();
+        host.Log(kLogLevel, LogKind::Failure, L"[Convert text] - Failed to convert file : %s ( %s, ErrorCode : %d )",
+                 path.c_str(), std::wstring(what.begin(), what.end()).c_str(), error.GetErrorCode());
+        return;
+    }
+    Win32::CarryOverAttributesAndAccess(path, temporary);
+    if (const uint32_t error = Win32::MoveFileOver(temporary, path))
+        host.Log(kLogLevel, LogKind::Failure,
+                 L"[Convert text] - Failed to replace file : %s ( ErrorCode : %d ), its converted form is %s",
+                 path.c_str(), error, temporary.c_str());
+}
+
+}  // namespace
+
+uint32_t RunTextConversion(IHostServices& host, uint32_t id) {
+    const auto row = std::ranges::find(kConversions, id, &ConversionOfId::id);
+    if (row == std::end(kConversions)) return 0;
+    const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Files);
+    if (!list || list->GetCount() == 0) return 1;
+    const std::wstring question = FormatText(host.GetText(15_c), {list->GetCount()});
+    if (host.MessageBox(question.c_str(), host.GetText(14_c), MB_YESNO | MB_ICONQUESTION) != IDYES) return 1;
+    uint32_t tabWidth = 0;
+    if (row->conversion == TextConversion::TabsToSpaces) {
+        const std::optional<uint32_t> chosen = AskForTabWidth(host);
+        if (!chosen) return 1;
+        tabWidth = *chosen;
+    }
+    for (const std::wstring& path : PathsOf(*list)) {
+        const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
+        if (files && files->Exists(path.c_str())) ConvertFile(host, path, TextConverter(row->conversion, tabWidth));
+    }
+    return 1;
+}
+
+}  // namespace FileUtils

@@ -1,0 +1,49 @@
+// replace_dlg.h - the dialog "Replace text in names": a request into controls and back, with a preview of what it makes
+// of the names. Computing and renaming are the command's.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ui/dialog.h"
+
+namespace Ui {
+
+/// The part of a name in which text is replaced. The extension is what follows a file's last "."; a folder has none.
+enum class NamePart { Name, Extension, Both };
+
+struct NameReplacement {
+    std::wstring find;
+    std::wstring replacement;
+    bool ignoreCase = false;
+    NamePart part = NamePart::Name;
+};
+
+struct NameChange {
+    std::wstring from;
+    std::wstring to;
+};
+
+class CReplaceDlg final : private Dialog {
+public:
+    /// The names that a request changes, in the order of the selection. Called at every change in the dialog.
+    using Changes = std::function<std::vector<NameChange>(const NameReplacement&)>;
+    explicit CReplaceDlg(Changes changes);
+
+    /// A request that changes at least one name; nothing when the user cancels.
+    std::optional<NameReplacement> Show(HWND owner);
+
+private:
+    bool OnInit() override;
+    bool OnCommand(int id, int notification) override;
+    NameReplacement FromControls() const;
+    /// The preview, and whether the dialog can end. True when it can.
+    bool Refresh();
+
+    Changes m_changes;
+    NameReplacement m_request;
+};
+
+}  // namespace Ui

@@ -1,0 +1,254 @@
+// Base64: the letters and lines against a plain model, headers by their bytes, and the commands there and back.
+#include "fileutils/base64.h"
+
+#include <algorithm>
+
+#include <gtest/gtest.h>
+
+#include "fileutils/command_runner.h"
+#include "fileutils/mime_header.h"
+#include "win32/windows.h"
+
+namespace {
+
+using namespace FileUtils;
+using QVTest::CommandRun;
+using QVTest::CommandRunner;
+using Names = std::vector<std::wstring>;
+
+/// Bytes without a pattern that repeats with the groups.
+std::string Bytes(size_t size) {
+    std::string bytes;
+    uint32_t state = 1;
+    while (bytes.size() < size) {
+        state = state * 1664525 + 1013904223;
+        bytes += static_cast<char>(state >> 24);
+    }
+    return bytes;
+}
+
+/// Bit by bit.
+std::string ModelOfLetters(const std::string& bytes) {
+    const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string text;
+    for (size_t bit = 0; bit < bytes.size() * 8; bit += 6) {
+        size_t value = 0;
+        for (size_t at = bit; at < bit + 6; ++at) {
+            const bool isSet = at < bytes.size() * 8 && (static_cast<uint8_t>(bytes[at / 8]) >> (7 - at % 8) & 1) != 0;
+            value = value * 2 + (isSet ? 1 : 0);
+        }
+        text += alphabet[value];
+    }
+    while (text.size() % 4 != 0) text += '=';
+    return text;
+}
+
+/// The file's text: blocks of 3072 bytes, one character after the other.
+std::string ModelOfText(const std::string& bytes) {
+    std::string result;
+    size_t column = 0;
+    for (size_t begin = 0; begin < bytes.size(); begin += 3072) {
+        std::string text = ModelOfLetters(bytes.substr(begin, 3072));
+        while (!text.empty()) {
+            const size_t piece = text.size() > 76 ? 76 - column : text.size();
+            result += text.substr(0, piece);
+            text.erase(0, piece);
+            column += piece;
+            if (column < 76) continue;
+            result += "\r\n";
+            column = 0;
+        }
+    }
+    return result;
+}
+
+std::string Decoded(const std::string& text, size_t blockSize, bool& isWhole) {
+    CBase64 decoder;
+    std::string result;
+    uint8_t last[2];
+    for (size_t at = 0; at < text.size(); at += blockSize) {
+        const std::string block = text.substr(at, blockSize);
+        std::string out(CBase64::LargestDecoded(block.size()), '?');
+        out.resize(decoder.Decode(block.data(), block.size(), reinterpret_cast<uint8_t*>(out.data())));
+        result += out;
+    }
+    const size_t left = decoder.Finish(last);
+    result.append(reinterpret_cast<const char*>(last), left);
+    isWhole = decoder.IsWhole();
+    return result;
+}
+
+constexpr char kHeader[] =
+    "MIME-Version: 1.0\r\n"
+    "Content-Type: application/octet-stream; name=\"a.bin\"\r\n"
+    "Content-Transfer-Encoding: base64\r\n"
+    "Content-Disposition: attachment; filename=\"a.bin\"\r\n"
+    "\r\n";
+
+TEST(CBase64, GivesBackWhatWasEncodedWhereverTheBlocksAreCut) {
+    for (size_t size = 0; size <= 200; ++size) {
+        const std::string bytes = Bytes(size);
+        std::string text(CBase64::EncodedSize(size), '?');
+        EXPECT_EQ(CBase64::Encode(reinterpret_cast<const uint8_t*>(bytes.data()), size, text.data()), text.size());
+        ASSERT_EQ(text, ModelOfLetters(bytes)) << size;
+        bool isWhole = false;
+        for (const size_t blockSize : {1, 2, 3, 4, 5, 76, 1000})
+            ASSERT_EQ(Decoded(text, blockSize, isWhole), bytes) << size << " in blocks of " << blockSize;
+    }
+}
+
+TEST(CBase64, SkipsWhatIsNoLetterAndStopsAtThePadding) {
+    const struct {
+        const char* why;
+        std::string text;
+        std::string bytes;
+        bool isWhole;
+    } cases[] = {
+        {"line breaks in groups", "Y\r\nW\nJ j\r\n\tZ\xFFGU=\r\n", "abcde", true},
+        {"nothing behind the padding", "YQ==YWJj", "a", true},
+        {"missing padding of two bytes", "YWI", "ab", true},
+        {"missing padding of one byte", "YQ", "a", true},
+        {"half a byte", "YWJjY", "abc", false},
+        {"padding alone", "=", "", true},
+        {"zero bytes", std::string("Y\0W\0J\0j", 7), "abc", true},
+    };
+    for (const auto& c : cases)
+        for (const size_t blockSize : {1, 2, 3, 100}) {
+            bool isWhole = false;
+            EXPECT_EQ(Decoded(c.text, blockSize, isWhole), c.bytes) << c.why;
+            EXPECT_EQ(isWhole, c.isWhole) << c.why;
+        }
+}
+
+TEST(MimeHeader, GivesTheNameOfItsSecondLine) {
+    const struct {
+        const char* why;
+        std::string bytes;
+        const char* name;
+    } cases[] = {
+        {"our own", kHeader, "a.bin"},
+        {"with LF alone", "MIME-Version: 1.0\nx; filename=\"b c.d\"\n", "b c.d"},
+        {"without an end of the second line", "x MIME-Version\nname=\"q\"", "q"},
+        {"another first line", "Content-Type: x; name=\"a\"\r\nMIME-Version: 1.0\r\n", ""},
+        {"no name", "MIME-Version: 1.0\r\nContent-Type: x\r\nname=\"a\"\r\n", ""},
+        {"no closing quote", "MIME-Version: 1.0\r\nname=\"a\r\n\"", ""},
+        {"cut off by the area", "MIME-Version: 1.0\r\nname=\"" + std::string(1000, 'a') + "\"", ""},
+        {"empty", "", ""},
+    };
+    for (const auto& c : cases) EXPECT_EQ(NameInHeader(c.bytes), c.name) << c.why;
+    EXPECT_EQ(MimeHeader("a.bin"), kHeader);
+}
+
+TEST(MimeHeader, EndsAtItsEmptyLine) {
+    const struct {
+        const char* why;
+        std::string header;
+    } cases[] = {
+        {"our own", kHeader},
+        {"of another writer, another order",
+         "Content-Type: text/plain;\n\tcharset=x\nMIME-Version: 1.0\ncontent-transfer-encoding: base64\n\n"},
+        {"two lines", "MIME-Version: 1.0\r\nContent-Type: x; name=\"a\"\r\n\r\n"},
+        {"lines that are no fields", "MIME-Version 1\r\nname=\"a\"\r\nsomething\r\n\r\n"},
+        {"many fields", "MIME-Version: 1.0\n" + std::string(5000, 'X') + ": y\nA: b\nA: b\nA: b\nA: b\nA: b\n\n"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(HeaderSize(c.header + "YWJj\r\n\r\nYWJj\r\n"), c.header.size()) << c.why;
+    for (const char* none : {"", "YWJj\r\n\r\n", "\r\nYWJj", "Note: no MIME here\r\n\r\nYWJj", "MIME-Version: 1.0\r\n"})
+        EXPECT_EQ(HeaderSize(none), 0u) << none;
+}
+
+TEST(MimeHeader, NamesNothingOutsideTheFolder) {
+    for (const wchar_t* name : {L"a", L"a b.c", L".profile", L"CONTENT", L"COM", L"COM10", L"\u4E2D.txt", L"a..b"})
+        EXPECT_TRUE(IsPlainFileName(name)) << testing::PrintToString(name);
+    for (const wchar_t* name :
+         {L"",        L".",      L"..",  L"...",  L"a\\b",     L"a/b",       L"..\\a", L"C:", L"C:a",
+          L"a:b",     L"a?",     L"a*",  L"a|b",  L"<a",       L"a\tb",      L"a.",    L"a ", L"CON",
+          L"con.txt", L"Nul .a", L"aux", L"COM1", L"lpt9.x.y", L"COM\u00B2", L"conin$"})
+        EXPECT_FALSE(IsPlainFileName(name)) << testing::PrintToString(name);
+    EXPECT_FALSE(IsPlainFileName(std::wstring(256, L'a')));
+    EXPECT_FALSE(IsPlainFileName(std::wstring(L"a\0b", 3)));
+}
+
+TEST(Base64Command, WritesTheseBytesAndReadsThemBack) {
+    const CommandRunner runner;
+    for (const size_t size :
+         {0, 1, 56, 57, 58, 75, 76, 3071, 3072, 3073, 3102, 3128, 3129, 4096, 6144, 3072 * 64 + 40}) {
+        const std::string bytes = Bytes(size);
+        const std::wstring path = runner.Folder().Write(L"a.bin", bytes);
+        CommandRun run = runner.Run({L"command", L"30210", path}, {L"yes"});
+        EXPECT_EQ(run.log, "");
+        ASSERT_EQ(runner.Folder().Read(L"a.bin.b64"), kHeader + ModelOfText(bytes)) << size;
+        runner.Folder().Write(L"a.bin", "overwritten");
+        run = runner.Run({L"command", L"30211", path + L".b64"}, {L"yes"});
+        EXPECT_EQ(run.log, "");
+        ASSERT_EQ(runner.Folder().Read(L"a.bin"), bytes) << size;
+    }
+    const std::string text = ModelOfText(Bytes(3102));
+    EXPECT_EQ(text.substr(text.size() - 112, 2), "\r\n");  // a last line of 108 characters
+    EXPECT_TRUE(text.ends_with("\r\n"));
+}
+
+TEST(Base64Command, AsksBeforeATargetIsReplaced) {
+    const CommandRunner runner;
+    const std::wstring path = runner.Folder().Write(L"a", "new");
+    runner.Folder().Write(L"a.b64", "old");
+    CommandRun run = runner.Run({L"command", L"30210", path}, {L"no"});
+    EXPECT_NE(run.notes.find("[question] Encode as Base64 (MIME): The file already exists:"), std::string::npos)
+        << run.notes;
+    EXPECT_EQ(runner.Folder().Read(L"a.b64"), "old");
+    run = runner.Run({L"command", L"30210", path}, {L"yes"});
+    EXPECT_TRUE(runner.Folder().Read(L"a.b64").ends_with("\r\nbmV3"));
+    run = runner.Run({L"command", L"30211", path + L".b64"}, {L"no"});
+    EXPECT_NE(run.notes.find("[question] Decode Base64 (MIME): "), std::string::npos) << run.notes;
+}
+
+TEST(Base64Command, DecodesIntoAPlainNameOfItsOwnFolder) {
+    const struct {
+        const char* why;
+        const wchar_t* file;
+        std::string name;
+        const wchar_t* target;
+    } cases[] = {
+        {"the header's name", L"x.b64", "y.bin", L"y.bin"},  {"a way out", L"x.txt.b64", "..\\y.bin", L"x.txt"},
+        {"a full path", L"x.txt.b64", "C:/y.bin", L"x.txt"}, {"a stream", L"x.txt.b64", "y:z", L"x.txt"},
+        {"a device", L"x.txt.b64", "nul.txt", L"x.txt"},
+    };
+    for (const auto& c : cases) {
+        const CommandRunner runner;
+        const std::wstring path = runner.Folder().Write(c.file, MimeHeader(c.name) + "YWJj");
+        const CommandRun run = runner.Run({L"command", L"30211", path}, {L"no"});
+        EXPECT_EQ(run.log + run.notes, "") << c.why;
+        EXPECT_EQ(runner.Folder().Read(c.target), "abc") << c.why;
+        EXPECT_EQ(runner.Folder().List().size(), 2u) << c.why;
+    }
+}
+
+TEST(Base64Command, RefusesTheSourceAsItsOwnTarget) {
+    const CommandRunner runner;
+    const std::string text = MimeHeader("SAME.B64") + "YWJj";
+    const std::wstring same = runner.Folder().Write(L"same.b64", text);
+    const std::wstring linked = runner.Folder().Write(L"linked.b64", MimeHeader("link") + "YWJj");
+    ASSERT_TRUE(CreateHardLinkW((runner.Folder() / L"link").c_str(), linked.c_str(), nullptr));
+    const std::wstring plain = runner.Folder().Write(L"plain", "YWJj");
+    const CommandRun run = runner.Run({L"command", L"30211", same, linked, plain}, {L"yes"});
+    EXPECT_EQ(runner.Folder().Read(L"same.b64"), text);
+    EXPECT_EQ(runner.Folder().Read(L"linked.b64"), MimeHeader("link") + "YWJj");
+    EXPECT_EQ(runner.Folder().Read(L"plain"), "YWJj");
+    EXPECT_EQ(std::count(run.log.begin(), run.log.end(), '\n'), 3) << run.log;
+    EXPECT_EQ(runner.Folder().List(), (Names{L"link", L"linked.b64", L"plain", L"same.b64"}));
+}
+
+TEST(Base64Command, OpensTheSourceBeforeTheTargetAndGoesOn) {
+    const CommandRunner runner;
+    const std::wstring folder = runner.Folder() / L"sub";
+    ASSERT_TRUE(CreateDirectoryW(folder.c_str(), nullptr));
+    runner.Folder().Write(L"sub.b64", "old");
+    const std::wstring cut = runner.Folder().Write(L"cut.b64", "YWJjY");
+    CommandRun run = runner.Run({L"command", L"30210", folder}, {L"yes"});
+    EXPECT_NE(run.log.find("[Base64] - Failed to encode file : "), std::string::npos) << run.log;
+    EXPECT_EQ(runner.Folder().Read(L"sub.b64"), "old");
+    run = runner.Run({L"command", L"30211", cut}, {L"yes"});
+    EXPECT_NE(run.log.find("( The Base64 text is cut off, ErrorCode : 13 )"), std::string::npos) << run.log;
+    EXPECT_EQ(runner.Folder().Read(L"cut"), "abc");
+}
+
+}  // namespace

@@ -1,0 +1,115 @@
+// "Create links": the names proposed, what is refused beforehand, and the command with its dialog.
+#include <gtest/gtest.h>
+
+#include "fileutils/command_runner.h"
+#include "fileutils/link_rules.h"
+#include "support/dialog_driver.h"
+#include "ui/create_links_dlg.h"
+#include "ui/resource.h"
+#include "win32/files.h"
+
+namespace {
+
+using QVTest::CommandRun;
+using QVTest::CommandRunner;
+using QVTest::DialogDriver;
+using QVTest::DrivenDialog;
+using Names = std::vector<std::wstring>;
+
+constexpr wchar_t kTitle[] = L"Create links";
+
+TEST(LinkNames, AreProposedBesideAndElsewhere) {
+    EXPECT_EQ(Ui::ProposedLinkName({L"C:\\a\\b.tar.gz", false}, L"C:\\x"), L"b.tar.gz");
+    EXPECT_EQ(Ui::ProposedLinkName({L"C:\\a\\b.tar.gz", false}, L"c:\\A\\"), L"b.tar - link.gz");
+    EXPECT_EQ(Ui::ProposedLinkName({L"C:\\a\\b.c", true}, L"C:\\a"), L"b.c - link");
+    EXPECT_EQ(Ui::LinkPath(4, L"C:\\a", L"b.txt"), L"C:\\a\\b.txt.lnk");
+    EXPECT_EQ(Ui::LinkPath(4, L"C:\\a\\", L"b.LNK"), L"C:\\a\\b.LNK");
+    EXPECT_EQ(Ui::LinkPath(3, L"C:\\a", L"b"), L"C:\\a\\b");
+}
+
+TEST(LinkRules, RefuseWhatCannotWork) {
+    const QVTest::TemporaryFolder folder;
+    const std::wstring file = folder.Write(L"file", "x");
+    const std::wstring link = folder / L"link";
+    const struct {
+        const char* why;
+        uint32_t type;
+        std::wstring link;
+        std::wstring target;
+        bool targetIsFolder;
+        const wchar_t* reason;  // its beginning; "": none
+    } cases[] = {
+        {"a hard link to a file", 1, link, file, false, L""},
+        {"a junction to a folder", 2, link, folder.Path(), true, L""},
+        {"a symbolic link to anything", 3, link, folder.Path(), true, L""},
+        {"a name in use", 3, file, folder.Path(), true, L"This name is in use: file"},
+        {"no name", 3, folder / L"a?", file, false, L"This cannot be a name: a?"},
+        {"a missing folder", 4, folder / L"no\\a.lnk", file, false, L"There is no folder "},
+        {"a hard link to a folder", 1, link, folder.Path(), true, L"A hard link cannot lead to a folder: "},
+        {"another volume", 1, link, L"Z:\\x", false, L"A hard link cannot lead to another volume: "},
+        {"a junction to a file", 2, link, file, false, L"A junction cannot lead to a file: "},
+        {"a junction to a share", 2, link, L"\\\\a\\b", true, L"A junction cannot lead to another computer: "},
+    };
+    for (const auto& c : cases) {
+        const std::wstring reason = FileUtils::WhyNoLink(c.type, c.link, c.target, c.targetIsFolder);
+        EXPECT_TRUE(reason.starts_with(c.reason)) << c.why << testing::PrintToString(reason);
+        EXPECT_EQ(reason.empty(), *c.reason == 0) << c.why << testing::PrintToString(reason);
+    }
+}
+
+TEST(CreateLinksCommand, MakesOneLinkForEachTarget) {
+    const CommandRunner runner;
+    const std::wstring first = runner.Folder().Write(L"a.txt", "1");
+    const std::wstring second = runner.Folder().Write(L"b", "2");
+    CommandRun run;
+    const auto script = [](DialogDriver& driver) {
+        const DrivenDialog dialog = driver.WaitFor(kTitle);
+        EXPECT_FALSE(dialog.IsEnabled(IDC_LINK_AS_ADMIN));
+        EXPECT_EQ(dialog.Selected(IDC_LINK_KIND), 0);
+        EXPECT_EQ(dialog.Text(IDC_LINK_NAME), L"a - link.txt");
+        EXPECT_TRUE(dialog.IsEnabled(IDOK)) << testing::PrintToString(dialog.Text(IDC_REASON));
+        dialog.Enter(IDC_LINK_NAME, L"b");
+        EXPECT_FALSE(dialog.IsEnabled(IDOK));
+        EXPECT_EQ(dialog.Text(IDC_REASON), L"This name is in use: b");
+        dialog.Enter(IDC_LINK_NAME, L"c.txt");
+        dialog.PressAndClose(IDOK);
+    };
+    QVTest::WhileDriving(script, [&] { run = runner.Run({L"command", L"30350", first, second}, {L"ok"}); });
+    EXPECT_EQ(run.status, 0) << run.notes;
+    EXPECT_TRUE(Win32::IsSameFile(first, runner.Folder() / L"c.txt"));
+    EXPECT_TRUE(Win32::IsSameFile(second, runner.Folder() / L"b - link"));
+    EXPECT_EQ(runner.Folder().List(), (Names{L"a.txt", L"b", L"b - link", L"c.txt"}));
+}
+
+TEST(CreateLinksCommand, OffersAdministratorRightsAndUsesThem) {
+    const CommandRunner runner;
+    const std::wstring target = runner.Folder().Write(L"a", "1");
+    CommandRun run;
+    const auto script = [](DialogDriver& driver) {
+        const DrivenDialog dialog = driver.WaitFor(kTitle);
+        EXPECT_TRUE(dialog.IsEnabled(IDC_LINK_AS_ADMIN));
+        dialog.Check(IDC_LINK_AS_ADMIN, true);
+        dialog.PressAndClose(IDOK);
+    };
+    QVTest::WhileDriving(script, [&] { run = runner.Run({L"command", L"30350", target, L"--can-elevate"}, {L"ok"}); });
+    EXPECT_TRUE(run.log.starts_with("Link Created (Hardlink) ")) << run.log << run.notes;
+    EXPECT_TRUE(Win32::IsSameFile(target, runner.Folder() / L"a - link"));
+}
+
+TEST(CreateLinksCommand, SaysHowManyLinksFailed) {
+    const CommandRunner runner;
+    CreateDirectoryW((runner.Folder() / L"sub").c_str(), nullptr);
+    CommandRun run;
+    const auto script = [](DialogDriver& driver) {
+        const DrivenDialog dialog = driver.WaitFor(kTitle);
+        EXPECT_EQ(dialog.Selected(IDC_LINK_KIND), 1);
+        dialog.PressAndClose(IDOK);
+    };
+    // Here no junction can be made.
+    QVTest::WhileDriving(script, [&] { run = runner.Run({L"command", L"30350", runner.Folder() / L"sub"}, {L"ok"}); });
+    EXPECT_TRUE(run.log.starts_with("Failed to create link (Junction) (Error : 13) ")) << run.log;
+    EXPECT_NE(run.notes.find("1 of 1 links could not be created."), std::string::npos) << run.notes;
+    EXPECT_EQ(runner.Folder().List(), Names{L"sub"});
+}
+
+}  // namespace

@@ -1,0 +1,103 @@
+// Quick renames and the group rename: the names they make, and the commands from the selection to the folder.
+#include "fileutils/quick_rename.h"
+
+#include <gtest/gtest.h>
+
+#include "fileutils/command_runner.h"
+#include "win32/windows.h"
+
+namespace {
+
+using FileUtils::QuickRenamed;
+using QVTest::CommandRun;
+using QVTest::CommandRunner;
+using Names = std::vector<std::wstring>;
+
+TEST(QuickRename, MakesTheseNames) {
+    const struct {
+        uint32_t id;
+        const wchar_t* name;
+        const wchar_t* file;
+        const wchar_t* folder;
+    } cases[] = {
+        {30000, L"az \u00E4\u044F.txt", L"AZ \u00E4\u044F.TXT", L"AZ \u00E4\u044F.TXT"},
+        {30001, L"AZ \u00C4\u042F.TXT", L"az \u00E4\u044F.txt", L"az \u00E4\u044F.txt"},
+        {30001, L"ISTANBUL", L"istanbul", L"istanbul"},
+        {30002, L"my file_name.TXT", L"My File_Name.txt", L"My File_Name.Txt"},
+        {30002, L"a.b", L"A.b", L"A.B"},
+        {30002, L"a.b.c", L"A.B.c", L"A.B.C"},
+        {30002, L"\u00E4B", L"\u00C4b", L"\u00C4b"},
+        {30002, L"  x", L"  X", L"  X"},
+        {30002, L".profile", L".profile", L".Profile"},
+        {30002, L"mr. x", L"Mr. X", L"Mr. X"},
+        {30003, L"a_b.c_d", L"a b.c_d", L"a b.c d"},
+        {30004, L"a_b.c_d", L"a.b.c_d", L"a.b.c.d"},
+        {30005, L"a b.c d", L"a_b.c d", L"a_b.c_d"},
+        {30006, L"a b.c d", L"a.b.c d", L"a.b.c.d"},
+        {30007, L"a.b.c", L"a_b.c", L"a_b_c"},
+        {30008, L"a.b.c", L"a b.c", L"a b c"},
+        {30003, L"a_b", L"a b", L"a b"},
+        {30007, L".a", L".a", L"_a"},
+        {30002, L"", L"", L""},
+        {30009, L"a_b c.d", L"a_b c.d", L"a_b c.d"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(QuickRenamed(c.id, c.name, false), c.file) << c.id;
+        EXPECT_EQ(QuickRenamed(c.id, c.name, true), c.folder) << c.id;
+    }
+}
+
+TEST(QuickRename, RenamesTheSelectionAfterOneQuestion) {
+    const CommandRunner runner;
+    const std::wstring changed = runner.Folder().Write(L"one_two.x_y", "1");
+    const std::wstring same = runner.Folder().Write(L"three", "3");
+    const std::wstring folder = runner.Folder() / L"sub_folder.d_e";
+    ASSERT_TRUE(CreateDirectoryW(folder.c_str(), nullptr));
+
+    CommandRun run = runner.Run({L"command", L"30003", changed, same, folder}, {L"cancel"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_NE(run.notes.find("2 names will change."), std::string::npos) << run.notes;
+    EXPECT_EQ(runner.Folder().List(), (Names{L"one_two.x_y", L"sub_folder.d_e", L"three"}));
+
+    run = runner.Run({L"command", L"30003", changed, same, folder}, {L"ok"});
+    EXPECT_EQ(run.status, 0) << run.notes;
+    EXPECT_EQ(runner.Folder().List(), (Names{L"one two.x_y", L"sub folder.d e", L"three"}));
+    EXPECT_EQ(run.log, "");
+
+    run = runner.Run({L"command", L"30003", same}, {L"ok"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.notes, "");  // no name changes, so nothing is asked
+}
+
+TEST(QuickRename, ChangesTheCaseOfANameInItsFolder) {
+    const CommandRunner runner;
+    const CommandRun run = runner.Run({L"command", L"30000", runner.Folder().Write(L"a.txt", "1")}, {L"ok"});
+    EXPECT_EQ(run.status, 0) << run.notes;
+    EXPECT_EQ(runner.Folder().List(), Names{L"A.TXT"});
+}
+
+TEST(RenameGroup, GivesEachFileTheNewNameWithItsOwnExtension) {
+    const struct {
+        const char* why;
+        std::wstring answer;
+        Names after;
+    } cases[] = {
+        {"all of the name", L"new", {L"a.b", L"b.txt", L"new", L"new.jpg", L"new.txt"}},
+        {"cancelled", L"cancel", {L"a", L"a.b", L"a.jpg", L"a.txt", L"b.txt"}},
+        {"the same name", L"a", {L"a", L"a.b", L"a.jpg", L"a.txt", L"b.txt"}},
+    };
+    for (const auto& c : cases) {
+        const CommandRunner runner;
+        std::vector<std::wstring> words = {L"command", L"30020"};
+        for (const wchar_t* name : {L"a.txt", L"a.jpg", L"a", L"b.txt"})
+            words.push_back(runner.Folder().Write(name, "x"));
+        const std::wstring folder = runner.Folder() / L"a.b";
+        ASSERT_TRUE(CreateDirectoryW(folder.c_str(), nullptr));
+        words.push_back(folder);
+        const CommandRun run = runner.Run(words, {c.answer});
+        EXPECT_EQ(run.status, 0) << c.why << run.notes;
+        EXPECT_EQ(runner.Folder().List(), c.after) << c.why;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,68 @@
+// XML documents in their readable and compact forms, through the host's XML service.
+#include <gtest/gtest.h>
+
+#include "fileutils/command_runner.h"
+
+namespace {
+
+using QVTest::CommandRun;
+using QVTest::CommandRunner;
+using Names = std::vector<std::wstring>;
+
+constexpr char kDeclaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
+
+/// Without line breaks and what else differs between systems at the document's ends.
+std::string Trimmed(std::string text) {
+    std::erase(text, '\r');
+    while (text.ends_with('\n')) text.pop_back();
+    if (text.starts_with(std::string(kDeclaration) + "\n")) text.erase(sizeof(kDeclaration) - 1, 1);
+    return text;
+}
+
+TEST(XmlConversion, GoesFromOneFormToTheOtherAndBack) {
+    const std::string compact =
+        std::string(kDeclaration) +
+        "<a x=\"1 &lt; 2\"><b>text <i>mixed</i> </b><c> </c><d xml:space=\"preserve\"> <e/> </d><f><g/></f></a>";
+    const std::string readable = std::string(kDeclaration) +
+                                 "<a x=\"1 &lt; 2\">\n\t<b>text <i>mixed</i> </b>\n\t<c> </c>\n"
+                                 "\t<d xml:space=\"preserve\"> <e/> </d>\n\t<f>\n\t\t<g/>\n\t</f>\n</a>";
+    const CommandRunner runner;
+    const std::wstring path = runner.Folder().Write(L"a.xml", compact);
+    for (int time = 0; time < 2; ++time) {  // the second time there is nothing left to do
+        EXPECT_EQ(runner.Run({L"command", L"30200", path}).status, 0);
+        EXPECT_EQ(Trimmed(runner.Folder().Read(L"a.xml")), readable);
+    }
+    EXPECT_EQ(runner.Run({L"command", L"30201", path}).status, 0);
+    EXPECT_EQ(Trimmed(runner.Folder().Read(L"a.xml")), compact);
+}
+
+TEST(XmlConversion, KeepsDeclarationAndEncoding) {
+    const std::string declaration = "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>";
+    const CommandRunner runner;
+    const std::wstring latin = runner.Folder().Write(L"latin.xml", declaration + "<a> <b>\xE4&#8364;</b> </a>");
+    const std::wstring start = L"\uFEFF<?xml version=\"1.0\" encoding=\"UTF-16\"?>";
+    const std::wstring wide = runner.Folder().Write(L"wide.xml", QVTest::Utf16(start + L"<a> <b>\u4E2D</b> </a>"));
+    const std::string unknown = "<?xml version=\"1.0\" encoding=\"IBM037\"?><a> <b/> </a>";
+    const std::wstring other = runner.Folder().Write(L"other.xml", unknown);
+    runner.Run({L"command", L"30201", latin, wide, other}, {L"ok"});
+    EXPECT_EQ(Trimmed(runner.Folder().Read(L"latin.xml")), declaration + "\n<a><b>\xE4&#8364;</b></a>");
+    const std::string wideBytes = runner.Folder().Read(L"wide.xml");
+    EXPECT_TRUE(wideBytes.starts_with(QVTest::Utf16(start + L"\n<a><b>\u4E2D</b></a>")))
+        << testing::PrintToString(wideBytes);
+    EXPECT_EQ(runner.Folder().Read(L"other.xml"), unknown);
+}
+
+TEST(XmlConversion, LeavesABadDocumentAloneAndSaysWhere) {
+    const CommandRunner runner;
+    const std::string bad = "<a>\n  <b></a>\n";
+    const std::wstring path = runner.Folder().Write(L"bad.xml", bad);
+    const std::wstring good = runner.Folder().Write(L"good.xml", "<a> <b/> </a>");
+    const CommandRun run = runner.Run({L"command", L"30201", path, good});
+    EXPECT_EQ(runner.Folder().Read(L"bad.xml"), bad);
+    EXPECT_NE(run.log.find("[Convert XML] - Failed to load file : "), std::string::npos) << run.log;
+    EXPECT_NE(run.notes.find("bad.xml, line 2, column "), std::string::npos) << run.notes;
+    EXPECT_NE(runner.Folder().Read(L"good.xml").find("<a><b/></a>"), std::string::npos);
+    EXPECT_EQ(runner.Folder().List(), (Names{L"bad.xml", L"good.xml"}));
+}
+
+}  // namespace
