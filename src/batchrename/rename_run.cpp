@@ -131,6 +131,7 @@ private:
 
     void HandOver(const std::vector<Move>& moves, Listener& listener) {
         std::vector<RenameRowInfo> infos;
+        infos.reserve(moves.size());
         for (const Move& move : moves)
             infos.push_back(
                 {static_cast<uint32_t>(infos.size()), 0, move.path.c_str(), move.to.c_str(), move.aside.c_str()});

@@ -164,7 +164,7 @@ private:
     /// The recorded folder. A location that ends in the item's own name may be its full path: it is when nothing is in
     /// a folder of that name.
     std::wstring FolderOf(const UndoEntry& entry) {
-        const std::wstring folder = WithoutSeparator(entry.location);
+        std::wstring folder = WithoutSeparator(entry.location);
         if (Win32::FileNameOf(folder) != entry.oldName || Win32::FolderOf(folder).size() < 3) return folder;
         const bool isFolder = m_listings.HasAny(folder) || m_session.isUnfinished;
         return isFolder ? folder : WithoutSeparator(Win32::FolderOf(folder));
@@ -172,7 +172,7 @@ private:
 
     /// What a folder of the time of the run is called now.
     std::wstring FolderNow(const std::wstring& folder) {
-        const std::wstring plain = WithoutSeparator(folder);
+        std::wstring plain = WithoutSeparator(folder);
         const auto moved = m_movedFolders.find(FoldedName(plain));
         if (moved != m_movedFolders.end())
             return Win32::JoinPath(m_places[moved->second].folder, m_places[moved->second].name);

@@ -20,7 +20,10 @@ struct LetterPair {
 };
 constexpr std::array<LetterPair, 4096> kPairs = [] {
     std::array<LetterPair, 4096> pairs = {};
-    for (size_t bits = 0; bits < pairs.size(); ++bits) pairs[bits] = {kAlphabet[bits >> 6], kAlphabet[bits & 63]};
+    for (size_t bits = 0; bits < pairs.size(); ++bits) {
+        pairs[bits].first = kAlphabet[bits >> 6];
+        pairs[bits].second = kAlphabet[bits & 63];
+    }
     return pairs;
 }();
 

@@ -14,7 +14,8 @@ std::wstring VolumeOf(const std::wstring& path) {
     const std::wstring full = Win32::FullPath(path);
     std::wstring volume(full.size() + 2, L'\0');
     if (!GetVolumePathNameW(full.c_str(), volume.data(), static_cast<DWORD>(volume.size()))) return {};
-    return volume.c_str();
+    volume.resize(std::char_traits<wchar_t>::length(volume.c_str()));
+    return volume;
 }
 
 bool IsOnAnotherMachine(const std::wstring& path) {

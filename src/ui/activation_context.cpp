@@ -19,15 +19,9 @@ ActivationContext::ActivationContext() {
     request.hModule = OwnModule();
     m_context = CreateActCtxW(&request);
     if (m_context != INVALID_HANDLE_VALUE) m_isActive = ActivateActCtx(m_context, &m_cookie) != FALSE;
-    // Registers the classes of the version that is active now; a host need not have loaded any. Loaded here and not
-    // with our own module: a run without a dialog starts in half the time. The system's folder is searched alone, after
-    // what the context redirects to.
-    m_controls.Reset(LoadLibraryExW(L"comctl32.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
-    using Register = BOOL(WINAPI*)(const INITCOMMONCONTROLSEX*);
-    if (const auto registerClasses = Win32::FindFunction<Register>(m_controls, "InitCommonControlsEx")) {
-        const INITCOMMONCONTROLSEX classes = {sizeof(classes), ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES};
-        registerClasses(&classes);
-    }
+    // Registers the classes of the version that is active now; a host need not have loaded any.
+    const INITCOMMONCONTROLSEX classes = {sizeof(classes), ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES};
+    InitCommonControlsEx(&classes);
 }
 
 ActivationContext::~ActivationContext() {

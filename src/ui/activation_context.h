@@ -1,7 +1,7 @@
 // activation_context.h - common controls version 6 for our windows, whatever version the host chose for its own.
 #pragma once
 
-#include "win32/module.h"
+#include "win32/handle.h"
 
 namespace Ui {
 
@@ -21,7 +21,6 @@ private:
     HANDLE m_context;
     ULONG_PTR m_cookie = 0;
     bool m_isActive = false;
-    Win32::Module m_controls;
 };
 
 }  // namespace Ui

@@ -83,7 +83,7 @@ void FillCombo(HWND combo, const HostTexts& texts, std::span<const ListEntry> en
     }
     // In another language the entries may be longer than the field: the open list shows them whole.
     const int margin = GetSystemMetrics(SM_CXVSCROLL);
-    SendMessageW(combo, CB_SETDROPPEDWIDTH, static_cast<WPARAM>(meter.Widest() + margin), 0);
+    SendMessageW(combo, CB_SETDROPPEDWIDTH, static_cast<WPARAM>(meter.Widest()) + static_cast<WPARAM>(margin), 0);
 }
 
 uint32_t SelectedBit(HWND combo) {
@@ -99,8 +99,8 @@ void FillList(HWND list, std::span<const std::wstring> paths) {
         SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(path.c_str()));
         meter.Add(path);
     }
-    constexpr LONG kMargin = 8;
-    SendMessageW(list, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(meter.Widest() + kMargin), 0);
+    constexpr WPARAM kMargin = 8;
+    SendMessageW(list, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(meter.Widest()) + kMargin, 0);
     SendMessageW(list, WM_SETREDRAW, TRUE, 0);
 }
 

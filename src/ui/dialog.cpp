@@ -62,7 +62,7 @@ bool Dialog::OnMessage(UINT, WPARAM, LPARAM) {
     return false;
 }
 
-void Dialog::OnFailure(std::exception_ptr) noexcept {}
+void Dialog::OnFailure(const std::exception_ptr&) noexcept {}
 
 void Dialog::ThrowFailure() {
     if (const std::exception_ptr failure = std::exchange(m_failure, nullptr)) std::rethrow_exception(failure);

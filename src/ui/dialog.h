@@ -42,7 +42,7 @@ protected:
     /// Any other message, before the base looks at it; true when handled.
     virtual bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     /// Something was thrown in a handler of a modeless dialog, whose window is gone.
-    virtual void OnFailure(std::exception_ptr failure) noexcept;
+    virtual void OnFailure(const std::exception_ptr& failure) noexcept;
 
     HWND Item(int id) const noexcept { return GetDlgItem(m_window, id); }
     /// From OnInit on the controls follow the window's size, which cannot get smaller than it is then.

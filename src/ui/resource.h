@@ -82,25 +82,25 @@
 #define IDC_DATE_FORMAT_LABEL      1340
 
 // Replace text in names.
-#define IDD_REPLACE_IN_NAMES     103
-#define IDC_NAME_FIND            1400
-#define IDC_NAME_REPLACEMENT     1401
-#define IDC_NAME_IGNORE_CASE     1402
-#define IDC_NAME_PART            1403
-#define IDC_NAME_PREVIEW         1404
-#define IDC_NAME_FIND_LABEL      1405
-#define IDC_NAME_REPLACE_LABEL   1406
-#define IDC_NAME_PART_LABEL      1407
-#define IDC_NAME_PREVIEW_LABEL   1408
+#define IDD_REPLACE_IN_NAMES   103
+#define IDC_NAME_FIND          1400
+#define IDC_NAME_REPLACEMENT   1401
+#define IDC_NAME_IGNORE_CASE   1402
+#define IDC_NAME_PART          1403
+#define IDC_NAME_PREVIEW       1404
+#define IDC_NAME_FIND_LABEL    1405
+#define IDC_NAME_REPLACE_LABEL 1406
+#define IDC_NAME_PART_LABEL    1407
+#define IDC_NAME_PREVIEW_LABEL 1408
 
 // Create links.
-#define IDD_CREATE_LINKS         104
-#define IDC_LINK_KIND            1500
-#define IDC_LINK_FOLDER          1501
-#define IDC_LINK_TARGETS         1502
-#define IDC_LINK_NAME            1503
-#define IDC_LINK_AS_ADMIN        1504
-#define IDC_LINK_KIND_LABEL      1505
-#define IDC_LINK_FOLDER_LABEL    1506
-#define IDC_LINK_TARGETS_LABEL   1507
-#define IDC_LINK_NAME_LABEL      1508
+#define IDD_CREATE_LINKS       104
+#define IDC_LINK_KIND          1500
+#define IDC_LINK_FOLDER        1501
+#define IDC_LINK_TARGETS       1502
+#define IDC_LINK_NAME          1503
+#define IDC_LINK_AS_ADMIN      1504
+#define IDC_LINK_KIND_LABEL    1505
+#define IDC_LINK_FOLDER_LABEL  1506
+#define IDC_LINK_TARGETS_LABEL 1507
+#define IDC_LINK_NAME_LABEL    1508

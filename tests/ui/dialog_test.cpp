@@ -44,7 +44,7 @@ private:
         if (id == IDOK) End(42);
         return id == IDOK;
     }
-    void OnFailure(std::exception_ptr thrown) noexcept override { failure = thrown; }
+    void OnFailure(const std::exception_ptr& thrown) noexcept override { failure = thrown; }
 };
 
 TEST(Dialog, ReturnsWhatItEndsWith) {
