@@ -105,8 +105,9 @@ ICustomCommandRegistry* HostServices::GetCustomCommandRegistry(const char* modul
 }
 
 IXmlService* HostServices::GetXmlService(const wchar_t*, uint32_t) {
-    return Guarded<IXmlService*>(
-        nullptr, [&] { return m_state.xmlServices.Keep(std::make_shared<XmlService>(m_state.xmlServices, m_state.output)); });
+    return Guarded<IXmlService*>(nullptr, [&] {
+        return m_state.xmlServices.Keep(std::make_shared<XmlService>(m_state.xmlServices, m_state.output));
+    });
 }
 
 ISettings* HostServices::GetSettings() {
