@@ -108,11 +108,11 @@ bool IsXmlText(std::wstring_view text) {
         const wchar_t unit = text[at];
         if (unit >= 0xD800 && unit <= 0xDBFF) {
             if (++at == text.size() || text[at] < 0xDC00 || text[at] > 0xDFFF) return false;
-        } else if ((unit >= 0xDC00 && unit <= 0xDFFF) || unit == 0xFFFE || unit == 0xFFFF) {
-            return false;
-        } else if (unit < L' ' && unit != L'\t' && unit != L'\n' && unit != L'\r') {
-            return false;
+            continue;
         }
+        const bool isHalfPair = unit >= 0xDC00 && unit <= 0xDFFF;
+        const bool isControl = unit < L' ' && unit != L'\t' && unit != L'\n' && unit != L'\r';
+        if (isHalfPair || isControl || unit == 0xFFFE || unit == 0xFFFF) return false;
     }
     return true;
 }

@@ -18,22 +18,24 @@ struct LetterPair {
     char first;
     char second;
 };
-constexpr std::array<LetterPair, 4096> kPairs = [] {
+constexpr std::array<LetterPair, 4096> MakePairs() {
     std::array<LetterPair, 4096> pairs = {};
     for (size_t bits = 0; bits < pairs.size(); ++bits) {
         pairs[bits].first = kAlphabet[bits >> 6];
         pairs[bits].second = kAlphabet[bits & 63];
     }
     return pairs;
-}();
+}
+constexpr std::array<LetterPair, 4096> kPairs = MakePairs();
 
-constexpr std::array<uint8_t, 256> kValues = [] {
+constexpr std::array<uint8_t, 256> MakeValues() {
     std::array<uint8_t, 256> values = {};
     values.fill(kNoLetter);
     for (size_t value = 0; value < kAlphabet.size(); ++value)
         values[static_cast<uint8_t>(kAlphabet[value])] = static_cast<uint8_t>(value);
     return values;
-}();
+}
+constexpr std::array<uint8_t, 256> kValues = MakeValues();
 
 constexpr uint32_t kNoGroup = 0xFF000000;  // the byte behind a group's three
 
