@@ -16,7 +16,8 @@ std::vector<Ui::LinkTarget> TargetsOf(IFileList& list) {
     const uint32_t count = list.GetCount();
     for (uint32_t index = 0; index < count; ++index) {
         IFileItem* const item = list.GetItem(index);
-        std::wstring path = item ? PathOf(*item) : std::wstring();
+        if (!item) continue;
+        std::wstring path = PathOf(*item);
         if (!path.empty()) targets.push_back({std::move(path), IsFolder(*item)});
     }
     return targets;
