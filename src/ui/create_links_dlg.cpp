@@ -38,7 +38,7 @@ uint32_t ProposedType(const std::vector<LinkTarget>& targets) {
 }  // namespace
 
 std::wstring ProposedLinkName(const LinkTarget& target, const std::wstring& folder) {
-    const std::wstring name(Win32::FileNameOf(target.path));
+    std::wstring name(Win32::FileNameOf(target.path));
     if (!IsSamePath(Win32::JoinPath(folder, name), target.path)) return name;
     const Win32::NameParts parts = target.isFolder ? Win32::NameParts{name, {}, false} : Win32::SplitName(name);
     std::wstring proposed = std::wstring(parts.stem) + L" - link";
