@@ -16,9 +16,9 @@ struct SortFileResult {
 
 /// Reads `source`, sorts its lines and writes `target`, which may be the same file. Never throws.
 ///
-/// 8-bit text and UTF-16 are sorted; other files are refused with code 1630 and stay untouched, and so does every
-/// source that fails before writing begins. With a backup, the file is moved aside before its successor is written;
-/// when that fails the backup stays, and the text says so.
+/// 8-bit text and UTF-16 are sorted; other files are refused with code 1630. Every file that fails stays untouched
+/// under its name: its successor is written beside it, and the file is moved aside or replaced only once that is
+/// complete.
 SortFileResult SortFile(const std::wstring& source, const std::wstring& target, const SortRequest& request) noexcept;
 
 }  // namespace QVLineSorter
