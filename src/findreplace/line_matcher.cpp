@@ -1,5 +1,7 @@
 #include "findreplace/line_matcher.h"
 
+#include <algorithm>
+
 #include "findreplace/request.h"
 #include "textio/byte_search.h"
 
@@ -32,7 +34,24 @@ public:
         return replacement.size() > m_item.size() && this->Find(replacement.substr(m_item.size()), found);
     }
 
+    bool MayBeginInRestOf(View replacement) override {
+        if (replacement.size() <= m_item.size()) return false;
+        const View rest = replacement.substr(m_item.size());
+        if (rest.find(CharT(0)) != View::npos) return true;  // it may end the search
+        for (size_t start = 0; start < rest.size(); ++start) {
+            const size_t length = std::min(rest.size() - start, m_item.size());
+            if (std::equal(m_item.begin(), m_item.begin() + static_cast<std::ptrdiff_t>(length), rest.begin() + start,
+                           [this](CharT left, CharT right) { return IsSame(left, right); }))
+                return true;
+        }
+        return false;
+    }
+
 protected:
+    bool IsSame(CharT left, CharT right) const {
+        return m_foldsCase ? FoldCase(left) == FoldCase(right) : left == right;
+    }
+
     const std::basic_string<CharT> m_item;
     const bool m_foldsCase;
 };
@@ -70,19 +89,13 @@ public:
                 at = FindSequence(at, end, item.data(), 1, kFoldsCase);
                 if (at == end) return false;
             }
-            matched = AreEqual(*at, item[matched]) ? matched + 1 : 0;
+            matched = this->IsSame(*at, item[matched]) ? matched + 1 : 0;
             if (matched == item.size()) {
                 found = {static_cast<size_t>(at - text.data()) + 1 - matched, matched};
                 return true;
             }
         }
         return false;
-    }
-
-private:
-    static bool AreEqual(CharT left, CharT right) {
-        if constexpr (kFoldsCase) return FoldCase(left) == FoldCase(right);
-        return left == right;
     }
 };
 

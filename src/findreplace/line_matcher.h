@@ -36,6 +36,10 @@ public:
     /// True when the item is sure to be found again and again in what it was replaced by, so that replacing all of its
     /// hits would never end. False says nothing.
     virtual bool NeverEndsWith(View replacement) = 0;
+
+    /// False when no hit can begin in the part of `replacement` behind the place where the search goes on in it,
+    /// whatever text follows. True says nothing.
+    virtual bool MayBeginInRestOf(View replacement) = 0;
 };
 
 /// The matcher for plain text. An empty item has no hits.
