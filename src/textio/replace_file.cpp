@@ -64,6 +64,8 @@ uint32_t FileReplacement::Commit() {
 /// Gives the complete file the target's name.
 uint32_t FileReplacement::TakePlace() {
     const std::wstring& target = m_request.target;
+    ThrowIfFailed(Win32::CopyStreams(target, m_path, Win32::NamedStreamsOf(target)),
+                  "Unable to carry over the named streams of the file");
     Win32::CarryOverAttributesAndAccess(target, m_path);
     const std::wstring backup = WantsBackup() ? FreeBackupName(target, Win32::Exists) : std::wstring();
     if (backup.empty()) {

@@ -1,6 +1,8 @@
 #include "win32/files.h"
 
+#include <memory>
 #include <optional>
+#include <string_view>
 
 #include "win32/handle.h"
 #include "win32/path.h"
@@ -31,6 +33,25 @@ uint32_t Move(const std::wstring& from, const std::wstring& to, DWORD flags) {
     const std::wstring source = ExtendedPath(from);
     const std::wstring target = ExtendedPath(to);
     return WithRetries([&] { return MoveFileExW(source.c_str(), target.c_str(), flags) != FALSE; });
+}
+
+struct FindTraits {
+    using Raw = HANDLE;
+    static Raw Empty() noexcept { return INVALID_HANDLE_VALUE; }
+    static void Close(Raw raw) noexcept { FindClose(raw); }
+};
+
+uint32_t CopyBytes(const FileHandle& from, const FileHandle& to) {
+    constexpr DWORD kBlockSize = 64 * 1024;
+    const auto block = std::make_unique_for_overwrite<char[]>(kBlockSize);
+    for (;;) {
+        DWORD size = 0;
+        DWORD written = 0;
+        if (!ReadFile(from.Get(), block.get(), kBlockSize, &size, nullptr)) return GetLastError();
+        if (size == 0) return ERROR_SUCCESS;
+        if (!WriteFile(to.Get(), block.get(), size, &written, nullptr)) return GetLastError();
+        if (written != size) return ERROR_DISK_FULL;
+    }
 }
 
 /// What tells one file of this machine from all others: volume serial number and file index.
@@ -105,6 +126,35 @@ void CarryOverAttributesAndAccess(const std::wstring& from, const std::wstring& 
     if (attributes == INVALID_FILE_ATTRIBUTES) return;
     const DWORD carried = attributes & kCarriedAttributes;
     SetFileAttributesW(target.c_str(), carried ? carried : FILE_ATTRIBUTE_NORMAL);
+}
+
+std::vector<std::wstring> NamedStreamsOf(const std::wstring& path) {
+    std::vector<std::wstring> streams;
+    WIN32_FIND_STREAM_DATA stream = {};
+    const UniqueHandle<FindTraits> search(
+        FindFirstStreamW(ExtendedPath(path).c_str(), FindStreamInfoStandard, &stream, 0));
+    if (!search) return streams;
+    do {
+        const std::wstring_view name = stream.cStreamName;
+        if (!name.starts_with(L"::")) streams.emplace_back(name);
+    } while (FindNextStreamW(search.Get(), &stream));
+    return streams;
+}
+
+uint32_t CopyStreams(const std::wstring& from, const std::wstring& to, const std::vector<std::wstring>& streams) {
+    const std::wstring source = ExtendedPath(from);
+    const std::wstring target = ExtendedPath(to);
+    for (const std::wstring& stream : streams) {
+        const FileHandle reader(CreateFileW((source + stream).c_str(), GENERIC_READ,
+                                            FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                            OPEN_EXISTING, 0, nullptr));
+        if (!reader) return GetLastError();
+        const FileHandle writer(
+            CreateFileW((target + stream).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+        if (!writer) return GetLastError();
+        if (const uint32_t error = CopyBytes(reader, writer)) return error;
+    }
+    return ERROR_SUCCESS;
 }
 
 }  // namespace Win32
