@@ -122,7 +122,9 @@ void AddOptions(CLI::App& app, RawOptions& raw, HostOptions& options) {
         ->allow_extra_args(false);
     app.add_flag("--windows", options.asksInWindows,
                  "Asks questions in windows, and shows progress in one where there is no terminal");
-    app.add_option("--files-from", raw.filesFrom, "Further paths, one a line, UTF-8; - for standard input")
+    app.add_option("--files-from", raw.filesFrom,
+                   "Further paths, one a line, UTF-8; - for standard input. A call is made for each path, "
+                   "which stands where its arguments say {}")
         ->type_name("FILE")
         ->take_last();
     app.add_flag("--can-elevate", options.canElevate, "The host can start an elevated second process");

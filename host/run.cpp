@@ -1,5 +1,7 @@
 #include "host/run.h"
 
+#include <algorithm>
+
 #include "host/command_line.h"
 #include "host/elevated_server.h"
 #include "host/host_error.h"
@@ -14,6 +16,8 @@
 
 namespace QVHost {
 namespace {
+
+constexpr std::wstring_view kPathPlace = L"{}";  // in the arguments of a call that is made for each path
 
 std::wstring Wide(const std::string& text) {
     return FromUtf8(text).value_or(L"");
@@ -34,11 +38,11 @@ const CustomCommand& FindCustomCommand(const CustomCommandTable& table, const st
                      L" (qvhost commands lists them)");
 }
 
-int RunCall(Session& session, const HostOptions& options) {
+/// One call with the arguments as they are. @throws UsageError for arguments that the command does not take
+bool CallOnce(Session& session, const CustomCommand& command, const std::vector<std::wstring>& arguments) {
     HostState& state = session.State();
-    const CustomCommand& command = FindCustomCommand(state.customCommands, options.operands.front());
     CustomCommandCall call(command);
-    for (size_t at = 1; at < options.operands.size(); ++at) call.SetArgument(options.operands[at]);
+    for (const std::wstring& argument : arguments) call.SetArgument(argument);
 
     Quorvane::SDK::IPluginInterface* const extension = session.Extensions()[command.Extension()]->Commands();
     const bool handled = extension && extension->OnCustomCommand(&call) != 0;
@@ -47,7 +51,27 @@ int RunCall(Session& session, const HostOptions& options) {
     // The extension decides what it makes of a call without them; a person wants to know why nothing happened.
     for (const std::wstring& name : call.MissingParameters())
         if (!handled) state.output.Note(L"qvhost: " + Wide(command.Name()) + L" needs " + name);
-    return StatusOf(state, handled, call.ResultCode());
+    return handled && call.ResultCode() == 0;
+}
+
+/// `arguments` with the path in the place of each {}.
+std::vector<std::wstring> ArgumentsFor(std::vector<std::wstring> arguments, const std::wstring& path) {
+    for (std::wstring& argument : arguments)
+        for (size_t at = 0; (at = argument.find(kPathPlace, at)) != std::wstring::npos; at += path.size())
+            argument.replace(at, kPathPlace.size(), path);
+    return arguments;
+}
+
+int RunCall(Session& session, const HostOptions& options, std::istream& in) {
+    const CustomCommand& command = FindCustomCommand(session.State().customCommands, options.operands.front());
+    const std::vector<std::wstring> arguments(options.operands.begin() + 1, options.operands.end());
+    if (!options.filesFrom) return StatusOf(session.State(), CallOnce(session, command, arguments), 0);
+    if (std::ranges::none_of(arguments, [](const auto& text) { return text.find(kPathPlace) != text.npos; }))
+        throw UsageError(L"with --files-from the place of each path is marked by {}, as in FILE={}");
+    bool isDone = true;
+    for (const std::wstring& path : SelectedPaths({}, options.filesFrom, in))
+        isDone &= CallOnce(session, command, ArgumentsFor(arguments, path));
+    return StatusOf(session.State(), isDone, 0);
 }
 
 /// Gives the command to the extension that made it, or, when none did, to one after the other until it is handled:
@@ -84,8 +108,9 @@ int RunElevatedServer(Session& session, const HostOptions& options) {
 }
 
 int Run(const HostOptions& options, HostEnvironment& environment, Output& output) {
-    if (options.action != Action::Command && options.action != Action::Rename && options.filesFrom)
-        throw UsageError(L"--files-from goes with command and rename alone");
+    const bool takesPaths =
+        options.action == Action::Command || options.action == Action::Call || options.action == Action::Rename;
+    if (options.filesFrom && !takesPaths) throw UsageError(L"--files-from goes with call, command and rename alone");
     if (options.action == Action::Rename) return RunRename(options, environment, output);
     if (options.action == Action::Undo) return RunUndo(options, environment, output);
     Session session(options, environment, output);
@@ -95,7 +120,7 @@ int Run(const HostOptions& options, HostEnvironment& environment, Output& output
     }
     session.StartExtensions();
     switch (options.action) {
-        case Action::Call: return RunCall(session, options);
+        case Action::Call: return RunCall(session, options, environment.in);
         case Action::Command: return RunCommand(session, options, environment.in);
         case Action::ElevatedServer: return RunElevatedServer(session, options);
         case Action::Menus: PrintMenus(output, session.State().menus); return ExitStatus::Done;
