@@ -1,5 +1,6 @@
 #include "win32/files.h"
 
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -35,12 +36,6 @@ uint32_t Move(const std::wstring& from, const std::wstring& to, DWORD flags) {
     return WithRetries([&] { return MoveFileExW(source.c_str(), target.c_str(), flags) != FALSE; });
 }
 
-struct FindTraits {
-    using Raw = HANDLE;
-    static Raw Empty() noexcept { return INVALID_HANDLE_VALUE; }
-    static void Close(Raw raw) noexcept { FindClose(raw); }
-};
-
 uint32_t CopyBytes(const FileHandle& from, const FileHandle& to) {
     constexpr DWORD kBlockSize = 64 * 1024;
     const auto block = std::make_unique_for_overwrite<char[]>(kBlockSize);
@@ -71,22 +66,43 @@ std::optional<FileIdentity> IdentityOf(const std::wstring& path) {
     return FileIdentity{information.dwVolumeSerialNumber, information.nFileIndexHigh, information.nFileIndexLow};
 }
 
-void CarryOverAccess(const std::wstring& from, std::wstring to) {
+/// A file's own access list, in memory of the descriptor.
+struct AccessList {
+    LocalMemory descriptor;
     PACL list = nullptr;
+    bool isProtected = false;  // it takes nothing from the folder's
+};
+
+std::optional<AccessList> AccessListOf(const std::wstring& path) {
+    AccessList access;
     PSECURITY_DESCRIPTOR raw = nullptr;
-    if (GetNamedSecurityInfoW(from.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list, nullptr,
-                              &raw) != ERROR_SUCCESS)
-        return;
-    const LocalMemory descriptor(raw);
+    if (GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &access.list,
+                              nullptr, &raw) != ERROR_SUCCESS)
+        return std::nullopt;
+    access.descriptor.Reset(raw);
     SECURITY_DESCRIPTOR_CONTROL control = 0;
     DWORD revision = 0;
-    if (!GetSecurityDescriptorControl(raw, &control, &revision)) return;
-    // A list that came from the folder is inherited by the new file anyway; only a list of the file's own is carried.
-    const bool isProtected = (control & SE_DACL_PROTECTED) != 0;
+    if (!GetSecurityDescriptorControl(raw, &control, &revision)) return std::nullopt;
+    access.isProtected = (control & SE_DACL_PROTECTED) != 0;
+    return access;
+}
+
+bool AreEqual(const AccessList& left, const AccessList& right) {
+    if (!left.list || !right.list) return !left.list && !right.list;
+    return left.isProtected == right.isProtected && left.list->AclSize == right.list->AclSize &&
+           std::memcmp(left.list, right.list, left.list->AclSize) == 0;
+}
+
+/// Mostly the new file has what it needs from its folder already: then nothing is written.
+void CarryOverAccess(const std::wstring& from, std::wstring to) {
+    const std::optional<AccessList> wanted = AccessListOf(from);
+    if (!wanted) return;
+    const std::optional<AccessList> present = AccessListOf(to);
+    if (present && AreEqual(*wanted, *present)) return;
     const SECURITY_INFORMATION inheritance =
-        isProtected ? PROTECTED_DACL_SECURITY_INFORMATION : UNPROTECTED_DACL_SECURITY_INFORMATION;
-    SetNamedSecurityInfoW(to.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION | inheritance, nullptr, nullptr, list,
-                          nullptr);
+        wanted->isProtected ? PROTECTED_DACL_SECURITY_INFORMATION : UNPROTECTED_DACL_SECURITY_INFORMATION;
+    SetNamedSecurityInfoW(to.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION | inheritance, nullptr, nullptr,
+                          wanted->list, nullptr);
 }
 
 }  // namespace
@@ -125,14 +141,14 @@ void CarryOverAttributesAndAccess(const std::wstring& from, const std::wstring& 
     const DWORD attributes = GetFileAttributesW(source.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES) return;
     const DWORD carried = attributes & kCarriedAttributes;
+    if (carried == (GetFileAttributesW(target.c_str()) & kCarriedAttributes)) return;
     SetFileAttributesW(target.c_str(), carried ? carried : FILE_ATTRIBUTE_NORMAL);
 }
 
 std::vector<std::wstring> NamedStreamsOf(const std::wstring& path) {
     std::vector<std::wstring> streams;
     WIN32_FIND_STREAM_DATA stream = {};
-    const UniqueHandle<FindTraits> search(
-        FindFirstStreamW(ExtendedPath(path).c_str(), FindStreamInfoStandard, &stream, 0));
+    const FindHandle search(FindFirstStreamW(ExtendedPath(path).c_str(), FindStreamInfoStandard, &stream, 0));
     if (!search) return streams;
     do {
         const std::wstring_view name = stream.cStreamName;

@@ -6,17 +6,6 @@
 #include "win32/path.h"
 
 namespace Win32 {
-namespace {
-
-struct FindTraits {
-    using Raw = HANDLE;
-    static Raw Empty() noexcept { return INVALID_HANDLE_VALUE; }
-    static void Close(Raw raw) noexcept { FindClose(raw); }
-};
-using FindHandle = UniqueHandle<FindTraits>;
-
-}  // namespace
-
 uint32_t ListFolder(const std::wstring& folder, const std::wstring& pattern, std::vector<std::wstring>& names) {
     names.clear();
     WIN32_FIND_DATAW entry = {};
