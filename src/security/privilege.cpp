@@ -47,7 +47,9 @@ void Enable(const wchar_t* name, Use& use) {
     use.error = isDone ? ERROR_SUCCESS : error;
     // A call that succeeds for a privilege that the user does not hold says so in the last error.
     use.isHeld = isDone && error == ERROR_SUCCESS;
-    if (!use.isHeld) use.before.PrivilegeCount = 0;
+    // Some systems list a privilege here that was enabled already.
+    const bool wasEnabled = (use.before.Privileges[0].Attributes & SE_PRIVILEGE_ENABLED) != 0;
+    if (!use.isHeld || wasEnabled) use.before.PrivilegeCount = 0;
 }
 
 void Restore(Use& use) {
