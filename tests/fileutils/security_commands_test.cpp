@@ -250,6 +250,14 @@ TEST(ResetAccess, AsksFirstAndThenTakesBackWhatWasGranted) {
     }
 }
 
+TEST(PropertyColumns, CanBeNamedInTheTagsOfTheRenamer) {
+    const CommandRunner runner;
+    const std::wstring file = runner.Folder().Write(L"a.txt", "x");
+    const std::string log = runner.Run({L"rename", file, L"--name", L"[N] [?ADSCOUNT]", L"--preview"}).log;
+    EXPECT_EQ(log, "a.txt\ta 0.txt\trename\n");
+    EXPECT_EQ(runner.Run({L"rename", file, L"--name", L"[?nothing]", L"--preview"}).status, 1);
+}
+
 TEST(AccountOfSelection, IsDomainAndName) {
     const struct {
         const wchar_t* path;
