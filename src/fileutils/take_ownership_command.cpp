@@ -14,8 +14,8 @@ namespace {
 using namespace Quorvane::SDK;
 
 /// Needs the privilege to take ownership where the user has no right to.
-SecurityChange MakeOwner(const std::wstring& user) {
-    return [user](const std::wstring& path) { return Security::NTFSTools().SetOwner(path, user); };
+uint32_t MakeOwner(const std::wstring& path, const std::wstring& user) {
+    return Security::NTFSTools().SetOwner(path, user);
 }
 
 /// What the host has kept of the item's owner is not true any more.
@@ -45,7 +45,7 @@ uint32_t RunTakeOwnership(IHostServices& host, uint32_t) {
                     {.requestId = kTakeOwnershipRequest,
                      .failureText = 126_e,
                      .writeRequest = [&](IRequestWriter& writer) { WritePaths(writer, selection.paths); },
-                     .change = MakeOwner(user),
+                     .change = [&](const std::wstring& path) { return MakeOwner(path, user); },
                      .onChanged = RefreshOwner});
     RefreshPanel(host, *selection.items.front());
     return 1;
@@ -55,7 +55,8 @@ uint32_t AnswerTakeOwnershipRequest(IHostServices& host, IRequestMessage& messag
     uint32_t error = ERROR_INVALID_PARAMETER;
     if (const std::optional<Paths> paths = ReadWholeMessage(message, ReadPaths)) {
         const Security::ScopedPrivilege privilege(SE_TAKE_OWNERSHIP_NAME);
-        error = ChangeUntilFailure(host, *paths, MakeOwner(Security::CurrentUserName()));
+        const std::wstring user = Security::CurrentUserName();
+        error = ChangeUntilFailure(host, *paths, [&](const std::wstring& path) { return MakeOwner(path, user); });
     }
     message.Reply(1, error, 0, 0);
     return 1;

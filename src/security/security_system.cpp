@@ -37,7 +37,7 @@ void QueryStreams(HANDLE file, void* buffer, ULONG size) {
 }  // namespace
 
 const SecuritySystem& RealSystem() {
-    static constexpr SecuritySystem kSystem = {
+    static const SecuritySystem kSystem = {
         GetFileSecurityW,  GetNamedSecurityInfoW, SetNamedSecurityInfoW, GetEffectiveRightsFromAclW,
         LookupAccountSidW, LookupAccountNameW,    GetUniversalName,      QueryStreams,
     };
