@@ -9,6 +9,7 @@
 
 #include "host/answers.h"
 #include "host/choice_list.h"
+#include "host/column_values.h"
 #include "host/custom_commands.h"
 #include "host/elevated_channel.h"
 #include "host/file_objects.h"
@@ -43,7 +44,8 @@ struct HostState {
     MenuModel menus = {};
     CustomCommandTable customCommands = {};
     std::map<uint32_t, PropertyColumns> propertyColumns = {};  // by extension
-    FileObjects files = {};                                    // above everything that holds items
+    ColumnValues columns = {};
+    FileObjects files = {};  // above everything that holds items
     Shelf<ChoiceList> choiceLists = {};
     Shelf<Progress> progressDisplays = {};
     Shelf<XmlService> xmlServices = {};

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/columns_command.h"
 #include "host/command_line.h"
 #include "host/elevated_server.h"
 #include "host/host_error.h"
@@ -85,14 +86,29 @@ bool Dispatch(Session& session, uint32_t id) {
     return false;
 }
 
+void Select(HostState& state, const std::vector<std::wstring>& given, const std::optional<std::wstring>& listFile,
+            std::istream& in) {
+    for (std::wstring& path : SelectedPaths(given, listFile, in))
+        state.selection.push_back(state.files.MakeItem(std::move(path)));
+}
+
+int RunColumns(Session& session, const HostOptions& options, std::istream& in) {
+    HostState& state = session.State();
+    Select(state, options.operands, options.filesFrom, in);
+    if (state.selection.empty()) throw UsageError(L"columns needs files: qvhost columns PATH...");
+    const ColumnFormat format = options.printsCsv    ? ColumnFormat::Csv
+                                : options.printsJson ? ColumnFormat::Json
+                                                     : ColumnFormat::Table;
+    PrintColumns(state.output, state.columns, state.selection, format);
+    return ExitStatus::Done;
+}
+
 int RunCommand(Session& session, const HostOptions& options, std::istream& in) {
     HostState& state = session.State();
     uint32_t id = 0;
     if (!ParseNumber(options.operands.front(), id))
         throw UsageError(L"\"" + options.operands.front() + L"\" is no command id (qvhost menus lists them)");
-    const std::vector<std::wstring> given(options.operands.begin() + 1, options.operands.end());
-    for (std::wstring& path : SelectedPaths(given, options.filesFrom, in))
-        state.selection.push_back(state.files.MakeItem(std::move(path)));
+    Select(state, {options.operands.begin() + 1, options.operands.end()}, options.filesFrom, in);
     const bool handled = Dispatch(session, id);
     if (!handled) state.output.Note(L"qvhost: no extension handles the command " + std::to_wstring(id));
     return StatusOf(state, handled, 0);
@@ -108,9 +124,9 @@ int RunElevatedServer(Session& session, const HostOptions& options) {
 }
 
 int Run(const HostOptions& options, HostEnvironment& environment, Output& output) {
-    const bool takesPaths =
-        options.action == Action::Command || options.action == Action::Call || options.action == Action::Rename;
-    if (options.filesFrom && !takesPaths) throw UsageError(L"--files-from goes with call, command and rename alone");
+    constexpr Action kTakeLists[] = {Action::Call, Action::Columns, Action::Command, Action::Rename};
+    if (options.filesFrom && std::ranges::find(kTakeLists, options.action) == std::end(kTakeLists))
+        throw UsageError(L"--files-from goes with call, columns, command and rename alone");
     if (options.action == Action::Rename) return RunRename(options, environment, output);
     if (options.action == Action::Undo) return RunUndo(options, environment, output);
     Session session(options, environment, output);
@@ -122,6 +138,7 @@ int Run(const HostOptions& options, HostEnvironment& environment, Output& output
     switch (options.action) {
         case Action::Call: return RunCall(session, options, environment.in);
         case Action::Command: return RunCommand(session, options, environment.in);
+        case Action::Columns: return RunColumns(session, options, environment.in);
         case Action::ElevatedServer: return RunElevatedServer(session, options);
         case Action::Menus: PrintMenus(output, session.State().menus); return ExitStatus::Done;
         default: PrintCustomCommands(output, session.State().customCommands); return ExitStatus::Done;

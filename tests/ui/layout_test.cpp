@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr WORD kDialogs[] = {IDD_FIND_AND_REPLACE, IDD_CONFIRM_REPLACE, IDD_SORT_LINES, IDD_REPLACE_IN_NAMES,
-                             IDD_CREATE_LINKS};
+constexpr WORD kDialogs[] = {IDD_FIND_AND_REPLACE, IDD_CONFIRM_REPLACE, IDD_SORT_LINES,
+                             IDD_REPLACE_IN_NAMES, IDD_CREATE_LINKS,    IDD_CHANGE_ACCESS};
 constexpr WORD kPointSizes[] = {8, 12};
 
 /// A copy of a dialog's template with another size of its font.
