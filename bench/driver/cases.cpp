@@ -43,7 +43,7 @@ Case Sort(std::string name, uint64_t lines, double limit, std::string aim, std::
             compare};
 }
 
-/// A menu command that changes a file in its place.
+/// A menu command that changes a file in its place; the other tool writes beside it and moves the result over it.
 Case Convert(std::string name, const std::string& sample, uint64_t bytes, double limit, std::string aim,
              std::string peer, std::string needs, const std::string& command, const std::string& peerFilter) {
     return {std::move(name),
@@ -55,9 +55,9 @@ Case Convert(std::string name, const std::string& sample, uint64_t bytes, double
             "B",
             {sample},
             "cp $D/" + sample + " $W/out.ours",
-            kFreshPeer,
+            "cp $D/" + sample + " $W/out.peer",
             "exec $QV " + command,
-            peerFilter + " > $W/out.peer",
+            peerFilter + " < $W/out.peer > $W/new && mv $W/new $W/out.peer",
             kEqual};
 }
 
@@ -114,11 +114,11 @@ void AddSorts(std::vector<Case>& cases, const Data& data) {
 void AddConversions(std::vector<Case>& cases, const Data& data) {
     const uint64_t text = data.TextBytes();
     cases.push_back(Convert("to LF", "crlf.txt", text, 0.75, "1.15 of a copy", "tr", "tr",
-                            "--answer yes command 30101 $W/out.ours", "tr -d '\\r' < $D/crlf.txt"));
+                            "--answer yes command 30101 $W/out.ours", "tr -d '\\r'"));
     cases.push_back(Convert("to CR LF", "few.txt", text, 0.75, "1.15 of a copy", "GNU sed", "sed",
-                            "--answer yes command 30102 $W/out.ours", "sed 's/$/\\r/' $D/few.txt"));
+                            "--answer yes command 30102 $W/out.ours", "sed 's/$/\\r/'"));
     cases.push_back(Convert("tabs to spaces", "tabs.txt", text, 0.7, "0.55", "sd", "sd",
-                            "--answer yes --answer 4 command 30110 $W/out.ours", "sd '\\t' '    ' < $D/tabs.txt"));
+                            "--answer yes --answer 4 command 30110 $W/out.ours", "sd '\\t' '    '"));
     const std::string encode =
         "perl -MMIME::Base64 -e 'binmode STDIN; while (read(STDIN, $b, 57 * 1024)) "
         "{ print encode_base64($b, \"\\r\\n\") }' < $D/bytes.bin > $W/out.peer";

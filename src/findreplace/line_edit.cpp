@@ -48,7 +48,7 @@ void LineEdit<CharT>::Skip(Span match) {
 }
 
 template <class CharT>
-void LineEdit<CharT>::Replace(Span match, View replacement, bool isSearchedAgain) {
+void LineEdit<CharT>::Replace(Span match, View replacement, LineMatcher<CharT>& matcher) {
     if (!m_isChanged) {
         m_isChanged = true;
         // Most replacements are about as long as what they replace; a long line must not be copied while it grows.
@@ -58,7 +58,9 @@ void LineEdit<CharT>::Replace(Span match, View replacement, bool isSearchedAgain
     const size_t lengthBefore = m_ahead.size();
     Pass(match.start);
     m_ahead.remove_prefix(match.length);
-    const size_t kept = isSearchedAgain ? std::min(replacement.size(), match.length) : replacement.size();
+    // What a longer replacement pushes back is searched again, unless it is plain that nothing is found in there.
+    size_t kept = std::min(replacement.size(), match.length);
+    if (kept < replacement.size() && !matcher.MayBeginIn(replacement.substr(kept), m_ahead)) kept = replacement.size();
     m_done.insert(m_done.end(), replacement.begin(), replacement.begin() + static_cast<std::ptrdiff_t>(kept));
     if (replacement.size() > kept) {
         CheckThatItEnds(replacement.size() - match.length);

@@ -52,9 +52,9 @@ public:
     /// Moves the position behind a match without changing it.
     void Skip(Span match);
 
-    /// Replaces a match. Without `isSearchedAgain` nothing can be found in what a longer replacement pushes back, so
-    /// that it need not go there. @throws QVUtilsException (code 87) when replacements feed on each other without end
-    void Replace(Span match, View replacement, bool isSearchedAgain);
+    /// Replaces a match of `matcher`. @throws QVUtilsException (code 87) when replacements feed on each other without
+    /// end
+    void Replace(Span match, View replacement, LineMatcher<CharT>& matcher);
 
 private:
     void Pass(size_t length);

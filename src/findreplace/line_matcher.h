@@ -37,9 +37,8 @@ public:
     /// hits would never end. False says nothing.
     virtual bool NeverEndsWith(View replacement) = 0;
 
-    /// False when no hit can begin in the part of `replacement` behind the place where the search goes on in it,
-    /// whatever text follows. True says nothing.
-    virtual bool MayBeginInRestOf(View replacement) = 0;
+    /// False when no hit can begin in `text` while `following` stands behind it. True says nothing.
+    virtual bool MayBeginIn(View text, View following) = 0;
 };
 
 /// The matcher for plain text. An empty item has no hits.

@@ -56,7 +56,6 @@ private:
         std::vector<Text> inserted;  // lines added behind the line for each hit
         Text shown;                  // the replacement as a question shows it
         bool neverEnds;
-        bool isFoundInItsReplacement;  // false: no hit can begin in what a replacement puts behind the search
     };
 
     /// The first replacement item; the whole text, which then is empty, when there is none.
@@ -71,13 +70,12 @@ private:
         auto matcher = m_isWildcard ? MakeWildcardMatcher<CharT>(*item, m_ignoreCase)
                                     : MakePlainMatcher<CharT>(*item, m_ignoreCase);
         const Text* const text = replacement ? &*replacement : nullptr;
-        Apply(Pair{std::move(matcher), text, {}, text ? *text : Text(), false, false});
+        Apply(Pair{std::move(matcher), text, {}, text ? *text : Text(), false});
     }
 
     void Apply(Pair pair) {
         if (!BeginSearch(*pair.matcher)) return;
         pair.neverEnds = pair.replacement && pair.matcher->NeverEndsWith(*pair.replacement);
-        pair.isFoundInItsReplacement = pair.replacement && pair.matcher->MayBeginInRestOf(*pair.replacement);
         for (uint32_t line = 0; !m_isStopped && NextLine(*pair.matcher, line); ++line) EditLine(pair, line);
     }
 
@@ -94,7 +92,7 @@ private:
                 continue;
             }
             if (pair.neverEnds && !MustAsk()) ThrowEndlessReplacement();
-            m_edit.Replace(span, *pair.replacement, pair.isFoundInItsReplacement);
+            m_edit.Replace(span, *pair.replacement, *pair.matcher);
             for (const Text& text : pair.inserted) m_lines.InsertLine(line, text);
             m_document.CountChange();
         }
@@ -164,11 +162,7 @@ private:
             ApplyOverLines(find, replacement);
         } else if (!find.front().empty()) {
             // One find line is found within lines; further replacement lines follow as lines of their own.
-            Pair pair{MakePlainMatcher<CharT>(find.front(), m_ignoreCase),
-                      nullptr,
-                      replacement,
-                      Join(replacement),
-                      false,
+            Pair pair{MakePlainMatcher<CharT>(find.front(), m_ignoreCase), nullptr, replacement, Join(replacement),
                       false};
             if (isConverted) {
                 pair.replacement = &replacement.front();

@@ -325,7 +325,7 @@ public:
     }
 
     bool NeverEndsWith(View) override { return false; }
-    bool MayBeginInRestOf(View) override { return true; }
+    bool MayBeginIn(View, View) override { return true; }
 
 private:
     void CutAtStars(View pattern) {

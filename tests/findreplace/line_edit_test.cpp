@@ -38,10 +38,9 @@ std::string ReplaceByEdit(const std::string& line, LineMatcher<char>& matcher, c
                           std::mt19937* skips, int& changes) {
     LineEdit<char> edit;
     edit.Begin(line);
-    const bool isSearchedAgain = matcher.MayBeginInRestOf(replacement);
     for (Span span; changes < 1000 && !edit.IsFinished() && matcher.Find(edit.GetAhead(), span);) {
         if (!skips || (*skips)() % 2) {
-            edit.Replace(span, replacement, isSearchedAgain);
+            edit.Replace(span, replacement, matcher);
             ++changes;
         } else {
             edit.Skip(span);
@@ -109,7 +108,7 @@ TEST(LineEdit, RefusesToGrowWithoutEnd) {
     EXPECT_THROW(
         {
             for (Span span; !edit.IsFinished() && matcher->Find(edit.GetAhead(), span);)
-                edit.Replace(span, "aaaa", true);
+                edit.Replace(span, "aaaa", *matcher);
         },
         QVUtils::QVUtilsException);
 }
@@ -122,7 +121,7 @@ TEST(LineEdit, AMillionLongerReplacementsInOneLineStayLinear) {
     edit.Begin(line);
     int changes = 0;
     for (Span span; !edit.IsFinished() && matcher->Find(edit.GetAhead(), span); ++changes)
-        edit.Replace(span, "xyz", true);
+        edit.Replace(span, "xyz", *matcher);
     EXPECT_EQ(changes, 1'000'000);
     EXPECT_EQ(edit.GetPart(0, 12), "xyzbxyzbxyzb");
     EXPECT_EQ(edit.GetDone().size() + edit.GetAhead().size(), 4'000'000u);
