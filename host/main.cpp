@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr size_t kErrorBufferSize = 4096;  // bytes
+
 std::atomic<bool> g_isInterrupted = false;
 
 /// The first Ctrl+C asks the run to stop; the second ends the process, as it would without this.
@@ -60,6 +62,8 @@ std::wstring ProgramPath() {
 
 int wmain(int count, wchar_t** words) {
     for (std::FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
+    // Notes are flushed one by one; without a buffer each of their bytes would be a call of the system.
+    std::setvbuf(stderr, nullptr, _IOFBF, kErrorBufferSize);
     SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
     const Utf8Console utf8Console;
     QVHost::HostEnvironment environment = {.out = std::cout,
