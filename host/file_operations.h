@@ -51,6 +51,7 @@ public:
                         Quorvane::SDK::IRenameResultCallback* callback) override;
     bool GetPropertyText(const wchar_t* path, const wchar_t* name, const wchar_t* format, wchar_t* buffer,
                          uint32_t capacity) override;
+    bool GetPropertyName(uint32_t index, wchar_t* buffer, uint32_t capacity) override;
 
 private:
     uint32_t Report(const RenameRow& row);

@@ -4,6 +4,7 @@
 #include "host/elevated_server.h"
 #include "host/host_error.h"
 #include "host/listings.h"
+#include "host/message_pump.h"
 #include "host/nearest_name.h"
 #include "host/rename_command.h"
 #include "host/selection.h"
@@ -70,6 +71,8 @@ int RunCommand(Session& session, const HostOptions& options, std::istream& in) {
     for (std::wstring& path : SelectedPaths(given, options.filesFrom, in))
         state.selection.push_back(state.files.MakeItem(std::move(path)));
     const bool handled = Dispatch(session, id);
+    // An extension may have opened a window that works by itself: this command ends with it.
+    PumpWhile(session, HasWindowsOfOtherThreads);
     if (!handled) state.output.Note(L"qvhost: no extension handles the command " + std::to_wstring(id));
     return StatusOf(state, handled, 0);
 }

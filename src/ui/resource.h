@@ -94,7 +94,7 @@
 #define IDC_NAME_PREVIEW_LABEL 1408
 
 // Create links.
-#define IDD_CREATE_LINKS       104
+#define IDD_CREATE_LINKS       110
 #define IDC_LINK_KIND          1500
 #define IDC_LINK_FOLDER        1501
 #define IDC_LINK_TARGETS       1502
