@@ -65,7 +65,7 @@ constexpr int kRuleControls[] = {
     IDC_LIVE_PREVIEW,
 };
 
-constexpr ListColumn kItemColumns[] = {{L"Find", 288}, {L"Replace with", 288}};
+constexpr ListColumn kItemColumns[] = {{L"Find", 416}, {L"Replace with", 416}};
 
 constexpr Ui::Anchor kAnchors[] = {
     {IDC_ITEMS, 0, 0, 100, 100},          {IDC_ITEM_NEW, 100, 0, 100, 0},
