@@ -11,7 +11,7 @@
 namespace BatchRename {
 namespace {
 
-constexpr ListColumn kColumns[] = {{L"Current name", 656}, {L"New name", 656}, {L"Status", 832}, {L"Location", 640}};
+constexpr ListColumn kColumns[] = {{L"Current name", 624}, {L"New name", 624}, {L"Status", 1056}, {L"Location", 528}};
 constexpr int kNewNameColumn = 1;
 constexpr wchar_t kNewNameTitle[] = L"New name";
 constexpr wchar_t kOutdatedTitle[] = L"New name (not up to date)";
