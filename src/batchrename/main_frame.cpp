@@ -121,6 +121,7 @@ LRESULT BatchRenameMainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lPar
         case WM_ACTIVATE:
             if (LOWORD(wParam) == WA_INACTIVE && IsChild(m_window, GetFocus())) m_lastFocus = GetFocus();
             break;
+        case WM_NEXTDLGCTL: MoveFocus(wParam, LOWORD(lParam) != 0); return 0;
         case WM_SYSCOLORCHANGE:
             if (m_list.GetWindow()) m_list.Recolour();
             break;
@@ -197,6 +198,15 @@ void BatchRenameMainFrame::OnCreate() {
     m_panel->SetRule(m_around.context.rule);
     m_time = LocalTimeNow();
     RefreshState();
+}
+
+void BatchRenameMainFrame::MoveFocus(WPARAM where, bool isControl) {
+    // The system's dialogs do this by themselves; keys of labels and Tab count on it in every window.
+    const HWND control =
+        isControl ? reinterpret_cast<HWND>(where) : GetNextDlgTabItem(m_window, GetFocus(), where != 0);
+    if (!control) return;
+    SetFocus(control);
+    if (SendMessageW(control, WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL) SendMessageW(control, EM_SETSEL, 0, -1);
 }
 
 void BatchRenameMainFrame::OnClose() {

@@ -67,6 +67,7 @@ private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void OnCreate();
+    void MoveFocus(WPARAM where, bool isControl);
     void OnClose();
     void OnDestroy();
     void EndModalWindows();

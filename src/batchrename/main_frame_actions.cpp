@@ -205,7 +205,8 @@ void BatchRenameMainFrame::Start() {
         if (GetTickCount64() - m_startTime > GetDoubleClickTime()) m_run->Stop();
         return;
     }
-    const bool isAsking = m_modalDepth > 0;  // a second click that was on its way before the question disabled the button
+    const bool isAsking =
+        m_modalDepth > 0;  // a second click that was on its way before the question disabled the button
     if (isAsking || m_isDone || !m_ruleError.empty() || m_rows.Rows()->empty()) return;
     if (!m_isUpToDate) {
         m_startsWhenReady = true;

@@ -162,7 +162,8 @@ void RulePanel::SetState(const PanelState& state) {
     if (wasRunning != state.isRunning) SetWindowTextW(Item(IDC_START), state.isRunning ? L"&Stop" : L"&Start");
     RefreshButtons();
     // A disabled control would keep the focus and no key would arrive anywhere.
-    if (focus && IsChild(GetWindow(), focus) && !IsWindowEnabled(focus)) SetFocus(Item(IDC_CLOSE));
+    if (focus && IsChild(GetWindow(), focus) && !IsWindowEnabled(focus))
+        SetFocus(GetDlgItem(GetParent(GetWindow()), IDC_ROWS));
 }
 
 bool RulePanel::OnCommand(int id, int notification) {

@@ -9,8 +9,8 @@ namespace BatchRename {
 namespace {
 
 constexpr ListColumn kSessionColumns[] = {
-    {L"Date and time when files was renamed", 600}, {L"Items :", 160}, {L"State", 320}};
-constexpr ListColumn kEntryColumns[] = {{L"New name", 360}, {L"Old name", 360}, {L"Location", 560}};
+    {L"Date and time when files was renamed", 688}, {L"Items :", 176}, {L"State", 480}};
+constexpr ListColumn kEntryColumns[] = {{L"New name", 512}, {L"Old name", 512}, {L"Location", 720}};
 
 constexpr Ui::Anchor kAnchors[] = {
     {IDC_SESSIONS, 0, 0, 100, 40},  {IDC_ENTRIES_LABEL, 0, 40, 0, 40}, {IDC_ENTRIES, 0, 40, 100, 100},
