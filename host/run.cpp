@@ -72,7 +72,8 @@ int RunCommand(Session& session, const HostOptions& options, std::istream& in) {
         state.selection.push_back(state.files.MakeItem(std::move(path)));
     const bool handled = Dispatch(session, id);
     // An extension may have opened a window that works by itself: this command ends with it.
-    PumpWhile(session, HasWindowsOfOtherThreads);
+    const std::atomic<bool>* const isCancelled = state.progressWatch.isCancelled;
+    PumpWhile(session, [&] { return HasWindowsOfOtherThreads() && !(isCancelled && *isCancelled); });
     if (!handled) state.output.Note(L"qvhost: no extension handles the command " + std::to_wstring(id));
     return StatusOf(state, handled, 0);
 }

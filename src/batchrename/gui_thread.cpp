@@ -121,7 +121,9 @@ DWORD WINAPI RunGuiThread(void* parameter) {
         try {
             GuiSide(start->state).Run();
         } catch (...) {
-            // The window could not be made, or memory has run out: there is no window, and the host goes on.
+            // The window could not be made, or memory has run out. The host goes on without it.
+            using namespace Quorvane::SDK;
+            start->state->services->Log(kLogLevel, LogKind::Failure, L"[Batch Rename] - The window cannot be opened");
         }
     }
     // Nothing of ours is on the stack any more.

@@ -66,7 +66,7 @@ BatchRenameMainFrame::BatchRenameMainFrame(FrameSurroundings around)
                       .onMove = [this](bool isUp) { MoveSelectedRows(isUp); }}) {}
 
 BatchRenameMainFrame::~BatchRenameMainFrame() {
-    if (m_window) DestroyWindow(m_window);
+    CloseWindow();
     // A class whose procedure is in unloaded code would end the next program that uses its name.
     UnregisterClassW(kFrameClass, Ui::OwnModule());
 }
@@ -222,6 +222,12 @@ void BatchRenameMainFrame::OnClose() {
         SetStatus(L"Stopping behind the current file...");
         return;
     }
+    CloseWindow();
+}
+
+void BatchRenameMainFrame::CloseWindow() {
+    if (!m_window) return;
+    SavePosition();  // while it is seen: a host may take a window that is not for the end
     DestroyWindow(m_window);
 }
 
@@ -231,8 +237,6 @@ void BatchRenameMainFrame::EndModalWindows() {
 }
 
 void BatchRenameMainFrame::OnDestroy() {
-    SavePosition();
-    m_around.context.rule = m_panel->Rule();
     // Both wait for their threads; the run's ends behind its current row.
     m_run.reset();
     m_preview.reset();

@@ -69,6 +69,7 @@ private:
     void OnCreate();
     void MoveFocus(WPARAM where, bool isControl);
     void OnClose();
+    void CloseWindow();
     void OnDestroy();
     void EndModalWindows();
     void Layout();
@@ -93,6 +94,8 @@ private:
     void RemoveSelectedRows();
     void MoveSelectedRows(bool isUp);
     void ChangeRows(RowSnapshot rows);
+    /// Puts others in the place of the rows and what is known of them, and lets the worker end the former.
+    void Replace(const std::function<void()>& change);
     void Start();
     void BeginRun();
     void OnRunEnd();
@@ -123,6 +126,7 @@ private:
     uint64_t m_generation = 0;
     RowOrder m_order;
     bool m_mustSort = false;         // the rows are not in this order yet
+    bool m_mustReadFolders = false;  // a run has changed what they hold
     bool m_isUpToDate = false;       // what the list shows is what the rule makes of it
     bool m_startsWhenReady = false;  // Start was pressed before the preview was there
     bool m_isDone = false;           // nothing has changed since the last run

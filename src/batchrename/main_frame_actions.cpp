@@ -76,7 +76,7 @@ void BatchRenameMainFrame::RequestPreview(int delay, bool readsFolders) {
     request.rows = m_rows.Rows();
     request.rule = m_around.context.rule;
     request.time = m_time;
-    request.readsFolders = readsFolders;
+    request.readsFolders = std::exchange(m_mustReadFolders, false) || readsFolders;
     if (m_mustSort) request.order = m_order;
     if (m_mustLoad) request.session = m_session;
     const bool isFiltered = m_panel->ShowsChangesOnly();
@@ -93,12 +93,12 @@ void BatchRenameMainFrame::RequestPreview(int delay, bool readsFolders) {
 void BatchRenameMainFrame::OnPreview() {
     std::shared_ptr<const Preview> preview = m_preview->Take();
     if (!preview || preview->generation != m_generation) return m_preview->Dispose(std::move(preview));
-    if (!preview->error.empty()) return SetStatus(preview->error);
-    m_preview->Dispose(m_rows.CurrentPreview());
-    m_preview->Dispose(m_rows.Outcomes());
-    m_preview->Dispose(m_rows.Rows());
+    if (!preview->error.empty()) {
+        m_startsWhenReady = false;
+        return SetStatus(preview->error);
+    }
     m_isUpToDate = preview->IsComplete();
-    m_rows.SetPreview(std::move(preview));
+    Replace([&] { m_rows.SetPreview(std::move(preview)); });
     if (m_isUpToDate) {
         m_mustSort = false;
         m_mustLoad = false;
@@ -139,14 +139,18 @@ void BatchRenameMainFrame::SetRows(RowSnapshot rows) {
 }
 
 void BatchRenameMainFrame::ChangeRows(RowSnapshot rows) {
-    m_preview->Dispose(m_rows.CurrentPreview());
-    m_preview->Dispose(m_rows.Rows());
-    m_rows.SetRows(std::move(rows));
+    Replace([&] { m_rows.SetRows(std::move(rows)); });
     m_list.Refresh();
     m_isDone = false;
     InvalidatePreview();
     // Also where the preview is switched off: the rows themselves are what is looked at now.
     RequestPreview(0, true);
+}
+
+void BatchRenameMainFrame::Replace(const std::function<void()>& change) {
+    std::shared_ptr<const void> former[] = {m_rows.CurrentPreview(), m_rows.Outcomes(), m_rows.Rows()};
+    change();
+    for (auto& object : former) m_preview->Dispose(std::move(object));
 }
 
 void BatchRenameMainFrame::OnHeader(RowKey key) {
@@ -250,13 +254,15 @@ void BatchRenameMainFrame::OnRunEnd() {
     if (!result) return RefreshState();
     m_preview->Cancel(++m_generation);
     m_isUpToDate = false;
+    m_mustReadFolders = true;
     if (result->outcomes.empty()) {
         m_rows.ForgetPreview();
     } else {
         m_around.onRenamed(FoldersOf(result->rows));
-        m_preview->Dispose(m_rows.CurrentPreview());
-        m_rows.SetOutcomes(std::make_shared<const RenameItems>(RowsAfterRun(result->rows, result->outcomes)), result,
-                           m_session != nullptr);
+        Replace([&] {
+            m_rows.SetOutcomes(std::make_shared<const RenameItems>(RowsAfterRun(result->rows, result->outcomes)),
+                               result, m_session != nullptr);
+        });
     }
     m_list.Refresh();
     SetStatus(TextAfterRun(result->error, result->counts, m_session != nullptr));

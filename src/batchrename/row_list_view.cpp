@@ -59,17 +59,27 @@ private:
     RECT m_room;
 };
 
-void PutOnClipboard(HWND owner, const std::wstring& text) {
-    if (!OpenClipboard(owner)) return;
-    const size_t size = (text.size() + 1) * sizeof(wchar_t);
-    if (const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, size)) {
-        if (void* const bytes = GlobalLock(memory)) {
-            std::copy_n(text.c_str(), text.size() + 1, static_cast<wchar_t*>(bytes));
-            GlobalUnlock(memory);
-        }
-        EmptyClipboard();
-        if (!SetClipboardData(CF_UNICODETEXT, memory)) GlobalFree(memory);  // else it is the clipboard's
+struct GlobalMemoryTraits {
+    using Raw = HGLOBAL;
+    static Raw Empty() noexcept { return nullptr; }
+    static void Close(Raw raw) noexcept { GlobalFree(raw); }
+};
+using GlobalMemory = Win32::UniqueHandle<GlobalMemoryTraits>;
+
+GlobalMemory GlobalCopyOf(const std::wstring& text) {
+    GlobalMemory memory(GlobalAlloc(GMEM_MOVEABLE, (text.size() + 1) * sizeof(wchar_t)));
+    if (void* const bytes = memory ? GlobalLock(memory.Get()) : nullptr) {
+        std::copy_n(text.c_str(), text.size() + 1, static_cast<wchar_t*>(bytes));
+        GlobalUnlock(memory.Get());
     }
+    return memory;
+}
+
+void PutOnClipboard(HWND owner, const std::wstring& text) {
+    GlobalMemory memory = GlobalCopyOf(text);
+    if (!memory || !OpenClipboard(owner)) return;
+    EmptyClipboard();
+    if (SetClipboardData(CF_UNICODETEXT, memory.Get())) memory.Release();  // it is the clipboard's now
     CloseClipboard();
 }
 
@@ -223,8 +233,8 @@ LRESULT RowListView::FindByText(const NMLVFINDITEMW& search) const {
 
 LRESULT RowListView::OnDraw(NMLVCUSTOMDRAW& draw) {
     switch (draw.nmcd.dwDrawStage) {
-        case CDDS_PREPAINT: return CDRF_NOTIFYITEMDRAW;
-        case CDDS_ITEMPREPAINT: return CDRF_NOTIFYSUBITEMDRAW;
+        case CDDS_PREPAINT:
+        case CDDS_ITEMPREPAINT: return CDRF_NOTIFYSUBITEMDRAW;  // the same number asks for the items
         case CDDS_ITEMPREPAINT | CDDS_SUBITEM: break;
         default: return CDRF_DODEFAULT;
     }

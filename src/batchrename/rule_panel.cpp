@@ -92,7 +92,12 @@ RulePanel::RulePanel(Ui::HostTexts texts, Owner owner)
     : Dialog(IDD_RULE_PANEL), m_texts(std::move(texts)), m_owner(std::move(owner)) {}
 
 void RulePanel::Create(HWND parent) {
+    m_parent = parent;
     ShowModeless(parent);
+}
+
+void RulePanel::OnFailure(const std::exception_ptr&) noexcept {
+    PostMessageW(m_parent, WM_CLOSE, 0, 0);
 }
 
 bool RulePanel::OnInit() {
@@ -214,12 +219,11 @@ void RulePanel::OnItemButton(int id) {
     if (selected < 0 || static_cast<size_t>(selected) >= m_items.size()) return;
     if (id == IDC_ITEM_EDIT) return EditItem(false);
     const int last = static_cast<int>(m_items.size()) - 1;
-    int next = selected;
+    int next = id == IDC_ITEM_UP ? selected - 1 : selected + 1;
     if (id == IDC_ITEM_REMOVE) {
         m_items.erase(m_items.begin() + selected);
         next = std::min(selected, last - 1);
     } else {
-        next = id == IDC_ITEM_UP ? selected - 1 : selected + 1;
         if (next < 0 || next > last) return;
         std::swap(m_items[static_cast<size_t>(selected)], m_items[static_cast<size_t>(next)]);
     }

@@ -47,6 +47,8 @@ private:
     bool OnInit() override;
     bool OnCommand(int id, int notification) override;
     bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    /// Without its panel the window is of no use: it closes.
+    void OnFailure(const std::exception_ptr& failure) noexcept override;
 
     void InsertTag(int button, int edit);
     void OnItemButton(int id);
@@ -58,6 +60,7 @@ private:
 
     Ui::HostTexts m_texts;
     Owner m_owner;
+    HWND m_parent = nullptr;
     SIZE m_naturalSize = {};
     SearchAndReplaceItems m_items;
     PanelState m_state;

@@ -43,6 +43,7 @@ void RunController::Run(RunRequest request) {
         if (!m_services) throw std::runtime_error("no host");
         const AcquiredService<IFileOperations> files(*m_services, ServiceNumber::FileOperations);
         if (!files) throw std::runtime_error("no file operations");
+        if (request.journal) request.journal->ForgetError();
         uint32_t stepCount = 0;
         ULONGLONG lastWord = GetTickCount64();
         const RunSurroundings around = {*files.Get(), ListFolderOnDisk, request.journal, &m_isStopped, [&] {

@@ -74,7 +74,7 @@ bool BatchRenameUndoManagerDlg::OnCommand(int id, int) {
             if (m_shown) End(IDOK);
             return true;
         case IDC_DELETE: DeleteAll(SelectedSessions()); return true;
-        case IDC_DELETE_ALL: DeleteAll(m_store.Sessions()); return true;
+        case IDC_DELETE_ALL: DeleteAll(AllSessions()); return true;
         default: return false;
     }
 }
@@ -129,9 +129,8 @@ void BatchRenameUndoManagerDlg::DeleteAll(const std::vector<std::shared_ptr<Batc
     if (MessageBoxW(GetWindow(), question.c_str(), L"Undo BatchRename", MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) !=
         IDYES)
         return;
-    const auto copy = sessions;  // deleting changes the store's own list
     size_t failedCount = 0;
-    for (const auto& session : copy)
+    for (const auto& session : sessions)
         if (!m_store.Delete(session)) ++failedCount;
     FillSessions();
     if (failedCount == 0) return;

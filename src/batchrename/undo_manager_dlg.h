@@ -25,6 +25,8 @@ private:
     /// What follows from the selection: the lower list, and what can be pressed.
     void Refresh();
     std::vector<std::shared_ptr<BatchRenameUndo>> SelectedSessions() const;
+    /// A copy: deleting changes the store's own list.
+    std::vector<std::shared_ptr<BatchRenameUndo>> AllSessions() const { return m_store.Sessions(); }
     void DeleteAll(const std::vector<std::shared_ptr<BatchRenameUndo>>& sessions);
 
     UndoStore& m_store;

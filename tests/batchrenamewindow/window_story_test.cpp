@@ -73,6 +73,12 @@ TEST(RenameWindow, SwapsTurnsRingsAndRefreshes) {
     ASSERT_TRUE(window.WaitForStatus(L"3 Renamed"));
     EXPECT_EQ(window.Files().Read(L"2") + window.Files().Read(L"3") + window.Files().Read(L"1"), "123");
 
+    // The rows go on under their new names, of folders as they are now.
+    window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]b");
+    ASSERT_TRUE(window.WaitForStatus(L"3 items, 3 will be renamed"));
+    EXPECT_EQ(window.Column(kNewName), (Words{L"2b", L"3b", L"1b"}));
+    window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]");
+
     // The command again: the same window and thread, other rows. By now two of them swap.
     const HWND frame = window.Frame();
     window.RunCommand({L"1", L"3"});
