@@ -122,7 +122,9 @@ void AddOptions(CLI::App& app, RawOptions& raw, HostOptions& options) {
         ->allow_extra_args(false);
     app.add_flag("--windows", options.asksInWindows,
                  "Asks questions in windows, and shows progress in one where there is no terminal");
-    app.add_option("--files-from", raw.filesFrom, "Further paths, one a line, UTF-8; - for standard input")
+    app.add_option("--files-from", raw.filesFrom,
+                   "Further paths, one a line, UTF-8; - for standard input. A call is made for each path, "
+                   "which stands where its arguments say {}")
         ->type_name("FILE")
         ->take_last();
     app.add_flag("--can-elevate", options.canElevate, "The host can start an elevated second process");
@@ -154,6 +156,10 @@ void AddActions(CLI::App& app, RawOptions& raw, HostOptions& options) {
     add("commands", "Shows the custom commands and their parameters", Action::Commands);
     add("call", "NAME [KEY=VALUE | SWITCH]...: runs a custom command", Action::Call);
     add("command", "ID PATH...: runs a menu command on the selection PATH...", Action::Command);
+    CLI::App* const columns =
+        add("columns", "PATH...: shows the property columns of files and folders", Action::Columns);
+    CLI::Option* const csv = columns->add_flag("--csv", options.printsCsv, "Comma-separated, for other programs");
+    columns->add_flag("--json", options.printsJson, "The same as JSON")->excludes(csv);
     AddRename(*add("rename", "PATH...: renames files and folders by a rule", Action::Rename), options.rename);
     add("undo", "[list | restore SESSION | delete SESSION]: earlier renames; SESSION may be \"last\"", Action::Undo);
     CLI::App* const server = add("elevated-server", "The second process; started by the first", Action::ElevatedServer);
@@ -165,7 +171,8 @@ void AddActions(CLI::App& app, RawOptions& raw, HostOptions& options) {
 
 void CheckOperands(const HostOptions& options) {
     const bool takesOperands = options.action == Action::Call || options.action == Action::Command ||
-                               options.action == Action::Rename || options.action == Action::Undo;
+                               options.action == Action::Columns || options.action == Action::Rename ||
+                               options.action == Action::Undo;
     if (!takesOperands && !options.operands.empty())
         throw UsageError(L"\"" + options.operands.front() + L"\" is one word too many");
     if (options.action == Action::Call && options.operands.empty())

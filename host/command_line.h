@@ -8,7 +8,7 @@
 
 namespace QVHost {
 
-enum class Action { Extensions, Menus, Commands, Call, Command, Rename, Undo, ElevatedServer };
+enum class Action { Extensions, Menus, Commands, Call, Command, Columns, Rename, Undo, ElevatedServer };
 
 /// What `rename` is given, as texts: what they mean is the command's to say. Nothing for what is not given.
 struct RenameOptions {
@@ -44,6 +44,8 @@ struct HostOptions {
     bool isElevated = false;
     bool usesColumnD = false;
     bool usesColumnE = false;
+    bool printsCsv = false;  // of `columns`; so is the next
+    bool printsJson = false;
     RenameOptions rename;
     std::wstring pipe;  // these two: of an elevated second process only
     uint32_t extension = 0;

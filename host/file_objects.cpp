@@ -37,23 +37,45 @@ uint32_t FileItem::GetAttributes() {
     return Guarded(INVALID_FILE_ATTRIBUTES, [&] { return GetFileAttributesW(Win32::ExtendedPath(m_path).c_str()); });
 }
 
-bool FileItem::GetStoredProperty(uint16_t, uint16_t, Quorvane::SDK::StoredPropertyValue*) {
-    return false;
+void FileItem::StoreProperty(uint16_t propertyId, std::wstring value) {
+    const std::lock_guard lock(m_storedMutex);
+    m_stored.insert_or_assign(propertyId, std::move(value));
+}
+
+bool FileItem::FindStored(uint16_t propertyId, Quorvane::SDK::StoredPropertyValue* value) {
+    const std::lock_guard lock(m_storedMutex);
+    m_lastQueried = propertyId;
+    const auto stored = m_stored.find(propertyId);
+    // The record has no room for a longer one; that is computed again each time.
+    if (!value || stored == m_stored.end() || stored->second.size() >= std::size(value->text)) return false;
+    value->status = -1;
+    CopyText(stored->second, value->text, static_cast<uint32_t>(std::size(value->text)));
+    return true;
+}
+
+bool FileItem::GetStoredProperty(uint16_t, uint16_t propertyId, Quorvane::SDK::StoredPropertyValue* value) {
+    return Guarded(false, [&] { return FindStored(propertyId, value); });
 }
 
 int32_t FileItem::IsRemote() {
-    return m_path.starts_with(LR"(\\)") && !m_path.starts_with(LR"(\\?\)") ? 1 : 0;
+    if (m_path.starts_with(LR"(\\)")) return m_path.starts_with(LR"(\\?\)") ? 0 : 1;
+    return GetDriveTypeW(m_path.substr(0, 3).c_str()) == DRIVE_REMOTE ? 1 : 0;
 }
 
 void FileItem::Release() {
     GuardedCall([&] { m_objects.m_handedOut.Remove(this); });
 }
 
-uint32_t FileItem::QueryProperty(uint16_t, uint32_t, Quorvane::SDK::StoredPropertyValue*) {
-    return 0;
+uint32_t FileItem::QueryProperty(uint16_t propertyId, uint32_t, Quorvane::SDK::StoredPropertyValue* value) {
+    return Guarded(0u, [&] { return FindStored(propertyId, value) ? 1u : 0u; });
 }
 
-void FileItem::RefreshProperty(uint32_t) {}
+void FileItem::RefreshProperty(uint32_t) {
+    GuardedCall([&] {
+        const std::lock_guard lock(m_storedMutex);
+        m_stored.erase(m_lastQueried);
+    });
+}
 
 bool FileList::AddItem(Quorvane::SDK::IFileItem* item) {
     return Guarded(false, [&] {

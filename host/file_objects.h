@@ -22,6 +22,8 @@ public:
     FileItem& operator=(const FileItem&) = delete;
 
     const std::wstring& Path() const { return m_path; }
+    /// From now on the item knows this value of the property. All providers' ids share one table: the library has one.
+    void StoreProperty(uint16_t propertyId, std::wstring value);
     /// After a rename: the item stands for the same file.
     void SetPath(std::wstring path) { m_path = std::move(path); }
 
@@ -30,14 +32,22 @@ public:
     uint32_t GetPath(wchar_t* buffer, uint32_t capacity) override;
     uint32_t GetAttributes() override;
     bool GetStoredProperty(uint16_t module, uint16_t propertyId, Quorvane::SDK::StoredPropertyValue* value) override;
+    /// A share, or a drive that is mapped to one.
     int32_t IsRemote() override;
     void Release() override;
+    /// 1 and the value when the item knows one.
     uint32_t QueryProperty(uint16_t propertyId, uint32_t one, Quorvane::SDK::StoredPropertyValue* value) override;
+    /// Forgets the value that was queried last, so that it is computed anew.
     void RefreshProperty(uint32_t one) override;
 
 private:
+    bool FindStored(uint16_t propertyId, Quorvane::SDK::StoredPropertyValue* value);
+
     FileObjects& m_objects;
     std::wstring m_path;
+    std::mutex m_storedMutex;  // values may be asked for on any thread
+    std::unordered_map<uint16_t, std::wstring> m_stored;
+    uint16_t m_lastQueried = 0;
 };
 
 class FileList final : public Quorvane::SDK::IFileList {

@@ -89,9 +89,14 @@ bool FileOperations::GetPropertyText(const wchar_t* path, const wchar_t* name, c
                                      uint32_t capacity) {
     return Guarded(false, [&] {
         if (!path || !name) return false;
-        const std::optional<std::wstring> text = PropertyText(path, name, TextOrEmpty(format));
-        if (text) CopyText(*text, buffer, capacity);
-        return text.has_value();
+        std::optional<std::wstring> text = PropertyText(path, name, TextOrEmpty(format));
+        if (!text) {
+            const ColumnValues::Column* const column = m_columns.Find(name);
+            if (!column) return false;
+            text = ColumnValues::ValueOf(*m_objects.MakeItem(FullUserPath(path)), *column).value_or(L"");
+        }
+        CopyText(*text, buffer, capacity);
+        return true;
     });
 }
 

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/column_values.h"
 #include "host/file_objects.h"
 #include "host/output.h"
 #include "host/rename_rows.h"
@@ -36,8 +37,8 @@ private:
 class FileOperations final : public Quorvane::SDK::IFileOperations {
 public:
     /// Refused renames add to `failedCount`.
-    FileOperations(FileObjects& objects, Output& output, uint32_t& failedCount)
-        : m_objects(objects), m_output(output), m_failedCount(failedCount) {}
+    FileOperations(FileObjects& objects, const ColumnValues& columns, Output& output, uint32_t& failedCount)
+        : m_objects(objects), m_columns(columns), m_output(output), m_failedCount(failedCount) {}
 
     bool Exists(const wchar_t* path) override;
     Quorvane::SDK::IFileItem* CreateFileItem(const wchar_t* path, uint32_t one) override;
@@ -49,6 +50,7 @@ public:
     /// Says nothing by itself: the callback hears of each row.
     uint32_t RenameRows(const Quorvane::SDK::RenameRowInfo* rows, uint32_t count,
                         Quorvane::SDK::IRenameResultCallback* callback) override;
+    /// Knows the host's own properties (property_texts.h) and, by their keys, the columns of providers.
     bool GetPropertyText(const wchar_t* path, const wchar_t* name, const wchar_t* format, wchar_t* buffer,
                          uint32_t capacity) override;
     bool GetPropertyName(uint32_t index, wchar_t* buffer, uint32_t capacity) override;
@@ -57,6 +59,7 @@ private:
     uint32_t Report(const RenameRow& row);
 
     FileObjects& m_objects;
+    const ColumnValues& m_columns;
     Output& m_output;
     uint32_t& m_failedCount;
     Shelf<RenameBatch> m_batches;
@@ -70,21 +73,6 @@ public:
 
 private:
     uint32_t m_count = 0;
-};
-
-/// The property columns that an extension has defined.
-struct PropertyColumns {
-    struct Column {
-        uint16_t id;
-        uint16_t defaultWidth;
-        uint16_t valueType;
-        uint32_t flags;
-        std::wstring key;
-        std::wstring displayName;
-    };
-    std::wstring extensionId;
-    std::wstring groupName;
-    std::vector<Column> columns;
 };
 
 class PropertySet final : public Quorvane::SDK::IPropertySet {

@@ -137,8 +137,8 @@ void* HostServices::AcquireService(uint32_t number, uint32_t, const wchar_t*) {
     return Guarded<void*>(nullptr, [&]() -> void* {
         switch (number) {
             case ServiceNumber::FileOperations:
-                return KeepService<IFileOperations>(
-                    std::make_shared<FileOperations>(m_state.files, m_state.output, m_state.failedCount));
+                return KeepService<IFileOperations>(std::make_shared<FileOperations>(
+                    m_state.files, m_state.columns, m_state.output, m_state.failedCount));
             case ServiceNumber::FolderRefresh: return KeepService<IFolderRefresh>(std::make_shared<FolderRefresh>());
             case ServiceNumber::PropertySet:
                 return KeepService<IPropertySet>(std::make_shared<PropertySet>(m_state.propertyColumns[m_extension]));

@@ -9,6 +9,7 @@
 
 #include "host/answers.h"
 #include "host/choice_list.h"
+#include "host/column_values.h"
 #include "host/command_queue.h"
 #include "host/custom_commands.h"
 #include "host/elevated_channel.h"
@@ -45,7 +46,8 @@ struct HostState {
     CustomCommandTable customCommands = {};
     CommandQueue commandQueue = {};                            // what extensions ask for from their own threads
     std::map<uint32_t, PropertyColumns> propertyColumns = {};  // by extension
-    FileObjects files = {};                                    // above everything that holds items
+    ColumnValues columns = {};
+    FileObjects files = {};  // above everything that holds items
     Shelf<ChoiceList> choiceLists = {};
     Shelf<Progress> progressDisplays = {};
     Shelf<XmlService> xmlServices = {};

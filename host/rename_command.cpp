@@ -6,6 +6,7 @@
 #include "batchrename/profiles.h"
 #include "batchrename/rename_rule.h"
 #include "batchrename/rename_run.h"
+#include "host/folder_listings.h"
 #include "host/host_error.h"
 #include "host/nearest_name.h"
 #include "host/rename_host.h"
@@ -137,24 +138,30 @@ bool SaveProfile(ProfileStore& profiles, const std::wstring& name, const RuleDef
     return profiles.Save() && profiles.WasWritten();
 }
 
-RenameItems MakeRows(const std::vector<std::wstring>& paths) {
+/// @throws UsageError for a path that leads to nothing
+RenameItems MakeRows(const std::vector<std::wstring>& paths, FolderListings& folders) {
     RenameItems rows;
     for (const std::wstring& path : paths) {
         auto row = std::make_shared<BatchRenameItem>();
         const std::wstring_view folder = Win32::FolderOf(path);
         row->location = folder.size() > 3 ? folder.substr(0, folder.size() - 1) : folder;
         row->currentName = Win32::FileNameOf(path);
-        const DWORD attributes = GetFileAttributesW(Win32::ExtendedPath(path).c_str());
-        row->isFolder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        const uint32_t attributes = folders.AttributesOf(row->location, row->currentName);
+        if (attributes == INVALID_FILE_ATTRIBUTES) RefuseMissingPath(path);
+        row->isFolder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
         rows.push_back(std::move(row));
     }
     return rows;
 }
 
 /// What the run would make of the rows.
-std::vector<RowOutcome> Preview(const RenameItems& rows) {
+std::vector<RowOutcome> Preview(const RenameItems& rows, FolderListings& listings) {
     std::vector<FolderNames> folders;
-    for (const std::wstring& folder : FoldersOf(rows)) folders.push_back(ListFolderOnDisk(folder));
+    for (const std::wstring& folder : FoldersOf(rows)) {
+        const FolderListings::Listing& listing = listings.Of(folder);
+        FolderNames& names = folders.emplace_back(FolderNames{folder, {}, listing.error});
+        for (const Win32::FolderEntry& entry : listing.entries) names.names.push_back(entry.name);
+    }
     const RenamePlan plan = PlanRenames(rows, folders);
     std::vector<RowOutcome> outcomes;
     for (size_t row = 0; row < rows.size(); ++row) {
@@ -177,16 +184,18 @@ int RunRename(const HostOptions& options, HostEnvironment& environment, Output& 
     const CalendarTime now = LocalTimeNow();
     const CalendarTime timeOfSetting = given.time ? ReadTime(*given.time) : now;
     CheckItems(definition);
-    const std::vector<std::wstring> paths = SelectedPaths(options.operands, options.filesFrom, environment.in);
+    const std::vector<std::wstring> paths =
+        SelectedPaths(options.operands, options.filesFrom, environment.in, Existence::NotChecked);
     if (paths.empty() && !given.saveProfile) throw UsageError(L"rename needs files: qvhost rename PATH... [options]");
 
     bool isDone = !given.saveProfile || SaveProfile(profiles, *given.saveProfile, definition);
-    const RenameItems rows = MakeRows(paths);
+    FolderListings folders;
+    const RenameItems rows = MakeRows(paths, folders);
     RenameRule rule(&host);
     rule.SetRule(definition, timeOfSetting);
     for (const auto& row : rows) rule.Compute(*row);
     if (given.isPreview) {
-        isDone = host.PrintOutcomes(rows, Preview(rows), L"rename") && isDone;
+        isDone = host.PrintOutcomes(rows, Preview(rows, folders), L"rename") && isDone;
     } else {
         CRenameResultCallback results;
         const std::vector<RowOutcome> outcomes = RunRenames(rows, now, host.Surroundings(!given.noUndo), results);

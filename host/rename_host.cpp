@@ -1,6 +1,7 @@
 #include "host/rename_host.h"
 
 #include "batchrename/qv_batch_rename.h"
+#include "host/host_error.h"
 #include "host/session.h"
 #include "host/text.h"
 #include "win32/path.h"
@@ -39,6 +40,7 @@ RenameHost::RenameHost(const HostOptions& options, HostEnvironment& environment,
     : m_state(MakeHostState(options, environment, output)),
       m_services(m_state, 0, BatchRenameRecord()),
       m_files(m_services, Quorvane::SDK::ServiceNumber::FileOperations),
+      m_libraryPath(LibraryPath(options, environment)),
       m_isStopped(environment.progressWatch.isCancelled) {
     m_journal.SetFolder(Win32::JoinPath(m_state.configurationFolder, L"Undo"));
 }
@@ -51,10 +53,26 @@ bool RenameHost::GetProperty(const BatchRenameItem& row, const std::wstring& nam
                              std::wstring& value) {
     wchar_t buffer[kPropertyCapacity] = {};
     const std::wstring path = Win32::JoinPath(row.location, row.currentName);
-    const bool isKnown =
-        m_files->GetPropertyText(path.c_str(), name.c_str(), format.c_str(), buffer, kPropertyCapacity);
+    const auto ask = [&] {
+        return m_files->GetPropertyText(path.c_str(), name.c_str(), format.c_str(), buffer, kPropertyCapacity);
+    };
+    bool isKnown = ask();
+    if (!isKnown && !m_hasTriedProviders) {
+        LoadProviders();
+        isKnown = ask();
+    }
     value = buffer;
     return isKnown;
+}
+
+void RenameHost::LoadProviders() {
+    m_hasTriedProviders = true;
+    try {
+        m_providers = std::make_unique<LoadedProviders>(m_state, m_libraryPath);
+    } catch (const HostError& error) {
+        // Then nobody knows the property, which each row will say.
+        m_state.output.Note(L"qvhost: " + FromUtf8(error.what()).value_or(L""));
+    }
 }
 
 bool RenameHost::PrintOutcomes(const RenameItems& rows, const std::vector<RowOutcome>& outcomes, const wchar_t* word) {

@@ -8,6 +8,7 @@
 #include "batchrename/rename_run.h"
 #include "host/command_line.h"
 #include "host/host_services.h"
+#include "host/loaded_providers.h"
 #include "host/run.h"
 #include "sdk/owners.h"
 
@@ -24,6 +25,8 @@ public:
     /// `isRecorded`: with the undo journal.
     BatchRename::RunSurroundings Surroundings(bool isRecorded);
 
+    /// What the host does not know by itself, the library's providers may: they are loaded when a rule asks for it
+    /// first.
     bool GetProperty(const BatchRename::BatchRenameItem& row, const std::wstring& name, const std::wstring& format,
                      std::wstring& value) override;
 
@@ -33,10 +36,15 @@ public:
                        const wchar_t* word);
 
 private:
+    void LoadProviders();
+
     HostState m_state;
     HostServices m_services;
     Quorvane::SDK::AcquiredService<Quorvane::SDK::IFileOperations> m_files;
     BatchRename::UndoStore m_journal;
+    std::wstring m_libraryPath;
+    bool m_hasTriedProviders = false;
+    std::unique_ptr<LoadedProviders> m_providers;
     const std::atomic<bool>* m_isStopped;
 };
 

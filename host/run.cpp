@@ -1,5 +1,8 @@
 #include "host/run.h"
 
+#include <algorithm>
+
+#include "host/columns_command.h"
 #include "host/command_line.h"
 #include "host/elevated_server.h"
 #include "host/host_error.h"
@@ -15,6 +18,8 @@
 
 namespace QVHost {
 namespace {
+
+constexpr std::wstring_view kPathPlace = L"{}";  // in the arguments of a call that is made for each path
 
 std::wstring Wide(const std::string& text) {
     return FromUtf8(text).value_or(L"");
@@ -35,11 +40,11 @@ const CustomCommand& FindCustomCommand(const CustomCommandTable& table, const st
                      L" (qvhost commands lists them)");
 }
 
-int RunCall(Session& session, const HostOptions& options) {
+/// One call with the arguments as they are. @throws UsageError for arguments that the command does not take
+bool CallOnce(Session& session, const CustomCommand& command, const std::vector<std::wstring>& arguments) {
     HostState& state = session.State();
-    const CustomCommand& command = FindCustomCommand(state.customCommands, options.operands.front());
     CustomCommandCall call(command);
-    for (size_t at = 1; at < options.operands.size(); ++at) call.SetArgument(options.operands[at]);
+    for (const std::wstring& argument : arguments) call.SetArgument(argument);
 
     Quorvane::SDK::IPluginInterface* const extension = session.Extensions()[command.Extension()]->Commands();
     const bool handled = extension && extension->OnCustomCommand(&call) != 0;
@@ -48,7 +53,27 @@ int RunCall(Session& session, const HostOptions& options) {
     // The extension decides what it makes of a call without them; a person wants to know why nothing happened.
     for (const std::wstring& name : call.MissingParameters())
         if (!handled) state.output.Note(L"qvhost: " + Wide(command.Name()) + L" needs " + name);
-    return StatusOf(state, handled, call.ResultCode());
+    return handled && call.ResultCode() == 0;
+}
+
+/// `arguments` with the path in the place of each {}.
+std::vector<std::wstring> ArgumentsFor(std::vector<std::wstring> arguments, const std::wstring& path) {
+    for (std::wstring& argument : arguments)
+        for (size_t at = 0; (at = argument.find(kPathPlace, at)) != std::wstring::npos; at += path.size())
+            argument.replace(at, kPathPlace.size(), path);
+    return arguments;
+}
+
+int RunCall(Session& session, const HostOptions& options, std::istream& in) {
+    const CustomCommand& command = FindCustomCommand(session.State().customCommands, options.operands.front());
+    const std::vector<std::wstring> arguments(options.operands.begin() + 1, options.operands.end());
+    if (!options.filesFrom) return StatusOf(session.State(), CallOnce(session, command, arguments), 0);
+    if (std::ranges::none_of(arguments, [](const auto& text) { return text.find(kPathPlace) != text.npos; }))
+        throw UsageError(L"with --files-from the place of each path is marked by {}, as in FILE={}");
+    bool isDone = true;
+    for (const std::wstring& path : SelectedPaths({}, options.filesFrom, in))
+        isDone &= CallOnce(session, command, ArgumentsFor(arguments, path));
+    return StatusOf(session.State(), isDone, 0);
 }
 
 /// Gives the command to the extension that made it, or, when none did, to one after the other until it is handled:
@@ -62,14 +87,29 @@ bool Dispatch(Session& session, uint32_t id) {
     return false;
 }
 
+void Select(HostState& state, const std::vector<std::wstring>& given, const std::optional<std::wstring>& listFile,
+            std::istream& in) {
+    for (std::wstring& path : SelectedPaths(given, listFile, in))
+        state.selection.push_back(state.files.MakeItem(std::move(path)));
+}
+
+int RunColumns(Session& session, const HostOptions& options, std::istream& in) {
+    HostState& state = session.State();
+    Select(state, options.operands, options.filesFrom, in);
+    if (state.selection.empty()) throw UsageError(L"columns needs files: qvhost columns PATH...");
+    const ColumnFormat format = options.printsCsv    ? ColumnFormat::Csv
+                                : options.printsJson ? ColumnFormat::Json
+                                                     : ColumnFormat::Table;
+    PrintColumns(state.output, state.columns, state.selection, format);
+    return ExitStatus::Done;
+}
+
 int RunCommand(Session& session, const HostOptions& options, std::istream& in) {
     HostState& state = session.State();
     uint32_t id = 0;
     if (!ParseNumber(options.operands.front(), id))
         throw UsageError(L"\"" + options.operands.front() + L"\" is no command id (qvhost menus lists them)");
-    const std::vector<std::wstring> given(options.operands.begin() + 1, options.operands.end());
-    for (std::wstring& path : SelectedPaths(given, options.filesFrom, in))
-        state.selection.push_back(state.files.MakeItem(std::move(path)));
+    Select(state, {options.operands.begin() + 1, options.operands.end()}, options.filesFrom, in);
     const bool handled = Dispatch(session, id);
     // An extension may have opened a window that works by itself: this command ends with it.
     const std::atomic<bool>* const isCancelled = state.progressWatch.isCancelled;
@@ -88,8 +128,9 @@ int RunElevatedServer(Session& session, const HostOptions& options) {
 }
 
 int Run(const HostOptions& options, HostEnvironment& environment, Output& output) {
-    if (options.action != Action::Command && options.action != Action::Rename && options.filesFrom)
-        throw UsageError(L"--files-from goes with command and rename alone");
+    constexpr Action kTakeLists[] = {Action::Call, Action::Columns, Action::Command, Action::Rename};
+    if (options.filesFrom && std::ranges::find(kTakeLists, options.action) == std::end(kTakeLists))
+        throw UsageError(L"--files-from goes with call, columns, command and rename alone");
     if (options.action == Action::Rename) return RunRename(options, environment, output);
     if (options.action == Action::Undo) return RunUndo(options, environment, output);
     Session session(options, environment, output);
@@ -99,8 +140,9 @@ int Run(const HostOptions& options, HostEnvironment& environment, Output& output
     }
     session.StartExtensions();
     switch (options.action) {
-        case Action::Call: return RunCall(session, options);
+        case Action::Call: return RunCall(session, options, environment.in);
         case Action::Command: return RunCommand(session, options, environment.in);
+        case Action::Columns: return RunColumns(session, options, environment.in);
         case Action::ElevatedServer: return RunElevatedServer(session, options);
         case Action::Menus: PrintMenus(output, session.State().menus); return ExitStatus::Done;
         default: PrintCustomCommands(output, session.State().customCommands); return ExitStatus::Done;

@@ -35,20 +35,26 @@ std::vector<std::wstring> ReadList(const std::wstring& listFile, std::istream& i
 }  // namespace
 
 std::vector<std::wstring> SelectedPaths(const std::vector<std::wstring>& given,
-                                        const std::optional<std::wstring>& listFile, std::istream& in) {
+                                        const std::optional<std::wstring>& listFile, std::istream& in,
+                                        Existence existence) {
     std::vector<std::wstring> paths = given;
     if (listFile) {
         std::vector<std::wstring> further = ReadList(*listFile, in);
         paths.insert(paths.end(), std::make_move_iterator(further.begin()), std::make_move_iterator(further.end()));
     }
+    FullUserPaths fullPath;
     for (std::wstring& path : paths) {
-        std::wstring full = FullUserPath(path);
+        std::wstring full = fullPath(path);
         // A folder written with its separator is the folder; the item's name is what stands before it.
         while (full.size() > 3 && full.back() == L'\\') full.pop_back();
-        if (!Win32::Exists(full)) throw UsageError(L"there is no file or folder " + path);
+        if (existence == Existence::Checked && !Win32::Exists(full)) RefuseMissingPath(path);
         path = std::move(full);
     }
     return paths;
+}
+
+void RefuseMissingPath(const std::wstring& path) {
+    throw UsageError(L"there is no file or folder " + path);
 }
 
 }  // namespace QVHost

@@ -68,6 +68,10 @@ const std::wstring& Existing(const std::wstring& file, bool mustExist) {
 
 }  // namespace
 
+std::wstring LibraryPath(const HostOptions& options, const HostEnvironment& environment) {
+    return GivenOrBeside(options.library, environment.program, kLibraryName);
+}
+
 HostState MakeHostState(const HostOptions& options, const HostEnvironment& environment, Output& output) {
     return {.output = output,
             .log = {output, options.log.empty() ? L"" : FullUserPath(options.log), options.isQuiet},
@@ -86,7 +90,7 @@ HostState MakeHostState(const HostOptions& options, const HostEnvironment& envir
 
 Session::Session(const HostOptions& options, HostEnvironment& environment, Output& output)
     : m_state(MakeHostState(options, environment, output)),
-      m_library(Existing(GivenOrBeside(options.library, environment.program, kLibraryName), !options.library.empty())) {
+      m_library(Existing(LibraryPath(options, environment), !options.library.empty())) {
     ReadLanguage(GivenOrBeside(options.language, environment.program, kLanguageName), !options.language.empty());
 }
 
@@ -106,6 +110,8 @@ void Session::StartExtensions() {
     for (uint32_t index = 0; index < m_library.Extensions().size(); ++index) {
         m_services.push_back(std::make_unique<HostServices>(m_state, index, m_library.Extensions()[index]));
         m_extensions.push_back(std::make_unique<LoadedExtension>(m_library, index, *m_services.back()));
+        if (Quorvane::SDK::IFileProperties* const provider = m_extensions.back()->Properties())
+            m_state.columns.AddProvider(m_state.propertyColumns[index], *provider);
     }
 }
 

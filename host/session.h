@@ -16,6 +16,9 @@ namespace QVHost {
 /// @throws HostError when the log file cannot be opened
 HostState MakeHostState(const HostOptions& options, const HostEnvironment& environment, Output& output);
 
+/// The library to load: the one that the options name, else the one beside the program.
+std::wstring LibraryPath(const HostOptions& options, const HostEnvironment& environment);
+
 class Session {
 public:
     /// Loads the library and reads the language file; no extension is made yet.

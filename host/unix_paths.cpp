@@ -1,5 +1,6 @@
 #include "host/unix_paths.h"
 
+#include "host/rename_rows.h"
 #include "host/text.h"
 #include "win32/module.h"
 #include "win32/path.h"
@@ -38,6 +39,17 @@ std::wstring FromUnixPath(const std::wstring& path) {
 
 std::wstring FullUserPath(const std::wstring& path) {
     return Win32::FullPath(FromUnixPath(path));
+}
+
+std::wstring FullUserPaths::operator()(const std::wstring& path) {
+    const std::wstring name(Win32::FileNameOf(path));
+    const std::wstring folder = path.substr(0, path.size() - name.size());
+    if (folder.empty() || !IsFileName(name)) return FullUserPath(path);  // "..", or a name that is not taken as it is
+    if (folder != m_folder) {
+        m_fullFolder = FullUserPath(folder);
+        m_folder = folder;
+    }
+    return Win32::JoinPath(m_fullFolder, name);
 }
 
 }  // namespace QVHost

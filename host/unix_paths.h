@@ -17,4 +17,15 @@ std::wstring FromUnixPath(const std::wstring& path);
 /// The absolute form of a path given by a person: of either system, relative or not, with either slash.
 std::wstring FullUserPath(const std::wstring& path);
 
+/// The same for many paths, most of which lie in the folder of the one before: finding the drive path of a folder takes
+/// several calls of the system.
+class FullUserPaths {
+public:
+    std::wstring operator()(const std::wstring& path);
+
+private:
+    std::wstring m_folder;
+    std::wstring m_fullFolder;
+};
+
 }  // namespace QVHost

@@ -18,6 +18,14 @@ constexpr POINT kExclamation[] = {{7, 5}, {9, 5}, {9, 10}, {7, 10}};
 constexpr POINT kDot[] = {{7, 11}, {9, 11}, {9, 13}, {7, 13}};
 constexpr POINT kCheck[] = {{2, 8}, {4, 6}, {7, 9}, {12, 3}, {14, 5}, {7, 13}};
 
+/// A function of the common controls that are active on this thread. They are loaded with the first window, and not
+/// with the library.
+template <class Function>
+Function FromCommonControls(const char* name) noexcept {
+    const HMODULE controls = GetModuleHandleW(L"comctl32.dll");
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(controls, name)));
+}
+
 bool IsHighContrast() {
     HIGHCONTRASTW contrast = {};
     contrast.cbSize = sizeof(contrast);
@@ -49,9 +57,16 @@ void Draw(HDC context, int size, int picture) {
 
 }  // namespace
 
+void ImageListTraits::Close(Raw raw) noexcept {
+    if (auto* const destroy = FromCommonControls<decltype(&ImageList_Destroy)>("ImageList_Destroy")) destroy(raw);
+}
+
 ImageListHandle MakeRowIcons(int size) {
     constexpr int kCount = 4;
-    ImageListHandle list(ImageList_Create(size, size, ILC_COLOR24 | ILC_MASK, kCount, 0));
+    auto* const create = FromCommonControls<decltype(&ImageList_Create)>("ImageList_Create");
+    auto* const addMasked = FromCommonControls<decltype(&ImageList_AddMasked)>("ImageList_AddMasked");
+    if (!create || !addMasked) return {};  // the status says in words what the pictures show
+    ImageListHandle list(create(size, size, ILC_COLOR24 | ILC_MASK, kCount, 0));
     const HDC screen = GetDC(nullptr);
     const HDC context = CreateCompatibleDC(screen);
     for (int picture = 0; picture < kCount; ++picture) {
@@ -64,7 +79,7 @@ ImageListHandle MakeRowIcons(int size) {
         Rectangle(context, 0, 0, size, size);
         Draw(context, size, picture);
         SelectObject(context, before);
-        ImageList_AddMasked(list.Get(), bitmap, kTransparent);
+        addMasked(list.Get(), bitmap, kTransparent);
         DeleteObject(bitmap);
     }
     DeleteDC(context);

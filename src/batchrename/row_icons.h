@@ -10,7 +10,7 @@ namespace BatchRename {
 struct ImageListTraits {
     using Raw = HIMAGELIST;
     static Raw Empty() noexcept { return nullptr; }
-    static void Close(Raw raw) noexcept { ImageList_Destroy(raw); }
+    static void Close(Raw raw) noexcept;
 };
 using ImageListHandle = Win32::UniqueHandle<ImageListTraits>;
 

@@ -5,12 +5,16 @@
 #include "fileutils/create_link_command.h"
 #include "fileutils/create_links_command.h"
 #include "fileutils/find_replace_command.h"
+#include "fileutils/grant_access_command.h"
 #include "fileutils/link_creation.h"
 #include "fileutils/quick_rename.h"
 #include "fileutils/quick_rename_command.h"
 #include "fileutils/rename_group_command.h"
 #include "fileutils/replace_in_names_command.h"
+#include "fileutils/reset_access_command.h"
+#include "fileutils/security_requests.h"
 #include "fileutils/sort_lines_command.h"
+#include "fileutils/take_ownership_command.h"
 #include "fileutils/text_conversion_command.h"
 #include "fileutils/xml_conversion_command.h"
 
@@ -18,9 +22,6 @@ namespace FileUtils {
 namespace {
 
 using namespace Quorvane::SDK;
-
-// A row without a handler is in the menu, and its command is answered as not handled.
-constexpr CommandHandler kNotHandled = nullptr;
 
 constexpr CommandRow kMenuCommands[] = {
     // id    submenu  text    shortcut     handler
@@ -39,9 +40,9 @@ constexpr CommandRow kMenuCommands[] = {
     {30151, 2002_m, 2221_m, kNoShortcut, RunFindAndReplaceDialog},
     {30210, 2003_m, 2240_m, kNoShortcut, RunBase64},
     {30211, 2003_m, 2241_m, kNoShortcut, RunBase64},
-    {30300, 2300_m, 2301_m, kNoShortcut, kNotHandled},
-    {30310, 2300_m, 2310_m, kNoShortcut, kNotHandled},
-    {30311, 2300_m, 2311_m, kNoShortcut, kNotHandled},
+    {30300, 2300_m, 2301_m, kNoShortcut, RunTakeOwnership},
+    {30310, 2300_m, 2310_m, kNoShortcut, RunResetAccess},
+    {30311, 2300_m, 2311_m, kNoShortcut, RunGrantAccess},
     {30350, 2400_m, 2401_m, kNoShortcut, RunCreateLinks},
 };
 
@@ -110,9 +111,9 @@ constexpr CustomCommandRow kCustomCommands[] = {
 };
 
 constexpr ElevatedRow kElevatedRequests[] = {
-    {5000, nullptr},  // take ownership
-    {5001, nullptr},  // grant access
-    {5003, nullptr},  // reset the access list
+    {kTakeOwnershipRequest, AnswerTakeOwnershipRequest},
+    {kGrantAccessRequest, AnswerGrantAccessRequest},
+    {kResetAccessRequest, AnswerResetAccessRequest},
     {kCreateLinkRequest, AnswerCreateLinkRequest},
 };
 

@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
+#include "fileutils/elevated_request.h"
 #include "fileutils/link_creation.h"
-#include "sdk/owners.h"
 #include "win32/path.h"
 
 namespace FileUtils {
@@ -28,21 +28,14 @@ std::optional<LinkRequest> RequestOf(ICustomCommandCall& call) {
     return request;
 }
 
-/// The request of a message, when it holds these four fields and nothing else.
-std::optional<LinkRequest> RequestOf(IRequestMessage& message) {
-    const Owned<IRequestReader> reader(message.CreateReader());
-    if (!reader || !reader->Attach(message.GetData(), message.GetSize())) return std::nullopt;
-    const wchar_t* link = nullptr;
-    const wchar_t* target = nullptr;
-    uint32_t folderFlag = 0;
+LinkRequest ReadRequest(RequestFields& fields) {
     LinkRequest request;
-    const bool isWhole = reader->ReadNumber(&request.type) && reader->ReadString(&link) &&
-                         reader->ReadString(&target) && reader->ReadNumber(&folderFlag);
-    uint32_t more = 0;
-    if (!isWhole || folderFlag > 1 || reader->ReadNumber(&more)) return std::nullopt;
-    request.link = link;
-    request.target = target;
+    request.type = fields.Number();
+    request.link = fields.Text();
+    request.target = fields.Text();
+    const uint32_t folderFlag = fields.Number();
     request.targetIsFolder = folderFlag == 1;
+    if (folderFlag > 1) fields.Refuse();
     return request;
 }
 
@@ -67,7 +60,7 @@ uint32_t RunCreateLinkCommand(IHostServices& host, ICustomCommandCall& call) {
 }
 
 uint32_t AnswerCreateLinkRequest(IHostServices& host, IRequestMessage& message) {
-    const std::optional<LinkRequest> request = RequestOf(message);
+    const std::optional<LinkRequest> request = ReadWholeMessage(message, ReadRequest);
     const uint32_t error = request ? CreateLinkHere(host, *request) : uint32_t{ERROR_INVALID_PARAMETER};
     message.Reply(1, error, 0, 0);
     return 1;

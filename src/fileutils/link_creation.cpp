@@ -5,6 +5,7 @@
 
 #include <shlwapi.h>
 
+#include "fileutils/elevated_request.h"
 #include "sdk/owners.h"
 #include "win32/files.h"
 #include "win32/path.h"
@@ -120,23 +121,17 @@ uint32_t CreateShortcut(const LinkRequest& request, const LinkSystem& system) {
 }
 
 uint32_t SendRequest(IHostServices& host, const LinkRequest& request) {
-    const AcquiredService<IElevatedChannel> channel(host, ServiceNumber::ElevatedChannel, request.link.c_str());
-    if (!channel || !channel->Connect()) return ERROR_ACCESS_DENIED;
     // The other process has a current folder of its own. A symbolic link's target is seen from the link, not from
     // there.
     const bool staysRelative = request.type == LinkType::SymbolicLink;
     const std::wstring target = staysRelative ? request.target : Absolute(request.target);
-    uint32_t result = ERROR_ACCESS_DENIED;
-    if (const Owned<IRequestWriter> writer{channel->CreateWriter()}) {
-        writer->WriteNumber(request.type);
-        writer->WriteString(Absolute(request.link).c_str());
-        writer->WriteString(target.c_str());
-        writer->WriteNumber(request.targetIsFolder ? 1 : 0);
-        if (const void* const data = writer->GetData())
-            result = channel->Send(kCreateLinkRequest, data, writer->GetSize());
-    }
-    channel->Close();
-    return result;
+    const auto write = [&](IRequestWriter& writer) {
+        writer.WriteNumber(request.type);
+        writer.WriteString(Absolute(request.link).c_str());
+        writer.WriteString(target.c_str());
+        writer.WriteNumber(request.targetIsFolder ? 1 : 0);
+    };
+    return SendElevated(host, kCreateLinkRequest, request.link, write).value_or(ERROR_ACCESS_DENIED);
 }
 
 }  // namespace

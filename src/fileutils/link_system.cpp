@@ -1,10 +1,8 @@
 #include "fileutils/link_system.h"
 
-#include <memory>
-
-#include <objbase.h>
 #include <shlobj.h>
 
+#include "fileutils/com.h"
 #include "win32/handle.h"
 #include "win32/module.h"
 #include "win32/path.h"
@@ -43,26 +41,6 @@ uint32_t SetReparsePoint(const std::wstring& folder, const ReparseBuffer& buffer
     return LastErrorUnless(DeviceIoControl(handle.Get(), kSetReparsePoint, bytes.data(), buffer.usedSize, nullptr, 0,
                                            &returned, nullptr) != FALSE);
 }
-
-/// COM for this thread while the object lives. The thread may use it already, in whichever way.
-class ComOnThisThread {
-public:
-    ComOnThisThread() : m_result(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)) {}
-    ComOnThisThread(const ComOnThisThread&) = delete;
-    ComOnThisThread& operator=(const ComOnThisThread&) = delete;
-    ~ComOnThisThread() {
-        if (SUCCEEDED(m_result)) CoUninitialize();
-    }
-
-private:
-    HRESULT m_result;
-};
-
-struct ReleaseInterface {
-    void operator()(IUnknown* object) const noexcept { object->Release(); }
-};
-template <class Interface>
-using OwnedInterface = std::unique_ptr<Interface, ReleaseInterface>;
 
 uint32_t SaveShortcut(const std::wstring& link, const std::wstring& target, const std::wstring& workingFolder,
                       const wchar_t* description) {

@@ -77,6 +77,8 @@ void ConvertInto(const std::wstring& path, const std::wstring& target, const Tex
     try {
         ConvertBytes(reader, converter, writer);
         writer.Close();
+        if (const uint32_t error = Win32::CopyStreams(path, target, Win32::NamedStreamsOf(path)))
+            throw QVUtilsException(error, "Unable to carry over the named streams");
     } catch (...) {
         writer.Abandon();
         Win32::RemoveFile(target);

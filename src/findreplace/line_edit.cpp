@@ -48,7 +48,7 @@ void LineEdit<CharT>::Skip(Span match) {
 }
 
 template <class CharT>
-void LineEdit<CharT>::Replace(Span match, View replacement) {
+void LineEdit<CharT>::Replace(Span match, View replacement, LineMatcher<CharT>& matcher) {
     if (!m_isChanged) {
         m_isChanged = true;
         // Most replacements are about as long as what they replace; a long line must not be copied while it grows.
@@ -58,12 +58,14 @@ void LineEdit<CharT>::Replace(Span match, View replacement) {
     const size_t lengthBefore = m_ahead.size();
     Pass(match.start);
     m_ahead.remove_prefix(match.length);
-    const size_t kept = std::min(replacement.size(), match.length);
+    // What a longer replacement pushes back is searched again, unless it is plain that nothing is found in there.
+    size_t kept = std::min(replacement.size(), match.length);
+    if (kept < replacement.size() && !matcher.MayBeginIn(replacement.substr(kept), m_ahead)) kept = replacement.size();
     m_done.insert(m_done.end(), replacement.begin(), replacement.begin() + static_cast<std::ptrdiff_t>(kept));
-    if (replacement.size() > match.length) {
+    if (replacement.size() > kept) {
         CheckThatItEnds(replacement.size() - match.length);
-        PushBack(replacement.substr(match.length));
-    } else {
+        PushBack(replacement.substr(kept));
+    } else if (kept < match.length) {
         Pass(match.length - kept);
     }
     GoOnAfter(match, lengthBefore);
@@ -93,22 +95,23 @@ void LineEdit<CharT>::GoOnAfter(Span match, size_t lengthBefore) {
 /// Puts `text` in front of the text ahead.
 template <class CharT>
 void LineEdit<CharT>::PushBack(View text) {
-    const bool isInRoom = !m_room.empty() && m_ahead.data() >= m_room.data() &&
-                          m_ahead.data() + m_ahead.size() == m_room.data() + m_room.size();
-    const size_t free = isInRoom ? static_cast<size_t>(m_ahead.data() - m_room.data()) : 0;
+    const CharT* const roomEnd = m_room.get() + m_roomSize;
+    const bool isInRoom = m_room && m_ahead.data() >= m_room.get() && m_ahead.data() + m_ahead.size() == roomEnd;
+    const size_t free = isInRoom ? static_cast<size_t>(m_ahead.data() - m_room.get()) : 0;
     if (free < text.size()) {
         // Twice the room needed: moving the text is paid for by what fits in front of it before it must move again.
         const size_t needed = 2 * (m_ahead.size() + text.size());
-        if (m_room.size() >= needed) {
-            std::copy_backward(m_ahead.begin(), m_ahead.end(), m_room.end());
+        if (m_roomSize >= needed) {
+            std::copy_backward(m_ahead.begin(), m_ahead.end(), m_room.get() + m_roomSize);
         } else {
-            std::vector<CharT> larger(needed);
-            std::copy_backward(m_ahead.begin(), m_ahead.end(), larger.end());
+            auto larger = std::make_unique_for_overwrite<CharT[]>(needed);
+            std::copy_backward(m_ahead.begin(), m_ahead.end(), larger.get() + needed);
             m_room = std::move(larger);
+            m_roomSize = needed;
         }
-        m_ahead = View(m_room.data() + m_room.size() - m_ahead.size(), m_ahead.size());
+        m_ahead = View(m_room.get() + m_roomSize - m_ahead.size(), m_ahead.size());
     }
-    CharT* const front = m_room.data() + (m_ahead.data() - m_room.data()) - text.size();
+    CharT* const front = m_room.get() + (m_ahead.data() - m_room.get()) - text.size();
     std::copy(text.begin(), text.end(), front);
     m_ahead = View(front, m_ahead.size() + text.size());
 }

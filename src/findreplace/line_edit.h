@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,8 +52,9 @@ public:
     /// Moves the position behind a match without changing it.
     void Skip(Span match);
 
-    /// Replaces a match. @throws QVUtilsException (code 87) when replacements feed on replacements without end
-    void Replace(Span match, View replacement);
+    /// Replaces a match of `matcher`. @throws QVUtilsException (code 87) when replacements feed on each other without
+    /// end
+    void Replace(Span match, View replacement, LineMatcher<CharT>& matcher);
 
 private:
     void Pass(size_t length);
@@ -66,7 +68,9 @@ private:
     size_t m_passed = 0;        // while nothing is changed, the units of m_line that are done
     std::vector<CharT> m_done;  // from the first change on
     View m_ahead;
-    std::vector<CharT> m_room;    // holds m_ahead at its end once something was pushed back
+    // Holds m_ahead at its end once something was pushed back. Its front is memory that nobody touched yet.
+    std::unique_ptr<CharT[]> m_room;
+    size_t m_roomSize = 0;
     size_t m_original = 0;        // units of the line as it was that have not been passed yet
     uint64_t m_changesSince = 0;  // changes, and units grown by, since the last such unit was passed
     uint64_t m_grownSince = 0;

@@ -1,5 +1,7 @@
 #include "findreplace/line_matcher.h"
 
+#include <algorithm>
+
 #include "findreplace/request.h"
 #include "textio/byte_search.h"
 
@@ -16,7 +18,8 @@ class PlainMatcher : public LineMatcher<CharT> {
 public:
     using View = typename LineMatcher<CharT>::View;
 
-    PlainMatcher(std::basic_string<CharT> item, bool foldsCase) : m_item(std::move(item)), m_foldsCase(foldsCase) {}
+    PlainMatcher(std::basic_string<CharT> item, bool foldsCase, bool stepsBack)
+        : m_item(std::move(item)), m_foldsCase(foldsCase), m_stepsBack(stepsBack) {}
 
     const CharT* FindCandidate(View lines) const override {
         if (m_item.empty()) return nullptr;
@@ -32,9 +35,31 @@ public:
         return replacement.size() > m_item.size() && this->Find(replacement.substr(m_item.size()), found);
     }
 
+    // Which scan of the two it is makes a difference only for a hit that begins in the text and does not end in it.
+    bool MayBeginIn(View text, View following) override {
+        for (size_t start = 0; start < text.size(); ++start) {
+            if (text[start] == CharT(0)) return true;  // it may end the search
+            const size_t length = std::min(text.size() - start, m_item.size());
+            const View rest = View(m_item).substr(length);
+            if (IsSame(View(m_item).substr(0, length), text.substr(start, length)) &&
+                (!m_stepsBack || IsSame(rest, following.substr(0, rest.size()))))
+                return true;
+        }
+        return false;
+    }
+
 protected:
+    bool IsSame(CharT left, CharT right) const {
+        return m_foldsCase ? FoldCase(left) == FoldCase(right) : left == right;
+    }
+    bool IsSame(View left, View right) const {
+        return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                          [this](CharT one, CharT other) { return IsSame(one, other); });
+    }
+
     const std::basic_string<CharT> m_item;
     const bool m_foldsCase;
+    const bool m_stepsBack;  // after a hit that came to nothing the search goes on behind its first character
 };
 
 template <class CharT>
@@ -42,7 +67,7 @@ class ExactMatcher final : public PlainMatcher<CharT> {
 public:
     using View = typename LineMatcher<CharT>::View;
 
-    explicit ExactMatcher(std::basic_string<CharT> item) : PlainMatcher<CharT>(std::move(item), false) {}
+    explicit ExactMatcher(std::basic_string<CharT> item) : PlainMatcher<CharT>(std::move(item), false, true) {}
 
     bool Find(View text, Span& found) override {
         const CharT* const hit = this->FindCandidate(text);
@@ -58,7 +83,7 @@ public:
     using View = typename LineMatcher<CharT>::View;
     static constexpr bool kFoldsCase = sizeof(CharT) == 2;
 
-    explicit ScanningMatcher(std::basic_string<CharT> item) : PlainMatcher<CharT>(std::move(item), kFoldsCase) {}
+    explicit ScanningMatcher(std::basic_string<CharT> item) : PlainMatcher<CharT>(std::move(item), kFoldsCase, false) {}
 
     bool Find(View text, Span& found) override {
         const auto& item = this->m_item;
@@ -70,19 +95,13 @@ public:
                 at = FindSequence(at, end, item.data(), 1, kFoldsCase);
                 if (at == end) return false;
             }
-            matched = AreEqual(*at, item[matched]) ? matched + 1 : 0;
+            matched = this->IsSame(*at, item[matched]) ? matched + 1 : 0;
             if (matched == item.size()) {
                 found = {static_cast<size_t>(at - text.data()) + 1 - matched, matched};
                 return true;
             }
         }
         return false;
-    }
-
-private:
-    static bool AreEqual(CharT left, CharT right) {
-        if constexpr (kFoldsCase) return FoldCase(left) == FoldCase(right);
-        return left == right;
     }
 };
 

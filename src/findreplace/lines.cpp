@@ -100,8 +100,22 @@ void Lines<CharT>::InsertLine(uint32_t line, View text) {
 }
 
 template <class CharT>
-void Lines<CharT>::Save(QVUtils::DataWriter& writer, LineBreak& style) const {
+void Lines<CharT>::CopyFrom(uint32_t first, std::vector<CharT>& text) const {
     const auto& records = Records();
+    for (size_t line = first; line < records.size(); ++line) {
+        const LineRecord<CharT>& record = records[line];
+        // A lone CR counts as no break, but without it two lines would become one.
+        const CharT* const next = line + 1 < records.size() ? records[line + 1].text : m_text.data() + m_text.size();
+        const View now = GetLine(static_cast<uint32_t>(line));
+        text.insert(text.end(), now.begin(), now.end());
+        text.insert(text.end(), record.text + record.length, next);
+    }
+}
+
+template <class CharT>
+void Lines<CharT>::Save(QVUtils::DataWriter& writer, LineBreak& style, uint32_t end) const {
+    const auto& records = Records();
+    end = std::min(end, GetCount());
     const auto hasBreak = [](const LineRecord<CharT>& record) { return record.lineBreak != LineBreak::None; };
     if (style == LineBreak::None) {
         const auto first = std::find_if(records.begin(), records.end(), hasBreak);
@@ -120,7 +134,7 @@ void Lines<CharT>::Save(QVUtils::DataWriter& writer, LineBreak& style) const {
         pieceBegin = pieceEnd = nullptr;
     };
 
-    for (uint32_t line = 0; line < records.size(); ++line) {
+    for (uint32_t line = 0; line < end; ++line) {
         const LineRecord<CharT>& record = records[line];
         const bool isVerbatim = !record.edited && !record.isRemoved && !record.hasInsertedLines &&
                                 (record.lineBreak == style || record.lineBreak == LineBreak::None);

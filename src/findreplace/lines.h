@@ -54,6 +54,7 @@ template <class CharT>
 class Lines {
 public:
     using View = std::basic_string_view<CharT>;
+    static constexpr uint32_t kAllLines = 0xFFFFFFFF;
 
     /// Starts on a text, which must stay in place as long as its lines are used. What was held before is gone.
     void Reset(View text);
@@ -85,11 +86,15 @@ public:
     /// they came from the replacement is reason enough not to replace in them again.
     void InsertLine(uint32_t line, View text);
 
-    /// Writes all lines. Every line that had a break gets the break of the first line of the file that had one, so that
-    /// a file with mixed breaks comes back with one style; this is intended. Added lines get it too; a line without a
-    /// break stays without. `style` holds that break, or None as long as no such line was seen.
+    /// Writes the lines before `end`. Every line that had a break gets the break of the first line of the file that had
+    /// one, so that a file with mixed breaks comes back with one style; this is intended. Added lines get it too; a
+    /// line without a break stays without. `style` holds that break, or None as long as no such line was seen.
     /// @throws QVUtilsException what the writer throws
-    void Save(QVUtils::DataWriter& writer, QVUtils::LineBreak& style) const;
+    void Save(QVUtils::DataWriter& writer, QVUtils::LineBreak& style, uint32_t end = kAllLines) const;
+
+    /// Puts the lines from `first` on behind `text`, as they now stand, each with the break that it had. None of them
+    /// may be removed or have lines added behind it.
+    void CopyFrom(uint32_t first, std::vector<CharT>& text) const;
 
     /// The line of an untouched stretch [first, last) of the table in which the text position `at` lies. Fast when it
     /// is near `first`.

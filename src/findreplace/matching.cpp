@@ -1,6 +1,7 @@
 #include "findreplace/matching.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "findreplace/line_edit.h"
 #include "findreplace/line_matcher.h"
@@ -23,11 +24,13 @@ public:
     using View = std::basic_string_view<CharT>;
     using Text = std::basic_string<CharT>;
 
-    Engine(TextDocumentT<CharT>& document, Request& request, IFindAndReplaceCallback* callback)
+    Engine(TextDocumentT<CharT>& document, Request& request, IFindAndReplaceCallback* callback,
+           SearchPosition& position)
         : m_document(document),
           m_lines(document.GetLines()),
           m_items(request.GetItems(document.GetKind(), CharT())),
           m_callback(callback),
+          m_position(position),
           m_mode(request.GetMode()),
           m_isWildcard((request.GetOptions() & Option::Wildcard) != 0),
           m_ignoreCase((request.GetOptions() & Option::IgnoreCase) != 0) {}
@@ -92,7 +95,7 @@ private:
                 continue;
             }
             if (pair.neverEnds && !MustAsk()) ThrowEndlessReplacement();
-            m_edit.Replace(span, *pair.replacement);
+            m_edit.Replace(span, *pair.replacement, *pair.matcher);
             for (const Text& text : pair.inserted) m_lines.InsertLine(line, text);
             m_document.CountChange();
         }
@@ -175,10 +178,12 @@ private:
     /// The first find line may begin anywhere in its line, the last must begin the line that it is compared with.
     /// `replacement` is empty when the encoding cannot hold it.
     void ApplyOverLines(const std::vector<Text>& find, const std::vector<Text>& replacement) {
+        const size_t startColumn = std::exchange(m_position.column, 0);
         const auto matcher = MakePlainMatcher<CharT>(find.front(), m_ignoreCase);
         if (!find.front().empty() && !BeginSearch(*matcher)) return;
         const Text shown = Join(replacement);
         Match match;  // the search goes on from its end
+        match.endColumn = static_cast<uint32_t>(startColumn);
         while (!m_isStopped && FindLines(find, *matcher, match)) {
             if (replacement.empty()) ThrowUnrepresentable();
             if (!MustAsk() || Confirm(match, shown)) ReplaceLines(match, replacement);
@@ -191,6 +196,11 @@ private:
         uint32_t line = match.endLine;
         size_t column = match.endColumn;
         while (line < m_lines.GetCount()) {
+            if (!m_position.isLastBlock && line + find.size() > m_lines.GetCount()) {
+                m_position.line = line;
+                m_position.column = column;
+                return false;
+            }
             const View text = m_lines.GetLine(line);
             Span span;
             const bool isHit = column <= text.size() &&
@@ -322,6 +332,7 @@ private:
     Lines<CharT>& m_lines;
     const Items<CharT>& m_items;
     IFindAndReplaceCallback* m_callback;
+    SearchPosition& m_position;
     const Mode m_mode;
     const bool m_isWildcard;
     const bool m_ignoreCase;
@@ -334,14 +345,16 @@ private:
 }  // namespace
 
 template <class CharT>
-uint32_t FindAndReplace(TextDocumentT<CharT>& document, Request& request, IFindAndReplaceCallback* callback) {
+uint32_t FindAndReplace(TextDocumentT<CharT>& document, Request& request, IFindAndReplaceCallback* callback,
+                        SearchPosition* position) {
     if (const char* const fault = request.FindFault())
         throw QVUtilsException(QVUtils::ErrorCode::InvalidParameter, fault);
-    Engine<CharT>(document, request, callback).Run();
+    SearchPosition wholeText;
+    Engine<CharT>(document, request, callback, position ? *position : wholeText).Run();
     return document.GetChangeCount();
 }
 
-template uint32_t FindAndReplace(TextDocumentT<char>&, Request&, IFindAndReplaceCallback*);
-template uint32_t FindAndReplace(TextDocumentT<WideChar>&, Request&, IFindAndReplaceCallback*);
+template uint32_t FindAndReplace(TextDocumentT<char>&, Request&, IFindAndReplaceCallback*, SearchPosition*);
+template uint32_t FindAndReplace(TextDocumentT<WideChar>&, Request&, IFindAndReplaceCallback*, SearchPosition*);
 
 }  // namespace QVFindAndReplace

@@ -7,6 +7,15 @@
 
 namespace QVFindAndReplace {
 
+/// Where a search over several lines stands when it leaves one block of a text for the next.
+struct SearchPosition {
+    static constexpr uint32_t kAllLines = 0xFFFFFFFF;
+
+    bool isLastBlock = true;    // in: no lines follow
+    size_t column = 0;          // in: of the first line; out: of `line`
+    uint32_t line = kAllLines;  // out: the first line that the search has not done with
+};
+
 /// Finds and replaces in the mode that the request's options give, and returns the document's change count. With a
 /// callback each match is asked about until the user wants all replaced; without one all are replaced.
 ///
@@ -15,9 +24,15 @@ namespace QVFindAndReplace {
 /// finds what earlier ones put there. Multiline: all find items as consecutive lines. No mode: both texts whole.
 ///
 /// An item that the document's encoding cannot hold is not found; such a replacement fails the document at its first
-/// match. @throws QVUtilsException as Request::FindFault says, on a replacement that would never end (code 87), or when
+/// match.
+///
+/// A text may be given in blocks. For a Multiline request that needs a `position`: a match may go over the border, so
+/// the lines from `position->line` on are to be given once more, as they then stand, at the beginning of the next
+/// block.
+/// @throws QVUtilsException as Request::FindFault says, on a replacement that would never end (code 87), or when
 /// the user cancels (code 1223); WildcardError for a pattern that cannot be read. The document is then not to be saved.
 template <class CharT>
-uint32_t FindAndReplace(TextDocumentT<CharT>& document, Request& request, IFindAndReplaceCallback* callback);
+uint32_t FindAndReplace(TextDocumentT<CharT>& document, Request& request, IFindAndReplaceCallback* callback,
+                        SearchPosition* position = nullptr);
 
 }  // namespace QVFindAndReplace

@@ -43,25 +43,16 @@ public:
         : m_job(job), m_file(file), m_document(kind), m_replacement(ReplacementOf(job)) {}
 
     int64_t Run() {
-        // Whoever asks is shown lines by their number and their neighbours, and a match over lines has no block to be
-        // in: both need the whole text.
+        // Whoever asks is shown lines by their number and their neighbours: that needs the whole text.
         const bool asksNobody = (m_job.options & (Option::ReplaceAll | Option::Silent)) != 0;
-        const bool inBlocks = asksNobody && m_job.request.GetMode() != Mode::Multiline;
         IFindAndReplaceCallback* const callback = asksNobody ? nullptr : &m_job.callback;
-        Blocks blocks(m_file.GetReader(), MarkSize(), inBlocks ? Blocks::kBlockSize : Blocks::kWholeText,
+        Blocks blocks(m_file.GetReader(), MarkSize(), asksNobody ? Blocks::kBlockSize : Blocks::kWholeText,
                       m_file.GetSize());
-        View block;
-        // An empty text has no block, yet a request that cannot work is told so.
-        bool hasBlock = blocks.Next(block);
-        do {
-            m_document.GetLines().Reset(block);
-            FindAndReplace(m_document, m_job.request, callback);
-            // Cancelled while over several lines: nothing is saved, yet the file counts one change and the run goes on.
-            // That is what this path has always answered, and it stays.
-            if (m_job.callback.IsCancelled()) return 1;
-            if (m_document.GetChangeCount() > 0) Save(blocks);
-            hasBlock = hasBlock && blocks.Next(block);
-        } while (hasBlock);
+        const bool isOverLines = asksNobody && m_job.request.GetMode() == Mode::Multiline;
+        const bool isDone = isOverLines ? ReplaceOverLines(blocks) : ReplaceInLines(blocks, callback);
+        // Cancelled while over several lines: nothing is saved, yet the file counts one change and the run goes on.
+        // That is what this path has always answered, and it stays.
+        if (!isDone) return 1;
         if (m_replacement.HasBegun()) Finish(blocks);
         return m_document.GetChangeCount();
     }
@@ -72,22 +63,63 @@ private:
 
     uint32_t MarkSize() const { return static_cast<uint32_t>(m_file.GetMarkSize()); }
 
-    void Save(const Blocks& blocks) {
-        if (!m_replacement.HasBegun()) Begin(blocks);
-        m_document.GetLines().Save(m_replacement.GetWriter(), m_style);
+    /// False when cancelled.
+    bool ReplaceInLines(Blocks& blocks, IFindAndReplaceCallback* callback) {
+        View block;
+        // An empty text has no block, yet a request that cannot work is told so.
+        bool hasBlock = blocks.Next(block);
+        do {
+            m_document.GetLines().Reset(block);
+            FindAndReplace(m_document, m_job.request, callback);
+            if (m_job.callback.IsCancelled()) return false;
+            if (m_document.GetChangeCount() > 0) Save(blocks, blocks.GetOffset());
+            hasBlock = hasBlock && blocks.Next(block);
+        } while (hasBlock);
+        return true;
+    }
+
+    /// A match may go from one block to the next, so the lines at a block's end in which one could still begin are done
+    /// with the next block. False when cancelled.
+    bool ReplaceOverLines(Blocks& blocks) {
+        std::vector<CharT> text;
+        std::vector<CharT> carried;
+        SearchPosition position;
+        position.isLastBlock = false;
+        while (!position.isLastBlock) {
+            View block;
+            position.isLastBlock = !blocks.Next(block);
+            position.line = SearchPosition::kAllLines;
+            const uint64_t offset = blocks.GetOffset() - carried.size() * sizeof(CharT);
+            text.swap(carried);
+            text.insert(text.end(), block.begin(), block.end());
+            Lines<CharT>& lines = m_document.GetLines();
+            lines.Reset(View(text.data(), text.size()));
+            FindAndReplace<CharT>(m_document, m_job.request, nullptr, &position);
+            if (m_job.callback.IsCancelled()) return false;
+            if (m_document.GetChangeCount() > 0) Save(blocks, offset, position.line);
+            carried.clear();
+            if (position.line != SearchPosition::kAllLines) lines.CopyFrom(position.line, carried);
+        }
+        return true;
+    }
+
+    /// `offset`: bytes of the file before the lines that are held.
+    void Save(const Blocks& blocks, uint64_t offset, uint32_t end = Lines<CharT>::kAllLines) {
+        if (!m_replacement.HasBegun()) Begin(blocks, offset);
+        m_document.GetLines().Save(m_replacement.GetWriter(), m_style, end);
     }
 
     /// Opens what is written to, and writes what lies before the first block with a change.
-    void Begin(const Blocks& blocks) {
+    void Begin(const Blocks& blocks, uint64_t offset) {
         const bool isSaveAs = (m_job.options & Option::SaveAs) != 0;
         if (isSaveAs && !(m_job.options & Option::Overwrite) && Win32::Exists(m_job.target))
             throw QVUtilsException(ErrorCode::FileExists, "Target file already exists");
         m_replacement.Begin();
         QVUtils::WriteAll(m_replacement.GetWriter(), blocks.GetMark().data(), blocks.GetMark().size());
-        if (blocks.GetOffset() == 0) return;
+        if (offset == 0) return;
         QVUtils::FileDataReader file(m_job.source);
-        QVUtils::LimitedDataReader reader(file, blocks.GetOffset());
-        Blocks again(reader, MarkSize(), Blocks::kBlockSize, blocks.GetOffset());
+        QVUtils::LimitedDataReader reader(file, offset);
+        Blocks again(reader, MarkSize(), Blocks::kBlockSize, offset);
         Lines<CharT> lines;
         for (View block; again.Next(block);) {
             lines.Reset(block);

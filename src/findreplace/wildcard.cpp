@@ -325,6 +325,7 @@ public:
     }
 
     bool NeverEndsWith(View) override { return false; }
+    bool MayBeginIn(View, View) override { return true; }
 
 private:
     void CutAtStars(View pattern) {

@@ -101,9 +101,10 @@ public:
     bool HasFailed() const noexcept { return m_hasFailed; }
 
 private:
-    // Characters. A chunk holds the weights of about four letters; the rest is there for letters that weigh together.
+    // Characters. A chunk holds the weights of four letters, and of letters that weigh together there are four at most
+    // (a Hungarian double consonant): nothing behind the seventh letter can change the fourth weight.
     static constexpr size_t kBeginning = 16;
-    static constexpr size_t kShortestBeginning = 12;
+    static constexpr size_t kShortestBeginning = 7;
 
     const uint8_t* WholeKey(uint32_t index) {
         static constexpr uint8_t kEmptyKey[8] = {};
@@ -119,9 +120,10 @@ private:
 
     std::optional<uint64_t> ChunkOfBeginning(uint32_t index) {
         auto text = m_data.KeyText(m_lines[index]).substr(0, kBeginning);
-        if (text.size() < kBeginning || !std::all_of(text.begin(), text.end(), IsPlain)) return std::nullopt;
-        while (text.size() > kShortestBeginning && IsDigit(text.back())) text.remove_suffix(1);
-        if (IsDigit(text.back())) return std::nullopt;  // a number that may go on weighs as a whole
+        text = text.substr(0, static_cast<size_t>(std::find_if_not(text.begin(), text.end(), IsPlain) - text.begin()));
+        while (!text.empty() && IsDigit(text.back()))
+            text.remove_suffix(1);  // a number weighs as a whole, and may go on
+        if (text.size() < kShortestBeginning) return std::nullopt;
         uint8_t key[256];
         if (m_compare.MakeSortKey(text.data(), static_cast<uint32_t>(text.size()), key, sizeof key) <= 8)
             return std::nullopt;

@@ -1,16 +1,25 @@
 #include "sdk/owners.h"
 
+#include <array>
+
 namespace Quorvane::SDK {
 namespace {
 
-// The longest path of the system is 32,767 units. Asking once with room for it costs less than asking twice.
+// The longest path of the system is 32,767 units; nearly all are far shorter.
 constexpr uint32_t kLongestPath = 32768;
+constexpr uint32_t kUsualPath = 1024;
 
 template <class Read>
 std::wstring ReadText(Read&& read) {
+    std::array<wchar_t, kUsualPath> usual;
+    usual[0] = 0;
+    read(usual.data(), kUsualPath);
+    usual.back() = 0;
+    // The closing zero decides, not the length that the host reports. A full buffer may have cut the text.
+    const size_t length = std::char_traits<wchar_t>::length(usual.data());
+    if (length < kUsualPath - 1) return std::wstring(usual.data(), length);
     std::wstring text(kLongestPath, L'\0');
     read(text.data(), kLongestPath);
-    // The closing zero decides, not the length that the host reports.
     text.resize(std::char_traits<wchar_t>::length(text.c_str()));
     text.shrink_to_fit();
     return text;

@@ -1,4 +1,4 @@
-// ntfs_prop.h - the NTFS Properties extension object.
+// ntfs_prop.h - the NTFS Properties extension object: four columns that a host can show of a file.
 #pragma once
 
 #include "sdk/host_services.h"
@@ -7,14 +7,27 @@ namespace Security {
 
 inline constexpr char kNtfsPropId[] = "9A4C1E7F2B3D4E5F8A6B7C0D1E2F3A4B";
 
+/// The ids of the columns.
+namespace Property {
+inline constexpr uint16_t Owner = 1;
+inline constexpr uint16_t Access = 2;
+inline constexpr uint16_t StreamCount = 3;
+inline constexpr uint16_t StreamSize = 4;
+}  // namespace Property
+
 class NTFSProp final : public Quorvane::SDK::IFileProperties {
 public:
+    /// Registers the columns; 0.
     uint32_t Init(Quorvane::SDK::IHostServices* services) override;
     uint32_t GetType() override;
     uint32_t SetHost(Quorvane::SDK::IHostServices* services) override;
     const char* GetId() override { return kNtfsPropId; }
+    /// What the host has stored of the item comes before what would have to be computed. A text that is too long for
+    /// `text` is cut, never within a character. Failures are "no value", except that the access of a file that cannot
+    /// be read is three blanks, and its number of streams 0.
     uint32_t GetValue(Quorvane::SDK::IFileItem* item, wchar_t* text, uint32_t capacity, uint16_t propertyId) override;
-    bool ClearCache() override { return false; }
+    /// Names that were looked up are looked up anew.
+    bool ClearCache() override;
 
 private:
     Quorvane::SDK::IHostServices* m_services = nullptr;

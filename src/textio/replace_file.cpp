@@ -24,12 +24,17 @@ bool IsOrdinaryFile(const std::wstring& path) {
     return GetFileType(file.Get()) == FILE_TYPE_DISK;
 }
 
-/// A name beside `path` that no file has. What is written never leaves the target's folder: taking a place is safe only
-/// within one volume.
-std::wstring TemporaryNameBeside(const std::wstring& path) {
+/// Creates a file beside `path` and gives its name. What is written never leaves the target's folder: taking a place is
+/// safe only within one volume. @throws QVUtilsException what opening reports
+std::wstring OpenBeside(const std::wstring& path, FileDataWriter& file) {
     for (uint32_t number = GetTickCount();; ++number) {
         std::wstring name = Win32::JoinPath(Win32::FolderOf(path), L"~qv" + std::to_wstring(number) + L".tmp");
-        if (!Win32::Exists(name)) return name;
+        try {
+            file.Open(name, false);
+            return name;
+        } catch (const QVUtilsException& failure) {
+            if (failure.GetErrorCode() != ErrorCode::FileExists) throw;
+        }
     }
 }
 
@@ -41,15 +46,18 @@ FileReplacement::~FileReplacement() {
 }
 
 void FileReplacement::Begin() {
-    std::wstring path = m_request.target;
+    const std::wstring& path = m_request.target;
     const bool exists = Win32::Exists(path);
     if (exists && !m_request.mayOverwrite && !WantsBackup()) throw QVUtilsException(ErrorCode::FileExists, kCannotOpen);
     // A read-only file cannot be opened for writing, but it can be moved aside.
     m_isBeside = exists && (WantsBackup() || IsOrdinaryFile(path));
-    if (m_isBeside) path = TemporaryNameBeside(path);
-    const bool isNew = m_file.Open(path, m_request.mayOverwrite && !m_isBeside);
-    m_path = path;
-    m_isOurs = isNew;
+    if (m_isBeside) {
+        m_path = OpenBeside(path, m_file);
+        m_isOurs = true;
+    } else {
+        m_isOurs = m_file.Open(path, m_request.mayOverwrite);
+        m_path = path;
+    }
     m_buffer.emplace(m_file);
 }
 
@@ -61,16 +69,27 @@ uint32_t FileReplacement::Commit() {
     return backupError;
 }
 
+uint32_t FileReplacement::MoveOver() {
+    ThrowIfFailed(Win32::MoveFileOver(m_path, m_request.target), "Unable to replace the file");
+    return ERROR_SUCCESS;
+}
+
 /// Gives the complete file the target's name.
 uint32_t FileReplacement::TakePlace() {
     const std::wstring& target = m_request.target;
+    ThrowIfFailed(Win32::CopyStreams(target, m_path, Win32::NamedStreamsOf(target)),
+                  "Unable to carry over the named streams of the file");
     Win32::CarryOverAttributesAndAccess(target, m_path);
-    const std::wstring backup = WantsBackup() ? FreeBackupName(target, Win32::Exists) : std::wstring();
-    if (backup.empty()) {
-        ThrowIfFailed(Win32::MoveFileOver(m_path, target), "Unable to replace the file");
-        return ERROR_SUCCESS;
-    }
-    ThrowIfFailed(Win32::MoveFileTo(target, backup), "Unable to make a backup of the file");
+    if (!WantsBackup()) return MoveOver();
+    // Moving is the question: asking first whether a name is free would cost another walk through the folder, and its
+    // answer could be out of date.
+    uint32_t moveError = ERROR_SUCCESS;
+    const std::wstring backup = FreeBackupName(target, [&](const std::wstring& name) {
+        moveError = Win32::MoveFileTo(target, name);
+        return moveError == ERROR_ALREADY_EXISTS || moveError == ERROR_FILE_EXISTS;
+    });
+    if (backup.empty()) return MoveOver();
+    ThrowIfFailed(moveError, "Unable to make a backup of the file");
     const uint32_t error = Win32::MoveFileTo(m_path, target);
     if (error != ERROR_SUCCESS) {
         const bool isBack = Win32::MoveFileTo(backup, target) == ERROR_SUCCESS;

@@ -49,6 +49,7 @@ public:
 private:
     bool WantsBackup() const { return m_request.keepBackup || m_request.dropBackup; }
     uint32_t TakePlace();
+    uint32_t MoveOver();
 
     ReplaceRequest m_request;
     std::wstring m_path;    // what is written

@@ -104,3 +104,12 @@
 #define IDC_LINK_FOLDER_LABEL  1506
 #define IDC_LINK_TARGETS_LABEL 1507
 #define IDC_LINK_NAME_LABEL    1508
+
+// Add file access. "Grant Permissions" is IDOK.
+#define IDD_CHANGE_ACCESS        111
+#define IDC_ACCESS_NOTE          1600
+#define IDC_ACCESS_ACCOUNT       1601
+#define IDC_ACCESS_FIND          1602
+#define IDC_ACCESS_RIGHTS        1603
+#define IDC_ACCESS_ACCOUNT_LABEL 1604
+#define IDC_ACCESS_RIGHTS_LABEL  1605

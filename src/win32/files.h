@@ -1,9 +1,10 @@
 // files.h - small operations on whole files that every room needs the same way: existence, moving, deleting, identity,
-// and handing one file's attributes and access list to another. Paths may be of any length.
+// and handing one file's attributes, access list and named streams to another. Paths may be of any length.
 #pragma once
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace Win32 {
 
@@ -24,5 +25,12 @@ bool IsSameFile(const std::wstring& left, const std::wstring& right);
 /// Gives `to` the attributes (read-only, hidden, system, archive, not indexed) and the access list of `from`. Best
 /// effort: what the system refuses stays as the new file has it, since its content is already safe.
 void CarryOverAttributesAndAccess(const std::wstring& from, const std::wstring& to);
+
+/// A file's named streams, each with its colons and type (":Zone.Identifier:$DATA"); the content itself is none of
+/// them. None on a volume that knows no streams.
+std::vector<std::wstring> NamedStreamsOf(const std::wstring& path);
+
+/// Copies those streams of `from` to `to`. Windows error code of the first that cannot be copied, 0 for success.
+uint32_t CopyStreams(const std::wstring& from, const std::wstring& to, const std::vector<std::wstring>& streams);
 
 }  // namespace Win32

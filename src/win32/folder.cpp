@@ -8,17 +8,8 @@
 namespace Win32 {
 namespace {
 
-struct FindTraits {
-    using Raw = HANDLE;
-    static Raw Empty() noexcept { return INVALID_HANDLE_VALUE; }
-    static void Close(Raw raw) noexcept { FindClose(raw); }
-};
-using FindHandle = UniqueHandle<FindTraits>;
-
-}  // namespace
-
-uint32_t ListFolder(const std::wstring& folder, const std::wstring& pattern, std::vector<std::wstring>& names) {
-    names.clear();
+template <class Take>
+uint32_t ForEachEntry(const std::wstring& folder, const std::wstring& pattern, Take&& take) {
     WIN32_FIND_DATAW entry = {};
     // Without short names, in large blocks: on a share that saves a round trip for each entry.
     const FindHandle find(FindFirstFileExW(ExtendedPath(JoinPath(folder, pattern)).c_str(), FindExInfoBasic, &entry,
@@ -26,9 +17,23 @@ uint32_t ListFolder(const std::wstring& folder, const std::wstring& pattern, std
     if (!find) return GetLastError() == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : GetLastError();
     do {
         const std::wstring_view name = entry.cFileName;
-        if (name != L"." && name != L"..") names.emplace_back(name);
+        if (name != L"." && name != L"..") take(entry);
     } while (FindNextFileW(find.Get(), &entry));
     return GetLastError() == ERROR_NO_MORE_FILES ? ERROR_SUCCESS : GetLastError();
+}
+
+}  // namespace
+
+uint32_t ListFolder(const std::wstring& folder, const std::wstring& pattern, std::vector<FolderEntry>& entries) {
+    entries.clear();
+    return ForEachEntry(folder, pattern, [&](const WIN32_FIND_DATAW& entry) {
+        entries.push_back({entry.cFileName, entry.dwFileAttributes});
+    });
+}
+
+uint32_t ListFolder(const std::wstring& folder, const std::wstring& pattern, std::vector<std::wstring>& names) {
+    names.clear();
+    return ForEachEntry(folder, pattern, [&](const WIN32_FIND_DATAW& entry) { names.emplace_back(entry.cFileName); });
 }
 
 }  // namespace Win32

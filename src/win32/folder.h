@@ -7,8 +7,16 @@
 
 namespace Win32 {
 
-/// Puts the names of the folder's files and folders that match `pattern` ("*": all) into `names`, without "." and "..".
-/// Windows error code, 0 for success; a folder where nothing matches is a success.
+struct FolderEntry {
+    std::wstring name;
+    uint32_t attributes = 0;  // FILE_ATTRIBUTE_...
+};
+
+/// Puts the folder's files and folders that match `pattern` ("*": all) into `entries`, without "." and "..". Windows
+/// error code, 0 for success; a folder where nothing matches is a success.
+uint32_t ListFolder(const std::wstring& folder, const std::wstring& pattern, std::vector<FolderEntry>& entries);
+
+/// The same, the names alone.
 uint32_t ListFolder(const std::wstring& folder, const std::wstring& pattern, std::vector<std::wstring>& names);
 
 }  // namespace Win32

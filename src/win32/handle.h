@@ -52,6 +52,14 @@ struct FileTraits {
 };
 using FileHandle = UniqueHandle<FileTraits>;
 
+/// A search of a folder, or of a file's streams.
+struct FindTraits {
+    using Raw = HANDLE;
+    static Raw Empty() noexcept { return INVALID_HANDLE_VALUE; }
+    static void Close(Raw raw) noexcept { FindClose(raw); }
+};
+using FindHandle = UniqueHandle<FindTraits>;
+
 /// A handle of the kernel that is null when there is none: events, processes, threads, tokens.
 struct KernelTraits {
     using Raw = HANDLE;

@@ -40,7 +40,7 @@ std::string ReplaceByEdit(const std::string& line, LineMatcher<char>& matcher, c
     edit.Begin(line);
     for (Span span; changes < 1000 && !edit.IsFinished() && matcher.Find(edit.GetAhead(), span);) {
         if (!skips || (*skips)() % 2) {
-            edit.Replace(span, replacement);
+            edit.Replace(span, replacement, matcher);
             ++changes;
         } else {
             edit.Skip(span);
@@ -107,7 +107,8 @@ TEST(LineEdit, RefusesToGrowWithoutEnd) {
     edit.Begin("xay");
     EXPECT_THROW(
         {
-            for (Span span; !edit.IsFinished() && matcher->Find(edit.GetAhead(), span);) edit.Replace(span, "aaaa");
+            for (Span span; !edit.IsFinished() && matcher->Find(edit.GetAhead(), span);)
+                edit.Replace(span, "aaaa", *matcher);
         },
         QVUtils::QVUtilsException);
 }
@@ -119,7 +120,8 @@ TEST(LineEdit, AMillionLongerReplacementsInOneLineStayLinear) {
     LineEdit<char> edit;
     edit.Begin(line);
     int changes = 0;
-    for (Span span; !edit.IsFinished() && matcher->Find(edit.GetAhead(), span); ++changes) edit.Replace(span, "xyz");
+    for (Span span; !edit.IsFinished() && matcher->Find(edit.GetAhead(), span); ++changes)
+        edit.Replace(span, "xyz", *matcher);
     EXPECT_EQ(changes, 1'000'000);
     EXPECT_EQ(edit.GetPart(0, 12), "xyzbxyzbxyzb");
     EXPECT_EQ(edit.GetDone().size() + edit.GetAhead().size(), 4'000'000u);

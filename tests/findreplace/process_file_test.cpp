@@ -1,5 +1,7 @@
 #include "findreplace/process_file.h"
 
+#include <random>
+
 #include <gtest/gtest.h>
 
 #include "findreplace/recording_callback.h"
@@ -96,6 +98,28 @@ TEST(ProcessFile, ReportsWhatItCannotDoAndLeavesTheFileAlone) {
     }
     EXPECT_EQ(folder.Read(L"file"), "a\n");
     EXPECT_EQ(folder.List(), (std::vector<std::wstring>{L"binary", L"file"}));
+}
+
+// Whoever is asked gets the whole text at once, so both ways are there to be compared.
+TEST(ProcessFile, AMatchOverLinesIsFoundOnWhicheverBlockBorder) {
+    std::mt19937 random(5);
+    const wchar_t* const finds[] = {L"a\nb", L"b\na\n", L"\na", L"a\n\nb", L"a\nx\ny\nb", L"ab\nx\ny\nb\nb", L"a"};
+    const wchar_t* const replacements[] = {L"x", L"ab\na", L"b\n\nab\nb", L"\nb"};
+    for (int round = 0; round < 40; ++round) {
+        std::string text = round % 5 == 0 ? "\xEF\xBB\xBF" : "";
+        const size_t size = 130'000 + random() % 150'000;
+        while (text.size() < size) text += "aaabb\n\n\n\r\r\n"[random() % (round % 2 ? 8 : 11)];
+        const TemporaryFolder folder;
+        const std::wstring whole = folder.Write(L"whole", text);
+        const std::wstring inBlocks = folder.Write(L"blocks", text);
+        const wchar_t* const find = finds[random() % std::size(finds)];
+        const wchar_t* const replacement = replacements[random() % std::size(replacements)];
+        RecordingCallback callback({Answer::Replace});
+        const uint32_t options = Option::ModeMultiline | Option::DropBackup;
+        const int64_t changes = Process(whole, options, find, replacement, callback);
+        ASSERT_EQ(Process(inBlocks, options | Option::Silent, find, replacement, callback), changes);
+        ASSERT_EQ(folder.Read(L"blocks"), folder.Read(L"whole"));
+    }
 }
 
 TEST(ProcessFile, CancellingSavesNothing) {

@@ -52,6 +52,21 @@ TEST(QvHost, HandsParametersOverWhole) {
     }
 }
 
+TEST(QvHost, CallsACommandOnceForEachPathOfAList) {
+    const HostRunner host;
+    host.Folder().Write(L"{a}.txt", "");
+    host.Folder().Write(L"b.txt", "");
+    const std::string list =
+        QVHost::ToUtf8(host.Folder() / L"{a}.txt") + "\n" + QVHost::ToUtf8(host.Folder() / L"b.txt");
+    const HostRun run = host.Run({L"call", L"Echo", L"TEXT=<{}> {}", L"--files-from", L"-"}, list);
+    for (const wchar_t* name : {L"{a}.txt", L"b.txt"}) {
+        const std::string path = QVHost::ToUtf8(host.Folder() / name);
+        EXPECT_TRUE(Contains(run.out, "text <<" + path + "> " + path + "> number")) << run.out;
+    }
+    EXPECT_EQ(run.status, 0) << run.error;
+    EXPECT_EQ(host.Run({L"call", L"Echo", L"TEXT=x", L"--files-from", L"-"}, list).status, 2);
+}
+
 TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
     const HostRunner host;
     host.Folder().Write(L"good.txt", "");

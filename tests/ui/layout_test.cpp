@@ -13,9 +13,9 @@
 
 namespace {
 
-constexpr WORD kDialogs[] = {IDD_FIND_AND_REPLACE, IDD_CONFIRM_REPLACE, IDD_SORT_LINES, IDD_REPLACE_IN_NAMES,
-                             IDD_CREATE_LINKS,     IDD_RULE_PANEL,      IDD_ADD_TAG,    IDD_UNDO_MANAGER,
-                             IDD_RENAME_ITEM,      IDD_SAVE_PROFILE};
+constexpr WORD kDialogs[] = {IDD_FIND_AND_REPLACE, IDD_CONFIRM_REPLACE, IDD_SORT_LINES,  IDD_REPLACE_IN_NAMES,
+                             IDD_CREATE_LINKS,     IDD_CHANGE_ACCESS,   IDD_RULE_PANEL,  IDD_ADD_TAG,
+                             IDD_UNDO_MANAGER,     IDD_RENAME_ITEM,     IDD_SAVE_PROFILE};
 constexpr WORD kPointSizes[] = {8, 12};
 
 /// A copy of a dialog's template with another size of its font.

@@ -1,0 +1,28 @@
+#include "host/folder_listings.h"
+
+#include <algorithm>
+
+#include "win32/path.h"
+#include "win32/windows.h"
+
+namespace QVHost {
+
+const FolderListings::Listing& FolderListings::Of(const std::wstring& folder) {
+    const auto [place, isNew] = m_listings.try_emplace(folder);
+    Listing& listing = place->second;
+    if (isNew) {
+        listing.error = Win32::ListFolder(folder, L"*", listing.entries);
+        std::ranges::sort(listing.entries, {}, &Win32::FolderEntry::name);
+    }
+    return listing;
+}
+
+uint32_t FolderListings::AttributesOf(const std::wstring& folder, const std::wstring& name) {
+    const auto& entries = Of(folder).entries;
+    const auto entry = std::ranges::lower_bound(entries, name, {}, &Win32::FolderEntry::name);
+    if (entry != entries.end() && entry->name == name) return entry->attributes;
+    // Spelled in another case, given by its short name, or not there.
+    return GetFileAttributesW(Win32::ExtendedPath(Win32::JoinPath(folder, name)).c_str());
+}
+
+}  // namespace QVHost

@@ -1,0 +1,30 @@
+// folder_listings.h - what folders hold, each listed once: for commands over many items, where asking for each item
+// alone would be most of the work.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "win32/folder.h"
+
+namespace QVHost {
+
+class FolderListings {
+public:
+    struct Listing {
+        std::vector<Win32::FolderEntry> entries;  // sorted by name
+        uint32_t error = 0;                       // Windows error code when the folder cannot be read
+    };
+
+    /// As the folder was when it was first asked for.
+    const Listing& Of(const std::wstring& folder);
+
+    /// The attributes of the item as the system gives them; INVALID_FILE_ATTRIBUTES when there is none.
+    uint32_t AttributesOf(const std::wstring& folder, const std::wstring& name);
+
+private:
+    std::map<std::wstring, Listing> m_listings;
+};
+
+}  // namespace QVHost

@@ -1,0 +1,50 @@
+#include "fileutils/elevated_request.h"
+
+#include "win32/windows.h"
+
+namespace FileUtils {
+namespace {
+
+using namespace Quorvane::SDK;
+
+constexpr size_t kLongestText = 32767;  // units
+
+}  // namespace
+
+std::optional<uint32_t> SendElevated(IHostServices& host, uint32_t requestId, const std::wstring& path,
+                                     const std::function<void(IRequestWriter&)>& write) {
+    const AcquiredService<IElevatedChannel> channel(host, ServiceNumber::ElevatedChannel, path.c_str());
+    if (!channel || !channel->Connect()) return std::nullopt;
+    uint32_t result = ERROR_ACCESS_DENIED;
+    if (const Owned<IRequestWriter> writer{channel->CreateWriter()}) {
+        write(*writer);
+        if (const void* const data = writer->GetData()) result = channel->Send(requestId, data, writer->GetSize());
+    }
+    channel->Close();
+    return result;
+}
+
+uint32_t RequestFields::Number() {
+    uint32_t number = 0;
+    m_isGood = m_isGood && m_reader.ReadNumber(&number);
+    return m_isGood ? number : 0;
+}
+
+std::wstring RequestFields::Text() {
+    const wchar_t* text = nullptr;
+    m_isGood = m_isGood && m_reader.ReadString(&text) && text;
+    if (!m_isGood) return {};
+    std::wstring copy = text;
+    m_isGood = !copy.empty() && copy.size() <= kLongestText;
+    return m_isGood ? copy : std::wstring();
+}
+
+std::vector<std::wstring> RequestFields::Texts() {
+    const uint32_t count = Number();
+    if (count > m_size) Refuse();  // every text takes bytes
+    std::vector<std::wstring> texts;
+    while (m_isGood && texts.size() < count) texts.push_back(Text());
+    return texts;
+}
+
+}  // namespace FileUtils

@@ -1,0 +1,60 @@
+// elevated_request.h - requests to the elevated host process, from both ends: how one is sent, and how its fields are
+// read back. What the fields mean is up to those who use them.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "sdk/owners.h"
+
+namespace FileUtils {
+
+/// Sends the fields that `write` writes and waits for the reply, a Windows error code. 5 when they cannot be written.
+/// Nothing when there is no way to that process. `path` is one that the request is about.
+std::optional<uint32_t> SendElevated(Quorvane::SDK::IHostServices& host, uint32_t requestId, const std::wstring& path,
+                                     const std::function<void(Quorvane::SDK::IRequestWriter&)>& write);
+
+/// The fields of a message that anybody may have written. One that cannot be read makes the whole message refused; from
+/// then on numbers are 0 and texts "".
+class RequestFields {
+public:
+    /// `size`: of the message, in bytes.
+    RequestFields(Quorvane::SDK::IRequestReader& reader, uint32_t size) : m_reader(reader), m_size(size) {}
+
+    uint32_t Number();
+    /// At least one unit, at most the longest path of the system.
+    std::wstring Text();
+    /// A number and as many texts.
+    std::vector<std::wstring> Texts();
+    void Refuse() { m_isGood = false; }
+    bool IsGood() const { return m_isGood; }
+
+private:
+    Quorvane::SDK::IRequestReader& m_reader;
+    uint32_t m_size;
+    bool m_isGood = true;
+};
+
+/// What `read` makes of the message's fields; nothing when one of them is refused, or when the message holds more than
+/// them, be it a single byte.
+template <class Request>
+std::optional<Request> ReadWholeMessage(Quorvane::SDK::IRequestMessage& message, Request (*read)(RequestFields&)) {
+    const uint32_t size = message.GetSize();
+    const auto readAs = [&](uint32_t bytes) -> std::optional<Request> {
+        const Quorvane::SDK::Owned<Quorvane::SDK::IRequestReader> reader(message.CreateReader());
+        if (!reader || !reader->Attach(message.GetData(), bytes)) return std::nullopt;
+        RequestFields fields(*reader, bytes);
+        Request request = read(fields);
+        return fields.IsGood() ? std::optional<Request>(std::move(request)) : std::nullopt;
+    };
+    std::optional<Request> request = readAs(size);
+    // How the fields lie in the message is the host's affair. A message that is whole without its last byte has too
+    // many.
+    if (request && size > 0 && readAs(size - 1)) return std::nullopt;
+    return request;
+}
+
+}  // namespace FileUtils

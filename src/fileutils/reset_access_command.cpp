@@ -1,0 +1,34 @@
+#include "fileutils/reset_access_command.h"
+
+#include "fileutils/security_work.h"
+#include "security/ntfs_tools.h"
+
+namespace FileUtils {
+namespace {
+
+using namespace Quorvane::SDK;
+
+uint32_t Reset(const std::wstring& path) {
+    return Security::NTFSTools().RemoveAllEntries(path);
+}
+
+}  // namespace
+
+uint32_t RunResetAccess(IHostServices& host, uint32_t) {
+    if (host.MessageBox(host.GetText(251_d), host.GetText(250_d), MB_YESNO | MB_ICONINFORMATION) != IDYES) return 1;
+    const SecuritySelection selection = GatherSecuritySelection(host);
+    RunSecurityWork(host, selection,
+                    {.requestId = kResetAccessRequest,
+                     .failureText = 125_e,
+                     .writeRequest = [&](IRequestWriter& writer) { WritePaths(writer, selection.paths); },
+                     .change = Reset});
+    return 1;
+}
+
+uint32_t AnswerResetAccessRequest(IHostServices& host, IRequestMessage& message) {
+    const std::optional<Paths> paths = ReadWholeMessage(message, ReadPaths);
+    message.Reply(1, paths ? ChangeUntilFailure(host, *paths, Reset) : uint32_t{ERROR_INVALID_PARAMETER}, 0, 0);
+    return 1;
+}
+
+}  // namespace FileUtils

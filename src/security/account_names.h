@@ -1,0 +1,45 @@
+// account_names.h - between accounts as people write them and the identifiers in security descriptors.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+
+#include "security/security_system.h"
+
+namespace Security {
+
+/// The identifier of an account.
+class AccountSid {
+public:
+    /// Looks the account up on this machine, which asks its domains where need be. A Windows error code; 1332 when
+    /// there is no such account.
+    uint32_t Find(const std::wstring& account, const SecuritySystem& system);
+    PSID Get() { return m_sid.data(); }
+
+private:
+    alignas(void*) std::array<std::byte, 256> m_sid = {};
+};
+
+/// The names of identifiers that were looked up. Asking costs many times what reading a descriptor does, and a folder's
+/// files have few owners. May be used from any thread.
+class AccountNames {
+public:
+    /// `DOMAIN\name`, or the name alone when it has no domain. `machine` resolves it; "" is this one. False when it
+    /// cannot be resolved; that is asked again the next time.
+    bool Find(const std::wstring& machine, PSID sid, const SecuritySystem& system, std::wstring& name);
+    void Clear();
+
+private:
+    std::mutex m_mutex;
+    std::unordered_map<std::string, std::wstring> m_names;  // by the bytes of machine and identifier
+};
+
+/// The user who runs this process: the bare name; "" when the system does not say.
+std::wstring CurrentUserName();
+/// The same as `DOMAIN\name`.
+std::wstring CurrentAccountName();
+
+}  // namespace Security

@@ -1,0 +1,47 @@
+#include "security/security_system.h"
+
+#include "win32/module.h"
+
+namespace Security {
+namespace {
+
+constexpr ULONG kFileStreamInformation = 22;
+
+/// A function of a system library that stays loaded: it may be in use on any thread until the process ends.
+template <class Function>
+Function FindSystemFunction(const wchar_t* library, const char* name) {
+    Win32::Module module = Win32::LoadSystemModule(library);
+    const auto function = Win32::FindFunction<Function>(module, name);
+    if (function) module.Release();
+    return function;
+}
+
+DWORD WINAPI GetUniversalName(LPCWSTR path, DWORD level, LPVOID buffer, LPDWORD size) {
+    static const auto function =
+        FindSystemFunction<decltype(SecuritySystem::getUniversalName)>(L"mpr.dll", "WNetGetUniversalNameW");
+    return function ? function(path, level, buffer, size) : DWORD{ERROR_CALL_NOT_IMPLEMENTED};
+}
+
+void QueryStreams(HANDLE file, void* buffer, ULONG size) {
+    struct IoStatus {
+        void* status;
+        ULONG_PTR information;
+    };
+    using Query = LONG(WINAPI*)(HANDLE, IoStatus*, void*, ULONG, ULONG);
+    static const auto query = FindSystemFunction<Query>(L"ntdll.dll", "NtQueryInformationFile");
+    IoStatus result = {};
+    // The status says nothing that the buffer does not: a failed query leaves it alone, a long list is cut.
+    if (query) query(file, &result, buffer, size, kFileStreamInformation);
+}
+
+}  // namespace
+
+const SecuritySystem& RealSystem() {
+    static const SecuritySystem kSystem = {
+        GetFileSecurityW,  GetNamedSecurityInfoW, SetNamedSecurityInfoW, GetEffectiveRightsFromAclW,
+        LookupAccountSidW, LookupAccountNameW,    GetUniversalName,      QueryStreams,
+    };
+    return kSystem;
+}
+
+}  // namespace Security

@@ -1,0 +1,300 @@
+// Taking ownership, resetting and granting access: messages of the elevated channel, the common frame of the three
+// commands, and the commands with their dialog, in one process and across the real channel.
+#include <algorithm>
+
+#include <gtest/gtest.h>
+
+#include "fileutils/command_runner.h"
+#include "fileutils/create_link_command.h"
+#include "fileutils/grant_access_command.h"
+#include "fileutils/picked_account.h"
+#include "fileutils/reset_access_command.h"
+#include "fileutils/security_work.h"
+#include "fileutils/take_ownership_command.h"
+#include "host/request_fields.h"
+#include "security/account_names.h"
+#include "support/dialog_driver.h"
+#include "support/services_of_host.h"
+#include "ui/change_access_dlg.h"
+#include "ui/resource.h"
+#include "win32/files.h"
+
+#include <aclapi.h>
+
+namespace {
+
+using namespace FileUtils;
+using QVHost::Bytes;
+using QVTest::CommandRun;
+using QVTest::CommandRunner;
+using QVTest::DialogDriver;
+using QVTest::DrivenDialog;
+using QVTest::ServicesOfHost;
+namespace SDK = Quorvane::SDK;
+
+constexpr wchar_t kTitle[] = L"Add File Access";
+constexpr uint32_t kMalformed = ERROR_INVALID_PARAMETER;
+
+/// A message as it arrives in the elevated process.
+class Message final : public SDK::IRequestMessage {
+public:
+    explicit Message(Bytes bytes) : m_bytes(std::move(bytes)) {}
+    const void* GetData() override { return m_bytes.data(); }
+    uint32_t GetSize() override { return static_cast<uint32_t>(m_bytes.size()); }
+    void Reply(uint32_t, uint32_t result, uintptr_t, uintptr_t) override { m_result = result; }
+    SDK::IRequestReader* CreateReader() override {
+        return m_readers.Keep(std::make_shared<QVHost::RequestReader>(m_readers));
+    }
+    uint32_t Result() const { return m_result; }
+
+private:
+    Bytes m_bytes;
+    uint32_t m_result = 0xFFFFFFFF;
+    QVHost::Shelf<QVHost::RequestReader> m_readers;
+};
+
+struct Fields {
+    Bytes bytes;
+    Fields& Number(uint32_t number) {
+        QVHost::AppendNumber(bytes, number);
+        return *this;
+    }
+    Fields& Text(const std::wstring& text) {
+        QVHost::AppendString(bytes, text);
+        return *this;
+    }
+};
+
+TEST(ElevatedRequests, AreCarriedOutWhenTheyAreWholeAndNotOtherwise) {
+    ServicesOfHost host(QV_HOST_PROGRAM);
+    const QVTest::TemporaryFolder folder;
+    const std::wstring file = folder.Write(L"a", "x");
+    const std::wstring link = folder / L"link";
+    const auto answer = [&](auto handler, const Bytes& bytes) {
+        Message message(bytes);
+        EXPECT_EQ(handler(host.Services(), message), 1u);
+        return message.Result();
+    };
+    const struct {
+        const char* why;
+        uint32_t (*handler)(SDK::IHostServices&, SDK::IRequestMessage&);
+        Bytes whole;
+    } requests[] = {
+        {"ownership", AnswerTakeOwnershipRequest, Fields().Number(2).Text(file).Text(file).bytes},
+        {"reset", AnswerResetAccessRequest, Fields().Number(1).Text(file).bytes},
+        {"grant", AnswerGrantAccessRequest, Fields().Number(0x1200A9).Text(L"Everyone").Number(1).Text(file).bytes},
+        {"link", AnswerCreateLinkRequest, Fields().Number(1).Text(link).Text(file).Number(0).bytes},
+    };
+    for (const auto& request : requests) {
+        for (size_t size = 0; size < request.whole.size(); ++size) {
+            const Bytes cut(request.whole.begin(), request.whole.begin() + static_cast<ptrdiff_t>(size));
+            EXPECT_EQ(answer(request.handler, cut), kMalformed) << request.why << size;
+        }
+        Bytes longer = request.whole;
+        for (int stray = 1; stray <= 5; ++stray) {
+            longer.push_back(0);
+            EXPECT_EQ(answer(request.handler, longer), kMalformed) << request.why << stray;
+        }
+        EXPECT_FALSE(Win32::Exists(link));
+        EXPECT_EQ(answer(request.handler, request.whole), 0u) << request.why;
+    }
+    const struct {
+        const char* why;
+        Fields fields;
+        uint32_t result;
+    } grants[] = {
+        {"no right", Fields().Number(0).Text(L"Everyone").Number(1).Text(file), kMalformed},
+        {"rights that no file has", Fields().Number(0x10000000).Text(L"Everyone").Number(1).Text(file), kMalformed},
+        {"no account", Fields().Number(1).Text(L"").Number(1).Text(file), kMalformed},
+        {"an empty path", Fields().Number(1).Text(L"Everyone").Number(1).Text(L""), kMalformed},
+        {"a path beyond all", Fields().Number(1).Text(L"Everyone").Number(1).Text(std::wstring(40000, L'a')),
+         kMalformed},
+        {"a count beyond all bytes", Fields().Number(1).Text(L"Everyone").Number(0xFFFFFFFF).Text(file), kMalformed},
+        {"an unknown account", Fields().Number(1).Text(L"no such account").Number(1).Text(file), ERROR_NONE_MAPPED},
+    };
+    for (const auto& c : grants) EXPECT_EQ(answer(AnswerGrantAccessRequest, c.fields.bytes), c.result) << c.why;
+}
+
+TEST(SecurityWork, StopsAtTheFirstFailureAndShowsIt) {
+    const struct {
+        uint32_t error;
+        const char* message;
+    } cases[] = {
+        {ERROR_ACCESS_DENIED, "Access denied: Access is denied. Administrator rights may be needed."},
+        {1307, "Access rights: The ownership could not be taken (error 1307)."},
+    };
+    for (const auto& c : cases) {
+        QVHost::HostOptions options;
+        options.answers = {L"ok"};
+        ServicesOfHost host(QV_HOST_PROGRAM, options);
+        for (const wchar_t* path : {L"C:\\1", L"C:\\2", L"C:\\3"}) host.Select(path);
+        std::vector<std::wstring> asked;
+        int refreshed = 0;
+        RunSecurityWork(host.Services(), GatherSecuritySelection(host.Services()),
+                        {.requestId = 1,
+                         .failureText = SDK::MakeTextId(126, 'e'),
+                         .writeRequest = [](SDK::IRequestWriter&) {},
+                         .change =
+                             [&](const std::wstring& path) {
+                                 asked.push_back(path);
+                                 return path == L"C:\\2" ? c.error : 0u;
+                             },
+                         .onChanged = [&](SDK::IFileItem&) { ++refreshed; }});
+        EXPECT_EQ(asked, (std::vector<std::wstring>{L"C:\\1", L"C:\\2"}));
+        EXPECT_EQ(refreshed, 1);
+        const size_t at = host.Notes().find(c.message);
+        EXPECT_NE(at, std::string::npos) << host.Notes();
+        EXPECT_EQ(host.Notes().find("[question]", at), std::string::npos) << "one message";
+        EXPECT_NE(host.Log().find("C:\\2"), std::string::npos) << host.Log();
+    }
+}
+
+TEST(TakeOwnership, LetsTheHostComputeTheOwnerAnew) {
+    for (const bool canElevate : {false, true}) {
+        QVHost::HostOptions options;
+        options.canElevate = canElevate;
+        ServicesOfHost host(QV_HOST_PROGRAM, options);
+        const QVTest::TemporaryFolder folder;
+        QVHost::FileItem& item = host.Select(folder.Write(L"a", "x"));
+        item.StoreProperty(1, L"somebody");
+        EXPECT_EQ(RunTakeOwnership(host.Services(), 30300), 1u);
+        SDK::StoredPropertyValue value = {};
+        EXPECT_EQ(item.QueryProperty(1, 1, &value), 0u) << canElevate << host.Notes();
+    }
+}
+
+/// True when the access list lets everybody write.
+bool EveryoneMayWrite(const std::wstring& path) {
+    PACL list = nullptr;
+    PSECURITY_DESCRIPTOR raw = nullptr;
+    EXPECT_EQ(GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list,
+                                    nullptr, &raw),
+              0u);
+    const Win32::LocalMemory descriptor(raw);
+    for (WORD index = 0; list && index < list->AceCount; ++index) {
+        void* entry = nullptr;
+        GetAce(list, index, &entry);
+        auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
+        if (IsWellKnownSid(&allowed->SidStart, WinWorldSid) && (allowed->Mask & FILE_WRITE_DATA)) return true;
+    }
+    return false;
+}
+
+CommandRun GrantEveryoneAll(const CommandRunner& runner, std::vector<std::wstring> arguments) {
+    arguments.insert(arguments.begin(), {L"command", L"30311"});
+    CommandRun run;
+    const auto script = [](DialogDriver& driver) {
+        const DrivenDialog dialog = driver.WaitFor(kTitle);
+        EXPECT_EQ(dialog.Text(IDC_ACCESS_ACCOUNT), Security::CurrentAccountName());
+        EXPECT_EQ(dialog.Selected(IDC_ACCESS_RIGHTS), 0);
+        // The system's picker; where it is cancelled, or is none, the account stays.
+        dialog.Press(IDC_ACCESS_FIND);
+        EXPECT_EQ(dialog.Text(IDC_ACCESS_ACCOUNT), Security::CurrentAccountName());
+        EXPECT_EQ(dialog.Entries(IDC_ACCESS_RIGHTS).size(), 4u);
+        dialog.Enter(IDC_ACCESS_ACCOUNT, L"no such account");
+        dialog.Press(IDOK);
+        EXPECT_EQ(dialog.Text(IDC_REASON), L"There is no user or group of this name.");
+        dialog.Enter(IDC_ACCESS_ACCOUNT, L"");
+        EXPECT_FALSE(dialog.IsEnabled(IDOK));
+        EXPECT_EQ(dialog.Text(IDC_REASON), L"");
+        dialog.Enter(IDC_ACCESS_ACCOUNT, L" Everyone ");
+        dialog.Select(IDC_ACCESS_RIGHTS, 3);
+        dialog.PressAndClose(IDOK);
+    };
+    QVTest::WhileDriving(script, [&] { run = runner.Run(arguments, {L"ok"}); });
+    return run;
+}
+
+TEST(GrantAccess, ChangesTheItemsBeforeTheOneThatFails) {
+    for (const std::vector<std::wstring>& more : {std::vector<std::wstring>(), {L"--can-elevate"}}) {
+        const CommandRunner runner;
+        const std::wstring first = runner.Folder().Write(L"a", "x");
+        // Written like this, a path has no drive in front and is refused.
+        const std::wstring second = L"\\\\?\\" + runner.Folder().Write(L"b", "x");
+        const std::wstring third = runner.Folder().Write(L"c", "x");
+        ASSERT_FALSE(EveryoneMayWrite(first));
+        std::vector<std::wstring> arguments = {first, second, third};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        const CommandRun run = GrantEveryoneAll(runner, arguments);
+        EXPECT_TRUE(EveryoneMayWrite(first));
+        EXPECT_FALSE(EveryoneMayWrite(third));
+        EXPECT_NE(run.notes.find("The access could not be granted (error "), std::string::npos) << run.notes;
+    }
+}
+
+TEST(GrantAccess, IsOfferedOverASelectionOnlyAndCanBeCancelled) {
+    const CommandRunner runner;
+    const std::wstring file = runner.Folder().Write(L"a", "x");
+    EXPECT_EQ(runner.Run({L"command", L"30311"}).status, 0);
+    CommandRun run;
+    const auto script = [](DialogDriver& driver) { driver.WaitFor(kTitle).PressAndClose(IDCANCEL); };
+    QVTest::WhileDriving(script, [&] { run = runner.Run({L"command", L"30311", file, L"--can-elevate"}); });
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.notes, "");
+}
+
+TEST(ResetAccess, AsksFirstAndThenTakesBackWhatWasGranted) {
+    for (const std::vector<std::wstring>& more : {std::vector<std::wstring>(), {L"--can-elevate"}}) {
+        const CommandRunner runner;
+        const std::wstring file = runner.Folder().Write(L"a", "x");
+        GrantEveryoneAll(runner, {file});
+        ASSERT_TRUE(EveryoneMayWrite(file));
+        std::vector<std::wstring> arguments = {L"command", L"30310", file};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        runner.Run(arguments, {L"no"});
+        EXPECT_TRUE(EveryoneMayWrite(file));
+        const CommandRun run = runner.Run(arguments, {L"yes"});
+        EXPECT_EQ(run.status, 0) << run.notes;
+        EXPECT_FALSE(EveryoneMayWrite(file));
+        EXPECT_NE(runner.Run({L"command", L"30310"}, {L"no"}).notes.find("Reset access rights"), std::string::npos);
+    }
+}
+
+TEST(PropertyColumns, CanBeNamedInTheTagsOfTheRenamer) {
+    const CommandRunner runner;
+    const std::wstring file = runner.Folder().Write(L"a.txt", "x");
+    const std::string log = runner.Run({L"rename", file, L"--name", L"[N] [?ADSCOUNT]", L"--preview"}).log;
+    EXPECT_EQ(log, "a.txt\ta 0.txt\trename\n");
+    EXPECT_EQ(runner.Run({L"rename", file, L"--name", L"[?nothing]", L"--preview"}).status, 1);
+}
+
+TEST(AccountOfSelection, IsDomainAndName) {
+    const struct {
+        const wchar_t* path;
+        const wchar_t* account;
+    } cases[] = {
+        {L"WinNT://OFFICE/editor", L"OFFICE\\editor"},
+        {L"WinNT://WORKGROUP/DESK/editor,user", L"DESK\\editor"},
+        {L"winnt://NT AUTHORITY/SYSTEM", L"NT AUTHORITY\\SYSTEM"},
+        {L"WinNT://Everyone", L"Everyone"},
+        {L"WinNT://", L"name"},
+        {L"WinNT:", L"name"},
+        {L"LDAP://CN=editor,DC=office", L"name"},
+        {L"", L"name"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(AccountOfSelection(c.path, L"name"), c.account);
+}
+
+TEST(ChangeAccessDlg, TakesTheAccountThatWasFound) {
+    const auto texts = [](SDK::TextId) { return L"text"; };
+    const auto exists = [](const std::wstring& account) { return account == L"D\\found"; };
+    std::wstring picked = L"";
+    Ui::ChangeAccessDlg dialog(texts, L"", exists, [&](HWND) { return std::exchange(picked, L"D\\found"); });
+    std::optional<Ui::AccessChoice> choice;
+    const auto script = [](DialogDriver& driver) {
+        const DrivenDialog open = driver.WaitFor(L"text");
+        EXPECT_FALSE(open.IsEnabled(IDOK));
+        open.Press(IDC_ACCESS_FIND);
+        EXPECT_EQ(open.Text(IDC_ACCESS_ACCOUNT), L"") << "cancelled";
+        open.Press(IDC_ACCESS_FIND);
+        EXPECT_TRUE(open.IsEnabled(IDOK));
+        open.Select(IDC_ACCESS_RIGHTS, 2);
+        open.PressAndClose(IDOK);
+    };
+    QVTest::WhileDriving(script, [&] { choice = dialog.Show(nullptr); });
+    ASSERT_TRUE(choice);
+    EXPECT_EQ(choice->account, L"D\\found");
+    EXPECT_EQ(choice->mask, 0x1301BFu);
+}
+
+}  // namespace

@@ -1,0 +1,131 @@
+// The columns as a host sees them: what is registered, stored values, values cut to their room, many threads at once.
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "host/columns_command.h"
+#include "security/account_names.h"
+#include "security/ntfs_prop.h"
+#include "support/services_of_host.h"
+
+namespace {
+
+using Security::NTFSProp;
+using namespace Quorvane::SDK;
+
+class Columns : public testing::Test {
+protected:
+    Columns() {
+        m_provider.SetHost(&m_host.Services());
+        EXPECT_EQ(m_provider.Init(&m_host.Services()), 0u);
+    }
+
+    /// "(no value)" when there is none. The room is that of `capacity` units.
+    std::wstring ValueOf(IFileItem& item, uint16_t id, uint32_t capacity = 256) {
+        std::vector<wchar_t> text(capacity + 1, L'#');
+        const bool hasValue = m_provider.GetValue(&item, text.data(), capacity, id) == 1;
+        EXPECT_EQ(text[capacity], L'#') << "written beyond the room";
+        return hasValue ? text.data() : L"(no value)";
+    }
+
+    QVTest::ServicesOfHost m_host{QV_HOST_PROGRAM};
+    QVTest::TemporaryFolder m_folder;
+    NTFSProp m_provider;
+};
+
+TEST_F(Columns, AreRegisteredInOrder) {
+    const QVHost::PropertyColumns& columns = m_host.State().propertyColumns[0];
+    EXPECT_EQ(columns.extensionId, L"9A4C1E7F2B3D4E5F8A6B7C0D1E2F3A4B");
+    EXPECT_EQ(columns.groupName, L"NTFS properties");
+    const struct {
+        uint16_t id, width, type;
+        uint32_t flags;
+        const wchar_t* key;
+        const wchar_t* name;
+    } expected[] = {
+        {1, 110, 0, 0x30100, L"owner", L"Owner"},
+        {2, 100, 0, 0x30100, L"access", L"Access"},
+        {3, 60, 2, 0x70200, L"ADScount", L"Streams"},
+        {4, 60, 2, 0x70200, L"ADSsize", L"Size of streams"},
+    };
+    ASSERT_EQ(columns.columns.size(), std::size(expected));
+    for (size_t at = 0; at < std::size(expected); ++at) {
+        const auto& column = columns.columns[at];
+        EXPECT_EQ(column.id, expected[at].id);
+        EXPECT_EQ(column.defaultWidth, expected[at].width);
+        EXPECT_EQ(column.valueType, expected[at].type);
+        EXPECT_EQ(column.flags, expected[at].flags);
+        EXPECT_EQ(column.key, expected[at].key);
+        EXPECT_EQ(column.displayName, expected[at].name);
+    }
+}
+
+TEST_F(Columns, HaveTheseValues) {
+    IFileItem& file = m_host.Select(m_folder.Write(L"a.txt", "x"));
+    IFileItem& none = m_host.Select(m_folder / L"none");
+    EXPECT_EQ(ValueOf(file, 1), Security::CurrentAccountName());
+    EXPECT_EQ(ValueOf(file, 3), L"0");
+    EXPECT_EQ(ValueOf(file, 4), L"(no value)");
+    EXPECT_EQ(ValueOf(file, 5), L"(no value)");
+    EXPECT_EQ(ValueOf(none, 1), L"(no value)");
+    EXPECT_EQ(ValueOf(none, 2), L"   ");
+    EXPECT_EQ(ValueOf(none, 3), L"0");
+    EXPECT_EQ(ValueOf(none, 4), L"(no value)");
+    EXPECT_FALSE(m_provider.ClearCache());
+}
+
+TEST_F(Columns, TakeStoredValuesAndCutThemBetweenCharacters) {
+    QVHost::FileItem& item = m_host.Select(m_folder.Write(L"a.txt", "x"));
+    item.StoreProperty(1, L"ab\xD83D\xDE00");
+    EXPECT_EQ(ValueOf(item, 1), L"ab\xD83D\xDE00");
+    EXPECT_EQ(ValueOf(item, 1, 5), L"ab\xD83D\xDE00");
+    EXPECT_EQ(ValueOf(item, 1, 4), L"ab") << "half a character is none";
+    EXPECT_EQ(ValueOf(item, 1, 2), L"a");
+    EXPECT_EQ(ValueOf(item, 1, 1), L"");
+    EXPECT_EQ(m_provider.GetValue(&item, nullptr, 0, 1), 0u);
+    StoredPropertyValue value = {};
+    EXPECT_EQ(item.QueryProperty(1, 1, &value), 1u);
+    item.RefreshProperty(1);
+    EXPECT_EQ(ValueOf(item, 1), Security::CurrentAccountName()) << "computed anew";
+}
+
+TEST_F(Columns, AnswerAHundredThreadsAtOnce) {
+    IFileItem& file = m_host.Select(m_folder.Write(L"a.txt", "x"));
+    IFileItem& folder = m_host.Select(m_folder.Path());
+    const std::wstring owner = Security::CurrentAccountName();
+    std::atomic<int> wrong = 0;
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 100; ++number)
+        threads.emplace_back([&, number] {
+            wchar_t text[64] = {};
+            for (int round = 0; round < 5; ++round) {
+                if (m_provider.GetValue(&file, text, 64, 1) != 1 || owner != text) ++wrong;
+                if (m_provider.GetValue(&folder, text, 64, 3) != 1 || text != std::wstring(L"0")) ++wrong;
+                if (number % 10 == 0) m_provider.ClearCache();
+            }
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(wrong, 0);
+}
+
+TEST_F(Columns, ArePrintedInThreeForms) {
+    const std::wstring path = m_folder.Write(L"a,b.txt", "x");
+    QVHost::FileItem& item = m_host.Select(path);
+    item.StoreProperty(1, L"D\\\"o\"");
+    item.StoreProperty(2, L"R X");
+    item.StoreProperty(3, L"2");
+    QVHost::ColumnValues values;
+    values.AddProvider(m_host.State().propertyColumns[0], m_provider);
+    for (const auto format : {QVHost::ColumnFormat::Csv, QVHost::ColumnFormat::Json, QVHost::ColumnFormat::Table})
+        QVHost::PrintColumns(m_host.State().output, values, m_host.State().selection, format);
+    const std::string name(path.begin(), path.end());
+    std::string escaped;
+    for (const char c : name) escaped += c == '\\' ? "\\\\" : std::string(1, c);
+    EXPECT_EQ(m_host.Log(),
+              "path,owner,access,ADScount,ADSsize\n\"" + name + "\",\"D\\\"\"o\"\"\",R X,2,\n" + "[\n  {\"path\":\"" +
+                  escaped + "\",\"owner\":\"D\\\\\\\"o\\\"\",\"access\":\"R X\",\"ADScount\":2,\"ADSsize\":null}\n]\n" +
+                  "File" + std::string(name.size() - 4, ' ') + "  Owner  Access  Streams  Size of streams\n" + name +
+                  "  D\\\"o\"  R X           2\n");
+}
+
+}  // namespace

@@ -1,0 +1,60 @@
+#include "security/privilege.h"
+
+#include <array>
+
+#include <gtest/gtest.h>
+
+#include "win32/handle.h"
+
+namespace {
+
+using Security::ScopedPrivilege;
+
+bool IsEnabled(const wchar_t* name) {
+    HANDLE raw = nullptr;
+    EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &raw));
+    const Win32::KernelHandle token(raw);
+    PRIVILEGE_SET set = {};
+    set.PrivilegeCount = 1;
+    set.Control = PRIVILEGE_SET_ALL_NECESSARY;
+    EXPECT_TRUE(LookupPrivilegeValueW(nullptr, name, &set.Privilege[0].Luid));
+    BOOL isEnabled = FALSE;
+    EXPECT_TRUE(PrivilegeCheck(token.Get(), &set, &isEnabled));
+    return isEnabled != FALSE;
+}
+
+TEST(ScopedPrivilege, LastsAsLongAsAnyObjectNeedsIt) {
+    ASSERT_FALSE(IsEnabled(SE_TAKE_OWNERSHIP_NAME));
+    {
+        ScopedPrivilege first(SE_TAKE_OWNERSHIP_NAME);
+        EXPECT_TRUE(first.Succeeded());
+        EXPECT_TRUE(first.HasChangedToken());
+        { const ScopedPrivilege second(SE_TAKE_OWNERSHIP_NAME); }
+        EXPECT_TRUE(IsEnabled(SE_TAKE_OWNERSHIP_NAME)) << "the second object has not taken it away";
+    }
+    EXPECT_FALSE(IsEnabled(SE_TAKE_OWNERSHIP_NAME));
+}
+
+TEST(ScopedPrivilege, LeavesAloneWhatWasEnabledAlready) {
+    ASSERT_TRUE(IsEnabled(SE_CHANGE_NOTIFY_NAME));
+    {
+        const ScopedPrivilege privilege(SE_CHANGE_NOTIFY_NAME);
+        EXPECT_TRUE(privilege.Succeeded());
+        EXPECT_FALSE(privilege.HasChangedToken());
+    }
+    EXPECT_TRUE(IsEnabled(SE_CHANGE_NOTIFY_NAME));
+}
+
+TEST(ScopedPrivilege, TellsWhyItIsNotThere) {
+    const ScopedPrivilege notHeld(SE_CREATE_TOKEN_NAME);
+    EXPECT_FALSE(notHeld.Succeeded());
+    EXPECT_EQ(notHeld.Error(), 0u) << "the calls themselves succeed";
+    const ScopedPrivilege unknown(L"SeNoSuchPrivilege");
+    EXPECT_FALSE(unknown.Succeeded());
+    EXPECT_EQ(unknown.Error(), static_cast<uint32_t>(ERROR_NO_SUCH_PRIVILEGE));
+    const ScopedPrivilege notAsked(SE_TAKE_OWNERSHIP_NAME, false);
+    EXPECT_TRUE(notAsked.Succeeded());
+    EXPECT_FALSE(IsEnabled(SE_TAKE_OWNERSHIP_NAME));
+}
+
+}  // namespace
