@@ -64,6 +64,14 @@ TEST(LanguageTexts, AreCompleteInEnglish) {
             EXPECT_NE(texts.Find(L"", id), NameOfTextId(id)) << ToUtf8(NameOfTextId(id));
         }
     EXPECT_STRNE(texts.Find(L"QVBatchRename", 2006_m), L"2006m");
+    const auto expectText = [&](uint32_t number, char category) {
+        const TextId id = MakeTextId(number, category);
+        EXPECT_NE(texts.Find(L"QVBatchRename", id), NameOfTextId(id)) << ToUtf8(NameOfTextId(id));
+    };
+    for (uint32_t number = 300; number <= 310; ++number) expectText(number, 'm');
+    for (uint32_t number = 320; number <= 322; ++number) expectText(number, 'm');
+    for (uint32_t number = 330; number <= 338; ++number) expectText(number, 'd');
+    for (uint32_t number = 340; number <= 342; ++number) expectText(number, 'd');
     EXPECT_STRNE(texts.Find(L"QVBatchRename", 10_c), texts.Find(L"", 10_c));
 }
 

@@ -1,0 +1,17 @@
+// message_pump.h - the host's message loop, for extensions that keep a window of their own open after their command.
+#pragma once
+
+#include <functional>
+
+#include "host/session.h"
+
+namespace QVHost {
+
+/// True while a thread of this process other than the calling one shows a window.
+bool HasWindowsOfOtherThreads();
+
+/// Handles messages and queued commands of this thread for as long as `goesOn` says so; it is asked at least ten times
+/// a second. Messages are offered to the extensions first.
+void PumpWhile(Session& session, const std::function<bool()>& goesOn);
+
+}  // namespace QVHost
