@@ -57,7 +57,9 @@ void ReadInBlocks(std::string_view bytes, uint32_t markSize, size_t blockSize, u
     TextWriter saved;
     std::string whole;
     for (typename Blocks::View block; blocks.Next(block);) {
-        Require(!block.empty() && blocks.GetOffset() == blocks.GetMark().size() + whole.size(), "blocks follow on");
+        // The first block begins the text, mark or not.
+        const size_t before = whole.empty() ? 0 : blocks.GetMark().size() + whole.size();
+        Require(!block.empty() && blocks.GetOffset() == before, "blocks follow on");
         whole += BytesOf<CharT>(block);
         const Exact<CharT> exact(block);
         lines.Reset(exact.View());

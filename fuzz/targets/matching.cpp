@@ -108,6 +108,13 @@ private:
     size_t m_next = 0;
 };
 
+bool SharesALetter(std::string_view left, std::string_view right) {
+    return std::ranges::any_of(left, [&](char unit) {
+        const auto other = static_cast<char>((unit | 0x20) >= 'a' && (unit | 0x20) <= 'z' ? unit ^ 0x20 : unit);
+        return unit != '\n' && (right.find(unit) != right.npos || right.find(other) != right.npos);
+    });
+}
+
 template <class CharT>
 void Match(uint32_t options, const std::string& find, const std::string& replacement, const std::string& text,
            const std::string& answers) {
@@ -115,10 +122,13 @@ void Match(uint32_t options, const std::string& find, const std::string& replace
     const auto wideReplacement = Widened<WideChar>(replacement);
     const Exact<CharT> document(Widened<CharT>(text));
     Request request(options, wideFind, wideReplacement, Narrowing());
-    // What the plain way can do: modes within lines, texts that every encoding has.
-    const bool isLatin = std::ranges::all_of(wideFind + wideReplacement, [](WideChar unit) { return unit <= 0xFF; });
-    const bool isPlain = request.GetMode() != Mode::Multiline && isLatin && !request.FindFault() && answers.empty() &&
+    // What the plain way can do: modes within lines, texts that are the same in every encoding.
+    const bool isAscii =
+        std::ranges::all_of(find + replacement, [](char unit) { return static_cast<uint8_t>(unit) < 0x80; });
+    const bool isPlain = request.GetMode() != Mode::Multiline && isAscii && !request.FindFault() && answers.empty() &&
                          (find + replacement + text).find('\r') == std::string::npos;
+    // Without the plain way nothing tells beforehand whether a replacement feeds on itself up to a bound of millions.
+    if (!isPlain && SharesALetter(find, replacement)) return;
     auto lines = CutPlainly<CharT>(Text<CharT>(document.View()));
     uint32_t expected = 0;
     const bool ignoreCase = (options & Option::IgnoreCase) != 0;
@@ -165,7 +175,6 @@ void RunMatching(Bytes bytes) {
     const std::string replacement = input.Text();
     const std::string answers = input.Text();
     const std::string text(input.Rest());
-    // Over lines, a replacement may be found again without end before a bound of millions stops it.
     Match<char>(options, find, replacement, text, answers);
     Match<WideChar>(options, find, replacement, text, answers);
 }

@@ -1,6 +1,7 @@
 // Rename rules: templates cut, compiled and evaluated for names of any kind.
 #include "batchrename/name_template.h"
 
+#include "batchrename/name_check.h"
 #include "batchrename/rename_rule.h"
 #include "fuzz/input.h"
 
@@ -42,7 +43,9 @@ void RunNameTemplate(Bytes bytes) {
         row.currentName = Widened<wchar_t>(input.Text());
         row.isFolder = (options & 1) != 0;
         evaluated.Compute(row);
-        Require(row.newName.find_first_of(L"\r\n") == std::wstring::npos, "a new name holds no line break");
+        const NameCheck check = CheckName(row.newName);
+        Require(check.position <= row.newName.size(), "a name's fault lies in it");
+        DescribeNameFault(row.newName, check);
     }
 }
 

@@ -16,6 +16,10 @@ void RunUndoSession(Bytes bytes) {
     const std::wstring text = isText ? Widened<wchar_t>(rest) : DecodeSession(Exact<char>(rest).View());
     BatchRenameUndo session;
     ParseSession(text, session);
+    // No folder begins with the signs of a remark, so none is written.
+    std::erase_if(session.entries, [](const UndoEntry& entry) {
+        return entry.location.empty() || entry.location.front() == L';' || entry.location.front() == L'#';
+    });
     BatchRenameUndo again;
     ParseSession(FormatSession(session), again);
     Require(again.entries.size() == session.entries.size(), "every entry is written and read again");

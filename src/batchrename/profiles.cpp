@@ -126,6 +126,13 @@ private:
 
 }  // namespace
 
+std::vector<RenameProfile> ReadProfiles(IXmlElement& root) {
+    std::vector<RenameProfile> profiles;
+    for (IXmlElement* profile = root.FirstChild(L"profile"); profile; profile = profile->NextSibling(L"profile"))
+        profiles.push_back(ReadProfile(*profile));
+    return profiles;
+}
+
 RuleDefinition RuleOf(const RenameProfile& profile) {
     RuleDefinition rule;
     rule.nameTemplate = profile.nameTemplate;
@@ -164,8 +171,7 @@ bool ProfileStore::Load(IHostServices* services, const wchar_t* fileName) {
         m_isUnreadable = Win32::Exists(m_path);
         return true;
     }
-    for (IXmlElement* profile = root->FirstChild(L"profile"); profile; profile = profile->NextSibling(L"profile"))
-        m_profiles.push_back(ReadProfile(*profile));
+    m_profiles = ReadProfiles(*root);
     return true;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <string>
 
 #include "fileutils/base64.h"
@@ -151,6 +152,8 @@ uint32_t RunBase64(IHostServices& host, uint32_t id) {
             ConvertFile(host, encodes, path);
         } catch (const QVUtilsException& error) {
             LogFailure(host, encodes, path, error.what(), error.GetErrorCode());
+        } catch (const std::bad_alloc&) {
+            LogFailure(host, encodes, path, "Out of memory", QVUtils::ErrorCode::OutOfMemory);
         }
     }
     return 1;

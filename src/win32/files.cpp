@@ -125,8 +125,12 @@ uint32_t RemoveFile(const std::wstring& path) {
 }
 
 uint32_t RemoveFileWhateverItsAttributes(const std::wstring& path) {
-    SetFileAttributesW(ExtendedPath(path).c_str(), FILE_ATTRIBUTE_NORMAL);
-    return RemoveFile(path);
+    return RemoveFileAt(ExtendedPath(path).c_str());
+}
+
+uint32_t RemoveFileAt(const wchar_t* extendedPath) noexcept {
+    SetFileAttributesW(extendedPath, FILE_ATTRIBUTE_NORMAL);
+    return WithRetries([&] { return DeleteFileW(extendedPath) != FALSE; });
 }
 
 bool IsSameFile(const std::wstring& left, const std::wstring& right) {

@@ -3,6 +3,7 @@
 #include <set>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include <aclapi.h>
@@ -20,6 +21,7 @@ struct State {
     uint32_t error = 0;
     bool isLasting = false;
     uint32_t count = 0;
+    void (*onFirstCall)() = nullptr;
     std::string failed;
     std::set<HANDLE> handles;
 };
@@ -41,6 +43,7 @@ template <class First>
 bool FailsNow(const char* name, First first) {
     State& now = Now();
     if (!now.isArmed || !IsWatched(first)) return false;
+    if (now.onFirstCall) std::exchange(now.onFirstCall, nullptr)();
     if (now.count++ == now.number)
         now.failed = name;
     else if (!now.isLasting || now.failed != name)
@@ -156,6 +159,10 @@ void FailingCalls::Arm(const std::wstring& folder, uint32_t number, uint32_t err
              .isLasting = isLasting,
              .failed = {},
              .handles = {}};
+}
+
+void FailingCalls::OnFirstCall(void (*listener)()) {
+    Now().onFirstCall = listener;
 }
 
 void FailingCalls::Disarm() {

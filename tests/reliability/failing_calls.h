@@ -20,6 +20,8 @@ public:
     /// 0: a write of half the bytes succeeds instead; other calls are let through. With `isLasting` all later calls of
     /// the same name fail too.
     void Arm(const std::wstring& folder, uint32_t number, uint32_t error, bool isLasting = false);
+    /// Called once, with the first call counted.
+    void OnFirstCall(void (*listener)());
     /// Nothing fails and nothing is counted any more.
     void Disarm();
 
