@@ -134,8 +134,8 @@ void ConvertFile(IHostServices& host, bool encodes, const std::wstring& path) {
     if (_wcsicmp(target.c_str(), path.c_str()) == 0 || Win32::IsSameFile(path, target))
         throw QVUtilsException(ERROR_INVALID_PARAMETER, "Source and target are the same file");
     if (files->Exists(target.c_str())) {
-        const std::wstring question = FormatText(host.GetText(210_e), {target});
-        const wchar_t* const caption = host.GetText(encodes ? 2240_m : 2241_m);
+        const std::wstring question = FormatText(HostText(host, 210_e), {target});
+        const wchar_t* const caption = HostText(host, encodes ? 2240_m : 2241_m);
         if (host.MessageBox(question.c_str(), caption, MB_YESNO | MB_ICONQUESTION) != IDYES) return;
     }
     Convert(encodes, path, target);

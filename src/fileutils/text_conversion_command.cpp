@@ -48,8 +48,8 @@ std::optional<uint32_t> AskForTabWidth(IHostServices& host) {
     if (!choices) return std::nullopt;
     for (uint32_t width = 1; width <= kLargestChoice; ++width) choices->AddChoice(std::to_wstring(width).c_str());
     ChoiceRequest request = {};
-    CopyText(host.GetText(16_c), request.prompt);
-    CopyText(host.GetText(17_c), request.title);
+    CopyText(HostText(host, 16_c), request.prompt);
+    CopyText(HostText(host, 17_c), request.title);
     request.choices = choices.get();
     request.position = kProposedChoice;
     if (!host.ShowChoiceDialog(&request)) return std::nullopt;
@@ -130,8 +130,8 @@ uint32_t RunTextConversion(IHostServices& host, uint32_t id) {
     if (row == std::end(kConversions)) return 0;
     const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Files);
     if (!list || list->GetCount() == 0) return 1;
-    const std::wstring question = FormatText(host.GetText(15_c), {list->GetCount()});
-    if (host.MessageBox(question.c_str(), host.GetText(14_c), MB_YESNO | MB_ICONQUESTION) != IDYES) return 1;
+    const std::wstring question = FormatText(HostText(host, 15_c), {list->GetCount()});
+    if (host.MessageBox(question.c_str(), HostText(host, 14_c), MB_YESNO | MB_ICONQUESTION) != IDYES) return 1;
     uint32_t tabWidth = 0;
     if (row->conversion == TextConversion::TabsToSpaces) {
         const std::optional<uint32_t> chosen = AskForTabWidth(host);
