@@ -10,6 +10,18 @@ using WORD = uint16_t;
 using HANDLE = void*;
 using HLOCAL = void*;
 using LARGE_INTEGER = union { int64_t QuadPart; };
+using HMODULE = void*;
+using PSID = void*;
+using LPVOID = void*;
+using LPDWORD = DWORD*;
+using LPWSTR = wchar_t*;
+using LPCWSTR = const wchar_t*;
+using ULONG = uint32_t;
+using PULONG = ULONG*;
+using BOOLEAN = uint8_t;
+enum SID_NAME_USE { SidTypeUser = 1 };
+#define WINAPI
+
 struct SYSTEMTIME {
     WORD wYear, wMonth, wDayOfWeek, wDay, wHour, wMinute, wSecond, wMilliseconds;
 };
@@ -22,7 +34,9 @@ inline constexpr DWORD FILE_SHARE_WRITE = 2;
 inline constexpr DWORD OPEN_EXISTING = 3;
 inline constexpr DWORD CREATE_ALWAYS = 2;
 inline constexpr DWORD CREATE_NEW = 1;
+inline constexpr DWORD ERROR_SUCCESS = 0;
 inline constexpr DWORD ERROR_ALREADY_EXISTS = 183;
+inline constexpr DWORD ERROR_MORE_DATA = 234;
 inline constexpr DWORD MAX_PATH = 260;
 inline constexpr DWORD LOCALE_INVARIANT = 0x7F;
 inline constexpr DWORD LCMAP_LOWERCASE = 0x100;
@@ -36,6 +50,16 @@ inline BOOL CloseHandle(HANDLE) {
     return 1;
 }
 inline void FindClose(HANDLE) {}
+inline void FreeLibrary(HMODULE) {}
+inline void* GetProcAddress(HMODULE, const char*) {
+    return nullptr;
+}
+inline DWORD GetLengthSid(PSID) {
+    return 8;
+}
+inline BOOL GetUserNameW(wchar_t*, DWORD*) {
+    return 0;
+}
 inline void LocalFree(HLOCAL) {}
 inline HANDLE CreateFileW(const wchar_t*, DWORD, DWORD, void*, DWORD, DWORD, HANDLE) {
     return INVALID_HANDLE_VALUE;

@@ -74,7 +74,7 @@ TEST_P(AllocationFaults, LoseNothingAndEndNobody) {
     const Contents done = first.Read();
     ASSERT_GT(count, 0);
     const bool isEvery = GetEnvironmentVariableW(L"QV_EVERY_FAULT", nullptr, 0) > 0;
-    const long step = isEvery ? 1 : std::max(1L, count / 40);
+    const long step = isEvery ? 1 : std::max(1L, count / 20);
     for (long number = 0; number < count; number += step)
         for (const bool isLasting : {false, true}) {
             const WorkFolder work(command);

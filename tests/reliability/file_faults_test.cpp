@@ -21,13 +21,13 @@ constexpr Fault kFaults[] = {
     {ERROR_DISK_FULL, true},      {ERROR_DEVICE_REMOVED, false},
 };
 
-/// Each call fails in two of the ways, other calls in other ones; in all of them when QV_EVERY_FAULT is set, which
+/// Each call fails in one of the ways, the next call in the next one; in all of them when QV_EVERY_FAULT is set, which
 /// takes minutes. Short writes always.
 std::vector<Fault> FaultsOfCall(uint32_t number) {
     std::vector<Fault> faults = {{0u, false}};
     static const bool isEvery = GetEnvironmentVariableW(L"QV_EVERY_FAULT", nullptr, 0) > 0;
     for (size_t at = 0; at < std::size(kFaults); ++at)
-        if (isEvery || at % 4 == number % 4) faults.push_back(kFaults[at]);
+        if (isEvery || at == number % std::size(kFaults)) faults.push_back(kFaults[at]);
     return faults;
 }
 
