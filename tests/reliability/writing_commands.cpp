@@ -44,6 +44,7 @@ const std::vector<WritingCommand>& WritingCommands() {
         {"decode",
          Command(L"30211"),
          {{L"a.b64", encoded + "a.bin\"\r\n\r\nYWJj"}, {L"b.b64", encoded + "b.bin\"\r\n\r\nYWJj"}}},
+        {"make hard links", {L"call", L"CreateLink", L"LNKTYPE=1", L"LNKSRC={}.lnk", L"LNKTRG={}"}, kTexts},
         {"make XML readable", Command(L"30200"), {{L"a.xml", "<a><b/></a>"}, {L"b.xml", "<c><d/></c>"}}},
         {"rename by a quick command", Command(L"30005", L"ok"), {{L"a 1.txt", "1"}, {L"b 2.txt", "2"}}},
     };
