@@ -1,5 +1,6 @@
 // allocation_faults_test.cpp - memory runs out at each point of each command of the built library in turn: the host
 // lives on, nothing is thrown at it, and the files are as after any other failure.
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 
@@ -9,6 +10,8 @@
 #include "reliability/in_process_host.h"
 #include "reliability/replaced_imports.h"
 #include "reliability/writing_commands.h"
+#include "sdk/extension_info.h"
+#include "support/services_of_host.h"
 
 namespace {
 
@@ -98,6 +101,48 @@ TEST_P(AllocationFaults, LoseNothingAndEndNobody) {
                 EXPECT_TRUE(run.status != 0 || !run.said.empty()) << "nobody says that something is not done";
             }
         }
+}
+
+/// The calls of a host around the commands: beginning, columns, requests, end.
+TEST(AllocationFaultsOfTheContract, EndNobody) {
+    using namespace Quorvane::SDK;
+    const InProcessHost host;
+    const ReplacedImport imports[] = {{host.Library(), "malloc", reinterpret_cast<void*>(FailingMalloc)},
+                                      {host.Library(), "calloc", reinterpret_cast<void*>(FailingCalloc)},
+                                      {host.Library(), "realloc", reinterpret_cast<void*>(FailingRealloc)}};
+    const auto find = [&](const char* name) { return reinterpret_cast<void*>(GetProcAddress(host.Library(), name)); };
+    const auto create = reinterpret_cast<CreateFunction>(find("Create"));
+    const auto end = reinterpret_cast<DeleteFunction>(find("Delete"));
+    const WorkFolder work(WritingCommands().front());
+    for (const uint32_t index : {0u, 1u, 2u}) {
+        long count = 1;
+        for (long number = 0; number < count; ++number)
+            for (const bool isLasting : {false, true}) {
+                ServicesOfHost services(QV_HOST_PROGRAM);
+                QVHost::FileItem& item = services.Select(work.Path() + L"\\a.txt");
+                IPluginInterface* const extension = create(index);
+                auto* const properties = index == 1 ? reinterpret_cast<IFileProperties*>(extension) : nullptr;
+                g_count = 0;
+                g_isLasting = isLasting;
+                g_left = number;
+                g_isBegun = true;
+                if (properties) {
+                    properties->SetHost(&services.Services());
+                    properties->Init(&services.Services());
+                    wchar_t text[64] = {};
+                    for (uint16_t id = 0; id < 6; ++id) properties->GetValue(&item, text, 64, id);
+                    properties->ClearCache();
+                } else {
+                    extension->SetHost(&services.Services());
+                    extension->Init(&services.Services());
+                    extension->OnElevatedRequest(5000, nullptr);
+                    extension->Shutdown();
+                }
+                g_isBegun = false;
+                count = std::max(count, g_count.load());
+                EXPECT_TRUE(end(extension, index));
+            }
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, AllocationFaults, testing::ValuesIn(WritingCommands()),
