@@ -193,6 +193,13 @@ std::wstring FaultOf(IXMLDOMDocument2* document, const std::wstring& path) {
     return why.empty() ? place : place + L": " + why;
 }
 
+/// A Windows error code where the result holds one.
+uint32_t CodeOf(HRESULT result) {
+    if (SUCCEEDED(result)) return ERROR_SUCCESS;
+    return HRESULT_FACILITY(result) == FACILITY_WIN32 ? static_cast<uint32_t>(HRESULT_CODE(result))
+                                                      : static_cast<uint32_t>(result);
+}
+
 }  // namespace
 
 /// An element. Lives with its document, which owns it.
@@ -229,7 +236,8 @@ public:
 
     IXMLDOMDocument2* Document() const { return m_document.Get(); }
     /// Writes the document to a new file, in its encoding. Afterwards it may be without its declaration.
-    bool SaveAs(const std::wstring& path) const;
+    /// A Windows error code, 0 for success.
+    uint32_t SaveAs(const std::wstring& path) const;
     /// The one object that stands for this node; null for null.
     XmlElement* ElementOf(ComPtr<IXMLDOMElement> node);
     ComPtr<IXMLDOMElement> NewElement(const wchar_t* name);
@@ -432,19 +440,21 @@ void XmlDocument::IndentChildren(IXMLDOMNode* parent, const std::wstring& lineSt
     InsertBlank(parent, lineStart, nullptr);
 }
 
-bool XmlDocument::SaveAs(const std::wstring& path) const {
-    if (!m_encoding) return false;
+uint32_t XmlDocument::SaveAs(const std::wstring& path) const {
+    if (!m_encoding) return ERROR_NOT_SUPPORTED;
     const Bstr name(path);
-    if (m_encoding->codePage == XmlEncoding::kUtf8) return SUCCEEDED(m_document->save(TextVariant(name)));
+    if (m_encoding->codePage == XmlEncoding::kUtf8) return CodeOf(m_document->save(TextVariant(name)));
     // Not every system's writer follows a declaration of another encoding; some write UTF-8 under its name. Without a
     // declaration all write UTF-8, which is then put into the document's own encoding.
     ComPtr<IXMLDOMNode> declaration;
     m_document->get_firstChild(declaration.Receive());
     if (declaration && NameOf(declaration.Get()) == L"xml") m_document->removeChild(declaration.Get(), nullptr);
     std::string bytes;
-    if (FAILED(m_document->save(TextVariant(name))) || ReadWholeFile(path, bytes) != ERROR_SUCCESS) return false;
+    uint32_t error = CodeOf(m_document->save(TextVariant(name)));
+    if (error == ERROR_SUCCESS) error = ReadWholeFile(path, bytes);
+    if (error != ERROR_SUCCESS) return error;
     const std::optional<std::wstring> text = FromUtf8(bytes);
-    return text && ReplaceWholeFile(path, EncodedXml(*m_encoding, *text)) == ERROR_SUCCESS;
+    return text ? ReplaceWholeFile(path, EncodedXml(*m_encoding, *text)) : ERROR_NO_UNICODE_TRANSLATION;
 }
 
 void XmlDocument::Compact() {
@@ -488,7 +498,12 @@ Quorvane::SDK::IXmlDocument* XmlService::Load(const wchar_t* path, uint32_t) {
         if (!path || !*path) return nullptr;
         const Bstr source(FullUserPath(path));
         std::string bytes;
-        if (ReadWholeFile(std::wstring(source.View()), bytes) != ERROR_SUCCESS) return nullptr;
+        if (const uint32_t error = ReadWholeFile(std::wstring(source.View()), bytes)) {
+            // That there is none is an answer, and for a document that is kept between runs the usual one at first.
+            const bool isMissing = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+            if (!isMissing) m_output.Note(L"[xml] " + std::wstring(source.View()) + L": " + DescribeError(error));
+            return nullptr;
+        }
         StartCom();
         ComPtr<IXMLDOMDocument2> document = NewDocument();
         if (!document) return nullptr;
@@ -510,11 +525,16 @@ bool XmlService::Save(Quorvane::SDK::IXmlDocument* document, const wchar_t* path
         if (mode == kIndented) known->Indent();
         const std::wstring target = FullUserPath(path);
         const std::wstring beside = target + L"." + std::to_wstring(GetCurrentProcessId()) + L".new";
-        bool isSaved = known->SaveAs(beside);
-        if (isSaved && Win32::Exists(target)) Win32::CarryOverAttributesAndAccess(target, beside);
-        isSaved = isSaved && Win32::MoveFileOver(beside, target) == ERROR_SUCCESS;
-        if (!isSaved) Win32::RemoveFile(beside);
-        return isSaved;
+        uint32_t error = known->SaveAs(beside);
+        if (error == ERROR_SUCCESS) {
+            if (Win32::Exists(target)) Win32::CarryOverAttributesAndAccess(target, beside);
+            error = Win32::MoveFileOver(beside, target);
+        }
+        if (error == ERROR_SUCCESS) return true;
+        Win32::RemoveFile(beside);
+        // The answer is a plain no: the reason is for whoever reads along.
+        m_output.Note(L"[xml] " + target + L": " + DescribeError(error));
+        return false;
     });
 }
 

@@ -15,7 +15,9 @@ using namespace Quorvane::SDK;
 
 namespace {
 
-constexpr uint32_t kFolderCapacity = 1024;  // units
+// In units. Buffers have one more than the host is told of: the text ends there whatever the host does.
+constexpr uint32_t kFolderCapacity = 1024;
+constexpr uint32_t kTextCapacity = kLongestProfileText + 1;
 constexpr uint32_t kIndented = 1;
 constexpr int kMostKeptFiles = 1000;
 
@@ -25,13 +27,13 @@ constexpr int kPartsName = 2;
 constexpr int kPartsExtension = 3;
 
 std::wstring AttributeOf(IXmlElement& element, const wchar_t* name) {
-    wchar_t buffer[kLongestProfileText + 1] = {};
-    return element.GetAttribute(name, buffer, static_cast<uint32_t>(std::size(buffer))) ? buffer : L"";
+    wchar_t buffer[kTextCapacity + 1] = {};
+    return element.GetAttribute(name, buffer, kTextCapacity) ? buffer : L"";
 }
 
 std::wstring TextOf(IXmlElement& element) {
-    wchar_t buffer[kLongestProfileText + 1] = {};
-    element.GetText(buffer, static_cast<uint32_t>(std::size(buffer)));
+    wchar_t buffer[kTextCapacity + 1] = {};
+    element.GetText(buffer, kTextCapacity);
     return buffer;
 }
 
@@ -52,8 +54,8 @@ uint32_t ReadSearchOptions(IXmlElement& search) {
 
 RenameProfile ReadProfile(IXmlElement& element) {
     RenameProfile profile;
-    wchar_t name[kLongestProfileText + 1] = {};
-    if (!element.GetAttribute(L"name", name, static_cast<uint32_t>(std::size(name)))) return profile;
+    wchar_t name[kTextCapacity + 1] = {};
+    if (!element.GetAttribute(L"name", name, kTextCapacity)) return profile;
     profile.name = name;
     if (IXmlElement* const child = element.FirstChild(L"filename")) profile.nameTemplate = TextOf(*child);
     if (IXmlElement* const child = element.FirstChild(L"extension")) profile.extensionTemplate = TextOf(*child);
@@ -126,6 +128,13 @@ private:
 
 }  // namespace
 
+std::vector<RenameProfile> ReadProfiles(IXmlElement& root) {
+    std::vector<RenameProfile> profiles;
+    for (IXmlElement* profile = root.FirstChild(L"profile"); profile; profile = profile->NextSibling(L"profile"))
+        profiles.push_back(ReadProfile(*profile));
+    return profiles;
+}
+
 RuleDefinition RuleOf(const RenameProfile& profile) {
     RuleDefinition rule;
     rule.nameTemplate = profile.nameTemplate;
@@ -153,7 +162,7 @@ bool ProfileStore::Load(IHostServices* services, const wchar_t* fileName) {
     m_profiles.clear();
     m_isUnreadable = false;
     if (!services) return false;
-    wchar_t folder[kFolderCapacity] = {};
+    wchar_t folder[kFolderCapacity + 1] = {};
     services->GetConfigurationFolder(folder, kFolderCapacity);
     m_path = std::wstring(folder) + fileName;
     const Owned<IXmlService> xml(services->GetXmlService(m_path.c_str(), 0));
@@ -164,8 +173,7 @@ bool ProfileStore::Load(IHostServices* services, const wchar_t* fileName) {
         m_isUnreadable = Win32::Exists(m_path);
         return true;
     }
-    for (IXmlElement* profile = root->FirstChild(L"profile"); profile; profile = profile->NextSibling(L"profile"))
-        m_profiles.push_back(ReadProfile(*profile));
+    m_profiles = ReadProfiles(*root);
     return true;
 }
 

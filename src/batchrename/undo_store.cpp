@@ -11,6 +11,7 @@
 namespace BatchRename {
 namespace {
 
+constexpr int kMostAttempts = 3;                      // to make a session's file in a folder that is in use
 constexpr uint64_t kLargestFile = 256 * 1024 * 1024;  // bytes; a session of a million long paths is below
 
 bool WriteAll(HANDLE file, std::wstring_view text) {
@@ -103,10 +104,11 @@ uint32_t UndoStore::WriteFileOf(BatchRenameUndo& session, bool mayReplace) {
     const std::wstring path = PathOf(session);
     const std::wstring beside = path + L".new";
     m_lastError = WriteNewFile(beside, FormatSession(session));
+    // A file that another program is writing this moment (32) is not ours to remove.
+    const bool isOurs = m_lastError != ERROR_SHARING_VIOLATION;
     if (m_lastError == ERROR_SUCCESS)
         m_lastError = mayReplace ? Win32::MoveFileOver(beside, path) : Win32::MoveFileTo(beside, path);
-    // A file that another program is writing this moment (32) is not ours to remove.
-    if (m_lastError != ERROR_SUCCESS && m_lastError != ERROR_SHARING_VIOLATION) Win32::RemoveFile(beside);
+    if (m_lastError != ERROR_SUCCESS && isOurs) Win32::RemoveFile(beside);
     return m_lastError;
 }
 
@@ -119,13 +121,15 @@ UndoProgress UndoStore::OpenAtEnd(BatchRenameUndo& session) {
 
 UndoProgress UndoStore::Begin(const std::shared_ptr<BatchRenameUndo>& session) {
     session->isUnfinished = true;
-    for (;;) {
+    for (int attempt = 1;; ++attempt) {
         const uint32_t error = WriteFileOf(*session, false);
         if (error == ERROR_SUCCESS) {
             m_sessions.insert(m_sessions.begin(), session);
             return OpenAtEnd(*session);
         }
-        if (error != ERROR_ALREADY_EXISTS && error != ERROR_SHARING_VIOLATION) return {};
+        // A folder that somebody keeps shut must not keep the run waiting for ever.
+        const bool isHeld = error == ERROR_SHARING_VIOLATION && attempt < kMostAttempts;
+        if (error != ERROR_ALREADY_EXISTS && !isHeld) return {};
         // Another run of this second has the name. The session's own time counts on, because the clock may have been
         // set back.
         Sleep(static_cast<DWORD>(1000 - std::clamp(session->time.millisecond, 0, 999)));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <string>
 
 #include "fileutils/base64.h"
@@ -85,20 +86,18 @@ void Decode(QVUtils::DataReader& source, QVUtils::DataWriter& target) {
     if (!decoder.IsWhole()) throw QVUtilsException(ERROR_INVALID_DATA, "The Base64 text is cut off");
 }
 
-/// The name in the file's header, when it has one that can be used. "" also when the file cannot be read: converting it
-/// then says why.
-std::wstring NameFromHeaderOf(const std::wstring& path) try {
+/// The name in the file's header, when it has one that can be used; else "".
+/// @throws QVUtilsException when the file cannot be read: it must not be decoded under a name that is not its own
+std::wstring NameFromHeaderOf(const std::wstring& path) {
     QVUtils::FileDataReader reader(path);
     char bytes[kNameArea];
     const uint32_t size = ReadFully(reader, bytes, kNameArea);
     std::wstring name = Win32::FromCodePage(NameInHeader({bytes, size}), Win32::kThreadCodePage);
     return IsPlainFileName(name) ? name : std::wstring();
-} catch (const QVUtilsException&) {
-    return {};
 }
 
 /// ".b64" follows the whole name: a.txt and a.doc must not become one file, and a decoded file without a name in its
-/// header gets its own extension back.
+/// header gets its own extension back. @throws QVUtilsException
 std::wstring TargetOf(const std::wstring& path, bool encodes) {
     if (encodes) return path + L".b64";
     std::wstring name = NameFromHeaderOf(path);
@@ -114,36 +113,32 @@ void LogFailure(IHostServices& host, bool encodes, const std::wstring& path, con
 
 /// The source is open before the target is touched. What was written of a target stays when the rest fails: the bytes
 /// decoded so far may be all that is left of a damaged file.
-void Convert(IHostServices& host, bool encodes, const std::wstring& path, const std::wstring& target) {
-    try {
-        QVUtils::FileDataReader reader(path);
-        QVUtils::FileDataWriter writer;
-        writer.Open(target, true);
-        if (encodes)
-            Encode(reader, std::wstring(Win32::FileNameOf(path)), writer);
-        else
-            Decode(reader, writer);
-        writer.Close();
-    } catch (const QVUtilsException& error) {
-        LogFailure(host, encodes, path, error.what(), error.GetErrorCode());
-    }
+/// @throws QVUtilsException
+void Convert(bool encodes, const std::wstring& path, const std::wstring& target) {
+    QVUtils::FileDataReader reader(path);
+    QVUtils::FileDataWriter writer;
+    writer.Open(target, true);
+    if (encodes)
+        Encode(reader, std::wstring(Win32::FileNameOf(path)), writer);
+    else
+        Decode(reader, writer);
+    writer.Close();
 }
 
+/// @throws QVUtilsException
 void ConvertFile(IHostServices& host, bool encodes, const std::wstring& path) {
     const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
     if (!files || !files->Exists(path.c_str())) return;
     const std::wstring target = TargetOf(path, encodes);
     // By whatever name: writing the target would empty the file before it is read.
-    if (_wcsicmp(target.c_str(), path.c_str()) == 0 || Win32::IsSameFile(path, target)) {
-        LogFailure(host, encodes, path, "Source and target are the same file", ERROR_INVALID_PARAMETER);
-        return;
-    }
+    if (_wcsicmp(target.c_str(), path.c_str()) == 0 || Win32::IsSameFile(path, target))
+        throw QVUtilsException(ERROR_INVALID_PARAMETER, "Source and target are the same file");
     if (files->Exists(target.c_str())) {
-        const std::wstring question = FormatText(host.GetText(210_e), {target});
-        const wchar_t* const caption = host.GetText(encodes ? 2240_m : 2241_m);
+        const std::wstring question = FormatText(HostText(host, 210_e), {target});
+        const wchar_t* const caption = HostText(host, encodes ? 2240_m : 2241_m);
         if (host.MessageBox(question.c_str(), caption, MB_YESNO | MB_ICONQUESTION) != IDYES) return;
     }
-    Convert(host, encodes, path, target);
+    Convert(encodes, path, target);
 }
 
 }  // namespace
@@ -151,7 +146,16 @@ void ConvertFile(IHostServices& host, bool encodes, const std::wstring& path) {
 uint32_t RunBase64(IHostServices& host, uint32_t id) {
     const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Files);
     if (!list) return 1;
-    for (const std::wstring& path : PathsOf(*list)) ConvertFile(host, id == kEncodeId, path);
+    const bool encodes = id == kEncodeId;
+    for (const std::wstring& path : PathsOf(*list)) {
+        try {
+            ConvertFile(host, encodes, path);
+        } catch (const QVUtilsException& error) {
+            LogFailure(host, encodes, path, error.what(), error.GetErrorCode());
+        } catch (const std::bad_alloc&) {
+            LogFailure(host, encodes, path, "Out of memory", QVUtils::ErrorCode::OutOfMemory);
+        }
+    }
     return 1;
 }
 

@@ -107,7 +107,7 @@ uint32_t RunFindAndReplaceDialog(IHostServices& host, uint32_t) {
 
     FindReplaceSettings settings;
     LoadFindReplaceSettings(host.GetSettings(), settings);
-    Ui::FindAndReplaceDlg dialog([&](TextId id) { return host.GetText(id); }, PathsOf(*files),
+    Ui::FindAndReplaceDlg dialog([&](TextId id) { return HostText(host, id); }, PathsOf(*files),
                                  {settings.find, settings.replacement, settings.options, L""});
     const auto chosen = dialog.Show(host.GetMainWindow());
     if (!chosen) return 1;

@@ -22,7 +22,7 @@ bool AccountExists(const std::wstring& account) {
 std::optional<Ui::AccessChoice> AskForAccess(IHostServices& host, const std::wstring& account) {
     const auto texts = [&](TextId id) {
         // General words are not this extension's own: module 0 has them.
-        return static_cast<char>(id & 0xFF) == 'g' ? host.GetModuleText(0, id) : host.GetText(id);
+        return static_cast<char>(id & 0xFF) == 'g' ? host.GetModuleText(0, id) : HostText(host, id);
     };
     Ui::ChangeAccessDlg dialog(texts, account, AccountExists, PickAccount);
     const HWND active = GetActiveWindow();

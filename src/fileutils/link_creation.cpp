@@ -1,6 +1,7 @@
 #include "fileutils/link_creation.h"
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include <shlwapi.h>
@@ -57,8 +58,7 @@ public:
     NewFolders(const NewFolders&) = delete;
     NewFolders& operator=(const NewFolders&) = delete;
     ~NewFolders() {
-        for (auto path = m_made.rbegin(); path != m_made.rend(); ++path)
-            RemoveDirectoryW(Win32::ExtendedPath(*path).c_str());
+        for (auto path = m_made.rbegin(); path != m_made.rend(); ++path) RemoveDirectoryW(path->c_str());
     }
 
     /// Makes `path` and what is missing above it.
@@ -71,9 +71,12 @@ public:
             if (above.size() == folder.size()) break;
             folder = std::move(above);
         }
+        // Nothing is allocated between making a folder and knowing that it was made, nor when it is removed.
+        m_made.reserve(m_made.size() + missing.size());
         for (auto folder = missing.rbegin(); folder != missing.rend(); ++folder) {
-            if (!CreateDirectoryW(Win32::ExtendedPath(*folder).c_str(), nullptr)) return false;
-            m_made.push_back(*folder);
+            std::wstring made = Win32::ExtendedPath(*folder);
+            if (!CreateDirectoryW(made.c_str(), nullptr)) return false;
+            m_made.push_back(std::move(made));
         }
         return IsExistingFolder(path);
     }

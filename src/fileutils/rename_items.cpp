@@ -10,8 +10,8 @@ using namespace Quorvane::SDK;
 
 void AskAndRename(IHostServices& host, const std::vector<ItemRename>& renames) {
     if (renames.empty()) return;
-    const std::wstring question = FormatText(host.GetText(11_c), {static_cast<uint64_t>(renames.size())});
-    if (host.MessageBox(question.c_str(), host.GetText(10_c), MB_OKCANCEL | MB_ICONQUESTION) == IDCANCEL) return;
+    const std::wstring question = FormatText(HostText(host, 11_c), {static_cast<uint64_t>(renames.size())});
+    if (host.MessageBox(question.c_str(), HostText(host, 10_c), MB_OKCANCEL | MB_ICONQUESTION) == IDCANCEL) return;
     RenameItems(host, renames);
 }
 

@@ -15,7 +15,7 @@ uint32_t Reset(const std::wstring& path) {
 }  // namespace
 
 uint32_t RunResetAccess(IHostServices& host, uint32_t) {
-    if (host.MessageBox(host.GetText(251_d), host.GetText(250_d), MB_YESNO | MB_ICONINFORMATION) != IDYES) return 1;
+    if (host.MessageBox(HostText(host, 251_d), HostText(host, 250_d), MB_YESNO | MB_ICONINFORMATION) != IDYES) return 1;
     const SecuritySelection selection = GatherSecuritySelection(host);
     RunSecurityWork(host, selection,
                     {.requestId = kResetAccessRequest,

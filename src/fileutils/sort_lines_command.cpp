@@ -174,7 +174,7 @@ uint32_t RunSortLinesDialog(IHostServices& host, uint32_t) {
     SortRequest last;
     last.itemNumber = 1;  // until somebody asks for another item
     LoadSortLinesSettings(host.GetSettings(), last);
-    Ui::SortLinesDlg dialog([&](TextId id) { return host.GetText(id); }, PathsOf(*files), std::move(last));
+    Ui::SortLinesDlg dialog([&](TextId id) { return HostText(host, id); }, PathsOf(*files), std::move(last));
     auto chosen = dialog.Show(host.GetMainWindow());
     if (!chosen) return 1;
     SaveSortLinesSettings(host.GetSettings(), *chosen);

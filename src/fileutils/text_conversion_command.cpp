@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <new>
 #include <optional>
 
 #include "fileutils/text_conversion.h"
@@ -10,6 +11,7 @@
 #include "textio/data_reader.h"
 #include "textio/data_writer.h"
 #include "win32/files.h"
+#include "win32/path.h"
 #include "win32/windows.h"
 
 namespace FileUtils {
@@ -46,8 +48,8 @@ std::optional<uint32_t> AskForTabWidth(IHostServices& host) {
     if (!choices) return std::nullopt;
     for (uint32_t width = 1; width <= kLargestChoice; ++width) choices->AddChoice(std::to_wstring(width).c_str());
     ChoiceRequest request = {};
-    CopyText(host.GetText(16_c), request.prompt);
-    CopyText(host.GetText(17_c), request.title);
+    CopyText(HostText(host, 16_c), request.prompt);
+    CopyText(HostText(host, 17_c), request.title);
     request.choices = choices.get();
     request.position = kProposedChoice;
     if (!host.ShowChoiceDialog(&request)) return std::nullopt;
@@ -68,42 +70,57 @@ void ConvertBytes(QVUtils::DataReader& reader, TextConverter converter, QVUtils:
     }
 }
 
-/// Writes the converted form of `path` to `target`, which must not exist yet. Nothing of it stays when that fails.
-/// @throws QVUtilsException
-void ConvertInto(const std::wstring& path, const std::wstring& target, const TextConverter& converter) {
-    QVUtils::FileDataReader reader(path);
-    QVUtils::FileDataWriter writer;
-    writer.Open(target, false);
-    try {
-        ConvertBytes(reader, converter, writer);
-        writer.Close();
-        if (const uint32_t error = Win32::CopyStreams(path, target, Win32::NamedStreamsOf(path)))
-            throw QVUtilsException(error, "Unable to carry over the named streams");
-    } catch (...) {
-        writer.Abandon();
-        Win32::RemoveFile(target);
-        throw;
+/// The converted form of a file, under a name of its own beside it. Removed again unless it is to stay.
+class ConvertedForm {
+public:
+    explicit ConvertedForm(const std::wstring& path)
+        : m_path(Win32::ExtendedPath(path + L".temp" + std::to_wstring(std::time(nullptr)))) {}
+    ConvertedForm(const ConvertedForm&) = delete;
+    ConvertedForm& operator=(const ConvertedForm&) = delete;
+    ~ConvertedForm() {
+        m_writer.Abandon();
+        if (m_isOurs) Win32::RemoveFileAt(m_path.c_str());
     }
-}
+
+    const std::wstring& Path() const { return m_path; }
+    void Keep() { m_isOurs = false; }
+
+    /// @throws QVUtilsException, also when a file of that name is there
+    void Write(const std::wstring& path, const TextConverter& converter) {
+        QVUtils::FileDataReader reader(path);
+        m_isOurs = m_writer.Open(m_path, false);
+        ConvertBytes(reader, converter, m_writer);
+        m_writer.Close();
+        if (const uint32_t error = Win32::CopyStreams(path, m_path, Win32::NamedStreamsOf(path)))
+            throw QVUtilsException(error, "Unable to carry over the named streams");
+    }
+
+private:
+    std::wstring m_path;
+    QVUtils::FileDataWriter m_writer;
+    bool m_isOurs = false;
+};
 
 /// Converts one file. The converted form is complete on disk before the file is touched, and takes its place in one
 /// step of the system, so that at no moment there is neither. When the file cannot be replaced (it is in use, or
 /// read-only) both stay: the work is done, and whoever frees the file can put it in place.
-void ConvertFile(IHostServices& host, const std::wstring& path, const TextConverter& converter) {
-    const std::wstring temporary = path + L".temp" + std::to_wstring(std::time(nullptr));
-    try {
-        ConvertInto(path, temporary, converter);
-    } catch (const QVUtilsException& error) {
-        const std::string what = error.what();
-        host.Log(kLogLevel, LogKind::Failure, L"[Convert text] - Failed to convert file : %s ( %s, ErrorCode : %d )",
-                 path.c_str(), std::wstring(what.begin(), what.end()).c_str(), error.GetErrorCode());
-        return;
-    }
-    Win32::CarryOverAttributesAndAccess(path, temporary);
-    if (const uint32_t error = Win32::MoveFileOver(temporary, path))
+void ConvertFile(IHostServices& host, const std::wstring& path, const TextConverter& converter) try {
+    ConvertedForm converted(path);
+    converted.Write(path, converter);
+    Win32::CarryOverAttributesAndAccess(path, converted.Path());
+    const uint32_t error = Win32::MoveFileOver(converted.Path(), path);
+    converted.Keep();
+    if (error != ERROR_SUCCESS)
         host.Log(kLogLevel, LogKind::Failure,
                  L"[Convert text] - Failed to replace file : %s ( ErrorCode : %d ), its converted form is %s",
-                 path.c_str(), error, temporary.c_str());
+                 path.c_str(), error, converted.Path().c_str());
+} catch (const QVUtilsException& error) {
+    const std::string what = error.what();
+    host.Log(kLogLevel, LogKind::Failure, L"[Convert text] - Failed to convert file : %s ( %s, ErrorCode : %d )",
+             path.c_str(), std::wstring(what.begin(), what.end()).c_str(), error.GetErrorCode());
+} catch (const std::bad_alloc&) {
+    host.Log(kLogLevel, LogKind::Failure, L"[Convert text] - Failed to convert file : %s ( ErrorCode : %d )",
+             path.c_str(), QVUtils::ErrorCode::OutOfMemory);
 }
 
 }  // namespace
@@ -113,8 +130,8 @@ uint32_t RunTextConversion(IHostServices& host, uint32_t id) {
     if (row == std::end(kConversions)) return 0;
     const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Files);
     if (!list || list->GetCount() == 0) return 1;
-    const std::wstring question = FormatText(host.GetText(15_c), {list->GetCount()});
-    if (host.MessageBox(question.c_str(), host.GetText(14_c), MB_YESNO | MB_ICONQUESTION) != IDYES) return 1;
+    const std::wstring question = FormatText(HostText(host, 15_c), {list->GetCount()});
+    if (host.MessageBox(question.c_str(), HostText(host, 14_c), MB_YESNO | MB_ICONQUESTION) != IDYES) return 1;
     uint32_t tabWidth = 0;
     if (row->conversion == TextConversion::TabsToSpaces) {
         const std::optional<uint32_t> chosen = AskForTabWidth(host);

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "findreplace/wide_char.h"
 #include "textio/encoding.h"
 
 namespace QVFindAndReplace {
@@ -39,8 +40,8 @@ public:
     virtual void ReportErrorW(const wchar_t* text, uint32_t code) = 0;  // text may be null
     virtual void ReportErrorA(const char* text, uint32_t code) = 0;     // text may be null
     /// An Answer. `context` ends with a zero and holds the match with the lines around it.
-    virtual uint32_t ConfirmW(const wchar_t* context, QVUtils::EncodingKind kind, const Match& match,
-                              const wchar_t* replacement, uint32_t replacementLength) = 0;
+    virtual uint32_t ConfirmW(const WideChar* context, QVUtils::EncodingKind kind, const Match& match,
+                              const WideChar* replacement, uint32_t replacementLength) = 0;
     virtual uint32_t ConfirmA(const char* context, QVUtils::EncodingKind kind, const Match& match,
                               const char* replacement, uint32_t replacementLength) = 0;
     virtual bool IsCancelled() = 0;

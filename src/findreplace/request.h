@@ -7,17 +7,10 @@
 #include <vector>
 
 #include "findreplace/options.h"
+#include "findreplace/wide_char.h"
 #include "textio/encoding.h"
 
 namespace QVFindAndReplace {
-
-/// UTF-16 text of this platform.
-#ifdef _WIN32
-using WideChar = wchar_t;
-#else
-using WideChar = char16_t;
-#endif
-using WideString = std::basic_string<WideChar>;
 
 /// A text in a document's encoding; nothing when it holds a character that the encoding does not have.
 template <class CharT>

@@ -2,6 +2,7 @@
 
 #include "findreplace/find_and_replace_callback.h"
 #include "findreplace/process_file.h"
+#include "sdk/owners.h"
 #include "sdk/text_format.h"
 #include "textio/target_name.h"
 #include "win32/files.h"
@@ -26,7 +27,7 @@ public:
           m_options(run.request.GetOptions()),
           m_done(host.CreateFileList()),
           m_failed(host.CreateFileList()),
-          m_progress(host.OpenProgress(host.GetText(kTitleText), files.GetCount())) {}
+          m_progress(host.OpenProgress(HostText(host, kTitleText), files.GetCount())) {}
 
     RunResult Execute() {
         const uint32_t count = m_files.GetCount();
@@ -103,8 +104,8 @@ private:
         if (!Win32::Exists(target)) return TargetCheck::GoOn;
         const bool mayOverwrite = (m_options & Option::Overwrite) != 0;
         if (IsSilent() || mayOverwrite) return mayOverwrite ? TargetCheck::GoOn : TargetCheck::Skip;
-        const std::wstring question = FormatText(m_host.GetText(kOverwriteText), {target});
-        switch (m_host.MessageBox(question.c_str(), m_host.GetText(kTitleText), MB_YESNOCANCEL | MB_ICONQUESTION)) {
+        const std::wstring question = FormatText(HostText(m_host, kOverwriteText), {target});
+        switch (m_host.MessageBox(question.c_str(), HostText(m_host, kTitleText), MB_YESNOCANCEL | MB_ICONQUESTION)) {
             case IDYES: m_options |= Option::Overwrite; return TargetCheck::GoOn;
             case IDNO: return TargetCheck::Skip;
             default: m_result.isCancelled = true; return TargetCheck::GoOn;
@@ -113,8 +114,8 @@ private:
 
     void ShowSummary() {
         const TextId text = m_result.done == 1 ? kSummaryOneText : kSummaryManyText;
-        const std::wstring summary = FormatText(m_host.GetText(text), {m_result.changes, m_result.done});
-        m_host.MessageBox(summary.c_str(), m_host.GetText(kTitleText), MB_OK | MB_ICONINFORMATION);
+        const std::wstring summary = FormatText(HostText(m_host, text), {m_result.changes, m_result.done});
+        m_host.MessageBox(summary.c_str(), HostText(m_host, kTitleText), MB_OK | MB_ICONINFORMATION);
     }
 
     void LogLine(uint32_t kind, const wchar_t* format, const std::wstring& path) {

@@ -28,7 +28,7 @@ public:
         : m_host(host),
           m_files(files),
           m_request(std::move(request)),
-          m_title(host.GetText(kTitle)),
+          m_title(HostText(host, kTitle)),
           m_sorted(host.CreateFileList()),
           m_failed(host.CreateFileList()),
           m_skipped(host.CreateFileList()) {}
@@ -101,7 +101,7 @@ private:
         // run.
         if (m_request.Has(SortOption::Overwrite)) return TargetAnswer::Write;
         if (IsSilent()) return TargetAnswer::Skip;
-        const std::wstring question = FormatText(m_host.GetText(kOverwriteQuestion), {target});
+        const std::wstring question = FormatText(HostText(m_host, kOverwriteQuestion), {target});
         switch (m_host.MessageBox(question.c_str(), m_title.c_str(), MB_YESNOCANCEL | MB_ICONQUESTION)) {
             case IDYES: m_request.options |= SortOption::Overwrite; return TargetAnswer::Write;
             case IDNO: return TargetAnswer::Skip;
@@ -128,7 +128,7 @@ private:
     }
 
     void ShowSummary(TextId pattern, uint32_t number, uint32_t style) {
-        const std::wstring text = FormatText(m_host.GetText(pattern), {number});
+        const std::wstring text = FormatText(HostText(m_host, pattern), {number});
         m_host.MessageBox(text.c_str(), m_title.c_str(), style);
     }
 

@@ -1,5 +1,6 @@
 #include "linesorter/sort_file.h"
 
+#include <new>
 #include <optional>
 
 #include "linesorter/sort_key.h"
@@ -116,15 +117,27 @@ uint32_t SortOneFile(const std::wstring& source, const std::wstring& target, con
     }
 }
 
+/// The text is left out when there is no memory for it: the code says that much.
+SortFileResult FailureOf(uint32_t code, const char* text) noexcept {
+    SortFileResult result;
+    result.errorCode = code;
+    try {
+        result.errorText = text;
+    } catch (const std::bad_alloc&) {
+        result.errorText.clear();
+    }
+    return result;
+}
+
 }  // namespace
 
 SortFileResult SortFile(const std::wstring& source, const std::wstring& target, const SortRequest& request) noexcept {
     try {
         return {.errorCode = 0, .errorText = {}, .backupErrorCode = SortOneFile(source, target, request)};
     } catch (const QVUtils::QVUtilsException& failure) {
-        return {.errorCode = failure.GetErrorCode(), .errorText = failure.what(), .backupErrorCode = 0};
+        return FailureOf(failure.GetErrorCode(), failure.what());
     } catch (const std::exception& failure) {
-        return {.errorCode = ErrorCode::OutOfMemory, .errorText = failure.what(), .backupErrorCode = 0};
+        return FailureOf(ErrorCode::OutOfMemory, failure.what());
     }
 }
 

@@ -1,5 +1,7 @@
-// exports.cpp - the library's only door: three undecorated functions.
+// exports.cpp - the library's only door: three undecorated functions, and what the system calls when it loads it.
 #include "plugin/catalogue.h"
+#include "plugin/exception_reserve.h"
+#include "win32/windows.h"
 
 using namespace Quorvane::SDK;
 
@@ -15,6 +17,11 @@ IPluginInterface* Create(uint32_t index) {
 
 bool Delete(IPluginInterface* object, uint32_t index) {
     return Plugin::DeleteExtension(object, index);
+}
+
+BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
+    if (reason == DLL_PROCESS_ATTACH) Plugin::PrepareExceptionReserve();
+    return TRUE;
 }
 
 }  // extern "C"

@@ -1,6 +1,7 @@
 // boundary.h - nothing is thrown into the host: the one guard that every entry from outside goes through.
 #pragma once
 
+#include <exception>
 #include <utility>
 
 namespace Quorvane::SDK {
@@ -8,6 +9,9 @@ namespace Quorvane::SDK {
 /// Runs `body` and gives its result, or `onFailure` when anything at all is thrown in it (out of memory included).
 template <class Result, class Body>
 Result AtBoundary(Result onFailure, Body&& body) noexcept {
+    // The runtime keeps a record of exceptions for each thread and allocates it with the first use. Were that use the
+    // report of memory that has run out, it could not be reported: so the record is made now.
+    [[maybe_unused]] const volatile int underWay = std::uncaught_exceptions();
     try {
         return std::forward<Body>(body)();
     } catch (...) {

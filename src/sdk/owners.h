@@ -49,6 +49,12 @@ private:
     Service* m_service;
 };
 
+/// A text of the host's language file. A host gives one for every id; one that does not gets by with "".
+inline const wchar_t* HostText(IHostServices& services, TextId id) {
+    const wchar_t* const text = services.GetText(id);
+    return text ? text : L"";
+}
+
 /// The panel's selected items; null when the host cannot make a list. `flags`: SelectionFlags.
 Owned<IFileList> GatherSelection(IHostServices& services, uint32_t flags);
 

@@ -28,7 +28,8 @@ bool IsOrdinaryFile(const std::wstring& path) {
 /// safe only within one volume. @throws QVUtilsException what opening reports
 std::wstring OpenBeside(const std::wstring& path, FileDataWriter& file) {
     for (uint32_t number = GetTickCount();; ++number) {
-        std::wstring name = Win32::JoinPath(Win32::FolderOf(path), L"~qv" + std::to_wstring(number) + L".tmp");
+        std::wstring name =
+            Win32::ExtendedPath(Win32::JoinPath(Win32::FolderOf(path), L"~qv" + std::to_wstring(number) + L".tmp"));
         try {
             file.Open(name, false);
             return name;
@@ -42,7 +43,7 @@ std::wstring OpenBeside(const std::wstring& path, FileDataWriter& file) {
 
 FileReplacement::~FileReplacement() {
     m_file.Abandon();
-    if (m_isOurs) Win32::RemoveFileWhateverItsAttributes(m_path);
+    if (m_isOurs) Win32::RemoveFileAt(m_path.c_str());
 }
 
 void FileReplacement::Begin() {
@@ -55,8 +56,9 @@ void FileReplacement::Begin() {
         m_path = OpenBeside(path, m_file);
         m_isOurs = true;
     } else {
-        m_isOurs = m_file.Open(path, m_request.mayOverwrite);
-        m_path = path;
+        m_path = Win32::ExtendedPath(path);
+        // What was not seen a moment ago may still be there: it must not be emptied.
+        m_isOurs = m_file.Open(path, exists && m_request.mayOverwrite);
     }
     m_buffer.emplace(m_file);
 }

@@ -52,7 +52,7 @@ private:
     uint32_t MoveOver();
 
     ReplaceRequest m_request;
-    std::wstring m_path;    // what is written
+    std::wstring m_path;    // what is written, as the system takes it at any length
     bool m_isOurs = false;  // it was created here and is not complete yet
     bool m_isBeside = false;
     FileDataWriter m_file;

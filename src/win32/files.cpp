@@ -124,10 +124,15 @@ uint32_t RemoveFile(const std::wstring& path) {
 }
 
 uint32_t RemoveFileWhateverItsAttributes(const std::wstring& path) {
-    const uint32_t error = RemoveFile(path);
+    return RemoveFileAt(ExtendedPath(path).c_str());
+}
+
+uint32_t RemoveFileAt(const wchar_t* extendedPath) noexcept {
+    const auto remove = [&] { return WithRetries([&] { return DeleteFileW(extendedPath) != FALSE; }); };
+    const uint32_t error = remove();
     if (error != ERROR_ACCESS_DENIED) return error;
-    SetFileAttributesW(ExtendedPath(path).c_str(), FILE_ATTRIBUTE_NORMAL);
-    return RemoveFile(path);
+    SetFileAttributesW(extendedPath, FILE_ATTRIBUTE_NORMAL);
+    return remove();
 }
 
 bool IsSameFile(const std::wstring& left, const std::wstring& right) {

@@ -17,6 +17,9 @@ uint32_t MoveFileTo(const std::wstring& from, const std::wstring& to);    // fai
 uint32_t MoveFileOver(const std::wstring& from, const std::wstring& to);  // replaces a file at `to`
 uint32_t RemoveFile(const std::wstring& path);                            // as it stands
 uint32_t RemoveFileWhateverItsAttributes(const std::wstring& path);       // read-only ones too
+/// The same for a path in the form of ExtendedPath. Allocates nothing: what a failure leaves is removed even when the
+/// failure is that memory has run out.
+uint32_t RemoveFileAt(const wchar_t* extendedPath) noexcept;
 
 /// True when both paths lead to the same file on disk (another spelling, a hard link, a link to it). False when either
 /// cannot be opened.

@@ -147,6 +147,17 @@ private:
     Win32::KernelHandle m_process;
 };
 
+TEST(MessagePipe, AdmitsOneClientAndThisUserAlone) {
+    MessagePipe server;
+    const std::wstring name = RandomPipeName();
+    ASSERT_EQ(server.Create(name), 0u);
+    MessagePipe client;
+    ASSERT_EQ(client.Open(name), 0u);
+    const HANDLE second = CreateFileW(name.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_PIPE_BUSY});
+    EXPECT_EQ(second, INVALID_HANDLE_VALUE);
+}
+
 TEST(ElevatedServer, RefusesMalformedMessagesAndGoesOn) {
     ElevatedServer server;
     const Bytes fields = SampleFields();

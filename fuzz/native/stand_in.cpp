@@ -1,0 +1,44 @@
+// stand_in.cpp - what the cores ask of the system, answered by this platform.
+#include <pthread.h>
+
+#include <cwctype>
+
+#include "win32/code_page.h"
+#include "win32/files.h"
+#include "win32/stack.h"
+#include "win32/windows.h"
+
+int LCMapStringW(DWORD, DWORD flags, const wchar_t* from, int length, wchar_t* to, int) {
+    for (int at = 0; at < length; ++at) {
+        const auto unit = static_cast<std::wint_t>(from[at]);
+        to[at] = static_cast<wchar_t>(flags == LCMAP_UPPERCASE ? std::towupper(unit) : std::towlower(unit));
+    }
+    return length;
+}
+
+namespace Win32 {
+
+const char* StackFloor(size_t reserve) {
+    static thread_local const char* low = nullptr;
+    if (!low) {
+        pthread_attr_t attributes;
+        void* address = nullptr;
+        size_t size = 0;
+        pthread_getattr_np(pthread_self(), &attributes);
+        pthread_attr_getstack(&attributes, &address, &size);
+        pthread_attr_destroy(&attributes);
+        low = static_cast<const char*>(address);
+    }
+    return low + reserve;
+}
+
+bool Exists(const std::wstring&) {
+    return false;
+}
+
+/// Byte by byte: decoding well is the system's affair.
+std::wstring FromCodePage(std::string_view text, uint32_t) {
+    return {text.begin(), text.end()};
+}
+
+}  // namespace Win32

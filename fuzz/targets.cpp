@@ -1,0 +1,34 @@
+#include "fuzz/targets.h"
+
+namespace QVFuzz {
+namespace {
+
+constexpr Target kTargets[] = {
+    {"encoding", RunEncoding},
+    {"document", RunDocument},
+    {"matching", RunMatching},
+    {"wildcard", RunWildcard},
+    {"sort-keys", RunSortKeys},
+    {"date-keys", RunDateKeys},
+    {"name-template", RunNameTemplate},
+    {"search-and-replace", RunSearchAndReplace},
+    {"rename-plan", RunRenamePlan},
+    {"undo-session", RunUndoSession},
+    {"base64", RunBase64},
+    {"mime-header", RunMimeHeader},
+    {"text-conversion", RunTextConversion},
+    {"stream-records", RunStreamRecords},
+    {"junction", RunJunction},
+#ifdef _WIN32
+    {"profiles", RunProfiles},
+    {"elevated-request", RunElevatedRequest},
+#endif
+};
+
+}  // namespace
+
+std::span<const Target> Targets() {
+    return kTargets;
+}
+
+}  // namespace QVFuzz

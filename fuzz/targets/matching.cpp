@@ -1,0 +1,182 @@
+// Find and replace in all modes of plain text: against the position rule carried out character by character.
+#include "findreplace/matching.h"
+
+#include <vector>
+
+#include "fuzz/input.h"
+
+namespace QVFuzz {
+namespace {
+
+using namespace QVFindAndReplace;
+
+constexpr size_t kMostChanges = 2000;  // of the reference; replacements that feed on each other are not compared
+
+template <class CharT>
+using Text = std::basic_string<CharT>;
+
+struct TooMuch {};
+
+/// The first place of `item` in `text` from `from` on; npos: none.
+template <class CharT>
+size_t FindPlainly(const Text<CharT>& text, size_t from, const Text<CharT>& item, bool ignoreCase) {
+    const auto fold = [&](CharT unit) {
+        return ignoreCase && sizeof(CharT) == 2 && unit >= 'A' && unit <= 'Z' ? static_cast<CharT>(unit + 32) : unit;
+    };
+    if (!ignoreCase) {
+        for (; from + item.size() <= text.size(); ++from) {
+            if (text.compare(from, item.size(), item) == 0) return from;
+            if (text[from] == 0) return Text<CharT>::npos;
+        }
+        return Text<CharT>::npos;
+    }
+    size_t matched = 0;
+    for (; from < text.size(); ++from) {
+        matched = fold(text[from]) == fold(item[matched]) ? matched + 1 : 0;
+        if (matched == item.size()) return from + 1 - matched;
+    }
+    return Text<CharT>::npos;
+}
+
+template <class CharT>
+uint32_t ApplyPlainly(std::vector<Text<CharT>>& lines, const Text<CharT>& item, const Text<CharT>& replacement,
+                      bool ignoreCase) {
+    uint32_t changes = 0;
+    if (item.empty()) return 0;
+    for (Text<CharT>& line : lines) {
+        for (size_t position = 0; position <= line.size();) {
+            const size_t at = FindPlainly(line, position, item, ignoreCase);
+            if (at == Text<CharT>::npos) break;
+            line.replace(at, item.size(), replacement);
+            position = at + item.size();
+            if (++changes > kMostChanges) throw TooMuch();
+        }
+    }
+    return changes;
+}
+
+/// Text of lines without an LF inside, each ended by LF.
+template <class CharT>
+std::vector<Text<CharT>> CutPlainly(const Text<CharT>& text) {
+    std::vector<Text<CharT>> lines;
+    for (size_t at = 0; at < text.size();) {
+        const size_t end = std::min(text.find(CharT('\n'), at), text.size());
+        lines.push_back(text.substr(at, end - at));
+        at = end + 1;
+    }
+    return lines;
+}
+
+class Narrowing {
+public:
+    Converted<char> operator()(const WideString& text, QVUtils::EncodingKind) const {
+        std::string narrow;
+        for (const WideChar unit : text) {
+            if (unit > 0xFF) return std::nullopt;
+            narrow += static_cast<char>(unit);
+        }
+        return narrow;
+    }
+};
+
+/// Answers the questions of a run with the fuzzer's bytes, and looks at what it is shown.
+class Answers final : public IFindAndReplaceCallback {
+public:
+    explicit Answers(std::string answers) : m_answers(std::move(answers)) {}
+    void SetCurrentFile(const wchar_t*) override {}
+    void EndOfFile() override {}
+    void ReportErrorW(const wchar_t*, uint32_t) override {}
+    void ReportErrorA(const char*, uint32_t) override {}
+    uint32_t ConfirmW(const WideChar* context, QVUtils::EncodingKind, const Match& match, const WideChar*,
+                      uint32_t) override {
+        return Answer(std::basic_string_view<WideChar>(context).size(), match);
+    }
+    uint32_t ConfirmA(const char* context, QVUtils::EncodingKind, const Match& match, const char*, uint32_t) override {
+        return Answer(std::string_view(context).size(), match);
+    }
+    bool IsCancelled() override { return false; }
+
+private:
+    uint32_t Answer(size_t contextSize, const Match& match) {
+        // A zero in the text ends what can be measured here.
+        if (contextSize >= match.contextOffset) Require(match.startLine <= match.endLine, "a match runs forwards");
+        if (m_next == m_answers.size()) return Answer::ReplaceAll;
+        return static_cast<uint8_t>(m_answers[m_next++]) % 6;
+    }
+
+    std::string m_answers;
+    size_t m_next = 0;
+};
+
+bool SharesALetter(std::string_view left, std::string_view right) {
+    return std::ranges::any_of(left, [&](char unit) {
+        const auto other = static_cast<char>((unit | 0x20) >= 'a' && (unit | 0x20) <= 'z' ? unit ^ 0x20 : unit);
+        return unit != '\n' && (right.find(unit) != right.npos || right.find(other) != right.npos);
+    });
+}
+
+template <class CharT>
+void Match(uint32_t options, const std::string& find, const std::string& replacement, const std::string& text,
+           const std::string& answers) {
+    const auto wideFind = Widened<WideChar>(find);
+    const auto wideReplacement = Widened<WideChar>(replacement);
+    const Exact<CharT> document(Widened<CharT>(text));
+    Request request(options, wideFind, wideReplacement, Narrowing());
+    // What the plain way can do: modes within lines, texts that are the same in every encoding.
+    const bool isAscii =
+        std::ranges::all_of(find + replacement, [](char unit) { return static_cast<uint8_t>(unit) < 0x80; });
+    const bool isPlain = request.GetMode() != Mode::Multiline && isAscii && !request.FindFault() && answers.empty() &&
+                         (find + replacement + text).find('\r') == std::string::npos;
+    // Without the plain way nothing tells beforehand whether a replacement feeds on itself up to a bound of millions.
+    if (!isPlain && SharesALetter(find, replacement)) return;
+    auto lines = CutPlainly<CharT>(Text<CharT>(document.View()));
+    uint32_t expected = 0;
+    const bool ignoreCase = (options & Option::IgnoreCase) != 0;
+    try {
+        if (isPlain) {
+            auto items = CutPlainly<CharT>(Widened<CharT>(find));
+            auto with = CutPlainly<CharT>(Widened<CharT>(replacement));
+            if (request.GetMode() == Mode::None) items = {Widened<CharT>(find)}, with = {Widened<CharT>(replacement)};
+            if (request.GetMode() == Mode::One) items.resize(1);
+            if (with.empty()) with = {Text<CharT>()};
+            for (size_t at = 0; at < items.size(); ++at)
+                expected +=
+                    ApplyPlainly(lines, items[at], request.GetMode() == Mode::Many ? with[at] : with[0], ignoreCase);
+        }
+    } catch (const TooMuch&) {
+        return;
+    }
+    TextDocumentT<CharT> target(sizeof(CharT) == 1 ? QVUtils::EncodingKind::CodePage : QVUtils::EncodingKind::Utf16);
+    target.GetLines().Reset(document.View());
+    Answers callback(answers);
+    try {
+        const uint32_t changes = FindAndReplace(target, request, answers.empty() ? nullptr : &callback);
+        if (!isPlain) return;
+        Require(changes == expected, "as many changes as the plain way");
+        const uint32_t count = target.GetLines().GetCount();
+        Require(changes == 0 || count == lines.size(), "as many lines");
+        for (uint32_t line = 0; changes > 0 && line < count; ++line)
+            Require(target.GetLines().GetLine(line) == std::basic_string_view<CharT>(lines[line]), "the same text");
+    } catch (const QVUtils::QVUtilsException&) {
+        // A replacement is refused that would be found in itself; a bounded end says that it would not have been.
+        Require(!isPlain, "what ends is not refused");
+    }
+}
+
+}  // namespace
+
+void RunMatching(Bytes bytes) {
+    if (bytes.size() > 4096) return;
+    Input input(bytes);
+    constexpr uint32_t kModes[] = {0, Option::ModeOne, Option::ModeMany, Option::ModeManySame, Option::ModeMultiline};
+    const uint8_t shape = input.Byte();
+    const uint32_t options = kModes[shape % 8 % 5] | (shape & 8 ? Option::IgnoreCase : 0);
+    const std::string find = input.Text();
+    const std::string replacement = input.Text();
+    const std::string answers = input.Text();
+    const std::string text(input.Rest());
+    Match<char>(options, find, replacement, text, answers);
+    Match<WideChar>(options, find, replacement, text, answers);
+}
+
+}  // namespace QVFuzz

@@ -1,0 +1,121 @@
+// kills_test.cpp - the host is killed in the middle of each command that writes: every original is there under its own
+// name or its backup's, and a rename can be undone.
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "host/elevated_channel.h"
+#include "reliability/writing_commands.h"
+#include "win32/handle.h"
+
+namespace {
+
+using namespace QVTest;
+
+constexpr DWORD kPatience = 20000;  // milliseconds
+
+int KillCount() {
+    wchar_t text[16] = {};
+    return GetEnvironmentVariableW(L"QV_KILLS", text, 16) > 0 ? _wtoi(text) : 1;
+}
+
+Win32::KernelHandle Start(std::vector<std::wstring> arguments) {
+    arguments.insert(arguments.begin(), QV_HOST_PROGRAM);
+    std::wstring line = QVHost::QuoteArguments(arguments);
+    STARTUPINFOW start = {};
+    start.cb = sizeof(start);
+    PROCESS_INFORMATION started = {};
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW | DETACHED_PROCESS, nullptr,
+                        nullptr, &start, &started))
+        ADD_FAILURE() << "the host does not start, error " << GetLastError();
+    const Win32::KernelHandle thread(started.hThread);
+    return Win32::KernelHandle(started.hProcess);
+}
+
+/// Runs a command to its end. The time that this took, in milliseconds.
+DWORD RunToEnd(std::vector<std::wstring> arguments) {
+    const ULONGLONG begin = GetTickCount64();
+    const Win32::KernelHandle process = Start(std::move(arguments));
+    EXPECT_EQ(WaitForSingleObject(process.Get(), kPatience), WAIT_OBJECT_0);
+    return static_cast<DWORD>(GetTickCount64() - begin);
+}
+
+/// Long texts, so that a kill has something to meet.
+WritingCommand Enlarged(WritingCommand command) {
+    for (auto& [name, content] : command.files) {
+        const bool isText = name.ends_with(L".txt");
+        for (int doubled = 0; isText && doubled < 17; ++doubled) content += content;
+    }
+    return command;
+}
+
+}  // namespace
+
+class Kills : public testing::TestWithParam<WritingCommand> {};
+
+TEST_P(Kills, LoseNothing) {
+    const WritingCommand command = Enlarged(GetParam());
+    Contents done;
+    DWORD time = 0;
+    {
+        const WorkFolder work(command);
+        time = RunToEnd(work.Arguments());
+        done = work.Read();
+        ASSERT_TRUE(done != command.files);
+    }
+    static std::mt19937 random(std::random_device{}());
+    for (int count = KillCount(); count > 0; --count) {
+        const WorkFolder work(command);
+        const Win32::KernelHandle process = Start(work.Arguments());
+        // When the kill comes is chance, and whether the command was done before: both are right.
+        const DWORD moment = random() % (time + 1);
+        WaitForSingleObject(process.Get(), moment);
+        TerminateProcess(process.Get(), 1);
+        ASSERT_EQ(WaitForSingleObject(process.Get(), kPatience), WAIT_OBJECT_0);
+        const Contents now = work.Read();
+        std::vector<std::wstring> names;
+        for (const auto& entry : now) names.push_back(entry.first);
+        for (const auto& [name, content] : command.files) {
+            const bool isTarget = name.find(L"_2") != std::wstring::npos;
+            const auto holds = [&](const std::wstring& at, const std::string& wanted) {
+                return now.contains(at) && now.at(at) == wanted;
+            };
+            bool isSafe = isTarget || holds(name, content) || holds(name + L".bak", content) ||
+                          (done.contains(name) && holds(name, done.at(name)));
+            // A renamed file is under its new name.
+            for (const auto& entry : now) isSafe = isSafe || (!done.contains(name) && entry.second == content);
+            EXPECT_TRUE(isSafe) << "killed after " << moment << " of " << time
+                                << " ms: " << std::string(name.begin(), name.end()) << " is lost among "
+                                << testing::PrintToString(names);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, Kills, testing::ValuesIn(WritingCommands()),
+                         [](const auto& instance) { return "Command" + std::to_string(instance.index); });
+
+TEST(KillsOfRenaming, CanBeUndone) {
+    WritingCommand command = {"rename", {L"rename", L"--name", L"[C2,1,3]", L"--extension", L""}, {}};
+    for (int number = 1; number <= 60; ++number) {
+        const std::wstring name = std::wstring(number < 10 ? L"00" : L"0") + std::to_wstring(number);
+        command.files[name] = std::string(name.begin(), name.end());
+    }
+    DWORD time = 0;
+    {
+        const WorkFolder work(command);
+        time = RunToEnd(work.Arguments());
+        ASSERT_TRUE(work.Read() != command.files);
+    }
+    static std::mt19937 random(std::random_device{}());
+    for (int count = KillCount(); count > 0; --count) {
+        const WorkFolder work(command);
+        const Win32::KernelHandle process = Start(work.Arguments());
+        const DWORD moment = random() % (time + 1);
+        WaitForSingleObject(process.Get(), moment);
+        TerminateProcess(process.Get(), 1);
+        ASSERT_EQ(WaitForSingleObject(process.Get(), kPatience), WAIT_OBJECT_0);
+        // Without a session nothing was begun; with one everything comes back.
+        RunToEnd({L"--config", work.Settings().Path(), L"undo", L"restore", L"last"});
+        EXPECT_EQ(work.Read(), command.files) << "killed after " << moment << " of " << time << " ms";
+    }
+}

@@ -1,0 +1,46 @@
+// writing_commands.h - every command that writes files, with files to work on: the list that all tests of failures
+// walk.
+#pragma once
+
+#include <map>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "support/temporary_folder.h"
+
+namespace QVTest {
+
+using Contents = std::map<std::wstring, std::string>;  // of a folder, by name
+
+struct WritingCommand {
+    const char* name;
+    std::vector<std::wstring> arguments;  // of the host; "{folder}" stands for the folder of the files
+    Contents files;                       // all names that belong to one file begin with the same letter
+    /// What is left when the last step fails, beside the file as it was; its name is logged.
+    const wchar_t* keptBeside = nullptr;
+};
+
+const std::vector<WritingCommand>& WritingCommands();
+inline void PrintTo(const WritingCommand& command, std::ostream* out) {
+    *out << command.name;
+}
+
+/// The command's files in a folder of their own, and what a host is to be told to work on them.
+class WorkFolder {
+public:
+    explicit WorkFolder(const WritingCommand& command);
+
+    const std::wstring& Path() const { return m_folder.Path(); }
+    std::vector<std::wstring> Arguments() const;
+    Contents Read() const;
+    /// The folder with the host's settings.
+    const TemporaryFolder& Settings() const { return m_settings; }
+
+private:
+    const WritingCommand& m_command;
+    TemporaryFolder m_folder;
+    TemporaryFolder m_settings;
+};
+
+}  // namespace QVTest
