@@ -26,7 +26,9 @@ std::wstring ErrorOf(const RuleDefinition& rule) {
 }  // namespace
 
 const wchar_t* BatchRenameMainFrame::Text(Quorvane::SDK::TextId id) const {
-    return m_around.services ? m_around.services->GetModuleText(m_around.context.hostValue, id) : L"";
+    const wchar_t* const text =
+        m_around.services ? m_around.services->GetModuleText(m_around.context.hostValue, id) : nullptr;
+    return text ? text : L"";
 }
 
 void BatchRenameMainFrame::OnButton(int id) {

@@ -47,7 +47,9 @@ ActivationContext::ActivationContext() {
 }
 
 ActivationContext::~ActivationContext() {
-    if (m_isActive) DeactivateActCtx(0, m_cookie);
+    // Where a failure has left a context of the system's above ours, that one goes too: the system would end the
+    // process for it otherwise.
+    if (m_isActive) DeactivateActCtx(DEACTIVATE_ACTCTX_FLAG_FORCE_EARLY_DEACTIVATION, m_cookie);
     if (m_context != INVALID_HANDLE_VALUE) ReleaseActCtx(m_context);
 }
 
