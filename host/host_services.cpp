@@ -97,10 +97,11 @@ IPanelView::Items HostServices::FocusedGroup() const {
 bool HostServices::MarkFiles(const FileList& list, uint32_t kind) {
     const wchar_t* const word = WordOfMark(kind);
     if (!word) return false;
-    const Tone tone = kind == MarkKind::Failed ? Tone::Failure : Tone::Note;
     for (const std::shared_ptr<FileItem>& item : list.Items()) {
-        m_state.output.Note(word + item->Path(), tone);
-        if (m_state.panel) m_state.panel->MarkFile(item->Path(), kind);
+        if (m_state.panel)
+            m_state.panel->MarkFile(item->Path(), kind);
+        else
+            m_state.output.Note(word + item->Path());
     }
     if (kind == MarkKind::Failed) m_state.failedCount += static_cast<uint32_t>(list.Items().size());
     return true;

@@ -36,7 +36,7 @@ std::wstring GroupedNumber(uint64_t number) {
     GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_STHOUSAND, separator, static_cast<int>(std::size(separator)));
     std::wstring text = std::to_wstring(number);
     for (size_t at = text.size(); at > 3;) text.insert(at -= 3, separator);
-    return text;
+    return text + L" ";  // the last digit keeps its distance from the edge of the column
 }
 
 /// Date and time as the user writes them, in local time.

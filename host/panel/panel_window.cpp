@@ -28,6 +28,7 @@ enum Message : UINT { kValuesHere = WM_APP + 1, kLinesHere, kFolderChanged, kSho
 
 constexpr int kMargin = 6;  // these are pixels at 96 to the inch
 constexpr int kBarHeight = 24;
+constexpr int kFieldHeight = 20;
 constexpr int kButtonWidth = 64;
 constexpr int kLabelWidth = 56;
 constexpr int kWidth = 980;
@@ -113,7 +114,8 @@ void PanelWindow::Open(const std::wstring& path) {
     m_content.emplace(m_frame, m_session, m_look);
     Layout();
     GoTo(path);
-    m_before.clear();
+    m_before.clear();  // there is no way back before the first folder
+    ShowAddress();
     m_isOpen = true;
     ShowWindow(m_frame, SW_SHOWDEFAULT);
     SetFocus(m_content->list.Window());
@@ -202,7 +204,10 @@ void PanelWindow::Layout() const {
     place(m_content->back, button);
     place(m_content->up, button);
     place(m_content->label, label);
-    place(m_content->address, std::max(0, static_cast<int>(area.right) - margin - x));
+    // A field of one line shows its text at the top: it is made as high as the text needs.
+    const int field = m_look.Scaled(kFieldHeight);
+    MoveWindow(m_content->address, x, margin + (bar - field) / 2,
+               std::max(0, static_cast<int>(area.right) - margin - x), field, TRUE);
     const int top = bar + 2 * margin;
     const int height = std::max(0, static_cast<int>(area.bottom - (status.bottom - status.top)) - top);
     const int log = height / kLogShare;
