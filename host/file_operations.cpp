@@ -100,6 +100,12 @@ bool FileOperations::GetPropertyText(const wchar_t* path, const wchar_t* name, c
     });
 }
 
+bool FileOperations::GetPropertyName(uint32_t index, wchar_t* buffer, uint32_t capacity) {
+    const wchar_t* const name = PropertyName(index);
+    if (name) CopyText(name, buffer, capacity);
+    return name != nullptr;
+}
+
 uint32_t FileOperations::Report(const RenameRow& row) {
     const std::wstring what = row.path + L" -> " + row.newName;
     if (row.error == ERROR_SUCCESS) {

@@ -53,6 +53,7 @@ public:
     /// Knows the host's own properties (property_texts.h) and, by their keys, the columns of providers.
     bool GetPropertyText(const wchar_t* path, const wchar_t* name, const wchar_t* format, wchar_t* buffer,
                          uint32_t capacity) override;
+    bool GetPropertyName(uint32_t index, wchar_t* buffer, uint32_t capacity) override;
 
 private:
     uint32_t Report(const RenameRow& row);

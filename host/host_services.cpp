@@ -14,6 +14,7 @@ using namespace Quorvane::SDK;
 
 constexpr uint32_t kDone = 1;
 constexpr uint32_t kRefused = 0;
+constexpr uint32_t kFirstExtensionCommand = 30000;  // below are the host's own
 
 /// What stands before a path in the list of marked files; null for a kind that is none.
 const wchar_t* WordOfMark(uint32_t kind) {
@@ -70,8 +71,12 @@ const wchar_t* HostServices::GetModuleText(uint16_t module, TextId id) {
     return Guarded(L"", [&] { return m_state.texts.Find(m_state.texts.SectionOf(module), id); });
 }
 
-uint32_t HostServices::RunHostCommand(uint32_t command, IFileList* list, uint32_t flags, uintptr_t) {
+uint32_t HostServices::RunHostCommand(uint32_t command, IFileList* list, uint32_t flags, uintptr_t value) {
     return Guarded(kRefused, [&] {
+        if (command >= kFirstExtensionCommand) {
+            m_state.commandQueue.Put({m_extension, command, value});
+            return kDone;
+        }
         if (command == HostCommand::HasFocusedItem) return FocusedGroup().empty() ? kRefused : kDone;
         const std::shared_ptr<FileList> known = m_state.files.FindList(list);
         if (!known) return kRefused;

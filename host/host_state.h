@@ -10,6 +10,7 @@
 #include "host/answers.h"
 #include "host/choice_list.h"
 #include "host/column_values.h"
+#include "host/command_queue.h"
 #include "host/custom_commands.h"
 #include "host/elevated_channel.h"
 #include "host/file_objects.h"
@@ -44,6 +45,7 @@ struct HostState {
 
     MenuModel menus = {};
     CustomCommandTable customCommands = {};
+    CommandQueue commandQueue = {};                            // what extensions ask for from their own threads
     std::map<uint32_t, PropertyColumns> propertyColumns = {};  // by extension
     ColumnValues columns = {};
     FileObjects files = {};  // above everything that holds items

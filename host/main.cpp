@@ -14,6 +14,8 @@
 
 namespace {
 
+constexpr size_t kErrorBufferSize = 4096;  // bytes
+
 std::atomic<bool> g_isInterrupted = false;
 
 /// The first Ctrl+C asks the run to stop; the second ends the process, as it would without this.
@@ -76,6 +78,8 @@ std::wstring ProgramPath() {
 
 int wmain(int count, wchar_t** words) {
     for (std::FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
+    // Notes are flushed one by one; without a buffer each of their bytes would be a call of the system.
+    std::setvbuf(stderr, nullptr, _IOFBF, kErrorBufferSize);
     SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
     std::vector<std::wstring> arguments(words + 1, words + count);
     if (arguments.empty() && IsStartedAsWindow()) {

@@ -52,6 +52,10 @@ constexpr Property kProperties[] = {
 
 }  // namespace
 
+const wchar_t* PropertyName(size_t index) {
+    return index < std::size(kProperties) ? kProperties[index].name : nullptr;
+}
+
 std::optional<std::wstring> PropertyText(const std::wstring& path, const std::wstring& name,
                                          const std::wstring& format) {
     for (const Property& property : kProperties) {

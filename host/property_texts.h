@@ -17,6 +17,9 @@ namespace QVHost {
 std::optional<std::wstring> PropertyText(const std::wstring& path, const std::wstring& name,
                                          const std::wstring& format);
 
+/// The name of a property, counted from 0; null beyond the last.
+const wchar_t* PropertyName(size_t index);
+
 /// `format` filled in; see above. The fields of the time are taken as they are.
 struct DateParts {
     int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;

@@ -7,6 +7,7 @@
 #include "host/elevated_server.h"
 #include "host/host_error.h"
 #include "host/listings.h"
+#include "host/message_pump.h"
 #include "host/nearest_name.h"
 #include "host/panel/panel_command.h"
 #include "host/rename_command.h"
@@ -100,6 +101,9 @@ int RunCommand(Session& session, const HostOptions& options, std::istream& in) {
         throw UsageError(L"\"" + options.operands.front() + L"\" is no command id (qvhost menus lists them)");
     Select(state, {options.operands.begin() + 1, options.operands.end()}, options.filesFrom, in);
     const bool handled = session.RunCommand(id);
+    // An extension may have opened a window that works by itself: this command ends with it.
+    const std::atomic<bool>* const isCancelled = state.progressWatch.isCancelled;
+    PumpWhile(session, [&] { return HasWindowsOfOtherThreads() && !(isCancelled && *isCancelled); });
     if (!handled) state.output.Note(L"qvhost: no extension handles the command " + std::to_wstring(id));
     return StatusOf(state, handled, 0);
 }

@@ -459,16 +459,20 @@ void XmlDocument::Indent() {
     if (root) IndentChildren(root.Get(), L"\n");
 }
 
-XmlService::XmlService(Shelf<XmlService>& shelf, Output& output)
-    : m_shelf(shelf), m_output(output), m_hasCom(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+XmlService::XmlService(Shelf<XmlService>& shelf, Output& output) : m_shelf(shelf), m_output(output) {}
 
 XmlService::~XmlService() {
     m_documents.Clear();  // before COM goes
     if (m_hasCom) CoUninitialize();
 }
 
+void XmlService::StartCom() {
+    if (!m_hasCom) m_hasCom = SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED));
+}
+
 Quorvane::SDK::IXmlDocument* XmlService::CreateDocument() {
     return Guarded<Quorvane::SDK::IXmlDocument*>(nullptr, [&]() -> Quorvane::SDK::IXmlDocument* {
+        StartCom();
         ComPtr<IXMLDOMDocument2> document = NewDocument();
         if (!document) return nullptr;
         ComPtr<IXMLDOMProcessingInstruction> declaration;
@@ -482,17 +486,18 @@ Quorvane::SDK::IXmlDocument* XmlService::CreateDocument() {
 Quorvane::SDK::IXmlDocument* XmlService::Load(const wchar_t* path, uint32_t) {
     return Guarded<Quorvane::SDK::IXmlDocument*>(nullptr, [&]() -> Quorvane::SDK::IXmlDocument* {
         if (!path || !*path) return nullptr;
+        const Bstr source(FullUserPath(path));
+        std::string bytes;
+        if (ReadWholeFile(std::wstring(source.View()), bytes) != ERROR_SUCCESS) return nullptr;
+        StartCom();
         ComPtr<IXMLDOMDocument2> document = NewDocument();
         if (!document) return nullptr;
-        const Bstr source(FullUserPath(path));
         VARIANT_BOOL isLoaded = VARIANT_FALSE;
         if (document->load(TextVariant(source), &isLoaded) != S_OK || isLoaded != VARIANT_TRUE) {
             const std::wstring fault = FaultOf(document.Get(), std::wstring(source.View()));
             if (!fault.empty()) m_output.Note(L"[xml] " + std::wstring(source.View()) + L", " + fault);
             return nullptr;
         }
-        std::string bytes;
-        if (ReadWholeFile(std::wstring(source.View()), bytes) != ERROR_SUCCESS) return nullptr;
         return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document), EncodingOf(bytes)));
     });
 }

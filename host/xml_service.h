@@ -35,9 +35,13 @@ public:
     void Release() override;
 
 private:
+    /// Not before there is a document to work on: starting it makes windows, and an extension that looks whether a file
+    /// is there should not make everybody wait for that.
+    void StartCom();
+
     Shelf<XmlService>& m_shelf;
     Output& m_output;
-    bool m_hasCom;
+    bool m_hasCom = false;
     Shelf<XmlDocument> m_documents;
 };
 

@@ -1,8 +1,7 @@
 #include "host/panel/panel_command.h"
 
-#include <algorithm>
-
 #include "host/host_error.h"
+#include "host/message_pump.h"
 #include "host/panel/panel_window.h"
 #include "host/unix_paths.h"
 #include "win32/handle.h"
@@ -36,21 +35,6 @@ bool IsProcessElevated() {
            elevation.TokenIsElevated != 0;
 }
 
-bool IsEaten(Session& session, MSG& message) {
-    return std::ranges::any_of(session.Extensions(), [&](const auto& extension) {
-        return extension->Commands() && extension->Commands()->PreTranslateMessage(&message, 0);
-    });
-}
-
-void PumpWhileOpen(Session& session, PanelWindow& panel) {
-    MSG message = {};
-    while (panel.IsOpen() && GetMessageW(&message, nullptr, 0, 0) > 0) {
-        if (IsEaten(session, message) || panel.PreTranslate(message)) continue;
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
-}
-
 }  // namespace
 
 int RunPanel(Session& session, const HostOptions& options) {
@@ -61,7 +45,8 @@ int RunPanel(Session& session, const HostOptions& options) {
     PanelWindow panel(session);
     session.StartExtensions();
     panel.Open(FullUserPath(options.operands.empty() ? L"." : options.operands.front()));
-    PumpWhileOpen(session, panel);
+    PumpWhile(
+        session, [&] { return panel.IsOpen(); }, [&](MSG& message) { return panel.PreTranslate(message); });
     return ExitStatus::Done;
 }
 

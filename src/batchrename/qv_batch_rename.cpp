@@ -2,6 +2,9 @@
 
 #include <utility>
 
+#include "batchrename/extension_state.h"
+#include "batchrename/gui_thread.h"
+#include "batchrename/row_collection.h"
 #include "sdk/boundary.h"
 #include "sdk/extension_info.h"
 
@@ -11,12 +14,24 @@ using namespace Quorvane::SDK;
 
 namespace {
 
-constexpr uint32_t kRenameCommand = 31000;
 constexpr uint32_t kRenameCommandFlags = 0x201;
 constexpr TextId kMenuText = 2006_m;
 constexpr TextId kRenameCommandText = 10_c;
 
+// Milliseconds.
+constexpr DWORD kPauseAtStart = 1000;
+constexpr DWORD kWaitAtShutdown = 5000;
+constexpr DWORD kWaitAtDeletion = 4000;
+
 }  // namespace
+
+QVBatchRename::QVBatchRename() : m_state(std::make_shared<ExtensionState>()) {}
+
+QVBatchRename::~QVBatchRename() {
+    if (!m_guiThread) return;
+    AskToClose();
+    m_guiThread->Wait(kWaitAtDeletion);
+}
 
 uint32_t QVBatchRename::Init(IHostServices* services) {
     return AtBoundary(0u, [&] {
@@ -37,16 +52,81 @@ uint32_t QVBatchRename::GetType() {
 }
 
 uint32_t QVBatchRename::SetHost(IHostServices* services) {
-    m_services = services;
+    return AtBoundary(1u, [&] {
+        m_services = services;
+        m_state->services = services;
+        m_state->profiles.Load(services);
+        return 1u;
+    });
+}
+
+bool QVBatchRename::PreTranslateMessage(MSG* message, uint32_t) {
+    return AtBoundary(false, [&] {
+        if (!message || m_guiThreadId == 0 || GetCurrentThreadId() != m_guiThreadId) return false;
+        BatchRenameMainFrame* const frame = BatchRenameMainFrame::Of(m_state->window);
+        return frame && frame->PreTranslate(*message);
+    });
+}
+
+uint32_t QVBatchRename::OnCommand(uint32_t id, uintptr_t first, uintptr_t second) {
+    return AtBoundary(0u, [&] {
+        switch (id) {
+            case kCommandShutdown: return Shutdown();
+            case kRenameCommand: return OpenWindow();
+            case kCollectCommand: {
+                CollectRows();
+                // The event comes in either value; the other is 0.
+                const auto event = reinterpret_cast<HANDLE>(second != 0 ? second : first);
+                if (event) SetEvent(event);
+                return 1u;
+            }
+            default: return 0u;  // kCommandIdle too
+        }
+    });
+}
+
+uint32_t QVBatchRename::OpenWindow() {
+    if (!m_services) return 0;
+    // A window that was closed has ended its thread.
+    if (m_guiThread && m_guiThread->HasEnded()) m_guiThread.reset();
+    if (const HWND window = m_state->window) PostMessageW(window, WM_COMMAND, kRenameCommand, 0);
+    m_state->hostCallback.Acquire(*m_services);
+    RuleContext& context = m_state->Context();
+    CollectRows();
+    context.hostValue = m_services->GetTextModule(kExtensionId);
+    if (m_guiThread) return 1;
+    m_guiThread = std::make_unique<BatchRenameGUIThread>(m_state);
+    // A fixed pause and no handshake, on purpose: it must stay. Whoever runs the command counts on finding the window's
+    // thread past its beginning when the command returns, and a handshake would hang with a thread that hangs.
+    Sleep(kPauseAtStart);
+    m_guiThreadId = m_guiThread->Id();
     return 1;
 }
 
-uint32_t QVBatchRename::OnCommand(uint32_t id, uintptr_t, uintptr_t) {
-    return AtBoundary(0u, [&] { return id == kCommandShutdown ? Shutdown() : 0u; });
+void QVBatchRename::CollectRows() {
+    if (!m_services) return;
+    m_state->rows.Put(BatchRename::CollectRows(*m_services));
+    if (m_guiThread) PostThreadMessageW(m_guiThread->Id(), kOwnerMessage, 0, 0);
+}
+
+void QVBatchRename::AskToClose() {
+    m_state->isClosing = true;
+    SetEvent(m_state->closing.Get());
+    m_state->Context().isStopped = true;
+    if (const HWND window = m_state->window) PostMessageW(window, WM_CLOSE, 0, 0);
+    PostThreadMessageW(m_guiThread->Id(), WM_QUIT, 0, 0);
 }
 
 uint32_t QVBatchRename::Shutdown() {
     return AtBoundary(0u, [&] {
+        m_state->hostCallback.Release();
+        // The window's thread cannot wait for itself.
+        if (m_guiThreadId != 0 && GetCurrentThreadId() == m_guiThreadId) return 0u;
+        if (m_guiThread) {
+            AskToClose();
+            m_guiThread->Wait(kWaitAtShutdown);
+            m_guiThread.reset();
+        }
         if (IHostServices* const services = std::exchange(m_services, nullptr)) services->Release();
         return 0u;
     });

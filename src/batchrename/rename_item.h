@@ -34,6 +34,7 @@ struct BatchRenameItem {
     bool isFolder = false;
     RuleFault fault = RuleFault::None;
     uint32_t state = RowState::Ready;
+    uint32_t hostOrder = 0;  // its place in the host's selection
 };
 
 using RenameItems = std::vector<std::shared_ptr<BatchRenameItem>>;

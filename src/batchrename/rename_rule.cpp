@@ -78,6 +78,11 @@ bool RenameRule::Compute(BatchRenameItem& row) {
     return true;
 }
 
+bool RenameRule::UsesCounter() const {
+    const auto counts = [](const Token& token) { return token.kind == TokenKind::Counter; };
+    return std::ranges::any_of(m_nameTokens, counts) || std::ranges::any_of(m_extensionTokens, counts);
+}
+
 void RenameRule::AppendToken(Token& token, const BatchRenameItem& row, std::wstring& text) {
     switch (token.kind) {
         case TokenKind::Literal: text += token.text; break;

@@ -58,6 +58,9 @@ public:
     /// RowState::Restore is left alone.
     bool Compute(BatchRenameItem& row);
 
+    /// True when a name depends on how many rows were computed before it.
+    bool UsesCounter() const;
+
 private:
     void AppendToken(Token& token, const BatchRenameItem& row, std::wstring& text);
     void AppendCounter(Token& token, std::wstring& text);

@@ -78,6 +78,7 @@ private:
                 return false;
             }
             m_run.m_outcomes[move.row].name = move.to;
+            if (m_run.m_around.onStep) m_run.m_around.onStep();
             ++m_doneCount;
             return true;
         }

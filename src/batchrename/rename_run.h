@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,7 @@ struct RunSurroundings {
     ListFolder list;
     UndoStore* journal = nullptr;                  // null: the run is not recorded
     const std::atomic<bool>* isStopped = nullptr;  // looked at between rows, never inside a ring
+    std::function<void()> onStep = {};             // after each rename that the host has carried out
 };
 
 /// Lists a folder of this machine.

@@ -57,6 +57,7 @@ public:
 
     /// Windows error code of the last file operation that failed.
     uint32_t LastError() const { return m_lastError; }
+    void ForgetError() { m_lastError = 0; }
 
 private:
     std::wstring PathOf(BatchRenameUndo& session);

@@ -309,7 +309,7 @@ public:
         : m_simulation(Compiler<CharT>(pattern, ignoreCase).Compile(), ignoreCase), m_ignoreCase(ignoreCase) {
         if (pattern.find(CharT('{')) == View::npos) CutAtStars(pattern);
         for (const Segment<CharT>& segment : m_segments)
-            if (segment.Run().size() > m_literal.size()) m_literal = segment.Run();
+            if (segment.Run().size() > (m_sign ? m_sign->Run().size() : 0)) m_sign = &segment;
     }
 
     bool Find(View text, Span& found) override {
@@ -318,10 +318,9 @@ public:
     }
 
     const CharT* FindCandidate(View lines) const override {
-        const CharT* const end = lines.data() + lines.size();
-        if (m_literal.empty()) return lines.data();
-        const CharT* const at = FindSequence(lines.data(), end, m_literal.data(), m_literal.size(), m_ignoreCase);
-        return at == end ? nullptr : at;
+        if (!m_sign) return lines.data();
+        const size_t at = m_sign->FindFirst(lines, 0);
+        return at == View::npos ? nullptr : lines.data() + at;
     }
 
     bool NeverEndsWith(View) override { return false; }
@@ -367,7 +366,8 @@ private:
     Simulation<CharT> m_simulation;
     const bool m_ignoreCase;
     std::vector<Segment<CharT>> m_segments;  // empty when the pattern has counts
-    std::basic_string<CharT> m_literal;      // the longest run of characters that every hit's line must hold
+    const Segment<CharT>* m_sign =
+        nullptr;  // the one with the longest run of characters: every hit's line must hold it
 };
 
 }  // namespace

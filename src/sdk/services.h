@@ -129,6 +129,9 @@ public:
     /// IFileItem; `format` may be "". False when the host knows no such property.
     virtual bool GetPropertyText(const wchar_t* path, const wchar_t* name, const wchar_t* format, wchar_t* buffer,
                                  uint32_t capacity) = 0;
+    /// slot 69: this library's choice. The name of a property, counted from 0, for GetPropertyText. False beyond the
+    /// last.
+    virtual bool GetPropertyName(uint32_t index, wchar_t* buffer, uint32_t capacity) = 0;
 
 protected:
     ~IFileOperations() = default;

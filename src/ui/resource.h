@@ -94,7 +94,7 @@
 #define IDC_NAME_PREVIEW_LABEL 1408
 
 // Create links.
-#define IDD_CREATE_LINKS       104
+#define IDD_CREATE_LINKS       110
 #define IDC_LINK_KIND          1500
 #define IDC_LINK_FOLDER        1501
 #define IDC_LINK_TARGETS       1502
@@ -106,7 +106,7 @@
 #define IDC_LINK_NAME_LABEL    1508
 
 // Add file access. "Grant Permissions" is IDOK.
-#define IDD_CHANGE_ACCESS        105
+#define IDD_CHANGE_ACCESS        111
 #define IDC_ACCESS_NOTE          1600
 #define IDC_ACCESS_ACCOUNT       1601
 #define IDC_ACCESS_FIND          1602

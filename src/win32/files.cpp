@@ -1,9 +1,10 @@
 #include "win32/files.h"
 
-#include <cstring>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "win32/handle.h"
 #include "win32/path.h"
@@ -66,43 +67,41 @@ std::optional<FileIdentity> IdentityOf(const std::wstring& path) {
     return FileIdentity{information.dwVolumeSerialNumber, information.nFileIndexHigh, information.nFileIndexLow};
 }
 
-/// A file's own access list, in memory of the descriptor.
-struct AccessList {
-    LocalMemory descriptor;
-    PACL list = nullptr;
-    bool isProtected = false;  // it takes nothing from the folder's
-};
+/// A file's access list within its descriptor, as the system gives it out; empty when it cannot be read.
+std::vector<std::byte> AccessListOf(const std::wstring& path) {
+    constexpr DWORD kUsualSize = 1024;
+    std::vector<std::byte> descriptor(kUsualSize);
+    DWORD size = 0;
+    const auto read = [&] {
+        return GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, descriptor.data(),
+                                static_cast<DWORD>(descriptor.size()), &size) != FALSE;
+    };
+    bool isRead = read();
+    if (!isRead && size > descriptor.size()) {
+        descriptor.resize(size);
+        isRead = read();
+    }
+    if (!isRead) return {};
+    descriptor.resize(GetSecurityDescriptorLength(descriptor.data()));
+    return descriptor;
+}
 
-std::optional<AccessList> AccessListOf(const std::wstring& path) {
-    AccessList access;
-    PSECURITY_DESCRIPTOR raw = nullptr;
-    if (GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &access.list,
-                              nullptr, &raw) != ERROR_SUCCESS)
-        return std::nullopt;
-    access.descriptor.Reset(raw);
+void CarryOverAccess(const std::wstring& from, std::wstring to) {
+    std::vector<std::byte> wanted = AccessListOf(from);
+    // Mostly the new file has what it needs from its folder already: then nothing is written.
+    if (wanted.empty() || wanted == AccessListOf(to)) return;
     SECURITY_DESCRIPTOR_CONTROL control = 0;
     DWORD revision = 0;
-    if (!GetSecurityDescriptorControl(raw, &control, &revision)) return std::nullopt;
-    access.isProtected = (control & SE_DACL_PROTECTED) != 0;
-    return access;
-}
-
-bool AreEqual(const AccessList& left, const AccessList& right) {
-    if (!left.list || !right.list) return !left.list && !right.list;
-    return left.isProtected == right.isProtected && left.list->AclSize == right.list->AclSize &&
-           std::memcmp(left.list, right.list, left.list->AclSize) == 0;
-}
-
-/// Mostly the new file has what it needs from its folder already: then nothing is written.
-void CarryOverAccess(const std::wstring& from, std::wstring to) {
-    const std::optional<AccessList> wanted = AccessListOf(from);
-    if (!wanted) return;
-    const std::optional<AccessList> present = AccessListOf(to);
-    if (present && AreEqual(*wanted, *present)) return;
+    BOOL isPresent = FALSE;
+    BOOL isDefault = FALSE;
+    PACL list = nullptr;
+    if (!GetSecurityDescriptorControl(wanted.data(), &control, &revision) ||
+        !GetSecurityDescriptorDacl(wanted.data(), &isPresent, &list, &isDefault) || !isPresent)
+        return;
     const SECURITY_INFORMATION inheritance =
-        wanted->isProtected ? PROTECTED_DACL_SECURITY_INFORMATION : UNPROTECTED_DACL_SECURITY_INFORMATION;
-    SetNamedSecurityInfoW(to.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION | inheritance, nullptr, nullptr,
-                          wanted->list, nullptr);
+        control & SE_DACL_PROTECTED ? PROTECTED_DACL_SECURITY_INFORMATION : UNPROTECTED_DACL_SECURITY_INFORMATION;
+    SetNamedSecurityInfoW(to.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION | inheritance, nullptr, nullptr, list,
+                          nullptr);
 }
 
 }  // namespace
@@ -125,6 +124,8 @@ uint32_t RemoveFile(const std::wstring& path) {
 }
 
 uint32_t RemoveFileWhateverItsAttributes(const std::wstring& path) {
+    const uint32_t error = RemoveFile(path);
+    if (error != ERROR_ACCESS_DENIED) return error;
     SetFileAttributesW(ExtendedPath(path).c_str(), FILE_ATTRIBUTE_NORMAL);
     return RemoveFile(path);
 }

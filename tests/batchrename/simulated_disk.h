@@ -69,6 +69,7 @@ public:
     Quorvane::SDK::IRenameBatch* CreateRenameBatch() override { return nullptr; }
     void EndRenameBatch(Quorvane::SDK::IRenameBatch*) override {}
     uint32_t CommitRenameBatch(Quorvane::SDK::IRenameBatch*, uint32_t) override { return 0; }
+    bool GetPropertyName(uint32_t, wchar_t*, uint32_t) override { return false; }
     bool GetPropertyText(const wchar_t*, const wchar_t*, const wchar_t*, wchar_t*, uint32_t) override { return false; }
 
 private:

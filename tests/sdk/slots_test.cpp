@@ -112,6 +112,7 @@ TEST(Slots, OfFilesAndServices) {
     EXPECT_SLOT(IFileOperations, CommitRenameBatch, 66);
     EXPECT_SLOT(IFileOperations, RenameRows, 67);
     EXPECT_SLOT(IFileOperations, GetPropertyText, 68);
+    EXPECT_SLOT(IFileOperations, GetPropertyName, 69);
     EXPECT_SLOT(IRenameResultCallback, OnRenameStarting, 0);
     EXPECT_SLOT(IRenameResultCallback, OnRenameResult, 1);
     EXPECT_SLOT(IRenameBatch, AddRename, 1);

@@ -1,0 +1,57 @@
+#include "batchrename/extension_state.h"
+
+#include <utility>
+
+#include "win32/path.h"
+
+namespace BatchRename {
+
+using namespace Quorvane::SDK;
+
+namespace {
+
+constexpr uint32_t kFolderCapacity = 4096;  // units
+constexpr wchar_t kUndoFolder[] = L"Undo";
+
+}  // namespace
+
+void RowMailbox::Put(RowSnapshot rows) {
+    const std::lock_guard lock(m_lock);
+    m_rows = std::move(rows);
+}
+
+RowSnapshot RowMailbox::Take() {
+    const std::lock_guard lock(m_lock);
+    return std::exchange(m_rows, nullptr);
+}
+
+void HostCallback::Acquire(IHostServices& services) {
+    const std::lock_guard lock(m_lock);
+    if (!m_service)
+        m_service = std::make_unique<AcquiredService<IFolderRefresh>>(services, ServiceNumber::FolderRefresh);
+}
+
+void HostCallback::Release() {
+    const std::lock_guard lock(m_lock);
+    m_service.reset();
+}
+
+void HostCallback::RefreshFolders(const std::vector<std::wstring>& folders) {
+    const std::lock_guard lock(m_lock);
+    if (!m_service || !*m_service) return;
+    for (const std::wstring& folder : folders) (*m_service)->RefreshFolder(folder.c_str());
+}
+
+RuleContext& ExtensionState::Context() {
+    const std::lock_guard lock(contextLock);
+    if (ruleContext) return *ruleContext;
+    auto context = std::make_shared<RuleContext>();
+    std::wstring folder(kFolderCapacity, L'\0');
+    if (services) services->GetConfigurationFolder(folder.data(), kFolderCapacity);
+    folder.resize(std::char_traits<wchar_t>::length(folder.c_str()));
+    if (!folder.empty()) context->undo.SetFolder(Win32::JoinPath(folder, kUndoFolder));
+    ruleContext = std::move(context);
+    return *ruleContext;
+}
+
+}  // namespace BatchRename

@@ -1,0 +1,60 @@
+// extension_state.h - what the extension object and its GUI thread share. Each holds it: should the thread not end in
+// time, it still finds everything it uses.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+
+#include "batchrename/preview.h"
+#include "batchrename/profiles.h"
+#include "batchrename/rule_context.h"
+#include "sdk/owners.h"
+#include "win32/handle.h"
+
+namespace BatchRename {
+
+class BatchRenameMainFrame;
+
+/// The rows that the host handed over last. Written by the host's thread, taken by the GUI thread.
+class RowMailbox {
+public:
+    void Put(RowSnapshot rows);
+    /// Null when they were taken before.
+    RowSnapshot Take();
+
+private:
+    std::mutex m_lock;
+    RowSnapshot m_rows;
+};
+
+/// The host's service that is told which folders have changed. The host's thread gives it back first of all when it
+/// shuts down; the GUI thread uses it only while it is there.
+class HostCallback {
+public:
+    void Acquire(Quorvane::SDK::IHostServices& services);
+    void Release();
+    void RefreshFolders(const std::vector<std::wstring>& folders);
+
+private:
+    std::mutex m_lock;
+    std::unique_ptr<Quorvane::SDK::AcquiredService<Quorvane::SDK::IFolderRefresh>> m_service;
+};
+
+struct ExtensionState {
+    Quorvane::SDK::IHostServices* services = nullptr;  // set before the thread begins
+    HostCallback hostCallback;
+    RowMailbox rows;
+    ProfileStore profiles;                     // loaded by the host's thread, afterwards the GUI thread's
+    std::mutex contextLock;                    // of the next one, until the GUI thread has a window
+    std::shared_ptr<RuleContext> ruleContext;  // made by the first who needs it
+    std::atomic<HWND> window = nullptr;        // null while there is none
+    std::atomic<bool> isClosing = false;
+    Win32::KernelHandle closing{CreateEventW(nullptr, TRUE, FALSE, nullptr)};     // set with isClosing
+    Win32::KernelHandle collected{CreateEventW(nullptr, FALSE, FALSE, nullptr)};  // the selection was collected again
+
+    /// Makes the rule context when there is none: with the journal in the host's configuration folder.
+    RuleContext& Context();
+};
+
+}  // namespace BatchRename

@@ -1,0 +1,152 @@
+#include "batchrename/gui_thread.h"
+
+#include "batchrename/qv_batch_rename.h"
+#include "ui/activation_context.h"
+
+#include <objbase.h>
+
+namespace BatchRename {
+namespace {
+
+constexpr DWORD kCollectPatience = 3000;  // milliseconds for the host to collect the selection again
+
+/// One apartment, for the host's XML service and what dialogs of the system need.
+class ComApartment {
+public:
+    ComApartment() : m_isReady(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+    ~ComApartment() {
+        if (m_isReady) CoUninitialize();
+    }
+    ComApartment(const ComApartment&) = delete;
+    ComApartment& operator=(const ComApartment&) = delete;
+
+private:
+    bool m_isReady;
+};
+
+/// The thread's side of things: everything in it is made, used and ended on the GUI thread.
+class GuiSide final : public IMessageFilter {
+public:
+    explicit GuiSide(std::shared_ptr<ExtensionState> state) : m_state(std::move(state)) {}
+
+    void Run() {
+        SwitchToThread();  // the starter gets on with its pause first
+        MSG message = {};
+        PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);  // from here on a quit message finds a queue
+        const DWORD id = GetCurrentThreadId();
+        ModuleMessageLoops().Add(id, m_loop);
+        m_loop.AddFilter(*this);
+        {
+            const ComApartment apartment;
+            ShowFrame();
+        }
+        ModuleMessageLoops().Remove(id);
+    }
+
+    bool OnThreadMessage(MSG& message) override {
+        // Timers of the thread and of the frame end here, on purpose: nothing in this window goes by a timer, and a
+        // host's own hooks must not make it. Those of the controls are the system's: buttons fade by them.
+        if (message.message == WM_TIMER && (!message.hwnd || message.hwnd == m_frame->GetWindow())) return true;
+        if (!message.hwnd && message.message == kOwnerMessage) {
+            OnOwnerMessage(message.wParam, message.lParam);
+            return true;
+        }
+        return m_frame->PreTranslate(message);
+    }
+
+private:
+    void ShowFrame() {
+        const Ui::ActivationContext controls;
+        RuleContext& context = m_state->Context();
+        m_frame = std::make_unique<BatchRenameMainFrame>(FrameSurroundings{
+            .services = m_state->services,
+            .context = context,
+            .profiles = m_state->profiles,
+            .isClosing = m_state->isClosing,
+            .collectRows = [this] { return CollectRows(); },
+            .takeRows = [this] { TakeRows(); },
+            .onRenamed =
+                [this](const std::vector<std::wstring>& folders) { m_state->hostCallback.RefreshFolders(folders); }});
+        // A shutdown that came before the queue was there sent its quit message to nobody.
+        if (!m_state->isClosing) {
+            m_frame->Create();
+            m_state->window = m_frame->GetWindow();
+            TakeRows();
+            m_loop.Run();
+        }
+        m_state->window = nullptr;
+        m_frame.reset();
+    }
+
+    void OnOwnerMessage(WPARAM, LPARAM) { TakeRows(); }
+
+    void TakeRows() {
+        if (!m_frame->GetWindow() || !m_frame->CanTakeRows()) return;
+        if (RowSnapshot rows = m_state->rows.Take()) m_frame->SetRows(std::move(rows));
+    }
+
+    /// Has the host's thread collect the selection, since the host's objects are that thread's.
+    bool CollectRows() {
+        ResetEvent(m_state->collected.Get());
+        const auto event = reinterpret_cast<uintptr_t>(m_state->collected.Get());
+        if (m_state->services->RunHostCommand(kCollectCommand, nullptr, 0, event) == 0) return false;
+        // Sent messages are let in while this waits: the host's thread may be sending one right now.
+        const HANDLE events[] = {m_state->collected.Get(), m_state->closing.Get()};
+        const ULONGLONG end = GetTickCount64() + kCollectPatience;
+        for (ULONGLONG now = GetTickCount64(); now < end; now = GetTickCount64()) {
+            const DWORD woken =
+                MsgWaitForMultipleObjects(2, events, FALSE, static_cast<DWORD>(end - now), QS_SENDMESSAGE);
+            if (woken != WAIT_OBJECT_0 + 2) return woken == WAIT_OBJECT_0;
+            MSG message = {};
+            PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+        }
+        return false;
+    }
+
+    std::shared_ptr<ExtensionState> m_state;
+    MessageLoop m_loop;
+    std::unique_ptr<BatchRenameMainFrame> m_frame;
+};
+
+struct StartOfThread {
+    std::shared_ptr<ExtensionState> state;
+    HMODULE module = nullptr;
+};
+
+DWORD WINAPI RunGuiThread(void* parameter) {
+    HMODULE module = nullptr;
+    {
+        const std::unique_ptr<StartOfThread> start(static_cast<StartOfThread*>(parameter));
+        module = start->module;
+        try {
+            GuiSide(start->state).Run();
+        } catch (...) {
+            // The window could not be made, or memory has run out. The host goes on without it.
+            using namespace Quorvane::SDK;
+            start->state->services->Log(kLogLevel, LogKind::Failure, L"[Batch Rename] - The window cannot be opened");
+        }
+    }
+    // Nothing of ours is on the stack any more.
+    FreeLibraryAndExitThread(module, 0);
+}
+
+}  // namespace
+
+BatchRenameGUIThread::BatchRenameGUIThread(std::shared_ptr<ExtensionState> state) {
+    auto start = std::make_unique<StartOfThread>();
+    start->state = std::move(state);
+    if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCWSTR>(&RunGuiThread),
+                            &start->module))
+        return;
+    m_thread.Reset(CreateThread(nullptr, 0, RunGuiThread, start.get(), 0, &m_id));
+    if (m_thread)
+        static_cast<void>(start.release());  // the thread's
+    else
+        FreeLibrary(start->module);
+}
+
+bool BatchRenameGUIThread::Wait(DWORD milliseconds) const {
+    return !m_thread || WaitForSingleObject(m_thread.Get(), milliseconds) == WAIT_OBJECT_0;
+}
+
+}  // namespace BatchRename

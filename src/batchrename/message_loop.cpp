@@ -1,0 +1,38 @@
+#include "batchrename/message_loop.h"
+
+#include <algorithm>
+
+namespace BatchRename {
+
+void MessageLoop::Run() {
+    MSG message = {};
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+        const bool isEaten =
+            std::ranges::any_of(m_filters, [&](IMessageFilter* filter) { return filter->OnThreadMessage(message); });
+        if (isEaten) continue;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+void MessageLoopTable::Add(DWORD thread, MessageLoop& loop) {
+    const std::lock_guard lock(m_lock);
+    m_loops[thread] = &loop;
+}
+
+void MessageLoopTable::Remove(DWORD thread) {
+    const std::lock_guard lock(m_lock);
+    m_loops.erase(thread);
+}
+
+size_t MessageLoopTable::Count() {
+    const std::lock_guard lock(m_lock);
+    return m_loops.size();
+}
+
+MessageLoopTable& ModuleMessageLoops() {
+    static MessageLoopTable table;
+    return table;
+}
+
+}  // namespace BatchRename

@@ -1,0 +1,46 @@
+#include "batchrename/row_collection.h"
+
+#include "sdk/owners.h"
+#include "win32/windows.h"
+
+namespace BatchRename {
+
+using namespace Quorvane::SDK;
+
+namespace {
+
+constexpr uint32_t kLongestPath = 32768;  // units, with the closing zero
+
+std::wstring_view WithoutSeparator(std::wstring_view folder) {
+    while (folder.size() > 3 && (folder.ends_with(L'\\') || folder.ends_with(L'/'))) folder.remove_suffix(1);
+    return folder;
+}
+
+}  // namespace
+
+RowSnapshot CollectRows(IHostServices& services) {
+    RenameItems rows;
+    if (const Owned<IFileList> list = GatherSelection(services, SelectionFlags::Names)) {
+        const uint32_t count = list->GetCount();
+        rows.reserve(count);
+        std::wstring buffer(kLongestPath, L'\0');  // one for all: there may be a hundred thousand
+        for (uint32_t index = 0; index < count; ++index) {
+            IFileItem* const item = list->GetItem(index);
+            if (!item) continue;
+            auto row = std::make_shared<BatchRenameItem>();
+            buffer[0] = L'\0';
+            item->GetName(buffer.data(), kLongestPath);
+            row->currentName = buffer.c_str();
+            buffer[0] = L'\0';
+            item->GetLocation(buffer.data(), kLongestPath);
+            row->location = WithoutSeparator(buffer.c_str());
+            const uint32_t attributes = item->GetAttributes();
+            row->isFolder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+            row->hostOrder = index;
+            if (!row->currentName.empty()) rows.push_back(std::move(row));
+        }
+    }
+    return std::make_shared<const RenameItems>(std::move(rows));
+}
+
+}  // namespace BatchRename

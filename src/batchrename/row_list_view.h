@@ -1,0 +1,72 @@
+// row_list_view.h - the list control over a RowList: an owner-data list, so it holds no text and no row of its own, and
+// a hundred thousand rows cost it nothing. Draws the new names with their changed part in bold.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "batchrename/row_icons.h"
+#include "batchrename/row_list.h"
+#include "batchrename/row_order.h"
+
+namespace BatchRename {
+
+struct FontTraits {
+    using Raw = HFONT;
+    static Raw Empty() noexcept { return nullptr; }
+    static void Close(Raw raw) noexcept { DeleteObject(raw); }
+};
+using FontHandle = Win32::UniqueHandle<FontTraits>;
+
+class RowListView {
+public:
+    struct Owner {
+        std::function<void(RowKey)> onHeader;
+        std::function<void()> onRemove;         // of the selected rows
+        std::function<void(bool isUp)> onMove;  // of the selected rows
+    };
+    RowListView(const RowList& rows, Owner owner) : m_rows(rows), m_owner(std::move(owner)) {}
+
+    /// @throws std::system_error
+    void Create(HWND parent, int id, HFONT font);
+    HWND GetWindow() const { return m_window; }
+
+    /// The rows, or what is known of them, are others: their number, and all that is on the screen, is taken anew.
+    void Refresh();
+    /// The header over the new names tells when they are not up to date.
+    void ShowOutdated(bool isOutdated);
+    void ShowOrder(const RowOrder& order);
+    void Recolour();
+
+    struct Range {
+        size_t first = 0;
+        size_t count = 0;
+    };
+    Range VisibleRows() const;
+    /// By row, true for the selected ones.
+    std::vector<bool> SelectedRows() const;
+    void Select(const std::vector<bool>& isSelected);
+    /// Goes to the next or previous row with a problem; false when there is none.
+    bool GoToProblem(bool isBack);
+    void SelectAll();
+    void CopySelection() const;
+
+    /// The answer to a WM_NOTIFY of this list; nothing when the default is wanted.
+    std::optional<LRESULT> OnNotify(NMHDR& header);
+
+private:
+    void FillItem(LVITEMW& item) const;
+    void OnKey(WORD key);
+    LRESULT FindByText(const NMLVFINDITEMW& search) const;
+    LRESULT OnDraw(NMLVCUSTOMDRAW& draw);
+    void DrawNewName(HDC context, size_t place);
+
+    const RowList& m_rows;
+    Owner m_owner;
+    HWND m_window = nullptr;
+    ImageListHandle m_icons;
+    FontHandle m_bold;
+};
+
+}  // namespace BatchRename

@@ -1,0 +1,73 @@
+#include "batchrename/run_controller.h"
+
+#include <utility>
+
+#include "sdk/owners.h"
+#include "win32/windows.h"
+
+namespace BatchRename {
+
+using namespace Quorvane::SDK;
+
+namespace {
+
+constexpr ULONGLONG kProgressPause = 100;  // milliseconds between two words about progress
+
+}  // namespace
+
+RunController::RunController(IHostServices* services, std::atomic<bool>& isStopped,
+                             std::function<void(uint32_t)> onProgress, std::function<void()> onEnd)
+    : m_services(services), m_isStopped(isStopped), m_onProgress(std::move(onProgress)), m_onEnd(std::move(onEnd)) {}
+
+RunController::~RunController() {
+    if (!m_thread.joinable()) return;
+    m_isStopped = true;
+    m_thread.join();
+}
+
+void RunController::Start(RunRequest request) {
+    m_isRunning = true;
+    m_result.reset();
+    m_thread = std::thread([this, given = std::move(request)]() mutable { Run(std::move(given)); });
+}
+
+std::unique_ptr<RunResult> RunController::Take() {
+    if (m_thread.joinable()) m_thread.join();
+    m_isRunning = false;
+    return std::move(m_result);
+}
+
+void RunController::Run(RunRequest request) {
+    auto result = std::make_unique<RunResult>();
+    try {
+        if (!m_services) throw std::runtime_error("no host");
+        const AcquiredService<IFileOperations> files(*m_services, ServiceNumber::FileOperations);
+        if (!files) throw std::runtime_error("no file operations");
+        if (request.journal) request.journal->ForgetError();
+        uint32_t stepCount = 0;
+        ULONGLONG lastWord = GetTickCount64();
+        const RunSurroundings around = {*files.Get(), ListFolderOnDisk, request.journal, &m_isStopped, [&] {
+                                            ++stepCount;
+                                            const ULONGLONG now = GetTickCount64();
+                                            if (now - lastWord < kProgressPause) return;
+                                            lastWord = now;
+                                            m_onProgress(stepCount);
+                                        }};
+        if (request.session)
+            result->outcomes =
+                RunRestore(*request.session, {request.rows, std::move(request.entries)}, around, result->counts);
+        else
+            result->outcomes = RunRenames(request.rows, request.time, around, result->counts);
+        if (request.journal && request.journal->LastError() != ERROR_SUCCESS)
+            result->error = L"The renames could not be recorded for undo (error " +
+                            std::to_wstring(request.journal->LastError()) + L").";
+    } catch (const std::exception&) {
+        // What was renamed until then is in the undo session.
+        result->error = L"The run failed before its end. The undo manager shows what was renamed.";
+    }
+    result->rows = std::move(request.rows);
+    m_result = std::move(result);
+    m_onEnd();
+}
+
+}  // namespace BatchRename

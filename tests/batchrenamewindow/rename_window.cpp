@@ -1,0 +1,111 @@
+#include "batchrenamewindow/rename_window.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "batchrename/frame_messages.h"
+#include "batchrename/resource.h"
+#include "host/command_line.h"
+#include "host/message_pump.h"
+#include "host/run.h"
+#include "win32/folder.h"
+
+#include <commctrl.h>
+
+namespace QVTest {
+
+RenameWindow::RenameWindow(const Words& names) {
+    m_environment = std::make_unique<QVHost::HostEnvironment>(QVHost::HostEnvironment{.out = m_out,
+                                                                                      .error = m_error,
+                                                                                      .in = m_in,
+                                                                                      .program = QV_HOST_PROGRAM,
+                                                                                      .outIsTerminal = false,
+                                                                                      .readAnswer = {},
+                                                                                      .progressWatch = {}});
+    m_output = std::make_unique<QVHost::Output>(m_out, m_error, false);
+    const QVHost::HostOptions options =
+        QVHost::ParseCommandLine({L"--config", m_settings.Path(), L"command", L"31000"});
+    m_session = std::make_unique<QVHost::Session>(options, *m_environment, *m_output);
+    m_session->StartExtensions();
+    for (const std::wstring& name : names) m_files.Write(name, std::string(name.begin(), name.end()));
+}
+
+void RenameWindow::RunCommand(const Words& names) {
+    m_session->State().selection.clear();
+    for (const std::wstring& name : names)
+        m_session->State().selection.push_back(m_session->State().files.MakeItem(m_files / name));
+    m_session->Extensions()[2]->Commands()->OnCommand(31000, 0, 0);
+}
+
+void RenameWindow::Open(const Words& names) {
+    RunCommand(names);
+    const auto isThere = [&] {
+        return Frame() && SendMessageW(List(), LVM_GETITEMCOUNT, 0, 0) == static_cast<LRESULT>(names.size()) &&
+               Status().find(L" will be") != std::wstring::npos;
+    };
+    if (!WaitFor(isThere)) throw std::runtime_error("the window does not show its rows");
+}
+
+void RenameWindow::EndHost() {
+    m_session.reset();
+    m_output.reset();
+}
+
+Words RenameWindow::NamesOnDisk() const {
+    Words names;
+    Win32::ListFolder(m_files.Path(), L"*", names);
+    std::ranges::sort(names);
+    return names;
+}
+
+HWND RenameWindow::Frame() const {
+    return FindWindowW(BatchRename::kFrameClass, nullptr);
+}
+
+DrivenDialog RenameWindow::Panel() const {
+    return DrivenDialog(FindWindowExW(Frame(), nullptr, L"#32770", nullptr));
+}
+
+std::wstring RenameWindow::Cell(int row, int column) const {
+    wchar_t text[512] = {};
+    LVITEMW item = {};
+    item.iSubItem = column;
+    item.pszText = text;
+    item.cchTextMax = 512;
+    SendMessageW(List(), LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    return text;
+}
+
+Words RenameWindow::Column(int column) const {
+    Words cells;
+    const auto count = static_cast<int>(SendMessageW(List(), LVM_GETITEMCOUNT, 0, 0));
+    for (int row = 0; row < count; ++row) cells.push_back(Cell(row, column));
+    return cells;
+}
+
+std::wstring RenameWindow::Status() const {
+    wchar_t text[512] = {};
+    SendMessageW(GetDlgItem(Frame(), IDC_STATUS_BAR), SB_GETTEXTW, 0, reinterpret_cast<LPARAM>(text));
+    return text;
+}
+
+bool RenameWindow::WaitFor(const std::function<bool()>& isTrue) {
+    const ULONGLONG end = GetTickCount64() + 10000;
+    bool isReached = false;
+    QVHost::PumpWhile(*m_session, [&] { return !(isReached = isTrue()) && GetTickCount64() < end; });
+    return isReached;
+}
+
+bool RenameWindow::WaitForStatus(const std::wstring& text) {
+    return WaitFor([&] { return Status() == text; });
+}
+
+void RenameWindow::AddPair(const std::wstring& find, const std::wstring& replaceWith) const {
+    Panel().PressLater(IDC_ITEM_NEW);
+    const DrivenDialog dialog = Dialog(L"Search and Replace");
+    dialog.Enter(IDC_ITEM_FIND, find);
+    dialog.Enter(IDC_ITEM_REPLACE, replaceWith);
+    dialog.PressAndClose(IDOK);
+}
+
+}  // namespace QVTest

@@ -1,0 +1,65 @@
+// rename_window.h - a host with the library in this process, and the Batch Rename window that it opened, as a person
+// sees it: rows, fields, buttons. All waits are for something to be so, and bounded.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "host/session.h"
+#include "support/dialog_driver.h"
+#include "support/temporary_folder.h"
+
+namespace QVTest {
+
+using Words = std::vector<std::wstring>;
+
+class RenameWindow {
+public:
+    explicit RenameWindow(const Words& names);
+    /// Shuts the library down and unloads it, whatever the window is at.
+    ~RenameWindow() { EndHost(); }
+
+    /// Runs the command on files of the folder, which must exist.
+    void Open(const Words& names);
+    /// The same without waiting for the window and its rows.
+    void RunCommand(const Words& names);
+    /// SetHost to Delete are over afterwards.
+    void EndHost();
+
+    const TemporaryFolder& Files() const { return m_files; }
+    Words NamesOnDisk() const;
+
+    HWND Frame() const;
+    HWND List() const { return GetDlgItem(Frame(), 2000); }
+    DWORD Thread() const { return GetWindowThreadProcessId(Frame(), nullptr); }
+    DrivenDialog Panel() const;
+    /// A dialog or message box of the window's thread.
+    DrivenDialog Dialog(const std::wstring& title) const { return DialogDriver(Thread()).WaitFor(title); }
+
+    std::wstring Cell(int row, int column) const;
+    Words Column(int column) const;
+    std::wstring Status() const;
+    /// Handles the host's messages meanwhile. False after ten seconds.
+    bool WaitFor(const std::function<bool()>& isTrue);
+    bool WaitForStatus(const std::wstring& text);
+    /// Adds a find and replace pair by its dialog.
+    void AddPair(const std::wstring& find, const std::wstring& replaceWith) const;
+
+private:
+    TemporaryFolder m_files;
+    TemporaryFolder m_settings;
+    std::ostringstream m_out;
+    std::ostringstream m_error;
+    std::istringstream m_in;
+    std::unique_ptr<QVHost::HostEnvironment> m_environment;
+    std::unique_ptr<QVHost::Output> m_output;
+    std::unique_ptr<QVHost::Session> m_session;
+};
+
+inline constexpr int kNewName = 1;
+inline constexpr int kState = 2;
+
+}  // namespace QVTest

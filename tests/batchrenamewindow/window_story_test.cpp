@@ -1,0 +1,134 @@
+// The window as a person uses it, on real files.
+#include <gtest/gtest.h>
+
+#include "batchrename/resource.h"
+#include "batchrenamewindow/rename_window.h"
+
+#include <commctrl.h>
+
+namespace {
+
+using namespace QVTest;
+
+TEST(RenameWindow, RenamesShowsAndTakesBack) {
+    const Words names = {L"a.txt", L"b.txt", L"c.txt"};
+    RenameWindow window(names);
+    window.Files().Write(L"taken.txt", "taken.txt");
+    window.Open(names);
+    EXPECT_FALSE(window.Panel().IsEnabled(IDC_START)) << "nothing changes";
+
+    // Typed, previewed, with a name that is there already.
+    window.AddPair(L"a", L"taken");
+    window.AddPair(L"b", L"x:y");
+    ASSERT_TRUE(window.WaitForStatus(L"3 items, 0 will be renamed, 2 problems (F8)"));
+    window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]");
+    EXPECT_EQ(window.Column(kNewName), (Words{L"taken.txt", L"x:y.txt", L"c.txt"}));
+    EXPECT_EQ(window.Cell(0, kState), L"\"taken.txt\" is there already");
+    EXPECT_EQ(window.Cell(2, kState), L"Unchanged");
+    window.Panel().Press(IDC_ITEM_REMOVE);
+
+    // The rest goes on, once the question is answered, however often Start is pressed.
+    window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]-[C]");
+    window.AddPair(L"b-02", L"taken");
+    ASSERT_TRUE(window.WaitForStatus(L"3 items, 2 will be renamed, 1 problem (F8)"))
+        << testing::PrintToString(window.Column(kState));
+    window.Panel().PressLater(IDC_START);
+    window.Panel().PressLater(IDC_START);
+    window.Dialog(L"Quorvane - BatchRename").PressAndClose(IDYES);
+    ASSERT_TRUE(window.WaitForStatus(L"2 Renamed, 1 Failed"));
+    EXPECT_EQ(window.NamesOnDisk(), (Words{L"b.txt", L"c-03.txt", L"taken-01.txt", L"taken.txt"}));
+    EXPECT_EQ(window.Files().Read(L"taken-01.txt"), "a.txt");
+    EXPECT_EQ(window.Cell(0, kState), L"Renamed");
+    EXPECT_EQ(window.Cell(1, kState).substr(0, 8), L"Failed: ");
+    EXPECT_FALSE(window.Panel().IsEnabled(IDC_START)) << "until something changes";
+
+    // Back again.
+    window.Panel().PressLater(IDC_UNDO);
+    window.Dialog(L"Undo BatchRename").PressAndClose(IDOK);
+    ASSERT_TRUE(window.WaitForStatus(L"2 items, 2 will be restored"));
+    EXPECT_FALSE(window.Panel().IsEnabled(IDC_NAME_TEMPLATE));
+    window.Panel().Press(IDC_START);
+    ASSERT_TRUE(window.WaitForStatus(L"2 Restored"));
+    EXPECT_EQ(window.NamesOnDisk(), (Words{L"a.txt", L"b.txt", L"c.txt", L"taken.txt"}));
+
+    // The host's selection again, and the rule as it was.
+    window.Panel().PressLater(IDC_RESET_LIST);
+    ASSERT_TRUE(window.WaitForStatus(L"3 items, 2 will be renamed, 1 problem (F8)"));
+    EXPECT_EQ(window.Panel().Text(IDC_NAME_TEMPLATE), L"[N]-[C]");
+    window.Panel().PressLater(IDC_CLOSE);
+    EXPECT_TRUE(window.WaitFor([&] { return !window.Frame(); }));
+}
+
+TEST(RenameWindow, SwapsTurnsRingsAndRefreshes) {
+    const Words names = {L"1", L"2", L"3"};
+    RenameWindow window(names);
+    window.Open(names);
+    window.Panel().Check(IDC_REGEX, true);
+    EXPECT_FALSE(window.Panel().IsEnabled(IDC_REPLACE_ALL_MATCHES));
+    for (const auto& [find, replaceWith] : {std::pair(L"^1$", L"x"), {L"^3$", L"1"}, {L"^2$", L"3"}, {L"^x$", L"2"}})
+        window.AddPair(find, replaceWith);
+    ASSERT_TRUE(window.WaitForStatus(L"3 items, 3 will be renamed"));
+    EXPECT_EQ(window.Column(kNewName), (Words{L"2", L"3", L"1"}));
+    window.Panel().Press(IDC_START);
+    ASSERT_TRUE(window.WaitForStatus(L"3 Renamed"));
+    EXPECT_EQ(window.Files().Read(L"2") + window.Files().Read(L"3") + window.Files().Read(L"1"), "123");
+
+    // The rows go on under their new names, of folders as they are now.
+    window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]b");
+    ASSERT_TRUE(window.WaitForStatus(L"3 items, 3 will be renamed"));
+    EXPECT_EQ(window.Column(kNewName), (Words{L"2b", L"3b", L"1b"}));
+    window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]");
+
+    // The command again: the same window and thread, other rows. By now two of them swap.
+    const HWND frame = window.Frame();
+    window.RunCommand({L"1", L"3"});
+    ASSERT_TRUE(window.WaitForStatus(L"2 items, 0 will be renamed, 2 problems (F8)"))
+        << "2 is there, so 1 stays, and 3 cannot become 1";
+    EXPECT_EQ(window.Frame(), frame);
+
+    // One letter after the other, through every half of an expression.
+    const std::wstring kept = window.Cell(0, kNewName);
+    window.Panel().PressLater(IDC_ITEM_NEW);
+    const DrivenDialog dialog = window.Dialog(L"Search and Replace");
+    for (const wchar_t unit : std::wstring(L"(a+)+[$")) {
+        SendMessageW(dialog.Control(IDC_ITEM_FIND), WM_CHAR, unit, 1);
+        EXPECT_EQ(GetLastActivePopup(window.Frame()), dialog.Window()) << "no message box";
+    }
+    EXPECT_EQ(dialog.Text(IDC_ITEM_MATCHES).substr(0, 28), L"The expression is not valid:");
+    EXPECT_FALSE(dialog.IsEnabled(IDOK));
+    dialog.Enter(IDC_ITEM_FIND, L"[ab");
+    dialog.PressAndClose(IDCANCEL);
+    // Plain text may be what no expression is; switching over keeps the former rule.
+    window.Panel().Check(IDC_REGEX, false);
+    window.AddPair(L"(", L"");
+    window.Panel().Check(IDC_REGEX, true);
+    ASSERT_TRUE(window.WaitFor([&] { return window.Status().starts_with(L"Expression 5 is not valid:"); }));
+    EXPECT_FALSE(window.Panel().IsEnabled(IDC_START));
+    EXPECT_FALSE(window.Cell(0, kNewName).empty());
+}
+
+TEST(RenameWindow, AnswersWhileAHundredThousandRowsArePreviewed) {
+    RenameWindow window({L"one.txt"});
+    window.Open({L"one.txt"});
+    const auto rows = std::make_unique<Words>();
+    for (int row = 0; row < 100000; ++row) rows->push_back(L"file " + std::to_wstring(row) + L".txt");
+    window.RunCommand(*rows);
+    ASSERT_TRUE(window.WaitFor([&] { return SendMessageW(window.List(), LVM_GETITEMCOUNT, 0, 0) == 100000; }));
+    // A message sent gets its answer only between two others: each answer during the pass is one moment in which the
+    // loop was free. One that computed rows itself would answer once.
+    window.Panel().Enter(IDC_NAME_TEMPLATE, L"[C1,1,6]-[N]");
+    int answers = 0;
+    const bool isDone = WaitUntil([&] {
+        for (int message = 0; message < 50; ++message) {
+            DWORD_PTR result = 0;
+            if (SendMessageTimeoutW(window.Frame(), WM_NULL, 0, 0, SMTO_NORMAL, 5000, &result)) ++answers;
+        }
+        return window.Status().starts_with(L"100000 items");
+    });
+    EXPECT_TRUE(isDone);
+    EXPECT_GE(answers, 100);
+    EXPECT_EQ(window.Cell(99999, kNewName), L"100000-file 99999.txt");
+    EXPECT_EQ(window.Cell(99999, kState), L"There is no such item any more");
+}
+
+}  // namespace
