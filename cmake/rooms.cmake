@@ -19,3 +19,15 @@ function(qv_room name)
     target_link_libraries(qv_${name} INTERFACE ${ROOM_LINKS})
   endif()
 endfunction()
+
+# The dialogs of rooms belong into the program or library itself. A static library cannot carry them, so whoever links
+# the rooms compiles their resources: the last in the chain only, or they would be there twice.
+function(qv_link_resources target)
+  foreach(room IN LISTS ARGN)
+    set(folder ${CMAKE_SOURCE_DIR}/src/${room})
+    target_sources(${target} PRIVATE ${folder}/dialogs.rc)
+    target_include_directories(${target} PRIVATE $<$<COMPILE_LANGUAGE:RC>:${folder}>)
+    # The resource compiler names no headers to the build: a changed number would meet dialogs with the old one.
+    set_property(SOURCE ${folder}/dialogs.rc APPEND PROPERTY OBJECT_DEPENDS ${folder}/resource.h)
+  endforeach()
+endfunction()

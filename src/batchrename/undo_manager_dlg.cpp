@@ -9,7 +9,7 @@ namespace BatchRename {
 namespace {
 
 constexpr ListColumn kSessionColumns[] = {
-    {L"Date and time when files was renamed", 688}, {L"Items :", 176}, {L"State", 480}};
+    {L"Date and time when files was renamed", 848}, {L"Items :", 176}, {L"State", 320}};
 constexpr ListColumn kEntryColumns[] = {{L"New name", 512}, {L"Old name", 512}, {L"Location", 720}};
 
 constexpr Ui::Anchor kAnchors[] = {
