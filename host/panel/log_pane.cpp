@@ -14,20 +14,23 @@ constexpr COLORREF kFailureColour = RGB(190, 0, 30);
 constexpr COLORREF kNoteColour = RGB(100, 100, 100);
 constexpr int kMargin = 16;  // pixels at 96 to the inch that a cell needs beside its text
 
+struct MemoryTraits {
+    using Raw = HGLOBAL;
+    static Raw Empty() noexcept { return nullptr; }
+    static void Close(Raw raw) noexcept { GlobalFree(raw); }
+};
+using Memory = Win32::UniqueHandle<MemoryTraits>;
+
 void PutOnClipboard(HWND owner, const std::wstring& text) {
     const size_t bytes = (text.size() + 1) * sizeof(wchar_t);
-    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes);
-    void* const target = memory ? GlobalLock(memory) : nullptr;
-    if (!target) return;
+    Memory memory(GlobalAlloc(GMEM_MOVEABLE, bytes));
+    void* const target = memory ? GlobalLock(memory.Get()) : nullptr;
+    if (!target || !OpenClipboard(owner)) return;
     std::memcpy(target, text.c_str(), bytes);
-    GlobalUnlock(memory);
-    if (OpenClipboard(owner)) {
-        EmptyClipboard();
-        const bool isTaken = SetClipboardData(CF_UNICODETEXT, memory) != nullptr;
-        CloseClipboard();
-        if (isTaken) return;  // the memory is the system's now
-    }
-    GlobalFree(memory);
+    GlobalUnlock(memory.Get());
+    EmptyClipboard();
+    if (SetClipboardData(CF_UNICODETEXT, memory.Get())) memory.Release();  // it is the system's now
+    CloseClipboard();
 }
 
 }  // namespace

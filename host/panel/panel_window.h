@@ -24,7 +24,7 @@ public:
     explicit PanelWindow(Session& session);
     PanelWindow(const PanelWindow&) = delete;
     PanelWindow& operator=(const PanelWindow&) = delete;
-    ~PanelWindow();
+    ~PanelWindow() override;
 
     /// After the extensions have started: fills the window with what they registered, and shows `path` - a folder, or a
     /// file, which is selected in its folder.
