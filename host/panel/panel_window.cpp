@@ -81,10 +81,13 @@ PanelWindow::PanelWindow(Session& session) : m_session(session) {
     windowClass.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
     windowClass.lpszClassName = kClass;
     RegisterClassExW(&windowClass);  // a second panel of this process finds it there
-    m_frame =
-        CreateWindowExW(WS_EX_ACCEPTFILES, kClass, Text(PanelText::Program).c_str(),
-                        WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT, m_look.Scaled(kWidth),
-                        m_look.Scaled(kHeight), nullptr, nullptr, GetModuleHandleW(nullptr), this);
+    RECT desk = {};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &desk, 0);
+    const int width = std::min(m_look.Scaled(kWidth), static_cast<int>(desk.right - desk.left));
+    const int height = std::min(m_look.Scaled(kHeight), static_cast<int>(desk.bottom - desk.top));
+    m_frame = CreateWindowExW(WS_EX_ACCEPTFILES, kClass, Text(PanelText::Program).c_str(),
+                              WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT, width, height,
+                              nullptr, nullptr, GetModuleHandleW(nullptr), this);
     if (!m_frame) throw HostError(L"the system gives no window: " + DescribeError(GetLastError()));
     HostState& state = m_session.State();
     state.mainWindow.Reset(m_frame);
