@@ -162,6 +162,7 @@ void AddActions(CLI::App& app, RawOptions& raw, HostOptions& options) {
     columns->add_flag("--json", options.printsJson, "The same as JSON")->excludes(csv);
     AddRename(*add("rename", "PATH...: renames files and folders by a rule", Action::Rename), options.rename);
     add("undo", "[list | restore SESSION | delete SESSION]: earlier renames; SESSION may be \"last\"", Action::Undo);
+    add("panel", "[FOLDER]: shows a folder in a window with the menus of all extensions", Action::Panel);
     CLI::App* const server = add("elevated-server", "The second process; started by the first", Action::ElevatedServer);
     server->group("");  // not in the help: nobody starts it by hand
     server->add_option("--pipe", raw.pipe);
@@ -172,13 +173,15 @@ void AddActions(CLI::App& app, RawOptions& raw, HostOptions& options) {
 void CheckOperands(const HostOptions& options) {
     const bool takesOperands = options.action == Action::Call || options.action == Action::Command ||
                                options.action == Action::Columns || options.action == Action::Rename ||
-                               options.action == Action::Undo;
+                               options.action == Action::Undo || options.action == Action::Panel;
     if (!takesOperands && !options.operands.empty())
         throw UsageError(L"\"" + options.operands.front() + L"\" is one word too many");
     if (options.action == Action::Call && options.operands.empty())
         throw UsageError(L"call needs a name: qvhost call NAME [KEY=VALUE | SWITCH]...");
     if (options.action == Action::Command && options.operands.empty())
         throw UsageError(L"command needs an id: qvhost command ID PATH...");
+    if (options.action == Action::Panel && options.operands.size() > 1)
+        throw UsageError(L"panel shows one folder: qvhost panel [FOLDER]");
     if (options.action == Action::ElevatedServer && options.pipe.empty())
         throw UsageError(L"elevated-server needs --pipe");
 }
@@ -221,6 +224,7 @@ HostOptions ParseCommandLine(const std::vector<std::wstring>& arguments) {
     if (!raw.filesFrom.empty()) options.filesFrom = Wide(raw.filesFrom);
     for (const std::string& answer : raw.answers) options.answers.push_back(Wide(answer));
     CheckOperands(options);
+    if (options.action == Action::Panel) options.asksInWindows = true;
     return options;
 }
 

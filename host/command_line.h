@@ -8,7 +8,7 @@
 
 namespace QVHost {
 
-enum class Action { Extensions, Menus, Commands, Call, Command, Columns, Rename, Undo, ElevatedServer };
+enum class Action { Extensions, Menus, Commands, Call, Command, Columns, Rename, Undo, Panel, ElevatedServer };
 
 /// What `rename` is given, as texts: what they mean is the command's to say. Nothing for what is not given.
 struct RenameOptions {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <initializer_list>
+#include <iterator>
 #include <vector>
 
 #include "win32/windows.h"
@@ -27,16 +28,22 @@ struct DialogControl {
 class DialogTemplate {
 public:
     DialogTemplate(short width, short height, std::initializer_list<DialogControl> controls) {
-        AddDouble(WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_CENTER);
+        AddDouble(WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_CENTER | DS_SHELLFONT);
         AddDouble(0);
         m_words.push_back(static_cast<WORD>(controls.size()));
         AddPlace(0, 0, width, height);
         m_words.insert(m_words.end(), 3, 0);  // no menu, the usual class, the caption comes later
+        m_words.push_back(kPoints);
+        m_words.insert(m_words.end(), std::begin(kFont), std::end(kFont));
         for (const DialogControl& control : controls) AddControl(control);
     }
     const DLGTEMPLATE* Get() const { return reinterpret_cast<const DLGTEMPLATE*>(m_words.data()); }
 
 private:
+    /// The font that the system's own dialogs have; sizes of dialogs follow from it.
+    static constexpr WORD kPoints = 8;
+    static constexpr wchar_t kFont[] = L"MS Shell Dlg 2";
+
     void AddDouble(DWORD value) {
         m_words.push_back(LOWORD(value));
         m_words.push_back(HIWORD(value));

@@ -74,7 +74,8 @@ bool ElevatedChannel::Connect() {
         const DWORD client = error == ERROR_SUCCESS ? m_pipe.ClientProcessId() : 0;
         if (client != 0 && client != GetProcessId(m_process.Get())) error = ERROR_ACCESS_DENIED;
         m_isConnected = error == ERROR_SUCCESS;
-        if (!m_isConnected) m_output.Note(L"[elevated] no connection to an elevated process: " + DescribeError(error));
+        if (!m_isConnected)
+            m_output.Note(L"[elevated] no connection to an elevated process: " + DescribeError(error), Tone::Failure);
         return m_isConnected;
     });
 }

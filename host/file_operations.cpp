@@ -109,17 +109,19 @@ bool FileOperations::GetPropertyName(uint32_t index, wchar_t* buffer, uint32_t c
 uint32_t FileOperations::Report(const RenameRow& row) {
     const std::wstring what = row.path + L" -> " + row.newName;
     if (row.error == ERROR_SUCCESS) {
-        m_output.Note(L"[renamed] " + what);
+        m_output.Note(L"[renamed] " + what, Tone::Success);
         return row.error;
     }
     ++m_failedCount;
     const std::wstring place = row.now == row.path ? L"" : L"; it is now " + row.now;
-    m_output.Note(L"[not renamed] " + what + L": " + DescribeError(row.error) + place);
+    m_output.Note(L"[not renamed] " + what + L": " + DescribeError(row.error) + place, Tone::Failure);
     return row.error;
 }
 
 void FolderRefresh::RefreshFolder(const wchar_t* location) {
-    if (location) ++m_count;
+    GuardedCall([&] {
+        if (location && m_panel) m_panel->FolderChanged(location);
+    });
 }
 
 void PropertySet::SetExtension(const char* extensionId, const wchar_t* groupName) {

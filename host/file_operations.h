@@ -65,14 +65,15 @@ private:
     Shelf<RenameBatch> m_batches;
 };
 
-/// There is no panel to refresh; the requests are counted.
+/// Without a panel there is nothing to refresh.
 class FolderRefresh final : public Quorvane::SDK::IFolderRefresh {
 public:
+    explicit FolderRefresh(IPanelView* panel) : m_panel(panel) {}
+
     void RefreshFolder(const wchar_t* location) override;
-    uint32_t Count() const { return m_count; }
 
 private:
-    uint32_t m_count = 0;
+    IPanelView* m_panel;
 };
 
 class PropertySet final : public Quorvane::SDK::IPropertySet {

@@ -26,6 +26,16 @@ const wchar_t* WordOfMark(uint32_t kind) {
     }
 }
 
+uint32_t Fill(FileList& list, const IPanelView::Items& items) {
+    for (const std::shared_ptr<FileItem>& item : items) list.Add(item);
+    return kDone;
+}
+
+Tone ToneOf(uint32_t kind) {
+    if (kind == LogKind::Failure) return Tone::Failure;
+    return kind == LogKind::Success ? Tone::Success : Tone::Plain;
+}
+
 }  // namespace
 
 HostServices::HostServices(HostState& state, uint32_t extension, const ExtensionInfo& record)
@@ -67,29 +77,37 @@ uint32_t HostServices::RunHostCommand(uint32_t command, IFileList* list, uint32_
             m_state.commandQueue.Put({m_extension, command, value});
             return kDone;
         }
-        if (command == HostCommand::HasFocusedItem) return m_state.selection.empty() ? kRefused : kDone;
+        if (command == HostCommand::HasFocusedItem) return FocusedGroup().empty() ? kRefused : kDone;
         const std::shared_ptr<FileList> known = m_state.files.FindList(list);
         if (!known) return kRefused;
         switch (command) {
-            // The first path counts as the focused item, and all paths as its group: a command line has no panel that
-            // could show more files than were given.
-            case HostCommand::GroupItems:
-            case HostCommand::GetSelection: return FillWithSelection(*known) ? kDone : kRefused;
+            case HostCommand::GroupItems: return Fill(*known, FocusedGroup());
+            case HostCommand::GetSelection: return Fill(*known, SelectedItems());
             case HostCommand::MarkFiles: return MarkFiles(*known, flags) ? kDone : kRefused;
             default: return kRefused;
         }
     });
 }
 
-bool HostServices::FillWithSelection(FileList& list) {
-    for (const std::shared_ptr<FileItem>& item : m_state.selection) list.Add(item);
-    return true;
+IPanelView::Items HostServices::SelectedItems() const {
+    return m_state.panel ? m_state.panel->SelectedItems() : m_state.selection;
+}
+
+// On a command line the first path counts as the focused item, and all paths as its group: there is no panel that
+// could show more files than were given.
+IPanelView::Items HostServices::FocusedGroup() const {
+    return m_state.panel ? m_state.panel->FocusedGroup() : m_state.selection;
 }
 
 bool HostServices::MarkFiles(const FileList& list, uint32_t kind) {
     const wchar_t* const word = WordOfMark(kind);
     if (!word) return false;
-    for (const std::shared_ptr<FileItem>& item : list.Items()) m_state.output.Note(word + item->Path());
+    for (const std::shared_ptr<FileItem>& item : list.Items()) {
+        if (m_state.panel)
+            m_state.panel->MarkFile(item->Path(), kind);
+        else
+            m_state.output.Note(word + item->Path());
+    }
     if (kind == MarkKind::Failed) m_state.failedCount += static_cast<uint32_t>(list.Items().size());
     return true;
 }
@@ -139,7 +157,8 @@ void* HostServices::AcquireService(uint32_t number, uint32_t, const wchar_t*) {
             case ServiceNumber::FileOperations:
                 return KeepService<IFileOperations>(std::make_shared<FileOperations>(
                     m_state.files, m_state.columns, m_state.output, m_state.failedCount));
-            case ServiceNumber::FolderRefresh: return KeepService<IFolderRefresh>(std::make_shared<FolderRefresh>());
+            case ServiceNumber::FolderRefresh:
+                return KeepService<IFolderRefresh>(std::make_shared<FolderRefresh>(m_state.panel));
             case ServiceNumber::PropertySet:
                 return KeepService<IPropertySet>(std::make_shared<PropertySet>(m_state.propertyColumns[m_extension]));
             case ServiceNumber::ElevatedChannel:
@@ -195,11 +214,11 @@ IChoiceList* HostServices::CreateChoiceList() {
         nullptr, [&] { return m_state.choiceLists.Keep(std::make_shared<ChoiceList>(m_state.choiceLists)); });
 }
 
-void HostServices::Log(uint32_t, uint32_t, const wchar_t* format, ...) {
+void HostServices::Log(uint32_t, uint32_t kind, const wchar_t* format, ...) {
     if (!format) return;
     va_list arguments;
     va_start(arguments, format);
-    GuardedCall([&] { m_state.log.Write(FormatLine(format, arguments)); });
+    GuardedCall([&] { m_state.log.Write(FormatLine(format, arguments), ToneOf(kind)); });
     va_end(arguments);
 }
 

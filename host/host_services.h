@@ -48,7 +48,8 @@ private:
 
     template <class Face, class Object>
     void* KeepService(std::shared_ptr<Object> object);
-    bool FillWithSelection(FileList& list);
+    IPanelView::Items SelectedItems() const;
+    IPanelView::Items FocusedGroup() const;
     bool MarkFiles(const FileList& list, uint32_t kind);
 
     HostState& m_state;

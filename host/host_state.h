@@ -20,6 +20,7 @@
 #include "host/main_window.h"
 #include "host/menus.h"
 #include "host/output.h"
+#include "host/panel_view.h"
 #include "host/progress.h"
 #include "host/questions.h"
 #include "host/settings_file.h"
@@ -51,8 +52,9 @@ struct HostState {
     Shelf<ChoiceList> choiceLists = {};
     Shelf<Progress> progressDisplays = {};
     Shelf<XmlService> xmlServices = {};
-    std::vector<std::shared_ptr<FileItem>> selection = {};
-    uint32_t failedCount = 0;  // files marked as failed, renames refused
+    std::vector<std::shared_ptr<FileItem>> selection = {};  // as the command line names it
+    IPanelView* panel = nullptr;                            // where there is one, the selection is its own
+    uint32_t failedCount = 0;                               // files marked as failed, renames refused
 };
 
 }  // namespace QVHost

@@ -26,9 +26,9 @@ Log::~Log() {
     FlushFile();
 }
 
-void Log::Write(std::wstring_view text) {
+void Log::Write(std::wstring_view text, Tone tone) {
     const std::wstring line = OnOneLine(text);
-    if (!m_quiet) m_output.Line(line);
+    if (!m_quiet) m_output.Line(line, tone);
     if (!m_file) return;
     const std::lock_guard lock(m_mutex);
     m_pending += ToUtf8(line) + '\n';
@@ -39,7 +39,7 @@ void Log::FlushFile() {
     if (!m_file || m_pending.empty()) return;
     DWORD written = 0;
     if (!WriteFile(m_file.Get(), m_pending.data(), static_cast<DWORD>(m_pending.size()), &written, nullptr))
-        m_output.Note(L"qvhost: writing the log file failed: " + DescribeError(GetLastError()));
+        m_output.Note(L"qvhost: writing the log file failed: " + DescribeError(GetLastError()), Tone::Failure);
     m_pending.clear();
 }
 

@@ -20,7 +20,7 @@ public:
     ~Log();
 
     /// One line. Line breaks in it become blanks: a reader counts on one line an entry.
-    void Write(std::wstring_view text);
+    void Write(std::wstring_view text, Tone tone = Tone::Plain);
 
 private:
     void FlushFile();

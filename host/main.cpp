@@ -5,8 +5,11 @@
 #include <atomic>
 #include <cstdio>
 #include <iostream>
+#include <string>
+#include <vector>
 
 #include "host/run.h"
+#include "host/unix_paths.h"
 #include "win32/windows.h"
 
 namespace {
@@ -52,6 +55,19 @@ private:
     UINT m_before;
 };
 
+/// Nobody has typed a command: the program was started by a double click, or from a menu. Then it has a console of its
+/// own, or none at all; a shell's console has the shell in it too, and a script gives the program its streams.
+bool IsStartedAsWindow() {
+    for (const DWORD stream : {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE}) {
+        const HANDLE handle = GetStdHandle(stream);
+        if (handle && handle != INVALID_HANDLE_VALUE && !IsConsole(stream)) return false;
+    }
+    DWORD processes[2] = {};
+    if (GetConsoleProcessList(processes, 2) > 1) return false;
+    // Under Wine a terminal of the system below counts as a console of ours, but has no window.
+    return !QVHost::RunsUnderWine() || IsWindowVisible(GetConsoleWindow());
+}
+
 std::wstring ProgramPath() {
     std::wstring path(32768, L'\0');
     path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
@@ -65,6 +81,11 @@ int wmain(int count, wchar_t** words) {
     // Notes are flushed one by one; without a buffer each of their bytes would be a call of the system.
     std::setvbuf(stderr, nullptr, _IOFBF, kErrorBufferSize);
     SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
+    std::vector<std::wstring> arguments(words + 1, words + count);
+    if (arguments.empty() && IsStartedAsWindow()) {
+        FreeConsole();
+        arguments = {L"panel"};
+    }
     const Utf8Console utf8Console;
     QVHost::HostEnvironment environment = {.out = std::cout,
                                            .error = std::cerr,
@@ -74,5 +95,5 @@ int wmain(int count, wchar_t** words) {
                                            .readAnswer = {},
                                            .progressWatch = {IsConsole(STD_ERROR_HANDLE), &g_isInterrupted}};
     if (IsConsole(STD_INPUT_HANDLE)) environment.readAnswer = ReadConsoleLine;
-    return QVHost::RunQvHost({words + 1, words + count}, environment);
+    return QVHost::RunQvHost(arguments, environment);
 }

@@ -36,7 +36,7 @@ bool HasWindowsOfOtherThreads() {
     return isFound;
 }
 
-void PumpWhile(Session& session, const std::function<bool()>& goesOn) {
+void PumpWhile(Session& session, const std::function<bool()>& goesOn, const std::function<bool(MSG&)>& translate) {
     const HANDLE event = session.State().commandQueue.Event();
     while (goesOn()) {
         MsgWaitForMultipleObjects(1, &event, FALSE, kLook, QS_ALLINPUT);
@@ -44,7 +44,7 @@ void PumpWhile(Session& session, const std::function<bool()>& goesOn) {
         MSG message = {};
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
             if (message.message == WM_QUIT) return;
-            if (IsEaten(session, message)) continue;
+            if (IsEaten(session, message) || (translate && translate(message))) continue;
             TranslateMessage(&message);
             DispatchMessageW(&message);
         }

@@ -11,7 +11,8 @@ namespace QVHost {
 bool HasWindowsOfOtherThreads();
 
 /// Handles messages and queued commands of this thread for as long as `goesOn` says so; it is asked at least ten times
-/// a second. Messages are offered to the extensions first.
-void PumpWhile(Session& session, const std::function<bool()>& goesOn);
+/// a second. Messages are offered to the extensions first, then to `translate`, where there is one: true ends the
+/// matter.
+void PumpWhile(Session& session, const std::function<bool()>& goesOn, const std::function<bool(MSG&)>& translate = {});
 
 }  // namespace QVHost

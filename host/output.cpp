@@ -9,14 +9,16 @@ constexpr size_t kBlock = size_t{64} * 1024;  // bytes
 
 }  // namespace
 
-void Output::Line(std::wstring_view text) {
+void Output::Line(std::wstring_view text, Tone tone) {
+    if (m_panel) m_panel->ShowLine(text, tone);
     const std::lock_guard lock(m_mutex);
     m_pending += ToUtf8(text);
     m_pending += '\n';
     if (m_flushLines || m_pending.size() >= kBlock) FlushLines();
 }
 
-void Output::Note(std::wstring_view text) {
+void Output::Note(std::wstring_view text, Tone tone) {
+    if (m_panel) m_panel->ShowLine(text, tone);
     const std::lock_guard lock(m_mutex);
     FlushLines();
     m_error << ToUtf8(text) + '\n' << std::flush;

@@ -1,11 +1,13 @@
 // output.h - the two streams of a run, in UTF-8 with LF line ends: standard output for results and log lines, standard
-// error for everything about the run. May be used from any thread.
+// error for everything about the run. Where there is a panel, it shows every line too. May be used from any thread.
 #pragma once
 
 #include <mutex>
 #include <ostream>
 #include <string>
 #include <string_view>
+
+#include "host/panel_view.h"
 
 namespace QVHost {
 
@@ -18,10 +20,13 @@ public:
     Output& operator=(const Output&) = delete;
     ~Output() { Flush(); }
 
+    /// From now on the panel shows the lines as well; null: no more. To be set while one thread alone writes.
+    void ShowIn(IPanelView* panel) { m_panel = panel; }
+
     /// One line of standard output. Kept until there is a block of them or something needs the order.
-    void Line(std::wstring_view text);
+    void Line(std::wstring_view text, Tone tone = Tone::Plain);
     /// One line of standard error, behind all output so far.
-    void Note(std::wstring_view text);
+    void Note(std::wstring_view text, Tone tone = Tone::Note);
     /// Standard error without a line end: a prompt, or a line that is written over by the next.
     void Prompt(std::wstring_view text);
     void Flush();
@@ -34,6 +39,7 @@ private:
     std::ostream& m_error;
     bool m_flushLines;
     std::string m_pending;
+    IPanelView* m_panel = nullptr;
 };
 
 }  // namespace QVHost

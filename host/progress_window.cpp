@@ -14,8 +14,8 @@ ProgressWindow::ProgressWindow(const std::wstring& title) {
         260, 54,
         {{kTextId, ControlClass::Static, SS_LEFT | SS_NOPREFIX | SS_PATHELLIPSIS, 8, 8, 244, 10},
          {IDCANCEL, ControlClass::Button, BS_DEFPUSHBUTTON | WS_TABSTOP, 202, 32, 50, 14}});
-    m_window = UniqueWindow(CreateDialogIndirectParamW(GetModuleHandleW(nullptr), layout.Get(), nullptr, OnMessage,
-                                                       reinterpret_cast<LPARAM>(this)));
+    m_window = UniqueWindow(CreateDialogIndirectParamW(GetModuleHandleW(nullptr), layout.Get(), GetActiveWindow(),
+                                                       OnMessage, reinterpret_cast<LPARAM>(this)));
     if (!m_window) return;
     SetWindowTextW(m_window.Get(), title.c_str());
     SetDlgItemTextW(m_window.Get(), IDCANCEL, L"Cancel");

@@ -9,6 +9,7 @@
 #include "host/listings.h"
 #include "host/message_pump.h"
 #include "host/nearest_name.h"
+#include "host/panel/panel_command.h"
 #include "host/rename_command.h"
 #include "host/selection.h"
 #include "host/session.h"
@@ -76,17 +77,6 @@ int RunCall(Session& session, const HostOptions& options, std::istream& in) {
     return StatusOf(session.State(), isDone, 0);
 }
 
-/// Gives the command to the extension that made it, or, when none did, to one after the other until it is handled:
-/// some commands have no entry in a menu.
-bool Dispatch(Session& session, uint32_t id) {
-    const Quorvane::SDK::Command* const command = session.State().menus.Find(id);
-    for (const auto& extension : session.Extensions()) {
-        if (!extension->Commands() || (command && command->extension != extension->Index())) continue;
-        if (extension->Commands()->OnCommand(id, 0, 0) != 0) return true;
-    }
-    return false;
-}
-
 void Select(HostState& state, const std::vector<std::wstring>& given, const std::optional<std::wstring>& listFile,
             std::istream& in) {
     for (std::wstring& path : SelectedPaths(given, listFile, in))
@@ -110,7 +100,7 @@ int RunCommand(Session& session, const HostOptions& options, std::istream& in) {
     if (!ParseNumber(options.operands.front(), id))
         throw UsageError(L"\"" + options.operands.front() + L"\" is no command id (qvhost menus lists them)");
     Select(state, {options.operands.begin() + 1, options.operands.end()}, options.filesFrom, in);
-    const bool handled = Dispatch(session, id);
+    const bool handled = session.RunCommand(id);
     // An extension may have opened a window that works by itself: this command ends with it.
     const std::atomic<bool>* const isCancelled = state.progressWatch.isCancelled;
     PumpWhile(session, [&] { return HasWindowsOfOtherThreads() && !(isCancelled && *isCancelled); });
@@ -138,6 +128,7 @@ int Run(const HostOptions& options, HostEnvironment& environment, Output& output
         PrintExtensions(output, session.Library().Extensions());
         return ExitStatus::Done;
     }
+    if (options.action == Action::Panel) return RunPanel(session, options);
     session.StartExtensions();
     switch (options.action) {
         case Action::Call: return RunCall(session, options, environment.in);

@@ -81,7 +81,8 @@ HostState MakeHostState(const HostOptions& options, const HostEnvironment& envir
             .progressWatch = MakeProgressWatch(options, environment),
             .elevatedLaunch = MakeElevatedLaunch(options, environment),
             .configurationFolder = ConfigurationFolder(options),
-            .mainWindow = options.asksInWindows ? MakeMainWindow() : UniqueWindow(),
+            // The panel brings its own.
+            .mainWindow = options.asksInWindows && options.action != Action::Panel ? MakeMainWindow() : UniqueWindow(),
             .isElevated = options.isElevated || options.action == Action::ElevatedServer,
             .canElevate = options.canElevate,
             .usesColumnD = options.usesColumnD,
@@ -113,6 +114,15 @@ void Session::StartExtensions() {
         if (Quorvane::SDK::IFileProperties* const provider = m_extensions.back()->Properties())
             m_state.columns.AddProvider(m_state.propertyColumns[index], *provider);
     }
+}
+
+bool Session::RunCommand(uint32_t id) {
+    const Quorvane::SDK::Command* const command = m_state.menus.Find(id);
+    for (const auto& extension : m_extensions) {
+        if (!extension->Commands() || (command && command->extension != extension->Index())) continue;
+        if (extension->Commands()->OnCommand(id, 0, 0) != 0) return true;
+    }
+    return false;
 }
 
 }  // namespace QVHost

@@ -30,6 +30,10 @@ public:
     /// @throws HostError when one does not start
     void StartExtensions();
 
+    /// Gives the command to the extension that made it, or, when none did, to one after the other until it is handled:
+    /// some commands have no entry in a menu. False when none handles it.
+    bool RunCommand(uint32_t id);
+
     HostState& State() { return m_state; }
     const LoadedLibrary& Library() const { return m_library; }
     /// In the order of the library; empty before StartExtensions.

@@ -71,14 +71,14 @@ INT_PTR CALLBACK OnMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
 }
 
 bool Show(const DialogTemplate& layout, DialogState& state) {
-    return DialogBoxIndirectParamW(GetModuleHandleW(nullptr), layout.Get(), nullptr, OnMessage,
+    return DialogBoxIndirectParamW(GetModuleHandleW(nullptr), layout.Get(), GetActiveWindow(), OnMessage,
                                    reinterpret_cast<LPARAM>(&state)) == IDOK;
 }
 
 }  // namespace
 
 uint32_t WindowAnswers::AnswerBox(const BoxQuestion& question) {
-    const int button = MessageBoxW(nullptr, question.text.c_str(), question.caption.c_str(), question.style);
+    const int button = MessageBoxW(GetActiveWindow(), question.text.c_str(), question.caption.c_str(), question.style);
     // Without a display there is no box, and nobody who could answer.
     return button > 0 ? static_cast<uint32_t>(button) : SafeButton(question.style).id;
 }

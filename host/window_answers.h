@@ -1,4 +1,4 @@
-// window_answers.h - asks a person in windows of the system.
+// window_answers.h - asks a person in windows of the system, above the window of this thread that is in use.
 #pragma once
 
 #include "host/answers.h"

@@ -27,7 +27,9 @@ uint32_t ForEachEntry(const std::wstring& folder, const std::wstring& pattern, T
 uint32_t ListFolder(const std::wstring& folder, const std::wstring& pattern, std::vector<FolderEntry>& entries) {
     entries.clear();
     return ForEachEntry(folder, pattern, [&](const WIN32_FIND_DATAW& entry) {
-        entries.push_back({entry.cFileName, entry.dwFileAttributes});
+        const auto joined = [](DWORD high, DWORD low) { return uint64_t{high} << 32 | low; };
+        entries.push_back({entry.cFileName, entry.dwFileAttributes, joined(entry.nFileSizeHigh, entry.nFileSizeLow),
+                           joined(entry.ftLastWriteTime.dwHighDateTime, entry.ftLastWriteTime.dwLowDateTime)});
     });
 }
 

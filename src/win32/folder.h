@@ -10,6 +10,8 @@ namespace Win32 {
 struct FolderEntry {
     std::wstring name;
     uint32_t attributes = 0;  // FILE_ATTRIBUTE_...
+    uint64_t size = 0;        // bytes; 0 for a folder
+    uint64_t written = 0;     // 100 nanoseconds since 1601, UTC
 };
 
 /// Puts the folder's files and folders that match `pattern` ("*": all) into `entries`, without "." and "..". Windows

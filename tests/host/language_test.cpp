@@ -1,9 +1,12 @@
 #include "host/language.h"
 
+#include <map>
+#include <regex>
 #include <set>
 
 #include <gtest/gtest.h>
 
+#include "host/panel/panel_texts.h"
 #include "host/text.h"
 #include "host/whole_file.h"
 #include "host_runner.h"
@@ -73,6 +76,43 @@ TEST(LanguageTexts, AreCompleteInEnglish) {
     for (uint32_t number = 330; number <= 338; ++number) expectText(number, 'd');
     for (uint32_t number = 340; number <= 342; ++number) expectText(number, 'd');
     EXPECT_STRNE(texts.Find(L"QVBatchRename", 10_c), texts.Find(L"", 10_c));
+}
+
+/// The ids of a language file with their sections, and of each text its placeholders in order.
+std::map<std::string, std::string> PlaceholdersOf(const wchar_t* file) {
+    std::string bytes;
+    EXPECT_EQ(ReadWholeFile(QVTest::BesideThisProgram(file), bytes), 0u);
+    LanguageTexts texts;
+    for (const std::wstring& fault : texts.Read(bytes)) ADD_FAILURE() << ToUtf8(fault);
+    std::map<std::string, std::string> placeholders;
+    std::string section;
+    const std::regex placeholder("%(I64)?[a-z%]");
+    for (const std::string_view view : LinesOf(bytes)) {
+        const std::string line(view);
+        if (line.starts_with('[')) section = line;
+        const size_t equals = line.find('=');
+        if (line.empty() || line.front() == '#' || equals == std::string::npos) continue;
+        std::string& found = placeholders[section + line.substr(0, equals)];
+        for (std::sregex_iterator at(line.begin() + static_cast<std::ptrdiff_t>(equals), line.end(), placeholder), end;
+             at != end; ++at)
+            found += at->str() + " ";
+    }
+    return placeholders;
+}
+
+TEST(LanguageTexts, HaveTheSameIdsAndPlaceholdersInEachLanguage) {
+    EXPECT_EQ(PlaceholdersOf(L"qvhost-german.txt"), PlaceholdersOf(L"qvhost-english.txt"));
+}
+
+TEST(LanguageTexts, AreCompleteForThePanel) {
+    std::string bytes;
+    ASSERT_EQ(ReadWholeFile(QVTest::BesideThisProgram(L"qvhost-english.txt"), bytes), 0u);
+    LanguageTexts texts;
+    texts.Read(bytes);
+    for (uint32_t number = 1; number <= static_cast<uint32_t>(PanelText::Last); ++number) {
+        const TextId id = TextIdOf(static_cast<PanelText>(number));
+        EXPECT_NE(TextOf(texts, static_cast<PanelText>(number)), NameOfTextId(id)) << number;
+    }
 }
 
 }  // namespace

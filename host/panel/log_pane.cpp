@@ -1,0 +1,132 @@
+#include "host/panel/log_pane.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "host/text.h"
+
+namespace QVHost {
+namespace {
+
+constexpr COLORREF kSuccessColour = RGB(0, 110, 50);
+constexpr COLORREF kFailureColour = RGB(190, 0, 30);
+constexpr COLORREF kNoteColour = RGB(100, 100, 100);
+constexpr int kMargin = 16;  // pixels at 96 to the inch that a cell needs beside its text
+
+struct MemoryTraits {
+    using Raw = HGLOBAL;
+    static Raw Empty() noexcept { return nullptr; }
+    static void Close(Raw raw) noexcept { GlobalFree(raw); }
+};
+using Memory = Win32::UniqueHandle<MemoryTraits>;
+
+void PutOnClipboard(HWND owner, const std::wstring& text) {
+    const size_t bytes = (text.size() + 1) * sizeof(wchar_t);
+    Memory memory(GlobalAlloc(GMEM_MOVEABLE, bytes));
+    void* const target = memory ? GlobalLock(memory.Get()) : nullptr;
+    if (!target || !OpenClipboard(owner)) return;
+    std::memcpy(target, text.c_str(), bytes);
+    GlobalUnlock(memory.Get());
+    EmptyClipboard();
+    if (SetClipboardData(CF_UNICODETEXT, memory.Get())) memory.Release();  // it is the system's now
+    CloseClipboard();
+}
+
+}  // namespace
+
+LogPane::LogPane(HWND parent, int id, UINT linesMessage, const PanelLook& look)
+    : m_parent(parent),
+      m_linesMessage(linesMessage),
+      m_look(look),
+      m_list(CreateWindowExW(
+          WS_EX_CLIENTEDGE, WC_LISTVIEWW, L"",
+          WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA | LVS_NOCOLUMNHEADER | LVS_SHOWSELALWAYS, 0,
+          0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr)) {
+    SendMessageW(m_list, WM_SETFONT, reinterpret_cast<WPARAM>(look.Font()), FALSE);
+    ListView_SetExtendedListViewStyle(m_list, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
+    LVCOLUMNW column = {};
+    SendMessageW(m_list, LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
+}
+
+void LogPane::Add(std::wstring_view text, Tone tone) {
+    bool isFirst = false;
+    {
+        const std::lock_guard lock(m_mutex);
+        isFirst = m_newLines.empty();
+        m_newLines.push_back({OnOneLine(text), tone});
+    }
+    if (isFirst) PostMessageW(m_parent, m_linesMessage, 0, 0);
+}
+
+void LogPane::TakeLines() {
+    std::vector<Line> lines;
+    {
+        const std::lock_guard lock(m_mutex);
+        lines = std::exchange(m_newLines, {});
+    }
+    if (lines.empty()) return;
+    const auto longest = std::ranges::max_element(lines, {}, [](const Line& line) { return line.text.size(); });
+    Widen(longest->text);
+    m_lines.insert(m_lines.end(), std::make_move_iterator(lines.begin()), std::make_move_iterator(lines.end()));
+    ListView_SetItemCountEx(m_list, m_lines.size(), LVSICF_NOSCROLL);
+    ListView_EnsureVisible(m_list, static_cast<int>(m_lines.size()) - 1, FALSE);
+}
+
+void LogPane::Widen(const std::wstring& text) {
+    const auto needed =
+        static_cast<int>(SendMessageW(m_list, LVM_GETSTRINGWIDTHW, 0, reinterpret_cast<LPARAM>(text.c_str()))) +
+        m_look.Scaled(kMargin);
+    if (needed <= m_width) return;
+    m_width = needed;
+    ListView_SetColumnWidth(m_list, 0, m_width);
+}
+
+void LogPane::Clear() {
+    m_lines.clear();
+    m_width = 0;
+    ListView_SetItemCountEx(m_list, 0, 0);
+}
+
+void LogPane::Copy() const {
+    const bool isAll = ListView_GetSelectedCount(m_list) == 0;
+    std::wstring text;
+    for (int at = -1; (at = ListView_GetNextItem(m_list, at, isAll ? LVNI_ALL : LVNI_SELECTED)) >= 0;)
+        text += m_lines[static_cast<size_t>(at)].text + L"\r\n";
+    PutOnClipboard(m_parent, text);
+}
+
+void LogPane::SelectAll() {
+    ListView_SetItemState(m_list, -1, LVIS_SELECTED, LVIS_SELECTED);
+}
+
+LRESULT LogPane::OnCustomDraw(const NMLVCUSTOMDRAW& draw) const {
+    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+    const auto at = static_cast<size_t>(draw.nmcd.dwItemSpec);
+    if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT || at >= m_lines.size() || !m_look.UsesColours())
+        return CDRF_DODEFAULT;
+    auto& colour = const_cast<NMLVCUSTOMDRAW&>(draw).clrText;
+    switch (m_lines[at].tone) {
+        case Tone::Success: colour = kSuccessColour; break;
+        case Tone::Failure: colour = kFailureColour; break;
+        case Tone::Note: colour = kNoteColour; break;
+        case Tone::Plain: return CDRF_DODEFAULT;
+    }
+    return CDRF_NEWFONT;
+}
+
+bool LogPane::OnNotification(NMHDR& header, LRESULT& result) {
+    switch (header.code) {
+        case LVN_GETDISPINFOW: {
+            LVITEMW& item = reinterpret_cast<NMLVDISPINFOW&>(header).item;
+            const auto at = static_cast<size_t>(item.iItem);
+            if ((item.mask & LVIF_TEXT) != 0 && at < m_lines.size())
+                CopyText(m_lines[at].text, item.pszText, static_cast<uint32_t>(item.cchTextMax));
+            return true;
+        }
+        case NM_CUSTOMDRAW: result = OnCustomDraw(reinterpret_cast<const NMLVCUSTOMDRAW&>(header)); return true;
+        default: return false;
+    }
+}
+
+}  // namespace QVHost

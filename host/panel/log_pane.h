@@ -1,0 +1,51 @@
+// log_pane.h - the panel's lower list: what commands have reported, failures in colour. Lines may come from any thread.
+#pragma once
+
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "host/panel/panel_look.h"
+#include "host/panel_view.h"
+
+#include <commctrl.h>
+
+namespace QVHost {
+
+class LogPane {
+public:
+    /// `parent` gets the message `linesMessage` when lines have come.
+    LogPane(HWND parent, int id, UINT linesMessage, const PanelLook& look);
+
+    HWND Window() const { return m_list; }
+    /// On any thread.
+    void Add(std::wstring_view text, Tone tone);
+    /// On the window's thread: shows the lines that have come, the last one in view.
+    void TakeLines();
+    void Clear();
+    /// The selected lines go to the clipboard; all, when none is selected.
+    void Copy() const;
+    void SelectAll();
+
+    /// A notification of the list; true when `result` answers it.
+    bool OnNotification(NMHDR& header, LRESULT& result);
+
+private:
+    struct Line {
+        std::wstring text;
+        Tone tone;
+    };
+    void Widen(const std::wstring& text);
+    LRESULT OnCustomDraw(const NMLVCUSTOMDRAW& draw) const;
+
+    HWND m_parent;
+    UINT m_linesMessage;
+    const PanelLook& m_look;
+    HWND m_list;
+    std::vector<Line> m_lines;
+    int m_width = 0;  // pixels of the column
+    std::mutex m_mutex;
+    std::vector<Line> m_newLines;
+};
+
+}  // namespace QVHost

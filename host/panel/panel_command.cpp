@@ -1,0 +1,53 @@
+#include "host/panel/panel_command.h"
+
+#include "host/host_error.h"
+#include "host/message_pump.h"
+#include "host/panel/panel_window.h"
+#include "host/unix_paths.h"
+#include "win32/handle.h"
+
+#include <ole2.h>
+
+namespace QVHost {
+namespace {
+
+/// The thread shows the system's own dialogs, which need an apartment and drag and drop.
+class OleApartment {
+public:
+    OleApartment() : m_isStarted(SUCCEEDED(OleInitialize(nullptr))) {}
+    OleApartment(const OleApartment&) = delete;
+    OleApartment& operator=(const OleApartment&) = delete;
+    ~OleApartment() {
+        if (m_isStarted) OleUninitialize();
+    }
+
+private:
+    bool m_isStarted;
+};
+
+bool IsProcessElevated() {
+    HANDLE raw = nullptr;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &raw)) return false;
+    const Win32::KernelHandle token(raw);
+    TOKEN_ELEVATION elevation = {};
+    DWORD size = 0;
+    return GetTokenInformation(token.Get(), TokenElevation, &elevation, sizeof(elevation), &size) &&
+           elevation.TokenIsElevated != 0;
+}
+
+}  // namespace
+
+int RunPanel(Session& session, const HostOptions& options) {
+    const OleApartment apartment;
+    // A person sits here, and can answer the system's prompt.
+    session.State().canElevate = true;
+    session.State().isElevated |= IsProcessElevated();
+    PanelWindow panel(session);
+    session.StartExtensions();
+    panel.Open(FullUserPath(options.operands.empty() ? L"." : options.operands.front()));
+    PumpWhile(
+        session, [&] { return panel.IsOpen(); }, [&](MSG& message) { return panel.PreTranslate(message); });
+    return ExitStatus::Done;
+}
+
+}  // namespace QVHost

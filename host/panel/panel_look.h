@@ -1,0 +1,32 @@
+// panel_look.h - the font of the panel's controls, and sizes in pixels at the screen's resolution.
+#pragma once
+
+#include "win32/handle.h"
+#include "win32/module.h"
+
+namespace QVHost {
+
+/// The functions for fonts are looked up when the panel opens: the program's list of imports stays as short as a
+/// command line needs it.
+class PanelLook {
+public:
+    PanelLook();
+    PanelLook(const PanelLook&) = delete;
+    PanelLook& operator=(const PanelLook&) = delete;
+    ~PanelLook();
+
+    /// The system's font for messages; null where it gives none, then controls keep their own.
+    HFONT Font() const { return m_font; }
+    /// `pixels` are meant at 96 to the inch.
+    int Scaled(int pixels) const { return MulDiv(pixels, m_pixelsPerInch, 96); }
+    /// A person who has chosen the system's colours for contrast gets no others.
+    bool UsesColours() const { return m_usesColours; }
+
+private:
+    Win32::Module m_graphics;
+    HFONT m_font = nullptr;
+    int m_pixelsPerInch = 96;
+    bool m_usesColours = true;
+};
+
+}  // namespace QVHost

@@ -1,0 +1,52 @@
+// panel_menu.h - the panel's menu bar and keys: its own commands, then what the extensions registered.
+#pragma once
+
+#include <optional>
+
+#include "host/language.h"
+#include "host/menus.h"
+#include "win32/handle.h"
+
+namespace QVHost {
+
+/// The panel's own commands, as they come in WM_COMMAND. The extensions' ones come as numbers behind
+/// `FirstOfExtensions`.
+namespace PanelCommand {
+enum : WORD {
+    OpenFolder = 100,
+    Up,
+    Back,
+    Refresh,
+    SelectAll,
+    CopyLog,
+    ClearLog,
+    Exit,
+    Address,
+    FirstOfExtensions = 1000,
+};
+}  // namespace PanelCommand
+
+struct MenuTraits {
+    using Raw = HMENU;
+    static Raw Empty() noexcept { return nullptr; }
+    static void Close(Raw raw) noexcept { DestroyMenu(raw); }
+};
+using UniqueMenu = Win32::UniqueHandle<MenuTraits>;
+
+struct KeysTraits {
+    using Raw = HACCEL;
+    static Raw Empty() noexcept { return nullptr; }
+    static void Close(Raw raw) noexcept { DestroyAcceleratorTable(raw); }
+};
+using UniqueKeys = Win32::UniqueHandle<KeysTraits>;
+
+UniqueMenu MakePanelMenu(const MenuModel& model, LanguageTexts& texts);
+UniqueKeys MakePanelKeys(const MenuModel& model);
+
+/// The extension's command behind a WM_COMMAND; null for one of the panel's own.
+const MenuModel::Command* CommandBehind(const MenuModel& model, WORD menuCommand);
+
+/// "Ctrl+Shift+J"; "" for no shortcut.
+std::wstring ShortcutText(uint32_t shortcut);
+
+}  // namespace QVHost

@@ -1,0 +1,51 @@
+// panel_texts.h - the panel's own texts. They stand in the section [Panel] of the language file, numbered as here.
+#pragma once
+
+#include "host/language.h"
+
+namespace QVHost {
+
+enum class PanelText : uint32_t {
+    Program = 1,
+    Menu,
+    OpenFolder,
+    Up,
+    Back,
+    Refresh,
+    SelectAll,
+    CopyLog,
+    ClearLog,
+    Exit,
+    Name,
+    Size,
+    Date,
+    Result,
+    Done,
+    Failed,
+    Skipped,
+    Folder,
+    CountOfItems,     // %d
+    CountOfSelected,  // %d of %d, %s
+    Address,
+    CannotOpen,  // %s: %s
+    NotHandled,  // %s
+    Drives,
+    Working,
+    ChooseFolder,
+    BackButton,
+    UpButton,
+    Last = UpButton,
+};
+
+inline constexpr wchar_t kPanelSection[] = L"Panel";
+
+/// The texts of the panel are of category "w".
+inline Quorvane::SDK::TextId TextIdOf(PanelText text) {
+    return Quorvane::SDK::MakeTextId(static_cast<uint32_t>(text), 'w');
+}
+
+inline const wchar_t* TextOf(LanguageTexts& texts, PanelText text) {
+    return texts.Find(kPanelSection, TextIdOf(text));
+}
+
+}  // namespace QVHost

@@ -1,0 +1,91 @@
+// panel_window.h - the panel: a folder, the menus of all extensions, and a log. It is the file manager's main window as
+// far as extensions can tell, and the place where the library is tried.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/panel/folder_view.h"
+#include "host/panel/log_pane.h"
+#include "host/panel/panel_look.h"
+#include "host/panel/panel_menu.h"
+#include "host/panel/panel_texts.h"
+#include "host/session.h"
+
+#include <shellapi.h>
+
+namespace QVHost {
+
+class PanelWindow final : public IPanelView {
+public:
+    /// Makes the window, still empty and hidden, and becomes the session's panel and main window: extensions may ask
+    /// for both while they start. @throws HostError where the system gives no window
+    explicit PanelWindow(Session& session);
+    PanelWindow(const PanelWindow&) = delete;
+    PanelWindow& operator=(const PanelWindow&) = delete;
+    ~PanelWindow() override;
+
+    /// After the extensions have started: fills the window with what they registered, and shows `path` - a folder, or a
+    /// file, which is selected in its folder.
+    void Open(const std::wstring& path);
+    bool IsOpen() const { return m_isOpen; }
+    /// Keys that belong to the panel; true when the message is dealt with.
+    bool PreTranslate(MSG& message);
+
+    Items SelectedItems() override;
+    Items FocusedGroup() override;
+    void ShowLine(std::wstring_view text, Tone tone) override;
+    void MarkFile(const std::wstring& path, uint32_t kind) override;
+    void FolderChanged(const std::wstring& folder) override;
+
+private:
+    /// What stands in the window once it is filled.
+    struct Content {
+        Content(HWND frame, Session& session, const PanelLook& look);
+        HWND back;
+        HWND up;
+        HWND label;
+        HWND address;
+        FolderView list;
+        LogPane log;
+        HWND status;
+    };
+
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT OnNotification(NMHDR& header);
+    void OnListKey(WORD key);
+    void OnLogKey(WORD key);
+    void OnCommand(WORD command);
+    void OnEnter();
+    void OnDrop(HDROP drop);
+    void Layout() const;
+
+    void RunCommand(uint32_t id);
+    /// The folder of a path and the name to select in it; the path itself when it is a folder.
+    void GoTo(const std::wstring& path);
+    enum class Way : uint8_t { Forward, Back };  // the way back is not remembered
+    bool ShowFolder(const std::wstring& folder, const std::wstring& focused = {}, Way way = Way::Forward);
+    void GoUp();
+    void GoBack();
+    void ChooseFolder();
+    void Refresh();
+    void ShowStatus() const;
+    void ShowAddress() const;
+    std::wstring Text(PanelText text) const;
+    bool IsOnOwnThread() const;
+
+    Session& m_session;
+    PanelLook m_look;
+    HWND m_frame = nullptr;  // owned by the session's state
+    UniqueMenu m_menu;
+    UniqueKeys m_keys;
+    std::optional<Content> m_content;
+    std::vector<std::wstring> m_before;  // folders shown earlier, the latest last
+    bool m_isOpen = false;
+    bool m_isBusy = false;  // a command runs, and may handle messages meanwhile
+    mutable bool m_isStatusOld = false;
+};
+
+}  // namespace QVHost

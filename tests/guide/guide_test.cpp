@@ -1,0 +1,123 @@
+// guide_test.cpp - runs the examples of the user guide, so that they stay true. Three kinds of fenced blocks count:
+// "file NAME" gives a sample file, "console" holds commands behind "> " with lines of their output below them, and
+// "show NAME" says what a file holds by then. All happens in one folder, in the order of the guide.
+#include <algorithm>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "host/run.h"
+#include "host/text.h"
+#include "host/unix_paths.h"
+#include "host/whole_file.h"
+#include "support/temporary_folder.h"
+#include "win32/windows.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+struct Block {
+    std::string kind;
+    std::wstring name;
+    Lines lines;
+};
+
+std::vector<Block> BlocksOf(const std::string& guide) {
+    std::vector<Block> blocks;
+    bool isInside = false;
+    for (const std::string_view line : QVHost::LinesOf(guide)) {
+        if (line.starts_with("```")) {
+            isInside = !isInside;
+            if (!isInside) continue;
+            const size_t blank = std::min(line.find(' '), line.size());
+            const std::string_view name = line.substr(std::min(blank + 1, line.size()));
+            blocks.push_back({std::string(line.substr(3, blank - 3)), QVHost::FromUtf8(name).value_or(L""), {}});
+        } else if (isInside) {
+            blocks.back().lines.emplace_back(line);
+        }
+    }
+    return blocks;
+}
+
+/// The words of a command line: blanks part them, but not between double quotes.
+std::vector<std::wstring> WordsOf(const std::string& command) {
+    std::vector<std::wstring> words(1);
+    bool isQuoted = false;
+    const std::wstring text = QVHost::FromUtf8(command).value_or(L"");
+    for (const wchar_t unit : text) {
+        if (unit == L'"')
+            isQuoted = !isQuoted;
+        else if (unit == L' ' && !isQuoted)
+            words.emplace_back();
+        else
+            words.back() += unit;
+    }
+    return words;
+}
+
+/// The command's output, log and notes together, one after the other.
+std::string OutputOf(const std::string& command, const std::wstring& config) {
+    std::vector<std::wstring> words = WordsOf(command);
+    EXPECT_EQ(words.front(), L"qvhost") << command;
+    words.front() = config;
+    words.insert(words.begin(), L"--config");
+    std::ostringstream out;
+    std::istringstream in;
+    QVHost::HostEnvironment environment = {.out = out,
+                                           .error = out,
+                                           .in = in,
+                                           .program = QV_HOST_PROGRAM,
+                                           .outIsTerminal = false,
+                                           .readAnswer = {},
+                                           .progressWatch = {}};
+    EXPECT_EQ(QVHost::RunQvHost(words, environment), 0) << command << "\n" << out.str();
+    return out.str();
+}
+
+/// "..." in an expected line stands for anything.
+bool Fits(std::string_view expected, std::string_view line) {
+    const size_t gap = expected.find("...");
+    if (gap == std::string_view::npos) return expected == line;
+    return line.size() >= expected.size() - 3 && line.starts_with(expected.substr(0, gap)) &&
+           line.ends_with(expected.substr(gap + 3));
+}
+
+void RunConsole(const Lines& lines, const std::wstring& config) {
+    std::string output;
+    for (const std::string& line : lines) {
+        if (line.starts_with("> ")) {
+            output = OutputOf(line.substr(2), config);
+            continue;
+        }
+        const std::vector<std::string_view> given = QVHost::LinesOf(output);
+        const bool isThere = std::ranges::any_of(given, [&](std::string_view one) { return Fits(line, one); });
+        EXPECT_TRUE(isThere) << "the guide says: " << line << "\nthe output is:\n" << output;
+    }
+}
+
+TEST(UserGuide, GivesExamplesThatDoWhatItSays) {
+    std::string guide;
+    ASSERT_EQ(QVHost::ReadWholeFile(QVHost::FullUserPath(QVHost::FromUtf8(QV_GUIDE).value_or(L"")), guide), 0u);
+    const QVTest::TemporaryFolder folder;
+    const QVTest::TemporaryFolder config;
+    std::wstring before(MAX_PATH, L'\0');
+    before.resize(GetCurrentDirectoryW(MAX_PATH, before.data()));
+    SetCurrentDirectoryW(folder.Path().c_str());
+    size_t examples = 0;
+    for (const Block& block : BlocksOf(guide)) {
+        std::string text;
+        for (const std::string& line : block.lines) text += line + "\r\n";
+        if (block.kind == "file") folder.Write(block.name, text);
+        if (block.kind == "show") {
+            EXPECT_EQ(folder.Read(block.name), text) << QVHost::ToUtf8(block.name);
+        }
+        if (block.kind != "console") continue;
+        RunConsole(block.lines, config.Path());
+        ++examples;
+    }
+    SetCurrentDirectoryW(before.c_str());
+    EXPECT_GE(examples, 8u) << "the guide's examples are looked for in the wrong way";
+}
+
+}  // namespace

@@ -1,0 +1,192 @@
+// panel_test.cpp - the panel: its parts as functions, and one story through the real window.
+#include <algorithm>
+
+#include <gtest/gtest.h>
+
+#include "host/panel/folder_rows.h"
+#include "host/panel/panel_menu.h"
+#include "host_runner.h"
+#include "support/dialog_driver.h"
+
+#include <commctrl.h>
+#include <shlobj.h>
+
+namespace {
+
+using namespace QVHost;
+using QVTest::WaitUntil;
+using Names = std::vector<std::wstring>;
+
+TEST(FolderRows, LeadUpToTheDrivesAndNoFurther) {
+    const struct {
+        const wchar_t* folder;
+        const wchar_t* above;
+    } cases[] = {
+        {LR"(C:\a\b)", LR"(C:\a)"},
+        {LR"(C:\a)", LR"(C:\)"},
+        {LR"(C:\)", L""},
+        {LR"(\\server\share\a)", LR"(\\server\share)"},
+        {LR"(\\server\share)", LR"(\\server\share)"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(FolderAbove(c.folder), c.above) << c.folder;
+}
+
+TEST(FolderRows, KeepFoldersAboveAndReadNumbersInNames) {
+    const QVTest::TemporaryFolder folder;
+    for (const wchar_t* name : {L"page 10.txt", L"page 2.txt", L"Big.txt"})
+        folder.Write(name, name[0] == L'B' ? "bbb" : "");
+    CreateDirectoryW((folder / L"zoo").c_str(), nullptr);
+    std::vector<FolderRow> rows;
+    ASSERT_EQ(ReadFolder(folder.Path(), rows), 0u);
+    const auto names = [&](RowOrder order, bool isDescending) {
+        SortRows(rows, order, isDescending);
+        Names result;
+        for (const FolderRow& row : rows) result.push_back(row.entry.name);
+        return result;
+    };
+    EXPECT_EQ(names(RowOrder::Name, true), (Names{L"zoo", L"page 10.txt", L"page 2.txt", L"Big.txt"}));
+    EXPECT_EQ(names(RowOrder::Size, false), (Names{L"zoo", L"page 2.txt", L"page 10.txt", L"Big.txt"}));
+    EXPECT_EQ(FindByBeginning(rows, L"PAGE", 2), 2);
+    EXPECT_EQ(FindByBeginning(rows, L"z", 2), 0) << "the search goes on at the top";
+    EXPECT_EQ(FindByBeginning(rows, L"q", 0), -1);
+    EXPECT_EQ(ReadFolder(folder / L"Big.txt", rows), uint32_t{ERROR_DIRECTORY});
+    EXPECT_EQ(rows.size(), 4u) << "a failure leaves the rows alone";
+}
+
+TEST(PanelMenu, WritesShortcutsAsPeopleDo) {
+    EXPECT_EQ(ShortcutText(0x0049004A), L"Ctrl+J");
+    EXPECT_EQ(ShortcutText(0x004D004A), L"Ctrl+Shift+J");
+    EXPECT_EQ(ShortcutText(Quorvane::SDK::kNoShortcut), L"");
+}
+
+/// The panel of this process, as a person sees it.
+class SeenPanel {
+public:
+    SeenPanel() {
+        const bool isThere = WaitUntil([&] {
+            m_frame = FindWindowW(L"QVHostPanel", nullptr);
+            DWORD process = 0;
+            GetWindowThreadProcessId(m_frame, &process);
+            return process == GetCurrentProcessId() && IsWindowVisible(m_frame);
+        });
+        EXPECT_TRUE(isThere);
+        for (HWND at = nullptr; (at = FindWindowExW(m_frame, at, WC_LISTVIEWW, nullptr)) != nullptr;)
+            m_lists.push_back(at);
+        EXPECT_EQ(m_lists.size(), 2u);
+    }
+    SeenPanel(const SeenPanel&) = delete;
+    SeenPanel& operator=(const SeenPanel&) = delete;
+    ~SeenPanel() { PostMessageW(m_frame, WM_CLOSE, 0, 0); }
+
+    Names Column(int column) const { return Cells(m_lists.front(), column); }
+    Names Log() const { return Cells(m_lists.back(), 0); }
+    std::wstring Title() const {
+        wchar_t text[512] = {};
+        GetWindowTextW(m_frame, text, 512);
+        return text;
+    }
+    std::wstring Status() const {
+        wchar_t text[128] = {};
+        SendMessageW(FindWindowExW(m_frame, nullptr, STATUSCLASSNAMEW, nullptr), SB_GETTEXTW, 0,
+                     reinterpret_cast<LPARAM>(text));
+        return text;
+    }
+    void Select(const Names& names) const {
+        const Names rows = Column(0);
+        for (int row = 0; row < static_cast<int>(rows.size()); ++row)
+            SetState(row, std::ranges::find(names, rows[static_cast<size_t>(row)]) == names.end() ? 0 : LVIS_SELECTED);
+    }
+    Names Selected() const {
+        Names names;
+        const Names rows = Column(0);
+        for (int row = -1; (row = ListView_GetNextItem(m_lists.front(), row, LVNI_SELECTED)) >= 0;)
+            names.push_back(rows[static_cast<size_t>(row)]);
+        return names;
+    }
+    /// Chooses the first entry of the menu bar's last menu, going down first entries.
+    void ChooseFirstOfLastMenu() const {
+        HMENU menu = GetSubMenu(GetMenu(m_frame), GetMenuItemCount(GetMenu(m_frame)) - 1);
+        while (HMENU sub = GetSubMenu(menu, 0)) menu = sub;
+        SendMessageW(m_frame, WM_COMMAND, GetMenuItemID(menu, 0), 0);
+    }
+    void Command(WORD command) const { SendMessageW(m_frame, WM_COMMAND, command, 0); }
+    void Drop(const Names& paths) const {
+        size_t units = 1;
+        for (const std::wstring& path : paths) units += path.size() + 1;
+        const HGLOBAL memory = GlobalAlloc(GHND, sizeof(DROPFILES) + units * sizeof(wchar_t));
+        auto* const head = static_cast<DROPFILES*>(GlobalLock(memory));
+        head->pFiles = sizeof(DROPFILES);
+        head->fWide = TRUE;
+        auto* text = reinterpret_cast<wchar_t*>(head + 1);
+        for (const std::wstring& path : paths) text = std::ranges::copy(path, text).out + 1;
+        GlobalUnlock(memory);
+        SendMessageW(m_frame, WM_DROPFILES, reinterpret_cast<WPARAM>(memory), 0);
+    }
+
+private:
+    static Names Cells(HWND list, int column) {
+        Names cells;
+        for (int row = 0; row < ListView_GetItemCount(list); ++row) {
+            wchar_t text[512] = {};
+            LVITEMW item = {};
+            item.iSubItem = column;
+            item.pszText = text;
+            item.cchTextMax = 512;
+            SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+            cells.emplace_back(text);
+        }
+        return cells;
+    }
+    void SetState(int row, UINT state) const {
+        LVITEMW item = {};
+        item.state = state;
+        item.stateMask = LVIS_SELECTED;
+        SendMessageW(m_lists.front(), LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    }
+
+    HWND m_frame = nullptr;
+    std::vector<HWND> m_lists;
+};
+
+TEST(Panel, ShowsAFolderRunsACommandAndMarksWhatBecameOfTheFiles) {
+    const QVTest::HostRunner host;
+    const QVTest::TemporaryFolder folder;
+    for (const wchar_t* name : {L"bad.txt", L"good.txt", L"other.txt"}) folder.Write(name, "12345");
+    CreateDirectoryW((folder / L"sub").c_str(), nullptr);
+    QVTest::HostRun run;
+    QVTest::WhileDriving(
+        [&](QVTest::DialogDriver&) {
+            const SeenPanel panel;
+            EXPECT_EQ(panel.Title(), folder.Path() + L" - 1w");
+            EXPECT_EQ(panel.Column(0), (Names{L"sub", L"bad.txt", L"good.txt", L"other.txt"}));
+            panel.Select({L"bad.txt", L"good.txt"});
+            EXPECT_TRUE(WaitUntil([&] { return panel.Status() == L"20w"; })) << "something is selected";
+
+            panel.ChooseFirstOfLastMenu();
+            EXPECT_TRUE(WaitUntil([&] { return panel.Log().size() == 2; }));
+            EXPECT_TRUE(panel.Log().front().starts_with(L"bad.txt in " + folder.Path())) << "the selection, in order";
+            EXPECT_EQ(panel.Column(3), (Names{L"", L"16w", L"15w", L""})) << "failed and done are marked";
+
+            folder.Write(L"added.txt", "");
+            panel.Command(PanelCommand::Refresh);
+            EXPECT_EQ(panel.Column(0).size(), 5u);
+            EXPECT_EQ(panel.Selected(), (Names{L"bad.txt", L"good.txt"})) << "in another place, still selected";
+            EXPECT_EQ(panel.Column(3)[2], L"16w") << "marks stay until the next command";
+
+            panel.Command(PanelCommand::Up);
+            EXPECT_NE(panel.Title(), folder.Path() + L" - 1w");
+            panel.Command(PanelCommand::Back);
+            EXPECT_EQ(panel.Title(), folder.Path() + L" - 1w");
+            panel.Drop({folder / L"other.txt", folder / L"sub"});
+            EXPECT_EQ(panel.Selected(), (Names{L"sub", L"other.txt"}));
+            panel.ChooseFirstOfLastMenu();
+            EXPECT_EQ(panel.Column(3), (Names{L"15w", L"", L"", L"", L"15w"})) << "the marks before are gone";
+        },
+        [&] {
+            run = host.Run({L"panel", folder / L"good.txt"});
+        });
+    EXPECT_EQ(run.status, 0) << run.error;
+    EXPECT_NE(run.out.find("other.txt in "), std::string::npos) << "log lines go to the console too";
+}
+
+}  // namespace
