@@ -2,6 +2,10 @@
 
 #include <algorithm>
 
+#include "win32/handle.h"
+
+#include <tlhelp32.h>
+
 namespace QVHost {
 namespace {
 
@@ -14,6 +18,18 @@ BOOL CALLBACK LookForForeignWindow(HWND window, LPARAM found) {
         process == GetCurrentProcessId() && thread != GetCurrentThreadId() && IsWindowVisible(window);
     if (isForeign) *reinterpret_cast<bool*>(found) = true;
     return !isForeign;
+}
+
+/// A search for windows sets up the desktop, which takes longer than most commands; with one thread there is none to
+/// find.
+bool IsOnlyThread() {
+    const Win32::FileHandle threads(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
+    THREADENTRY32 thread = {};
+    thread.dwSize = sizeof(thread);
+    int count = 0;
+    for (BOOL isThere = Thread32First(threads.Get(), &thread); isThere; isThere = Thread32Next(threads.Get(), &thread))
+        count += thread.th32OwnerProcessID == GetCurrentProcessId();
+    return count == 1;
 }
 
 bool IsEaten(Session& session, MSG& message) {
@@ -31,6 +47,7 @@ void RunQueuedCommands(Session& session) {
 }  // namespace
 
 bool HasWindowsOfOtherThreads() {
+    if (IsOnlyThread()) return false;
     bool isFound = false;
     EnumWindows(LookForForeignWindow, reinterpret_cast<LPARAM>(&isFound));
     return isFound;
