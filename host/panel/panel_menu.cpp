@@ -110,9 +110,9 @@ UniqueMenu MakeMenu(const MenuModel& model, const MenuModel::Menu& shown) {
             continue;
         }
         const std::wstring shortcut = ShortcutText(entry.command->shortcut);
-        const std::wstring text = keys.Put(OnOneLine(entry.command->text));
-        AppendMenuW(menu.Get(), MF_STRING, MenuCommandOf(model, entry.command),
-                    (shortcut.empty() ? text : text + L"\t" + shortcut).c_str());
+        std::wstring text = keys.Put(OnOneLine(entry.command->text));
+        if (!shortcut.empty()) text.append(1, L'\t').append(shortcut);
+        AppendMenuW(menu.Get(), MF_STRING, MenuCommandOf(model, entry.command), text.c_str());
     }
     return menu;
 }
