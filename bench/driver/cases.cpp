@@ -9,13 +9,10 @@ const char* const kSameLines =
     "[ \"$(LC_ALL=C sort $W/out.ours | md5sum)\" = \"$(LC_ALL=C sort $W/out.peer | md5sum)\" ]";
 
 /// Find and replace in a copy of a sample.
-Case Find(std::string name, const std::string& sample, uint64_t bytes, double limit, std::string aim, std::string peer,
-          std::string needs, const std::string& parameters, const std::string& peerFilter) {
+Case Find(std::string name, const std::string& sample, uint64_t bytes, Peer peer, const std::string& parameters,
+          const std::string& peerFilter) {
     return {std::move(name),
             std::move(peer),
-            std::move(needs),
-            limit,
-            std::move(aim),
             bytes,
             "B",
             {sample},
@@ -26,13 +23,10 @@ Case Find(std::string name, const std::string& sample, uint64_t bytes, double li
             kEqual};
 }
 
-Case Sort(std::string name, uint64_t lines, double limit, std::string aim, std::string peer,
-          const std::string& parameters, const std::string& peerCommand, const char* compare = kEqual) {
+Case Sort(std::string name, uint64_t lines, Peer peer, const std::string& parameters, const std::string& peerCommand,
+          const char* compare = kEqual) {
     return {std::move(name),
             std::move(peer),
-            "sort",
-            limit,
-            std::move(aim),
             lines,
             "lines",
             {"sort.txt"},
@@ -44,13 +38,10 @@ Case Sort(std::string name, uint64_t lines, double limit, std::string aim, std::
 }
 
 /// A menu command that changes a file in its place; the other tool writes beside it and moves the result over it.
-Case Convert(std::string name, const std::string& sample, uint64_t bytes, double limit, std::string aim,
-             std::string peer, std::string needs, const std::string& command, const std::string& peerFilter) {
+Case Convert(std::string name, const std::string& sample, uint64_t bytes, Peer peer, const std::string& command,
+             const std::string& peerFilter) {
     return {std::move(name),
             std::move(peer),
-            std::move(needs),
-            limit,
-            std::move(aim),
             bytes,
             "B",
             {sample},
@@ -63,71 +54,69 @@ Case Convert(std::string name, const std::string& sample, uint64_t bytes, double
 
 void AddSearches(std::vector<Case>& cases, const Data& data) {
     const uint64_t text = data.TextBytes();
-    cases.push_back(Find("literal, 100 hits", "few.txt", text, 1.0, "ripgrep", "GNU sed", "sed",
+    cases.push_back(Find("literal, 100 hits", "few.txt", text, {"GNU sed", "sed", 1.0, "ripgrep"},
                          "FIND=needle REPLACEWITH=pin", "sed s/needle/pin/g $W/in.txt"));
-    cases.push_back(Find("literal, a hit a line", "many.txt", text, 0.8, "sd", "GNU sed", "sed",
+    cases.push_back(Find("literal, a hit a line", "many.txt", text, {"GNU sed", "sed", 0.8, "sd"},
                          "FIND=needle REPLACEWITH=longer-pin", "sed s/needle/longer-pin/g $W/in.txt"));
-    Case none = Find("literal, no hit", "few.txt", text, 0.5, "grep", "GNU sed", "sed", "FIND=needlx REPLACEWITH=pin",
+    Case none = Find("literal, no hit", "few.txt", text, {"GNU sed", "sed", 0.5, "grep"}, "FIND=needlx REPLACEWITH=pin",
                      "sed s/needlx/pin/g $W/in.txt");
     none.compare = "[ ! -e $W/out.ours ]";
     cases.push_back(none);
-    cases.push_back(Find("wildcard, 100 hits", "few.txt", text, 0.65, "0.8 of sd", "GNU sed", "sed",
+    cases.push_back(Find("wildcard, 100 hits", "few.txt", text, {"GNU sed", "sed", 0.65, "0.8 of sd"},
                          "WILDCARD FIND=nee?le REPLACEWITH=pin", "sed s/nee.le/pin/g $W/in.txt"));
-    cases.push_back(Find("wildcard, a hit a line", "many.txt", text, 0.65, "0.8 of sd", "perl", "perl",
+    cases.push_back(Find("wildcard, a hit a line", "many.txt", text, {"perl", "perl", 0.65, "0.8 of sd"},
                          "WILDCARD 'FIND=request*ms' REPLACEWITH=pin", "perl -pe 's/request.*ms/pin/g' $W/in.txt"));
-    cases.push_back(Find("three pairs", "many.txt", text, 0.65, "0.45", "GNU sed", "sed",
+    cases.push_back(Find("three pairs", "many.txt", text, {"GNU sed", "sed", 0.65, "0.45"},
                          "MODE=Many 'FIND=worker\\nrequest\\nneedle' 'REPLACEWITH=thread\\ncall\\npin'",
                          "sed -e s/worker/thread/g -e s/request/call/g -e s/needle/pin/g $W/in.txt"));
-    cases.push_back(Find("over line breaks", "many.txt", text, 1.0, "sd", "perl -0777", "perl",
+    cases.push_back(Find("over line breaks", "many.txt", text, {"perl -0777", "perl", 1.0, "sd"},
                          "MODE=Multiline 'FIND=needle\\n2026-03-07' 'REPLACEWITH=pin\\n2027-04-08'",
                          "perl -0777 -pe 's/needle\\n2026-03-07/pin\\n2027-04-08/g' $W/in.txt"));
-    cases.push_back(Find("UTF-16, 100 hits", "few16.txt", text, 0.7, "perl on bytes", "iconv, sed, iconv", "iconv",
+    cases.push_back(Find("UTF-16, 100 hits", "few16.txt", text, {"iconv, sed, iconv", "iconv", 0.7, "perl on bytes"},
                          "FIND=needle REPLACEWITH=pin",
                          "iconv -f UTF-16 -t UTF-8 $W/in.txt | sed s/needle/pin/g | iconv -f UTF-8 -t UTF-16"));
-    cases.push_back(Find("UTF-16, a hit a line", "many16.txt", text, 0.7, "perl on bytes", "iconv, sed, iconv", "iconv",
-                         "FIND=needle REPLACEWITH=pin",
+    cases.push_back(Find("UTF-16, a hit a line", "many16.txt", text,
+                         {"iconv, sed, iconv", "iconv", 0.7, "perl on bytes"}, "FIND=needle REPLACEWITH=pin",
                          "iconv -f UTF-16 -t UTF-8 $W/in.txt | sed s/needle/pin/g | iconv -f UTF-8 -t UTF-16"));
-    cases.push_back(Find("one line, 600,000 hits", "line.txt", data.LineBytes(), 1.0, "sd", "GNU sed", "sed",
+    cases.push_back(Find("one line, 600,000 hits", "line.txt", data.LineBytes(), {"GNU sed", "sed", 1.0, "sd"},
                          "FIND=needle REPLACEWITH=longer-pin", "sed s/needle/longer-pin/g $W/in.txt"));
 }
 
 void AddSorts(std::vector<Case>& cases, const Data& data) {
     const uint64_t lines = data.SortLines();
     const std::string gnu = "LC_ALL=C sort -s --parallel=1 ";
-    cases.push_back(Sort("sort lines", lines, 0.9, "its two-thread time", "GNU sort", "", gnu));
-    cases.push_back(Sort("sort, ignore case", lines, 0.9, "its two-thread time", "GNU sort", "IGNORECASE", gnu + "-f"));
-    cases.push_back(Sort("sort by number", lines, 0.9, "its two-thread time", "GNU sort",
+    cases.push_back(Sort("sort lines", lines, {"GNU sort", "sort", 0.9, "its two-thread time"}, "", gnu));
+    cases.push_back(
+        Sort("sort, ignore case", lines, {"GNU sort", "sort", 0.9, "its two-thread time"}, "IGNORECASE", gnu + "-f"));
+    cases.push_back(Sort("sort by number", lines, {"GNU sort", "sort", 0.9, "its two-thread time"},
                          "SORTBY=item 'ITEMSEP=;' ITEM=2 SORTAS=num", gnu + "-t';' -k2,2n"));
-    cases.push_back(Sort("sort by date", lines, 0.4, "0.3", "GNU sort",
+    cases.push_back(Sort("sort by date", lines, {"GNU sort", "sort", 0.4, "0.3"},
                          "SORTBY=item 'ITEMSEP=;' ITEM=3 SORTAS=date DATEFORMAT=%d.%m.%Y",
                          gnu + "-t';' -k3.7,3.10n -k3.4,3.5n -k3.1,3.2n"));
     // The two orders are not the same in every detail, so only the lines are compared.
-    cases.push_back(Sort("sort, language-aware", lines, 0.7, "0.5", "GNU sort, en_US", "LANGUAGEORDER",
+    cases.push_back(Sort("sort, language-aware", lines, {"GNU sort, en_US", "sort", 0.7, "0.5"}, "LANGUAGEORDER",
                          "LOCPATH=$D/locale LC_ALL=en_US.UTF-8 sort -s --parallel=1", kSameLines));
     cases.back().prepare +=
         "; [ -e $D/locale/en_US.UTF-8 ] || "
         "{ mkdir -p $D/locale; localedef -i en_US -f UTF-8 $D/locale/en_US.UTF-8; }";
-    cases.push_back(Sort("sort, natural", lines, 0.55, "0.35", "GNU sort -V",
+    cases.push_back(Sort("sort, natural", lines, {"GNU sort -V", "sort", 0.55, "0.35"},
                          "SORTBY=item 'ITEMSEP=;' ITEM=4 LANGUAGEORDER NATRUALNUMORDER", gnu + "-t';' -k4,4V"));
 }
 
 void AddConversions(std::vector<Case>& cases, const Data& data) {
     const uint64_t text = data.TextBytes();
-    cases.push_back(Convert("to LF", "crlf.txt", text, 0.75, "1.15 of a copy", "tr", "tr",
+    cases.push_back(Convert("to LF", "crlf.txt", text, {"tr", "tr", 0.75, "1.15 of a copy"},
                             "--answer yes command 30101 $W/out.ours", "tr -d '\\r'"));
-    cases.push_back(Convert("to CR LF", "few.txt", text, 0.75, "1.15 of a copy", "GNU sed", "sed",
+    cases.push_back(Convert("to CR LF", "few.txt", text, {"GNU sed", "sed", 0.75, "1.15 of a copy"},
                             "--answer yes command 30102 $W/out.ours", "sed 's/$/\\r/'"));
-    cases.push_back(Convert("tabs to spaces", "tabs.txt", text, 0.7, "0.55", "sd", "sd",
+    cases.push_back(Convert("tabs to spaces", "tabs.txt", text, {"sd", "sd", 0.7, "0.55"},
                             "--answer yes --answer 4 command 30110 $W/out.ours", "sd '\\t' '    '"));
     const std::string encode =
         "perl -MMIME::Base64 -e 'binmode STDIN; while (read(STDIN, $b, 57 * 1024)) "
         "{ print encode_base64($b, \"\\r\\n\") }' < $D/bytes.bin > $W/out.peer";
     const std::string decode = "perl -MMIME::Base64 -ne 'print decode_base64($_)' < $W/body > $W/out.peer";
     cases.push_back({"Base64 encode",
-                     "perl MIME",
-                     "perl",
-                     0.95,
-                     "1.3 of a copy",
+                     {"perl MIME", "perl", 0.95, "1.3 of a copy"},
                      text,
                      "B",
                      {"bytes.bin"},
@@ -138,10 +127,7 @@ void AddConversions(std::vector<Case>& cases, const Data& data) {
                      "base64 -di $W/out.peer | cmp - $W/bytes.bin && "
                      "sed '1,/^\\r*$/d' $W/bytes.bin.b64 | base64 -di | cmp - $W/bytes.bin"});
     cases.push_back({"Base64 decode",
-                     "perl MIME",
-                     "perl",
-                     0.95,
-                     "1.3 of a copy",
+                     {"perl MIME", "perl", 0.95, "1.3 of a copy"},
                      text,
                      "B",
                      {"bytes.bin"},
@@ -164,10 +150,7 @@ std::string CopyOf(const std::string& sample, const std::string& copy) {
 void AddFiles(std::vector<Case>& cases, const Data& data) {
     cases.push_back(
         {"small files, a hit each",
-         "bare loop",
-         "sh",
-         1.5,
-         "1.3",
+         {"bare loop", "sh", 1.5, "1.3"},
          data.SmallFiles(),
          "files",
          {"small"},
@@ -178,10 +161,7 @@ void AddFiles(std::vector<Case>& cases, const Data& data) {
          "exec $WINE $LOOPS/small_files_loop.exe $W/peer.list",
          "diff -r $W/ours $W/peer"});
     cases.push_back({"rename files",
-                     "bare loop",
-                     "sh",
-                     1.3,
-                     "1.15",
+                     {"bare loop", "sh", 1.3, "1.15"},
                      data.RenamedFiles(),
                      "files",
                      {"renamed"},
@@ -191,10 +171,7 @@ void AddFiles(std::vector<Case>& cases, const Data& data) {
                      "exec $WINE $LOOPS/rename_loop.exe $W/peer.list",
                      "diff -r $W/ours $W/peer"});
     cases.push_back({"rename preview",
-                     "perl",
-                     "perl",
-                     0.5,
-                     "0.3",
+                     {"perl", "perl", 0.5, "0.3"},
                      data.PreviewNames(),
                      "names",
                      {"names"},
@@ -208,10 +185,7 @@ void AddFiles(std::vector<Case>& cases, const Data& data) {
                      "print \"$n\\t$w\\t$state\\n\"' $D/names.list",
                      ""});
     cases.push_back({"columns",
-                     "bare loop",
-                     "sh",
-                     1.3,
-                     "1.1",
+                     {"bare loop", "sh", 1.3, "1.1"},
                      data.SmallFiles(),
                      "files",
                      {"small"},

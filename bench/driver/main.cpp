@@ -91,9 +91,9 @@ Result Measure(const Case& job, const Options& options, const Data& data) {
     result.job = job;
     const Workshop workshop(options);
     SetVariables(options, SamplesOf(options, options.scale), workshop.folder);
-    if (Run("command -v " + job.needs, workshop.log).exitStatus != 0) {
+    if (Run("command -v " + job.peer.program, workshop.log).exitStatus != 0) {
         result.verdict = Verdict::PeerMissing;
-        result.remark = job.needs + " is not installed";
+        result.remark = job.peer.program + " is not installed";
         return result;
     }
     try {
@@ -105,7 +105,9 @@ Result Measure(const Case& job, const Options& options, const Data& data) {
             if (IsCheaper(peer, result.peer)) result.peer = peer;
         }
         const bool isEqual = job.compare.empty() || Run(job.compare, workshop.log).exitStatus == 0;
-        result.verdict = !isEqual ? Verdict::Differs : result.Ratio() <= job.limit ? Verdict::Holds : Verdict::Misses;
+        result.verdict = !isEqual                           ? Verdict::Differs
+                         : result.Ratio() <= job.peer.limit ? Verdict::Holds
+                                                            : Verdict::Misses;
     } catch (const std::exception& error) {
         result.verdict = Verdict::Failed;
         result.remark = error.what();

@@ -39,12 +39,13 @@ void PrintHead() {
 void PrintRow(const Result& result) {
     const Case& job = result.job;
     if (result.verdict == Verdict::PeerMissing || result.verdict == Verdict::Failed) {
-        std::printf("%-24s %8s %-18s %s: %s\n", job.name.c_str(), "", job.peer.c_str(), TextOf(result.verdict),
+        std::printf("%-24s %8s %-18s %s: %s\n", job.name.c_str(), "", job.peer.name.c_str(), TextOf(result.verdict),
                     result.remark.c_str());
     } else {
         std::printf("%-24s %6.2f s %-18s %6.2f s %6.2f %6.2f %8s %18s %5ld MB  %s\n", job.name.c_str(),
-                    result.ours.seconds, job.peer.c_str(), result.peer.seconds, result.Ratio(), job.limit,
-                    TextOf(result.verdict), SpeedOf(result).c_str(), result.ours.peakKilobytes / 1024, job.aim.c_str());
+                    result.ours.seconds, job.peer.name.c_str(), result.peer.seconds, result.Ratio(), job.peer.limit,
+                    TextOf(result.verdict), SpeedOf(result).c_str(), result.ours.peakKilobytes / 1024,
+                    job.peer.aim.c_str());
     }
     std::fflush(stdout);
 }
@@ -60,13 +61,13 @@ void WriteJson(const std::string& path, const std::vector<Result>& results, doub
     nlohmann::json rows = nlohmann::json::array();
     for (const Result& result : results)
         rows.push_back({{"case", result.job.name},
-                        {"peer", result.job.peer},
+                        {"peer", result.job.peer.name},
                         {"seconds", result.ours.seconds},
                         {"peerSeconds", result.peer.seconds},
                         {"processorSeconds", result.ours.processorTime},
                         {"peerProcessorSeconds", result.peer.processorTime},
                         {"ratio", result.Ratio()},
-                        {"limit", result.job.limit},
+                        {"limit", result.job.peer.limit},
                         {"amount", result.job.amount},
                         {"unit", result.job.unit},
                         {"peakKilobytes", result.ours.peakKilobytes},

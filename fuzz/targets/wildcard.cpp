@@ -1,105 +1,41 @@
 // Wildcards: against the standard expression that a pattern stands for, on texts that the standard engine survives.
 #include "findreplace/wildcard.h"
 
-#include <optional>
-
 #include "fuzz/input.h"
+#include "tests/support/standard_wildcard.h"
 
 namespace QVFuzz {
 namespace {
 
-struct TooManySteps {};
+constexpr int kSteps = 4000;
 
-/// A place in a text that counts the steps of the standard engine, which can explode.
-template <class CharT>
-class CountedPlace {
-public:
-    using iterator_category = std::bidirectional_iterator_tag;
-    using value_type = CharT;
-    using difference_type = std::ptrdiff_t;
-    using pointer = const CharT*;
-    using reference = const CharT&;
-
-    CountedPlace() = default;
-    CountedPlace(const CharT* at, int* left) : m_at(at), m_left(left) {}
-    reference operator*() const { return *m_at; }
-    CountedPlace& operator++() { return ++m_at, *this; }
-    CountedPlace operator++(int) { return {m_at++, m_left}; }
-    CountedPlace& operator--() { return --m_at, *this; }
-    CountedPlace operator--(int) { return {m_at--, m_left}; }
-    bool operator==(const CountedPlace& other) const {
-        if (m_left && --*m_left < 0) throw TooManySteps();
-        return m_at == other.m_at;
-    }
-    const CharT* Get() const { return m_at; }
-
-private:
-    const CharT* m_at = nullptr;
-    int* m_left = nullptr;
-};
-
-struct Found {
-    int code = 0;  // of the error; 0: none
-    bool isFound = false;
-    size_t start = 0;
-    size_t length = 0;
-    bool operator==(const Found&) const = default;
-};
-
-/// In wchar_t, which the standard engine knows on every platform.
-Found ByTheStandard(const std::wstring& pattern, bool ignoreCase, const std::wstring& text) {
-    std::wstring expression;
-    for (const wchar_t unit : pattern) {
-        const bool isSpecial = std::wstring_view(L"\\^.$|()[]+/").find(unit) != std::wstring_view::npos;
-        if (unit == L'?') {
-            expression += L'.';
-        } else if (unit == L'*') {
-            expression += L".*";
-        } else {
-            if (isSpecial) expression += L'\\';
-            expression += unit;
-        }
-    }
-    try {
-        auto flags = std::regex_constants::ECMAScript;
-        if (ignoreCase) flags |= std::regex_constants::icase;
-        const std::wregex compiled(expression, flags);
-        int left = 4000;
-        using Place = CountedPlace<wchar_t>;
-        std::match_results<Place> match;
-        const wchar_t* const begin = text.data();
-        if (!std::regex_search(Place(begin, &left), Place(begin + text.size(), &left), match, compiled)) return {};
-        return {0, true, static_cast<size_t>(match[0].first.Get() - begin), static_cast<size_t>(match[0].length())};
-    } catch (const std::regex_error& error) {
-        return {static_cast<int>(error.code())};
-    }
-}
+using QVTest::WildcardResult;
 
 template <class CharT>
-Found ByOurs(const std::basic_string<CharT>& pattern, bool ignoreCase, std::basic_string_view<CharT> text) {
-    try {
+WildcardResult ByOurs(const std::basic_string<CharT>& pattern, bool ignoreCase, std::basic_string_view<CharT> text) {
+    return QVTest::ResultOf([&]() -> WildcardResult {
         const auto matcher = QVFindAndReplace::MakeWildcardMatcher<CharT>(pattern, ignoreCase);
         QVFindAndReplace::Span span;
-        const bool isFound = matcher->Find(text, span);
-        if (isFound) Require(matcher->FindCandidate(text) != nullptr, "a hit's text is a candidate");
-        return isFound ? Found{0, true, span.start, span.length} : Found{};
-    } catch (const QVFindAndReplace::WildcardError& error) {
-        return {static_cast<int>(error.code())};
-    }
+        if (!matcher->Find(text, span)) return {};
+        Require(matcher->FindCandidate(text) != nullptr, "a hit's text is a candidate");
+        return {0, true, span.start, span.length};
+    });
 }
 
 template <class CharT>
 void Compare(std::string_view patternBytes, bool ignoreCase, std::string_view textBytes, bool hasStandard) {
     const auto pattern = Widened<CharT>(patternBytes);
     const Exact<CharT> text(Widened<CharT>(textBytes));
-    const Found ours = ByOurs<CharT>(pattern, ignoreCase, text.View());
+    const WildcardResult ours = ByOurs<CharT>(pattern, ignoreCase, text.View());
     if (ours.isFound) Require(ours.start + ours.length <= text.View().size(), "a hit lies in the text");
     if (!hasStandard) return;
+    // In wchar_t, which the standard engine knows on every platform.
+    const std::wstring widePattern(pattern.begin(), pattern.end());
     const std::wstring wideText(text.View().begin(), text.View().end());
     try {
-        const Found standard = ByTheStandard(std::wstring(pattern.begin(), pattern.end()), ignoreCase, wideText);
+        const WildcardResult standard = QVTest::SearchByTheStandard<wchar_t>(widePattern, ignoreCase, wideText, kSteps);
         Require(ours == standard, "what the standard engine finds");
-    } catch (const TooManySteps&) {
+    } catch (const QVTest::TooManySteps&) {
     }
 }
 

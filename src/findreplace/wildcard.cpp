@@ -238,7 +238,7 @@ private:
 };
 
 /// What stands between two stars: characters and question marks, of fixed length. Searched by its longest run of
-/// characters. The text must hold nothing that a question mark does not stand for.
+/// characters. A question mark stands for whatever there is: whoever needs a hit gives a text without line breaks.
 template <class CharT>
 class Segment {
 public:

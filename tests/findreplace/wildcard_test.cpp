@@ -1,95 +1,25 @@
 #include "findreplace/wildcard.h"
 
-#include <optional>
+#include <memory>
 #include <random>
 
 #include <gtest/gtest.h>
+
+#include "support/standard_wildcard.h"
 
 using namespace QVFindAndReplace;
 
 namespace {
 
-/// Counts the reference engine's steps, which can explode.
-struct TooManySteps {};
+using QVTest::WildcardResult;
 
 template <class CharT>
-class CountingIterator {
-public:
-    using iterator_category = std::bidirectional_iterator_tag;
-    using value_type = CharT;
-    using difference_type = std::ptrdiff_t;
-    using pointer = const CharT*;
-    using reference = const CharT&;
-
-    CountingIterator() = default;
-    CountingIterator(const CharT* at, int* steps) : m_at(at), m_steps(steps) {}
-    reference operator*() const { return *m_at; }
-    CountingIterator& operator++() { return ++m_at, *this; }
-    CountingIterator operator++(int) { return {m_at++, m_steps}; }
-    CountingIterator& operator--() { return --m_at, *this; }
-    CountingIterator operator--(int) { return {m_at--, m_steps}; }
-    bool operator==(const CountingIterator& other) const {
-        if (m_steps && --*m_steps < 0) throw TooManySteps();
-        return m_at == other.m_at;
-    }
-    const CharT* Get() const { return m_at; }
-
-private:
-    const CharT* m_at = nullptr;
-    int* m_steps = nullptr;
-};
-
-/// The expression that a wildcard pattern means.
-template <class CharT>
-std::basic_string<CharT> Expression(const std::basic_string<CharT>& pattern) {
-    static const std::string kEscaped = "\\^.$|()[]+/";
-    std::basic_string<CharT> expression;
-    for (const CharT unit : pattern) {
-        if (unit == CharT('?')) {
-            expression += CharT('.');
-        } else if (unit == CharT('*')) {
-            expression += {CharT('.'), CharT('*')};
-        } else {
-            if (unit < 0x80 && kEscaped.find(static_cast<char>(unit)) != std::string::npos) expression += CharT('\\');
-            expression += unit;
-        }
-    }
-    return expression;
-}
-
-/// What a search gives: start and length, nothing, or an error code below zero.
-using Result = std::optional<std::pair<int, int>>;
-
-template <class CharT>
-Result Reference(const std::basic_string<CharT>& pattern, bool ignoreCase, const std::basic_string<CharT>& text,
-                 size_t column) {
-    int steps = 20'000;
-    try {
-        const auto flags = std::regex_constants::ECMAScript |
-                           (ignoreCase ? std::regex_constants::icase : std::regex_constants::syntax_option_type());
-        const std::basic_regex<CharT> expression(Expression(pattern), flags);
-        using Iterator = CountingIterator<CharT>;
-        std::match_results<Iterator> match;
-        const CharT* const begin = text.data() + column;
-        const CharT* const end = text.data() + text.size();
-        if (!std::regex_search(Iterator(begin, &steps), Iterator(end, &steps), match, expression)) return std::nullopt;
-        return std::pair(int(match[0].first.Get() - begin), int(match[0].second.Get() - match[0].first.Get()));
-    } catch (const std::regex_error& error) {
-        return std::pair(-1, int(error.code()));
-    }
-}
-
-template <class CharT>
-Result Ours(const std::basic_string<CharT>& pattern, bool ignoreCase, const std::basic_string<CharT>& text,
-            size_t column) {
-    try {
+WildcardResult Ours(const std::basic_string<CharT>& pattern, bool ignoreCase, std::basic_string_view<CharT> text) {
+    return QVTest::ResultOf([&]() -> WildcardResult {
         Span span;
-        const auto view = std::basic_string_view<CharT>(text).substr(column);
-        if (!MakeWildcardMatcher<CharT>(pattern, ignoreCase)->Find(view, span)) return std::nullopt;
-        return std::pair(int(span.start), int(span.length));
-    } catch (const std::regex_error& error) {
-        return std::pair(-1, int(error.code()));
-    }
+        if (!MakeWildcardMatcher<CharT>(pattern, ignoreCase)->Find(text, span)) return {};
+        return {0, true, span.start, span.length};
+    });
 }
 
 template <class CharT>
@@ -146,33 +76,68 @@ TYPED_TEST(Wildcard, FindsWhatTheExpressionFinds) {
         const auto text = RandomLine<CharT>(random);
         const size_t column = random() % (text.size() + 1);
         const bool ignoreCase = random() % 2 == 0;
-        Result expected;
+        const auto searched = std::basic_string_view<CharT>(text).substr(column);
+        WildcardResult expected;
         try {
-            expected = Reference(pattern, ignoreCase, text, column);
-        } catch (const TooManySteps&) {
+            expected = QVTest::SearchByTheStandard<CharT>(pattern, ignoreCase, searched, 20'000);
+        } catch (const QVTest::TooManySteps&) {
             ++skipped;
             continue;
         }
-        ASSERT_EQ(Ours(pattern, ignoreCase, text, column), expected)
+        ASSERT_EQ(Ours<CharT>(pattern, ignoreCase, searched), expected)
             << "pattern " << std::string(pattern.begin(), pattern.end()) << " text "
             << testing::PrintToString(std::string(text.begin(), text.end())) << " column " << column;
     }
     EXPECT_LT(skipped, 2000);
 }
 
+// A stretch of lines is looked at as a whole, with breaks in it that no question mark stands for.
+TYPED_TEST(Wildcard, NoLineBeforeTheCandidateHasAHit) {
+    using CharT = TypeParam;
+    std::mt19937 random(5);
+    for (int round = 0; round < 20'000; ++round) {
+        const auto pattern = RandomPattern<CharT>(random);
+        const bool ignoreCase = random() % 2 == 0;
+        std::unique_ptr<LineMatcher<CharT>> matcher;
+        try {
+            matcher = MakeWildcardMatcher<CharT>(pattern, ignoreCase);
+        } catch (const WildcardError&) {
+            continue;
+        }
+        std::basic_string<CharT> lines;
+        size_t firstHit = lines.npos;  // where the first line with a hit ends
+        for (int line = 0; line < 5; ++line) {
+            auto text = RandomLine<CharT>(random);
+            std::erase(text, CharT('\n'));
+            Span span;
+            lines += text;
+            if (firstHit == lines.npos && matcher->Find(text, span)) firstHit = lines.size();
+            lines += CharT('\n');
+        }
+        const CharT* const candidate = matcher->FindCandidate(lines);
+        if (firstHit == lines.npos) continue;
+        ASSERT_NE(candidate, nullptr) << std::string(pattern.begin(), pattern.end());
+        ASSERT_LE(static_cast<size_t>(candidate - lines.data()), firstHit)
+            << std::string(pattern.begin(), pattern.end());
+    }
+}
+
 TYPED_TEST(Wildcard, LongLinesNeedNoStackAndLittleTime) {
     using CharT = TypeParam;
     std::basic_string<CharT> line(1'000'000, CharT('a'));
     const auto find = [&](const std::string& pattern) {
-        return Ours(std::basic_string<CharT>(pattern.begin(), pattern.end()), false, line, 0);
+        return Ours<CharT>(std::basic_string<CharT>(pattern.begin(), pattern.end()), false, line);
     };
-    EXPECT_EQ(find("a?*b"), std::nullopt);
-    EXPECT_EQ(find("*a*b*c*d*z"), std::nullopt);
-    EXPECT_EQ(find("a*a"), (std::pair(0, 1'000'000)));
-    EXPECT_EQ(find("a{3}b"), std::nullopt);
-    EXPECT_EQ(find("a{2,}"), (std::pair(0, 1'000'000)));
-    EXPECT_EQ(find("a{99999}{99999}"), (std::pair(-1, int(std::regex_constants::error_space))));
-    EXPECT_EQ(find("a{99999999999999999999}"), (std::pair(-1, int(std::regex_constants::error_space))));
+    const WildcardResult nothing;
+    const WildcardResult everything = {0, true, 0, 1'000'000};
+    const WildcardResult tooLarge = {static_cast<int>(std::regex_constants::error_space) + 1};
+    EXPECT_EQ(find("a?*b"), nothing);
+    EXPECT_EQ(find("*a*b*c*d*z"), nothing);
+    EXPECT_EQ(find("a*a"), everything);
+    EXPECT_EQ(find("a{3}b"), nothing);
+    EXPECT_EQ(find("a{2,}"), everything);
+    EXPECT_EQ(find("a{99999}{99999}"), tooLarge);
+    EXPECT_EQ(find("a{99999999999999999999}"), tooLarge);
 }
 
 TEST(WildcardError, NamesTheFaultAndThePattern) {

@@ -49,6 +49,18 @@ WritingCommand Enlarged(WritingCommand command) {
     return command;
 }
 
+/// Starts the command and kills it at a moment of chance, which is given back: milliseconds, at most `time`. Whether it
+/// was done by then is chance too, and right either way.
+DWORD KillWithin(DWORD time, const WorkFolder& work) {
+    static std::mt19937 random(std::random_device{}());
+    const Win32::KernelHandle process = Start(work.Arguments());
+    const DWORD moment = random() % (time + 1);
+    WaitForSingleObject(process.Get(), moment);
+    TerminateProcess(process.Get(), 1);
+    EXPECT_EQ(WaitForSingleObject(process.Get(), kPatience), WAIT_OBJECT_0);
+    return moment;
+}
+
 }  // namespace
 
 class Kills : public testing::TestWithParam<WritingCommand> {};
@@ -63,15 +75,9 @@ TEST_P(Kills, LoseNothing) {
         done = work.Read();
         ASSERT_TRUE(done != command.files);
     }
-    static std::mt19937 random(std::random_device{}());
     for (int count = KillCount(); count > 0; --count) {
         const WorkFolder work(command);
-        const Win32::KernelHandle process = Start(work.Arguments());
-        // When the kill comes is chance, and whether the command was done before: both are right.
-        const DWORD moment = random() % (time + 1);
-        WaitForSingleObject(process.Get(), moment);
-        TerminateProcess(process.Get(), 1);
-        ASSERT_EQ(WaitForSingleObject(process.Get(), kPatience), WAIT_OBJECT_0);
+        const DWORD moment = KillWithin(time, work);
         const Contents now = work.Read();
         std::vector<std::wstring> names;
         for (const auto& entry : now) names.push_back(entry.first);
@@ -106,14 +112,9 @@ TEST(KillsOfRenaming, CanBeUndone) {
         time = RunToEnd(work.Arguments());
         ASSERT_TRUE(work.Read() != command.files);
     }
-    static std::mt19937 random(std::random_device{}());
     for (int count = KillCount(); count > 0; --count) {
         const WorkFolder work(command);
-        const Win32::KernelHandle process = Start(work.Arguments());
-        const DWORD moment = random() % (time + 1);
-        WaitForSingleObject(process.Get(), moment);
-        TerminateProcess(process.Get(), 1);
-        ASSERT_EQ(WaitForSingleObject(process.Get(), kPatience), WAIT_OBJECT_0);
+        const DWORD moment = KillWithin(time, work);
         // Without a session nothing was begun; with one everything comes back.
         RunToEnd({L"--config", work.Settings().Path(), L"undo", L"restore", L"last"});
         EXPECT_EQ(work.Read(), command.files) << "killed after " << moment << " of " << time << " ms";
