@@ -28,10 +28,39 @@ uint64_t HashOf(std::wstring_view name, uint64_t seed) {
     return hash ^ (hash >> 32);
 }
 
+/// Four units at once, all of them ASCII, with a to z as A to Z.
+uint64_t UpperAsciiUnits(uint64_t units) {
+    constexpr uint64_t kEach = 0x0001000100010001;
+    // The eighth bit of each sum says whether the unit is at or beyond that letter.
+    const uint64_t isLetter = (units + (0x80 - 'a') * kEach) & ~(units + (0x7F - 'z') * kEach) & 0x80 * kEach;
+    return units - (isLetter >> 2);
+}
+
+template <class Fold>
+uint64_t Packed(std::wstring_view units, Fold&& fold) {
+    uint64_t packed = 0;
+    for (const wchar_t unit : units) packed = packed << 16 | static_cast<uint16_t>(fold(unit));
+    return packed;
+}
+
+/// Equal for names that the file system takes for one. For tables in memory only: it may change at any time.
+uint32_t TableHash(uint32_t folder, std::wstring_view name) {
+    constexpr size_t kUnits = sizeof(uint64_t) / sizeof(char16_t);
+    constexpr uint64_t kNotAscii = 0xFF80FF80FF80FF80;
+    uint64_t hash = folder * 0x9E3779B97F4A7C15 + name.size();
+    for (; !name.empty(); name.remove_prefix(std::min(kUnits, name.size()))) {
+        const std::wstring_view piece = name.substr(0, kUnits);
+        const uint64_t units = Packed(piece, [](wchar_t unit) { return unit; });
+        const uint64_t folded = (units & kNotAscii) == 0 ? UpperAsciiUnits(units) : Packed(piece, UpperWide);
+        hash = (hash ^ folded) * 0xD6E8FEB86659FD93;
+        hash ^= hash >> 32;
+    }
+    return static_cast<uint32_t>(hash);
+}
+
 /// One name in one folder: who has it, who wants it.
 struct Place {
     std::wstring_view name;
-    uint64_t hash = 0;
     uint32_t folder = 0;
     uint32_t holder = kNone;  // the first row whose current name this is
     uint32_t wanter = kNone;
@@ -43,42 +72,49 @@ struct Place {
 /// each name would cost more than all the rest of the planning.
 class Places {
 public:
-    explicit Places(size_t expected) {
+    explicit Places(size_t expected) : m_slots(std::bit_ceil(expected + expected / 2 + 16)) {
         m_places.reserve(expected);
-        m_slots.assign(std::bit_ceil(expected + expected / 2 + 16), kNone);
     }
 
     Place& operator[](uint32_t index) { return m_places[index]; }
     uint32_t FolderOf(uint32_t index) const { return m_places[index].folder; }
 
-    uint32_t Find(uint32_t folder, std::wstring_view name) const { return m_slots[SlotOf(folder, name).first]; }
+    uint32_t Find(uint32_t folder, std::wstring_view name) const {
+        return m_slots[SlotOf(folder, name, TableHash(folder, name))].place;
+    }
 
     uint32_t Intern(uint32_t folder, std::wstring_view name) {
-        const auto [slot, hash] = SlotOf(folder, name);
-        if (m_slots[slot] != kNone) return m_slots[slot];
+        const uint32_t hash = TableHash(folder, name);
+        Slot& slot = m_slots[SlotOf(folder, name, hash)];
+        if (slot.place != kNone) return slot.place;
         Place place;
         place.name = name;
-        place.hash = hash;
         place.folder = folder;
         m_places.push_back(place);
-        return m_slots[slot] = static_cast<uint32_t>(m_places.size() - 1);
+        slot = {static_cast<uint32_t>(m_places.size() - 1), hash};
+        return slot.place;
     }
 
 private:
+    struct Slot {
+        uint32_t place = kNone;
+        uint32_t hash = 0;  // tells most other names apart without a look at their place
+    };
+
     /// The slot that holds the name, or the empty one where it belongs. The table is never more than two thirds full.
-    std::pair<size_t, uint64_t> SlotOf(uint32_t folder, std::wstring_view name) const {
-        const uint64_t hash = HashOf(name, folder * 0x9E3779B97F4A7C15);
+    size_t SlotOf(uint32_t folder, std::wstring_view name, uint32_t hash) const {
         const size_t mask = m_slots.size() - 1;
-        size_t slot = static_cast<size_t>(hash) & mask;
-        for (; m_slots[slot] != kNone; slot = (slot + 1) & mask) {
-            const Place& place = m_places[m_slots[slot]];
-            if (place.hash == hash && place.folder == folder && IsSameName(place.name, name)) break;
+        size_t at = hash & mask;
+        for (; m_slots[at].place != kNone; at = (at + 1) & mask) {
+            if (m_slots[at].hash != hash) continue;
+            const Place& place = m_places[m_slots[at].place];
+            if (place.folder == folder && IsSameName(place.name, name)) break;
         }
-        return {slot, hash};
+        return at;
     }
 
     std::vector<Place> m_places;
-    std::vector<uint32_t> m_slots;
+    std::vector<Slot> m_slots;
 };
 
 uint32_t DepthOf(std::wstring_view location) {
@@ -293,7 +329,7 @@ std::vector<std::wstring> FoldersOf(const RenameItems& rows) {
 }
 
 std::wstring DescribeRowPlan(const BatchRenameItem& row, const RowPlan& plan) {
-    const std::wstring quoted = L"\"" + row.newName + L"\"";
+    const auto quoted = [&row] { return L"\"" + row.newName + L"\""; };
     switch (plan.reason) {
         case RowReason::None: return {};
         case RowReason::Unchanged: return L"the name stays the same";
@@ -303,9 +339,9 @@ std::wstring DescribeRowPlan(const BatchRenameItem& row, const RowPlan& plan) {
         case RowReason::FolderError: return L"the folder cannot be read, error " + std::to_wstring(plan.code);
         case RowReason::Gone: return L"there is no such item any more";
         case RowReason::ListedTwice: return L"the item is in the list twice";
-        case RowReason::Duplicate: return quoted + L" would be the name of more than one item";
-        case RowReason::Taken: return quoted + L" is there already";
-        case RowReason::HeldByARow: return quoted + L" is the name of an item that keeps it";
+        case RowReason::Duplicate: return quoted() + L" would be the name of more than one item";
+        case RowReason::Taken: return quoted() + L" is there already";
+        case RowReason::HeldByARow: return quoted() + L" is the name of an item that keeps it";
     }
     return {};
 }

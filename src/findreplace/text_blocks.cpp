@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "findreplace/request.h"
+#include "textio/byte_search.h"
 #include "textio/text_file.h"
 
 namespace QVFindAndReplace {
@@ -58,7 +59,7 @@ bool TextBlocks<CharT>::Fill() {
     if (m_isAtEnd) return false;
     if (m_capacity - m_end < m_chunkSize) {
         // A line of this length is likely to be most of the text: copying it once is enough.
-        constexpr size_t kLongLine = size_t{4} * 1024 * 1024;
+        constexpr size_t kLongLine = size_t{1} * 1024 * 1024;
         const size_t doubled = 2 * m_capacity + m_chunkSize;
         const size_t larger = m_end < kLongLine ? doubled : std::max<size_t>(doubled, m_expectedSize + m_chunkSize);
         auto buffer = std::make_unique_for_overwrite<uint8_t[]>(larger);
@@ -85,6 +86,8 @@ const uint8_t* TextBlocks<CharT>::EndOfLastLine(size_t searched) const {
     const size_t known = searched > m_markSize + 2 * sizeof(CharT) ? searched - m_markSize - 2 * sizeof(CharT) : 0;
     const CharT* const stop = begin + known / sizeof(CharT);
     if (at != begin && at[-1] == CharT('\r')) --at;
+    // A line longer than a block mostly goes on, and that is seen much faster looking forward.
+    if (searched > 0 && QVUtils::FindLineBreak(stop, at) == at) return nullptr;
     while (at != stop && at[-1] != CharT('\n') && at[-1] != CharT('\r')) --at;
     return at == stop ? nullptr : reinterpret_cast<const uint8_t*>(at);
 }
