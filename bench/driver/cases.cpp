@@ -3,6 +3,11 @@
 namespace Bench {
 namespace {
 
+constexpr uint64_t kMegabyte = 1'000'000;
+constexpr uint64_t kIdleProcess = 18 * kMegabyte;
+// Whatever goes through a file in blocks: the same for every size.
+constexpr uint64_t kBlocksOnly = kIdleProcess + 12 * kMegabyte;
+
 const char* const kFreshPeer = "rm -f $W/out.peer";
 const char* const kEqual = "cmp $W/out.ours $W/out.peer";
 const char* const kSameLines =
@@ -20,8 +25,13 @@ Case Find(std::string name, const std::string& sample, uint64_t bytes, Peer peer
             kFreshPeer,
             "exec $QV call FindAndReplace SILENT FILE=$W/in.txt TARGET=out.ours " + parameters,
             peerFilter + " > $W/out.peer",
-            kEqual};
+            kEqual,
+            kBlocksOnly};
 }
+
+// What GNU sort takes, and a tenth; a language's sort keys may take another hundred bytes.
+constexpr uint64_t kSortMemory = 82;      // bytes a line
+constexpr uint64_t kSortKeyMemory = 100;  // bytes a line
 
 Case Sort(std::string name, uint64_t lines, Peer peer, const std::string& parameters, const std::string& peerCommand,
           const char* compare = kEqual) {
@@ -34,7 +44,8 @@ Case Sort(std::string name, uint64_t lines, Peer peer, const std::string& parame
             kFreshPeer,
             "exec $QV call SortLines SILENT FILE=$W/in.txt TARGET=out.ours " + parameters,
             peerCommand + " $W/in.txt -o $W/out.peer",
-            compare};
+            compare,
+            kIdleProcess + kSortMemory * lines};
 }
 
 /// A menu command that changes a file in its place; the other tool writes beside it and moves the result over it.
@@ -49,7 +60,8 @@ Case Convert(std::string name, const std::string& sample, uint64_t bytes, Peer p
             "cp $D/" + sample + " $W/out.peer",
             "exec $QV " + command,
             peerFilter + " < $W/out.peer > $W/new && mv $W/new $W/out.peer",
-            kEqual};
+            kEqual,
+            kBlocksOnly};
 }
 
 void AddSearches(std::vector<Case>& cases, const Data& data) {
@@ -80,6 +92,8 @@ void AddSearches(std::vector<Case>& cases, const Data& data) {
                          "iconv -f UTF-16 -t UTF-8 $W/in.txt | sed s/needle/pin/g | iconv -f UTF-8 -t UTF-16"));
     cases.push_back(Find("one line, 600,000 hits", "line.txt", data.LineBytes(), {"GNU sed", "sed", 1.0, "sd"},
                          "FIND=needle REPLACEWITH=longer-pin", "sed s/needle/longer-pin/g $W/in.txt"));
+    // Held whole, as it was and as it becomes.
+    cases.back().memoryLimit = kIdleProcess + 26 * data.LineBytes() / 10;
 }
 
 void AddSorts(std::vector<Case>& cases, const Data& data) {
@@ -99,8 +113,10 @@ void AddSorts(std::vector<Case>& cases, const Data& data) {
     cases.back().prepare +=
         "; [ -e $D/locale/en_US.UTF-8 ] || "
         "{ mkdir -p $D/locale; localedef -i en_US -f UTF-8 $D/locale/en_US.UTF-8; }";
+    cases.back().memoryLimit += kSortKeyMemory * lines;
     cases.push_back(Sort("sort, natural", lines, {"GNU sort -V", "sort", 0.55, "0.35"},
                          "SORTBY=item 'ITEMSEP=;' ITEM=4 LANGUAGEORDER NATRUALNUMORDER", gnu + "-t';' -k4,4V"));
+    cases.back().memoryLimit += kSortKeyMemory * lines;
 }
 
 void AddConversions(std::vector<Case>& cases, const Data& data) {
@@ -125,7 +141,8 @@ void AddConversions(std::vector<Case>& cases, const Data& data) {
                      "exec $QV --answer yes command 30210 $W/bytes.bin",
                      encode,
                      "base64 -di $W/out.peer | cmp - $W/bytes.bin && "
-                     "sed '1,/^\\r*$/d' $W/bytes.bin.b64 | base64 -di | cmp - $W/bytes.bin"});
+                     "sed '1,/^\\r*$/d' $W/bytes.bin.b64 | base64 -di | cmp - $W/bytes.bin",
+                     kBlocksOnly});
     cases.push_back({"Base64 decode",
                      {"perl MIME", "perl", 0.95, "1.3 of a copy"},
                      text,
@@ -138,7 +155,8 @@ void AddConversions(std::vector<Case>& cases, const Data& data) {
                      kFreshPeer,
                      "exec $QV --answer yes command 30211 $W/in.b64",
                      decode,
-                     "cmp $W/bytes.bin $D/bytes.bin"});
+                     "cmp $W/bytes.bin $D/bytes.bin",
+                     kBlocksOnly});
 }
 
 /// Each gets a copy of a folder of files of its own.
@@ -159,7 +177,8 @@ void AddFiles(std::vector<Case>& cases, const Data& data) {
          "exec $QV --files-from $W/ours.list call FindAndReplace FILE={} FIND=needle REPLACEWITH=pin DELETE "
          "SILENT",
          "exec $WINE $LOOPS/small_files_loop.exe $W/peer.list",
-         "diff -r $W/ours $W/peer"});
+         "diff -r $W/ours $W/peer",
+         kBlocksOnly});
     cases.push_back({"rename files",
                      {"bare loop", "sh", 1.3, "1.15"},
                      data.RenamedFiles(),
@@ -169,7 +188,8 @@ void AddFiles(std::vector<Case>& cases, const Data& data) {
                      CopyOf("renamed", "peer"),
                      "exec $QV --files-from $W/ours.list rename --name '[N]-renamed'",
                      "exec $WINE $LOOPS/rename_loop.exe $W/peer.list",
-                     "diff -r $W/ours $W/peer"});
+                     "diff -r $W/ours $W/peer",
+                     kIdleProcess + 3000 * data.RenamedFiles()});
     cases.push_back({"rename preview",
                      {"perl", "perl", 0.5, "0.3"},
                      data.PreviewNames(),
@@ -183,7 +203,8 @@ void AddFiles(std::vector<Case>& cases, const Data& data) {
                      "/^(.*)(\\.[^.]*)$/; ++$c; my $w = lc(sprintf(\"%06d_%s\", $c, $s)); $w =~ s/draft/final/; "
                      "$w .= lc $e; $seen{lc($f . $w)}++; $state = -e \"$f$w\" ? \"exists\" : \"\"; "
                      "print \"$n\\t$w\\t$state\\n\"' $D/names.list",
-                     ""});
+                     "",
+                     kIdleProcess + 1000 * data.PreviewNames()});
     cases.push_back({"columns",
                      {"bare loop", "sh", 1.3, "1.1"},
                      data.SmallFiles(),
@@ -193,7 +214,8 @@ void AddFiles(std::vector<Case>& cases, const Data& data) {
                      "",
                      "exec $QV --files-from $D/small.list columns --csv",
                      "exec $WINE $LOOPS/columns_loop.exe $D/small.list",
-                     ""});
+                     "",
+                     kBlocksOnly});
 }
 
 }  // namespace

@@ -30,6 +30,7 @@ struct Case {
     std::string ours;
     std::string peerCommand;
     std::string compare;  // succeeds when the results are as equal as they must be; "" when there is nothing to compare
+    uint64_t memoryLimit;  // bytes; our peak must not be above, with what every process under Wine takes
 };
 
 std::vector<Case> AllCases(const Data& data);

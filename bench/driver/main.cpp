@@ -105,9 +105,8 @@ Result Measure(const Case& job, const Options& options, const Data& data) {
             if (IsCheaper(peer, result.peer)) result.peer = peer;
         }
         const bool isEqual = job.compare.empty() || Run(job.compare, workshop.log).exitStatus == 0;
-        result.verdict = !isEqual                           ? Verdict::Differs
-                         : result.Ratio() <= job.peer.limit ? Verdict::Holds
-                                                            : Verdict::Misses;
+        const bool holds = result.Ratio() <= job.peer.limit && result.PeakBytes() <= job.memoryLimit;
+        result.verdict = !isEqual ? Verdict::Differs : holds ? Verdict::Holds : Verdict::Misses;
     } catch (const std::exception& error) {
         result.verdict = Verdict::Failed;
         result.remark = error.what();
@@ -115,28 +114,42 @@ Result Measure(const Case& job, const Options& options, const Data& data) {
     return result;
 }
 
-double CheapestOfOurs(const std::string& name, const Options& options, double scale) {
-    const Data data(SamplesOf(options, scale), scale);
-    const Workshop workshop(options);
-    SetVariables(options, SamplesOf(options, scale), workshop.folder);
+/// One scale of a case, for a growth run.
+struct Half {
+    Case job;
+    fs::path samples;
     Cost best;
-    for (const Case& job : AllCases(data)) {
-        if (job.name != name) continue;
-        for (const std::string& sample : job.samples) data.Make(sample);
-        for (int round = 0; round < options.rounds; ++round) {
-            const Cost cost = RunOne(job.prepare, job.ours, workshop.log);
-            if (IsCheaper(cost, best)) best = cost;
+};
+
+Half MakeHalf(const Options& options, const std::string& name, double scale) {
+    Half half;
+    half.samples = SamplesOf(options, scale);
+    const Data data(half.samples, scale);
+    for (const Case& job : AllCases(data))
+        if (job.name == name) half.job = job;
+    for (const std::string& sample : half.job.samples) data.Make(sample);
+    return half;
+}
+
+/// Both in turns, like ours and a peer.
+Growth MeasureGrowth(const Options& options, const std::string& name) {
+    Half halves[] = {MakeHalf(options, name, options.scale / 2), MakeHalf(options, name, options.scale)};
+    for (int round = 0; round < options.rounds; ++round) {
+        for (Half& half : halves) {
+            const Workshop workshop(options);
+            SetVariables(options, half.samples, workshop.folder);
+            const Cost cost = RunOne(half.job.prepare, half.job.ours, workshop.log);
+            if (IsCheaper(cost, half.best)) half.best = cost;
         }
     }
-    return best.seconds;
+    return {name, halves[0].best, halves[1].best};
 }
 
 int ShowGrowth(const Options& options, const std::vector<Case>& cases) {
     bool allHold = true;
     for (const Case& job : cases) {
         if (!IsWanted(options, job.name)) continue;
-        const Growth growth = {job.name, CheapestOfOurs(job.name, options, options.scale / 2),
-                               CheapestOfOurs(job.name, options, options.scale)};
+        const Growth growth = MeasureGrowth(options, job.name);
         PrintGrowth(growth, kGrowthLimit);
         allHold &= growth.Factor() <= kGrowthLimit;
     }

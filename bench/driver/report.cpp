@@ -29,10 +29,14 @@ std::string SpeedOf(const Result& result) {
     return text;
 }
 
+double Megabytes(uint64_t bytes) {
+    return static_cast<double>(bytes) / 1e6;
+}
+
 }  // namespace
 
 void PrintHead() {
-    std::printf("%-24s %8s %-18s %8s %6s %6s %8s %18s %8s  %s\n", "case", "ours", "peer", "theirs", "ratio", "limit",
+    std::printf("%-24s %8s %-18s %8s %6s %6s %8s %18s %12s  %s\n", "case", "ours", "peer", "theirs", "ratio", "limit",
                 "verdict", "speed", "memory", "aim");
 }
 
@@ -42,18 +46,19 @@ void PrintRow(const Result& result) {
         std::printf("%-24s %8s %-18s %s: %s\n", job.name.c_str(), "", job.peer.name.c_str(), TextOf(result.verdict),
                     result.remark.c_str());
     } else {
-        std::printf("%-24s %6.2f s %-18s %6.2f s %6.2f %6.2f %8s %18s %5ld MB  %s\n", job.name.c_str(),
+        std::printf("%-24s %6.2f s %-18s %6.2f s %6.2f %6.2f %8s %18s %4.0f of %3.0f MB  %s\n", job.name.c_str(),
                     result.ours.seconds, job.peer.name.c_str(), result.peer.seconds, result.Ratio(), job.peer.limit,
-                    TextOf(result.verdict), SpeedOf(result).c_str(), result.ours.peakKilobytes / 1024,
-                    job.peer.aim.c_str());
+                    TextOf(result.verdict), SpeedOf(result).c_str(), Megabytes(result.PeakBytes()),
+                    Megabytes(job.memoryLimit), job.peer.aim.c_str());
     }
     std::fflush(stdout);
 }
 
 void PrintGrowth(const Growth& growth, double limit) {
-    std::printf("%-24s %6.2f s %6.2f s for twice the work: %.2f times (limit %.1f)%s\n", growth.name.c_str(),
-                growth.seconds, growth.doubledSeconds, growth.Factor(), limit,
-                growth.Factor() > limit ? "  MISSES" : "");
+    const auto megabytes = [](const Cost& cost) { return Megabytes(static_cast<uint64_t>(cost.peakKilobytes) * 1024); };
+    std::printf("%-24s %6.2f s %4.0f MB; twice the work %6.2f s %4.0f MB: %.2f times the time (limit %.1f)%s\n",
+                growth.name.c_str(), growth.once.seconds, megabytes(growth.once), growth.twice.seconds,
+                megabytes(growth.twice), growth.Factor(), limit, growth.Factor() > limit ? "  MISSES" : "");
     std::fflush(stdout);
 }
 
@@ -71,6 +76,7 @@ void WriteJson(const std::string& path, const std::vector<Result>& results, doub
                         {"amount", result.job.amount},
                         {"unit", result.job.unit},
                         {"peakKilobytes", result.ours.peakKilobytes},
+                        {"memoryLimitBytes", result.job.memoryLimit},
                         {"peerPeakKilobytes", result.peer.peakKilobytes},
                         {"verdict", TextOf(result.verdict)},
                         {"remark", result.remark}});

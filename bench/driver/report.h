@@ -19,14 +19,15 @@ struct Result {
     std::string remark;  // why it failed
 
     double Ratio() const { return peer.seconds > 0 ? ours.seconds / peer.seconds : 0; }
+    uint64_t PeakBytes() const { return static_cast<uint64_t>(ours.peakKilobytes) * 1024; }
 };
 
 /// How much longer twice the work takes.
 struct Growth {
     std::string name;
-    double seconds = 0;         // for the work
-    double doubledSeconds = 0;  // for twice the work
-    double Factor() const { return seconds > 0 ? doubledSeconds / seconds : 0; }
+    Cost once;   // for the work
+    Cost twice;  // for twice the work
+    double Factor() const { return once.seconds > 0 ? twice.seconds / once.seconds : 0; }
 };
 
 void PrintHead();
