@@ -22,7 +22,7 @@ inline uint64_t LoadBytes(const void* from) {
 struct KeyedIndex {
     uint64_t key = 0;
     uint32_t index = 0;
-    uint32_t unused = 0;  // no bit without a value, so that the record's memory can be reused
+    uint32_t tail = 0;  // the four bytes behind the key, for those who know them; 0: not known
 };
 static_assert(sizeof(KeyedIndex) == 16);
 

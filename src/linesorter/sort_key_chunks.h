@@ -78,10 +78,10 @@ private:
 
 /// The chunks of the lines' sort keys.
 ///
-/// Making a sort key takes longer than anything else here, and most lines differ in its first chunk already. That chunk
-/// holds the first letters' weights, and of a line that begins with plain letters it comes out the same from the first
-/// characters alone. So the whole key is made when the first chunk leaves lines equal, and for lines with anything at
-/// their beginning whose weight may depend on what follows.
+/// Making a sort key takes longer than anything else here, and most lines differ in its first bytes already. These are
+/// the first letters' weights, and of a line that begins with plain letters they come out the same from the first
+/// characters alone. So the whole key is made when the first bytes leave many lines equal, and for lines with anything
+/// at their beginning whose weight may depend on what follows.
 template <class CharT, class Compare>
 class SortKeyChunks {
 public:
@@ -90,9 +90,14 @@ public:
         m_usesBeginnings = BeginningsTellLinesApart();
     }
 
+    /// The line with its first chunk, and with the next half chunk where that is known without the whole key.
+    KeyedIndex EntryOf(uint32_t index) {
+        if (m_usesBeginnings)
+            if (const std::optional<KeyedIndex> entry = EntryOfBeginning(index)) return *entry;
+        return {.key = (*this)(index, 0), .index = index};
+    }
+
     uint64_t operator()(uint32_t index, uint32_t depth) {
-        if (depth == 0 && m_usesBeginnings)
-            if (const std::optional<uint64_t> chunk = ChunkOfBeginning(index)) return *chunk;
         const uint8_t* const key = WholeKey(index);
         return key ? LoadBytes(key + size_t{depth} * 8) : 0;
     }
@@ -101,10 +106,12 @@ public:
     bool HasFailed() const noexcept { return m_hasFailed; }
 
 private:
-    // Characters. A chunk holds the weights of four letters, and of letters that weigh together there are four at most
-    // (a Hungarian double consonant): nothing behind the seventh letter can change the fourth weight.
-    static constexpr size_t kBeginning = 16;
-    static constexpr size_t kShortestBeginning = 7;
+    // Characters. A letter weighs two bytes. Of letters that weigh together there are four at most (a Hungarian double
+    // consonant): nothing behind the seventh letter can change the fourth weight, and nothing behind the ninth the
+    // sixth.
+    static constexpr size_t kForChunk = 7;
+    static constexpr size_t kForTail = 9;
+    static constexpr size_t kBeginning = 16;  // how far numbers are followed
 
     const uint8_t* WholeKey(uint32_t index) {
         static constexpr uint8_t kEmptyKey[8] = {};
@@ -118,18 +125,28 @@ private:
         return m_keys[index];
     }
 
-    std::optional<uint64_t> ChunkOfBeginning(uint32_t index) {
-        auto text = m_data.KeyText(m_lines[index]).substr(0, kBeginning);
-        text = text.substr(0, static_cast<size_t>(std::find_if_not(text.begin(), text.end(), IsPlain) - text.begin()));
-        while (!text.empty() && IsDigit(text.back()))
-            text.remove_suffix(1);  // a number weighs as a whole, and may go on
-        if (text.size() < kShortestBeginning) return std::nullopt;
+    std::optional<KeyedIndex> EntryOfBeginning(uint32_t index) {
+        const auto text = BeginningOf(m_data.KeyText(m_lines[index]).substr(0, kBeginning));
+        if (text.size() < kForChunk) return std::nullopt;
         uint8_t key[256];
-        if (m_compare.MakeSortKey(text.data(), static_cast<uint32_t>(text.size()), key, sizeof key) <= 8)
-            return std::nullopt;
-        // A 1 ends the letters: accents and what else is looked at later follow.
-        if (std::any_of(key, key + 8, [](uint8_t byte) { return byte <= 1; })) return std::nullopt;
-        return LoadBytes(key);
+        const uint32_t size = m_compare.MakeSortKey(text.data(), static_cast<uint32_t>(text.size()), key, sizeof key);
+        // A byte of 1 ends the letters: accents and what else is looked at later follow.
+        const auto areWeights = [&](uint32_t begin, uint32_t end) {
+            return size > end && std::all_of(key + begin, key + end, [](uint8_t byte) { return byte > 1; });
+        };
+        if (!areWeights(0, 8)) return std::nullopt;
+        KeyedIndex entry = {.key = LoadBytes(key), .index = index};
+        if (text.size() >= kForTail && areWeights(8, 12)) entry.tail = static_cast<uint32_t>(LoadBytes(key + 4));
+        return entry;
+    }
+
+    /// As much of the text as is needed and made of plain letters. A number weighs as a whole: it is there to its end,
+    /// or not at all.
+    static std::basic_string_view<CharT> BeginningOf(std::basic_string_view<CharT> text) {
+        size_t length = 0;
+        for (size_t at = 0; at < text.size() && length < kForTail && IsPlain(text[at]); ++at)
+            if (!IsDigit(text[at])) length = at + 1;
+        return text.substr(0, length);
     }
 
     static bool IsDigit(CharT unit) { return unit >= CharT('0') && unit <= CharT('9'); }
@@ -147,8 +164,8 @@ private:
         if (m_lines.size() < 16 * kSample) return false;
         std::vector<uint64_t> chunks;
         for (size_t i = 0; i < kSample; ++i)
-            if (const auto chunk = ChunkOfBeginning(static_cast<uint32_t>(m_lines.size() / kSample * i)))
-                chunks.push_back(*chunk);
+            if (const auto entry = EntryOfBeginning(static_cast<uint32_t>(m_lines.size() / kSample * i)))
+                chunks.push_back(entry->key);
         std::sort(chunks.begin(), chunks.end());
         const auto different = std::unique(chunks.begin(), chunks.end()) - chunks.begin();
         return static_cast<size_t>(different) > kSample / 4 && static_cast<size_t>(different) > chunks.size() * 7 / 8;

@@ -113,7 +113,9 @@ void SortOrdinal(const SortableLinesData<wchar_t>& data, Range lines, bool ignor
 template <class CharT, class Compare>
 bool SortBySortKeys(const SortableLinesData<CharT>& data, Range lines, Compare& compare, size_t limit) {
     SortKeyChunks<CharT, Compare> chunkAt(data, lines, compare, limit);
-    std::vector<KeyedIndex> entries = MakeEntries(lines.size(), [&](uint32_t index) { return chunkAt(index, 0); });
+    std::vector<KeyedIndex> entries;
+    entries.reserve(lines.size());
+    for (uint32_t i = 0; i < lines.size(); ++i) entries.push_back(chunkAt.EntryOf(i));
     if (chunkAt.HasFailed()) return false;
     SortByKeyThenIndex(entries);
     // A few lines are compared sooner than their sort keys are made.
@@ -125,6 +127,7 @@ bool SortBySortKeys(const SortableLinesData<CharT>& data, Range lines, Compare& 
             SortByChunks({begin, end}, 0xFF, Beginnings::Allowed, chunkAt);
         else if (end - begin > 1)
             std::stable_sort(begin, end, [&](const KeyedIndex& left, const KeyedIndex& right) {
+                if (left.tail != 0 && right.tail != 0 && left.tail != right.tail) return left.tail < right.tail;
                 return less(lines[left.index], lines[right.index]);
             });
         if (chunkAt.HasFailed()) return false;
