@@ -1,6 +1,7 @@
 #include "host/folder_listings.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "win32/path.h"
 #include "win32/windows.h"
@@ -15,6 +16,11 @@ const FolderListings::Listing& FolderListings::Of(const std::wstring& folder) {
         std::ranges::sort(listing.entries, {}, &Win32::FolderEntry::name);
     }
     return listing;
+}
+
+FolderListings::Listing FolderListings::Take(const std::wstring& folder) {
+    Of(folder);
+    return std::move(m_listings.extract(folder).mapped());
 }
 
 uint32_t FolderListings::AttributesOf(const std::wstring& folder, const std::wstring& name) {

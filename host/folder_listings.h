@@ -20,6 +20,9 @@ public:
     /// As the folder was when it was first asked for.
     const Listing& Of(const std::wstring& folder);
 
+    /// The same, for the caller to keep: whoever asks again has the folder read again.
+    Listing Take(const std::wstring& folder);
+
     /// The attributes of the item as the system gives them; INVALID_FILE_ATTRIBUTES when there is none.
     uint32_t AttributesOf(const std::wstring& folder, const std::wstring& name);
 

@@ -139,8 +139,9 @@ bool SaveProfile(ProfileStore& profiles, const std::wstring& name, const RuleDef
 }
 
 /// @throws UsageError for a path that leads to nothing
-RenameItems MakeRows(const std::vector<std::wstring>& paths, FolderListings& folders) {
+RenameItems MakeRows(std::vector<std::wstring> paths, FolderListings& folders) {
     RenameItems rows;
+    rows.reserve(paths.size());
     for (const std::wstring& path : paths) {
         auto row = std::make_shared<BatchRenameItem>();
         const std::wstring_view folder = Win32::FolderOf(path);
@@ -154,23 +155,29 @@ RenameItems MakeRows(const std::vector<std::wstring>& paths, FolderListings& fol
     return rows;
 }
 
-/// What the run would make of the rows.
-std::vector<RowOutcome> Preview(const RenameItems& rows, FolderListings& listings) {
+/// What the folders of the rows hold, taken out of the listings.
+std::vector<FolderNames> TakeNames(const RenameItems& rows, FolderListings& listings) {
     std::vector<FolderNames> folders;
     for (const std::wstring& folder : FoldersOf(rows)) {
-        const FolderListings::Listing& listing = listings.Of(folder);
+        FolderListings::Listing listing = listings.Take(folder);
         FolderNames& names = folders.emplace_back(FolderNames{folder, {}, listing.error});
-        for (const Win32::FolderEntry& entry : listing.entries) names.names.push_back(entry.name);
+        names.names.reserve(listing.entries.size());
+        for (Win32::FolderEntry& entry : listing.entries) names.names.push_back(std::move(entry.name));
     }
+    return folders;
+}
+
+/// Prints what the run would make of the rows. False when it would fail for any.
+bool PrintPreview(const RenameItems& rows, const std::vector<FolderNames>& folders, RenameHost& host) {
     const RenamePlan plan = PlanRenames(rows, folders);
-    std::vector<RowOutcome> outcomes;
+    bool isDone = true;
     for (size_t row = 0; row < rows.size(); ++row) {
         const RowPlan& verdict = plan.rows[row];
         const uint32_t code =
             verdict.verdict == RowVerdict::Ignored ? Quorvane::SDK::RenameResult::Ignored : verdict.code;
-        outcomes.push_back({code, DescribeRowPlan(*rows[row], verdict), rows[row]->currentName});
+        isDone = host.PrintOutcome(*rows[row], code, DescribeRowPlan(*rows[row], verdict), L"rename") && isDone;
     }
-    return outcomes;
+    return isDone;
 }
 
 }  // namespace
@@ -184,18 +191,18 @@ int RunRename(const HostOptions& options, HostEnvironment& environment, Output& 
     const CalendarTime now = LocalTimeNow();
     const CalendarTime timeOfSetting = given.time ? ReadTime(*given.time) : now;
     CheckItems(definition);
-    const std::vector<std::wstring> paths =
+    std::vector<std::wstring> paths =
         SelectedPaths(options.operands, options.filesFrom, environment.in, Existence::NotChecked);
     if (paths.empty() && !given.saveProfile) throw UsageError(L"rename needs files: qvhost rename PATH... [options]");
 
     bool isDone = !given.saveProfile || SaveProfile(profiles, *given.saveProfile, definition);
     FolderListings folders;
-    const RenameItems rows = MakeRows(paths, folders);
+    const RenameItems rows = MakeRows(std::move(paths), folders);
     RenameRule rule(&host);
     rule.SetRule(definition, timeOfSetting);
     for (const auto& row : rows) rule.Compute(*row);
     if (given.isPreview) {
-        isDone = host.PrintOutcomes(rows, Preview(rows, folders), L"rename") && isDone;
+        isDone = PrintPreview(rows, TakeNames(rows, folders), host) && isDone;
     } else {
         CRenameResultCallback results;
         const std::vector<RowOutcome> outcomes = RunRenames(rows, now, host.Surroundings(!given.noUndo), results);

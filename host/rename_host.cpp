@@ -21,9 +21,9 @@ Quorvane::SDK::ExtensionInfo BatchRenameRecord() {
     return record;
 }
 
-std::wstring_view VerdictOf(const RowOutcome& outcome, const wchar_t* word) {
-    if (outcome.code == Quorvane::SDK::RenameResult::Renamed) return word;
-    return outcome.code == Quorvane::SDK::RenameResult::Ignored ? L"ignored" : L"failed";
+std::wstring_view VerdictOf(uint32_t code, const wchar_t* word) {
+    if (code == Quorvane::SDK::RenameResult::Renamed) return word;
+    return code == Quorvane::SDK::RenameResult::Ignored ? L"ignored" : L"failed";
 }
 
 /// A name may hold no tab, but a new one that is refused for it must not break the columns.
@@ -77,16 +77,19 @@ void RenameHost::LoadProviders() {
 
 bool RenameHost::PrintOutcomes(const RenameItems& rows, const std::vector<RowOutcome>& outcomes, const wchar_t* word) {
     bool isDone = true;
-    for (size_t row = 0; row < rows.size(); ++row) {
-        const RowOutcome& outcome = outcomes[row];
-        const std::wstring_view verdict = VerdictOf(outcome, word);
-        std::wstring line = Cell(rows[row]->currentName) + L'\t' + Cell(rows[row]->newName) + L'\t';
-        line += verdict;
-        if (!outcome.reason.empty()) line += L": " + Cell(outcome.reason);
-        m_state.output.Line(line);
-        isDone = isDone && verdict != L"failed";
-    }
+    for (size_t row = 0; row < rows.size(); ++row)
+        isDone = PrintOutcome(*rows[row], outcomes[row].code, outcomes[row].reason, word) && isDone;
     return isDone;
+}
+
+bool RenameHost::PrintOutcome(const BatchRenameItem& row, uint32_t code, const std::wstring& reason,
+                              const wchar_t* word) {
+    const std::wstring_view verdict = VerdictOf(code, word);
+    std::wstring line = Cell(row.currentName) + L'\t' + Cell(row.newName) + L'\t';
+    line += verdict;
+    if (!reason.empty()) line += L": " + Cell(reason);
+    m_state.output.Line(line);
+    return verdict != L"failed";
 }
 
 }  // namespace QVHost

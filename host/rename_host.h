@@ -30,8 +30,12 @@ public:
     bool GetProperty(const BatchRename::BatchRenameItem& row, const std::wstring& name, const std::wstring& format,
                      std::wstring& value) override;
 
-    /// One line a row: old name, new name, `word` (for rows with the code 0) or "ignored" or "failed", and the reason.
-    /// True when no row failed.
+    /// One line: old name, new name, `word` (for the code 0) or "ignored" or "failed", and the reason. True unless the
+    /// row failed.
+    bool PrintOutcome(const BatchRename::BatchRenameItem& row, uint32_t code, const std::wstring& reason,
+                      const wchar_t* word);
+
+    /// The same for all rows; true when no row failed.
     bool PrintOutcomes(const BatchRename::RenameItems& rows, const std::vector<BatchRename::RowOutcome>& outcomes,
                        const wchar_t* word);
 

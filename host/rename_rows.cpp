@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "host/file_name.h"
 #include "host/text.h"
 #include "win32/files.h"
 #include "win32/folder.h"
@@ -87,14 +88,6 @@ private:
 };
 
 }  // namespace
-
-bool IsFileName(const std::wstring& name) {
-    constexpr std::wstring_view kForbidden = L"\\/:*?\"<>|";
-    if (name.empty() || name == L"." || name == L"..") return false;
-    if (name.back() == L' ' || name.back() == L'.') return false;  // the system would silently drop these
-    return std::ranges::none_of(
-        name, [&](wchar_t unit) { return unit < L' ' || kForbidden.find(unit) != std::wstring_view::npos; });
-}
 
 uint32_t RenameOne(const std::wstring& path, const std::wstring& newName, const std::wstring& asideName) {
     if (!IsFileName(newName)) return ERROR_INVALID_NAME;

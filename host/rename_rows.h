@@ -27,7 +27,4 @@ void RenameRows(std::vector<RenameRow>& rows);
 /// after a failure the item has its old name.
 uint32_t RenameOne(const std::wstring& path, const std::wstring& newName, const std::wstring& asideName);
 
-/// False for "", ".", "..", and what holds a separator, a wildcard or another character that no name may have.
-bool IsFileName(const std::wstring& name);
-
 }  // namespace QVHost

@@ -1,6 +1,6 @@
 #include "host/unix_paths.h"
 
-#include "host/rename_rows.h"
+#include "host/file_name.h"
 #include "host/text.h"
 #include "win32/module.h"
 #include "win32/path.h"
@@ -42,12 +42,12 @@ std::wstring FullUserPath(const std::wstring& path) {
 }
 
 std::wstring FullUserPaths::operator()(const std::wstring& path) {
-    const std::wstring name(Win32::FileNameOf(path));
-    const std::wstring folder = path.substr(0, path.size() - name.size());
+    const std::wstring_view name = Win32::FileNameOf(path);
+    const std::wstring_view folder = Win32::FolderOf(path);
     if (folder.empty() || !IsFileName(name)) return FullUserPath(path);  // "..", or a name that is not taken as it is
     if (folder != m_folder) {
-        m_fullFolder = FullUserPath(folder);
         m_folder = folder;
+        m_fullFolder = FullUserPath(m_folder);
     }
     return Win32::JoinPath(m_fullFolder, name);
 }

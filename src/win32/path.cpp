@@ -54,7 +54,9 @@ NameParts SplitName(std::wstring_view fileName) {
 }
 
 std::wstring JoinPath(std::wstring_view folder, std::wstring_view name) {
-    std::wstring path(folder);
+    std::wstring path;
+    path.reserve(folder.size() + 1 + name.size());
+    path = folder;
     if (!path.empty() && !IsSeparator(path.back())) path += L'\\';
     path += name;
     return path;
