@@ -1,0 +1,49 @@
+#include "win32/folder.h"
+
+#include <gtest/gtest.h>
+#include <algorithm>
+
+#include "support/temporary_folder.h"
+
+namespace {
+
+std::vector<std::wstring> Sorted(std::vector<std::wstring> names) {
+    std::ranges::sort(names);
+    return names;
+}
+
+// More than one call delivers; a pattern that fits every name takes the other way through the system.
+TEST(Folder, ListsTheSameEntriesAtOnceAndByAPattern) {
+    const QVTest::TemporaryFolder folder;
+    for (int number = 0; number < 400; ++number)
+        folder.Write(std::wstring(150, L'n') + L"\xE4" + std::to_wstring(number) + L".txt",
+                     std::string(number % 5, 'x'));
+    std::vector<Win32::FolderEntry> entries;
+    std::vector<std::wstring> all;
+    std::vector<std::wstring> matching;
+    ASSERT_EQ(Win32::ListFolder(folder.Path(), L"*", entries), 0u);
+    ASSERT_EQ(Win32::ListFolder(folder.Path(), L"*", all), 0u);
+    ASSERT_EQ(Win32::ListFolder(folder.Path(), L"*.txt", matching), 0u);
+    EXPECT_EQ(Sorted(all), folder.List());
+    EXPECT_EQ(Sorted(matching), folder.List());
+    ASSERT_EQ(entries.size(), 400u);
+    uint64_t bytes = 0;
+    for (const Win32::FolderEntry& entry : entries) {
+        bytes += entry.size;
+        EXPECT_GT(entry.written, 0u);
+        EXPECT_NE(entry.attributes, 0u);
+    }
+    EXPECT_EQ(bytes, 800u);
+}
+
+TEST(Folder, SaysWhyItCannotBeListed) {
+    const QVTest::TemporaryFolder folder;
+    std::vector<std::wstring> names = {L"from before"};
+    EXPECT_EQ(Win32::ListFolder(folder / L"missing", L"*", names), 3u);
+    EXPECT_TRUE(names.empty());
+    EXPECT_NE(Win32::ListFolder(folder.Write(L"file", "x"), L"*", names), 0u);
+    EXPECT_EQ(Win32::ListFolder(folder.Path(), L"*.none", names), 0u);
+    EXPECT_TRUE(names.empty());
+}
+
+}  // namespace
