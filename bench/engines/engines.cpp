@@ -77,6 +77,26 @@ uint64_t SearchLines(QVFindAndReplace::LineMatcher<char>& matcher, const std::ve
     return hits;
 }
 
+/// As if the text were 16,000 files.
+uint64_t DetectSamples(std::string_view text) {
+    constexpr size_t kSample = 1024;
+    uint64_t sum = 0;
+    for (size_t at = 0; at + kSample <= text.size(); at += kSample)
+        sum +=
+            static_cast<uint64_t>(QVUtils::DetectEncoding(reinterpret_cast<const uint8_t*>(text.data()) + at, kSample));
+    return sum;
+}
+
+uint64_t SumOfItems(const std::vector<std::string_view>& lines) {
+    QVLineSorter::KeyRule<char> rule;
+    rule.kind = QVLineSorter::KeyRule<char>::Kind::Item;
+    rule.separator = ';';
+    rule.itemNumber = 3;
+    uint64_t sum = 0;
+    for (const std::string_view line : lines) sum += QVLineSorter::FindKey(line, rule).offset;
+    return sum;
+}
+
 uint64_t SumOfKeys(const std::vector<std::string_view>& lines) {
     uint64_t sum = 0;
     for (const std::string_view line : lines)
@@ -152,6 +172,7 @@ int main(int argc, char** argv) {
     const auto wildcard = QVFindAndReplace::MakeWildcardMatcher<char>("req*ms", false);
     const auto counted = QVFindAndReplace::MakeWildcardMatcher<char>("to{2}k", false);
     QVLineSorter::LineCompare_OrdinalA ordinal(false);
+    QVLineSorter::LineCompare_LanguageAware_StringCompareA language;
     const BatchRename::RenameItems rows = MakeRows();
     const std::vector<BatchRename::FolderNames> listings = ListingsOf(rows);
     const auto bytes = reinterpret_cast<uint8_t*>(out.data());
@@ -166,6 +187,7 @@ int main(int argc, char** argv) {
         double yardstick;
         std::function<uint64_t()> job;
     } jobs[] = {
+        {"encoding detection", look, [&] { return DetectSamples(text); }},
         {"search, plain, no hit", look, [&] { return Search(*plain, text); }},
         {"search, plain, line by line", look, [&] { return SearchLines(*plain, lines); }},
         {"search, ignore case, a hit a line", look, [&] { return SearchLines(*anyCase, lines); }},
@@ -178,9 +200,11 @@ int main(int argc, char** argv) {
              return FileUtils::CBase64::Encode(reinterpret_cast<const uint8_t*>(text.data()), text.size(), out.data());
          }},
         {"Base64 decode", copy, [&] { return FileUtils::CBase64().Decode(encoded.data(), encoded.size(), bytes); }},
+        {"item keys", look, [&] { return SumOfItems(lines); }},
         {"number keys", look, [&] { return SumOfKeys(lines); }},
         {"date keys", look, [&] { return SumOfDates(lines); }},
         {"compare lines", look, [&] { return Compare(ordinal, lines); }},
+        {"compare lines, language-aware", look, [&] { return Compare(language, lines); }},
         {"names of 100,000 rows", look, [&] { return ComputeNames(rows); }},
         {"plan of 100,000 rows", look, [&] { return BatchRename::PlanRenames(rows, listings).steps.size(); }},
     };
