@@ -25,6 +25,14 @@ public:
     bool HasFailed() const;
     size_t Count() const;  // allocations since Arm
 
+    /// The locks of the library's debug containers allocate with their first use, in destructors too, and end the
+    /// process when they cannot: whoever reaches such a first use with no memory cannot be tested in the checked build.
+#ifdef _GLIBCXX_DEBUG
+    static constexpr bool kLocksNeedMemory = true;
+#else
+    static constexpr bool kLocksNeedMemory = false;
+#endif
+
     /// Whether a long run over every allocation is asked for.
     static bool IsEvery();
 
