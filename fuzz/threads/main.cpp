@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "batchrename/rename_results.h"
 #include "security/account_names.h"
 #include "security/universal_names.h"
 #include "win32/module.h"
@@ -21,6 +22,7 @@ namespace {
 
 constexpr int kThreads = 8;
 constexpr int kRounds = 20000;
+constexpr uint32_t kRefused = 5;  // access denied
 
 BOOL LookUpSid(const wchar_t*, PSID sid, wchar_t* name, DWORD* nameSize, wchar_t* domain, DWORD* domainSize,
                SID_NAME_USE*) {
@@ -59,6 +61,7 @@ int main() {
     system.getUniversalName = AskForShare;
     Security::AccountNames accounts;
     Security::UniversalNames shares;
+    BatchRename::CRenameResultCallback results;  // read by others while a run reports to it
     std::vector<std::thread> threads;
     for (int thread = 0; thread < kThreads; ++thread)
         threads.emplace_back([&, thread] {
@@ -70,9 +73,16 @@ int main() {
                 const std::wstring drive = {static_cast<wchar_t>(L'a' + round % 26), L':'};
                 if (!shares.Find(drive, system, name) || !name.starts_with(L"\\\\server\\"))
                     Fail("a drive has its share");
+                results.OnRenameStarting(0);
+                results.OnRenameResult(0, static_cast<uint32_t>(round % 3 == 0   ? Quorvane::SDK::RenameResult::Renamed
+                                                                : round % 3 == 1 ? Quorvane::SDK::RenameResult::Ignored
+                                                                                 : kRefused));
+                if (results.DoneCount() + results.IgnoredCount() + results.FailedCount() == 0) Fail("a row counts");
                 if (round % 500 == thread) accounts.Clear(), shares.Clear();
             }
         });
     for (std::thread& thread : threads) thread.join();
+    if (results.DoneCount() + results.IgnoredCount() + results.FailedCount() != kThreads * kRounds)
+        Fail("each row counts once");
     std::printf("%d threads, %d rounds each: nothing found\n", kThreads, kRounds);
 }

@@ -24,8 +24,10 @@ void PropertyWorker::Ask(Request request) {
         m_requests.push_back(std::move(request));
     }
     // Whoever never looks at a property column pays for no thread.
-    while (m_threads.size() < kThreads)
-        m_threads.emplace_back([this](const std::stop_token& stop) { GuardedCall([&] { Work(stop); }); });
+    GuardedCall([&] {
+        // A thread that the system does not give is asked for again with the next row; what waits keeps waiting.
+        while (m_threads.size() < kThreads) m_threads.emplace_back([this](const std::stop_token& stop) { Work(stop); });
+    });
     m_isAsked.notify_one();
 }
 
@@ -48,10 +50,13 @@ void PropertyWorker::Work(const std::stop_token& stop) {
             request = std::move(m_requests.back());
             m_requests.pop_back();
         }
-        Answer answer = {request.row, request.reading, {}};
-        for (const ColumnValues::Column& column : m_columns.Columns())
-            answer.properties.push_back(ColumnValues::ValueOf(*request.item, column).value_or(L""));
-        Deliver(std::move(answer));
+        // A row that memory does not suffice for stays without its properties; the next ones get theirs.
+        GuardedCall([&] {
+            Answer answer = {request.row, request.reading, {}};
+            for (const ColumnValues::Column& column : m_columns.Columns())
+                answer.properties.push_back(ColumnValues::ValueOf(*request.item, column).value_or(L""));
+            Deliver(std::move(answer));
+        });
     }
 }
 

@@ -1,6 +1,7 @@
 #include "batchrename/gui_thread.h"
 
 #include "batchrename/qv_batch_rename.h"
+#include "sdk/boundary.h"
 #include "ui/activation_context.h"
 
 #include <objbase.h>
@@ -28,19 +29,21 @@ private:
 class GuiSide final : public IMessageFilter {
 public:
     explicit GuiSide(std::shared_ptr<ExtensionState> state) : m_state(std::move(state)) {}
+    ~GuiSide() {
+        // Also when the window could not be made: nobody may find a window or a loop that is no more.
+        m_state->window = nullptr;
+        ModuleMessageLoops().Remove(GetCurrentThreadId());
+    }
+    GuiSide(const GuiSide&) = delete;
+    GuiSide& operator=(const GuiSide&) = delete;
 
     void Run() {
         SwitchToThread();  // the starter gets on with its pause first
         MSG message = {};
         PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);  // from here on a quit message finds a queue
-        const DWORD id = GetCurrentThreadId();
-        ModuleMessageLoops().Add(id, m_loop);
+        ModuleMessageLoops().Add(GetCurrentThreadId(), m_loop);
         m_loop.AddFilter(*this);
-        {
-            const ComApartment apartment;
-            ShowFrame();
-        }
-        ModuleMessageLoops().Remove(id);
+        ShowFrame();
     }
 
     bool OnThreadMessage(MSG& message) override {
@@ -104,9 +107,15 @@ private:
     }
 
     std::shared_ptr<ExtensionState> m_state;
+    ComApartment m_apartment;  // before the window, which ends in it
     MessageLoop m_loop;
     std::unique_ptr<BatchRenameMainFrame> m_frame;
 };
+
+void LogNoWindow(Quorvane::SDK::IHostServices& services) {
+    using namespace Quorvane::SDK;
+    services.Log(kLogLevel, LogKind::Failure, L"[Batch Rename] - The window cannot be opened");
+}
 
 struct StartOfThread {
     std::shared_ptr<ExtensionState> state;
@@ -114,6 +123,7 @@ struct StartOfThread {
 };
 
 DWORD WINAPI RunGuiThread(void* parameter) {
+    Quorvane::SDK::ReserveExceptionRecord();
     HMODULE module = nullptr;
     {
         const std::unique_ptr<StartOfThread> start(static_cast<StartOfThread*>(parameter));
@@ -122,8 +132,7 @@ DWORD WINAPI RunGuiThread(void* parameter) {
             GuiSide(start->state).Run();
         } catch (...) {
             // The window could not be made, or memory has run out. The host goes on without it.
-            using namespace Quorvane::SDK;
-            start->state->services->Log(kLogLevel, LogKind::Failure, L"[Batch Rename] - The window cannot be opened");
+            LogNoWindow(*start->state->services);
         }
     }
     // Nothing of ours is on the stack any more.
@@ -141,8 +150,10 @@ BatchRenameGUIThread::BatchRenameGUIThread(std::shared_ptr<ExtensionState> state
     m_thread.Reset(CreateThread(nullptr, 0, RunGuiThread, start.get(), 0, &m_id));
     if (m_thread)
         static_cast<void>(start.release());  // the thread's
-    else
+    else {
         FreeLibrary(start->module);
+        LogNoWindow(*start->state->services);
+    }
 }
 
 bool BatchRenameGUIThread::Wait(DWORD milliseconds) const {

@@ -7,6 +7,7 @@
 #include "batchrename/host_properties.h"
 #include "batchrename/qv_batch_rename.h"
 #include "batchrename/resource.h"
+#include "sdk/boundary.h"
 #include "ui/activation_context.h"
 
 namespace BatchRename {
@@ -323,15 +324,19 @@ void BatchRenameMainFrame::RestorePosition() {
     ShowWindow(m_window, position && position->isMaximised ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL);
 }
 
-void BatchRenameMainFrame::SavePosition() const {
-    WINDOWPLACEMENT placement = {};
-    placement.length = sizeof(placement);
-    Quorvane::SDK::ISettings* const settings = m_around.services ? m_around.services->GetSettings() : nullptr;
-    if (!settings || !GetWindowPlacement(m_window, &placement)) return;
-    const RECT& normal = placement.rcNormalPosition;
-    const WindowPosition position = {normal.left,  normal.top, normal.right, normal.bottom, IsZoomed(m_window) != FALSE,
-                                     m_panelHeight};
-    settings->SetString(1, kSection, kPositionKey, FormatWindowPosition(position).c_str());
+void BatchRenameMainFrame::SavePosition() const noexcept {
+    // Guarded, since a window that cannot remember where it was must close all the same.
+    Quorvane::SDK::AtBoundary(false, [&] {
+        WINDOWPLACEMENT placement = {};
+        placement.length = sizeof(placement);
+        Quorvane::SDK::ISettings* const settings = m_around.services ? m_around.services->GetSettings() : nullptr;
+        if (!settings || !GetWindowPlacement(m_window, &placement)) return false;
+        const RECT& normal = placement.rcNormalPosition;
+        const bool isMaximised = IsZoomed(m_window) != FALSE;
+        const WindowPosition position = {normal.left,   normal.top,  normal.right,
+                                         normal.bottom, isMaximised, m_panelHeight};
+        return settings->SetString(1, kSection, kPositionKey, FormatWindowPosition(position).c_str()) != 0;
+    });
 }
 
 bool BatchRenameMainFrame::PreTranslate(MSG& message) {

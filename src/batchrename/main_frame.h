@@ -77,7 +77,7 @@ private:
     bool OnSplitter(UINT message, LPARAM lParam);
     void LimitSize(MINMAXINFO& limits) const;
     void RestorePosition();
-    void SavePosition() const;
+    void SavePosition() const noexcept;
     bool OnKey(const MSG& message);
     void SetStatus(const std::wstring& text);
     int AskBox(const std::wstring& text, UINT style);

@@ -1,5 +1,6 @@
 // main_frame_actions.cpp - what the window does: rule, preview, run, profiles, sessions, rows.
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 #include "batchrename/frame_messages.h"
@@ -99,8 +100,9 @@ void BatchRenameMainFrame::OnPreview() {
         m_startsWhenReady = false;
         return SetStatus(preview->error);
     }
-    m_isUpToDate = preview->IsComplete();
+    const bool isComplete = preview->IsComplete();
     Replace([&] { m_rows.SetPreview(std::move(preview)); });
+    m_isUpToDate = isComplete;  // only now: Replace may have had no memory, and left the former names
     if (m_isUpToDate) {
         m_mustSort = false;
         m_mustLoad = false;
@@ -244,8 +246,12 @@ void BatchRenameMainFrame::BeginRun() {
     }
     m_around.context.isStopped = m_around.isClosing.load();
     m_startTime = GetTickCount64();
+    try {
+        m_run->Start(std::move(request));
+    } catch (const std::system_error&) {
+        return SetStatus(L"The run could not be started; the system has no thread for it.");
+    }
     m_isDone = true;
-    m_run->Start(std::move(request));
     SetStatus(m_session ? L"Restoring..." : L"Renaming...");
     RefreshState();
 }

@@ -2,13 +2,18 @@
 
 #include <algorithm>
 
+#include "sdk/boundary.h"
+
 namespace BatchRename {
 
 void MessageLoop::Run() {
     MSG message = {};
     while (GetMessageW(&message, nullptr, 0, 0) > 0) {
-        const bool isEaten =
-            std::ranges::any_of(m_filters, [&](IMessageFilter* filter) { return filter->OnThreadMessage(message); });
+        // Guarded like a window's procedure: what a key or a message asked for may fail, the loop goes on.
+        const bool isEaten = Quorvane::SDK::AtBoundary(true, [&] {
+            return std::ranges::any_of(m_filters,
+                                       [&](IMessageFilter* filter) { return filter->OnThreadMessage(message); });
+        });
         if (isEaten) continue;
         TranslateMessage(&message);
         DispatchMessageW(&message);

@@ -5,11 +5,15 @@
 
 #include "batchrename/host_properties.h"
 #include "batchrename/rename_run.h"
+#include "sdk/boundary.h"
 
 namespace BatchRename {
 
 PreviewWorker::PreviewWorker(Quorvane::SDK::IHostServices* services, std::function<void()> notify)
-    : m_services(services), m_notify(std::move(notify)), m_folders(ListFolderOnDisk), m_thread([this] { Run(); }) {}
+    : m_services(services), m_notify(std::move(notify)), m_folders(ListFolderOnDisk), m_thread([this] {
+          Quorvane::SDK::ReserveExceptionRecord();
+          Run();
+      }) {}
 
 PreviewWorker::~PreviewWorker() {
     {
@@ -63,22 +67,31 @@ void PreviewWorker::Publish(std::shared_ptr<const Preview> preview) {
 
 void PreviewWorker::MakePass(const PreviewRequest& request) {
     try {
+        if (!m_failure) {
+            m_failure = std::make_shared<Preview>();
+            m_failure->error = L"The new names could not be computed; there may be too little memory.";
+        }
         std::optional<HostProperties> properties;
         if (m_services) properties.emplace(*m_services);
         MakePreview(
             request, m_folders, properties ? &*properties : nullptr, [&] { return m_newest != request.generation; },
             [&](std::shared_ptr<const Preview> preview) { Publish(std::move(preview)); });
     } catch (const RegexFault& fault) {
-        auto failed = std::make_shared<Preview>();
-        failed->generation = request.generation;
-        failed->error = fault.Text();
-        Publish(std::move(failed));
-    } catch (const std::exception&) {
-        auto failed = std::make_shared<Preview>();
-        failed->generation = request.generation;
-        failed->error = L"The new names could not be computed; there may be too little memory.";
-        Publish(std::move(failed));
+        // Memory may be what the expression lacked. Then there is none for its own words.
+        Quorvane::SDK::AtBoundary(false, [&] {
+            m_failure->error = fault.Text();
+            return true;
+        });
+        PublishFailure(request.generation);
+    } catch (...) {
+        PublishFailure(request.generation);
     }
+}
+
+void PreviewWorker::PublishFailure(uint64_t generation) {
+    if (!m_failure) return;  // not even that much memory; the window goes on showing what it shows
+    m_failure->generation = generation;
+    Publish(std::exchange(m_failure, nullptr));
 }
 
 void PreviewWorker::Run() {

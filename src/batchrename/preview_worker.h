@@ -19,7 +19,7 @@ namespace BatchRename {
 class PreviewWorker {
 public:
     /// `services` may be null, and outlives the worker. `notify` is called on the worker's thread whenever there is
-    /// something to take.
+    /// something to take. @throws std::system_error when there is no thread to be had
     PreviewWorker(Quorvane::SDK::IHostServices* services, std::function<void()> notify);
     /// Cancels, and waits for the thread.
     ~PreviewWorker();
@@ -42,6 +42,7 @@ private:
     void Run();
     void Publish(std::shared_ptr<const Preview> preview);
     void MakePass(const PreviewRequest& request);
+    void PublishFailure(uint64_t generation);
 
     Quorvane::SDK::IHostServices* m_services;
     std::function<void()> m_notify;
@@ -56,6 +57,8 @@ private:
     bool m_isEnding = false;
     std::shared_ptr<const Preview> m_published;
     std::vector<std::shared_ptr<const void>> m_disposed;
+    // The worker's thread's: says that memory has run out, and so is made while there is some.
+    std::shared_ptr<Preview> m_failure;
     std::thread m_thread;  // last: it uses everything above
 };
 

@@ -244,16 +244,6 @@ void TrueUp(BatchRenameUndo& session, const RenameItems& rows, const std::vector
 
 }  // namespace
 
-bool CRenameResultCallback::OnRenameResult(uint32_t, uint32_t code) {
-    if (code == RenameResult::Renamed)
-        ++m_doneCount;
-    else if (code == RenameResult::Ignored)
-        ++m_ignoredCount;
-    else
-        ++m_failedCount;
-    return true;
-}
-
 FolderNames ListFolderOnDisk(const std::wstring& folder) {
     FolderNames result;
     result.folder = folder;

@@ -10,27 +10,12 @@
 
 #include "batchrename/rename_item.h"
 #include "batchrename/rename_plan.h"
+#include "batchrename/rename_results.h"
 #include "batchrename/restore_rows.h"
 #include "batchrename/undo_store.h"
 #include "sdk/services.h"
 
 namespace BatchRename {
-
-/// Counts the rows of a run, one result each. May be read from any thread while the run is going on.
-class CRenameResultCallback final : public Quorvane::SDK::IRenameResultCallback {
-public:
-    bool OnRenameStarting(uint32_t) override { return true; }
-    bool OnRenameResult(uint32_t row, uint32_t code) override;
-
-    uint32_t DoneCount() const { return m_doneCount; }  // renamed, or restored in a restore run
-    uint32_t IgnoredCount() const { return m_ignoredCount; }
-    uint32_t FailedCount() const { return m_failedCount; }
-
-private:
-    std::atomic<uint32_t> m_doneCount = 0;
-    std::atomic<uint32_t> m_ignoredCount = 0;
-    std::atomic<uint32_t> m_failedCount = 0;
-};
 
 /// What became of a row.
 struct RowOutcome {

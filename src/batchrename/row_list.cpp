@@ -41,8 +41,12 @@ void RowList::ShowChangesOnly(bool isFiltered) {
 }
 
 void RowList::Count() {
+    // Nothing of the former rows stays, even where memory ends below: a place must never lead beyond the rows.
     m_marks.clear();
+    m_places.clear();
+    m_isFiltered = false;
     m_counts = {m_rows->size(), 0, 0};
+    m_marks.reserve(m_rows->size());
     if (m_preview && m_preview->IsComplete())
         for (const RowPlan& plan : m_preview->plans) m_marks.push_back(MarkOfPlan(plan));
     if (m_result)

@@ -96,10 +96,6 @@ void RulePanel::Create(HWND parent) {
     ShowModeless(parent);
 }
 
-void RulePanel::OnFailure(const std::exception_ptr&) noexcept {
-    PostMessageW(m_parent, WM_CLOSE, 0, 0);
-}
-
 bool RulePanel::OnInit() {
     RECT rect = {};
     GetWindowRect(GetWindow(), &rect);

@@ -45,10 +45,9 @@ public:
 
 private:
     bool OnInit() override;
+    bool OutlivesFailure() const noexcept override { return true; }  // the window is of no use without it
     bool OnCommand(int id, int notification) override;
     bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
-    /// Without its panel the window is of no use: it closes.
-    void OnFailure(const std::exception_ptr& failure) noexcept override;
 
     void InsertTag(int button, int edit);
     void OnItemButton(int id);

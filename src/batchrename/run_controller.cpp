@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "sdk/boundary.h"
 #include "sdk/owners.h"
 #include "win32/windows.h"
 
@@ -12,6 +13,7 @@ using namespace Quorvane::SDK;
 namespace {
 
 constexpr ULONGLONG kProgressPause = 100;  // milliseconds between two words about progress
+constexpr wchar_t kFailed[] = L"The run failed before its end. The undo manager shows what was renamed.";
 
 }  // namespace
 
@@ -26,9 +28,15 @@ RunController::~RunController() {
 }
 
 void RunController::Start(RunRequest request) {
-    m_isRunning = true;
     m_result.reset();
-    m_thread = std::thread([this, given = std::move(request)]() mutable { Run(std::move(given)); });
+    // Made here, with room for the words of the failure, so that the thread needs no memory to say that there is none.
+    auto result = std::make_unique<RunResult>();
+    result->error.reserve(std::size(kFailed));
+    m_thread = std::thread([this, given = std::move(request), kept = std::move(result)]() mutable {
+        ReserveExceptionRecord();
+        Run(std::move(given), std::move(kept));
+    });
+    m_isRunning = true;
 }
 
 std::unique_ptr<RunResult> RunController::Take() {
@@ -37,8 +45,7 @@ std::unique_ptr<RunResult> RunController::Take() {
     return std::move(m_result);
 }
 
-void RunController::Run(RunRequest request) {
-    auto result = std::make_unique<RunResult>();
+void RunController::Run(RunRequest request, std::unique_ptr<RunResult> result) {
     try {
         if (!m_services) throw std::runtime_error("no host");
         const AcquiredService<IFileOperations> files(*m_services, ServiceNumber::FileOperations);
@@ -61,9 +68,9 @@ void RunController::Run(RunRequest request) {
         if (request.journal && request.journal->LastError() != ERROR_SUCCESS)
             result->error = L"The renames could not be recorded for undo (error " +
                             std::to_wstring(request.journal->LastError()) + L").";
-    } catch (const std::exception&) {
+    } catch (...) {
         // What was renamed until then is in the undo session.
-        result->error = L"The run failed before its end. The undo manager shows what was renamed.";
+        result->error = kFailed;
     }
     result->rows = std::move(request.rows);
     m_result = std::move(result);

@@ -38,6 +38,7 @@ public:
     RunController(const RunController&) = delete;
     RunController& operator=(const RunController&) = delete;
 
+    /// @throws std::system_error when there is no thread to be had: nothing is running then
     void Start(RunRequest request);
     void Stop() { m_isStopped = true; }
     bool IsRunning() const { return m_isRunning; }
@@ -45,7 +46,7 @@ public:
     std::unique_ptr<RunResult> Take();
 
 private:
-    void Run(RunRequest request);
+    void Run(RunRequest request, std::unique_ptr<RunResult> result);
 
     Quorvane::SDK::IHostServices* m_services;
     std::atomic<bool>& m_isStopped;

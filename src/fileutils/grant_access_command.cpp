@@ -21,8 +21,10 @@ bool AccountExists(const std::wstring& account) {
 
 std::optional<Ui::AccessChoice> AskForAccess(IHostServices& host, const std::wstring& account) {
     const auto texts = [&](TextId id) {
+        if (static_cast<char>(id & 0xFF) != 'g') return HostText(host, id);
         // General words are not this extension's own: module 0 has them.
-        return static_cast<char>(id & 0xFF) == 'g' ? host.GetModuleText(0, id) : HostText(host, id);
+        const wchar_t* const text = host.GetModuleText(0, id);
+        return text ? text : L"";
     };
     Ui::ChangeAccessDlg dialog(texts, account, AccountExists, PickAccount);
     const HWND active = GetActiveWindow();

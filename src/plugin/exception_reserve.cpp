@@ -11,14 +11,14 @@ std::atomic<bool> g_refusesNext = false;
 }  // namespace
 
 // The linker leads every malloc of the library, the runtime's own included, through here (--wrap).
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the linker gives the names.
+// NOLINTBEGIN(clang-diagnostic-reserved-identifier): the linker gives the names.
 extern "C" void* __real_malloc(size_t size);
 extern "C" void* __wrap_malloc(size_t size) {
     if (g_refusesNext.load(std::memory_order_relaxed) && g_refusesNext.exchange(false)) [[unlikely]]
         return nullptr;
     return __real_malloc(size);
 }
-// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+// NOLINTEND(clang-diagnostic-reserved-identifier)
 
 namespace Plugin {
 

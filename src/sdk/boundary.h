@@ -6,12 +6,17 @@
 
 namespace Quorvane::SDK {
 
+/// The runtime keeps a record of exceptions for each thread and allocates it with the first use. Were that use the
+/// report of memory that has run out, it could not be reported: so the record is made before. First thing in a thread
+/// of ours.
+inline void ReserveExceptionRecord() noexcept {
+    [[maybe_unused]] const volatile int underWay = std::uncaught_exceptions();
+}
+
 /// Runs `body` and gives its result, or `onFailure` when anything at all is thrown in it (out of memory included).
 template <class Result, class Body>
 Result AtBoundary(Result onFailure, Body&& body) noexcept {
-    // The runtime keeps a record of exceptions for each thread and allocates it with the first use. Were that use the
-    // report of memory that has run out, it could not be reported: so the record is made now.
-    [[maybe_unused]] const volatile int underWay = std::uncaught_exceptions();
+    ReserveExceptionRecord();
     try {
         return std::forward<Body>(body)();
     } catch (...) {

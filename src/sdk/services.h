@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "sdk/file_list.h"
+#include "sdk/rename_result.h"
 
 namespace Quorvane::SDK {
 
@@ -32,23 +33,6 @@ struct RenameRowInfo {
     const wchar_t* path;       // of the file or folder now
     const wchar_t* newName;    // within its folder
     const wchar_t* asideName;  // a name in the same folder to go through where the system needs one; null: the host's
-};
-
-/// Result codes that are no Windows error of a rename.
-namespace RenameResult {
-inline constexpr uint32_t Renamed = 0;
-inline constexpr uint32_t Ignored = 10;
-}  // namespace RenameResult
-
-/// Hears of every row of a rename. Its slots are this library's choice. Called on the thread that asked for the
-/// renames; false from either operation lets no further row begin.
-class IRenameResultCallback {
-public:
-    virtual bool OnRenameStarting(uint32_t row) = 0;               // slot 0: false: not this row either
-    virtual bool OnRenameResult(uint32_t row, uint32_t code) = 0;  // slot 1: RenameResult, else a Windows error code
-
-protected:
-    ~IRenameResultCallback() = default;
 };
 
 /// Service 3000. The host reports renames that the system refuses; the library does not repeat it.

@@ -85,6 +85,10 @@ INT_PTR CALLBACK Dialog::Procedure(HWND window, UINT message, WPARAM wParam, LPA
         return self->Handle(message, wParam, lParam);
     } catch (...) {
         const std::exception_ptr failure = std::current_exception();
+        if (message != WM_INITDIALOG && self->OutlivesFailure()) {
+            self->OnFailure(failure);
+            return TRUE;
+        }
         self->m_failure = failure;
         self->End(IDABORT);
         if (!self->m_isModal && message != WM_INITDIALOG) {

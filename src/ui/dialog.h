@@ -12,7 +12,7 @@ namespace Ui {
 /// One dialog. The object outlives its window: it may be shown again once the window is gone.
 ///
 /// An exception that a handler throws cannot pass through the system's code. It is kept, the dialog ends, and ShowModal
-/// throws it again; for a modeless dialog OnFailure gets it.
+/// throws it again; for a modeless dialog OnFailure gets it (and OutlivesFailure may keep it open).
 class Dialog {
 public:
     Dialog(const Dialog&) = delete;
@@ -43,6 +43,9 @@ protected:
     virtual bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     /// Something was thrown in a handler of a modeless dialog, whose window is gone.
     virtual void OnFailure(const std::exception_ptr& failure) noexcept;
+    /// True for a modeless dialog that is part of a window and cannot go alone: it stays after a failure (OnFailure
+    /// hears of it), and what was asked for is not done.
+    virtual bool OutlivesFailure() const noexcept { return false; }
 
     HWND Item(int id) const noexcept { return GetDlgItem(m_window, id); }
     /// From OnInit on the controls follow the window's size, which cannot get smaller than it is then.

@@ -42,6 +42,8 @@ public:
     std::wstring Cell(int row, int column) const;
     Words Column(int column) const;
     std::wstring Status() const;
+    /// What the host has logged so far.
+    std::string Log() const { return m_out.str() + m_error.str(); }
     /// Handles the host's messages meanwhile. False after ten seconds.
     bool WaitFor(const std::function<bool()>& isTrue);
     bool WaitForStatus(const std::wstring& text);

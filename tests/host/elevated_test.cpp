@@ -8,6 +8,8 @@
 #include "host/message_pipe.h"
 #include "host_runner.h"
 
+#include <aclapi.h>
+
 namespace {
 
 using namespace QVHost;
@@ -156,6 +158,47 @@ TEST(MessagePipe, AdmitsOneClientAndThisUserAlone) {
     const HANDLE second = CreateFileW(name.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_PIPE_BUSY});
     EXPECT_EQ(second, INVALID_HANDLE_VALUE);
+    MessagePipe other;
+    EXPECT_NE(other.Create(name), 0u) << "a name that is taken is not shared";
+}
+
+/// The user that this process runs as.
+std::vector<uint8_t> OwnUser() {
+    HANDLE token = nullptr;
+    EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token));
+    const Win32::KernelHandle owner(token);
+    std::vector<uint8_t> user(sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE);
+    DWORD size = 0;
+    EXPECT_TRUE(GetTokenInformation(token, TokenUser, user.data(), static_cast<DWORD>(user.size()), &size));
+    return user;
+}
+
+TEST(MessagePipe, ListsThisUserAndNobodyElse) {
+    MessagePipe server;
+    const std::wstring name = RandomPipeName();
+    ASSERT_EQ(server.Create(name), 0u);
+    const Win32::FileHandle client(
+        CreateFileW(name.c_str(), GENERIC_READ | READ_CONTROL, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    ASSERT_TRUE(client) << GetLastError();
+    ACL* list = nullptr;
+    PSECURITY_DESCRIPTOR raw = nullptr;
+    ASSERT_EQ(GetSecurityInfo(client.Get(), SE_KERNEL_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list,
+                              nullptr, &raw),
+              DWORD{ERROR_SUCCESS});
+    const Win32::LocalMemory descriptor(raw);
+    ASSERT_NE(list, nullptr) << "without a list everybody is let in";
+    SECURITY_DESCRIPTOR_CONTROL control = 0;
+    DWORD revision = 0;
+    ASSERT_TRUE(GetSecurityDescriptorControl(raw, &control, &revision));
+    EXPECT_TRUE(control & SE_DACL_PROTECTED) << "nothing is inherited";
+    ASSERT_EQ(list->AceCount, 1);
+    void* entry = nullptr;
+    ASSERT_TRUE(GetAce(list, 0, &entry));
+    auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
+    EXPECT_EQ(allowed->Header.AceType, ACCESS_ALLOWED_ACE_TYPE);
+    std::vector<uint8_t> user = OwnUser();
+    EXPECT_TRUE(EqualSid(reinterpret_cast<PSID>(&allowed->SidStart),
+                         reinterpret_cast<const TOKEN_USER*>(user.data())->User.Sid));
 }
 
 TEST(ElevatedServer, RefusesMalformedMessagesAndGoesOn) {

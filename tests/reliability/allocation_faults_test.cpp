@@ -2,83 +2,47 @@
 // lives on, nothing is thrown at it, and the files are as after any other failure.
 #include <algorithm>
 #include <atomic>
-#include <cstdlib>
+#include <functional>
+#include <thread>
 
 #include <gtest/gtest.h>
 
 #include "reliability/failing_calls.h"
+#include "reliability/failing_memory.h"
 #include "reliability/in_process_host.h"
-#include "reliability/replaced_imports.h"
 #include "reliability/writing_commands.h"
 #include "sdk/extension_info.h"
 #include "support/services_of_host.h"
 
-namespace {
-
 using namespace QVTest;
-
-constexpr long kNone = -1;
-
-// The replaced functions are plain ones, so what they know is global. Below zero nothing fails any more.
-std::atomic<long> g_left = kNone;
-std::atomic<long> g_count = 0;
-std::atomic<bool> g_isLasting = false;
-std::atomic<bool> g_isBegun = false;
-
-bool FailsNow() {
-    if (!g_isBegun) return false;
-    ++g_count;
-    const long left = g_left.load();
-    if (left == kNone) return false;
-    if (left > 0) {
-        --g_left;
-        return false;
-    }
-    if (!g_isLasting) g_left = kNone;
-    return true;
-}
-void* FailingMalloc(size_t size) {
-    return FailsNow() ? nullptr : std::malloc(size);
-}
-void* FailingCalloc(size_t count, size_t size) {
-    return FailsNow() ? nullptr : std::calloc(count, size);
-}
-void* FailingRealloc(void* block, size_t size) {
-    return FailsNow() ? nullptr : std::realloc(block, size);
-}
-
-}  // namespace
 
 class AllocationFaults : public testing::TestWithParam<WritingCommand> {};
 
 TEST_P(AllocationFaults, LoseNothingAndEndNobody) {
+    if (FailingMemory::kLocksNeedMemory) GTEST_SKIP() << "the debug containers' locks would end the process";
     const WritingCommand& command = GetParam();
     const InProcessHost host;
-    const ReplacedImport imports[] = {{host.Library(), "malloc", reinterpret_cast<void*>(FailingMalloc)},
-                                      {host.Library(), "calloc", reinterpret_cast<void*>(FailingCalloc)},
-                                      {host.Library(), "realloc", reinterpret_cast<void*>(FailingRealloc)}};
+    FailingMemory memory(host.Library());
     FailingCalls calls{host.Library(), InProcessHost::Host()};
-    const auto runWith = [&](const WorkFolder& work, long number, bool isLasting) {
-        g_count = 0;
-        g_isLasting = isLasting;
-        g_left = number;
+    const auto runWith = [&](const WorkFolder& work, size_t number, bool isLasting) {
+        static std::function<void()> begin;
+        begin = [&memory, number, isLasting] { memory.Arm(number, isLasting); };
         // The host looks at the files when the extensions are there. Making one is the one thing that may throw for
         // want of memory: that is the contract's.
         calls.Arm(work.Path(), 0xFFFFFFFF, 0);
-        calls.OnFirstCall([] { g_isBegun = true; });
+        calls.OnFirstCall([] { begin(); });
         const HostRun run = host.Run(work.Arguments());
-        g_isBegun = false;
+        memory.Disarm();
         calls.Disarm();
         return run;
     };
     const WorkFolder first(command);
-    ASSERT_EQ(runWith(first, kNone, false).status, 0);
-    const long count = g_count;
+    ASSERT_EQ(runWith(first, FailingMemory::kNone, false).status, 0);
+    const size_t count = memory.Count();
     const Contents done = first.Read();
-    ASSERT_GT(count, 0);
-    const bool isEvery = GetEnvironmentVariableW(L"QV_EVERY_FAULT", nullptr, 0) > 0;
-    const long step = isEvery ? 1 : std::max(1L, count / 20);
-    for (long number = 0; number < count; number += step)
+    ASSERT_GT(count, 0u);
+    const size_t step = FailingMemory::IsEvery() ? 1 : std::max<size_t>(1, count / 20);
+    for (size_t number = 0; number < count; number += step)
         for (const bool isLasting : {false, true}) {
             const WorkFolder work(command);
             const HostRun run = runWith(work, number, isLasting);
@@ -107,25 +71,20 @@ TEST_P(AllocationFaults, LoseNothingAndEndNobody) {
 TEST(AllocationFaultsOfTheContract, EndNobody) {
     using namespace Quorvane::SDK;
     const InProcessHost host;
-    const ReplacedImport imports[] = {{host.Library(), "malloc", reinterpret_cast<void*>(FailingMalloc)},
-                                      {host.Library(), "calloc", reinterpret_cast<void*>(FailingCalloc)},
-                                      {host.Library(), "realloc", reinterpret_cast<void*>(FailingRealloc)}};
+    FailingMemory memory(host.Library());
     const auto find = [&](const char* name) { return reinterpret_cast<void*>(GetProcAddress(host.Library(), name)); };
     const auto create = reinterpret_cast<CreateFunction>(find("Create"));
     const auto end = reinterpret_cast<DeleteFunction>(find("Delete"));
     const WorkFolder work(WritingCommands().front());
     for (const uint32_t index : {0u, 1u, 2u}) {
-        long count = 1;
-        for (long number = 0; number < count; ++number)
+        size_t count = 1;
+        for (size_t number = 0; number < count; ++number)
             for (const bool isLasting : {false, true}) {
                 ServicesOfHost services(QV_HOST_PROGRAM);
                 QVHost::FileItem& item = services.Select(work.Path() + L"\\a.txt");
                 IPluginInterface* const extension = create(index);
                 auto* const properties = index == 1 ? reinterpret_cast<IFileProperties*>(extension) : nullptr;
-                g_count = 0;
-                g_isLasting = isLasting;
-                g_left = number;
-                g_isBegun = true;
+                memory.Arm(number, isLasting);
                 if (properties) {
                     properties->SetHost(&services.Services());
                     properties->Init(&services.Services());
@@ -138,10 +97,86 @@ TEST(AllocationFaultsOfTheContract, EndNobody) {
                     extension->OnElevatedRequest(5000, nullptr);
                     extension->Shutdown();
                 }
-                g_isBegun = false;
-                count = std::max(count, g_count.load());
+                memory.Disarm();
+                count = std::max(count, memory.Count());
                 EXPECT_TRUE(end(extension, index));
             }
+    }
+}
+
+namespace {
+
+/// What a thread's visible dialog is, or null.
+HWND DialogOf(DWORD thread) {
+    HWND found = nullptr;
+    EnumThreadWindows(
+        thread,
+        [](HWND window, LPARAM result) -> BOOL {
+            wchar_t name[16] = {};
+            GetClassNameW(window, name, 16);
+            if (std::wstring_view(name) != L"#32770" || !IsWindowVisible(window)) return TRUE;
+            *reinterpret_cast<HWND*>(result) = window;
+            return FALSE;
+        },
+        reinterpret_cast<LPARAM>(&found));
+    return found;
+}
+
+BOOL CALLBACK FillEmptyEdit(HWND control, LPARAM) {
+    wchar_t name[16] = {};
+    GetClassNameW(control, name, 16);
+    if (std::wstring_view(name) == L"Edit" && IsWindowEnabled(control) && GetWindowTextLengthW(control) == 0)
+        SendMessageW(control, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L"b"));
+    return TRUE;
+}
+
+/// Fills each dialog of the thread and presses its OK; what does not close by that is cancelled.
+void AnswerDialogs(DWORD thread, const std::atomic<bool>& isOver) {
+    while (!isOver) {
+        const HWND dialog = DialogOf(thread);
+        if (!dialog) {
+            Sleep(1);
+            continue;
+        }
+        EnumChildWindows(dialog, FillEmptyEdit, 0);
+        SendMessageTimeoutW(dialog, WM_COMMAND, IDOK, 0, SMTO_NORMAL, 1000, nullptr);
+        SendMessageTimeoutW(dialog, WM_NULL, 0, 0, SMTO_NORMAL, 1000, nullptr);
+        if (IsWindow(dialog) && DialogOf(thread) == dialog) PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+    }
+}
+
+}  // namespace
+
+/// Opened, filled and closed by OK, with one point of it all without memory.
+TEST(AllocationFaultsOfDialogs, EndNobody) {
+    if (FailingMemory::kLocksNeedMemory) GTEST_SKIP() << "the debug containers' locks would end the process";
+    const InProcessHost host;
+    FailingMemory memory(host.Library());
+    for (const wchar_t* const id : {L"30010", L"30150", L"30151", L"30300", L"30311", L"30350"}) {
+        const WritingCommand command = {"dialog", {L"--answer", L"ok", L"command", id}, {{L"a.txt", "b\na\n"}}};
+        for (const bool isLasting : {false, true}) {
+            bool hasFailed = true;
+            for (size_t number = 0; hasFailed; number += FailingMemory::IsEvery() ? 1 : 1 + number / 2) {
+                const WorkFolder work(command);
+                std::atomic<bool> isOver = false;
+                std::thread person([thread = GetCurrentThreadId(), &isOver] { AnswerDialogs(thread, isOver); });
+                FailingCalls calls{host.Library(), InProcessHost::Host()};
+                static std::function<void()> begin;
+                begin = [&] { memory.Arm(number, isLasting); };
+                calls.Arm(work.Path(), 0xFFFFFFFF, 0);
+                calls.OnFirstCall([] { begin(); });
+                const HostRun run = host.Run(work.Arguments());
+                hasFailed = memory.HasFailed();
+                memory.Disarm();
+                isOver = true;
+                person.join();
+                EXPECT_EQ(calls.OpenHandles(), 0u) << run.said;
+                bool isThere = false;
+                for (const auto& [name, content] : work.Read()) isThere = isThere || content == "b\na\n";
+                const Contents now = work.Read();
+                EXPECT_TRUE(isThere || now.size() == 1) << run.said << testing::PrintToString(now);
+            }
+        }
     }
 }
 

@@ -1,13 +1,15 @@
 // hostile_host_test.cpp - the built library in the hands of a host that gives it nothing, or nonsense: null pointers,
 // services that are not there, numbers out of range, texts without an end. Each call must come back.
 #include <algorithm>
-#include <cstdlib>
+#include <array>
+#include <string_view>
 
 #include <gtest/gtest.h>
 
 #include "reliability/in_process_host.h"
 #include "sdk/extension_info.h"
 #include "sdk/host_services.h"
+#include "support/services_of_host.h"
 
 namespace {
 
@@ -193,6 +195,109 @@ TEST_P(HostileHost, GetsNoMoreTextThanItHasRoomFor) {
     std::vector<wchar_t> text(8);
     properties->GetValue(&item, text.data(), 8, 1);
     EXPECT_TRUE(m_delete(reinterpret_cast<IPluginInterface*>(properties), 1));
+}
+
+namespace {
+
+/// The host's services by their slots: all of the contract, of which one answers 0 (null, false, nothing) whatever it
+/// is asked.
+class OneSlotAbsent {
+public:
+    static constexpr size_t kSlots = 149;
+
+    OneSlotAbsent(IHostServices& services, size_t slot) : m_object(reinterpret_cast<void***>(&services)) {
+        m_original = *m_object;
+        std::copy_n(m_original, kSlots, m_slots.begin());
+        m_slots[slot] = reinterpret_cast<void*>(Nothing);
+        *m_object = m_slots.data();
+    }
+    ~OneSlotAbsent() { *m_object = m_original; }
+    OneSlotAbsent(const OneSlotAbsent&) = delete;
+    OneSlotAbsent& operator=(const OneSlotAbsent&) = delete;
+
+private:
+    static uintptr_t Nothing() { return 0; }  // the caller removes the arguments
+
+    void*** m_object;
+    void** m_original;
+    std::array<void*, kSlots> m_slots = {};
+};
+
+/// A call without one file to work on, or with one that is there.
+class PlainCall final : public ICustomCommandCall {
+public:
+    PlainCall(uint32_t id, std::wstring file) : m_id(id), m_file(std::move(file)) {}
+    bool HasParameter(const char* name) override { return GetTextParameter(name) || GetSwitchParameter(name); }
+    const wchar_t* GetTextParameter(const char* name) override {
+        const std::string_view wanted = name;
+        if (wanted == "FILE" || wanted == "LNKTRG") return m_file.c_str();
+        if (wanted == "LNKSRC") return m_link.c_str();
+        return wanted == "FIND" || wanted == "REPLACEWITH" ? L"b" : nullptr;
+    }
+    bool GetNumberParameter(const char*, uint32_t* value) override {
+        *value = 1;
+        return true;
+    }
+    uint32_t GetCommandId() override { return m_id; }
+    bool GetSwitchParameter(const char* name) override { return std::string_view(name) == "SILENT"; }
+    void SetResultCode(uint32_t) override {}
+    void SetResultText(const wchar_t*) override {}
+
+private:
+    uint32_t m_id;
+    std::wstring m_file;
+    std::wstring m_link = m_file + L".lnk";
+};
+
+}  // namespace
+
+TEST(HostWithoutOneService, IsServedByEveryCommandAllTheSame) {
+    const InProcessHost process;
+    const auto find = [&](const char* name) {
+        return reinterpret_cast<void*>(GetProcAddress(process.Library(), name));
+    };
+    const auto create = reinterpret_cast<CreateFunction>(find("Create"));
+    const auto end = reinterpret_cast<DeleteFunction>(find("Delete"));
+    // What a contract has beside reserved slots; all of them, and those that give out objects above all.
+    constexpr size_t kUsedSlots[] = {2,   4,   7,   15,  16,  32,  34,  35,  36,  42,  44,  45,  63, 65,
+                                     111, 112, 113, 114, 115, 129, 130, 131, 133, 134, 138, 147, 148};
+    constexpr uint32_t kCommands[] = {30000, 30001, 30002, 30003, 30005, 30020, 30101, 30102, 30103,     30110,
+                                      30200, 30201, 30210, 30211, 30310, 20500, 31001, 5,     0xFFFFFFFF};
+    for (const size_t slot : kUsedSlots) {
+        SCOPED_TRACE("slot " + std::to_string(slot));
+        const TemporaryFolder folder;
+        folder.Write(L"a b.txt", "b\r\na\r\n");
+        folder.Write(L"c.b64", "YWJj");
+        QVHost::HostOptions options;
+        options.answers = std::vector<std::wstring>(100, L"yes");
+        ServicesOfHost host(QV_HOST_PROGRAM, options);
+        QVHost::FileItem& item = host.Select(folder / L"a b.txt");
+        host.Select(folder / L"c.b64");
+        const OneSlotAbsent absent(host.Services(), slot);
+        for (const uint32_t index : {0u, 2u}) {
+            IPluginInterface* const extension = create(index);
+            extension->SetHost(&host.Services());
+            extension->Init(&host.Services());
+            for (const uint32_t id : kCommands) extension->OnCommand(id, 0, 0);
+            for (const uint32_t id : {30350u, 30351u, 30352u, 30353u, 30354u}) {
+                PlainCall call(id, folder / L"a b.txt");
+                extension->OnCustomCommand(&call);
+            }
+            extension->Shutdown();
+            extension->OnCommand(30101, 0, 0);  // after its end
+            EXPECT_TRUE(end(extension, index));
+        }
+        auto* const properties = reinterpret_cast<IFileProperties*>(create(1));
+        properties->SetHost(&host.Services());
+        properties->Init(&host.Services());
+        wchar_t text[64] = {};
+        for (const uint32_t id : {0u, 1u, 2u, 3u, 4u, 0xFFFFu})
+            properties->GetValue(&item, text, 64, static_cast<uint16_t>(id));
+        EXPECT_TRUE(end(reinterpret_cast<IPluginInterface*>(properties), 1));
+        size_t count = 0;
+        for (const std::wstring& name : folder.List()) count += folder.Read(name).empty() ? 0 : 1;
+        EXPECT_GE(count, 2u) << "a file is lost";
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, HostileHost, testing::Values(Manner::Nothing, Manner::NullTexts, Manner::Nonsense),

@@ -1,0 +1,151 @@
+// The window while the system has no thread for it, or no memory: it stays, says so, and works again afterwards.
+#include <atomic>
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+
+#include "batchrename/resource.h"
+#include "batchrenamewindow/rename_window.h"
+#include "reliability/failing_memory.h"
+#include "reliability/replaced_imports.h"
+
+namespace {
+
+using namespace QVTest;
+
+const Words kNames = {L"a", L"b"};
+
+HMODULE Library() {
+    return GetModuleHandleW(L"QVUtils.dll");
+}
+
+HANDLE WINAPI NoThread(SECURITY_ATTRIBUTES*, SIZE_T, LPTHREAD_START_ROUTINE, void*, DWORD, DWORD*) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return nullptr;
+}
+uintptr_t NoThreadOfTheRuntime(void*, unsigned, unsigned (*)(void*), void*, unsigned, unsigned*) {
+    errno = EAGAIN;
+    return 0;
+}
+
+TEST(RenameWindowWithoutThreads, SaysSoAndOpensLater) {
+    RenameWindow window(kNames);
+    {
+        const ReplacedImport replaced(Library(), "CreateThread", reinterpret_cast<void*>(NoThread));
+        ASSERT_NE(replaced.Original(), nullptr);
+        window.RunCommand(kNames);
+    }
+    {
+        // The window's own thread is there, the one for its previews is not.
+        const ReplacedImport replaced(Library(), "_beginthreadex", reinterpret_cast<void*>(NoThreadOfTheRuntime));
+        ASSERT_NE(replaced.Original(), nullptr);
+        window.RunCommand(kNames);
+        EXPECT_TRUE(window.WaitFor([&] { return !window.Frame(); }));
+    }
+    window.Open(kNames);
+    window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
+    ASSERT_TRUE(window.WaitForStatus(L"2 items, 2 will be renamed"));
+    {
+        const ReplacedImport replaced(Library(), "_beginthreadex", reinterpret_cast<void*>(NoThreadOfTheRuntime));
+        window.Panel().Press(IDC_START);
+        EXPECT_EQ(window.Status(), L"The run could not be started; the system has no thread for it.");
+        EXPECT_EQ(window.NamesOnDisk(), kNames);
+    }
+    window.Panel().Press(IDC_START);
+    EXPECT_TRUE(window.WaitForStatus(L"2 Renamed"));
+    window.EndHost();
+    const std::string words = "[Batch Rename] - The window cannot be opened";
+    const size_t first = window.Log().find(words);
+    ASSERT_NE(first, std::string::npos) << window.Log();
+    EXPECT_NE(window.Log().find(words, first + 1), std::string::npos) << window.Log();
+    EXPECT_EQ(Library(), nullptr) << "nothing holds the library";
+}
+
+/// A window of this window's thread, which is not the only one on the screen.
+HWND OwnWindow(const RenameWindow& window, const wchar_t* windowClass, const wchar_t* title) {
+    HWND found = nullptr;
+    while ((found = FindWindowExW(nullptr, found, windowClass, title)) != nullptr)
+        if (GetWindowThreadProcessId(found, nullptr) == window.Thread()) break;
+    return found;
+}
+
+/// Steps of growing size: the first allocations are the window's own, the many later ones the rules'.
+size_t Next(size_t number) {
+    return FailingMemory::IsEvery() ? number + 1 : number + 1 + number / 3;
+}
+
+TEST(RenameWindowWithoutMemory, StaysAndWorksAgain) {
+    RenameWindow window(kNames);
+    window.Open(kNames);
+    FailingMemory memory(Library());
+    const auto openMenu = [&] { return OwnWindow(window, L"#32768", nullptr); };
+    const auto openDialog = [&] { return OwnWindow(window, L"#32770", L"Undo BatchRename"); };
+    const struct {
+        const char* what;
+        std::function<void()> act;
+        std::function<bool()> isDone;
+    } cases[] = {
+        {"a preview",
+         [&] {
+             window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]-[C]");
+             PostMessageW(window.Panel().Control(IDC_NAME_TEMPLATE), WM_KEYDOWN, VK_F5, 1);
+         },
+         [&] { return window.Status() == L"2 items, 2 will be renamed"; }},
+        {"a new look at the folders", [&] { PostMessageW(window.List(), WM_KEYDOWN, VK_F5, 1); },
+         [&] { return window.Status() == L"2 items, 0 will be renamed"; }},
+        {"a menu", [&] { window.Panel().PressLater(IDC_NAME_TAGS); }, [&] { return openMenu() != nullptr; }},
+        {"a dialog", [&] { window.Panel().PressLater(IDC_UNDO); }, [&] { return openDialog() != nullptr; }},
+    };
+    for (const auto& c : cases)
+        for (const bool isLasting : {false, true}) {
+            bool hasFailed = true;
+            for (size_t number = 0; hasFailed; number = Next(number)) {
+                SCOPED_TRACE(std::string(c.what) + ", allocation " + std::to_string(number));
+                memory.Arm(number, isLasting);
+                c.act();
+                ASSERT_TRUE(WaitUntil([&] { return memory.HasFailed() || c.isDone(); }));
+                hasFailed = memory.HasFailed();
+                memory.Disarm();
+                // Whatever was opened goes; then the window does what it always does.
+                if (const HWND menu = openMenu()) PostMessageW(menu, WM_KEYDOWN, VK_ESCAPE, 1);
+                if (const HWND box = openDialog()) PostMessageW(box, WM_CLOSE, 0, 0);
+                ASSERT_TRUE(window.Frame()) << "the window has gone";
+                ASSERT_TRUE(window.WaitFor([&] {
+                    window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]");
+                    return window.Panel().IsEnabled(IDC_NAME_TEMPLATE) &&
+                           WaitUntil([&] { return window.Status() == L"2 items, 0 will be renamed"; });
+                })) << "the window has no word any more: "
+                    << std::string(window.Status().begin(), window.Status().end());
+            }
+        }
+}
+
+/// Nothing is renamed by halves: each file is there with its content, and the window tells of the end.
+TEST(RenameWindowWithoutMemory, RenamesWhollyOrNot) {
+    if (FailingMemory::kLocksNeedMemory) GTEST_SKIP() << "the debug containers' locks would end the process";
+    for (const bool isLasting : {false, true}) {
+        bool hasFailed = true;
+        for (size_t number = 0; hasFailed; number = 3 * Next(number)) {
+            SCOPED_TRACE("allocation " + std::to_string(number));
+            RenameWindow window(kNames);
+            window.Open(kNames);
+            window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
+            ASSERT_TRUE(window.WaitForStatus(L"2 items, 2 will be renamed"));
+            // Held, so that what was replaced in it can be put back.
+            const Win32::Module held(LoadLibraryW(L"QVUtils.dll"));  // the loaded one, whatever its folder
+            FailingMemory memory(Library());
+            memory.Arm(number, isLasting);
+            window.Panel().Press(IDC_START);
+            WaitUntil([&] { return memory.HasFailed() || window.Status() == L"2 Renamed"; });
+            hasFailed = memory.HasFailed();
+            // Ends a run behind its row, still without memory.
+            window.EndHost();
+            memory.Disarm();
+            std::string contents;
+            for (const std::wstring& name : window.NamesOnDisk()) contents += window.Files().Read(name);
+            EXPECT_EQ(contents, "ab");
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,72 @@
+#include "reliability/failing_memory.h"
+
+#include <atomic>
+#include <cstdlib>
+
+namespace QVTest {
+namespace {
+
+constexpr int kOfTheRuntime = 3;
+
+// The replaced functions are plain ones, so what they know is global.
+std::atomic<bool> g_isArmed = false;
+std::atomic<bool> g_isLasting = false;
+std::atomic<bool> g_hasFailed = false;
+std::atomic<size_t> g_number = 0;
+std::atomic<size_t> g_count = 0;
+thread_local int t_seen = 0;
+
+bool FailsNow() {
+    if (t_seen < kOfTheRuntime) {
+        ++t_seen;
+        return false;
+    }
+    if (!g_isArmed) return false;
+    const size_t at = g_count++;
+    const bool fails = at == g_number || (g_isLasting && at > g_number);
+    if (fails) g_hasFailed = true;
+    return fails;
+}
+void* FailingMalloc(size_t size) {
+    return FailsNow() ? nullptr : std::malloc(size);
+}
+void* FailingCalloc(size_t count, size_t size) {
+    return FailsNow() ? nullptr : std::calloc(count, size);
+}
+void* FailingRealloc(void* block, size_t size) {
+    return FailsNow() ? nullptr : std::realloc(block, size);
+}
+
+}  // namespace
+
+FailingMemory::FailingMemory(HMODULE module) {
+    m_imports.emplace_back(module, "malloc", reinterpret_cast<void*>(FailingMalloc));
+    m_imports.emplace_back(module, "calloc", reinterpret_cast<void*>(FailingCalloc));
+    m_imports.emplace_back(module, "realloc", reinterpret_cast<void*>(FailingRealloc));
+}
+
+void FailingMemory::Arm(size_t number, bool isLasting) {
+    g_hasFailed = false;
+    g_count = 0;
+    g_number = number;
+    g_isLasting = isLasting;
+    g_isArmed = true;
+}
+
+void FailingMemory::Disarm() {
+    g_isArmed = false;
+}
+
+bool FailingMemory::HasFailed() const {
+    return g_hasFailed;
+}
+
+size_t FailingMemory::Count() const {
+    return g_count;
+}
+
+bool FailingMemory::IsEvery() {
+    return GetEnvironmentVariableW(L"QV_EVERY_FAULT", nullptr, 0) > 0;
+}
+
+}  // namespace QVTest

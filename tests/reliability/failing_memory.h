@@ -1,0 +1,43 @@
+// failing_memory.h - memory runs out for a loaded module at a chosen allocation. One object at a time.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "reliability/replaced_imports.h"
+
+namespace QVTest {
+
+class FailingMemory {
+public:
+    static constexpr size_t kNone = SIZE_MAX;
+
+    explicit FailingMemory(HMODULE module);
+    ~FailingMemory() { Disarm(); }
+    FailingMemory(const FailingMemory&) = delete;
+    FailingMemory& operator=(const FailingMemory&) = delete;
+
+    /// The allocation with this number from now on fails, and with `isLasting` all later ones. The first few of a
+    /// thread never do: they are the runtime's own for exceptions, without which it ends the process.
+    void Arm(size_t number, bool isLasting);
+    void Disarm();
+    bool HasFailed() const;
+    size_t Count() const;  // allocations since Arm
+
+    /// The locks of the library's debug containers allocate with their first use, in destructors too, and end the
+    /// process when they cannot: whoever reaches such a first use with no memory cannot be tested in the checked build.
+#ifdef _GLIBCXX_DEBUG
+    static constexpr bool kLocksNeedMemory = true;
+#else
+    static constexpr bool kLocksNeedMemory = false;
+#endif
+
+    /// Whether a long run over every allocation is asked for.
+    static bool IsEvery();
+
+private:
+    std::vector<ReplacedImport> m_imports;
+};
+
+}  // namespace QVTest
