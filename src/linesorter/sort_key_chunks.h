@@ -27,7 +27,7 @@ public:
     ///
     /// Some bytes inside a key are zero too, while chunks take a zero for the end. So 0 is kept as 1 1 and 1 as 1 2,
     /// which changes the order of no two keys. Behind the end there are enough zero bytes for a chunk that begins
-    /// inside the key.
+    /// inside the key, and for the half chunk behind the first one of the shortest key.
     template <class Make>
     const uint8_t* Add(Make&& make) {
         uint32_t size = make(m_scratch.data(), static_cast<uint32_t>(m_scratch.size()));
@@ -52,7 +52,7 @@ public:
     }
 
 private:
-    static constexpr size_t kZerosBehind = 8;
+    static constexpr size_t kZerosBehind = 12;
     static constexpr size_t kBlockSize = 1 << 20;
 
     uint8_t* Allocate(size_t size) {
@@ -94,7 +94,9 @@ public:
     KeyedIndex EntryOf(uint32_t index) {
         if (m_usesBeginnings)
             if (const std::optional<KeyedIndex> entry = EntryOfBeginning(index)) return *entry;
-        return {.key = (*this)(index, 0), .index = index};
+        const uint8_t* const key = WholeKey(index);
+        if (!key) return {.index = index};
+        return {.key = LoadBytes(key), .index = index, .tail = static_cast<uint32_t>(LoadBytes(key + 4))};
     }
 
     uint64_t operator()(uint32_t index, uint32_t depth) {
@@ -111,10 +113,10 @@ private:
     // sixth.
     static constexpr size_t kForChunk = 7;
     static constexpr size_t kForTail = 9;
-    static constexpr size_t kBeginning = 16;  // how far numbers are followed
+    static constexpr size_t kBeginning = 24;  // how far numbers are followed
 
     const uint8_t* WholeKey(uint32_t index) {
-        static constexpr uint8_t kEmptyKey[8] = {};
+        static constexpr uint8_t kEmptyKey[12] = {};
         if (m_keys[index] || m_hasFailed) return m_keys[index];
         const auto text = m_data.KeyText(m_lines[index]);
         if (text.empty()) return kEmptyKey;
@@ -151,11 +153,10 @@ private:
 
     static bool IsDigit(CharT unit) { return unit >= CharT('0') && unit <= CharT('9'); }
 
-    /// ASCII letters, digits and blanks. Hyphens and apostrophes are weighed last, and other characters may stand for
-    /// several letters or for none.
+    /// Printable ASCII, each character with a weight of its own, but for hyphens and apostrophes, which are weighed
+    /// last. Other characters may stand for several letters or for none.
     static bool IsPlain(CharT unit) {
-        const auto letter = static_cast<CharT>(unit | CharT(0x20));
-        return unit == CharT(' ') || IsDigit(unit) || (letter >= CharT('a') && letter <= CharT('z'));
+        return unit >= CharT(' ') && unit <= CharT('~') && unit != CharT('-') && unit != CharT('\'');
     }
 
     /// Looks at some lines from all over the file. Where many begin alike, the work would be done twice.

@@ -186,8 +186,10 @@ Lines<CharT> ManyLines(const char* letters, uint32_t letterCount) {
 
 TEST(SortLines, SortKeysOfBeginningsGiveThePlainOrder) {
     QVTest::InBothWidths([]<class CharT>(CharT) {
-        for (const auto& lines : {ManyLines<CharT>("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ 01", 55),
-                                  ManyLines<CharT>("abcdefghijklmnopqrstABCDEFGHIJ -'01239\xE9\xDF", 41)})
+        for (const auto& lines :
+             {ManyLines<CharT>("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ 01", 55),
+              ManyLines<CharT>("abcdefghijklmnopqrstuvwxyz0123456789;,.:_!?#$%&()*+/<=>@[]^{|}~\"", 65),
+              ManyLines<CharT>("abcdefghijklmnopqrstABCDEFGHIJ -'01239\xE9\xDF", 41)})
             for (const uint32_t natural : {0u, Option::NaturalNumbers}) {
                 SortRequest request;
                 request.options = Option::AsText | Option::LanguageOrder | natural;
