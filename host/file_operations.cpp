@@ -75,14 +75,19 @@ uint32_t FileOperations::RenameRows(const Quorvane::SDK::RenameRowInfo* rows, ui
         for (const Quorvane::SDK::RenameRowInfo& row : std::span(rows, count)) {
             if (!callback->OnRenameStarting(row.row)) return;
             ++begun;
-            const uint32_t error = Guarded<uint32_t>(ERROR_OUTOFMEMORY, [&]() -> uint32_t {
-                return row.path && row.newName ? RenameOne(row.path, row.newName, TextOrEmpty(row.asideName))
-                                               : ERROR_INVALID_PARAMETER;
-            });
+            const uint32_t error = Guarded<uint32_t>(ERROR_OUTOFMEMORY, [&] { return RenameInfo(row); });
             if (!callback->OnRenameResult(row.row, error)) return;
         }
     });
     return begun;
+}
+
+uint32_t FileOperations::RenameInfo(const Quorvane::SDK::RenameRowInfo& row) {
+    if (!row.path || !row.newName) return ERROR_INVALID_PARAMETER;
+    const uint32_t error = RenameOne(row.path, row.newName, TextOrEmpty(row.asideName));
+    if (error == ERROR_SUCCESS && m_panel)
+        m_panel->FileRenamed(row.path, std::wstring(Win32::FolderOf(row.path)) + row.newName);
+    return error;
 }
 
 bool FileOperations::GetPropertyText(const wchar_t* path, const wchar_t* name, const wchar_t* format, wchar_t* buffer,

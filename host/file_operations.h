@@ -36,9 +36,10 @@ private:
 
 class FileOperations final : public Quorvane::SDK::IFileOperations {
 public:
-    /// Refused renames add to `failedCount`.
-    FileOperations(FileObjects& objects, const ColumnValues& columns, Output& output, uint32_t& failedCount)
-        : m_objects(objects), m_columns(columns), m_output(output), m_failedCount(failedCount) {}
+    /// Refused renames add to `failedCount`; the others are reported to the panel, which may be null.
+    FileOperations(FileObjects& objects, const ColumnValues& columns, Output& output, uint32_t& failedCount,
+                   IPanelView* panel)
+        : m_objects(objects), m_columns(columns), m_output(output), m_failedCount(failedCount), m_panel(panel) {}
 
     bool Exists(const wchar_t* path) override;
     Quorvane::SDK::IFileItem* CreateFileItem(const wchar_t* path, uint32_t one) override;
@@ -57,11 +58,13 @@ public:
 
 private:
     uint32_t Report(const RenameRow& row);
+    uint32_t RenameInfo(const Quorvane::SDK::RenameRowInfo& row);
 
     FileObjects& m_objects;
     const ColumnValues& m_columns;
     Output& m_output;
     uint32_t& m_failedCount;
+    IPanelView* m_panel;
     Shelf<RenameBatch> m_batches;
 };
 

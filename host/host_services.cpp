@@ -156,7 +156,7 @@ void* HostServices::AcquireService(uint32_t number, uint32_t, const wchar_t*) {
         switch (number) {
             case ServiceNumber::FileOperations:
                 return KeepService<IFileOperations>(std::make_shared<FileOperations>(
-                    m_state.files, m_state.columns, m_state.output, m_state.failedCount));
+                    m_state.files, m_state.columns, m_state.output, m_state.failedCount, m_state.panel));
             case ServiceNumber::FolderRefresh:
                 return KeepService<IFolderRefresh>(std::make_shared<FolderRefresh>(m_state.panel));
             case ServiceNumber::PropertySet:

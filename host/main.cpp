@@ -57,7 +57,12 @@ private:
 
 /// Nobody has typed a command: the program was started by a double click, or from a menu. Then it has a console of its
 /// own, or none at all; a shell's console has the shell in it too, and a script gives the program its streams.
+///
+/// A desktop on which Wine runs gives the programs it starts streams of its own, just as a script does. What tells them
+/// apart is the screen: with one, and without a terminal, a window is what people expect.
 bool IsStartedAsWindow() {
+    if (QVHost::RunsUnderWine() && GetEnvironmentVariableW(L"DISPLAY", nullptr, 0) > 0 && !IsConsole(STD_INPUT_HANDLE))
+        return !IsConsole(STD_OUTPUT_HANDLE) && !IsConsole(STD_ERROR_HANDLE);
     for (const DWORD stream : {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE}) {
         const HANDLE handle = GetStdHandle(stream);
         if (handle && handle != INVALID_HANDLE_VALUE && !IsConsole(stream)) return false;

@@ -30,6 +30,8 @@ public:
     virtual void ShowLine(std::wstring_view text, Tone tone) = 0;
     /// `kind` is a MarkKind.
     virtual void MarkFile(const std::wstring& path, uint32_t kind) = 0;
+    /// What had the path `before` is called `now`.
+    virtual void FileRenamed(const std::wstring& before, const std::wstring& now) = 0;
     /// What the folder holds is to be read anew.
     virtual void FolderChanged(const std::wstring& folder) = 0;
 };

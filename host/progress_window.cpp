@@ -6,6 +6,12 @@ namespace QVHost {
 namespace {
 
 constexpr WORD kTextId = 100;
+// Drawing after each of many small files would take most of the time.
+constexpr ULONGLONG kPause = 50;  // milliseconds
+
+bool IsTime(ULONGLONG last) {
+    return GetTickCount64() - last >= kPause;
+}
 
 }  // namespace
 
@@ -34,13 +40,14 @@ INT_PTR CALLBACK ProgressWindow::OnMessage(HWND window, UINT message, WPARAM wPa
 }
 
 void ProgressWindow::Show(const std::wstring& text) {
-    if (!m_window) return;
+    if (!m_window || !IsTime(m_lastShown)) return;
     SetDlgItemTextW(m_window.Get(), kTextId, text.c_str());
     HandleInput();
+    m_lastShown = GetTickCount64();
 }
 
 bool ProgressWindow::IsCancelled() {
-    HandleInput();
+    if (IsTime(m_lastLook)) HandleInput();
     return m_isCancelled;
 }
 
@@ -58,6 +65,7 @@ void ProgressWindow::HandleInput() {
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }
+    m_lastLook = GetTickCount64();
 }
 
 }  // namespace QVHost

@@ -27,6 +27,9 @@ private:
     void HandleInput();
 
     bool m_isCancelled = false;
+    // Each has a pause of its own: else the one asked more often would leave no turn to the other.
+    ULONGLONG m_lastShown = 0;  // milliseconds
+    ULONGLONG m_lastLook = 0;   // milliseconds
     UniqueWindow m_window;
 };
 

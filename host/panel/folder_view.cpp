@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <set>
+#include <utility>
 
 #include "host/panel/panel_texts.h"
 #include "host/text.h"
@@ -26,6 +27,8 @@ constexpr FixedColumn kFixedColumns[] = {
     {PanelText::Date, 130, LVCFMT_LEFT},
     {PanelText::Result, 70, LVCFMT_LEFT},
 };
+
+constexpr int kTitleMargin = 24;  // what a header needs beside its title
 
 constexpr COLORREF kDoneColour = RGB(0, 110, 50);
 constexpr COLORREF kFailedColour = RGB(190, 0, 30);
@@ -54,6 +57,13 @@ std::wstring DateText(uint64_t written) {
     return std::wstring(date.data()) + L"  " + clock.data();
 }
 
+/// The style of a header's item with the arrow of an order.
+int HeaderFormat(int format, bool isSorted, bool isDescending) {
+    constexpr int kArrows = HDF_SORTUP | HDF_SORTDOWN;
+    if (!isSorted) return format & ~kArrows;
+    return (format & ~kArrows) | (isDescending ? HDF_SORTDOWN : HDF_SORTUP);
+}
+
 std::wstring StemOf(const std::wstring& name) {
     return std::wstring(Win32::SplitName(name).stem);
 }
@@ -72,6 +82,7 @@ FolderView::FolderView(HWND parent, int id, UINT answersMessage, const Parts& pa
     SendMessageW(m_list, WM_SETFONT, reinterpret_cast<WPARAM>(parts.look.Font()), FALSE);
     ListView_SetExtendedListViewStyle(m_list, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_LABELTIP);
     AddColumns();
+    ShowOrder();
 }
 
 void FolderView::AddColumns() {
@@ -81,7 +92,10 @@ void FolderView::AddColumns() {
     const auto add = [&](const std::wstring& title, int width, int format) {
         std::wstring text = title;
         column.pszText = text.data();
-        column.cx = m_parts.look.Scaled(width);
+        // An extension names the width that its values need; the title may need more.
+        const auto titleWidth =
+            static_cast<int>(SendMessageW(m_list, LVM_GETSTRINGWIDTHW, 0, reinterpret_cast<LPARAM>(text.c_str())));
+        column.cx = std::max(m_parts.look.Scaled(width), titleWidth + m_parts.look.Scaled(kTitleMargin));
         column.fmt = format;
         SendMessageW(m_list, LVM_INSERTCOLUMNW, static_cast<WPARAM>(at++), reinterpret_cast<LPARAM>(&column));
     };
@@ -94,6 +108,8 @@ void FolderView::AddColumns() {
 uint32_t FolderView::Open(const std::wstring& folder, const std::wstring& focused) {
     std::vector<FolderRow> rows;
     if (const uint32_t error = ReadFolder(folder, rows)) return error;
+    // Emptied first, the list forgets a selection of twenty thousand rows at once and not row by row.
+    ListView_SetItemCountEx(m_list, 0, 0);
     m_rows = std::move(rows);
     m_folder = folder;
     SortRows(m_rows, m_order, m_isDescending);
@@ -107,6 +123,17 @@ uint32_t FolderView::Open(const std::wstring& folder, const std::wstring& focuse
     return ERROR_SUCCESS;
 }
 
+void FolderView::ShowOrder() const {
+    const HWND header = ListView_GetHeader(m_list);
+    for (int column = kName; column <= kDate; ++column) {
+        HDITEMW item = {};
+        item.mask = HDI_FORMAT;
+        SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item));
+        item.fmt = HeaderFormat(item.fmt, static_cast<int>(m_order) == column, m_isDescending);
+        SendMessageW(header, HDM_SETITEMW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item));
+    }
+}
+
 void FolderView::ShowRows() {
     ++m_reading;
     m_worker.ForgetRequests();
@@ -117,12 +144,13 @@ void FolderView::ShowRows() {
 }
 
 uint32_t FolderView::Refresh() {
-    // An item that was renamed knows its new path; so selection and focus go with it.
-    const auto nameOf = [&](const FolderRow& row) {
-        return row.item ? std::wstring(Win32::FileNameOf(row.item->Path())) : row.entry.name;
-    };
     std::vector<FolderRow> rows;
     if (const uint32_t error = ReadFolder(m_folder, rows)) return error;
+    // Selection and focus go with a renamed file: an item knows its new path, and other renames have been reported.
+    FollowRenames();
+    const auto nameOf = [](const FolderRow& row) {
+        return row.item ? std::wstring(Win32::FileNameOf(row.item->Path())) : row.entry.name;
+    };
     std::set<std::wstring> selected;
     for (const size_t row : SelectedRows()) selected.insert(nameOf(m_rows[row]));
     const int focusedRow = Focused();
@@ -144,6 +172,30 @@ uint32_t FolderView::Refresh() {
     }
     if (newFocus >= 0) ListView_SetItemState(m_list, newFocus, LVIS_FOCUSED, LVIS_FOCUSED);
     return ERROR_SUCCESS;
+}
+
+void FolderView::FollowRenames() {
+    std::vector<Renaming> renamings;
+    {
+        const std::lock_guard lock(m_reportsMutex);
+        renamings = std::exchange(m_renamings, {});
+    }
+    if (renamings.empty()) return;
+    std::map<std::wstring, FolderRow*> rows;
+    for (FolderRow& row : m_rows) rows[Win32::ToLowerCase(row.item ? row.item->Path() : PathOf(row))] = &row;
+    // One after the other: a name that was given up may have been taken by the next file.
+    for (const Renaming& renaming : renamings) {
+        auto row = rows.extract(Win32::ToLowerCase(renaming.before));
+        if (row.empty()) continue;
+        row.mapped()->item = m_parts.files.MakeItem(renaming.now);  // threads may be reading the one before
+        row.key() = Win32::ToLowerCase(renaming.now);
+        rows.insert(std::move(row));
+    }
+}
+
+void FolderView::NoteRenamed(const std::wstring& before, const std::wstring& now) {
+    const std::lock_guard lock(m_reportsMutex);
+    m_renamings.push_back({before, now});
 }
 
 void FolderView::Select(const std::vector<std::wstring>& names) {
@@ -220,20 +272,20 @@ IPanelView::Items FolderView::FocusedGroup() {
 
 void FolderView::Mark(const std::wstring& path, uint32_t kind) {
     {
-        const std::lock_guard lock(m_marksMutex);
+        const std::lock_guard lock(m_reportsMutex);
         m_marks.insert_or_assign(Win32::ToLowerCase(path), kind);
     }
     PostMessageW(m_parent, m_answersMessage, 0, 0);
 }
 
 void FolderView::ClearMarks() {
-    const std::lock_guard lock(m_marksMutex);
+    const std::lock_guard lock(m_reportsMutex);
     m_marks.clear();
     InvalidateRect(m_list, nullptr, FALSE);
 }
 
 std::wstring FolderView::ResultOf(const FolderRow& row) {
-    const std::lock_guard lock(m_marksMutex);
+    const std::lock_guard lock(m_reportsMutex);
     if (m_marks.empty()) return {};
     const auto mark = m_marks.find(Win32::ToLowerCase(PathOf(row)));
     if (mark == m_marks.end()) return {};
@@ -276,11 +328,14 @@ void FolderView::SortBy(int column) {
     const auto order = static_cast<RowOrder>(column);
     m_isDescending = order == m_order && !m_isDescending;
     m_order = order;
+    ShowOrder();
     Refresh();
 }
 
 LRESULT FolderView::OnCustomDraw(const NMLVCUSTOMDRAW& draw) {
-    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return m_rows.empty() ? CDRF_NOTIFYPOSTPAINT : CDRF_NOTIFYITEMDRAW;
+    if (draw.nmcd.dwDrawStage == CDDS_POSTPAINT)
+        m_parts.look.DrawHint(m_list, draw.nmcd.hdc, TextOf(m_parts.texts, PanelText::EmptyFolder));
     const auto row = static_cast<size_t>(draw.nmcd.dwItemSpec);
     if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT || row >= m_rows.size() || !m_parts.look.UsesColours())
         return CDRF_DODEFAULT;
@@ -303,7 +358,9 @@ bool FolderView::OnNotification(NMHDR& header, LRESULT& result) {
         }
         case LVN_ODFINDITEMW: {
             const auto& find = reinterpret_cast<const NMLVFINDITEMW&>(header);
-            result = (find.lvfi.flags & LVFI_STRING) != 0 ? FindByBeginning(m_rows, find.lvfi.psz, find.iStart) : -1;
+            // Typed letters come as one of the two, depending on the system.
+            const bool isText = (find.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) != 0;
+            result = isText && find.lvfi.psz ? FindByBeginning(m_rows, find.lvfi.psz, find.iStart) : -1;
             return true;
         }
         case LVN_COLUMNCLICK: SortBy(reinterpret_cast<const NMLISTVIEW&>(header).iSubItem); return true;

@@ -54,6 +54,8 @@ public:
     /// On any thread. The parent redraws at its next answersMessage, which this sends.
     void Mark(const std::wstring& path, uint32_t kind);
     void ClearMarks();
+    /// On any thread: a file of this folder, or of any other, has another path now. The next Refresh follows it.
+    void NoteRenamed(const std::wstring& before, const std::wstring& now);
 
     /// A notification of the list; true when `result` answers it.
     bool OnNotification(NMHDR& header, LRESULT& result);
@@ -67,6 +69,8 @@ private:
     void AskForProperties(size_t row);
     void AddColumns();
     void ShowRows();
+    void ShowOrder() const;
+    void FollowRenames();
     void SortBy(int column);
     std::vector<size_t> SelectedRows() const;
     int Focused() const;
@@ -81,7 +85,12 @@ private:
     RowOrder m_order = RowOrder::Name;
     bool m_isDescending = false;
     uint64_t m_reading = 0;
-    std::mutex m_marksMutex;
+    struct Renaming {
+        std::wstring before;
+        std::wstring now;
+    };
+    std::mutex m_reportsMutex;  // of what other threads report
+    std::vector<Renaming> m_renamings;
     std::map<std::wstring, uint32_t> m_marks;  // by path in small letters: MarkKind
     PropertyWorker m_worker;                   // last: its threads end first
 };

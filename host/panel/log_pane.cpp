@@ -35,10 +35,11 @@ void PutOnClipboard(HWND owner, const std::wstring& text) {
 
 }  // namespace
 
-LogPane::LogPane(HWND parent, int id, UINT linesMessage, const PanelLook& look)
+LogPane::LogPane(HWND parent, int id, UINT linesMessage, const PanelLook& look, std::wstring hint)
     : m_parent(parent),
       m_linesMessage(linesMessage),
       m_look(look),
+      m_hint(std::move(hint)),
       m_list(CreateWindowExW(
           WS_EX_CLIENTEDGE, WC_LISTVIEWW, L"",
           WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA | LVS_NOCOLUMNHEADER | LVS_SHOWSELALWAYS, 0,
@@ -54,9 +55,15 @@ void LogPane::Add(std::wstring_view text, Tone tone) {
     {
         const std::lock_guard lock(m_mutex);
         isFirst = m_newLines.empty();
+        ++m_added;
         m_newLines.push_back({OnOneLine(text), tone});
     }
     if (isFirst) PostMessageW(m_parent, m_linesMessage, 0, 0);
+}
+
+size_t LogPane::CountOfAdded() {
+    const std::lock_guard lock(m_mutex);
+    return m_added;
 }
 
 void LogPane::TakeLines() {
@@ -101,7 +108,8 @@ void LogPane::SelectAll() {
 }
 
 LRESULT LogPane::OnCustomDraw(const NMLVCUSTOMDRAW& draw) const {
-    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return m_lines.empty() ? CDRF_NOTIFYPOSTPAINT : CDRF_NOTIFYITEMDRAW;
+    if (draw.nmcd.dwDrawStage == CDDS_POSTPAINT) m_look.DrawHint(m_list, draw.nmcd.hdc, m_hint.c_str());
     const auto at = static_cast<size_t>(draw.nmcd.dwItemSpec);
     if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT || at >= m_lines.size() || !m_look.UsesColours())
         return CDRF_DODEFAULT;

@@ -14,12 +14,14 @@ namespace QVHost {
 
 class LogPane {
 public:
-    /// `parent` gets the message `linesMessage` when lines have come.
-    LogPane(HWND parent, int id, UINT linesMessage, const PanelLook& look);
+    /// `parent` gets the message `linesMessage` when lines have come. `hint` is shown while there is no line.
+    LogPane(HWND parent, int id, UINT linesMessage, const PanelLook& look, std::wstring hint);
 
     HWND Window() const { return m_list; }
     /// On any thread.
     void Add(std::wstring_view text, Tone tone);
+    /// All lines that ever came, on any thread: what it grows by during a command is what the command has said.
+    size_t CountOfAdded();
     /// On the window's thread: shows the lines that have come, the last one in view.
     void TakeLines();
     void Clear();
@@ -41,11 +43,13 @@ private:
     HWND m_parent;
     UINT m_linesMessage;
     const PanelLook& m_look;
+    std::wstring m_hint;
     HWND m_list;
     std::vector<Line> m_lines;
     int m_width = 0;  // pixels of the column
     std::mutex m_mutex;
     std::vector<Line> m_newLines;
+    size_t m_added = 0;
 };
 
 }  // namespace QVHost

@@ -19,8 +19,12 @@ public:
     HFONT Font() const { return m_font; }
     /// `pixels` are meant at 96 to the inch.
     int Scaled(int pixels) const { return MulDiv(pixels, m_pixelsPerInch, 96); }
+    /// What an empty list says in the place of its rows: `text`, in the middle of its upper part.
+    void DrawHint(HWND list, HDC context, const wchar_t* text) const;
     /// A person who has chosen the system's colours for contrast gets no others.
     bool UsesColours() const { return m_usesColours; }
+    /// Asks the system for that choice again.
+    void ReadContrast();
 
 private:
     Win32::Module m_graphics;

@@ -1,8 +1,6 @@
 #include "host/panel/panel_menu.h"
 
 #include <algorithm>
-#include <set>
-#include <vector>
 
 #include "host/panel/panel_texts.h"
 #include "host/text.h"
@@ -28,29 +26,27 @@ bool IsShortcut(uint32_t shortcut) {
     return shortcut != Quorvane::SDK::kNoShortcut && ((key >= 'A' && key <= 'Z') || (key >= '0' && key <= '9'));
 }
 
-/// Gives each entry of one menu a letter of its own to press, where its text names none.
-class AccessKeys {
-public:
-    std::wstring Put(std::wstring text) {
-        for (const bool atWordStart : {true, false})
-            for (size_t at = 0; at < text.size() && text.find(L'&') == std::wstring::npos; ++at) {
-                const bool isWordStart = at == 0 || text[at - 1] == L' ';
-                const std::wstring letter = Win32::ToUpperCase(text.substr(at, 1));
-                const bool isLetter = Win32::ToLowerCase(letter) != letter;
-                if (!isLetter || isWordStart != atWordStart || !m_used.insert(letter).second) continue;
-                text.insert(at, 1, L'&');
-            }
-        return text;
-    }
-    /// The letters that texts name themselves.
-    void Use(const std::wstring& text) {
-        const size_t at = text.find(L'&');
-        if (at != std::wstring::npos) m_used.insert(Win32::ToUpperCase(text.substr(at + 1, 1)));
-    }
+bool IsFirst(const std::wstring&, size_t at) {
+    return at == 0;
+}
 
-private:
-    std::set<std::wstring> m_used;
-};
+bool IsAtWordStart(const std::wstring& text, size_t at) {
+    return at == 0 || text[at - 1] == L' ';
+}
+
+bool IsAnywhere(const std::wstring&, size_t) {
+    return true;
+}
+
+void MarkFreeLetter(std::wstring& text, bool (*isGood)(const std::wstring&, size_t), std::set<std::wstring>& used) {
+    for (size_t at = 0; at < text.size(); ++at) {
+        const std::wstring letter = Win32::ToUpperCase(text.substr(at, 1));
+        const bool isLetter = Win32::ToLowerCase(letter) != letter;
+        if (!isLetter || !isGood(text, at) || !used.insert(letter).second) continue;
+        text.insert(at, 1, L'&');
+        return;
+    }
+}
 
 struct OwnEntry {
     WORD command;  // 0: a line between entries
@@ -101,18 +97,19 @@ void Append(HMENU parent, UniqueMenu menu, const std::wstring& text) {
 /// An extension cannot make a ring of menus: a submenu is added as it is made. So this ends.
 UniqueMenu MakeMenu(const MenuModel& model, const MenuModel::Menu& shown) {
     UniqueMenu menu(CreatePopupMenu());
-    AccessKeys keys;
+    std::vector<std::wstring> texts;
     for (const MenuModel::Menu::Entry& entry : shown.entries)
-        keys.Use(entry.menu ? entry.menu->text : entry.command->text);
-    for (const MenuModel::Menu::Entry& entry : shown.entries) {
+        texts.push_back(OnOneLine(entry.menu ? entry.menu->text : entry.command->text));
+    GiveAccessKeys(texts);
+    for (size_t at = 0; at < texts.size(); ++at) {
+        const MenuModel::Menu::Entry& entry = shown.entries[at];
         if (entry.menu) {
-            Append(menu.Get(), MakeMenu(model, *entry.menu), keys.Put(OnOneLine(entry.menu->text)));
+            Append(menu.Get(), MakeMenu(model, *entry.menu), texts[at]);
             continue;
         }
         const std::wstring shortcut = ShortcutText(entry.command->shortcut);
-        std::wstring text = keys.Put(OnOneLine(entry.command->text));
-        if (!shortcut.empty()) text.append(1, L'\t').append(shortcut);
-        AppendMenuW(menu.Get(), MF_STRING, MenuCommandOf(model, entry.command), text.c_str());
+        if (!shortcut.empty()) texts[at].append(1, L'\t').append(shortcut);
+        AppendMenuW(menu.Get(), MF_STRING, MenuCommandOf(model, entry.command), texts[at].c_str());
     }
     return menu;
 }
@@ -129,13 +126,34 @@ std::wstring ShortcutText(uint32_t shortcut) {
     return text + static_cast<wchar_t>(KeyOf(shortcut));
 }
 
+void GiveAccessKeys(std::vector<std::wstring>& texts, std::set<std::wstring> used) {
+    for (const std::wstring& text : texts)
+        if (const size_t mark = text.find(L'&'); mark != std::wstring::npos)
+            used.insert(Win32::ToUpperCase(text.substr(mark + 1, 1)));
+    for (const auto isGood : {IsFirst, IsAtWordStart, IsAnywhere})
+        for (std::wstring& text : texts)
+            if (text.find(L'&') == std::wstring::npos) MarkFreeLetter(text, isGood, used);
+}
+
+std::wstring TitleOf(const MenuModel::Command& command) {
+    std::wstring title = OnOneLine(command.text);
+    std::erase(title, L'&');
+    while (title.ends_with(L'.')) title.pop_back();
+    return title;
+}
+
+bool OpensDialog(const MenuModel::Command& command) {
+    return command.text.ends_with(L"...");
+}
+
 UniqueMenu MakePanelMenu(const MenuModel& model, LanguageTexts& texts) {
     UniqueMenu bar(CreateMenu());
-    AccessKeys keys;
-    keys.Use(TextOf(texts, PanelText::Menu));
-    Append(bar.Get(), MakeOwnMenu(texts), TextOf(texts, PanelText::Menu));
-    for (const MenuModel::Menu* root : model.Roots())
-        Append(bar.Get(), MakeMenu(model, *root), keys.Put(OnOneLine(root->text)));
+    std::vector<std::wstring> titles = {TextOf(texts, PanelText::Menu)};
+    for (const MenuModel::Menu* root : model.Roots()) titles.push_back(OnOneLine(root->text));
+    GiveAccessKeys(titles, {L"D"});  // Alt+D is a key of the panel's own
+    Append(bar.Get(), MakeOwnMenu(texts), titles.front());
+    for (size_t at = 0; at < model.Roots().size(); ++at)
+        Append(bar.Get(), MakeMenu(model, *model.Roots()[at]), titles[at + 1]);
     return bar;
 }
 

@@ -2,6 +2,9 @@
 #pragma once
 
 #include <optional>
+#include <set>
+#include <string>
+#include <vector>
 
 #include "host/language.h"
 #include "host/menus.h"
@@ -46,7 +49,18 @@ UniqueKeys MakePanelKeys(const MenuModel& model);
 /// The extension's command behind a WM_COMMAND; null for one of the panel's own.
 const MenuModel::Command* CommandBehind(const MenuModel& model, WORD menuCommand);
 
+/// The command's text as a title: without the marks of a menu.
+std::wstring TitleOf(const MenuModel::Command& command);
+
+/// By the custom of menus, a text that ends in "..." stands for a command that asks first.
+bool OpensDialog(const MenuModel::Command& command);
+
 /// "Ctrl+Shift+J"; "" for no shortcut.
 std::wstring ShortcutText(uint32_t shortcut);
+
+/// Puts a "&" before a letter of each text that names none, so that no two have the same: its first letter, else that
+/// of a later word, else any. Texts whose letters are all taken stay as they are. `used`, in capitals: letters that are
+/// taken already.
+void GiveAccessKeys(std::vector<std::wstring>& texts, std::set<std::wstring> used = {});
 
 }  // namespace QVHost

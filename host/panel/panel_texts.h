@@ -34,7 +34,10 @@ enum class PanelText : uint32_t {
     ChooseFolder,
     BackButton,
     UpButton,
-    Last = UpButton,
+    EmptyFolder,
+    EmptyLog,
+    Ended,  // %s
+    Last = Ended,
 };
 
 inline constexpr wchar_t kPanelSection[] = L"Panel";

@@ -26,6 +26,9 @@ enum ControlId : int { kList = 10, kLog, kAddress, kStatus, kLabel };
 /// Messages that other threads and later moments post to the panel.
 enum Message : UINT { kValuesHere = WM_APP + 1, kLinesHere, kFolderChanged, kShowStatus };
 
+constexpr UINT_PTR kRefreshTimer = 1;
+constexpr UINT kRefreshDelay = 200;  // milliseconds behind the last change
+
 constexpr int kMargin = 6;  // these are pixels at 96 to the inch
 constexpr int kBarHeight = 24;
 constexpr int kFieldHeight = 20;
@@ -67,7 +70,7 @@ PanelWindow::Content::Content(HWND frame, Session& session, const PanelLook& loo
                       kLabel, look)),
       address(MakeChild(frame, L"EDIT", {}, WS_TABSTOP | ES_AUTOHSCROLL, WS_EX_CLIENTEDGE, kAddress, look)),
       list(frame, kList, kValuesHere, {session.State().columns, session.State().files, session.State().texts, look}),
-      log(frame, kLog, kLinesHere, look),
+      log(frame, kLog, kLinesHere, look, TextOf(session.State().texts, PanelText::EmptyLog)),
       status(MakeChild(frame, STATUSCLASSNAMEW, {}, SBARS_SIZEGRIP, 0, kStatus, look)) {}
 
 PanelWindow::PanelWindow(Session& session) : m_session(session) {
@@ -121,7 +124,8 @@ void PanelWindow::Open(const std::wstring& path) {
     ShowAddress();
     m_isOpen = true;
     ShowWindow(m_frame, SW_SHOWDEFAULT);
-    SetFocus(m_content->list.Window());
+    m_lastFocus = m_content->list.Window();
+    SetFocus(m_lastFocus);
 }
 
 bool PanelWindow::PreTranslate(MSG& message) {
@@ -145,6 +149,10 @@ void PanelWindow::MarkFile(const std::wstring& path, uint32_t kind) {
     if (m_content) m_content->list.Mark(path, kind);
 }
 
+void PanelWindow::FileRenamed(const std::wstring& before, const std::wstring& now) {
+    if (m_content) m_content->list.NoteRenamed(before, now);
+}
+
 // Which folder it is makes no difference: reading one that has not changed is quick, and shows the same.
 void PanelWindow::FolderChanged(const std::wstring&) {
     PostMessageW(m_frame, kFolderChanged, 0, 0);
@@ -164,9 +172,14 @@ LRESULT CALLBACK PanelWindow::Procedure(HWND window, UINT message, WPARAM wParam
 LRESULT PanelWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SIZE: Layout(); return 0;
-        case WM_ACTIVATE:
-            // Back from a dialog, the keys go to the list and not to nowhere.
-            if (LOWORD(wParam) != WA_INACTIVE) SetFocus(m_content->list.Window());
+        case WM_ACTIVATE: OnActivate(LOWORD(wParam) != WA_INACTIVE); return 0;
+        case WM_SYSCOLORCHANGE:
+        case WM_SETTINGCHANGE:
+            // The system tells the frame only, and the lists keep colours of their own.
+            m_look.ReadContrast();
+            for (const HWND list : {m_content->list.Window(), m_content->log.Window()})
+                SendMessageW(list, WM_SYSCOLORCHANGE, 0, 0);
+            RedrawWindow(m_frame, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
             return 0;
         case WM_GETMINMAXINFO:
             reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {m_look.Scaled(kWidth / 2),
@@ -177,7 +190,14 @@ LRESULT PanelWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_DROPFILES: OnDrop(reinterpret_cast<HDROP>(wParam)); return 0;
         case kValuesHere: m_content->list.OnAnswers(); return 0;
         case kLinesHere: m_content->log.TakeLines(); return 0;
-        case kFolderChanged: Refresh(); return 0;
+        case kFolderChanged:
+            // Changes come in rows, most of them while another window is showing what it did.
+            SetTimer(m_frame, kRefreshTimer, kRefreshDelay, nullptr);
+            return 0;
+        case WM_TIMER:
+            KillTimer(m_frame, wParam);
+            Refresh();
+            return 0;
         case kShowStatus: ShowStatus(); return 0;
         case WM_CLOSE:
             // A running command stands below us on the stack; it has a Cancel of its own.
@@ -262,6 +282,11 @@ void PanelWindow::OnCommand(WORD command) {
     if (m_isBusy) return;
     switch (command) {
         case IDOK: OnEnter(); return;
+        case IDCANCEL:
+            // Escape: what was typed for a folder is given up.
+            ShowAddress();
+            SetFocus(m_content->list.Window());
+            return;
         case PanelCommand::OpenFolder: ChooseFolder(); return;
         case PanelCommand::Up: GoUp(); return;
         case PanelCommand::Back: GoBack(); return;
@@ -280,11 +305,34 @@ void PanelWindow::OnCommand(WORD command) {
         RunCommand(chosen->id);
 }
 
+void PanelWindow::OnActivate(bool isActive) {
+    if (!isActive) {
+        if (IsChild(m_frame, GetFocus())) m_lastFocus = GetFocus();
+        return;
+    }
+    // A button may have been disabled meanwhile: then the keys go to the list and not to nowhere.
+    const bool isUsable = m_lastFocus && IsWindowEnabled(m_lastFocus);
+    SetFocus(isUsable ? m_lastFocus : m_content->list.Window());
+}
+
+void PanelWindow::OnAddress() {
+    const std::wstring typed = FromUnixPath(WindowText(m_content->address));
+    const std::wstring& folder = m_content->list.Folder();
+    // A name alone is looked for in the folder that is shown.
+    const bool isRelative = !folder.empty() && PathIsRelativeW(typed.c_str());
+    if (GoTo(FullUserPath(isRelative ? Win32::JoinPath(folder, typed) : typed))) {
+        SetFocus(m_content->list.Window());
+        return;
+    }
+    // Most likely a letter is wrong in it: it stays, to be mended.
+    SetWindowTextW(m_content->address, typed.c_str());
+    SendMessageW(m_content->address, EM_SETSEL, 0, -1);
+}
+
 void PanelWindow::OnEnter() {
     const HWND focus = GetFocus();
     if (focus == m_content->address) {
-        GoTo(FullUserPath(WindowText(m_content->address)));
-        SetFocus(m_content->list.Window());
+        OnAddress();
         return;
     }
     const std::wstring path = m_content->list.FocusedPath();
@@ -313,24 +361,27 @@ void PanelWindow::OnDrop(HDROP drop) {
 void PanelWindow::RunCommand(uint32_t id) {
     HostState& state = m_session.State();
     m_content->list.ClearMarks();
+    const size_t linesBefore = m_content->log.CountOfAdded();
     m_isBusy = true;
     SendMessageW(m_content->status, SB_SETTEXTW, 0, reinterpret_cast<LPARAM>(Text(PanelText::Working).c_str()));
     const bool isHandled = m_session.RunCommand(id);
     state.settings.Save();
     m_isBusy = false;
     if (!isHandled) ShowLine(FormatText(Text(PanelText::NotHandled), {id}), Tone::Failure);
+    // Some commands say nothing when all went well. Where no dialog was seen either, people would wonder.
+    const MenuModel::Command* const command = state.menus.Find(id);
+    if (command && !OpensDialog(*command) && m_content->log.CountOfAdded() == linesBefore)
+        ShowLine(FormatText(Text(PanelText::Ended), {TitleOf(*command)}), Tone::Note);
     Refresh();
 }
 
-void PanelWindow::GoTo(const std::wstring& path) {
+bool PanelWindow::GoTo(const std::wstring& path) {
     const DWORD attributes = GetFileAttributesW(Win32::ExtendedPath(path).c_str());
     const bool isFile = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
-    if (!isFile) {
-        ShowFolder(path);
-        return;
-    }
-    if (ShowFolder(std::wstring(Win32::FolderOf(path))))
-        m_content->list.Select({std::wstring(Win32::FileNameOf(path))});
+    if (!isFile) return ShowFolder(path);
+    if (!ShowFolder(std::wstring(Win32::FolderOf(path)))) return false;
+    m_content->list.Select({std::wstring(Win32::FileNameOf(path))});
+    return true;
 }
 
 bool PanelWindow::ShowFolder(const std::wstring& folder, const std::wstring& focused, Way way) {

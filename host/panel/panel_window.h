@@ -37,6 +37,7 @@ public:
     Items FocusedGroup() override;
     void ShowLine(std::wstring_view text, Tone tone) override;
     void MarkFile(const std::wstring& path, uint32_t kind) override;
+    void FileRenamed(const std::wstring& before, const std::wstring& now) override;
     void FolderChanged(const std::wstring& folder) override;
 
 private:
@@ -59,12 +60,16 @@ private:
     void OnLogKey(WORD key);
     void OnCommand(WORD command);
     void OnEnter();
+    void OnAddress();
+    /// Away from the window, the focus is remembered; back in it, the same control has it.
+    void OnActivate(bool isActive);
     void OnDrop(HDROP drop);
     void Layout() const;
 
     void RunCommand(uint32_t id);
-    /// The folder of a path and the name to select in it; the path itself when it is a folder.
-    void GoTo(const std::wstring& path);
+    /// The folder of a path and the name to select in it; the path itself when it is a folder. False when it cannot be
+    /// shown.
+    bool GoTo(const std::wstring& path);
     enum class Way : uint8_t { Forward, Back };  // the way back is not remembered
     bool ShowFolder(const std::wstring& folder, const std::wstring& focused = {}, Way way = Way::Forward);
     void GoUp();
@@ -79,6 +84,7 @@ private:
     Session& m_session;
     PanelLook m_look;
     HWND m_frame = nullptr;  // owned by the session's state
+    HWND m_lastFocus = nullptr;
     UniqueMenu m_menu;
     UniqueKeys m_keys;
     std::optional<Content> m_content;

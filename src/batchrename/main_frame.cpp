@@ -16,7 +16,8 @@ namespace {
 constexpr wchar_t kSection[] = L"QVBatcheRename";  // spelled so in everybody's settings
 constexpr wchar_t kPositionKey[] = L"WinPos";
 constexpr uint32_t kPositionCapacity = 256;  // units
-constexpr int kSplitterHeight = 6;           // pixels
+constexpr int kSplitterHeight = 6;           // these are pixels at 96 to the inch
+constexpr int kSplitterStep = 16;            // by which a key moves the bar
 constexpr int kSmallestList = 100;
 constexpr int kUsualWidth = 960;
 constexpr int kUsualHeight = 640;
@@ -115,6 +116,7 @@ LRESULT BatchRenameMainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lPar
     switch (message) {
         case WM_CREATE: OnCreate(); return 0;
         case WM_SIZE: Layout(); return 0;
+        case WM_DPICHANGED: OnScaleChange(LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam)); return 0;
         case WM_GETMINMAXINFO: LimitSize(*reinterpret_cast<MINMAXINFO*>(lParam)); return 0;
         case WM_SETFOCUS:
             if (m_lastFocus) SetFocus(m_lastFocus);
@@ -159,6 +161,7 @@ LRESULT BatchRenameMainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lPar
 }
 
 void BatchRenameMainFrame::OnCreate() {
+    m_dotsPerInch = Ui::DotsPerInch(m_window);
     m_panel = std::make_unique<RulePanel>([this](Quorvane::SDK::TextId id) { return Text(id); },
                                           RulePanel::Owner{
                                               .onRuleChanged = [this] { OnRuleChanged(); },
@@ -245,16 +248,16 @@ void BatchRenameMainFrame::OnDestroy() {
 }
 
 int BatchRenameMainFrame::SplitterTop() const {
-    return ClientOf(m_window).bottom - HeightOf(m_statusBar) - m_panelHeight - kSplitterHeight;
+    return ClientOf(m_window).bottom - HeightOf(m_statusBar) - m_panelHeight - Scaled(kSplitterHeight);
 }
 
 void BatchRenameMainFrame::Layout() {
     if (!m_statusBar || IsIconic(m_window)) return;
     SendMessageW(m_statusBar, WM_SIZE, 0, 0);
     const RECT client = ClientOf(m_window);
-    const int room = client.bottom - HeightOf(m_statusBar) - kSplitterHeight;
+    const int room = client.bottom - HeightOf(m_statusBar) - Scaled(kSplitterHeight);
     const int natural = m_panel->NaturalSize().cy;
-    m_panelHeight = std::clamp(m_panelHeight, natural, std::max(natural, room - kSmallestList));
+    m_panelHeight = std::clamp(m_panelHeight, natural, std::max(natural, room - Scaled(kSmallestList)));
     const int top = SplitterTop();
     HDWP moves = BeginDeferWindowPos(2);
     const auto place = [&](HWND window, int y, int height) {
@@ -263,7 +266,7 @@ void BatchRenameMainFrame::Layout() {
                                    SWP_NOZORDER | SWP_NOACTIVATE);
     };
     place(m_list.GetWindow(), 0, top);
-    place(m_panel->GetWindow(), top + kSplitterHeight, m_panelHeight);
+    place(m_panel->GetWindow(), top + Scaled(kSplitterHeight), m_panelHeight);
     if (moves) EndDeferWindowPos(moves);
 }
 
@@ -271,7 +274,7 @@ bool BatchRenameMainFrame::OnSplitter(UINT message, LPARAM lParam) {
     POINT mouse = {};
     GetCursorPos(&mouse);
     ScreenToClient(m_window, &mouse);
-    const bool isOver = m_isDragging || (mouse.y >= SplitterTop() && mouse.y < SplitterTop() + kSplitterHeight);
+    const bool isOver = m_isDragging || (mouse.y >= SplitterTop() && mouse.y < SplitterTop() + Scaled(kSplitterHeight));
     switch (message) {
         case WM_SETCURSOR:
             if (LOWORD(lParam) != HTCLIENT || !isOver) return false;
@@ -284,7 +287,7 @@ bool BatchRenameMainFrame::OnSplitter(UINT message, LPARAM lParam) {
             return true;
         case WM_MOUSEMOVE:
             if (!m_isDragging) return false;
-            m_panelHeight = ClientOf(m_window).bottom - HeightOf(m_statusBar) - mouse.y - kSplitterHeight / 2;
+            m_panelHeight = ClientOf(m_window).bottom - HeightOf(m_statusBar) - mouse.y - Scaled(kSplitterHeight) / 2;
             Layout();
             return true;
         case WM_LBUTTONUP:
@@ -294,10 +297,39 @@ bool BatchRenameMainFrame::OnSplitter(UINT message, LPARAM lParam) {
     }
 }
 
+int BatchRenameMainFrame::Scaled(int pixels) const {
+    return MulDiv(pixels, static_cast<int>(m_dotsPerInch), USER_DEFAULT_SCREEN_DPI);
+}
+
+void BatchRenameMainFrame::OnScaleChange(UINT dotsPerInch, const RECT& suggested) {
+    m_panelHeight = MulDiv(m_panelHeight, static_cast<int>(dotsPerInch), static_cast<int>(m_dotsPerInch));
+    m_dotsPerInch = dotsPerInch;
+    m_panel->Rescale(dotsPerInch);
+    SetWindowPos(m_window, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
+                 suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    Layout();
+}
+
+void BatchRenameMainFrame::SwitchPane() {
+    const HWND focus = GetFocus();
+    const HWND list = m_list.GetWindow();
+    if (focus == list) {
+        SetFocus(m_focusInRule ? m_focusInRule : m_panel->Button(IDC_NAME_TEMPLATE));
+        return;
+    }
+    m_focusInRule = focus;
+    SetFocus(list);
+}
+
+void BatchRenameMainFrame::MoveSplitter(bool isUp) {
+    m_panelHeight += isUp ? Scaled(kSplitterStep) : -Scaled(kSplitterStep);
+    Layout();
+}
+
 void BatchRenameMainFrame::LimitSize(MINMAXINFO& limits) const {
     if (!m_panel || !m_statusBar) return;
     RECT rect = {0, 0, m_panel->NaturalSize().cx,
-                 kSmallestList + kSplitterHeight + m_panel->NaturalSize().cy + HeightOf(m_statusBar)};
+                 Scaled(kSmallestList + kSplitterHeight) + m_panel->NaturalSize().cy + HeightOf(m_statusBar)};
     AdjustWindowRectEx(&rect, WS_OVERLAPPEDWINDOW, FALSE, 0);
     limits.ptMinTrackSize = {rect.right - rect.left, rect.bottom - rect.top};
 }
@@ -320,6 +352,8 @@ void BatchRenameMainFrame::RestorePosition() {
                      position->bottom - position->top, SWP_NOZORDER | SWP_NOACTIVATE);
         m_panelHeight = std::max(position->panelHeight, m_panelHeight);
         Layout();
+    } else {
+        SetWindowPos(m_window, nullptr, 0, 0, Scaled(kUsualWidth), Scaled(kUsualHeight), SWP_NOMOVE | SWP_NOZORDER);
     }
     ShowWindow(m_window, position && position->isMaximised ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL);
 }
@@ -354,7 +388,15 @@ bool BatchRenameMainFrame::OnKey(const MSG& message) {
         if (!m_run->IsRunning() && !m_isDone) RequestPreview(0, true);
         return true;
     }
+    if (message.message == WM_KEYDOWN && message.wParam == VK_F6) {
+        SwitchPane();
+        return true;
+    }
     const bool isArrow = message.wParam == VK_UP || message.wParam == VK_DOWN;
+    if (message.message == WM_KEYDOWN && isArrow && isShift && GetKeyState(VK_CONTROL) < 0) {
+        MoveSplitter(message.wParam == VK_UP);
+        return true;
+    }
     if (message.message == WM_SYSKEYDOWN && isArrow && message.hwnd == m_list.GetWindow()) {
         MoveSelectedRows(message.wParam == VK_UP);
         return true;

@@ -75,6 +75,13 @@ private:
     void Layout();
     int SplitterTop() const;
     bool OnSplitter(UINT message, LPARAM lParam);
+    /// By a key: the bar goes up or down by a step.
+    void MoveSplitter(bool isUp);
+    /// From the list to the control of the rule that had the focus last, and back.
+    void SwitchPane();
+    /// `pixels` are meant at 96 to the inch.
+    int Scaled(int pixels) const;
+    void OnScaleChange(UINT dotsPerInch, const RECT& suggested);
     void LimitSize(MINMAXINFO& limits) const;
     void RestorePosition();
     void SavePosition() const noexcept;
@@ -117,6 +124,8 @@ private:
     std::unique_ptr<PreviewWorker> m_preview;
     std::unique_ptr<RunController> m_run;
 
+    UINT m_dotsPerInch = USER_DEFAULT_SCREEN_DPI;
+    HWND m_focusInRule = nullptr;
     int m_panelHeight = 0;
     int m_modalDepth = 0;
     bool m_isDragging = false;

@@ -65,7 +65,7 @@ constexpr int kRuleControls[] = {
     IDC_LIVE_PREVIEW,
 };
 
-constexpr ListColumn kItemColumns[] = {{L"Find", 416}, {L"Replace with", 416}};
+constexpr ListColumn kItemColumns[] = {{L"Find", 336}, {L"Replace with", 336}};
 
 constexpr Ui::Anchor kAnchors[] = {
     {IDC_ITEMS, 0, 0, 100, 100},          {IDC_ITEM_NEW, 100, 0, 100, 0},
@@ -100,6 +100,7 @@ bool RulePanel::OnInit() {
     RECT rect = {};
     GetWindowRect(GetWindow(), &rect);
     m_naturalSize = {rect.right - rect.left, rect.bottom - rect.top};
+    m_dotsPerInch = Ui::DotsPerInch(GetWindow());
     MakeResizable(kAnchors);
     for (const int edit : kEdits) SendMessageW(Item(edit), EM_LIMITTEXT, kLongestProfileText, 0);
     Ui::FillCombo(Item(IDC_CASE), m_texts, kCases, 0, 0);
@@ -109,6 +110,13 @@ bool RulePanel::OnInit() {
     Ui::SetChecked(Item(IDC_SAVE_UNDO), true);
     SetRule({});
     return false;  // the window decides where the focus goes
+}
+
+void RulePanel::Rescale(UINT dotsPerInch) {
+    for (LONG* const length : {&m_naturalSize.cx, &m_naturalSize.cy})
+        *length = MulDiv(*length, static_cast<int>(dotsPerInch), static_cast<int>(m_dotsPerInch));
+    m_dotsPerInch = dotsPerInch;
+    RescaleControls(dotsPerInch);
 }
 
 uint32_t RulePanel::Options() const {

@@ -35,6 +35,9 @@ public:
     /// As the resource has it, in pixels: the smallest that shows everything.
     SIZE NaturalSize() const { return m_naturalSize; }
 
+    /// The window goes to a screen of another scale; the system scales the controls.
+    void Rescale(UINT dotsPerInch);
+
     RuleDefinition Rule() const;
     void SetRule(const RuleDefinition& rule);
     bool IsLive() const;
@@ -60,6 +63,7 @@ private:
     Ui::HostTexts m_texts;
     Owner m_owner;
     HWND m_parent = nullptr;
+    UINT m_dotsPerInch = USER_DEFAULT_SCREEN_DPI;
     SIZE m_naturalSize = {};
     SearchAndReplaceItems m_items;
     PanelState m_state;

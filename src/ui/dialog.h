@@ -50,6 +50,8 @@ protected:
     HWND Item(int id) const noexcept { return GetDlgItem(m_window, id); }
     /// From OnInit on the controls follow the window's size, which cannot get smaller than it is then.
     void MakeResizable(std::span<const Anchor> anchors) { m_resizing.Start(m_window, anchors); }
+    /// For a dialog within a window, which hears nothing of another scale by itself.
+    void RescaleControls(UINT dotsPerInch) { m_resizing.Rescale(dotsPerInch); }
 
 private:
     static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;

@@ -9,7 +9,8 @@ SIZE SizeOf(const RECT& rect) {
     return {rect.right - rect.left, rect.bottom - rect.top};
 }
 
-/// The scale of the screen that the window is on; older systems have one for all screens.
+}  // namespace
+
 UINT DotsPerInch(HWND window) {
     using Function = UINT(WINAPI*)(HWND);
     const Win32::Module user = Win32::LoadSystemModule(L"user32.dll");
@@ -20,8 +21,6 @@ UINT DotsPerInch(HWND window) {
     ReleaseDC(window, context);
     return static_cast<UINT>(dots);
 }
-
-}  // namespace
 
 void Resizing::Start(HWND dialog, std::span<const Anchor> anchors) {
     m_dialog = dialog;

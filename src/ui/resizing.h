@@ -15,6 +15,9 @@ struct Anchor {
     int left, top, right, bottom;
 };
 
+/// The scale of the screen that a window is on; older systems have one for all screens.
+UINT DotsPerInch(HWND window);
+
 class Resizing {
 public:
     /// Takes the sizes as they are now for the smallest ones. `anchors` is copied.

@@ -73,7 +73,6 @@ constexpr wchar_t kProposal[] = L"*_sorted.*";
 
 // A higher window shows more files, a wider one longer paths; the fields below stay together.
 constexpr Anchor kAnchors[] = {
-    {IDC_HEADING, 0, 0, 100, 0},
     {IDC_WARNING, 0, 0, 100, 0},
     {IDC_FILES, 0, 0, 100, 100},
     {IDC_TARGET_LABEL, 0, 100, 0, 100},

@@ -17,6 +17,19 @@ TEST(RenameWindow, RenamesShowsAndTakesBack) {
     window.Open(names);
     EXPECT_FALSE(window.Panel().IsEnabled(IDC_START)) << "nothing changes";
 
+    // F6 goes to the list and back.
+    const auto focus = [&] {
+        GUITHREADINFO info = {};
+        info.cbSize = sizeof(info);
+        GetGUIThreadInfo(window.Thread(), &info);
+        return info.hwndFocus;
+    };
+    const HWND field = window.Panel().Control(IDC_NAME_TEMPLATE);
+    PostMessageW(field, WM_KEYDOWN, VK_F6, 1);
+    EXPECT_TRUE(window.WaitFor([&] { return focus() == window.List(); }));
+    PostMessageW(window.List(), WM_KEYDOWN, VK_F6, 1);
+    EXPECT_TRUE(window.WaitFor([&] { return focus() == field; }));
+
     // Typed, previewed, with a name that is there already.
     window.AddPair(L"a", L"taken");
     window.AddPair(L"b", L"x:y");

@@ -56,7 +56,7 @@ TEST(QuickRename, RenamesTheSelectionAfterOneQuestion) {
 
     CommandRun run = runner.Run({L"command", L"30003", changed, same, folder}, {L"cancel"});
     EXPECT_EQ(run.status, 0);
-    EXPECT_NE(run.notes.find("2 names will change."), std::string::npos) << run.notes;
+    EXPECT_NE(run.notes.find("Names that will change: 2."), std::string::npos) << run.notes;
     EXPECT_EQ(runner.Folder().List(), (Names{L"one_two.x_y", L"sub_folder.d_e", L"three"}));
 
     run = runner.Run({L"command", L"30003", changed, same, folder}, {L"ok"});

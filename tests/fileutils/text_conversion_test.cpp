@@ -106,7 +106,8 @@ TEST(TextConversionCommand, ConvertsTheSelectionAndKeepsAttributes) {
         SetFileAttributesW(first.c_str(), FILE_ATTRIBUTE_HIDDEN);
         const CommandRun run = runner.Run({L"command", c.id, first, second}, c.answers);
         EXPECT_EQ(run.status, 0) << run.notes;
-        EXPECT_NE(run.notes.find("[question] Convert text: 2 files will be changed."), std::string::npos) << run.notes;
+        EXPECT_NE(run.notes.find("[question] Convert text: Files that will be changed: 2."), std::string::npos)
+            << run.notes;
         EXPECT_EQ(runner.Folder().Read(L"a.txt"), c.expected) << run.notes;
         EXPECT_EQ(runner.Folder().Read(L"b"), c.expected);
         EXPECT_EQ(GetFileAttributesW(first.c_str()) & FILE_ATTRIBUTE_HIDDEN, DWORD{FILE_ATTRIBUTE_HIDDEN});

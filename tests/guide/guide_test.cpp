@@ -1,6 +1,7 @@
-// guide_test.cpp - runs the examples of the user guide, so that they stay true. Three kinds of fenced blocks count:
-// "file NAME" gives a sample file, "console" holds commands behind "> " with lines of their output below them, and
-// "show NAME" says what a file holds by then. All happens in one folder, in the order of the guide.
+// guide_test.cpp - runs the examples of the user guide and of the README, so that they stay true. In the guide three
+// kinds of fenced blocks count: "file NAME" gives a sample file, "console" holds commands behind "> " with lines of
+// their output below them, and "show NAME" says what a file holds by then. All happens in one folder, in the order of
+// the guide.
 #include <algorithm>
 #include <sstream>
 
@@ -96,27 +97,64 @@ void RunConsole(const Lines& lines, const std::wstring& config) {
     }
 }
 
-TEST(UserGuide, GivesExamplesThatDoWhatItSays) {
-    std::string guide;
-    ASSERT_EQ(QVHost::ReadWholeFile(QVHost::FullUserPath(QVHost::FromUtf8(QV_GUIDE).value_or(L"")), guide), 0u);
-    const QVTest::TemporaryFolder folder;
+/// A document of the project by its place beside the guide.
+std::string ReadDocument(const std::wstring& place) {
+    std::string text;
+    const std::wstring guide = QVHost::FullUserPath(QVHost::FromUtf8(QV_GUIDE).value_or(L""));
+    const std::wstring folder = guide.substr(0, guide.find_last_of(L'\\') + 1);
+    EXPECT_EQ(QVHost::ReadWholeFile(QVHost::FullUserPath(folder + place), text), 0u);
+    return text;
+}
+
+/// The folder that commands run in while it lives, with settings of its own.
+class Workplace {
+public:
+    Workplace() {
+        m_before.resize(GetCurrentDirectoryW(MAX_PATH, m_before.data()));
+        SetCurrentDirectoryW(files.Path().c_str());
+    }
+    ~Workplace() { SetCurrentDirectoryW(m_before.c_str()); }
+    Workplace(const Workplace&) = delete;
+    Workplace& operator=(const Workplace&) = delete;
+
+    const QVTest::TemporaryFolder files;
     const QVTest::TemporaryFolder config;
-    std::wstring before(MAX_PATH, L'\0');
-    before.resize(GetCurrentDirectoryW(MAX_PATH, before.data()));
-    SetCurrentDirectoryW(folder.Path().c_str());
+
+private:
+    std::wstring m_before = std::wstring(MAX_PATH, L'\0');
+};
+
+TEST(Readme, GivesExamplesThatDoWhatItSays) {
+    const Workplace place;
+    place.files.Write(L"server.log", "it took 5 ms\r\n");
+    place.files.Write(L"towns.csv", "town,people\r\nOslo,709\r\nBern,134\r\n");
+    for (const wchar_t* photo : {L"IMG1.JPG", L"IMG2.JPG"}) place.files.Write(photo, "x");
+    constexpr std::string_view kExample = "    qvhost ";
+    std::string output;
+    const std::string readme = ReadDocument(L"..\\README.md");
+    for (const std::string_view line : QVHost::LinesOf(readme))
+        if (line.starts_with(kExample)) output += OutputOf(std::string(line.substr(4)), place.config.Path());
+    EXPECT_EQ(place.files.Read(L"server.log"), "it was slow\r\n");
+    EXPECT_EQ(place.files.Read(L"server.log.bak"), "it took 5 ms\r\n");
+    EXPECT_EQ(place.files.Read(L"towns.csv"), "town,people\r\nBern,134\r\nOslo,709\r\n");
+    EXPECT_NE(output.find("IMG2.JPG\ttrip-002.JPG\trename"), std::string::npos) << output;
+}
+
+TEST(UserGuide, GivesExamplesThatDoWhatItSays) {
+    const std::string guide = ReadDocument(L"user-guide.md");
+    const Workplace place;
     size_t examples = 0;
     for (const Block& block : BlocksOf(guide)) {
         std::string text;
         for (const std::string& line : block.lines) text += line + "\r\n";
-        if (block.kind == "file") folder.Write(block.name, text);
+        if (block.kind == "file") place.files.Write(block.name, text);
         if (block.kind == "show") {
-            EXPECT_EQ(folder.Read(block.name), text) << QVHost::ToUtf8(block.name);
+            EXPECT_EQ(place.files.Read(block.name), text) << QVHost::ToUtf8(block.name);
         }
         if (block.kind != "console") continue;
-        RunConsole(block.lines, config.Path());
+        RunConsole(block.lines, place.config.Path());
         ++examples;
     }
-    SetCurrentDirectoryW(before.c_str());
     EXPECT_GE(examples, 8u) << "the guide's examples are looked for in the wrong way";
 }
 

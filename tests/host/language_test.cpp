@@ -3,6 +3,7 @@
 #include <map>
 #include <regex>
 #include <set>
+#include <sstream>
 
 #include <gtest/gtest.h>
 
@@ -102,6 +103,27 @@ std::map<std::string, std::string> PlaceholdersOf(const wchar_t* file) {
 
 TEST(LanguageTexts, HaveTheSameIdsAndPlaceholdersInEachLanguage) {
     EXPECT_EQ(PlaceholdersOf(L"qvhost-german.txt"), PlaceholdersOf(L"qvhost-english.txt"));
+}
+
+TEST(LanguageTexts, HaveNoAccessKeyTwiceInOneMenuOrDialog) {
+    for (const wchar_t* file : {L"qvhost-english.txt", L"qvhost-german.txt"}) {
+        std::string bytes;
+        ASSERT_EQ(ReadWholeFile(QVTest::BesideThisProgram(file), bytes), 0u);
+        // The panel's own menu, and the dialog that grants access: the only ones whose texts come from here.
+        const std::pair<std::string, std::string> groups[] = {{"w", "3 4 5 6 7 8 9 10"}, {"d", "202 203 204 205"}};
+        for (const auto& [category, numbers] : groups) {
+            std::set<char> keys;
+            std::istringstream words(numbers);
+            for (std::string number; words >> number;) {
+                const size_t at = bytes.find("\n" + number + category + "=");
+                ASSERT_NE(at, std::string::npos) << number;
+                const std::string line = bytes.substr(at + 1, bytes.find('\n', at + 1) - at - 1);
+                const size_t mark = line.find('&');
+                ASSERT_LT(mark + 1, line.size()) << line;
+                EXPECT_TRUE(keys.insert(static_cast<char>(line[mark + 1] | 0x20)).second) << line;
+            }
+        }
+    }
 }
 
 TEST(LanguageTexts, AreCompleteForThePanel) {

@@ -59,6 +59,12 @@ TEST(PanelMenu, WritesShortcutsAsPeopleDo) {
     EXPECT_EQ(ShortcutText(Quorvane::SDK::kNoShortcut), L"");
 }
 
+TEST(PanelMenu, GivesEachEntryALetterOfItsOwn) {
+    Names texts = {L"Line ends", L"Line breaks", L"Tabs", L"&Sort", L"Split text", L"L"};
+    GiveAccessKeys(texts, {L"T"});
+    EXPECT_EQ(texts, (Names{L"&Line ends", L"Line &breaks", L"T&abs", L"&Sort", L"S&plit text", L"L"}));
+}
+
 /// The panel of this process, as a person sees it.
 class SeenPanel {
 public:
@@ -110,6 +116,19 @@ public:
         SendMessageW(m_frame, WM_COMMAND, GetMenuItemID(menu, 0), 0);
     }
     void Command(WORD command) const { SendMessageW(m_frame, WM_COMMAND, command, 0); }
+    /// Types a folder above the list, in the place of what is there, and presses Enter.
+    void Go(const std::wstring& folder) const {
+        Command(PanelCommand::Address);
+        SendMessageW(AddressField(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(folder.c_str()));
+        Command(IDOK);
+    }
+    std::wstring Address() const {
+        wchar_t text[512] = {};
+        SendMessageW(AddressField(), WM_GETTEXT, 512, reinterpret_cast<LPARAM>(text));
+        return text;
+    }
+    void Type(wchar_t letter) const { SendMessageW(m_lists.front(), WM_CHAR, letter, 1); }
+    int FocusedRow() const { return ListView_GetNextItem(m_lists.front(), -1, LVNI_FOCUSED); }
     void Drop(const Names& paths) const {
         size_t units = 1;
         for (const std::wstring& path : paths) units += path.size() + 1;
@@ -124,6 +143,7 @@ public:
     }
 
 private:
+    HWND AddressField() const { return FindWindowExW(m_frame, nullptr, L"Edit", nullptr); }
     static Names Cells(HWND list, int column) {
         Names cells;
         for (int row = 0; row < ListView_GetItemCount(list); ++row) {
@@ -177,10 +197,26 @@ TEST(Panel, ShowsAFolderRunsACommandAndMarksWhatBecameOfTheFiles) {
             EXPECT_NE(panel.Title(), folder.Path() + L" - 1w");
             panel.Command(PanelCommand::Back);
             EXPECT_EQ(panel.Title(), folder.Path() + L" - 1w");
+            panel.Go(L"sub");
+            EXPECT_EQ(panel.Title(), (folder / L"sub") + L" - 1w") << "a name alone is one in this folder";
+            panel.Command(PanelCommand::Back);
+            panel.Go(L"absent");
+            EXPECT_EQ(panel.Title(), folder.Path() + L" - 1w");
+            EXPECT_EQ(panel.Address(), L"absent") << "it can be mended";
+            panel.Command(IDCANCEL);
+            EXPECT_EQ(panel.Address(), folder.Path());
+            panel.Type(L'o');
+            EXPECT_EQ(panel.FocusedRow(), 4) << "letters go to the name";
+
             panel.Drop({folder / L"other.txt", folder / L"sub"});
             EXPECT_EQ(panel.Selected(), (Names{L"sub", L"other.txt"}));
             panel.ChooseFirstOfLastMenu();
             EXPECT_EQ(panel.Column(3), (Names{L"15w", L"", L"", L"", L"15w"})) << "the marks before are gone";
+            folder.Write(L"rename me.txt", "");
+            panel.Command(PanelCommand::Refresh);
+            panel.Select({L"rename me.txt", L"sub"});
+            panel.ChooseFirstOfLastMenu();
+            EXPECT_EQ(panel.Selected(), (Names{L"sub", L"another name.txt"})) << "the selection goes with the file";
         },
         [&] {
             run = host.Run({L"panel", folder / L"good.txt"});

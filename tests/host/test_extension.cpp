@@ -53,6 +53,7 @@ private:
     uint32_t Choose();
     uint32_t Enter();
     uint32_t ReadAndWriteSettings(ICustomCommandCall& call);
+    void RenameByPath(const std::wstring& path);
     uint32_t Rename(ICustomCommandCall& call);
     uint32_t Elevate(ICustomCommandCall& call);
     uint32_t Misuse(ICustomCommandCall& call);
@@ -101,6 +102,7 @@ uint32_t TestExtension::OnCommand(uint32_t id, uintptr_t, uintptr_t) {
         IFileItem* const item = list->GetItem(at);
         wchar_t location[2048] = {};
         item->GetLocation(location, static_cast<uint32_t>(std::size(location)));
+        if (NameOf(*item) == L"rename me.txt") RenameByPath(PathOf(*item));
         Log(L"%s in %s, attributes %d", NameOf(*item).c_str(), location, static_cast<int>(item->GetAttributes()));
         (NameOf(*item).starts_with(L"bad") ? failed : done)->AddItem(item);
     }
@@ -172,6 +174,17 @@ uint32_t TestExtension::ReadAndWriteSettings(ICustomCommandCall& call) {
     if (!value) return 1;
     return settings->SetString(1, L"Section", L"Text", value) &&
            settings->SetNumber(1, L"Section", L"Number", number + 1);
+}
+
+/// As the window of the batch renamer does it: the host sees no item.
+void TestExtension::RenameByPath(const std::wstring& path) {
+    class Ignored final : public IRenameResultCallback {
+        bool OnRenameStarting(uint32_t) override { return true; }
+        bool OnRenameResult(uint32_t, uint32_t) override { return true; }
+    } callback;
+    const AcquiredService<IFileOperations> files(*m_services, ServiceNumber::FileOperations);
+    const RenameRowInfo row = {0, 0, path.c_str(), L"another name.txt", nullptr};
+    files->RenameRows(&row, 1, &callback);
 }
 
 uint32_t TestExtension::Rename(ICustomCommandCall& call) {

@@ -18,6 +18,8 @@ constexpr WORD kDialogs[] = {IDD_FIND_AND_REPLACE, IDD_CONFIRM_REPLACE, IDD_SORT
                              IDD_UNDO_MANAGER,     IDD_RENAME_ITEM,     IDD_SAVE_PROFILE};
 constexpr WORD kPointSizes[] = {8, 12};
 
+constexpr LONG kScreenRoom = 768 - 100;  // lines of a small screen, less a caption and a bar at its edge
+
 /// A copy of a dialog's template with another size of its font.
 std::vector<WORD> TemplateWithFont(WORD dialog, WORD points) {
     const HRSRC resource = FindResourceW(Ui::OwnModule(), MAKEINTRESOURCEW(dialog), RT_DIALOG);
@@ -116,6 +118,7 @@ TEST(Layout, EverythingFitsAndNothingOverlaps) {
             ASSERT_TRUE(open.Window());
             RECT client = {};
             GetClientRect(open.Window(), &client);
+            EXPECT_LE(client.bottom, kScreenRoom) << "dialog " << dialog << ", " << points << " points";
             const std::vector<HWND> controls = open.Controls();
             for (size_t i = 0; i < controls.size(); ++i) {
                 const HWND control = controls[i];
@@ -136,6 +139,23 @@ TEST(Layout, EverythingFitsAndNothingOverlaps) {
                         << Name(dialog, points, control) << " overlaps " << Name(dialog, points, controls[j]);
                 }
             }
+        }
+    }
+}
+
+TEST(Layout, LabelsHaveRoomForATranslation) {
+    const struct {
+        int control;
+        const wchar_t* text;
+    } labels[] = {{IDC_ACCESS_ACCOUNT_LABEL, L"&Benutzer / Gruppe:"},
+                  {IDC_ACCESS_NOTE, L"Der Zugriff kommt zu dem hinzu, was das Konto schon darf."},
+                  {IDOK, L"Rechte &gewähren"}};
+    for (const WORD points : kPointSizes) {
+        const OpenDialog open(IDD_CHANGE_ACCESS, points);
+        for (const auto& label : labels) {
+            const HWND control = GetDlgItem(open.Window(), label.control);
+            const RECT rect = RectIn(open.Window(), control);
+            EXPECT_LE(SizeOfText(control, label.text).cx + Frame(control), rect.right - rect.left) << label.control;
         }
     }
 }
