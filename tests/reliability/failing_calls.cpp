@@ -122,6 +122,7 @@ std::vector<Row> WatchedCalls() {
         QV_CALL(True, FlushFileBuffers),
         QV_CALL(True, GetFileSizeEx),
         QV_CALL(True, GetFileInformationByHandle),
+        QV_CALL(True, GetFileInformationByHandleEx),
         QV_CALL(True, MoveFileExW),
         QV_CALL(True, DeleteFileW),
         QV_CALL(True, SetFileAttributesW),
