@@ -2,6 +2,7 @@
 
 #include <cwchar>
 #include <optional>
+#include <utility>
 
 #include "batchrename/profiles.h"
 #include "batchrename/rename_rule.h"
@@ -139,7 +140,7 @@ bool SaveProfile(ProfileStore& profiles, const std::wstring& name, const RuleDef
 }
 
 /// @throws UsageError for a path that leads to nothing
-RenameItems MakeRows(std::vector<std::wstring> paths, FolderListings& folders) {
+RenameItems MakeRows(const std::vector<std::wstring>& paths, FolderListings& folders) {
     RenameItems rows;
     rows.reserve(paths.size());
     for (const std::wstring& path : paths) {
@@ -197,7 +198,8 @@ int RunRename(const HostOptions& options, HostEnvironment& environment, Output& 
 
     bool isDone = !given.saveProfile || SaveProfile(profiles, *given.saveProfile, definition);
     FolderListings folders;
-    const RenameItems rows = MakeRows(std::move(paths), folders);
+    // The rows hold all that is in the paths: many of them are not kept twice.
+    const RenameItems rows = MakeRows(std::exchange(paths, {}), folders);
     RenameRule rule(&host);
     rule.SetRule(definition, timeOfSetting);
     for (const auto& row : rows) rule.Compute(*row);
