@@ -85,8 +85,9 @@ uint32_t FileOperations::RenameRows(const Quorvane::SDK::RenameRowInfo* rows, ui
 uint32_t FileOperations::RenameInfo(const Quorvane::SDK::RenameRowInfo& row) {
     if (!row.path || !row.newName) return ERROR_INVALID_PARAMETER;
     const uint32_t error = RenameOne(row.path, row.newName, TextOrEmpty(row.asideName));
+    // With a guard of its own: a file that has its new name must not count as refused because the panel hears nothing.
     if (error == ERROR_SUCCESS && m_panel)
-        m_panel->FileRenamed(row.path, std::wstring(Win32::FolderOf(row.path)) + row.newName);
+        GuardedCall([&] { m_panel->FileRenamed(row.path, std::wstring(Win32::FolderOf(row.path)) + row.newName); });
     return error;
 }
 

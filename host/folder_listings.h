@@ -17,16 +17,15 @@ public:
         uint32_t error = 0;                       // Windows error code when the folder cannot be read
     };
 
-    /// As the folder was when it was first asked for.
-    const Listing& Of(const std::wstring& folder);
-
-    /// The same, for the caller to keep: whoever asks again has the folder read again.
+    /// The folder as it was when it was first asked for, for the caller to keep: whoever asks again has it read again.
     Listing Take(const std::wstring& folder);
 
     /// The attributes of the item as the system gives them; INVALID_FILE_ATTRIBUTES when there is none.
     uint32_t AttributesOf(const std::wstring& folder, const std::wstring& name);
 
 private:
+    const Listing& Of(const std::wstring& folder);
+
     std::map<std::wstring, Listing> m_listings;
 };
 

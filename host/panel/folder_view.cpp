@@ -108,6 +108,11 @@ void FolderView::AddColumns() {
 uint32_t FolderView::Open(const std::wstring& folder, const std::wstring& focused) {
     std::vector<FolderRow> rows;
     if (const uint32_t error = ReadFolder(folder, rows)) return error;
+    {
+        // What was read now knows all of them.
+        const std::lock_guard lock(m_reportsMutex);
+        m_renamings.clear();
+    }
     // Emptied first, the list forgets a selection of twenty thousand rows at once and not row by row.
     ListView_SetItemCountEx(m_list, 0, 0);
     m_rows = std::move(rows);
