@@ -496,21 +496,22 @@ Quorvane::SDK::IXmlDocument* XmlService::CreateDocument() {
 Quorvane::SDK::IXmlDocument* XmlService::Load(const wchar_t* path, uint32_t) {
     return Guarded<Quorvane::SDK::IXmlDocument*>(nullptr, [&]() -> Quorvane::SDK::IXmlDocument* {
         if (!path || !*path) return nullptr;
-        const Bstr source(FullUserPath(path));
+        const std::wstring file = FullUserPath(path);
         std::string bytes;
-        if (const uint32_t error = ReadWholeFile(std::wstring(source.View()), bytes)) {
+        if (const uint32_t error = ReadWholeFile(file, bytes)) {
             // That there is none is an answer, and for a document that is kept between runs the usual one at first.
             const bool isMissing = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
-            if (!isMissing) m_output.Note(L"[xml] " + std::wstring(source.View()) + L": " + DescribeError(error));
+            if (!isMissing) m_output.Note(L"[xml] " + file + L": " + DescribeError(error));
             return nullptr;
         }
         StartCom();
+        const Bstr source(file);
         ComPtr<IXMLDOMDocument2> document = NewDocument();
         if (!document) return nullptr;
         VARIANT_BOOL isLoaded = VARIANT_FALSE;
         if (document->load(TextVariant(source), &isLoaded) != S_OK || isLoaded != VARIANT_TRUE) {
-            const std::wstring fault = FaultOf(document.Get(), std::wstring(source.View()));
-            if (!fault.empty()) m_output.Note(L"[xml] " + std::wstring(source.View()) + L", " + fault);
+            const std::wstring fault = FaultOf(document.Get(), file);
+            if (!fault.empty()) m_output.Note(L"[xml] " + file + L", " + fault);
             return nullptr;
         }
         return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document), EncodingOf(bytes)));

@@ -27,10 +27,10 @@ TEST(Library, IsProtectedAgainstInjectedCode) {
     }
 }
 
-TEST(Library, NeedsTheSystemsLibrariesAlone) {
+// Windows, the shell and COM take as long to load as everything else a command needs, and most need none of them.
+TEST(Library, NeedsFewOfTheSystemsLibrariesToStart) {
     const InProcessHost host;
-    const std::string known =
-        " advapi32.dll comctl32.dll gdi32.dll kernel32.dll msvcrt.dll ole32.dll shell32.dll shlwapi.dll user32.dll ";
+    const std::string known = " advapi32.dll kernel32.dll msvcrt.dll ";
     for (std::string name : ImportedLibraries(host.Library())) {
         for (char& letter : name) letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
         EXPECT_NE(known.find(" " + name + " "), std::string::npos) << name;
