@@ -41,12 +41,15 @@ RenameHost::RenameHost(const HostOptions& options, HostEnvironment& environment,
       m_services(m_state, 0, BatchRenameRecord()),
       m_files(m_services, Quorvane::SDK::ServiceNumber::FileOperations),
       m_libraryPath(LibraryPath(options, environment)),
-      m_isStopped(environment.progressWatch.isCancelled) {
-    m_journal.SetFolder(Win32::JoinPath(m_state.configurationFolder, L"Undo"));
+      m_isStopped(environment.progressWatch.isCancelled) {}
+
+UndoStore& RenameHost::Journal() {
+    if (!m_journal) m_journal.emplace().SetFolder(Win32::JoinPath(m_state.configurationFolder, L"Undo"));
+    return *m_journal;
 }
 
 RunSurroundings RenameHost::Surroundings(bool isRecorded) {
-    return {*m_files.Get(), ListFolderOnDisk, isRecorded ? &m_journal : nullptr, m_isStopped};
+    return {*m_files.Get(), ListFolderOnDisk, isRecorded ? &Journal() : nullptr, m_isStopped};
 }
 
 bool RenameHost::GetProperty(const BatchRenameItem& row, const std::wstring& name, const std::wstring& format,

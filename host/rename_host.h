@@ -2,6 +2,7 @@
 // rows.
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "batchrename/rename_rule.h"
@@ -20,8 +21,8 @@ public:
 
     HostState& State() { return m_state; }
     HostServices& Services() { return m_services; }
-    /// The sessions of this host.
-    BatchRename::UndoStore& Journal() { return m_journal; }
+    /// The sessions of this host. They are read when they are asked for first: a preview needs none of them.
+    BatchRename::UndoStore& Journal();
     /// `isRecorded`: with the undo journal.
     BatchRename::RunSurroundings Surroundings(bool isRecorded);
 
@@ -45,7 +46,7 @@ private:
     HostState m_state;
     HostServices m_services;
     Quorvane::SDK::AcquiredService<Quorvane::SDK::IFileOperations> m_files;
-    BatchRename::UndoStore m_journal;
+    std::optional<BatchRename::UndoStore> m_journal;
     std::wstring m_libraryPath;
     bool m_hasTriedProviders = false;
     std::unique_ptr<LoadedProviders> m_providers;
