@@ -9,7 +9,9 @@
 namespace QVHost {
 
 const FolderListings::Listing& FolderListings::Of(const std::wstring& folder) {
+    if (m_last != m_listings.end() && m_last->first == folder) return m_last->second;
     const auto [place, isNew] = m_listings.try_emplace(folder);
+    m_last = place;
     Listing& listing = place->second;
     if (isNew) {
         listing.error = Win32::ListFolder(folder, L"*", listing.entries);
@@ -20,6 +22,7 @@ const FolderListings::Listing& FolderListings::Of(const std::wstring& folder) {
 
 FolderListings::Listing FolderListings::Take(const std::wstring& folder) {
     Of(folder);
+    m_last = m_listings.end();
     return std::move(m_listings.extract(folder).mapped());
 }
 

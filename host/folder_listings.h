@@ -17,6 +17,10 @@ public:
         uint32_t error = 0;                       // Windows error code when the folder cannot be read
     };
 
+    FolderListings() = default;
+    FolderListings(const FolderListings&) = delete;
+    FolderListings& operator=(const FolderListings&) = delete;
+
     /// The folder as it was when it was first asked for, for the caller to keep: whoever asks again has it read again.
     Listing Take(const std::wstring& folder);
 
@@ -27,6 +31,8 @@ private:
     const Listing& Of(const std::wstring& folder);
 
     std::map<std::wstring, Listing> m_listings;
+    // Items of one folder mostly stand together.
+    std::map<std::wstring, Listing>::iterator m_last = m_listings.end();
 };
 
 }  // namespace QVHost

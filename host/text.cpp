@@ -5,23 +5,28 @@
 #include "win32/handle.h"
 
 namespace QVHost {
+namespace {
+
+constexpr size_t kMostBytesOfAUnit = 3;  // a character beyond 16 bits has two units and four bytes
+
+}  // namespace
 
 std::string ToUtf8(std::wstring_view text) {
     if (text.empty()) return {};
-    const int units = static_cast<int>(text.size());
-    const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
-    std::string bytes(static_cast<size_t>(size), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), units, bytes.data(), size, nullptr, nullptr);
+    std::string bytes(kMostBytesOfAUnit * text.size(), '\0');
+    const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(),
+                                         static_cast<int>(bytes.size()), nullptr, nullptr);
+    bytes.resize(static_cast<size_t>(size));
     return bytes;
 }
 
 std::optional<std::wstring> FromUtf8(std::string_view bytes) {
     if (bytes.empty()) return std::wstring();
-    const int size = static_cast<int>(bytes.size());
-    const int units = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(), size, nullptr, 0);
+    std::wstring text(bytes.size(), L'\0');  // no character has more units than bytes
+    const int units = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(), static_cast<int>(bytes.size()),
+                                          text.data(), static_cast<int>(text.size()));
     if (units == 0) return std::nullopt;
-    std::wstring text(static_cast<size_t>(units), L'\0');
-    MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(), size, text.data(), units);
+    text.resize(static_cast<size_t>(units));
     return text;
 }
 
@@ -47,6 +52,8 @@ std::wstring TextOrEmpty(const wchar_t* text) {
 }
 
 std::wstring OnOneLine(std::wstring_view text) {
+    if (std::ranges::none_of(text, [](wchar_t unit) { return unit == L'\r' || unit == L'\n'; }))
+        return std::wstring(text);
     std::wstring line;
     line.reserve(text.size());
     for (size_t at = 0; at < text.size(); ++at) {

@@ -13,6 +13,13 @@ bool IsSeparator(wchar_t unit) {
     return unit == L'\\' || unit == L'/';
 }
 
+/// Where the last name of the path begins; 0 for a path without a separator.
+size_t NameBegin(std::wstring_view path) {
+    size_t begin = path.size();
+    while (begin > 0 && !IsSeparator(path[begin - 1])) --begin;
+    return begin;
+}
+
 }  // namespace
 
 std::wstring FullPath(const std::wstring& path) {
@@ -38,13 +45,11 @@ std::wstring ExtendedPath(const std::wstring& path) {
 }
 
 std::wstring_view FolderOf(std::wstring_view path) {
-    const size_t separator = path.find_last_of(L"\\/");
-    return separator == std::wstring_view::npos ? std::wstring_view() : path.substr(0, separator + 1);
+    return path.substr(0, NameBegin(path));
 }
 
 std::wstring_view FileNameOf(std::wstring_view path) {
-    const size_t separator = path.find_last_of(L"\\/");
-    return separator == std::wstring_view::npos ? path : path.substr(separator + 1);
+    return path.substr(NameBegin(path));
 }
 
 NameParts SplitName(std::wstring_view fileName) {
