@@ -3,10 +3,12 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "host/output.h"
 #include "host/shelf.h"
 #include "sdk/host_objects.h"
+#include "win32/com.h"
 
 namespace QVHost {
 
@@ -41,7 +43,7 @@ private:
 
     Shelf<XmlService>& m_shelf;
     Output& m_output;
-    bool m_hasCom = false;
+    std::optional<Win32::ComApartment> m_com;  // outlives the documents
     Shelf<XmlDocument> m_documents;
 };
 

@@ -3,27 +3,12 @@
 #include "batchrename/qv_batch_rename.h"
 #include "sdk/boundary.h"
 #include "ui/activation_context.h"
-
-#include <objbase.h>
+#include "win32/com.h"
 
 namespace BatchRename {
 namespace {
 
 constexpr DWORD kCollectPatience = 3000;  // milliseconds for the host to collect the selection again
-
-/// One apartment, for the host's XML service and what dialogs of the system need.
-class ComApartment {
-public:
-    ComApartment() : m_isReady(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
-    ~ComApartment() {
-        if (m_isReady) CoUninitialize();
-    }
-    ComApartment(const ComApartment&) = delete;
-    ComApartment& operator=(const ComApartment&) = delete;
-
-private:
-    bool m_isReady;
-};
 
 /// The thread's side of things: everything in it is made, used and ended on the GUI thread.
 class GuiSide final : public IMessageFilter {
@@ -107,7 +92,7 @@ private:
     }
 
     std::shared_ptr<ExtensionState> m_state;
-    ComApartment m_apartment;  // before the window, which ends in it
+    Win32::ComApartment m_apartment;  // for the host's XML service and the system's dialogs; outlives the window
     MessageLoop m_loop;
     std::unique_ptr<BatchRenameMainFrame> m_frame;
 };

@@ -1,7 +1,7 @@
 #include "fileutils/account_picker.h"
 
-#include "fileutils/com.h"
 #include "fileutils/picked_account.h"
+#include "win32/com.h"
 
 #include <objsel.h>
 
@@ -26,18 +26,16 @@ DSOP_SCOPE_INIT_INFO ScopeOfAccounts() {
     return scope;
 }
 
-OwnedInterface<IDsObjectPicker> MakePicker() {
-    IDsObjectPicker* raw = nullptr;
-    if (FAILED(CoCreateInstance(CLSID_DsObjectPicker, nullptr, CLSCTX_INPROC_SERVER, IID_IDsObjectPicker,
-                                reinterpret_cast<void**>(&raw))))
-        return nullptr;
-    OwnedInterface<IDsObjectPicker> picker(raw);
+Win32::ComPointer<IDsObjectPicker> MakePicker() {
+    auto picker = Win32::MakeComObject<IDsObjectPicker>(CLSID_DsObjectPicker, IID_IDsObjectPicker);
+    if (!picker) return picker;
     DSOP_SCOPE_INIT_INFO scope = ScopeOfAccounts();
     DSOP_INIT_INFO setup = {};
     setup.cbSize = sizeof(setup);
     setup.cDsScopeInfos = 1;
     setup.aDsScopeInfos = &scope;
-    return SUCCEEDED(picker->Initialize(&setup)) ? std::move(picker) : nullptr;
+    if (FAILED(picker->Initialize(&setup))) return {};
+    return picker;
 }
 
 std::wstring FirstAccountIn(const DS_SELECTION_LIST& list) {
@@ -65,12 +63,11 @@ std::wstring AccountIn(IDataObject& selection) {
 }  // namespace
 
 std::wstring PickAccount(HWND owner) {
-    const ComOnThisThread com;
-    const OwnedInterface<IDsObjectPicker> picker = MakePicker();
-    IDataObject* raw = nullptr;
+    const Win32::ComApartment apartment;
+    const Win32::ComPointer<IDsObjectPicker> picker = MakePicker();
+    Win32::ComPointer<IDataObject> selection;
     // Cancelling succeeds too, with another code.
-    if (!picker || picker->InvokeDialog(owner, &raw) != S_OK || !raw) return {};
-    const OwnedInterface<IDataObject> selection(raw);
+    if (!picker || picker->InvokeDialog(owner, selection.Receive()) != S_OK || !selection) return {};
     return AccountIn(*selection);
 }
 

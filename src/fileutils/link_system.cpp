@@ -2,7 +2,7 @@
 
 #include <shlobj.h>
 
-#include "fileutils/com.h"
+#include "win32/com.h"
 #include "win32/handle.h"
 #include "win32/module.h"
 #include "win32/path.h"
@@ -44,16 +44,10 @@ uint32_t SetReparsePoint(const std::wstring& folder, const ReparseBuffer& buffer
 
 uint32_t SaveShortcut(const std::wstring& link, const std::wstring& target, const std::wstring& workingFolder,
                       const wchar_t* description) {
-    const ComOnThisThread com;
-    IShellLinkW* raw = nullptr;
-    if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW,
-                                reinterpret_cast<void**>(&raw))))
-        return ERROR_PATH_NOT_FOUND;
-    const OwnedInterface<IShellLinkW> shortcut(raw);
-    IPersistFile* rawFile = nullptr;
-    if (FAILED(shortcut->QueryInterface(IID_IPersistFile, reinterpret_cast<void**>(&rawFile))))
-        return ERROR_PATH_NOT_FOUND;
-    const OwnedInterface<IPersistFile> file(rawFile);
+    const Win32::ComApartment apartment;
+    const auto shortcut = Win32::MakeComObject<IShellLinkW>(CLSID_ShellLink, IID_IShellLinkW);
+    const auto file = shortcut.As<IPersistFile>(IID_IPersistFile);
+    if (!file) return ERROR_PATH_NOT_FOUND;
     const bool isSaved = SUCCEEDED(shortcut->SetPath(target.c_str())) &&
                          (workingFolder.empty() || SUCCEEDED(shortcut->SetWorkingDirectory(workingFolder.c_str()))) &&
                          SUCCEEDED(shortcut->SetDescription(description)) && SUCCEEDED(file->Save(link.c_str(), TRUE));

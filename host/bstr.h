@@ -1,0 +1,38 @@
+// bstr.h - owner of a text as COM automation takes it.
+#pragma once
+
+#include <string_view>
+
+#include "win32/windows.h"
+
+#include <oleauto.h>
+
+namespace QVHost {
+
+class Bstr {
+public:
+    Bstr() = default;
+    explicit Bstr(std::wstring_view text) : m_raw(SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {}
+    Bstr(const Bstr&) = delete;
+    Bstr& operator=(const Bstr&) = delete;
+    ~Bstr() { SysFreeString(m_raw); }
+
+    BSTR Get() const { return m_raw; }
+    BSTR* Receive() { return &m_raw; }
+    std::wstring_view View() const {
+        return m_raw ? std::wstring_view(m_raw, SysStringLen(m_raw)) : std::wstring_view();
+    }
+
+private:
+    BSTR m_raw = nullptr;
+};
+
+/// A text argument; the string must outlive it.
+inline VARIANT TextVariant(const Bstr& text) {
+    VARIANT variant = {};
+    variant.vt = VT_BSTR;
+    variant.bstrVal = text.Get();
+    return variant;
+}
+
+}  // namespace QVHost

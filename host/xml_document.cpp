@@ -1,0 +1,278 @@
+#include "host/xml_document.h"
+
+#include <vector>
+
+#include "host/boundary.h"
+#include "host/bstr.h"
+#include "host/text.h"
+#include "host/whole_file.h"
+
+namespace QVHost {
+namespace {
+
+/// False for what no XML text can hold: most control characters, half a surrogate pair.
+bool IsXmlText(std::wstring_view text) {
+    for (size_t at = 0; at < text.size(); ++at) {
+        const wchar_t unit = text[at];
+        if (unit >= 0xD800 && unit <= 0xDBFF) {
+            if (++at == text.size() || text[at] < 0xDC00 || text[at] > 0xDFFF) return false;
+            continue;
+        }
+        const bool isHalfPair = unit >= 0xDC00 && unit <= 0xDFFF;
+        const bool isControl = unit < L' ' && unit != L'\t' && unit != L'\n' && unit != L'\r';
+        if (isHalfPair || isControl || unit == 0xFFFE || unit == 0xFFFF) return false;
+    }
+    return true;
+}
+
+bool IsElement(IXMLDOMNode* node) {
+    DOMNodeType type = NODE_INVALID;
+    return node && SUCCEEDED(node->get_nodeType(&type)) && type == NODE_ELEMENT;
+}
+
+std::wstring NameOf(IXMLDOMNode* node) {
+    Bstr name;
+    node->get_nodeName(name.Receive());
+    return std::wstring(name.View());
+}
+
+bool IsBlankText(const Win32::ComPointer<IXMLDOMNode>& node) {
+    const auto text = node.As<IXMLDOMCharacterData>(IID_IXMLDOMCharacterData);
+    Bstr data;
+    if (!text || FAILED(text->get_data(data.Receive()))) return false;
+    return data.View().find_first_not_of(L" \t\r\n") == std::wstring_view::npos;
+}
+
+/// True for an element that asks for its blanks to be kept.
+bool KeepsBlanks(IXMLDOMNode* node) {
+    Win32::ComPointer<IXMLDOMElement> element;
+    node->QueryInterface(IID_IXMLDOMElement, element.ReceiveUntyped());
+    Win32::ComPointer<IXMLDOMAttribute> attribute;
+    if (!element || element->getAttributeNode(Bstr(L"xml:space").Get(), attribute.Receive()) != S_OK || !attribute)
+        return false;
+    Bstr value;
+    return SUCCEEDED(attribute->get_text(value.Receive())) && value.View() == L"preserve";
+}
+
+/// A Windows error code where the result holds one.
+uint32_t CodeOf(HRESULT result) {
+    if (SUCCEEDED(result)) return ERROR_SUCCESS;
+    return HRESULT_FACILITY(result) == FACILITY_WIN32 ? static_cast<uint32_t>(HRESULT_CODE(result))
+                                                      : static_cast<uint32_t>(result);
+}
+
+}  // namespace
+
+uint32_t XmlElement::GetName(wchar_t* buffer, uint32_t capacity) {
+    return Guarded(0u, [&] { return CopyText(NameOf(m_node.Get()), buffer, capacity); });
+}
+
+Quorvane::SDK::IXmlElement* XmlElement::FirstNamed(Win32::ComPointer<IXMLDOMNode> node, const wchar_t* name) {
+    while (node && !(IsElement(node.Get()) && (!name || NameOf(node.Get()) == name))) {
+        Win32::ComPointer<IXMLDOMNode> next;
+        node->get_nextSibling(next.Receive());
+        node = std::move(next);
+    }
+    return m_document.ElementOf(node.As<IXMLDOMElement>(IID_IXMLDOMElement));
+}
+
+Quorvane::SDK::IXmlElement* XmlElement::FirstChild(const wchar_t* name) {
+    return Guarded<Quorvane::SDK::IXmlElement*>(nullptr, [&] {
+        Win32::ComPointer<IXMLDOMNode> first;
+        m_node->get_firstChild(first.Receive());
+        return FirstNamed(std::move(first), name);
+    });
+}
+
+Quorvane::SDK::IXmlElement* XmlElement::NextSibling(const wchar_t* name) {
+    return Guarded<Quorvane::SDK::IXmlElement*>(nullptr, [&] {
+        Win32::ComPointer<IXMLDOMNode> next;
+        m_node->get_nextSibling(next.Receive());
+        return FirstNamed(std::move(next), name);
+    });
+}
+
+uint32_t XmlElement::GetText(wchar_t* buffer, uint32_t capacity) {
+    return Guarded(0u, [&] {
+        // Piece by piece: the text of the element as a whole comes without the blanks at its ends.
+        std::wstring text;
+        Win32::ComPointer<IXMLDOMNode> child;
+        m_node->get_firstChild(child.Receive());
+        while (child) {
+            DOMNodeType type = NODE_INVALID;
+            child->get_nodeType(&type);
+            Win32::ComPointer<IXMLDOMCharacterData> piece;
+            if (type == NODE_TEXT || type == NODE_CDATA_SECTION)
+                piece = child.As<IXMLDOMCharacterData>(IID_IXMLDOMCharacterData);
+            Bstr data;
+            if (piece && SUCCEEDED(piece->get_data(data.Receive()))) text += data.View();
+            Win32::ComPointer<IXMLDOMNode> next;
+            child->get_nextSibling(next.Receive());
+            child = std::move(next);
+        }
+        return CopyText(text, buffer, capacity);
+    });
+}
+
+bool XmlElement::GetAttribute(const wchar_t* name, wchar_t* buffer, uint32_t capacity) {
+    return Guarded(false, [&] {
+        if (!name) return false;
+        const Bstr key(name);
+        Win32::ComPointer<IXMLDOMAttribute> attribute;
+        if (m_node->getAttributeNode(key.Get(), attribute.Receive()) != S_OK || !attribute) return false;
+        VARIANT value = {};
+        if (FAILED(attribute->get_nodeValue(&value))) return false;
+        const bool isText = value.vt == VT_BSTR;
+        if (isText)
+            CopyText(value.bstrVal ? std::wstring_view(value.bstrVal, SysStringLen(value.bstrVal)) : L"", buffer,
+                     capacity);
+        VariantClear(&value);
+        return isText;
+    });
+}
+
+Quorvane::SDK::IXmlElement* XmlElement::AddChild(const wchar_t* name) {
+    return Guarded<Quorvane::SDK::IXmlElement*>(nullptr, [&]() -> Quorvane::SDK::IXmlElement* {
+        Win32::ComPointer<IXMLDOMElement> child = m_document.NewElement(name);
+        if (!child || FAILED(m_node->appendChild(child.Get(), nullptr))) return nullptr;
+        return m_document.ElementOf(std::move(child));
+    });
+}
+
+bool XmlElement::SetText(const wchar_t* text) {
+    return Guarded(false, [&] {
+        if (!text || !IsXmlText(text)) return false;
+        return SUCCEEDED(m_node->put_text(Bstr(text).Get()));
+    });
+}
+
+bool XmlElement::SetAttribute(const wchar_t* name, const wchar_t* value) {
+    return Guarded(false, [&] {
+        if (!name || !value || !IsXmlText(value)) return false;
+        const Bstr key(name);
+        const Bstr content(value);
+        return SUCCEEDED(m_node->setAttribute(key.Get(), TextVariant(content)));
+    });
+}
+
+XmlElement* XmlDocument::ElementOf(Win32::ComPointer<IXMLDOMElement> node) {
+    if (!node) return nullptr;
+    std::unique_ptr<XmlElement>& element = m_elements[node.Get()];
+    if (!element) element = std::make_unique<XmlElement>(*this, std::move(node));
+    return element.get();
+}
+
+Win32::ComPointer<IXMLDOMElement> XmlDocument::NewElement(const wchar_t* name) {
+    Win32::ComPointer<IXMLDOMElement> element;
+    if (name && *name) m_document->createElement(Bstr(name).Get(), element.Receive());
+    return element;
+}
+
+Quorvane::SDK::IXmlElement* XmlDocument::GetRoot() {
+    return Guarded<Quorvane::SDK::IXmlElement*>(nullptr, [&] {
+        Win32::ComPointer<IXMLDOMElement> root;
+        m_document->get_documentElement(root.Receive());
+        return ElementOf(std::move(root));
+    });
+}
+
+Quorvane::SDK::IXmlElement* XmlDocument::CreateRoot(const wchar_t* name) {
+    return Guarded<Quorvane::SDK::IXmlElement*>(nullptr, [&]() -> Quorvane::SDK::IXmlElement* {
+        if (GetRoot()) return nullptr;
+        Win32::ComPointer<IXMLDOMElement> root = NewElement(name);
+        if (!root || FAILED(m_document->appendChild(root.Get(), nullptr))) return nullptr;
+        return ElementOf(std::move(root));
+    });
+}
+
+void XmlDocument::Release() {
+    GuardedCall([&] { m_shelf.Remove(this); });
+}
+
+void XmlDocument::CompactChildren(IXMLDOMElement* parent) {
+    if (KeepsBlanks(parent)) return;
+    std::vector<Win32::ComPointer<IXMLDOMNode>> blanks;
+    std::vector<Win32::ComPointer<IXMLDOMElement>> elements;
+    bool hasText = false;
+    Win32::ComPointer<IXMLDOMNode> child;
+    parent->get_firstChild(child.Receive());
+    while (child) {
+        DOMNodeType type = NODE_INVALID;
+        child->get_nodeType(&type);
+        Win32::ComPointer<IXMLDOMNode> next;
+        child->get_nextSibling(next.Receive());
+        if (type == NODE_ELEMENT) elements.push_back(child.As<IXMLDOMElement>(IID_IXMLDOMElement));
+        if (type == NODE_CDATA_SECTION || type == NODE_ENTITY_REFERENCE) hasText = true;
+        if (type == NODE_TEXT && !IsBlankText(child)) hasText = true;
+        if (type == NODE_TEXT) blanks.push_back(std::move(child));
+        child = std::move(next);
+    }
+    if (hasText || elements.empty()) blanks.clear();
+    for (const Win32::ComPointer<IXMLDOMNode>& blank : blanks) parent->removeChild(blank.Get(), nullptr);
+    for (const Win32::ComPointer<IXMLDOMElement>& element : elements)
+        if (element) CompactChildren(element.Get());
+}
+
+void XmlDocument::InsertBlank(IXMLDOMNode* parent, const std::wstring& blank, IXMLDOMNode* before) {
+    Win32::ComPointer<IXMLDOMText> text;
+    if (FAILED(m_document->createTextNode(Bstr(blank).Get(), text.Receive()))) return;
+    VARIANT place = {};
+    if (before) {
+        place.vt = VT_UNKNOWN;
+        place.punkVal = before;
+    }
+    parent->insertBefore(text.Get(), place, nullptr);
+}
+
+void XmlDocument::IndentChildren(IXMLDOMNode* parent, const std::wstring& lineStart) {
+    if (KeepsBlanks(parent)) return;
+    std::vector<Win32::ComPointer<IXMLDOMNode>> children;
+    Win32::ComPointer<IXMLDOMNode> child;
+    parent->get_firstChild(child.Receive());
+    while (child) {
+        DOMNodeType type = NODE_INVALID;
+        child->get_nodeType(&type);
+        if (type == NODE_TEXT || type == NODE_CDATA_SECTION || type == NODE_ENTITY_REFERENCE) return;
+        Win32::ComPointer<IXMLDOMNode> next;
+        child->get_nextSibling(next.Receive());
+        children.push_back(std::move(child));
+        child = std::move(next);
+    }
+    if (children.empty()) return;
+    for (const Win32::ComPointer<IXMLDOMNode>& each : children) {
+        InsertBlank(parent, lineStart + L'\t', each.Get());
+        if (IsElement(each.Get())) IndentChildren(each.Get(), lineStart + L'\t');
+    }
+    InsertBlank(parent, lineStart, nullptr);
+}
+
+uint32_t XmlDocument::SaveAs(const std::wstring& path) const {
+    if (!m_encoding) return ERROR_NOT_SUPPORTED;
+    const Bstr name(path);
+    if (m_encoding->codePage == XmlEncoding::kUtf8) return CodeOf(m_document->save(TextVariant(name)));
+    // Not every system's writer follows a declaration of another encoding; some write UTF-8 under its name. Without a
+    // declaration all write UTF-8, which is then put into the document's own encoding.
+    Win32::ComPointer<IXMLDOMNode> declaration;
+    m_document->get_firstChild(declaration.Receive());
+    if (declaration && NameOf(declaration.Get()) == L"xml") m_document->removeChild(declaration.Get(), nullptr);
+    std::string bytes;
+    uint32_t error = CodeOf(m_document->save(TextVariant(name)));
+    if (error == ERROR_SUCCESS) error = ReadWholeFile(path, bytes);
+    if (error != ERROR_SUCCESS) return error;
+    const std::optional<std::wstring> text = FromUtf8(bytes);
+    return text ? ReplaceWholeFile(path, EncodedXml(*m_encoding, *text)) : ERROR_NO_UNICODE_TRANSLATION;
+}
+
+void XmlDocument::Compact() {
+    Win32::ComPointer<IXMLDOMElement> root;
+    m_document->get_documentElement(root.Receive());
+    if (root) CompactChildren(root.Get());
+}
+
+void XmlDocument::Indent() {
+    Win32::ComPointer<IXMLDOMElement> root;
+    m_document->get_documentElement(root.Receive());
+    if (root) IndentChildren(root.Get(), L"\n");
+}
+
+}  // namespace QVHost

@@ -1,0 +1,79 @@
+// xml_document.h - an XML document and its elements as extensions see them, over the system's own (MSXML 6).
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "host/shelf.h"
+#include "host/xml_encoding.h"
+#include "sdk/host_objects.h"
+#include "win32/com.h"
+
+#include <msxml2.h>
+
+namespace QVHost {
+
+class XmlDocument;
+
+/// An element. Lives with its document, which owns it.
+class XmlElement final : public Quorvane::SDK::IXmlElement {
+public:
+    XmlElement(XmlDocument& document, Win32::ComPointer<IXMLDOMElement> node)
+        : m_document(document), m_node(std::move(node)) {}
+
+    uint32_t GetName(wchar_t* buffer, uint32_t capacity) override;
+    Quorvane::SDK::IXmlElement* FirstChild(const wchar_t* name) override;
+    Quorvane::SDK::IXmlElement* NextSibling(const wchar_t* name) override;
+    uint32_t GetText(wchar_t* buffer, uint32_t capacity) override;
+    bool GetAttribute(const wchar_t* name, wchar_t* buffer, uint32_t capacity) override;
+    Quorvane::SDK::IXmlElement* AddChild(const wchar_t* name) override;
+    bool SetText(const wchar_t* text) override;
+    bool SetAttribute(const wchar_t* name, const wchar_t* value) override;
+
+private:
+    /// `node` or the first element behind it that has the name; null: any name.
+    Quorvane::SDK::IXmlElement* FirstNamed(Win32::ComPointer<IXMLDOMNode> node, const wchar_t* name);
+
+    XmlDocument& m_document;
+    Win32::ComPointer<IXMLDOMElement> m_node;
+};
+
+class XmlDocument final : public Quorvane::SDK::IXmlDocument {
+public:
+    /// Without an encoding the document cannot be saved.
+    XmlDocument(Shelf<XmlDocument>& shelf, Win32::ComPointer<IXMLDOMDocument2> document,
+                std::optional<XmlEncoding> encoding)
+        : m_shelf(shelf), m_document(std::move(document)), m_encoding(std::move(encoding)) {}
+
+    Quorvane::SDK::IXmlElement* GetRoot() override;
+    Quorvane::SDK::IXmlElement* CreateRoot(const wchar_t* name) override;
+    void Release() override;
+
+    IXMLDOMDocument2* Document() const { return m_document.Get(); }
+    /// Writes the document to a new file, in its encoding. Afterwards it may be without its declaration.
+    /// A Windows error code, 0 for success.
+    uint32_t SaveAs(const std::wstring& path) const;
+    /// The one object that stands for this node; null for null.
+    XmlElement* ElementOf(Win32::ComPointer<IXMLDOMElement> node);
+    Win32::ComPointer<IXMLDOMElement> NewElement(const wchar_t* name);
+    /// Takes the blanks between elements away. An element with text of its own stays as it is.
+    void Compact();
+    /// Puts line breaks and tabs between the elements of a compact document.
+    void Indent();
+
+private:
+    void CompactChildren(IXMLDOMElement* parent);
+    void IndentChildren(IXMLDOMNode* parent, const std::wstring& lineStart);
+    void InsertBlank(IXMLDOMNode* parent, const std::wstring& blank, IXMLDOMNode* before);
+
+    Shelf<XmlDocument>& m_shelf;
+    Win32::ComPointer<IXMLDOMDocument2> m_document;
+    std::optional<XmlEncoding> m_encoding;
+    std::map<IXMLDOMElement*, std::unique_ptr<XmlElement>> m_elements;
+};
+
+}  // namespace QVHost
