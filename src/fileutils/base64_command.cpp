@@ -89,7 +89,7 @@ void Decode(QVUtils::DataReader& source, QVUtils::DataWriter& target) {
 /// The name in the file's header, when it has one that can be used; else "".
 /// @throws QVUtilsException when the file cannot be read: it must not be decoded under a name that is not its own
 std::wstring NameFromHeaderOf(const std::wstring& path) {
-    QVUtils::FileDataReader reader(path);
+    QVUtils::FileDataReader reader(path, QVUtils::FileSharing::Read);
     char bytes[kNameArea];
     const uint32_t size = ReadFully(reader, bytes, kNameArea);
     std::wstring name = Win32::FromCodePage(NameInHeader({bytes, size}), Win32::kThreadCodePage);
@@ -111,13 +111,14 @@ void LogFailure(IHostServices& host, bool encodes, const std::wstring& path, con
              encodes ? L"encode" : L"decode", path.c_str(), std::wstring(what.begin(), what.end()).c_str(), error);
 }
 
-/// The source is open before the target is touched. What was written of a target stays when the rest fails: the bytes
+/// The source is open before the target is touched, and nobody writes to either meanwhile: a file that is sent must be
+/// whole. What was written of a target stays when the rest fails: the bytes
 /// decoded so far may be all that is left of a damaged file.
 /// @throws QVUtilsException
 void Convert(bool encodes, const std::wstring& path, const std::wstring& target) {
-    QVUtils::FileDataReader reader(path);
+    QVUtils::FileDataReader reader(path, QVUtils::FileSharing::Read);
     QVUtils::FileDataWriter writer;
-    writer.Open(target, true);
+    writer.Open(target, true, QVUtils::FileSharing::Read);
     if (encodes)
         Encode(reader, std::wstring(Win32::FileNameOf(path)), writer);
     else

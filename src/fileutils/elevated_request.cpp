@@ -9,19 +9,27 @@ using namespace Quorvane::SDK;
 
 constexpr size_t kLongestText = 32767;  // units
 
+struct CloseChannel {
+    void operator()(IElevatedChannel* channel) const noexcept { channel->Close(); }
+};
+
 }  // namespace
 
+std::optional<uint32_t> SendOver(IElevatedChannel& channel, uint32_t requestId, const WriteFields& write) {
+    if (!channel.Connect()) return std::nullopt;
+    const Owned<IRequestWriter> writer(channel.CreateWriter());
+    // Behind the writer, which is to outlive the connection.
+    const std::unique_ptr<IElevatedChannel, CloseChannel> connection(&channel);
+    if (!writer) return ERROR_ACCESS_DENIED;
+    write(*writer);
+    const void* const data = writer->GetData();
+    return data ? channel.Send(requestId, data, writer->GetSize()) : uint32_t{ERROR_ACCESS_DENIED};
+}
+
 std::optional<uint32_t> SendElevated(IHostServices& host, uint32_t requestId, const std::wstring& path,
-                                     const std::function<void(IRequestWriter&)>& write) {
+                                     const WriteFields& write) {
     const AcquiredService<IElevatedChannel> channel(host, ServiceNumber::ElevatedChannel, path.c_str());
-    if (!channel || !channel->Connect()) return std::nullopt;
-    uint32_t result = ERROR_ACCESS_DENIED;
-    if (const Owned<IRequestWriter> writer{channel->CreateWriter()}) {
-        write(*writer);
-        if (const void* const data = writer->GetData()) result = channel->Send(requestId, data, writer->GetSize());
-    }
-    channel->Close();
-    return result;
+    return channel ? SendOver(*channel.Get(), requestId, write) : std::nullopt;
 }
 
 uint32_t RequestFields::Number() {

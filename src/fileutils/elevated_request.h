@@ -12,10 +12,17 @@
 
 namespace FileUtils {
 
+using WriteFields = std::function<void(Quorvane::SDK::IRequestWriter&)>;
+
 /// Sends the fields that `write` writes and waits for the reply, a Windows error code. 5 when they cannot be written.
 /// Nothing when there is no way to that process. `path` is one that the request is about.
 std::optional<uint32_t> SendElevated(Quorvane::SDK::IHostServices& host, uint32_t requestId, const std::wstring& path,
-                                     const std::function<void(Quorvane::SDK::IRequestWriter&)>& write);
+                                     const WriteFields& write);
+
+/// The same over a channel at hand. It is connected and, whatever `write` throws, closed again; the writer is released
+/// behind that.
+std::optional<uint32_t> SendOver(Quorvane::SDK::IElevatedChannel& channel, uint32_t requestId,
+                                 const WriteFields& write);
 
 /// The fields of a message that anybody may have written. One that cannot be read makes the whole message refused; from
 /// then on numbers are 0 and texts "".

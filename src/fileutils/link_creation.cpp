@@ -45,10 +45,16 @@ bool IsExistingFolder(const std::wstring& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
+/// True for a path that means another place where the current folder or drive is another: `a`, `\a`, `C:a`.
+bool IsRelative(std::wstring_view path) {
+    const auto isSeparator = [&](size_t at) { return at < path.size() && (path[at] == L'\\' || path[at] == L'/'); };
+    if (isSeparator(0)) return !isSeparator(1) && !path.starts_with(L"\\?");
+    return !(path.size() > 1 && path[1] == L':' && isSeparator(2));
+}
+
 /// A relative path made absolute; any other as it stands, since the system's core has forms that must not be touched.
 std::wstring Absolute(const std::wstring& path) {
-    const bool isRelative = !path.starts_with(L'\\') && !path.starts_with(L'/') && path.substr(1, 1) != L":";
-    return isRelative ? Win32::FullPath(path) : path;
+    return IsRelative(path) ? Win32::FullPath(path) : path;
 }
 
 /// Folders made on the way to a junction; removed again, deepest first, unless they are kept.

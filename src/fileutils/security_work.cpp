@@ -48,17 +48,18 @@ SecuritySelection GatherSecuritySelection(IHostServices& host) {
     return selection;
 }
 
-void RunSecurityWork(IHostServices& host, const SecuritySelection& selection, const SecurityWork& work) {
-    if (selection.items.empty()) return;
+bool RunSecurityWork(IHostServices& host, const SecuritySelection& selection, const SecurityWork& work) {
+    if (selection.items.empty()) return true;
     const std::optional<uint32_t> reply = AskElevated(host, selection, work);
     for (size_t at = 0; at < selection.items.size(); ++at) {
         const uint32_t error = reply ? *reply : Change(host, work.change, selection.paths[at]);
         if (error != ERROR_SUCCESS) {
             ShowFailure(host, error, work.failureText);
-            return;
+            return !reply;
         }
         if (work.onChanged) work.onChanged(*selection.items[at]);
     }
+    return true;
 }
 
 uint32_t ChangeUntilFailure(IHostServices& host, const Paths& paths, const SecurityChange& change) {

@@ -41,13 +41,14 @@ uint32_t RunTakeOwnership(IHostServices& host, uint32_t) {
     if (selection.items.empty()) return 1;
     // Without it the items that are the user's already still work; the others fail by themselves.
     const Security::ScopedPrivilege privilege(SE_TAKE_OWNERSHIP_NAME);
-    RunSecurityWork(host, selection,
-                    {.requestId = kTakeOwnershipRequest,
-                     .failureText = 126_e,
-                     .writeRequest = [&](IRequestWriter& writer) { WritePaths(writer, selection.paths); },
-                     .change = [&](const std::wstring& path) { return MakeOwner(path, user); },
-                     .onChanged = RefreshOwner});
-    RefreshPanel(host, *selection.items.front());
+    const bool goesOn =
+        RunSecurityWork(host, selection,
+                        {.requestId = kTakeOwnershipRequest,
+                         .failureText = 126_e,
+                         .writeRequest = [&](IRequestWriter& writer) { WritePaths(writer, selection.paths); },
+                         .change = [&](const std::wstring& path) { return MakeOwner(path, user); },
+                         .onChanged = RefreshOwner});
+    if (goesOn) RefreshPanel(host, *selection.items.front());
     return 1;
 }
 

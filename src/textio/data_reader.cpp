@@ -12,9 +12,9 @@ struct FileDataReader::Handle {
     Win32::FileHandle file;
 };
 
-FileDataReader::FileDataReader(const std::wstring& path) : m_handle(std::make_unique<Handle>()) {
-    m_handle->file.Reset(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_READ,
-                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
+FileDataReader::FileDataReader(const std::wstring& path, FileSharing sharing) : m_handle(std::make_unique<Handle>()) {
+    m_handle->file.Reset(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_READ, static_cast<DWORD>(sharing),
+                                     nullptr, OPEN_EXISTING, 0, nullptr));
     if (!m_handle->file) throw QVUtilsException(GetLastError(), "Unable to open file");
     LARGE_INTEGER size = {};
     // "filesize" is one word in this message on purpose: people search their logs for it.

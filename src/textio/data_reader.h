@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "textio/file_sharing.h"
 #include "textio/qvutils_exception.h"
 
 namespace QVUtils {
@@ -25,11 +26,11 @@ public:
     virtual void Close() = 0;
 };
 
-/// Reads a file, shared with other readers and writers. Unbuffered: every Read is one call of the system.
+/// Reads a file. Unbuffered: every Read is one call of the system.
 class FileDataReader final : public DataReader {
 public:
     /// @throws QVUtilsException "Unable to open file" or "Failed to get filesize", with the system's code
-    explicit FileDataReader(const std::wstring& path);
+    explicit FileDataReader(const std::wstring& path, FileSharing sharing = FileSharing::ReadAndWrite);
     ~FileDataReader() override;
 
     uint32_t Read(void* buffer, uint32_t size, uint32_t& bytesRead) override;

@@ -25,11 +25,10 @@ FileDataWriter::FileDataWriter() : m_handle(std::make_unique<Handle>()) {}
 
 FileDataWriter::~FileDataWriter() = default;
 
-bool FileDataWriter::Open(const std::wstring& path, bool overwrite) {
+bool FileDataWriter::Open(const std::wstring& path, bool overwrite, FileSharing sharing) {
     m_handle->file.Reset();
-    m_handle->file.Reset(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_WRITE,
-                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                     overwrite ? CREATE_ALWAYS : CREATE_NEW, 0, nullptr));
+    m_handle->file.Reset(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_WRITE, static_cast<DWORD>(sharing),
+                                     nullptr, overwrite ? CREATE_ALWAYS : CREATE_NEW, 0, nullptr));
     if (!m_handle->file) throw QVUtilsException(GetLastError(), "Unable to open file for writing");
     return GetLastError() != ERROR_ALREADY_EXISTS;  // set by CREATE_ALWAYS, and cleared by a creation
 }

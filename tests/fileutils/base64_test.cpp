@@ -7,6 +7,8 @@
 
 #include "fileutils/command_runner.h"
 #include "fileutils/mime_header.h"
+#include "win32/files.h"
+#include "win32/handle.h"
 #include "win32/windows.h"
 
 namespace {
@@ -249,6 +251,12 @@ TEST(Base64Command, OpensTheSourceBeforeTheTargetAndGoesOn) {
     run = runner.Run({L"command", L"30211", cut}, {L"yes"});
     EXPECT_NE(run.log.find("( The Base64 text is cut off, ErrorCode : 13 )"), std::string::npos) << run.log;
     EXPECT_EQ(runner.Folder().Read(L"cut"), "abc");
+    const std::wstring busy = runner.Folder().Write(L"busy", "half of i");
+    const Win32::FileHandle writer(CreateFileW(busy.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                               OPEN_EXISTING, 0, nullptr));
+    run = runner.Run({L"command", L"30210", busy});
+    EXPECT_NE(run.log.find("( Unable to open file, ErrorCode : 32 )"), std::string::npos) << run.log;
+    EXPECT_FALSE(Win32::Exists(runner.Folder() / L"busy.b64")) << "a copy of a file that is being written";
 }
 
 }  // namespace

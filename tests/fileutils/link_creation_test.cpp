@@ -8,6 +8,7 @@
 #include "host/elevated_protocol.h"
 #include "host/request_fields.h"
 #include "win32/files.h"
+#include "win32/path.h"
 
 namespace {
 
@@ -106,6 +107,10 @@ TEST_F(MakeLinkTest, AsksTheSystemForEachKind) {
     EXPECT_EQ(m_asked.words, (Names{L"shortcut", link, L"C:\\autoexec.bat", L"C:\\", description}));
     EXPECT_EQ(Make(4, link, m_folder.Path(), true), 0u);
     EXPECT_EQ(m_asked.words, (Names{L"shortcut", link, m_folder.Path(), L"", description}));
+    for (const wchar_t* relative : {L"no such link", L"Z:no such link", L"\\no such link"}) {
+        EXPECT_EQ(Make(4, relative, m_folder.Path(), true), 0u);
+        EXPECT_EQ(m_asked.words[1], Win32::FullPath(relative)) << "the shell has no current folder";
+    }
 }
 
 TEST_F(MakeLinkTest, GivesTheseErrors) {
@@ -186,7 +191,8 @@ TEST(CreateLinkCommand, LogsAndReportsWhatBecameOfTheLink) {
     EXPECT_NE(run.notes.find("[result] 183\n"), std::string::npos) << run.notes;
     EXPECT_EQ(Call(runner, L"7", target).log, "Failed to create link (Unknown) (Error : 13) " + paths);
     EXPECT_EQ(Call(runner, L"3", runner.Folder() / L"missing").log, "");
-    EXPECT_EQ(Call(runner, L"x", target).log, "");
+    run = runner.Run({L"call", L"CreateLink", L"LNKTYPE=4", L"LNKSRC=", L"LNKTRG=" + target});
+    EXPECT_TRUE(run.log.starts_with("Failed to create link (Unknown) (Error : 3) Link : \"\"")) << run.log;
     const CommandRun incomplete = runner.Run({L"call", L"CreateLink", L"LNKSRC=a", L"LNKTRG=" + target});
     EXPECT_EQ(incomplete.status, 1);
     EXPECT_EQ(incomplete.log, "");

@@ -115,6 +115,37 @@ TEST(ElevatedRequests, AreCarriedOutWhenTheyAreWholeAndNotOtherwise) {
     for (const auto& c : grants) EXPECT_EQ(answer(AnswerGrantAccessRequest, c.fields.bytes), c.result) << c.why;
 }
 
+/// Notes in which order it is used.
+class NotingChannel final : public SDK::IElevatedChannel, public SDK::IRequestWriter {
+public:
+    bool Connect() override { return Note("connect", true); }
+    SDK::IRequestWriter* CreateWriter() override { return Note("writer", this); }
+    uint32_t Send(uint32_t, const void*, uint32_t) override { return Note("send", 7u); }
+    void Close() override { Note("close", 0); }
+    void WriteNumber(uint32_t) override {}
+    void WriteString(const wchar_t*) override {}
+    const void* GetData() override { return this; }
+    uint32_t GetSize() override { return 1; }
+    void Release() override { Note("release", 0); }
+    std::string notes;
+
+private:
+    template <class Result>
+    Result Note(const char* what, Result result) {
+        notes += std::string(what) + ' ';
+        return result;
+    }
+};
+
+TEST(ElevatedRequests, CloseTheChannelHoweverTheyEnd) {
+    NotingChannel sent;
+    EXPECT_EQ(SendOver(sent, 5000, [](SDK::IRequestWriter&) {}), 7u);
+    EXPECT_EQ(sent.notes, "connect writer send close release ");
+    NotingChannel failed;
+    EXPECT_THROW(SendOver(failed, 5000, [](SDK::IRequestWriter&) { throw std::bad_alloc(); }), std::bad_alloc);
+    EXPECT_EQ(failed.notes, "connect writer close release ");
+}
+
 TEST(SecurityWork, StopsAtTheFirstFailureAndShowsIt) {
     const struct {
         uint32_t error;
@@ -161,6 +192,37 @@ TEST(TakeOwnership, LetsTheHostComputeTheOwnerAnew) {
         SDK::StoredPropertyValue value = {};
         EXPECT_EQ(item.QueryProperty(1, 1, &value), 0u) << canElevate << host.Notes();
     }
+}
+
+/// Counts how often it is to be read anew.
+class CountingPanel final : public QVHost::IPanelView {
+public:
+    explicit CountingPanel(QVHost::HostState& state) : m_state(state) { m_state.panel = this; }
+    Items SelectedItems() override { return m_state.selection; }
+    Items FocusedGroup() override { return {}; }
+    void ShowLine(std::wstring_view, QVHost::Tone) override {}
+    void MarkFile(const std::wstring&, uint32_t) override {}
+    void FileRenamed(const std::wstring&, const std::wstring&) override {}
+    void FolderChanged(const std::wstring&) override { ++count; }
+    int count = 0;
+
+private:
+    QVHost::HostState& m_state;
+};
+
+TEST(TakeOwnership, RefreshesThePanelUnlessTheElevatedProcessFailed) {
+    for (const bool elevates : {false, true})
+        for (const bool exists : {false, true}) {
+            QVHost::HostOptions options;
+            options.canElevate = elevates;
+            options.answers = {L"ok"};
+            ServicesOfHost host(QV_HOST_PROGRAM, options);
+            CountingPanel panel(host.State());
+            const QVTest::TemporaryFolder folder;
+            host.Select(exists ? folder.Write(L"a", "x") : folder / L"none");
+            EXPECT_EQ(RunTakeOwnership(host.Services(), 30300), 1u);
+            EXPECT_EQ(panel.count, elevates && !exists ? 0 : 1) << elevates << exists << host.Notes();
+        }
 }
 
 /// True when the access list lets everybody write.
