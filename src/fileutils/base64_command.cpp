@@ -112,8 +112,8 @@ void LogFailure(IHostServices& host, bool encodes, const std::wstring& path, con
 }
 
 /// The source is open before the target is touched, and nobody writes to either meanwhile: a file that is sent must be
-/// whole. What was written of a target stays when the rest fails: the bytes
-/// decoded so far may be all that is left of a damaged file.
+/// whole. What was written of a target stays when the rest fails: the bytes decoded so far may be all that is left of a
+/// damaged file.
 /// @throws QVUtilsException
 void Convert(bool encodes, const std::wstring& path, const std::wstring& target) {
     QVUtils::FileDataReader reader(path, QVUtils::FileSharing::Read);

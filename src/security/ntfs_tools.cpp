@@ -170,6 +170,7 @@ uint32_t NTFSTools::ResetInheritance(const std::wstring& path) const {
     if (!IsUsable(path)) return ERROR_INVALID_PARAMETER;
     const ScopedPrivilege security(SE_SECURITY_NAME);
     if (security.Error() != ERROR_SUCCESS) return security.Error();
+    // Unprotected: what the folder above gives comes back. Protected, a list emptied before would shut everybody out.
     return WriteAccessList(m_system, path, DACL_SECURITY_INFORMATION | UNPROTECTED_DACL_SECURITY_INFORMATION, nullptr);
 }
 
