@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/text.h"
+#include "win32/handle.h"
 
 namespace QVHost {
 namespace {

@@ -7,27 +7,30 @@ namespace {
 
 constexpr int kHintTop = 12;  // pixels at 96 to the inch
 
+/// True for a ground on which dark colours can be read.
+bool IsLight(COLORREF ground) {
+    return 2 * GetRValue(ground) + 5 * GetGValue(ground) + GetBValue(ground) > 8 * 128;  // about as the eye weighs them
+}
+
 }  // namespace
 
-PanelLook::PanelLook() : m_graphics(Win32::LoadSystemModule(L"gdi32.dll")) {
-    if (auto* capsOf = Win32::FindFunction<decltype(&GetDeviceCaps)>(m_graphics, "GetDeviceCaps")) {
-        const HDC screen = GetDC(nullptr);
-        if (const int pixels = capsOf(screen, LOGPIXELSY); pixels > 0) m_pixelsPerInch = pixels;
-        ReleaseDC(nullptr, screen);
-    }
+PanelLook::PanelLook() {
+    const HDC screen = GetDC(nullptr);
+    if (const int pixels = GetDeviceCaps(screen, LOGPIXELSY); pixels > 0) m_pixelsPerInch = pixels;
+    ReleaseDC(nullptr, screen);
     NONCLIENTMETRICSW metrics = {};
     metrics.cbSize = sizeof(metrics);
-    auto* createFont = Win32::FindFunction<decltype(&CreateFontIndirectW)>(m_graphics, "CreateFontIndirectW");
-    if (createFont && SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0))
-        m_font = createFont(&metrics.lfMessageFont);
+    if (SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0))
+        m_font = CreateFontIndirectW(&metrics.lfMessageFont);
     ReadContrast();
 }
 
 void PanelLook::ReadContrast() {
     HIGHCONTRASTW contrast = {};
     contrast.cbSize = sizeof(contrast);
-    if (SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof(contrast), &contrast, 0))
-        m_usesColours = (contrast.dwFlags & HCF_HIGHCONTRASTON) == 0;
+    const bool isHigh = SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof(contrast), &contrast, 0) &&
+                        (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
+    m_usesColours = !isHigh && IsLight(GetSysColor(COLOR_WINDOW));
 }
 
 void PanelLook::DrawHint(HWND list, HDC context, const wchar_t* text) const {
@@ -42,8 +45,7 @@ void PanelLook::DrawHint(HWND list, HDC context, const wchar_t* text) const {
 }
 
 PanelLook::~PanelLook() {
-    if (auto* deleteObject = Win32::FindFunction<decltype(&DeleteObject)>(m_graphics, "DeleteObject"))
-        if (m_font) deleteObject(m_font);
+    if (m_font) DeleteObject(m_font);
 }
 
 }  // namespace QVHost

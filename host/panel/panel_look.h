@@ -1,13 +1,10 @@
 // panel_look.h - the font of the panel's controls, and sizes in pixels at the screen's resolution.
 #pragma once
 
-#include "win32/handle.h"
-#include "win32/module.h"
+#include "win32/windows.h"
 
 namespace QVHost {
 
-/// The functions for fonts are looked up when the panel opens: the program's list of imports stays as short as a
-/// command line needs it.
 class PanelLook {
 public:
     PanelLook();
@@ -21,13 +18,13 @@ public:
     int Scaled(int pixels) const { return MulDiv(pixels, m_pixelsPerInch, 96); }
     /// What an empty list says in the place of its rows: `text`, in the middle of its upper part.
     void DrawHint(HWND list, HDC context, const wchar_t* text) const;
-    /// A person who has chosen the system's colours for contrast gets no others.
+    /// A person who has chosen the system's colours for contrast gets no others, and neither does one with a dark
+    /// ground, on which ours could not be read.
     bool UsesColours() const { return m_usesColours; }
     /// Asks the system for that choice again.
     void ReadContrast();
 
 private:
-    Win32::Module m_graphics;
     HFONT m_font = nullptr;
     int m_pixelsPerInch = 96;
     bool m_usesColours = true;
