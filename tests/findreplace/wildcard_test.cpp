@@ -140,6 +140,18 @@ TYPED_TEST(Wildcard, LongLinesNeedNoStackAndLittleTime) {
     EXPECT_EQ(find("a{99999999999999999999}"), tooLarge);
 }
 
+TYPED_TEST(Wildcard, ManyHitsInALongLineTakeTimeInProportion) {
+    using CharT = TypeParam;
+    constexpr size_t kHits = 4'000'000;
+    std::basic_string<CharT> line;
+    for (size_t i = 0; i < kHits; ++i) line += {CharT('a'), CharT('b'), CharT('c')};
+    const auto matcher = MakeWildcardMatcher<CharT>({CharT('a'), CharT('?'), CharT('c')}, false);
+    std::basic_string_view<CharT> ahead = line;
+    size_t hits = 0;
+    for (Span span; matcher->Find(ahead, span); ++hits) ahead.remove_prefix(span.start + span.length);
+    EXPECT_EQ(hits, kHits);
+}
+
 TEST(WildcardError, NamesTheFaultAndThePattern) {
     try {
         MakeWildcardMatcher<char>("if (x) {", false);
