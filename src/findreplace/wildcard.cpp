@@ -343,7 +343,15 @@ private:
         }
     }
 
+    /// Piece by piece: a break that comes soon must not cost a look at all of a long line.
     static bool IsAnyThroughout(View text) {
+        constexpr size_t kPieceUnits = 1024;
+        for (; !text.empty(); text.remove_prefix(std::min(kPieceUnits, text.size())))
+            if (!IsAnyInPiece(text.substr(0, kPieceUnits))) return false;
+        return true;
+    }
+
+    static bool IsAnyInPiece(View text) {
         const CharT* const end = text.data() + text.size();
         if (FindLineBreak(text.data(), end) != end) return false;
         if constexpr (sizeof(CharT) > 1) {
