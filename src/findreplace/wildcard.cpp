@@ -312,9 +312,16 @@ public:
             if (segment.Run().size() > (m_sign ? m_sign->Run().size() : 0)) m_sign = &segment;
     }
 
+    /// The segments take line breaks for characters like all others, so they find no fewer hits than there are, and
+    /// none later. Only the hit itself is looked at for them: a look at the whole rest of the line, once a hit, would
+    /// make time grow with the square of a long line.
     bool Find(View text, Span& found) override {
-        if (m_segments.empty() || !IsAnyThroughout(text)) return m_simulation.Find(text, found);
-        return FindBySegments(text, found);
+        if (m_segments.empty()) return m_simulation.Find(text, found);
+        Span hit;
+        if (!FindBySegments(text, hit)) return false;
+        if (!IsAnyThroughout(text.substr(hit.start, hit.length))) return m_simulation.Find(text, found);
+        found = hit;
+        return true;
     }
 
     const CharT* FindCandidate(View lines) const override {
@@ -336,7 +343,15 @@ private:
         }
     }
 
+    /// Piece by piece: a break that comes soon must not cost a look at all of a long line.
     static bool IsAnyThroughout(View text) {
+        constexpr size_t kPieceUnits = 1024;
+        for (; !text.empty(); text.remove_prefix(std::min(kPieceUnits, text.size())))
+            if (!IsAnyInPiece(text.substr(0, kPieceUnits))) return false;
+        return true;
+    }
+
+    static bool IsAnyInPiece(View text) {
         const CharT* const end = text.data() + text.size();
         if (FindLineBreak(text.data(), end) != end) return false;
         if constexpr (sizeof(CharT) > 1) {

@@ -31,9 +31,12 @@ std::optional<CharT> SeparatorIn(wchar_t separator) {
     }
 }
 
-/// The date format in the file's own characters.
+/// The date format in the file's own characters. One that no key is read by may be of any kind: a request keeps it from
+/// an earlier sort.
 template <class CharT>
-std::basic_string<CharT> DateFormatIn(const std::wstring& format) {
+std::basic_string<CharT> DateFormatIn(const SortRequest& request) {
+    const std::wstring& format = request.dateFormat;
+    if (!request.Has(SortOption::AsDate)) return {};
     if constexpr (sizeof(CharT) == 2) {
         return format;
     } else {
@@ -77,7 +80,7 @@ void ExtractKeys(SortableLinesData<CharT>& data, const KeyRule<CharT>& rule) {
 template <class CharT>
 SortableLinesData<CharT> LoadSorted(QVUtils::TextFile& file, const SortRequest& request) {
     const KeyRule<CharT> rule = KeyRuleOf<CharT>(request);
-    const std::basic_string<CharT> dateFormat = DateFormatIn<CharT>(request.dateFormat);
+    const std::basic_string<CharT> dateFormat = DateFormatIn<CharT>(request);
     SortableLinesData<CharT> data(file.GetReader(), file.GetSize());
     file.Close();
     ExtractKeys(data, rule);

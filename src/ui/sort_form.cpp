@@ -63,6 +63,7 @@ private:
             if (!itemSeparator) Fail(L"Item Separator is one character; \\t stands for a tab.");
             ReadNumber(m_form.itemNumber, L"Item", request.itemNumber);
             if (request.itemNumber == 0) Fail(L"Item is a number of 1 or more.");
+            ReadNumberLimit(request);
         } else if (request.Has(Option::Substring)) {
             request.separator = (endCharacter ? endCharacter : itemSeparator).value_or(0);
             if (endCharacter) request.options |= Option::EndAtCharacter;
@@ -70,9 +71,20 @@ private:
                 Fail(L"End character is one character or none; \\t stands for a tab.");
             ReadNumber(m_form.substringLength, L"Substring lenght", request.substringLength);
         } else if (!request.Has(Option::AsText)) {
+            ReadNumberLimit(request);
             // By design: the keys of all lines are equal then.
             m_reading.hint = L"Entire lines have no number and no date to sort by: choose a substring or an item.";
         }
+    }
+
+    /// The substring's length also ends the number keys of other kinds, whose field is disabled. What it shows is what
+    /// counts, so that a length from an earlier sort can be seen, and be changed by way of the substring's button.
+    void ReadNumberLimit(SortRequest& request) {
+        if (!request.Has(Option::AsNumber)) return;
+        request.substringLength = NumberFromText(m_form.substringLength).value_or(request.substringLength);
+        if (request.substringLength > 0)
+            m_reading.hint = L"Numbers are read from " + std::to_wstring(request.substringLength) +
+                             L" characters at most: Substring lenght counts for them too.";
     }
 
     void ReadDateFormat(SortRequest& request) {

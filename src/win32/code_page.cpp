@@ -13,12 +13,18 @@ int CheckedLength(size_t length) {
     return static_cast<int>(length);
 }
 
+/// The thread's code page is UTF-8 too where a language has no other one, or where the user chose it for everything.
+bool IsUtf8(uint32_t codePage) {
+    CPINFOEXW info = {};
+    return codePage == kUtf8CodePage || (GetCPInfoExW(codePage, 0, &info) && info.CodePage == kUtf8CodePage);
+}
+
 }  // namespace
 
 std::optional<std::string> ToCodePage(std::wstring_view text, uint32_t codePage) {
     if (text.empty()) return std::string();
     const int length = CheckedLength(text.size());
-    const bool utf8 = codePage == kUtf8CodePage;
+    const bool utf8 = IsUtf8(codePage);
     // For UTF-8 the system takes neither the best-fit flag nor the "used default" pointer; there the only thing that
     // cannot be represented is half a surrogate pair.
     const DWORD flags = utf8 ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS;

@@ -140,6 +140,21 @@ TYPED_TEST(Wildcard, LongLinesNeedNoStackAndLittleTime) {
     EXPECT_EQ(find("a{99999999999999999999}"), tooLarge);
 }
 
+TYPED_TEST(Wildcard, ManyHitsInALongLineTakeTimeInProportion) {
+    using CharT = TypeParam;
+    constexpr size_t kHits = 4'000'000;
+    constexpr auto kNotAny = static_cast<CharT>(sizeof(CharT) > 1 ? 0x2028 : '\n');
+    std::basic_string<CharT> line;
+    for (size_t i = 0; i < kHits; ++i) line += {CharT('a'), CharT('b'), CharT('c'), kNotAny};
+    for (const char wildcard : {'?', '*'}) {
+        const auto matcher = MakeWildcardMatcher<CharT>({CharT('a'), static_cast<CharT>(wildcard), CharT('c')}, false);
+        std::basic_string_view<CharT> ahead = line;
+        size_t hits = 0;
+        for (Span span; matcher->Find(ahead, span); ++hits) ahead.remove_prefix(span.start + span.length);
+        EXPECT_EQ(hits, kHits) << wildcard;
+    }
+}
+
 TEST(WildcardError, NamesTheFaultAndThePattern) {
     try {
         MakeWildcardMatcher<char>("if (x) {", false);

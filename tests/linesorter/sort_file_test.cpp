@@ -121,6 +121,10 @@ TEST(SortFile, LeavesWhatItCannotSortAsItIs) {
         EXPECT_EQ(folder.List(), Names{L"a.txt"}) << c.why;
     }
     const TemporaryFolder folder;
+    foreign.options = RequestWith(Option::DeleteBackup).options;  // as text: the format is of no use
+    const std::wstring path = folder.Write(L"a.txt", "b\na\n");
+    EXPECT_EQ(SortFile(path, path, foreign).errorCode, 0u);
+    EXPECT_TRUE(DeleteFileW(path.c_str()));
     EXPECT_EQ(SortFile(folder / L"none.txt", folder / L"none.txt", RequestWith(Option::KeepBackup)).errorCode, 2u);
     EXPECT_EQ(folder.List(), Names{});
 }

@@ -103,6 +103,22 @@ TEST(SortForm, WarnsOfEntireLinesWithoutAText) {
     EXPECT_EQ(Ui::RequestOf(FormWith(kPlain), {}).hint, L"");
 }
 
+TEST(SortForm, TheLengthThatIsShownEndsTheNumbersOfItems) {
+    SortRequest before;
+    before.options = Option::Item | Option::AsNumber | Option::KeepBackup;
+    before.separator = L';';
+    before.itemNumber = 1;
+    before.substringLength = 64;
+    SortForm form = Ui::FormOf(before);
+    EXPECT_NE(Ui::RequestOf(form, before).fault, L"");
+    form.substringLength = L"3";
+    EXPECT_EQ(Ui::RequestOf(form, before).fault, L"");
+    EXPECT_EQ(Ui::RequestOf(form, before).request.substringLength, 3u);
+    EXPECT_NE(Ui::RequestOf(form, before).hint, L"");
+    form.substringLength = L"0";
+    EXPECT_EQ(Ui::RequestOf(form, before).hint, L"");
+}
+
 TEST(SortForm, KeepsWhatTheChoicesDoNotUse) {
     SortRequest before;
     before.options = Option::Item | Option::AsDate | Option::KeepBackup;

@@ -1,0 +1,28 @@
+#include "win32/code_page.h"
+
+#include <gtest/gtest.h>
+
+#include "win32/windows.h"
+
+namespace {
+
+/// Gives this thread another language for a while.
+class ThreadLanguage {
+public:
+    explicit ThreadLanguage(LCID language) { SetThreadLocale(language); }
+    ~ThreadLanguage() { SetThreadLocale(m_before); }
+    ThreadLanguage(const ThreadLanguage&) = delete;
+    ThreadLanguage& operator=(const ThreadLanguage&) = delete;
+
+private:
+    const LCID m_before = GetThreadLocale();
+};
+
+// The system refuses for UTF-8 what it wants for other code pages, under whatever number the code page is asked for.
+TEST(CodePage, TheThreadsMayBeUtf8) {
+    const ThreadLanguage hindi(0x0439);
+    EXPECT_EQ(Win32::ToCodePage(L"\x0915\x00E9", Win32::kThreadCodePage), "\xE0\xA4\x95\xC3\xA9");
+    EXPECT_EQ(Win32::ToCodePage(L"\xD800", Win32::kThreadCodePage), std::nullopt);
+}
+
+}  // namespace
