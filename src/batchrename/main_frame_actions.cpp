@@ -258,6 +258,7 @@ void BatchRenameMainFrame::BeginRun() {
 
 void BatchRenameMainFrame::OnRunEnd() {
     const std::shared_ptr<const RunResult> result = m_run->Take();
+    if (result && !result->outcomes.empty()) m_around.onRenamed(FoldersOf(result->rows));
     if (m_closesAfterRun) return OnClose();
     if (!result) return RefreshState();
     m_preview->Cancel(++m_generation);
@@ -266,7 +267,6 @@ void BatchRenameMainFrame::OnRunEnd() {
     if (result->outcomes.empty()) {
         m_rows.ForgetPreview();
     } else {
-        m_around.onRenamed(FoldersOf(result->rows));
         Replace([&] {
             m_rows.SetOutcomes(std::make_shared<const RenameItems>(RowsAfterRun(result->rows, result->outcomes)),
                                result, m_session != nullptr);
