@@ -27,19 +27,25 @@ RowSnapshot RowMailbox::Take() {
 
 void HostCallback::Acquire(IHostServices& services) {
     const std::lock_guard lock(m_lock);
-    if (!m_service)
-        m_service = std::make_unique<AcquiredService<IFolderRefresh>>(services, ServiceNumber::FolderRefresh);
+    if (!m_service) m_service = std::make_shared<Service>(services, ServiceNumber::FolderRefresh);
+}
+
+std::shared_ptr<HostCallback::Service> HostCallback::Get() {
+    const std::lock_guard lock(m_lock);
+    return m_service;
 }
 
 void HostCallback::Release() {
+    std::shared_ptr<Service> service;
     const std::lock_guard lock(m_lock);
-    m_service.reset();
+    service.swap(m_service);
 }
 
 void HostCallback::RefreshFolders(const std::vector<std::wstring>& folders) {
-    const std::lock_guard lock(m_lock);
-    if (!m_service || !*m_service) return;
-    for (const std::wstring& folder : folders) (*m_service)->RefreshFolder(folder.c_str());
+    // Not under the lock: the host may need its own thread for a refresh, and that thread may be the one in Release.
+    for (const std::wstring& folder : folders)
+        if (const std::shared_ptr<Service> service = Get(); service && *service)
+            (*service)->RefreshFolder(folder.c_str());
 }
 
 RuleContext& ExtensionState::Context() {

@@ -29,16 +29,20 @@ private:
 };
 
 /// The host's service that is told which folders have changed. The host's thread gives it back first of all when it
-/// shuts down; the GUI thread uses it only while it is there.
+/// shuts down; the GUI thread uses it only while it is there, and gives it back itself when it is in it at that moment.
 class HostCallback {
 public:
     void Acquire(Quorvane::SDK::IHostServices& services);
+    /// Never waits for a refresh that is under way.
     void Release();
     void RefreshFolders(const std::vector<std::wstring>& folders);
 
 private:
+    using Service = Quorvane::SDK::AcquiredService<Quorvane::SDK::IFolderRefresh>;
+    std::shared_ptr<Service> Get();
+
     std::mutex m_lock;
-    std::unique_ptr<Quorvane::SDK::AcquiredService<Quorvane::SDK::IFolderRefresh>> m_service;
+    std::shared_ptr<Service> m_service;
 };
 
 struct ExtensionState {

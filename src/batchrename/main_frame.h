@@ -95,6 +95,8 @@ private:
     void InvalidatePreview();
     void RequestPreview(int delay, bool readsFolders = false);
     void OnPreview();
+    /// What is wrong with the rule keeps no session from being restored: that does without the rule.
+    bool HasRuleError() const;
     void ShowCounts();
     void RefreshState();
     void OnHeader(RowKey key);

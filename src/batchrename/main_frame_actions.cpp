@@ -114,8 +114,12 @@ void BatchRenameMainFrame::OnPreview() {
     if (m_isUpToDate && std::exchange(m_startsWhenReady, false)) Start();
 }
 
+bool BatchRenameMainFrame::HasRuleError() const {
+    return !m_session && !m_ruleError.empty();
+}
+
 void BatchRenameMainFrame::ShowCounts() {
-    if (!m_ruleError.empty()) return SetStatus(m_ruleError);
+    if (HasRuleError()) return SetStatus(m_ruleError);
     if (m_rows.Rows()->empty()) return SetStatus(m_mustLoad ? L"Looking for the files of the session..." : L"No files");
     if (m_isUpToDate) return SetStatus(TextOfCounts(m_rows.Counts(), m_session != nullptr));
     SetStatus(m_panel->IsLive() ? L"Computing the new names..." : L"The new names are not up to date.");
@@ -126,7 +130,7 @@ void BatchRenameMainFrame::RefreshState() {
     state.isRunning = m_run->IsRunning();
     state.isRestoring = m_session != nullptr;
     const bool hasWork = m_isUpToDate ? m_rows.Counts().changes > 0 : !m_rows.Rows()->empty();
-    state.canStart = hasWork && !m_isDone && m_ruleError.empty();
+    state.canStart = hasWork && !m_isDone && !HasRuleError();
     m_panel->SetState(state);
 }
 
@@ -215,7 +219,7 @@ void BatchRenameMainFrame::Start() {
     }
     const bool isAsking =
         m_modalDepth > 0;  // a second click that was on its way before the question disabled the button
-    if (isAsking || m_isDone || !m_ruleError.empty() || m_rows.Rows()->empty()) return;
+    if (isAsking || m_isDone || HasRuleError() || m_rows.Rows()->empty()) return;
     if (!m_isUpToDate) {
         m_startsWhenReady = true;
         if (m_panel->IsLive()) return;  // it is on its way
@@ -258,6 +262,7 @@ void BatchRenameMainFrame::BeginRun() {
 
 void BatchRenameMainFrame::OnRunEnd() {
     const std::shared_ptr<const RunResult> result = m_run->Take();
+    if (result && !result->outcomes.empty()) m_around.onRenamed(FoldersOf(result->rows));
     if (m_closesAfterRun) return OnClose();
     if (!result) return RefreshState();
     m_preview->Cancel(++m_generation);
@@ -266,7 +271,6 @@ void BatchRenameMainFrame::OnRunEnd() {
     if (result->outcomes.empty()) {
         m_rows.ForgetPreview();
     } else {
-        m_around.onRenamed(FoldersOf(result->rows));
         Replace([&] {
             m_rows.SetOutcomes(std::make_shared<const RenameItems>(RowsAfterRun(result->rows, result->outcomes)),
                                result, m_session != nullptr);

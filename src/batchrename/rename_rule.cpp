@@ -64,7 +64,9 @@ bool RenameRule::Compute(BatchRenameItem& row) {
             if (m_fault == RuleFault::None) m_fault = fault;
         };
         if (m_options & (RenameOption::ScopeBoth | RenameOption::ScopeName)) apply(m_newBase);
-        if (m_options & (RenameOption::ScopeBoth | RenameOption::ScopeExtension)) apply(m_newExtension);
+        // A folder never gets an extension, not even from an expression that finds the empty text.
+        const bool hasExtension = !row.isFolder;
+        if (hasExtension && m_options & (RenameOption::ScopeBoth | RenameOption::ScopeExtension)) apply(m_newExtension);
     }
     if (!m_newExtension.empty()) {
         m_newBase += L'.';

@@ -162,11 +162,11 @@ private:
     }
 
     /// The recorded folder. A location that ends in the item's own name may be its full path: it is when nothing is in
-    /// a folder of that name.
+    /// a folder of that name, whatever that is called now.
     std::wstring FolderOf(const UndoEntry& entry) {
         std::wstring folder = WithoutSeparator(entry.location);
         if (Win32::FileNameOf(folder) != entry.oldName || Win32::FolderOf(folder).size() < 3) return folder;
-        const bool isFolder = m_listings.HasAny(folder) || m_session.isUnfinished;
+        const bool isFolder = m_listings.HasAny(FolderNow(folder)) || m_session.isUnfinished;
         return isFolder ? folder : WithoutSeparator(Win32::FolderOf(folder));
     }
 

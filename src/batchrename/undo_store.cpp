@@ -100,6 +100,8 @@ std::wstring UndoStore::PathOf(BatchRenameUndo& session) {
 
 /// Beside the file and moved to its name when all is on disk: a session is there whole or not at all.
 uint32_t UndoStore::WriteFileOf(BatchRenameUndo& session, bool mayReplace) {
+    // A host without a configuration folder: what has no folder would land in whichever is the current one.
+    if (m_folder.empty()) return m_lastError = ERROR_PATH_NOT_FOUND;
     MakeFolder(m_folder);
     const std::wstring path = PathOf(session);
     const std::wstring beside = path + L".new";

@@ -64,6 +64,8 @@ TEST(RenameRule, ComputesNamesFromTemplates) {
     };
     for (const auto& c : cases) EXPECT_EQ(Renamed(c.rule, c.name), c.newName) << c.why;
     EXPECT_EQ(Renamed(Rule(L"[N]!", L"bak"), L"a.folder", true), L"a.folder!");
+    const uint32_t expression = RenameOption::ScopeBoth | RenameOption::RegularExpression;
+    EXPECT_EQ(Renamed(Rule(L"[N]", L"[E]", expression, {{L"^", L"x-"}}), L"a.folder", true), L"x-a.folder");
     EXPECT_EQ(Renamed(Rule(L"[F]"), L"a", false, L"C:\\"), L"C");
     EXPECT_EQ(Renamed(Rule(L"[F]"), L"a", false, LR"(\\server\share\)"), L"share");
 }

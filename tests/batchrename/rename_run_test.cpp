@@ -38,6 +38,7 @@ const World kWorlds[] = {
     {"a folder and its content",
      {{LR"(C:\d)", L"s"}, {LR"(C:\d\s)", L"x"}, {LR"(C:\d\s)", L"y"}, {LR"(C:\d\s)", L"t"}, {LR"(C:\d\s\t)", L"p"}},
      {L"S2", L"y", L"x", L"T2", L"q"}},
+    {"a folder and its namesake in it", {{LR"(C:\d)", L"s"}, {LR"(C:\d\s)", L"s"}}, {L"t", L"u"}},
     {"two folders that change places",
      {{LR"(C:\d)", L"s"}, {LR"(C:\d)", L"t"}, {LR"(C:\d\s)", L"x"}, {LR"(C:\d\t)", L"x"}},
      {L"t", L"s", L"x1", L"x2"}},

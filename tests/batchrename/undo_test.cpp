@@ -110,6 +110,13 @@ TEST(UndoStore, ListsTheNewestFirstAndDeletesWhatItCan) {
     EXPECT_EQ(folder.List(), (std::vector<std::wstring>{L"a.dat", L"damaged.dat", L"other.txt"}));
 }
 
+TEST(UndoStore, WritesNothingWhereThereIsNoFolder) {
+    UndoStore store;
+    EXPECT_FALSE(store.Begin(std::make_shared<BatchRenameUndo>(Sample())));
+    EXPECT_EQ(store.LastError(), ERROR_PATH_NOT_FOUND);
+    EXPECT_EQ(GetFileAttributesW(L"BatchRenameUndoData-2016-03-07-142905.dat"), INVALID_FILE_ATTRIBUTES);
+}
+
 TEST(UndoStore, NeverPutsTwoSessionsIntoOneFile) {
     const TemporaryFolder folder;
     UndoStore store;

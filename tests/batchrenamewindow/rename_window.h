@@ -30,6 +30,7 @@ public:
     void EndHost();
 
     const TemporaryFolder& Files() const { return m_files; }
+    QVHost::HostState& Host() { return m_session->State(); }
     Words NamesOnDisk() const;
 
     HWND Frame() const;

@@ -1,7 +1,10 @@
 // The extension's life: the window is open, or in whatever it may be in, when the host shuts down and unloads.
+#include <atomic>
+
 #include <gtest/gtest.h>
 
 #include "batchrename/resource.h"
+#include "batchrenamewindow/fake_panel.h"
 #include "batchrenamewindow/rename_window.h"
 
 namespace {
@@ -48,6 +51,21 @@ TEST(RenameWindow, EndsWithItsHostWhateverItIsAt) {
         EXPECT_FALSE(window.Frame()) << c.moment;
         EXPECT_EQ(GetModuleHandleW(L"QVUtils.dll"), nullptr) << c.moment << ": nothing holds the library";
     }
+}
+
+TEST(RenameWindow, TellsTheHostOfARunThatClosingEnds) {
+    RenameWindow window({L"a", L"b"});
+    std::atomic<int> changedCount = 0;
+    FakePanel panel([&] { return window.Host().selection; }, [&](const std::wstring&) { ++changedCount; });
+    window.Host().panel = &panel;
+    window.Open({L"a", L"b"});
+    window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
+    ASSERT_TRUE(window.WaitForStatus(L"2 items, 2 will be renamed"));
+    window.Panel().PressLater(IDC_START);
+    PostMessageW(window.Frame(), WM_CLOSE, 0, 0);  // there before the run can say that it has ended
+    ASSERT_TRUE(window.WaitFor([&] { return !window.Frame(); }));
+    EXPECT_EQ(changedCount, 1);
+    window.EndHost();
 }
 
 TEST(RenameWindow, EndsWhileItOpensAndWhenItWasClosed) {

@@ -1,6 +1,9 @@
 // The parts of the window that need none.
+#include <thread>
+
 #include <gtest/gtest.h>
 
+#include "batchrename/extension_state.h"
 #include "batchrename/name_diff.h"
 #include "batchrename/name_sample.h"
 #include "batchrename/rename_options.h"
@@ -9,6 +12,8 @@
 #include "batchrename/rows_after_run.h"
 #include "batchrename/tags.h"
 #include "batchrename/window_position.h"
+#include "batchrenamewindow/fake_panel.h"
+#include "support/services_of_host.h"
 
 namespace {
 
@@ -116,6 +121,27 @@ TEST(ItemTrial, SaysWhatAPairDoesToTheNames) {
     EXPECT_EQ(TextOfTrial(TryItem({L"a(\\d)", L"$1"}, regex, rows, never), 3), L"2 of 3 names match\na1.txt\n1.txt");
     EXPECT_FALSE(TryItem({L"(", L""}, regex, rows, never).error.empty());
     EXPECT_EQ(TryItem({L"a", L"b"}, 0, rows, [] { return true; }).tried, 0u);
+}
+
+/// The host's own thread may be what a refresh waits for, and it is the one that releases.
+TEST(HostCallback, IsReleasedWhileTheHostRefreshes) {
+    QVTest::ServicesOfHost host(QV_HOST_PROGRAM);
+    const Win32::KernelHandle isIn(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const Win32::KernelHandle isReleased(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    DWORD waited = WAIT_FAILED;
+    QVTest::FakePanel panel({}, [&](const std::wstring&) {
+        SetEvent(isIn.Get());
+        waited = WaitForSingleObject(isReleased.Get(), 10000);
+    });
+    host.State().panel = &panel;
+    HostCallback callback;
+    callback.Acquire(host.Services());
+    std::thread refreshing([&] { callback.RefreshFolders({L"C:\\d"}); });
+    EXPECT_EQ(WaitForSingleObject(isIn.Get(), 10000), WAIT_OBJECT_0);
+    callback.Release();
+    SetEvent(isReleased.Get());
+    refreshing.join();
+    EXPECT_EQ(waited, WAIT_OBJECT_0);
 }
 
 TEST(RowsAfterARun, FollowAFolderThatWasRenamedAboveThem) {

@@ -118,6 +118,13 @@ TEST(RenameWindow, SwapsTurnsRingsAndRefreshes) {
     ASSERT_TRUE(window.WaitFor([&] { return window.Status().starts_with(L"Expression 5 is not valid:"); }));
     EXPECT_FALSE(window.Panel().IsEnabled(IDC_START));
     EXPECT_FALSE(window.Cell(0, kNewName).empty());
+
+    // A restore does without the rule.
+    window.Panel().PressLater(IDC_UNDO);
+    window.Dialog(L"Undo BatchRename").PressAndClose(IDOK);
+    ASSERT_TRUE(window.WaitForStatus(L"3 items, 3 will be restored"));
+    window.Panel().Press(IDC_START);
+    EXPECT_TRUE(window.WaitForStatus(L"3 Restored"));
 }
 
 TEST(RenameWindow, AnswersWhileAHundredThousandRowsArePreviewed) {
