@@ -312,15 +312,14 @@ void BatchRenameMainFrame::OpenProfiles() {
     }
     if (!choice || m_around.isClosing) return;
     if (choice->action == ProfileAction::SaveAs) return SaveProfile();
-    const RenameProfile* const profile = m_around.profiles.Find(choice->name);
-    if (!profile) return;
     if (choice->action == ProfileAction::Load) {
-        m_panel->SetRule(RuleOf(*profile));
+        m_panel->SetRule(RuleOf(choice->profile));
         return OnRuleChanged();
     }
-    const std::wstring question = L"Delete the profile \"" + choice->name + L"\"?";
+    const std::wstring& name = choice->profile.name;
+    const std::wstring question = L"Delete the profile \"" + name + L"\"?";
     if (AskBox(question, MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) != IDYES) return;
-    m_around.profiles.Delete(choice->name);
+    m_around.profiles.Delete(name);
     ReportProfiles();
 }
 

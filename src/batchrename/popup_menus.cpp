@@ -90,8 +90,8 @@ std::optional<ProfileChoice> PickProfile(HWND owner, HWND button, const std::vec
     if (chosen < 0) return std::nullopt;
     if (chosen == saveAs) return ProfileChoice{ProfileAction::SaveAs, {}};
     if (chosen >= firstDelete && chosen - firstDelete < count)
-        return ProfileChoice{ProfileAction::Delete, profiles[static_cast<size_t>(chosen - firstDelete)].name};
-    if (chosen < count) return ProfileChoice{ProfileAction::Load, profiles[static_cast<size_t>(chosen)].name};
+        return ProfileChoice{ProfileAction::Delete, profiles[static_cast<size_t>(chosen - firstDelete)]};
+    if (chosen < count) return ProfileChoice{ProfileAction::Load, profiles[static_cast<size_t>(chosen)]};
     return std::nullopt;
 }
 

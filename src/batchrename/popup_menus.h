@@ -42,7 +42,7 @@ std::optional<std::wstring> PickTag(HWND owner, HWND button, const Ui::HostTexts
 enum class ProfileAction { Load, SaveAs, Delete };
 struct ProfileChoice {
     ProfileAction action = ProfileAction::Load;
-    std::wstring name;
+    RenameProfile profile;  // the one chosen, since others may have its name
 };
 /// The names in file order, then "Save as" and "Delete".
 std::optional<ProfileChoice> PickProfile(HWND owner, HWND button, const std::vector<RenameProfile>& profiles,

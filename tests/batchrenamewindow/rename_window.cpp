@@ -8,13 +8,15 @@
 #include "host/command_line.h"
 #include "host/message_pump.h"
 #include "host/run.h"
+#include "support/own_window.h"
 #include "win32/folder.h"
 
 #include <commctrl.h>
 
 namespace QVTest {
 
-RenameWindow::RenameWindow(const Words& names) {
+RenameWindow::RenameWindow(const Words& names, const std::string& profiles) {
+    if (!profiles.empty()) m_settings.Write(L"BatchRenameProfiles.xml", profiles);
     m_environment = std::make_unique<QVHost::HostEnvironment>(QVHost::HostEnvironment{.out = m_out,
                                                                                       .error = m_error,
                                                                                       .in = m_in,
@@ -59,7 +61,7 @@ Words RenameWindow::NamesOnDisk() const {
 }
 
 HWND RenameWindow::Frame() const {
-    return FindWindowW(BatchRename::kFrameClass, nullptr);
+    return FindOwnWindow(BatchRename::kFrameClass);
 }
 
 DrivenDialog RenameWindow::Panel() const {

@@ -18,7 +18,8 @@ using Words = std::vector<std::wstring>;
 
 class RenameWindow {
 public:
-    explicit RenameWindow(const Words& names);
+    /// `profiles`: what the file of profiles holds; "": there is none.
+    explicit RenameWindow(const Words& names, const std::string& profiles = {});
     /// Shuts the library down and unloads it, whatever the window is at.
     ~RenameWindow() { EndHost(); }
 

@@ -8,6 +8,7 @@
 #include "batchrenamewindow/rename_window.h"
 #include "reliability/failing_memory.h"
 #include "reliability/replaced_imports.h"
+#include "support/own_window.h"
 
 namespace {
 
@@ -61,14 +62,6 @@ TEST(RenameWindowWithoutThreads, SaysSoAndOpensLater) {
     EXPECT_EQ(Library(), nullptr) << "nothing holds the library";
 }
 
-/// A window of this window's thread, which is not the only one on the screen.
-HWND OwnWindow(const RenameWindow& window, const wchar_t* windowClass, const wchar_t* title) {
-    HWND found = nullptr;
-    while ((found = FindWindowExW(nullptr, found, windowClass, title)) != nullptr)
-        if (GetWindowThreadProcessId(found, nullptr) == window.Thread()) break;
-    return found;
-}
-
 /// Steps of growing size: the first allocations are the window's own, the many later ones the rules'.
 size_t Next(size_t number) {
     return FailingMemory::IsEvery() ? number + 1 : number + 1 + number / 3;
@@ -78,8 +71,8 @@ TEST(RenameWindowWithoutMemory, StaysAndWorksAgain) {
     RenameWindow window(kNames);
     window.Open(kNames);
     FailingMemory memory(Library());
-    const auto openMenu = [&] { return OwnWindow(window, L"#32768", nullptr); };
-    const auto openDialog = [&] { return OwnWindow(window, L"#32770", L"Undo BatchRename"); };
+    const auto openMenu = [&] { return FindOwnWindow(L"#32768"); };
+    const auto openDialog = [&] { return FindOwnWindow(L"#32770", L"Undo BatchRename"); };
     // Whatever was opened goes, also what opens late.
     const auto isAllClosed = [&] {
         const HWND menu = openMenu();

@@ -127,6 +127,17 @@ TEST(RenameWindow, SwapsTurnsRingsAndRefreshes) {
     EXPECT_TRUE(window.WaitForStatus(L"3 Restored"));
 }
 
+TEST(RenameWindow, LoadsTheProfileChosenAmongNamesakes) {
+    RenameWindow window({L"a"},
+                        "<BatchRename><profile name=\"twin\"><filename>first</filename></profile>"
+                        "<profile name=\"twin\"><filename>second</filename></profile></BatchRename>");
+    window.Open({L"a"});
+    window.Panel().PressLater(IDC_PROFILES);
+    const HWND menu = DialogDriver(window.Thread()).WaitForMenu();
+    for (const WPARAM key : {VK_DOWN, VK_DOWN, VK_RETURN}) PostMessageW(menu, WM_KEYDOWN, key, 1);
+    EXPECT_TRUE(window.WaitFor([&] { return window.Panel().Text(IDC_NAME_TEMPLATE) == L"second"; }));
+}
+
 TEST(RenameWindow, AnswersWhileAHundredThousandRowsArePreviewed) {
     RenameWindow window({L"one.txt"});
     window.Open({L"one.txt"});

@@ -7,6 +7,7 @@
 #include "host/panel/panel_menu.h"
 #include "host_runner.h"
 #include "support/dialog_driver.h"
+#include "support/own_window.h"
 
 #include <commctrl.h>
 #include <shlobj.h>
@@ -70,10 +71,8 @@ class SeenPanel {
 public:
     SeenPanel() {
         const bool isThere = WaitUntil([&] {
-            m_frame = FindWindowW(L"QVHostPanel", nullptr);
-            DWORD process = 0;
-            GetWindowThreadProcessId(m_frame, &process);
-            return process == GetCurrentProcessId() && IsWindowVisible(m_frame);
+            m_frame = QVTest::FindOwnWindow(L"QVHostPanel");
+            return IsWindowVisible(m_frame) != FALSE;
         });
         EXPECT_TRUE(isThere);
         for (HWND at = nullptr; (at = FindWindowExW(m_frame, at, WC_LISTVIEWW, nullptr)) != nullptr;)
