@@ -1,37 +1,70 @@
 #include "host/folder_listings.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "win32/path.h"
 #include "win32/windows.h"
 
 namespace QVHost {
+namespace {
 
-const FolderListings::Listing& FolderListings::Of(const std::wstring& folder) {
-    if (m_last != m_listings.end() && m_last->first == folder) return m_last->second;
-    const auto [place, isNew] = m_listings.try_emplace(folder);
-    m_last = place;
-    Listing& listing = place->second;
-    if (isNew) {
+FolderListings::Listing ListOne(const std::wstring& folder) noexcept {
+    FolderListings::Listing listing;
+    try {
         listing.error = Win32::ListFolder(folder, L"*", listing.entries);
-        std::ranges::sort(listing.entries, {}, &Win32::FolderEntry::name);
+    } catch (const std::bad_alloc&) {
+        listing.error = ERROR_NOT_ENOUGH_MEMORY;
     }
     return listing;
 }
 
-FolderListings::Listing FolderListings::Take(const std::wstring& folder) {
-    Of(folder);
-    m_last = m_listings.end();
-    return std::move(m_listings.extract(folder).mapped());
+}  // namespace
+
+FolderListings::FolderListings(std::vector<std::wstring> folders)
+    : m_folders(std::move(folders)),
+      m_listings(m_folders.size()),
+      m_isSorted(m_folders.size()),
+      m_thread([this] { ListAll(); }) {}
+
+FolderListings::~FolderListings() {
+    m_isEnding = true;
+    m_thread.join();
 }
 
-uint32_t FolderListings::AttributesOf(const std::wstring& folder, const std::wstring& name) {
-    const auto& entries = Of(folder).entries;
+void FolderListings::ListAll() noexcept {
+    for (size_t folder = 0; folder < m_folders.size() && !m_isEnding; ++folder) {
+        m_listings[folder] = ListOne(m_folders[folder]);
+        {
+            const std::lock_guard lock(m_mutex);
+            m_listed = folder + 1;
+        }
+        m_isFurther.notify_one();
+    }
+}
+
+void FolderListings::WaitFor(size_t folder) {
+    if (folder < m_listed) return;
+    std::unique_lock lock(m_mutex);
+    m_isFurther.wait(lock, [&] { return folder < m_listed; });
+}
+
+FolderListings::Listing FolderListings::Take(size_t folder) {
+    WaitFor(folder);
+    return std::move(m_listings[folder]);
+}
+
+uint32_t FolderListings::AttributesOf(size_t folder, const std::wstring& name) {
+    WaitFor(folder);
+    auto& entries = m_listings[folder].entries;
+    // Here and not by the thread that lists, for which everybody waits.
+    if (!m_isSorted[folder]) std::ranges::sort(entries, {}, &Win32::FolderEntry::name);
+    m_isSorted[folder] = true;
     const auto entry = std::ranges::lower_bound(entries, name, {}, &Win32::FolderEntry::name);
     if (entry != entries.end() && entry->name == name) return entry->attributes;
     // Spelled in another case, given by its short name, or not there.
-    return GetFileAttributesW(Win32::ExtendedPath(Win32::JoinPath(folder, name)).c_str());
+    return GetFileAttributesW(Win32::ExtendedPath(Win32::JoinPath(m_folders[folder], name)).c_str());
 }
 
 }  // namespace QVHost

@@ -1,9 +1,13 @@
 // folder_listings.h - what folders hold, each listed once: for commands over many items, where asking for each item
-// alone would be most of the work.
+// alone would be most of the work. A thread lists ahead, so that the items of one folder are worked on while the next
+// folder is read.
 #pragma once
 
-#include <map>
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "win32/folder.h"
@@ -13,26 +17,37 @@ namespace QVHost {
 class FolderListings {
 public:
     struct Listing {
-        std::vector<Win32::FolderEntry> entries;  // sorted by name
-        uint32_t error = 0;                       // Windows error code when the folder cannot be read
+        std::vector<Win32::FolderEntry> entries;
+        uint32_t error = 0;  // Windows error code when the folder cannot be read
     };
 
-    FolderListings() = default;
+    /// Begins to list the folders, in this order. They are asked for by their places in it.
+    explicit FolderListings(std::vector<std::wstring> folders);
     FolderListings(const FolderListings&) = delete;
     FolderListings& operator=(const FolderListings&) = delete;
+    /// Waits for the folder that is being listed, and for no other.
+    ~FolderListings();
 
-    /// The folder as it was when it was first asked for, for the caller to keep: whoever asks again has it read again.
-    Listing Take(const std::wstring& folder);
+    const std::vector<std::wstring>& Folders() const { return m_folders; }
 
-    /// The attributes of the item as the system gives them; INVALID_FILE_ATTRIBUTES when there is none.
-    uint32_t AttributesOf(const std::wstring& folder, const std::wstring& name);
+    /// The folder for the caller to keep, as soon as it is listed. Nobody may ask for it any more.
+    Listing Take(size_t folder);
+
+    /// The attributes of an item as the system gives them; INVALID_FILE_ATTRIBUTES when there is none.
+    uint32_t AttributesOf(size_t folder, const std::wstring& name);
 
 private:
-    const Listing& Of(const std::wstring& folder);
+    void ListAll() noexcept;
+    void WaitFor(size_t folder);
 
-    std::map<std::wstring, Listing> m_listings;
-    // Items of one folder mostly stand together.
-    std::map<std::wstring, Listing>::iterator m_last = m_listings.end();
+    std::vector<std::wstring> m_folders;
+    std::vector<Listing> m_listings;
+    std::vector<bool> m_isSorted;      // by name
+    std::atomic<size_t> m_listed = 0;  // so many folders from the first on
+    std::atomic<bool> m_isEnding = false;
+    std::mutex m_mutex;
+    std::condition_variable m_isFurther;
+    std::thread m_thread;  // last: it uses all of these
 };
 
 }  // namespace QVHost

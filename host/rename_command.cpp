@@ -7,13 +7,13 @@
 #include "batchrename/profiles.h"
 #include "batchrename/rename_rule.h"
 #include "batchrename/rename_run.h"
-#include "host/folder_listings.h"
 #include "host/host_error.h"
 #include "host/nearest_name.h"
 #include "host/rename_host.h"
+#include "host/rename_preview.h"
+#include "host/selected_rows.h"
 #include "host/selection.h"
 #include "host/text.h"
-#include "win32/path.h"
 
 namespace QVHost {
 namespace {
@@ -139,46 +139,15 @@ bool SaveProfile(ProfileStore& profiles, const std::wstring& name, const RuleDef
     return profiles.Save() && profiles.WasWritten();
 }
 
-/// @throws UsageError for a path that leads to nothing
-RenameItems MakeRows(const std::vector<std::wstring>& paths, FolderListings& folders) {
+/// All rows, with their new names.
+RenameItems MakeRows(SelectedRows& selection, RenameRule& rule) {
     RenameItems rows;
-    rows.reserve(paths.size());
-    for (const std::wstring& path : paths) {
-        auto row = std::make_shared<BatchRenameItem>();
-        const std::wstring_view folder = Win32::FolderOf(path);
-        row->location = folder.size() > 3 ? folder.substr(0, folder.size() - 1) : folder;
-        row->currentName = Win32::FileNameOf(path);
-        const uint32_t attributes = folders.AttributesOf(row->location, row->currentName);
-        if (attributes == INVALID_FILE_ATTRIBUTES) RefuseMissingPath(path);
-        row->isFolder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-        rows.push_back(std::move(row));
+    rows.reserve(selection.Count());
+    for (size_t row = 0; row < selection.Count(); ++row) {
+        rows.push_back(selection.Make(row));
+        rule.Compute(*rows.back());
     }
     return rows;
-}
-
-/// What the folders of the rows hold, taken out of the listings.
-std::vector<FolderNames> TakeNames(const RenameItems& rows, FolderListings& listings) {
-    std::vector<FolderNames> folders;
-    for (const std::wstring& folder : FoldersOf(rows)) {
-        FolderListings::Listing listing = listings.Take(folder);
-        FolderNames& names = folders.emplace_back(FolderNames{folder, {}, listing.error});
-        names.names.reserve(listing.entries.size());
-        for (Win32::FolderEntry& entry : listing.entries) names.names.push_back(std::move(entry.name));
-    }
-    return folders;
-}
-
-/// Prints what the run would make of the rows. False when it would fail for any.
-bool PrintPreview(const RenameItems& rows, const std::vector<FolderNames>& folders, RenameHost& host) {
-    const RenamePlan plan = PlanRenames(rows, folders);
-    bool isDone = true;
-    for (size_t row = 0; row < rows.size(); ++row) {
-        const RowPlan& verdict = plan.rows[row];
-        const uint32_t code =
-            verdict.verdict == RowVerdict::Ignored ? Quorvane::SDK::RenameResult::Ignored : verdict.code;
-        isDone = host.PrintOutcome(*rows[row], code, DescribeRowPlan(*rows[row], verdict), L"rename") && isDone;
-    }
-    return isDone;
 }
 
 }  // namespace
@@ -197,15 +166,13 @@ int RunRename(const HostOptions& options, HostEnvironment& environment, Output& 
     if (paths.empty() && !given.saveProfile) throw UsageError(L"rename needs files: qvhost rename PATH... [options]");
 
     bool isDone = !given.saveProfile || SaveProfile(profiles, *given.saveProfile, definition);
-    FolderListings folders;
-    // The rows hold all that is in the paths: many of them are not kept twice.
-    const RenameItems rows = MakeRows(std::exchange(paths, {}), folders);
+    SelectedRows selection(std::move(paths));
     RenameRule rule(&host);
     rule.SetRule(definition, timeOfSetting);
-    for (const auto& row : rows) rule.Compute(*row);
     if (given.isPreview) {
-        isDone = PrintPreview(rows, TakeNames(rows, folders), host) && isDone;
+        isDone = PrintPreview(selection, rule, host) && isDone;
     } else {
+        const RenameItems rows = MakeRows(selection, rule);
         CRenameResultCallback results;
         const std::vector<RowOutcome> outcomes = RunRenames(rows, now, host.Surroundings(!given.noUndo), results);
         isDone = host.PrintOutcomes(rows, outcomes, L"renamed") && isDone;

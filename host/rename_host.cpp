@@ -21,9 +21,8 @@ Quorvane::SDK::ExtensionInfo BatchRenameRecord() {
     return record;
 }
 
-std::wstring_view VerdictOf(uint32_t code, const wchar_t* word) {
-    if (code == Quorvane::SDK::RenameResult::Renamed) return word;
-    return code == Quorvane::SDK::RenameResult::Ignored ? L"ignored" : L"failed";
+bool IsFailure(uint32_t code) {
+    return code != Quorvane::SDK::RenameResult::Renamed && code != Quorvane::SDK::RenameResult::Ignored;
 }
 
 /// A name may hold no tab, but a new one that is refused for it must not break the columns.
@@ -35,6 +34,13 @@ std::wstring Cell(std::wstring_view text) {
 }
 
 }  // namespace
+
+std::wstring LineOfOutcome(const BatchRenameItem& row, uint32_t code, const std::wstring& reason, const wchar_t* word) {
+    std::wstring line = Cell(row.currentName) + L'\t' + Cell(row.newName) + L'\t';
+    line += IsFailure(code) ? L"failed" : code == Quorvane::SDK::RenameResult::Ignored ? L"ignored" : word;
+    if (!reason.empty()) line += L": " + Cell(reason);
+    return line;
+}
 
 RenameHost::RenameHost(const HostOptions& options, HostEnvironment& environment, Output& output)
     : m_state(MakeHostState(options, environment, output)),
@@ -80,19 +86,12 @@ void RenameHost::LoadProviders() {
 
 bool RenameHost::PrintOutcomes(const RenameItems& rows, const std::vector<RowOutcome>& outcomes, const wchar_t* word) {
     bool isDone = true;
-    for (size_t row = 0; row < rows.size(); ++row)
-        isDone = PrintOutcome(*rows[row], outcomes[row].code, outcomes[row].reason, word) && isDone;
+    for (size_t row = 0; row < rows.size(); ++row) {
+        const RowOutcome& outcome = outcomes[row];
+        m_state.output.Line(LineOfOutcome(*rows[row], outcome.code, outcome.reason, word));
+        isDone = isDone && !IsFailure(outcome.code);
+    }
     return isDone;
-}
-
-bool RenameHost::PrintOutcome(const BatchRenameItem& row, uint32_t code, const std::wstring& reason,
-                              const wchar_t* word) {
-    const std::wstring_view verdict = VerdictOf(code, word);
-    std::wstring line = Cell(row.currentName) + L'\t' + Cell(row.newName) + L'\t';
-    line += verdict;
-    if (!reason.empty()) line += L": " + Cell(reason);
-    m_state.output.Line(line);
-    return verdict != L"failed";
 }
 
 }  // namespace QVHost

@@ -15,6 +15,10 @@
 
 namespace QVHost {
 
+/// A row's line: old name, new name, `word` (for the code 0) or "ignored" or "failed", and the reason.
+std::wstring LineOfOutcome(const BatchRename::BatchRenameItem& row, uint32_t code, const std::wstring& reason,
+                           const wchar_t* word);
+
 class RenameHost final : public BatchRename::IPropertySource {
 public:
     RenameHost(const HostOptions& options, HostEnvironment& environment, Output& output);
@@ -31,12 +35,7 @@ public:
     bool GetProperty(const BatchRename::BatchRenameItem& row, const std::wstring& name, const std::wstring& format,
                      std::wstring& value) override;
 
-    /// One line: old name, new name, `word` (for the code 0) or "ignored" or "failed", and the reason. True unless the
-    /// row failed.
-    bool PrintOutcome(const BatchRename::BatchRenameItem& row, uint32_t code, const std::wstring& reason,
-                      const wchar_t* word);
-
-    /// The same for all rows; true when no row failed.
+    /// Prints a line for each row; true when no row failed.
     bool PrintOutcomes(const BatchRename::RenameItems& rows, const std::vector<BatchRename::RowOutcome>& outcomes,
                        const wchar_t* word);
 

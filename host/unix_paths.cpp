@@ -42,8 +42,8 @@ std::wstring FullUserPath(const std::wstring& path) {
 }
 
 std::wstring FullUserPaths::operator()(const std::wstring& path) {
-    const std::wstring_view name = Win32::FileNameOf(path);
     const std::wstring_view folder = Win32::FolderOf(path);
+    const std::wstring_view name = std::wstring_view(path).substr(folder.size());
     if (folder.empty() || !IsFileName(name)) return FullUserPath(path);  // "..", or a name that is not taken as it is
     if (folder != m_folder) {
         m_folder = folder;

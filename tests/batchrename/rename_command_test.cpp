@@ -58,6 +58,25 @@ TEST_F(RenameCommand, PreviewsAndDoesTheSame) {
     EXPECT_EQ(Read(L"d-010.txt"), "b.txt");
 }
 
+TEST_F(RenameCommand, PreviewsRowsOfManyFoldersInTheirOrder) {
+    Fill({});
+    for (const wchar_t* folder : {L"one", L"Two"}) CreateDirectoryW(Path(folder).c_str(), nullptr);
+    for (const wchar_t* name : {L"one\\a", L"one\\b", L"one\\03", L"Two\\a", L"Two\\b"})
+        m_host.Folder().Write(std::wstring(L"d\\") + name, "");
+    // The folders take turns, and one is spelled in two ways: all of its rows are judged together.
+    const HostRun run = Rename({L"one\\a", L"Two\\a", L"one\\b", L"TWO\\b"}, {L"--name", L"[C]", L"--preview"});
+    EXPECT_EQ(run.out, "a\t01\trename\na\t02\trename\nb\t03\tfailed: \"03\" is there already\nb\t04\trename\n");
+    EXPECT_EQ(run.status, 1);
+    const HostRun same = Rename({L"Two\\a", L"one\\a", L"two\\b"}, {L"--name", L"x", L"--preview"});
+    EXPECT_EQ(same.out,
+              "a\tx\tfailed: \"x\" would be the name of more than one item\na\tx\trename\n"
+              "b\tx\tfailed: \"x\" would be the name of more than one item\n");
+    // Nothing is printed of a list with a path that leads nowhere.
+    const HostRun none = Rename({L"one\\a", L"Two\\none"}, {L"--name", L"[C]", L"--preview"});
+    EXPECT_EQ(none.out, "");
+    EXPECT_EQ(none.status, 2);
+}
+
 TEST_F(RenameCommand, PrintsEachRowsVerdict) {
     Fill({L"a", L"b", L"c", L"taken"});
     const HostRun run =
