@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "win32/folder.h"
 #include "win32/path.h"
 #include "win32/windows.h"
 
@@ -13,7 +14,11 @@ namespace {
 FolderListings::Listing ListOne(const std::wstring& folder) noexcept {
     FolderListings::Listing listing;
     try {
-        listing.error = Win32::ListFolder(folder, L"*", listing.entries);
+        listing.error = Win32::ListFolder(folder, [&](std::wstring_view name, uint32_t attributes) {
+            listing.entries.push_back(
+                {static_cast<uint32_t>(listing.names.size()), static_cast<uint32_t>(name.size()), attributes});
+            listing.names += name;
+        });
     } catch (const std::bad_alloc&) {
         listing.error = ERROR_NOT_ENOUGH_MEMORY;
     }
@@ -57,12 +62,13 @@ FolderListings::Listing FolderListings::Take(size_t folder) {
 
 uint32_t FolderListings::AttributesOf(size_t folder, const std::wstring& name) {
     WaitFor(folder);
-    auto& entries = m_listings[folder].entries;
+    Listing& listing = m_listings[folder];
+    const auto nameOf = [&](const Listing::Entry& entry) { return listing.NameOf(entry); };
     // Here and not by the thread that lists, for which everybody waits.
-    if (!m_isSorted[folder]) std::ranges::sort(entries, {}, &Win32::FolderEntry::name);
+    if (!m_isSorted[folder]) std::ranges::sort(listing.entries, {}, nameOf);
     m_isSorted[folder] = true;
-    const auto entry = std::ranges::lower_bound(entries, name, {}, &Win32::FolderEntry::name);
-    if (entry != entries.end() && entry->name == name) return entry->attributes;
+    const auto entry = std::ranges::lower_bound(listing.entries, name, {}, nameOf);
+    if (entry != listing.entries.end() && nameOf(*entry) == name) return entry->attributes;
     // Spelled in another case, given by its short name, or not there.
     return GetFileAttributesW(Win32::ExtendedPath(Win32::JoinPath(m_folders[folder], name)).c_str());
 }

@@ -5,20 +5,31 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <cstdint>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
-
-#include "win32/folder.h"
 
 namespace QVHost {
 
 class FolderListings {
 public:
+    /// In few blocks of memory, so that the thread spends its time on listing.
     struct Listing {
-        std::vector<Win32::FolderEntry> entries;
+        struct Entry {
+            uint32_t begin = 0;  // of its name, in `names`
+            uint32_t length = 0;
+            uint32_t attributes = 0;
+        };
+        std::wstring names;
+        std::vector<Entry> entries;
         uint32_t error = 0;  // Windows error code when the folder cannot be read
+
+        std::wstring_view NameOf(const Entry& entry) const {
+            return std::wstring_view(names).substr(entry.begin, entry.length);
+        }
     };
 
     /// Begins to list the folders, in this order. They are asked for by their places in it.

@@ -55,10 +55,10 @@ std::shared_ptr<BatchRename::BatchRenameItem> SelectedRows::Make(size_t row) {
 }
 
 BatchRename::FolderNames SelectedRows::TakeNames(size_t folder) {
-    FolderListings::Listing listing = m_listings.Take(folder);
+    const FolderListings::Listing listing = m_listings.Take(folder);
     BatchRename::FolderNames names = {m_listings.Folders()[folder], {}, listing.error};
     names.names.reserve(listing.entries.size());
-    for (Win32::FolderEntry& entry : listing.entries) names.names.push_back(std::move(entry.name));
+    for (const auto& entry : listing.entries) names.names.emplace_back(listing.NameOf(entry));
     return names;
 }
 

@@ -1,5 +1,6 @@
 #include "host/selection.h"
 
+#include <functional>
 #include <iterator>
 
 #include "host/host_error.h"
@@ -12,7 +13,9 @@
 namespace QVHost {
 namespace {
 
-std::vector<std::wstring> ReadList(const std::wstring& listFile, std::istream& in) {
+using TakePath = std::function<void(const std::wstring& path)>;
+
+void ReadList(const std::wstring& listFile, std::istream& in, const TakePath& take) {
     std::string bytes;
     if (listFile == L"-") {
         bytes.assign(std::istreambuf_iterator<char>(in), {});
@@ -21,15 +24,14 @@ std::vector<std::wstring> ReadList(const std::wstring& listFile, std::istream& i
         if (error != ERROR_SUCCESS)
             throw UsageError(L"cannot read the list of files " + listFile + L": " + DescribeError(error));
     }
-    std::vector<std::wstring> paths;
     size_t number = 0;
+    std::wstring path;
     for (const std::string_view line : LinesOf(bytes)) {
         ++number;
-        std::optional<std::wstring> path = FromUtf8(line);
-        if (!path) throw UsageError(L"line " + std::to_wstring(number) + L" of " + listFile + L" is not UTF-8");
-        if (!path->empty()) paths.push_back(std::move(*path));
+        if (!FromUtf8(line, path))
+            throw UsageError(L"line " + std::to_wstring(number) + L" of " + listFile + L" is not UTF-8");
+        if (!path.empty()) take(path);
     }
-    return paths;
 }
 
 }  // namespace
@@ -37,19 +39,17 @@ std::vector<std::wstring> ReadList(const std::wstring& listFile, std::istream& i
 std::vector<std::wstring> SelectedPaths(const std::vector<std::wstring>& given,
                                         const std::optional<std::wstring>& listFile, std::istream& in,
                                         Existence existence) {
-    std::vector<std::wstring> paths = given;
-    if (listFile) {
-        std::vector<std::wstring> further = ReadList(*listFile, in);
-        paths.insert(paths.end(), std::make_move_iterator(further.begin()), std::make_move_iterator(further.end()));
-    }
+    std::vector<std::wstring> paths;
     FullUserPaths fullPath;
-    for (std::wstring& path : paths) {
+    const auto take = [&](const std::wstring& path) {
         std::wstring full = fullPath(path);
         // A folder written with its separator is the folder; the item's name is what stands before it.
         while (full.size() > 3 && full.back() == L'\\') full.pop_back();
         if (existence == Existence::Checked && !Win32::Exists(full)) RefuseMissingPath(path);
-        path = std::move(full);
-    }
+        paths.push_back(std::move(full));
+    };
+    for (const std::wstring& path : given) take(path);
+    if (listFile) ReadList(*listFile, in, take);
     return paths;
 }
 

@@ -20,14 +20,18 @@ std::string ToUtf8(std::wstring_view text) {
     return bytes;
 }
 
-std::optional<std::wstring> FromUtf8(std::string_view bytes) {
-    if (bytes.empty()) return std::wstring();
-    std::wstring text(bytes.size(), L'\0');  // no character has more units than bytes
+bool FromUtf8(std::string_view bytes, std::wstring& text) {
+    text.resize(bytes.size());  // no character has more units than bytes
+    if (bytes.empty()) return true;
     const int units = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(), static_cast<int>(bytes.size()),
                                           text.data(), static_cast<int>(text.size()));
-    if (units == 0) return std::nullopt;
     text.resize(static_cast<size_t>(units));
-    return text;
+    return units != 0;
+}
+
+std::optional<std::wstring> FromUtf8(std::string_view bytes) {
+    std::wstring text;
+    return FromUtf8(bytes, text) ? std::optional(std::move(text)) : std::nullopt;
 }
 
 uint32_t CopyText(std::wstring_view text, wchar_t* buffer, uint32_t capacity) {

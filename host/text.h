@@ -14,6 +14,8 @@ std::string ToUtf8(std::wstring_view text);
 
 /// Nothing when `bytes` are not valid UTF-8.
 std::optional<std::wstring> FromUtf8(std::string_view bytes);
+/// The same into a text that serves again for many; false when they are not.
+bool FromUtf8(std::string_view bytes, std::wstring& text);
 
 /// Copies as the contract says: at most `capacity` units with the closing zero. The result is the whole text's length
 /// in units; a null buffer or no capacity only asks for it.

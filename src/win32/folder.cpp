@@ -90,4 +90,9 @@ uint32_t ListFolder(const std::wstring& folder, const std::wstring& pattern, std
     return ForEachEntry(folder, pattern, [&](const SeenEntry& entry) { names.emplace_back(entry.name); });
 }
 
+uint32_t ListFolder(const std::wstring& folder,
+                    const std::function<void(std::wstring_view name, uint32_t attributes)>& take) {
+    return ForEachEntry(folder, L"*", [&](const SeenEntry& entry) { take(entry.name, entry.attributes); });
+}
+
 }  // namespace Win32

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Win32 {
@@ -20,5 +22,9 @@ uint32_t ListFolder(const std::wstring& folder, const std::wstring& pattern, std
 
 /// The same, the names alone.
 uint32_t ListFolder(const std::wstring& folder, const std::wstring& pattern, std::vector<std::wstring>& names);
+
+/// All that the folder holds, told one by one; a name is there for the time of the call.
+uint32_t ListFolder(const std::wstring& folder,
+                    const std::function<void(std::wstring_view name, uint32_t attributes)>& take);
 
 }  // namespace Win32
