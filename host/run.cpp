@@ -104,7 +104,10 @@ int RunCommand(Session& session, const HostOptions& options, std::istream& in) {
     // An extension may have opened a window that works by itself: this command ends with it.
     const std::atomic<bool>* const isCancelled = state.progressWatch.isCancelled;
     PumpWhile(session, [&] { return HasWindowsOfOtherThreads() && !(isCancelled && *isCancelled); });
-    if (!handled) state.output.Note(L"qvhost: no extension handles the command " + std::to_wstring(id));
+    session.ShutdownExtensions();  // a window that is closed only now has settings to keep
+    if (!handled)
+        state.output.Note(L"qvhost: no extension handles the command " + std::to_wstring(id) +
+                          L" (qvhost menus lists them)");
     return StatusOf(state, handled, 0);
 }
 
