@@ -29,7 +29,8 @@ std::wstring Wide(const std::string& text) {
 /// The status of a command that was `handled`, with everything that counts against it.
 int StatusOf(HostState& state, bool handled, uint32_t resultCode) {
     const bool isSaved = state.settings.Save();
-    const bool isDone = handled && resultCode == 0 && state.failedCount == 0 && isSaved;
+    const bool isLogged = state.log.Flush();
+    const bool isDone = handled && resultCode == 0 && state.failedCount == 0 && isSaved && isLogged;
     return isDone ? ExitStatus::Done : ExitStatus::Failed;
 }
 
@@ -148,10 +149,11 @@ int Run(const HostOptions& options, HostEnvironment& environment, Output& output
 int RunQvHost(const std::vector<std::wstring>& arguments, HostEnvironment& environment) {
     Output output(environment.out, environment.error, environment.outIsTerminal);
     try {
-        return Run(ParseCommandLine(arguments), environment, output);
+        const int status = Run(ParseCommandLine(arguments), environment, output);
+        return output.Flush() ? status : std::max<int>(status, ExitStatus::Failed);
     } catch (const HelpText& help) {
-        environment.out << help.text << std::flush;
-        return ExitStatus::Done;
+        output.Line(Wide(help.text.substr(0, help.text.find_last_not_of('\n') + 1)));
+        return output.Flush() ? ExitStatus::Done : ExitStatus::Failed;
     } catch (const UsageError& error) {
         output.Note(L"qvhost: " + Wide(error.what()));
         output.Note(L"qvhost: how it goes: qvhost --help");

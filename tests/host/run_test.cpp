@@ -1,6 +1,9 @@
 // run_test.cpp - whole runs of the host with the test extension.
+#include <sstream>
+
 #include <gtest/gtest.h>
 
+#include "host/output.h"
 #include "host/text.h"
 #include "host/whole_file.h"
 #include "host_runner.h"
@@ -94,6 +97,7 @@ TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
         {"no number", {L"call", L"Echo", L"NUMBER=1x"}, 2, "NUMBER needs a number"},
         {"too large a number", {L"call", L"Echo", L"NUMBER=4294967296"}, 2, "NUMBER needs a number"},
         {"given twice", {L"call", L"Echo", L"TEXT=a", L"TEXT=b"}, 2, "TEXT is given twice"},
+        {"a log that takes nothing", {L"call", L"Echo", L"TEXT=a", L"--log", L"/dev/full"}, 1, "the log file "},
         {"no library", {L"menus", L"--library", L"none.dll"}, 2, "none.dll"},
         {"wrong use", {L"dance"}, 2, "qvhost --help"},
     };
@@ -170,6 +174,17 @@ TEST(QvHost, KeepsLogLinesWholeAndInTheFile) {
     const HostRun second = host.Run({L"call", L"Echo", L"TEXT=c", L"--log", log});
     EXPECT_EQ(second.out, "text <c> number 7 default switch off\n");
     EXPECT_EQ(host.Folder().Read(L"log.txt"), "text <a b> number 7 default switch off\n" + second.out);
+}
+
+TEST(QvHost, SaysOnceThatItsOutputIsLost) {
+    std::ostringstream out;
+    std::ostringstream error;
+    out.setstate(std::ios::badbit);
+    QVHost::Output output(out, error, true);
+    output.Line(L"a");
+    output.Line(L"b");
+    EXPECT_FALSE(output.Flush());
+    EXPECT_EQ(error.str(), "qvhost: standard output cannot be written\n");
 }
 
 TEST(QvHost, SurvivesAFaultyExtension) {
