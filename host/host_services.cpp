@@ -216,6 +216,7 @@ IChoiceList* HostServices::CreateChoiceList() {
 
 void HostServices::Log(uint32_t, uint32_t kind, const wchar_t* format, ...) {
     if (!format) return;
+    if (kind == LogKind::Failure) ++m_state.failedCount;
     va_list arguments;
     va_start(arguments, format);
     GuardedCall([&] { m_state.log.Write(FormatLine(format, arguments), ToneOf(kind)); });

@@ -2,6 +2,7 @@
 // shared by the services objects of all extensions.
 #pragma once
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <string>
@@ -54,7 +55,7 @@ struct HostState {
     Shelf<XmlService> xmlServices = {};
     std::vector<std::shared_ptr<FileItem>> selection = {};  // as the command line names it
     IPanelView* panel = nullptr;                            // where there is one, the selection is its own
-    uint32_t failedCount = 0;                               // files marked as failed, renames refused
+    std::atomic<uint32_t> failedCount = 0;                  // files marked as failed, renames refused, failures logged
 };
 
 }  // namespace QVHost
