@@ -1,11 +1,14 @@
 #include "host/selection.h"
 
+#include <algorithm>
 #include <iterator>
 
 #include "host/host_error.h"
+#include "host/text.h"
 #include "host/unix_paths.h"
 #include "host/whole_file.h"
 #include "win32/files.h"
+#include "win32/folder.h"
 #include "win32/path.h"
 #include "win32/windows.h"
 
@@ -27,9 +30,31 @@ std::vector<std::wstring> ReadList(const std::wstring& listFile, std::istream& i
         ++number;
         std::optional<std::wstring> path = FromUtf8(line);
         if (!path) throw UsageError(L"line " + std::to_wstring(number) + L" of " + listFile + L" is not UTF-8");
+        // Lists such as `find -print0` makes; the system would take what stands before the zero for the path.
+        if (path->find(L'\0') != std::wstring::npos)
+            throw UsageError(L"line " + std::to_wstring(number) + L" of " + listFile +
+                             L" holds a zero character; each path needs a line of its own");
         if (!path->empty()) paths.push_back(std::move(*path));
     }
     return paths;
+}
+
+/// A path as it was typed, or, where its name has wildcards and is nobody's, what the wildcards match, in order of
+/// names: no shell of this system does that. Hidden items are left out, as `dir` leaves them out.
+void AddTyped(const std::wstring& typed, std::vector<std::wstring>& paths) {
+    const std::wstring pattern(Win32::FileNameOf(typed));
+    const std::wstring folder(Win32::FolderOf(typed));
+    if (pattern.find_first_of(L"*?") == std::wstring::npos || Win32::Exists(FullUserPath(typed))) {
+        paths.push_back(typed);
+        return;
+    }
+    std::vector<Win32::FolderEntry> entries;
+    const uint32_t error = Win32::ListFolder(FullUserPath(folder.empty() ? L"." : folder), pattern, entries);
+    if (error != ERROR_SUCCESS) throw UsageError(L"cannot look for " + typed + L": " + DescribeError(error));
+    std::erase_if(entries, [](const auto& entry) { return (entry.attributes & FILE_ATTRIBUTE_HIDDEN) != 0; });
+    if (entries.empty()) throw UsageError(L"there is no file or folder " + typed);
+    std::ranges::sort(entries, {}, &Win32::FolderEntry::name);
+    for (const Win32::FolderEntry& entry : entries) paths.push_back(folder + entry.name);
 }
 
 }  // namespace
@@ -37,7 +62,8 @@ std::vector<std::wstring> ReadList(const std::wstring& listFile, std::istream& i
 std::vector<std::wstring> SelectedPaths(const std::vector<std::wstring>& given,
                                         const std::optional<std::wstring>& listFile, std::istream& in,
                                         Existence existence) {
-    std::vector<std::wstring> paths = given;
+    std::vector<std::wstring> paths;
+    for (const std::wstring& typed : given) AddTyped(typed, paths);
     if (listFile) {
         std::vector<std::wstring> further = ReadList(*listFile, in);
         paths.insert(paths.end(), std::make_move_iterator(further.begin()), std::make_move_iterator(further.end()));
@@ -54,7 +80,7 @@ std::vector<std::wstring> SelectedPaths(const std::vector<std::wstring>& given,
 }
 
 void RefuseMissingPath(const std::wstring& path) {
-    throw UsageError(L"there is no file or folder " + path);
+    throw UsageError(path.empty() ? L"an empty text is no path" : L"there is no file or folder " + path);
 }
 
 }  // namespace QVHost

@@ -68,6 +68,10 @@ TEST(QvHost, CallsACommandOnceForEachPathOfAList) {
     }
     EXPECT_EQ(run.status, 0) << run.error;
     EXPECT_EQ(host.Run({L"call", L"Echo", L"TEXT=x", L"--files-from", L"-"}, list).status, 2);
+    const std::string zeros = QVHost::ToUtf8(host.Folder() / L"b.txt") + std::string(1, '\0') + "c.txt";
+    const HostRun refused = host.Run({L"call", L"Echo", L"TEXT={}", L"--files-from", L"-"}, zeros);
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_TRUE(Contains(refused.error, "line 1 of - holds a zero character")) << refused.error;
 }
 
 TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
@@ -84,6 +88,8 @@ TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
         {"a done file", {L"command", L"40000", host.Folder() / L"good.txt"}, 0, "[done] "},
         {"a command in no menu", {L"command", L"40001"}, 0, ""},
         {"not handled", {L"command", L"9"}, 1, "no extension handles the command 9"},
+        {"wildcards", {L"command", L"40000", host.Folder() / L"g?od.*"}, 0, "good.txt\n"},
+        {"wildcards that match nothing", {L"command", L"40000", host.Folder() / L"no*.txt"}, 2, "no*.txt"},
         {"a missing file", {L"command", L"40000", L"none.txt"}, 2, "there is no file or folder none.txt"},
         {"no id", {L"command", L"x"}, 2, "\"x\" is no command id"},
         {"result code", {L"call", L"Result", L"CODE=5"}, 1, "[result] that is it\n[result] error 5"},
