@@ -31,10 +31,13 @@ uint32_t WriteNewFile(const std::wstring& path, std::string_view bytes) {
     const Win32::FileHandle file(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_WRITE, 0, nullptr,
                                              CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) return GetLastError();
-    DWORD written = 0;
-    if (!WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr))
-        return GetLastError();
-    if (written != bytes.size()) return ERROR_DISK_FULL;
+    while (!bytes.empty()) {
+        DWORD written = 0;
+        if (!WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr))
+            return GetLastError();
+        if (written == 0) return ERROR_DISK_FULL;
+        bytes.remove_prefix(written);
+    }
     return FlushFileBuffers(file.Get()) ? ERROR_SUCCESS : GetLastError();
 }
 
