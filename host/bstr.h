@@ -1,4 +1,4 @@
-// bstr.h - owner of a text as COM automation takes it.
+// bstr.h - owner of a text as COM automation takes it, and arguments made of texts and objects.
 #pragma once
 
 #include <string_view>
@@ -32,6 +32,14 @@ inline VARIANT TextVariant(const Bstr& text) {
     VARIANT variant = {};
     variant.vt = VT_BSTR;
     variant.bstrVal = text.Get();
+    return variant;
+}
+
+/// An object as an argument; it must outlive it.
+inline VARIANT ObjectVariant(IUnknown* object) {
+    VARIANT variant = {};
+    variant.vt = VT_UNKNOWN;
+    variant.punkVal = object;
     return variant;
 }
 

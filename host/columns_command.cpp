@@ -1,6 +1,7 @@
 #include "host/columns_command.h"
 
 #include <algorithm>
+#include <charconv>
 
 #include <nlohmann/json.hpp>
 
@@ -47,9 +48,11 @@ void PrintCsvRow(Output& output, const Cells& row) {
     output.Line(line);
 }
 
-void PrintTable(Output& output, const ColumnValues& values, const Items& items) {
+using Next = std::function<FileItem*()>;  // the next file; null behind the last one
+
+void PrintTable(Output& output, const ColumnValues& values, const Next& next) {
     std::vector<Cells> rows = {Heading(values, kPathName, &PropertyColumns::Column::displayName)};
-    for (const auto& item : items) rows.push_back(RowOf(values, *item));
+    while (FileItem* const item = next()) rows.push_back(RowOf(values, *item));
     std::vector<size_t> widths(values.Columns().size() + 1);
     for (const Cells& row : rows)
         for (size_t at = 0; at < row.size(); ++at) widths[at] = std::max(widths[at], row[at].size());
@@ -66,38 +69,54 @@ void PrintTable(Output& output, const ColumnValues& values, const Items& items) 
     }
 }
 
-void PrintCsv(Output& output, const ColumnValues& values, const Items& items) {
+void PrintCsv(Output& output, const ColumnValues& values, const Next& next) {
     PrintCsvRow(output, Heading(values, kPathKey, &PropertyColumns::Column::key));
-    for (const auto& item : items) PrintCsvRow(output, RowOf(values, *item));
+    while (FileItem* const item = next()) PrintCsvRow(output, RowOf(values, *item));
 }
 
 nlohmann::ordered_json JsonValue(FileItem& item, const ColumnValues::Column& column) {
     const std::optional<std::wstring> value = ColumnValues::ValueOf(item, column);
     if (!value) return nullptr;
-    if (IsNumber(column)) return std::stoull(*value);
-    return ToUtf8(*value);
+    const std::string text = ToUtf8(*value);
+    uint64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    const bool isNumber = IsNumber(column) && error == std::errc() && end == text.data() + text.size();
+    if (isNumber) return number;
+    return text;
 }
 
-void PrintJson(Output& output, const ColumnValues& values, const Items& items) {
+void PrintJson(Output& output, const ColumnValues& values, const Next& next) {
+    std::wstring row;
     output.Line(L"[");
-    for (size_t at = 0; at < items.size(); ++at) {
-        nlohmann::ordered_json row;
-        row[ToUtf8(kPathKey)] = ToUtf8(items[at]->Path());
+    while (FileItem* const item = next()) {
+        if (!row.empty()) output.Line(row + L",");
+        nlohmann::ordered_json object;
+        object[ToUtf8(kPathKey)] = ToUtf8(item->Path());
         for (const ColumnValues::Column& column : values.Columns())
-            row[ToUtf8(column.definition->key)] = JsonValue(*items[at], column);
-        output.Line(L"  " + FromUtf8(row.dump()).value_or(L"") + (at + 1 < items.size() ? L"," : L""));
+            object[ToUtf8(column.definition->key)] = JsonValue(*item, column);
+        row = L"  " + FromUtf8(object.dump()).value_or(L"");
     }
+    if (!row.empty()) output.Line(row);
     output.Line(L"]");
 }
 
 }  // namespace
 
-void PrintColumns(Output& output, const ColumnValues& values, const Items& items, ColumnFormat format) {
+bool PrintColumns(Output& output, const ColumnValues& values, const Items& items, ColumnFormat format,
+                  const std::function<bool()>& isStopped) {
+    bool isWhole = true;
+    auto at = items.begin();
+    const Next next = [&]() -> FileItem* {
+        if (at == items.end()) return nullptr;
+        isWhole = !isStopped();
+        return isWhole ? (at++)->get() : nullptr;
+    };
     switch (format) {
-        case ColumnFormat::Table: PrintTable(output, values, items); break;
-        case ColumnFormat::Csv: PrintCsv(output, values, items); break;
-        case ColumnFormat::Json: PrintJson(output, values, items); break;
+        case ColumnFormat::Table: PrintTable(output, values, next); break;
+        case ColumnFormat::Csv: PrintCsv(output, values, next); break;
+        case ColumnFormat::Json: PrintJson(output, values, next); break;
     }
+    return isWhole;
 }
 
 }  // namespace QVHost

@@ -1,6 +1,7 @@
 // columns_command.h - what `qvhost columns` prints: one row a file, one column for each property.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -15,7 +16,9 @@ enum class ColumnFormat {
     Json,   // a list of objects with the columns' keys; null for a file without the value
 };
 
-void PrintColumns(Output& output, const ColumnValues& values, const std::vector<std::shared_ptr<FileItem>>& items,
-                  ColumnFormat format);
+/// A server may take seconds for each owner's name, so it is asked before each file whether to stop; what is printed
+/// then is whole, but holds the files so far alone. False when it was stopped.
+bool PrintColumns(Output& output, const ColumnValues& values, const std::vector<std::shared_ptr<FileItem>>& items,
+                  ColumnFormat format, const std::function<bool()>& isStopped);
 
 }  // namespace QVHost

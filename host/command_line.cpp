@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "host/host_error.h"
+#include "host/nearest_name.h"
 #include "host/text.h"
 
 namespace QVHost {
@@ -14,6 +15,8 @@ namespace {
 /// The options that take a value: their value is known by its place and may itself begin with `-`.
 constexpr std::wstring_view kValueOptions[] = {L"--library", L"--config",     L"--language", L"--log",
                                                L"--answer",  L"--files-from", L"--pipe",     L"--extension"};
+
+constexpr wchar_t kServerAction[] = L"elevated-server";
 
 /// The options of `rename` that take a value. Their values never meet the option parser: an empty one, and one that
 /// looks like an option or a list, are names and templates like any other.
@@ -44,6 +47,7 @@ struct SplitArguments {
     std::vector<std::string> options;
     RenameOptions rename;
     bool hasRenameValues = false;
+    std::optional<std::wstring> action;
     std::vector<std::wstring> operands;
 };
 
@@ -68,7 +72,6 @@ SplitArguments Split(const std::vector<std::wstring>& arguments) {
     SplitArguments split;
     // The elevated server has an --extension of its own.
     const bool isRename = std::ranges::find(arguments, L"rename") != arguments.end();
-    bool hasAction = false;
     bool onlyOperands = false;
     for (size_t at = 0; at < arguments.size(); ++at) {
         const std::wstring& word = arguments[at];
@@ -79,11 +82,12 @@ SplitArguments Split(const std::vector<std::wstring>& arguments) {
             continue;
         } else if (isOption && std::ranges::find(kValueOptions, word) != std::end(kValueOptions)) {
             if (at + 1 == arguments.size()) throw UsageError(word + L" needs a value");
-            split.options.push_back(ToUtf8(word + L"=" + arguments[++at]));
+            if (arguments[++at].empty()) throw UsageError(word + L" needs a value that is not empty");
+            split.options.push_back(ToUtf8(word + L"=" + arguments[at]));
         } else if (isOption) {
             split.options.push_back(ToUtf8(word));
-        } else if (!hasAction) {
-            hasAction = true;
+        } else if (!split.action) {
+            split.action = word;
             split.options.push_back(ToUtf8(word));
         } else {
             split.operands.push_back(word);
@@ -163,11 +167,23 @@ void AddActions(CLI::App& app, RawOptions& raw, HostOptions& options) {
     AddRename(*add("rename", "PATH...: renames files and folders by a rule", Action::Rename), options.rename);
     add("undo", "[list | restore SESSION | delete SESSION]: earlier renames; SESSION may be \"last\"", Action::Undo);
     add("panel", "[FOLDER]: shows a folder in a window with the menus of all extensions", Action::Panel);
-    CLI::App* const server = add("elevated-server", "The second process; started by the first", Action::ElevatedServer);
+    CLI::App* const server =
+        add(ToUtf8(kServerAction).c_str(), "The second process; started by the first", Action::ElevatedServer);
     server->group("");  // not in the help: nobody starts it by hand
     server->add_option("--pipe", raw.pipe);
     server->add_option("--extension", options.extension);
     app.require_subcommand(1);
+}
+
+/// @throws UsageError for an action that there is not; the parser would only miss one
+void CheckAction(const CLI::App& app, const std::optional<std::wstring>& action) {
+    if (!action) return;
+    std::vector<std::wstring> known;
+    for (const CLI::App* const sub :
+         app.get_subcommands([](const CLI::App* each) { return !each->get_group().empty(); }))
+        known.push_back(Wide(sub->get_name()));
+    if (std::ranges::find(known, *action) == known.end() && *action != kServerAction)
+        throw UsageError(L"there is no \"" + *action + L"\"" + DidYouMean(*action, known));
 }
 
 void CheckOperands(const HostOptions& options) {
@@ -195,6 +211,7 @@ HostOptions ParseCommandLine(const std::vector<std::wstring>& arguments) {
     CLI::App app("Loads QVUtils.dll, or another library for the file manager, and runs its commands.", "qvhost");
     AddOptions(app, raw, options);
     AddActions(app, raw, options);
+    CheckAction(app, split.action);
     try {
         std::ranges::reverse(split.options);  // the parser takes them from the back
         app.parse(split.options);
@@ -203,6 +220,8 @@ HostOptions ParseCommandLine(const std::vector<std::wstring>& arguments) {
         std::ostringstream unused;
         app.exit(success, help, unused);
         throw HelpText{help.str()};
+    } catch (const CLI::RequiredError&) {
+        throw UsageError(L"it needs to be said what to do, for example: qvhost menus");
     } catch (const CLI::Error& error) {
         throw UsageError(Wide(error.what()));
     }

@@ -2,6 +2,7 @@
 // 3100 (property columns).
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <utility>
@@ -37,8 +38,8 @@ private:
 class FileOperations final : public Quorvane::SDK::IFileOperations {
 public:
     /// Refused renames add to `failedCount`; the others are reported to the panel, which may be null.
-    FileOperations(FileObjects& objects, const ColumnValues& columns, Output& output, uint32_t& failedCount,
-                   IPanelView* panel)
+    FileOperations(FileObjects& objects, const ColumnValues& columns, Output& output,
+                   std::atomic<uint32_t>& failedCount, IPanelView* panel)
         : m_objects(objects), m_columns(columns), m_output(output), m_failedCount(failedCount), m_panel(panel) {}
 
     bool Exists(const wchar_t* path) override;
@@ -63,7 +64,7 @@ private:
     FileObjects& m_objects;
     const ColumnValues& m_columns;
     Output& m_output;
-    uint32_t& m_failedCount;
+    std::atomic<uint32_t>& m_failedCount;
     IPanelView* m_panel;
     Shelf<RenameBatch> m_batches;
 };

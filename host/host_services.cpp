@@ -108,6 +108,7 @@ bool HostServices::MarkFiles(const FileList& list, uint32_t kind) {
         else
             m_state.output.Note(word + item->Path());
     }
+    m_state.loggedFailures = 0;
     if (kind == MarkKind::Failed) m_state.failedCount += static_cast<uint32_t>(list.Items().size());
     return true;
 }
@@ -216,6 +217,7 @@ IChoiceList* HostServices::CreateChoiceList() {
 
 void HostServices::Log(uint32_t, uint32_t kind, const wchar_t* format, ...) {
     if (!format) return;
+    if (kind == LogKind::Failure) ++m_state.loggedFailures;
     va_list arguments;
     va_start(arguments, format);
     GuardedCall([&] { m_state.log.Write(FormatLine(format, arguments), ToneOf(kind)); });

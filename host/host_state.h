@@ -2,6 +2,7 @@
 // shared by the services objects of all extensions.
 #pragma once
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <string>
@@ -54,7 +55,10 @@ struct HostState {
     Shelf<XmlService> xmlServices = {};
     std::vector<std::shared_ptr<FileItem>> selection = {};  // as the command line names it
     IPanelView* panel = nullptr;                            // where there is one, the selection is its own
-    uint32_t failedCount = 0;                               // files marked as failed, renames refused
+    std::atomic<uint32_t> failedCount = 0;                  // files marked as failed, renames refused
+    // Of the command that is running. One that marks its files says by that which of them failed; all others say it in
+    // the log alone.
+    std::atomic<uint32_t> loggedFailures = 0;
 };
 
 }  // namespace QVHost

@@ -51,8 +51,13 @@ LoadedExtension::LoadedExtension(const LoadedLibrary& library, uint32_t index, I
 }
 
 LoadedExtension::~LoadedExtension() {
-    if (!m_isProvider) m_object->Shutdown();
+    Shutdown();
     m_library.Delete(m_object, m_index);
+}
+
+void LoadedExtension::Shutdown() {
+    if (!m_isProvider && !m_isShutDown) m_object->Shutdown();
+    m_isShutDown = true;
 }
 
 IFileProperties* LoadedExtension::Properties() const {

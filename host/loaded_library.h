@@ -40,6 +40,9 @@ public:
     LoadedExtension& operator=(const LoadedExtension&) = delete;
     ~LoadedExtension();
 
+    /// Ends what it has running, with bounded waits; afterwards it takes no calls. The destructor does it otherwise.
+    void Shutdown();
+
     uint32_t Index() const { return m_index; }
     /// Null for a provider of file properties, which has no commands.
     Quorvane::SDK::IPluginInterface* Commands() const { return m_isProvider ? nullptr : m_object; }
@@ -49,6 +52,7 @@ private:
     const LoadedLibrary& m_library;
     uint32_t m_index;
     bool m_isProvider;
+    bool m_isShutDown = false;
     Quorvane::SDK::IPluginInterface* m_object;
 };
 

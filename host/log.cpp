@@ -14,7 +14,7 @@ constexpr size_t kLongestLine = size_t{16} * 1024 * 1024;  // units
 
 }  // namespace
 
-Log::Log(Output& output, const std::wstring& file, bool quiet) : m_output(output), m_quiet(quiet) {
+Log::Log(Output& output, const std::wstring& file, bool quiet) : m_output(output), m_path(file), m_quiet(quiet) {
     if (file.empty()) return;
     m_file.Reset(CreateFileW(Win32::ExtendedPath(file).c_str(), FILE_APPEND_DATA,
                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
@@ -35,12 +35,24 @@ void Log::Write(std::wstring_view text, Tone tone) {
     if (m_pending.size() >= kBlock) FlushFile();
 }
 
+bool Log::Flush() {
+    const std::lock_guard lock(m_mutex);
+    FlushFile();
+    return m_isWhole;
+}
+
 void Log::FlushFile() {
     if (!m_file || m_pending.empty()) return;
     DWORD written = 0;
+    DWORD error = ERROR_SUCCESS;
     if (!WriteFile(m_file.Get(), m_pending.data(), static_cast<DWORD>(m_pending.size()), &written, nullptr))
-        m_output.Note(L"qvhost: writing the log file failed: " + DescribeError(GetLastError()), Tone::Failure);
+        error = GetLastError();
+    else if (written != m_pending.size())
+        error = ERROR_DISK_FULL;
     m_pending.clear();
+    if (error == ERROR_SUCCESS) return;
+    m_isWhole = false;
+    m_output.Note(L"qvhost: the log file " + m_path + L" cannot be written: " + DescribeError(error), Tone::Failure);
 }
 
 std::wstring FormatLine(const wchar_t* format, va_list arguments) {

@@ -21,12 +21,16 @@ public:
 
     /// One line. Line breaks in it become blanks: a reader counts on one line an entry.
     void Write(std::wstring_view text, Tone tone = Tone::Plain);
+    /// False when the file has not taken everything so far.
+    bool Flush();
 
 private:
     void FlushFile();
 
     Output& m_output;
+    std::wstring m_path;
     bool m_quiet;
+    bool m_isWhole = true;
     std::mutex m_mutex;
     Win32::FileHandle m_file;
     std::string m_pending;

@@ -21,7 +21,7 @@ public:
     ~Output() { Flush(); }
 
     /// From now on the panel shows the lines as well; null: no more. To be set while one thread alone writes.
-    void ShowIn(IPanelView* panel) { m_panel = panel; }
+    void ShowIn(IPanelView* panel);
 
     /// One line of standard output. Kept until there is a block of them or something needs the order.
     void Line(std::wstring_view text, Tone tone = Tone::Plain);
@@ -29,16 +29,19 @@ public:
     void Note(std::wstring_view text, Tone tone = Tone::Note);
     /// Standard error without a line end: a prompt, or a line that is written over by the next.
     void Prompt(std::wstring_view text);
-    void Flush();
+    /// False when standard output has not taken everything so far. The first time standard error names the reason.
+    bool Flush();
 
 private:
     void FlushLines();
+    void ReportLoss(unsigned long error);
 
     std::mutex m_mutex;
     std::ostream& m_out;
     std::ostream& m_error;
     bool m_flushLines;
     std::string m_pending;
+    bool m_isWhole = true;
     IPanelView* m_panel = nullptr;
 };
 

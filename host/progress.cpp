@@ -32,7 +32,7 @@ void Progress::Advance(uint32_t done, const wchar_t* currentItem) {
 }
 
 bool Progress::IsCancelled() {
-    if (m_watch.isCancelled && m_watch.isCancelled->load()) return true;
+    if (IsStopped(m_watch)) return true;
     return Guarded(false, [&] { return m_window && m_window->IsCancelled(); });
 }
 

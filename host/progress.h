@@ -20,6 +20,10 @@ struct ProgressWatch {
     bool isInWindow = false;                         // it is shown in a window instead
 };
 
+inline bool IsStopped(const ProgressWatch& watch) {
+    return watch.isCancelled && *watch.isCancelled;
+}
+
 class Progress final : public Quorvane::SDK::IProgress {
 public:
     Progress(Shelf<Progress>& shelf, Output& output, ProgressWatch watch, const std::wstring& title, uint32_t total);

@@ -59,13 +59,14 @@ CounterSettings ReadCounter(const std::wstring& text, CounterSettings counter) {
     const wchar_t* at = text.c_str();
     for (int32_t* const field : fields) {
         wchar_t* end = nullptr;
-        *field = static_cast<int32_t>(std::wcstol(at, &end, 10));
-        if (end == at) break;
+        const long long number = std::wcstoll(at, &end, 10);
+        if (end == at || number < INT32_MIN || number > INT32_MAX) break;
+        *field = static_cast<int32_t>(number);
         if (*end == L'\0') return counter;
         if (*end != L',') break;
         at = end + 1;
     }
-    throw UsageError(L"--counter takes START,STEP,DIGITS, three numbers, not \"" + text + L"\"");
+    throw UsageError(L"--counter takes START,STEP,DIGITS, three numbers of 32 bits, not \"" + text + L"\"");
 }
 
 /// YYYY-MM-DDThh:mm:ss
@@ -128,6 +129,7 @@ void CheckItems(const RuleDefinition& rule) {
 
 /// False when the profile is not on disk; the log says why.
 bool SaveProfile(ProfileStore& profiles, const std::wstring& name, const RuleDefinition& rule) {
+    if (name.empty()) throw UsageError(L"--save-profile needs a name");
     const RenameProfile profile = ProfileOf(name, rule);
     std::vector<const std::wstring*> texts = {&profile.name, &profile.nameTemplate, &profile.extensionTemplate};
     for (const SearchAndReplaceItem& item : profile.items) texts.insert(texts.end(), {&item.find, &item.replaceWith});
@@ -176,9 +178,11 @@ int RunRename(const HostOptions& options, HostEnvironment& environment, Output& 
         CRenameResultCallback results;
         const std::vector<RowOutcome> outcomes = RunRenames(rows, now, host.Surroundings(!given.noUndo), results);
         isDone = host.PrintOutcomes(rows, outcomes, L"renamed") && isDone;
-        if (!given.noUndo && host.Journal().LastError() != ERROR_SUCCESS)
+        if (!given.noUndo && host.Journal().LastError() != ERROR_SUCCESS) {
+            isDone = false;
             output.Note(L"qvhost: the renames could not be recorded for undo: " +
                         DescribeError(host.Journal().LastError()));
+        }
     }
     const bool isInterrupted = environment.progressWatch.isCancelled && environment.progressWatch.isCancelled->load();
     return isDone && !isInterrupted ? ExitStatus::Done : ExitStatus::Failed;

@@ -29,7 +29,9 @@ std::wstring Wide(const std::string& text) {
 /// The status of a command that was `handled`, with everything that counts against it.
 int StatusOf(HostState& state, bool handled, uint32_t resultCode) {
     const bool isSaved = state.settings.Save();
-    const bool isDone = handled && resultCode == 0 && state.failedCount == 0 && isSaved;
+    const bool isLogged = state.log.Flush();
+    state.failedCount += state.loggedFailures.exchange(0);
+    const bool isDone = handled && resultCode == 0 && state.failedCount == 0 && isSaved && isLogged;
     return isDone ? ExitStatus::Done : ExitStatus::Failed;
 }
 
@@ -49,11 +51,14 @@ bool CallOnce(Session& session, const CustomCommand& command, const std::vector<
 
     Quorvane::SDK::IPluginInterface* const extension = session.Extensions()[command.Extension()]->Commands();
     const bool handled = extension && extension->OnCustomCommand(&call) != 0;
+    state.failedCount += state.loggedFailures.exchange(0);
     if (!call.ResultText().empty()) state.output.Note(L"[result] " + call.ResultText());
     if (call.ResultCode() != 0) state.output.Note(L"[result] " + DescribeError(call.ResultCode()));
     // The extension decides what it makes of a call without them; a person wants to know why nothing happened.
-    for (const std::wstring& name : call.MissingParameters())
+    const std::vector<std::wstring> missing = call.MissingParameters();
+    for (const std::wstring& name : missing)
         if (!handled) state.output.Note(L"qvhost: " + Wide(command.Name()) + L" needs " + name);
+    if (!handled && missing.empty()) state.output.Note(L"qvhost: " + Wide(command.Name()) + L" was not done");
     return handled && call.ResultCode() == 0;
 }
 
@@ -72,9 +77,15 @@ int RunCall(Session& session, const HostOptions& options, std::istream& in) {
     if (std::ranges::none_of(arguments, [](const auto& text) { return text.find(kPathPlace) != text.npos; }))
         throw UsageError(L"with --files-from the place of each path is marked by {}, as in FILE={}");
     bool isDone = true;
-    for (const std::wstring& path : SelectedPaths({}, options.filesFrom, in))
+    HostState& state = session.State();
+    for (const std::wstring& path : SelectedPaths({}, options.filesFrom, in)) {
+        if (IsStopped(state.progressWatch)) {
+            isDone = false;
+            break;
+        }
         isDone &= CallOnce(session, command, ArgumentsFor(arguments, path));
-    return StatusOf(session.State(), isDone, 0);
+    }
+    return StatusOf(state, isDone, 0);
 }
 
 void Select(HostState& state, const std::vector<std::wstring>& given, const std::optional<std::wstring>& listFile,
@@ -90,8 +101,9 @@ int RunColumns(Session& session, const HostOptions& options, std::istream& in) {
     const ColumnFormat format = options.printsCsv    ? ColumnFormat::Csv
                                 : options.printsJson ? ColumnFormat::Json
                                                      : ColumnFormat::Table;
-    PrintColumns(state.output, state.columns, state.selection, format);
-    return ExitStatus::Done;
+    const bool isWhole = PrintColumns(state.output, state.columns, state.selection, format,
+                                      [&] { return IsStopped(state.progressWatch); });
+    return isWhole ? ExitStatus::Done : ExitStatus::Failed;
 }
 
 int RunCommand(Session& session, const HostOptions& options, std::istream& in) {
@@ -102,9 +114,11 @@ int RunCommand(Session& session, const HostOptions& options, std::istream& in) {
     Select(state, {options.operands.begin() + 1, options.operands.end()}, options.filesFrom, in);
     const bool handled = session.RunCommand(id);
     // An extension may have opened a window that works by itself: this command ends with it.
-    const std::atomic<bool>* const isCancelled = state.progressWatch.isCancelled;
-    PumpWhile(session, [&] { return HasWindowsOfOtherThreads() && !(isCancelled && *isCancelled); });
-    if (!handled) state.output.Note(L"qvhost: no extension handles the command " + std::to_wstring(id));
+    PumpWhile(session, [&] { return HasWindowsOfOtherThreads() && !IsStopped(state.progressWatch); });
+    session.ShutdownExtensions();  // a window that is closed only now has settings to keep
+    if (!handled)
+        state.output.Note(L"qvhost: no extension handles the command " + std::to_wstring(id) +
+                          L" (qvhost menus lists them)");
     return StatusOf(state, handled, 0);
 }
 
@@ -145,10 +159,11 @@ int Run(const HostOptions& options, HostEnvironment& environment, Output& output
 int RunQvHost(const std::vector<std::wstring>& arguments, HostEnvironment& environment) {
     Output output(environment.out, environment.error, environment.outIsTerminal);
     try {
-        return Run(ParseCommandLine(arguments), environment, output);
+        const int status = Run(ParseCommandLine(arguments), environment, output);
+        return output.Flush() ? status : std::max<int>(status, ExitStatus::Failed);
     } catch (const HelpText& help) {
-        environment.out << help.text << std::flush;
-        return ExitStatus::Done;
+        output.Line(Wide(help.text.substr(0, help.text.find_last_not_of('\n') + 1)));
+        return output.Flush() ? ExitStatus::Done : ExitStatus::Failed;
     } catch (const UsageError& error) {
         output.Note(L"qvhost: " + Wide(error.what()));
         output.Note(L"qvhost: how it goes: qvhost --help");

@@ -24,7 +24,8 @@ struct HostEnvironment {
     ProgressWatch progressWatch;
 };
 
-/// The exit status: 0 handled and nothing failed; 1 not handled, or something failed; 2 wrong use, nothing was run.
+/// The exit status: 0 handled and nothing failed; 1 not handled, stopped, or something failed - the output included;
+/// 2 wrong use, nothing was run.
 int RunQvHost(const std::vector<std::wstring>& arguments, HostEnvironment& environment);
 
 }  // namespace QVHost

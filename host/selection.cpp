@@ -1,12 +1,15 @@
 #include "host/selection.h"
 
+#include <algorithm>
 #include <functional>
 #include <iterator>
 
 #include "host/host_error.h"
+#include "host/text.h"
 #include "host/unix_paths.h"
 #include "host/whole_file.h"
 #include "win32/files.h"
+#include "win32/folder.h"
 #include "win32/path.h"
 #include "win32/windows.h"
 
@@ -28,10 +31,31 @@ void ReadList(const std::wstring& listFile, std::istream& in, const TakePath& ta
     std::wstring path;
     for (const std::string_view line : LinesOf(bytes)) {
         ++number;
-        if (!FromUtf8(line, path))
-            throw UsageError(L"line " + std::to_wstring(number) + L" of " + listFile + L" is not UTF-8");
+        const auto place = [&] { return L"line " + std::to_wstring(number) + L" of " + listFile; };
+        if (!FromUtf8(line, path)) throw UsageError(place() + L" is not UTF-8");
+        // Lists such as `find -print0` makes; the system would take what stands before the zero for the path.
+        if (path.find(L'\0') != std::wstring::npos)
+            throw UsageError(place() + L" holds a zero character; each path needs a line of its own");
         if (!path.empty()) take(path);
     }
+}
+
+/// A path as it was typed, or, where its name has wildcards and is nobody's, what the wildcards match, in order of
+/// names: no shell of this system does that. Hidden items are left out, as `dir` leaves them out.
+void TakeTyped(const std::wstring& typed, const TakePath& take) {
+    const std::wstring pattern(Win32::FileNameOf(typed));
+    const std::wstring folder(Win32::FolderOf(typed));
+    if (pattern.find_first_of(L"*?") == std::wstring::npos || Win32::Exists(FullUserPath(typed))) {
+        take(typed);
+        return;
+    }
+    std::vector<Win32::FolderEntry> entries;
+    const uint32_t error = Win32::ListFolder(FullUserPath(folder.empty() ? L"." : folder), pattern, entries);
+    if (error != ERROR_SUCCESS) throw UsageError(L"cannot look for " + typed + L": " + DescribeError(error));
+    std::erase_if(entries, [](const auto& entry) { return (entry.attributes & FILE_ATTRIBUTE_HIDDEN) != 0; });
+    if (entries.empty()) throw UsageError(L"there is no file or folder " + typed);
+    std::ranges::sort(entries, {}, &Win32::FolderEntry::name);
+    for (const Win32::FolderEntry& entry : entries) take(folder + entry.name);
 }
 
 }  // namespace
@@ -48,13 +72,13 @@ std::vector<std::wstring> SelectedPaths(const std::vector<std::wstring>& given,
         if (existence == Existence::Checked && !Win32::Exists(full)) RefuseMissingPath(path);
         paths.push_back(std::move(full));
     };
-    for (const std::wstring& path : given) take(path);
+    for (const std::wstring& typed : given) TakeTyped(typed, take);
     if (listFile) ReadList(*listFile, in, take);
     return paths;
 }
 
 void RefuseMissingPath(const std::wstring& path) {
-    throw UsageError(L"there is no file or folder " + path);
+    throw UsageError(path.empty() ? L"an empty text is no path" : L"there is no file or folder " + path);
 }
 
 }  // namespace QVHost

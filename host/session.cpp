@@ -125,4 +125,8 @@ bool Session::RunCommand(uint32_t id) {
     return false;
 }
 
+void Session::ShutdownExtensions() {
+    for (const auto& extension : m_extensions) extension->Shutdown();
+}
+
 }  // namespace QVHost

@@ -34,6 +34,10 @@ public:
     /// some commands have no entry in a menu. False when none handles it.
     bool RunCommand(uint32_t id);
 
+    /// Ends what extensions have running on threads of their own, which may report to the panel and keep settings until
+    /// then. They take no commands afterwards.
+    void ShutdownExtensions();
+
     HostState& State() { return m_state; }
     const LoadedLibrary& Library() const { return m_library; }
     /// In the order of the library; empty before StartExtensions.

@@ -98,7 +98,10 @@ std::wstring DescribeError(uint32_t code) {
     if (length == 0) return description;
     std::wstring_view text(raw, length);
     while (!text.empty() && text.back() <= L' ') text.remove_suffix(1);
-    return description + L" (" + OnOneLine(text) + L")";
+    std::wstring line = OnOneLine(text);
+    // Some of the system's texts leave a place for the name, which stands in front of ours.
+    if (const size_t place = line.find(L"%1"); place != std::wstring::npos) line.replace(place, 2, L"the file");
+    return description + L" (" + line + L")";
 }
 
 }  // namespace QVHost

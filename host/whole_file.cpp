@@ -9,17 +9,6 @@ namespace {
 
 constexpr LONGLONG kLargest = LONGLONG{256} * 1024 * 1024;  // bytes
 
-uint32_t WriteNewFile(const std::wstring& path, std::string_view bytes) {
-    const Win32::FileHandle file(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_WRITE, 0, nullptr,
-                                             CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file) return GetLastError();
-    DWORD written = 0;
-    if (!WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr))
-        return GetLastError();
-    if (written != bytes.size()) return ERROR_DISK_FULL;
-    return FlushFileBuffers(file.Get()) ? ERROR_SUCCESS : GetLastError();
-}
-
 }  // namespace
 
 uint32_t ReadWholeFile(const std::wstring& path, std::string& bytes) {
@@ -36,6 +25,20 @@ uint32_t ReadWholeFile(const std::wstring& path, std::string& bytes) {
     content.resize(read);
     bytes = std::move(content);
     return ERROR_SUCCESS;
+}
+
+uint32_t WriteNewFile(const std::wstring& path, std::string_view bytes) {
+    const Win32::FileHandle file(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_WRITE, 0, nullptr,
+                                             CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file) return GetLastError();
+    while (!bytes.empty()) {
+        DWORD written = 0;
+        if (!WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr))
+            return GetLastError();
+        if (written == 0) return ERROR_DISK_FULL;
+        bytes.remove_prefix(written);
+    }
+    return FlushFileBuffers(file.Get()) ? ERROR_SUCCESS : GetLastError();
 }
 
 uint32_t ReplaceWholeFile(const std::wstring& path, std::string_view bytes) {

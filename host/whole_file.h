@@ -10,6 +10,9 @@ namespace QVHost {
 /// Reads the file at `path` into `bytes`. Windows error code, 0 for success; a file over 256 MB is refused (223).
 uint32_t ReadWholeFile(const std::wstring& path, std::string& bytes);
 
+/// Writes a file that is on disk when this returns; one of that name is overwritten. Windows error code, 0 for success.
+uint32_t WriteNewFile(const std::wstring& path, std::string_view bytes);
+
 /// Writes beside the file and moves over it when all is on disk, so that a failure leaves the old file as it was.
 /// Windows error code, 0 for success.
 uint32_t ReplaceWholeFile(const std::wstring& path, std::string_view bytes);

@@ -4,8 +4,8 @@
 
 #include "host/boundary.h"
 #include "host/bstr.h"
+#include "host/memory_stream.h"
 #include "host/text.h"
-#include "host/whole_file.h"
 
 namespace QVHost {
 namespace {
@@ -217,10 +217,7 @@ void XmlDocument::InsertBlank(IXMLDOMNode* parent, const std::wstring& blank, IX
     Win32::ComPointer<IXMLDOMText> text;
     if (FAILED(m_document->createTextNode(Bstr(blank).Get(), text.Receive()))) return;
     VARIANT place = {};
-    if (before) {
-        place.vt = VT_UNKNOWN;
-        place.punkVal = before;
-    }
+    if (before) place = ObjectVariant(before);
     parent->insertBefore(text.Get(), place, nullptr);
 }
 
@@ -246,21 +243,25 @@ void XmlDocument::IndentChildren(IXMLDOMNode* parent, const std::wstring& lineSt
     InsertBlank(parent, lineStart, nullptr);
 }
 
-uint32_t XmlDocument::SaveAs(const std::wstring& path) const {
+uint32_t XmlDocument::ToBytes(std::string& bytes) const {
     if (!m_encoding) return ERROR_NOT_SUPPORTED;
-    const Bstr name(path);
-    if (m_encoding->codePage == XmlEncoding::kUtf8) return CodeOf(m_document->save(TextVariant(name)));
-    // Not every system's writer follows a declaration of another encoding; some write UTF-8 under its name. Without a
-    // declaration all write UTF-8, which is then put into the document's own encoding.
-    Win32::ComPointer<IXMLDOMNode> declaration;
-    m_document->get_firstChild(declaration.Receive());
-    if (declaration && NameOf(declaration.Get()) == L"xml") m_document->removeChild(declaration.Get(), nullptr);
-    std::string bytes;
-    uint32_t error = CodeOf(m_document->save(TextVariant(name)));
-    if (error == ERROR_SUCCESS) error = ReadWholeFile(path, bytes);
-    if (error != ERROR_SUCCESS) return error;
+    const bool isUtf8 = m_encoding->codePage == XmlEncoding::kUtf8;
+    if (!isUtf8) {
+        // Not every system's writer follows a declaration of another encoding; some write UTF-8 under its name. Without
+        // a declaration all write UTF-8, which is then put into the document's own encoding.
+        Win32::ComPointer<IXMLDOMNode> declaration;
+        m_document->get_firstChild(declaration.Receive());
+        if (declaration && NameOf(declaration.Get()) == L"xml") m_document->removeChild(declaration.Get(), nullptr);
+    }
+    const Win32::ComPointer<IStream> stream = StreamOf({});
+    if (!stream) return ERROR_OUTOFMEMORY;
+    uint32_t error = CodeOf(m_document->save(ObjectVariant(stream.Get())));
+    if (error == ERROR_SUCCESS) error = ReadStream(*stream, bytes);
+    if (error != ERROR_SUCCESS || isUtf8) return error;
     const std::optional<std::wstring> text = FromUtf8(bytes);
-    return text ? ReplaceWholeFile(path, EncodedXml(*m_encoding, *text)) : ERROR_NO_UNICODE_TRANSLATION;
+    if (!text) return ERROR_NO_UNICODE_TRANSLATION;
+    bytes = EncodedXml(*m_encoding, *text);
+    return ERROR_SUCCESS;
 }
 
 void XmlDocument::Compact() {

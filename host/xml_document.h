@@ -54,9 +54,9 @@ public:
     void Release() override;
 
     IXMLDOMDocument2* Document() const { return m_document.Get(); }
-    /// Writes the document to a new file, in its encoding. Afterwards it may be without its declaration.
+    /// The document as the bytes of a file, in its encoding. Afterwards it may be without its declaration.
     /// A Windows error code, 0 for success.
-    uint32_t SaveAs(const std::wstring& path) const;
+    uint32_t ToBytes(std::string& bytes) const;
     /// The one object that stands for this node; null for null.
     XmlElement* ElementOf(Win32::ComPointer<IXMLDOMElement> node);
     Win32::ComPointer<IXMLDOMElement> NewElement(const wchar_t* name);

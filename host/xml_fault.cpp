@@ -4,11 +4,11 @@
 #include <utility>
 
 #include "host/bstr.h"
+#include "host/memory_stream.h"
 #include "host/text.h"
 #include "win32/com.h"
 #include "win32/module.h"
 
-#include <shlwapi.h>
 #include <xmllite.h>
 
 namespace QVHost {
@@ -16,17 +16,15 @@ namespace {
 
 constexpr IID kXmlReader = {0x7279FC81, 0x709D, 0x4095, {0xB6, 0x3D, 0x69, 0xFE, 0x4B, 0x0D, 0x90, 0x30}};
 
-/// Line and column, from 1, where the system's light reader stops; nothing when it reads the file to its end, cannot
-/// open it, or does not exist. The parser of documents does not tell the place on every system.
-std::optional<std::pair<UINT, UINT>> FaultPlace(const std::wstring& path) {
+/// Line and column, from 1, where the system's light reader stops; nothing when it reads to the end or does not
+/// exist. The parser of documents does not tell the place on every system.
+std::optional<std::pair<UINT, UINT>> FaultPlace(std::string_view bytes) {
     using CreateReader = HRESULT(WINAPI*)(REFIID, void**, IMalloc*);
     const Win32::Module library = Win32::LoadSystemModule(L"xmllite.dll");  // first: it must go after the reader
     const auto createReader = Win32::FindFunction<CreateReader>(library, "CreateXmlReader");
     Win32::ComPointer<IXmlReader> reader;
-    Win32::ComPointer<IStream> stream;
-    if (!createReader || FAILED(createReader(kXmlReader, reader.ReceiveUntyped(), nullptr)) ||
-        FAILED(SHCreateStreamOnFileEx(path.c_str(), STGM_READ | STGM_SHARE_DENY_NONE, 0, FALSE, nullptr,
-                                      stream.Receive())) ||
+    const Win32::ComPointer<IStream> stream = StreamOf(bytes);
+    if (!createReader || !stream || FAILED(createReader(kXmlReader, reader.ReceiveUntyped(), nullptr)) ||
         FAILED(reader->SetInput(stream.Get())))
         return std::nullopt;
     HRESULT result = S_OK;
@@ -43,7 +41,7 @@ std::optional<std::pair<UINT, UINT>> FaultPlace(const std::wstring& path) {
 
 }  // namespace
 
-std::wstring FaultOf(IXMLDOMDocument2& document, const std::wstring& path) {
+std::wstring FaultOf(IXMLDOMDocument2& document, std::string_view bytes) {
     Win32::ComPointer<IXMLDOMParseError> fault;
     if (FAILED(document.get_parseError(fault.Receive())) || !fault) return {};
     LONG line = 0;
@@ -55,7 +53,7 @@ std::wstring FaultOf(IXMLDOMDocument2& document, const std::wstring& path) {
     std::wstring place;
     if (line > 0) {
         place = L"line " + std::to_wstring(line) + L", column " + std::to_wstring(column);
-    } else if (const auto found = FaultPlace(path)) {
+    } else if (const auto found = FaultPlace(bytes)) {
         place = L"line " + std::to_wstring(found->first) + L", column " + std::to_wstring(found->second);
     } else {
         return {};

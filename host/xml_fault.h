@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "win32/windows.h"
 
@@ -9,8 +10,8 @@
 
 namespace QVHost {
 
-/// "line L, column C" and the reader's reason, if it has one, of the document that could not be loaded from `path`.
+/// "line L, column C" and the reader's reason, if it has one, of the document that could not be loaded from `bytes`.
 /// "" when that is not what is wrong.
-std::wstring FaultOf(IXMLDOMDocument2& document, const std::wstring& path);
+std::wstring FaultOf(IXMLDOMDocument2& document, std::string_view bytes);
 
 }  // namespace QVHost

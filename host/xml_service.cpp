@@ -4,6 +4,7 @@
 
 #include "host/boundary.h"
 #include "host/bstr.h"
+#include "host/memory_stream.h"
 #include "host/text.h"
 #include "host/unix_paths.h"
 #include "host/whole_file.h"
@@ -66,13 +67,13 @@ Quorvane::SDK::IXmlDocument* XmlService::Load(const wchar_t* path, uint32_t) {
             return nullptr;
         }
         StartCom();
-        const Bstr source(file);
+        const Win32::ComPointer<IStream> source = StreamOf(bytes);
         Win32::ComPointer<IXMLDOMDocument2> document = NewDocument();
-        if (!document) return nullptr;
+        if (!document || !source) return nullptr;
         VARIANT_BOOL isLoaded = VARIANT_FALSE;
-        if (document->load(TextVariant(source), &isLoaded) != S_OK || isLoaded != VARIANT_TRUE) {
-            const std::wstring fault = FaultOf(*document, file);
-            if (!fault.empty()) m_output.Note(L"[xml] " + file + L", " + fault);
+        if (document->load(ObjectVariant(source.Get()), &isLoaded) != S_OK || isLoaded != VARIANT_TRUE) {
+            const std::wstring fault = FaultOf(*document, bytes);
+            m_output.Note(L"[xml] " + file + (fault.empty() ? L": it holds no XML" : L", " + fault));
             return nullptr;
         }
         return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document), EncodingOf(bytes)));
@@ -87,7 +88,9 @@ bool XmlService::Save(Quorvane::SDK::IXmlDocument* document, const wchar_t* path
         if (mode == kIndented) known->Indent();
         const std::wstring target = FullUserPath(path);
         const std::wstring beside = target + L"." + std::to_wstring(GetCurrentProcessId()) + L".new";
-        uint32_t error = known->SaveAs(beside);
+        std::string bytes;
+        uint32_t error = known->ToBytes(bytes);
+        if (error == ERROR_SUCCESS) error = WriteNewFile(beside, bytes);
         if (error == ERROR_SUCCESS) {
             if (Win32::Exists(target)) Win32::CarryOverAttributesAndAccess(target, beside);
             error = Win32::MoveFileOver(beside, target);

@@ -47,7 +47,9 @@ int RunPanel(Session& session, const HostOptions& options) {
     panel.Open(FullUserPath(options.operands.empty() ? L"." : options.operands.front()));
     PumpWhile(
         session, [&] { return panel.IsOpen(); }, [&](MSG& message) { return panel.PreTranslate(message); });
-    return ExitStatus::Done;
+    // While the panel is still there: a renaming in work reports to it, and a window that closes keeps its place.
+    session.ShutdownExtensions();
+    return session.State().settings.Save() ? ExitStatus::Done : ExitStatus::Failed;
 }
 
 }  // namespace QVHost

@@ -186,6 +186,8 @@ TEST_F(RenameCommand, RefusesWhatMakesNoSense) {
     } cases[] = {
         {{L"--find", L"a"}, "needs its --replace"},
         {{L"--counter", L"1,x"}, "--counter takes"},
+        {{L"--counter", L"2147483648,1,1"}, "--counter takes"},
+        {{L"--save-profile", L""}, "--save-profile needs a name"},
         {{L"--case", L"loud"}, "name-lower"},
         {{L"--scope", L"all"}, "extension"},
         {{L"--time", L"2016-02-30T00:00:00"}, "--time takes"},
@@ -209,6 +211,10 @@ TEST_F(RenameCommand, RefusesWhatMakesNoSense) {
 TEST_F(RenameCommand, ListsSessionsAndLeavesNoneWhenAskedNotTo) {
     Fill({L"a", L"b"});
     EXPECT_EQ(Rename({L"a"}, {L"--name", L"a2", L"--no-undo"}).status, 0);
+    const HostRun unrecorded =
+        Rename({L"a2"}, {L"--name", L"a3", L"--config", QVTest::BesideThisProgram(L"test_batchrename.exe")});
+    EXPECT_EQ(unrecorded.status, 1) << "a file is no folder for settings";
+    EXPECT_NE(unrecorded.error.find("could not be recorded"), std::string::npos) << unrecorded.error;
     EXPECT_EQ(m_host.Run({L"undo", L"list"}).out, "");
     Rename({L"b"}, {L"--name", L"b2"});
     const std::string list = m_host.Run({L"undo"}).out;

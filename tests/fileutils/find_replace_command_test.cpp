@@ -99,7 +99,7 @@ TEST_F(FindAndReplace, LogsEachFileAndHandsTheListsBack) {
 
     m_folder.Write(L"binary.bin", std::string("\x01\x02\x03\x04\x05", 5));
     const CommandRun binary = Run(L"binary.bin", {L"FIND=b", L"REPLACEWITH=c", L"DELETE", L"SILENT"});
-    EXPECT_EQ(binary.status, 0);
+    EXPECT_EQ(binary.status, 0) << "done, with no changes";
     EXPECT_EQ(binary.log.find("[Find and Replace] Error : File is not detected as a text file. Unsupported file format "
                               "( ErrorCode : 11 )\n[Find and Replace] - 0 changes made to file : "),
               0u)

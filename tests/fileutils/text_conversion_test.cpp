@@ -134,7 +134,7 @@ TEST(TextConversionCommand, LosesNothingWhenAFileCannotBeReplaced) {
         const Win32::FileHandle holder(
             CreateFileW(held.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
         const CommandRun run = runner.Run({L"command", L"30101", folder, held, other}, {L"yes"});
-        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(run.status, 1);
         EXPECT_NE(run.log.find("held.temp"), std::string::npos) << run.log;
 
         EXPECT_NE(run.log.find("\\sub "), std::string::npos) << run.log;

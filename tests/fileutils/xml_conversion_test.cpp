@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "fileutils/command_runner.h"
+#include "host/whole_file.h"
+#include "win32/path.h"
 
 namespace {
 
@@ -57,12 +59,32 @@ TEST(XmlConversion, LeavesABadDocumentAloneAndSaysWhere) {
     const std::string bad = "<a>\n  <b></a>\n";
     const std::wstring path = runner.Folder().Write(L"bad.xml", bad);
     const std::wstring good = runner.Folder().Write(L"good.xml", "<a> <b/> </a>");
-    const CommandRun run = runner.Run({L"command", L"30201", path, good});
+    const std::wstring empty = runner.Folder().Write(L"empty.xml", "");
+    const CommandRun run = runner.Run({L"command", L"30201", path, good, empty});
     EXPECT_EQ(runner.Folder().Read(L"bad.xml"), bad);
     EXPECT_NE(run.log.find("[Convert XML] - Failed to load file : "), std::string::npos) << run.log;
     EXPECT_NE(run.notes.find("bad.xml, line 2, column "), std::string::npos) << run.notes;
     EXPECT_NE(runner.Folder().Read(L"good.xml").find("<a><b/></a>"), std::string::npos);
-    EXPECT_EQ(runner.Folder().List(), (Names{L"bad.xml", L"good.xml"}));
+    EXPECT_NE(run.notes.find("empty.xml: it holds no XML"), std::string::npos) << run.notes;
+    EXPECT_EQ(runner.Folder().List(), (Names{L"bad.xml", L"empty.xml", L"good.xml"}));
+}
+
+TEST(XmlConversion, TakesANameForANameAndNotForAnAddress) {
+    const CommandRunner runner;
+    const std::wstring path = runner.Folder().Write(L"a%41.xml", "<a> <right/> </a>");
+    runner.Folder().Write(L"aA.xml", "<a> <wrong/> </a>");
+    runner.Run({L"command", L"30201", path});
+    EXPECT_NE(runner.Folder().Read(L"a%41.xml").find("<a><right/></a>"), std::string::npos);
+    EXPECT_EQ(runner.Folder().Read(L"aA.xml"), "<a> <wrong/> </a>");
+
+    const std::wstring folder = runner.Folder() / std::wstring(200, L'd');
+    ASSERT_EQ(QVHost::MakeFolders(folder), 0u);
+    const std::wstring deep = Win32::JoinPath(folder, std::wstring(100, L'x') + L".xml");
+    ASSERT_EQ(QVHost::ReplaceWholeFile(deep, "<a> <b/> </a>"), 0u);
+    runner.Run({L"command", L"30201", deep});
+    std::string bytes;
+    ASSERT_EQ(QVHost::ReadWholeFile(deep, bytes), 0u);
+    EXPECT_NE(bytes.find("<a><b/></a>"), std::string::npos) << "a path over 260 units";
 }
 
 }  // namespace

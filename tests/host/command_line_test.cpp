@@ -44,10 +44,17 @@ TEST(ParseCommandLine, RefusesWhatMakesNoSense) {
         {L"menus", L"extra"},
         {L"call", L"N", L"--unknown"},
         {L"--answer"},
+        {L"menus", L"--config", L""},
         {L"elevated-server"},
     };
     for (const Words& arguments : cases) EXPECT_THROW(ParseCommandLine(arguments), UsageError) << arguments.size();
     EXPECT_THROW(ParseCommandLine({L"--help"}), HelpText);
+    try {
+        ParseCommandLine({L"comands", L"--quiet"});
+        FAIL();
+    } catch (const UsageError& error) {
+        EXPECT_STREQ(error.what(), "there is no \"comands\", did you mean commands?");
+    }
 }
 
 TEST(NearestName, FindsSlipsAndNothingElse) {

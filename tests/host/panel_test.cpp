@@ -222,6 +222,8 @@ TEST(Panel, ShowsAFolderRunsACommandAndMarksWhatBecameOfTheFiles) {
         });
     EXPECT_EQ(run.status, 0) << run.error;
     EXPECT_NE(run.out.find("other.txt in "), std::string::npos) << "log lines go to the console too";
+    EXPECT_NE(host.Folder().Read(L"config\\settings.json").find("AtEnd"), std::string::npos)
+        << "what an extension sets as it is shut down is kept";
 }
 
 }  // namespace

@@ -1,6 +1,9 @@
 // run_test.cpp - whole runs of the host with the test extension.
+#include <sstream>
+
 #include <gtest/gtest.h>
 
+#include "host/output.h"
 #include "host/text.h"
 #include "host/whole_file.h"
 #include "host_runner.h"
@@ -65,6 +68,10 @@ TEST(QvHost, CallsACommandOnceForEachPathOfAList) {
     }
     EXPECT_EQ(run.status, 0) << run.error;
     EXPECT_EQ(host.Run({L"call", L"Echo", L"TEXT=x", L"--files-from", L"-"}, list).status, 2);
+    const std::string zeros = QVHost::ToUtf8(host.Folder() / L"b.txt") + std::string(1, '\0') + "c.txt";
+    const HostRun refused = host.Run({L"call", L"Echo", L"TEXT={}", L"--files-from", L"-"}, zeros);
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_TRUE(Contains(refused.error, "line 1 of - holds a zero character")) << refused.error;
 }
 
 TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
@@ -81,6 +88,8 @@ TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
         {"a done file", {L"command", L"40000", host.Folder() / L"good.txt"}, 0, "[done] "},
         {"a command in no menu", {L"command", L"40001"}, 0, ""},
         {"not handled", {L"command", L"9"}, 1, "no extension handles the command 9"},
+        {"wildcards", {L"command", L"40000", host.Folder() / L"g?od.*"}, 0, "good.txt\n"},
+        {"wildcards that match nothing", {L"command", L"40000", host.Folder() / L"no*.txt"}, 2, "no*.txt"},
         {"a missing file", {L"command", L"40000", L"none.txt"}, 2, "there is no file or folder none.txt"},
         {"no id", {L"command", L"x"}, 2, "\"x\" is no command id"},
         {"result code", {L"call", L"Result", L"CODE=5"}, 1, "[result] that is it\n[result] error 5"},
@@ -94,6 +103,7 @@ TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
         {"no number", {L"call", L"Echo", L"NUMBER=1x"}, 2, "NUMBER needs a number"},
         {"too large a number", {L"call", L"Echo", L"NUMBER=4294967296"}, 2, "NUMBER needs a number"},
         {"given twice", {L"call", L"Echo", L"TEXT=a", L"TEXT=b"}, 2, "TEXT is given twice"},
+        {"a log that takes nothing", {L"call", L"Echo", L"TEXT=a", L"--log", L"/dev/full"}, 1, "the log file "},
         {"no library", {L"menus", L"--library", L"none.dll"}, 2, "none.dll"},
         {"wrong use", {L"dance"}, 2, "qvhost --help"},
     };
@@ -170,6 +180,17 @@ TEST(QvHost, KeepsLogLinesWholeAndInTheFile) {
     const HostRun second = host.Run({L"call", L"Echo", L"TEXT=c", L"--log", log});
     EXPECT_EQ(second.out, "text <c> number 7 default switch off\n");
     EXPECT_EQ(host.Folder().Read(L"log.txt"), "text <a b> number 7 default switch off\n" + second.out);
+}
+
+TEST(QvHost, SaysOnceThatItsOutputIsLost) {
+    std::ostringstream out;
+    std::ostringstream error;
+    out.setstate(std::ios::badbit);
+    QVHost::Output output(out, error, true);
+    output.Line(L"a");
+    output.Line(L"b");
+    EXPECT_FALSE(output.Flush());
+    EXPECT_EQ(error.str(), "qvhost: standard output cannot be written\n");
 }
 
 TEST(QvHost, SurvivesAFaultyExtension) {

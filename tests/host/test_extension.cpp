@@ -42,7 +42,11 @@ public:
     uint32_t OnCommand(uint32_t id, uintptr_t first, uintptr_t second) override;
     uint32_t OnCustomCommand(ICustomCommandCall* call) override;
     uint32_t OnElevatedRequest(uint32_t requestId, IRequestMessage* message) override;
-    uint32_t Shutdown() override { return 0; }
+    uint32_t Shutdown() override {
+        // As a window does that is closed with the host.
+        m_services->GetSettings()->SetNumber(1, L"S", L"AtEnd", 1);
+        return 0;
+    }
 
 private:
     template <class... Arguments>

@@ -117,7 +117,7 @@ TEST_F(Columns, ArePrintedInThreeForms) {
     QVHost::ColumnValues values;
     values.AddProvider(m_host.State().propertyColumns[0], m_provider);
     for (const auto format : {QVHost::ColumnFormat::Csv, QVHost::ColumnFormat::Json, QVHost::ColumnFormat::Table})
-        QVHost::PrintColumns(m_host.State().output, values, m_host.State().selection, format);
+        QVHost::PrintColumns(m_host.State().output, values, m_host.State().selection, format, [] { return false; });
     const std::string name(path.begin(), path.end());
     std::string escaped;
     for (const char c : name) escaped += c == '\\' ? "\\\\" : std::string(1, c);
@@ -126,6 +126,8 @@ TEST_F(Columns, ArePrintedInThreeForms) {
                   escaped + "\",\"owner\":\"D\\\\\\\"o\\\"\",\"access\":\"R X\",\"ADScount\":2,\"ADSsize\":null}\n]\n" +
                   "File" + std::string(name.size() - 4, ' ') + "  Owner  Access  Streams  Size of streams\n" + name +
                   "  D\\\"o\"  R X           2\n");
+    EXPECT_FALSE(QVHost::PrintColumns(m_host.State().output, values, m_host.State().selection,
+                                      QVHost::ColumnFormat::Csv, [] { return true; }));
 }
 
 }  // namespace
