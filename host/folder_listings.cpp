@@ -6,7 +6,6 @@
 
 #include "win32/folder.h"
 #include "win32/path.h"
-#include "win32/windows.h"
 
 namespace QVHost {
 namespace {
@@ -41,18 +40,18 @@ FolderListings::~FolderListings() {
 void FolderListings::ListAll() noexcept {
     for (size_t folder = 0; folder < m_folders.size() && !m_isEnding; ++folder) {
         m_listings[folder] = ListOne(m_folders[folder]);
-        {
-            const std::lock_guard lock(m_mutex);
-            m_listed = folder + 1;
-        }
-        m_isFurther.notify_one();
+        AcquireSRWLockExclusive(&m_lock);
+        m_listed = folder + 1;
+        ReleaseSRWLockExclusive(&m_lock);
+        WakeConditionVariable(&m_isFurther);
     }
 }
 
 void FolderListings::WaitFor(size_t folder) {
     if (folder < m_listed) return;
-    std::unique_lock lock(m_mutex);
-    m_isFurther.wait(lock, [&] { return folder < m_listed; });
+    AcquireSRWLockExclusive(&m_lock);
+    while (folder >= m_listed) SleepConditionVariableSRW(&m_isFurther, &m_lock, INFINITE, 0);
+    ReleaseSRWLockExclusive(&m_lock);
 }
 
 FolderListings::Listing FolderListings::Take(size_t folder) {

@@ -4,13 +4,13 @@
 #pragma once
 
 #include <atomic>
-#include <condition_variable>
 #include <cstdint>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <vector>
+
+#include "win32/windows.h"
 
 namespace QVHost {
 
@@ -56,8 +56,9 @@ private:
     std::vector<bool> m_isSorted;      // by name
     std::atomic<size_t> m_listed = 0;  // so many folders from the first on
     std::atomic<bool> m_isEnding = false;
-    std::mutex m_mutex;
-    std::condition_variable m_isFurther;
+    // The system's own: the standard ones are built on objects for which the test platform asks its server.
+    SRWLOCK m_lock = SRWLOCK_INIT;
+    CONDITION_VARIABLE m_isFurther = CONDITION_VARIABLE_INIT;
     std::thread m_thread;  // last: it uses all of these
 };
 

@@ -40,7 +40,7 @@ private:
 
 /// Adds the line of the folder's next row. False when the row would fail.
 bool ShowNext(FolderRows& folder, Pages& pages) {
-    const RowPlan& verdict = folder.plan.rows[folder.shown];
+    const RowPlan verdict = folder.plan.rows[folder.shown];
     const BatchRenameItem& row = *folder.rows[folder.shown++];
     const uint32_t code = verdict.verdict == RowVerdict::Ignored ? Quorvane::SDK::RenameResult::Ignored : verdict.code;
     pages.Add(LineOfOutcome(row, code, DescribeRowPlan(row, verdict), L"rename"));
