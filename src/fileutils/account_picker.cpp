@@ -1,5 +1,7 @@
 #include "fileutils/account_picker.h"
 
+#include <memory>
+
 #include "fileutils/picked_account.h"
 #include "win32/com.h"
 
