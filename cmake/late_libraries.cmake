@@ -25,5 +25,7 @@ function(qv_late_libraries)
         WORKING_DIRECTORY ${folder} COMMAND_ERROR_IS_FATAL ANY)
     endif()
   endforeach()
-  add_link_options(-L${folder})
+  # Relative, as the build runs in its own folder: the linker sorts what it puts together by the names of files, and the
+  # same sources are to give the same bytes wherever they are built.
+  add_link_options(-Llate_libraries)
 endfunction()
