@@ -4,7 +4,7 @@ namespace Bench {
 namespace {
 
 constexpr uint64_t kMegabyte = 1'000'000;
-constexpr uint64_t kIdleProcess = 18 * kMegabyte;
+constexpr uint64_t kIdleProcess = 13 * kMegabyte;
 // Whatever goes through a file in blocks: the same for every size.
 constexpr uint64_t kBlocksOnly = kIdleProcess + 12 * kMegabyte;
 
@@ -232,7 +232,7 @@ void AddFiles(std::vector<Case>& cases, const Data& data) {
                      "--find draft --replace final > $W/out.ours",
                      std::string("perl -e '") + kPreviewInPerl + "' $D/names.list > $W/out.peer",
                      kEqual,
-                     kIdleProcess + 1000 * data.PreviewNames()});
+                     kIdleProcess + 400 * data.PreviewNames()});
     cases.push_back({"columns",
                      {"bare loop", "sh", 1.3, "1.1"},
                      data.SmallFiles(),

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "batchrename/resource.h"
-#include "batchrenamewindow/fake_panel.h"
 #include "batchrenamewindow/rename_window.h"
+#include "support/fake_panel.h"
 
 namespace {
 

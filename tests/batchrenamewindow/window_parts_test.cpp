@@ -12,7 +12,7 @@
 #include "batchrename/rows_after_run.h"
 #include "batchrename/tags.h"
 #include "batchrename/window_position.h"
-#include "batchrenamewindow/fake_panel.h"
+#include "support/fake_panel.h"
 #include "support/services_of_host.h"
 
 namespace {

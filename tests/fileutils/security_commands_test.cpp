@@ -14,6 +14,7 @@
 #include "host/request_fields.h"
 #include "security/account_names.h"
 #include "support/dialog_driver.h"
+#include "support/fake_panel.h"
 #include "support/services_of_host.h"
 #include "ui/change_access_dlg.h"
 #include "ui/resource.h"
@@ -194,22 +195,6 @@ TEST(TakeOwnership, LetsTheHostComputeTheOwnerAnew) {
     }
 }
 
-/// Counts how often it is to be read anew.
-class CountingPanel final : public QVHost::IPanelView {
-public:
-    explicit CountingPanel(QVHost::HostState& state) : m_state(state) { m_state.panel = this; }
-    Items SelectedItems() override { return m_state.selection; }
-    Items FocusedGroup() override { return {}; }
-    void ShowLine(std::wstring_view, QVHost::Tone) override {}
-    void MarkFile(const std::wstring&, uint32_t) override {}
-    void FileRenamed(const std::wstring&, const std::wstring&) override {}
-    void FolderChanged(const std::wstring&) override { ++count; }
-    int count = 0;
-
-private:
-    QVHost::HostState& m_state;
-};
-
 TEST(TakeOwnership, RefreshesThePanelUnlessTheElevatedProcessFailed) {
     for (const bool elevates : {false, true})
         for (const bool exists : {false, true}) {
@@ -217,11 +202,14 @@ TEST(TakeOwnership, RefreshesThePanelUnlessTheElevatedProcessFailed) {
             options.canElevate = elevates;
             options.answers = {L"ok"};
             ServicesOfHost host(QV_HOST_PROGRAM, options);
-            CountingPanel panel(host.State());
+            int refreshCount = 0;
+            QVTest::FakePanel panel([&] { return host.State().selection; },
+                                    [&](const std::wstring&) { ++refreshCount; });
+            host.State().panel = &panel;
             const QVTest::TemporaryFolder folder;
             host.Select(exists ? folder.Write(L"a", "x") : folder / L"none");
             EXPECT_EQ(RunTakeOwnership(host.Services(), 30300), 1u);
-            EXPECT_EQ(panel.count, elevates && !exists ? 0 : 1) << elevates << exists << host.Notes();
+            EXPECT_EQ(refreshCount, elevates && !exists ? 0 : 1) << elevates << exists << host.Notes();
         }
 }
 
