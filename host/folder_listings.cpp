@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "win32/exclusive_lock.h"
 #include "win32/folder.h"
 #include "win32/path.h"
 
@@ -26,50 +27,68 @@ FolderListings::Listing ListOne(const std::wstring& folder) noexcept {
 
 }  // namespace
 
-FolderListings::FolderListings(std::vector<std::wstring> folders)
-    : m_folders(std::move(folders)),
-      m_listings(m_folders.size()),
-      m_isSorted(m_folders.size()),
-      m_thread([this] { ListAll(); }) {}
+FolderListings::FolderListings() {
+    for (std::thread& thread : m_threads) thread = std::thread([this] { ListAll(); });
+}
 
 FolderListings::~FolderListings() {
-    m_isEnding = true;
-    m_thread.join();
+    {
+        const Win32::ExclusiveLock lock(m_lock);
+        m_isEnding = true;
+    }
+    WakeAllConditionVariable(&m_isAdded);
+    for (std::thread& thread : m_threads) thread.join();
+}
+
+void FolderListings::Add(std::wstring folder) {
+    {
+        const Win32::ExclusiveLock lock(m_lock);
+        m_folders.emplace_back().path = std::move(folder);
+    }
+    WakeConditionVariable(&m_isAdded);
 }
 
 void FolderListings::ListAll() noexcept {
-    for (size_t folder = 0; folder < m_folders.size() && !m_isEnding; ++folder) {
-        m_listings[folder] = ListOne(m_folders[folder]);
-        AcquireSRWLockExclusive(&m_lock);
-        m_listed = folder + 1;
-        ReleaseSRWLockExclusive(&m_lock);
+    while (Folder* const folder = Begin()) {
+        folder->listing = ListOne(folder->path);
+        {
+            const Win32::ExclusiveLock lock(m_lock);
+            folder->isListed = true;
+        }
         WakeConditionVariable(&m_isFurther);
     }
 }
 
-void FolderListings::WaitFor(size_t folder) {
-    if (folder < m_listed) return;
-    AcquireSRWLockExclusive(&m_lock);
-    while (folder >= m_listed) SleepConditionVariableSRW(&m_isFurther, &m_lock, INFINITE, 0);
-    ReleaseSRWLockExclusive(&m_lock);
+/// The next folder to list; null when no more are wanted.
+FolderListings::Folder* FolderListings::Begin() noexcept {
+    Win32::ExclusiveLock lock(m_lock);
+    while (m_begun == m_folders.size() && !m_isEnding) lock.WaitFor(m_isAdded);
+    return m_isEnding ? nullptr : &m_folders[m_begun++];
+}
+
+FolderListings::Folder& FolderListings::WaitFor(size_t number) {
+    Folder& folder = m_folders[number];
+    if (folder.isListed) return folder;
+    Win32::ExclusiveLock lock(m_lock);
+    while (!folder.isListed) lock.WaitFor(m_isFurther);
+    return folder;
 }
 
 FolderListings::Listing FolderListings::Take(size_t folder) {
-    WaitFor(folder);
-    return std::move(m_listings[folder]);
+    return std::move(WaitFor(folder).listing);
 }
 
-uint32_t FolderListings::AttributesOf(size_t folder, const std::wstring& name) {
-    WaitFor(folder);
-    Listing& listing = m_listings[folder];
+uint32_t FolderListings::AttributesOf(size_t number, const std::wstring& name) {
+    Folder& folder = WaitFor(number);
+    Listing& listing = folder.listing;
     const auto nameOf = [&](const Listing::Entry& entry) { return listing.NameOf(entry); };
-    // Here and not by the thread that lists, for which everybody waits.
-    if (!m_isSorted[folder]) std::ranges::sort(listing.entries, {}, nameOf);
-    m_isSorted[folder] = true;
+    // Here and not by the threads that list, for which everybody waits.
+    if (!folder.isSorted) std::ranges::sort(listing.entries, {}, nameOf);
+    folder.isSorted = true;
     const auto entry = std::ranges::lower_bound(listing.entries, name, {}, nameOf);
     if (entry != listing.entries.end() && nameOf(*entry) == name) return entry->attributes;
     // Spelled in another case, given by its short name, or not there.
-    return GetFileAttributesW(Win32::ExtendedPath(Win32::JoinPath(m_folders[folder], name)).c_str());
+    return GetFileAttributesW(Win32::ExtendedPath(Win32::JoinPath(folder.path, name)).c_str());
 }
 
 }  // namespace QVHost

@@ -1,10 +1,12 @@
 // folder_listings.h - what folders hold, each listed once: for commands over many items, where asking for each item
-// alone would be most of the work. A thread lists ahead, so that the items of one folder are worked on while the next
-// folder is read.
+// alone would be most of the work. Threads list ahead, so that the items of one folder are worked on while the next
+// folders are read.
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -14,9 +16,10 @@
 
 namespace QVHost {
 
+/// For one thread; those that list are its own.
 class FolderListings {
 public:
-    /// In few blocks of memory, so that the thread spends its time on listing.
+    /// In few blocks of memory, so that the threads spend their time on listing.
     struct Listing {
         struct Entry {
             uint32_t begin = 0;  // of its name, in `names`
@@ -32,34 +35,45 @@ public:
         }
     };
 
-    /// Begins to list the folders, in this order. They are asked for by their places in it.
-    explicit FolderListings(std::vector<std::wstring> folders);
+    FolderListings();
     FolderListings(const FolderListings&) = delete;
     FolderListings& operator=(const FolderListings&) = delete;
-    /// Waits for the folder that is being listed, and for no other.
+    /// Waits for the folders that are being listed, and for no other.
     ~FolderListings();
 
-    const std::vector<std::wstring>& Folders() const { return m_folders; }
+    /// Lists the folder when its turn comes; folders are numbered in order of their adding.
+    void Add(std::wstring folder);
 
-    /// The folder for the caller to keep, as soon as it is listed. Nobody may ask for it any more.
+    size_t Count() const { return m_folders.size(); }
+    const std::wstring& PathOf(size_t folder) const { return m_folders[folder].path; }
+
+    /// The folder's listing for the caller to keep, as soon as it is there. Nobody may ask for it any more.
     Listing Take(size_t folder);
 
     /// The attributes of an item as the system gives them; INVALID_FILE_ATTRIBUTES when there is none.
     uint32_t AttributesOf(size_t folder, const std::wstring& name);
 
 private:
-    void ListAll() noexcept;
-    void WaitFor(size_t folder);
+    struct Folder {
+        std::wstring path;
+        Listing listing;
+        bool isSorted = false;  // by name
+        std::atomic<bool> isListed = false;
+    };
 
-    std::vector<std::wstring> m_folders;
-    std::vector<Listing> m_listings;
-    std::vector<bool> m_isSorted;      // by name
-    std::atomic<size_t> m_listed = 0;  // so many folders from the first on
-    std::atomic<bool> m_isEnding = false;
+    void ListAll() noexcept;
+    Folder* Begin() noexcept;
+    Folder& WaitFor(size_t folder);
+
     // The system's own: the standard ones are built on objects for which the test platform asks its server.
     SRWLOCK m_lock = SRWLOCK_INIT;
+    CONDITION_VARIABLE m_isAdded = CONDITION_VARIABLE_INIT;  // or there will be no more
     CONDITION_VARIABLE m_isFurther = CONDITION_VARIABLE_INIT;
-    std::thread m_thread;  // last: it uses all of these
+    std::deque<Folder> m_folders;  // which stay where they are when others are added
+    size_t m_begun = 0;            // so many folders from the first on
+    bool m_isEnding = false;
+    // Two, since each waits for a disk or a server most of the time. Last: they use all of these.
+    std::array<std::thread, 2> m_threads;
 };
 
 }  // namespace QVHost

@@ -163,12 +163,13 @@ int RunRename(const HostOptions& options, HostEnvironment& environment, Output& 
     const CalendarTime now = LocalTimeNow();
     const CalendarTime timeOfSetting = given.time ? ReadTime(*given.time) : now;
     CheckItems(definition);
-    std::vector<std::wstring> paths =
-        SelectedPaths(options.operands, options.filesFrom, environment.in, Existence::NotChecked);
-    if (paths.empty() && !given.saveProfile) throw UsageError(L"rename needs files: qvhost rename PATH... [options]");
+    SelectedRows selection;
+    ForEachSelectedPath(options.operands, options.filesFrom, environment.in,
+                        [&](const std::wstring&, std::wstring full) { selection.Add(std::move(full)); });
+    if (selection.Count() == 0 && !given.saveProfile)
+        throw UsageError(L"rename needs files: qvhost rename PATH... [options]");
 
     bool isDone = !given.saveProfile || SaveProfile(profiles, *given.saveProfile, definition);
-    SelectedRows selection(std::move(paths));
     RenameRule rule(&host);
     rule.SetRule(definition, timeOfSetting);
     if (given.isPreview) {

@@ -1,7 +1,6 @@
 #include "host/selected_rows.h"
 
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 #include "host/selection.h"
@@ -18,27 +17,19 @@ std::wstring_view LocationOf(std::wstring_view folder) {
 
 }  // namespace
 
-SelectedRows::SelectedRows(std::vector<std::wstring> paths) : m_paths(std::move(paths)), m_listings(NumberFolders()) {}
+void SelectedRows::Add(std::wstring path) {
+    const std::wstring_view folder = LocationOf(Win32::FolderOf(path));
+    // Items of one folder mostly stand together.
+    m_folderOf.push_back(!m_paths.empty() && folder == m_lastFolder ? m_folderOf.back() : NumberOf(folder));
+    m_paths.push_back(std::move(path));
+}
 
-std::vector<std::wstring> SelectedRows::NumberFolders() {
-    std::vector<std::wstring> folders;
-    std::unordered_map<std::wstring, uint32_t> numbers;
-    std::wstring_view last;
-    m_folderOf.reserve(m_paths.size());
-    for (const std::wstring& path : m_paths) {
-        const std::wstring_view location = LocationOf(Win32::FolderOf(path));
-        // Items of one folder mostly stand together.
-        if (!m_folderOf.empty() && location == last) {
-            m_folderOf.push_back(m_folderOf.back());
-            continue;
-        }
-        last = location;
-        const auto [number, isNew] =
-            numbers.emplace(BatchRename::FoldedName(location), static_cast<uint32_t>(folders.size()));
-        if (isNew) folders.emplace_back(location);
-        m_folderOf.push_back(number->second);
-    }
-    return folders;
+uint32_t SelectedRows::NumberOf(std::wstring_view folder) {
+    m_lastFolder = folder;
+    const auto [number, isNew] =
+        m_numbers.emplace(BatchRename::FoldedName(folder), static_cast<uint32_t>(m_listings.Count()));
+    if (isNew) m_listings.Add(m_lastFolder);
+    return number->second;
 }
 
 std::shared_ptr<BatchRename::BatchRenameItem> SelectedRows::Make(size_t row) {
@@ -56,7 +47,7 @@ std::shared_ptr<BatchRename::BatchRenameItem> SelectedRows::Make(size_t row) {
 
 BatchRename::FolderNames SelectedRows::TakeNames(size_t folder) {
     const FolderListings::Listing listing = m_listings.Take(folder);
-    BatchRename::FolderNames names = {m_listings.Folders()[folder], {}, listing.error};
+    BatchRename::FolderNames names = {m_listings.PathOf(folder), {}, listing.error};
     names.names.reserve(listing.entries.size());
     for (const auto& entry : listing.entries) names.names.emplace_back(listing.NameOf(entry));
     return names;

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "batchrename/rename_item.h"
@@ -14,12 +16,12 @@ namespace QVHost {
 
 class SelectedRows {
 public:
-    /// `paths`: full ones.
-    explicit SelectedRows(std::vector<std::wstring> paths);
+    /// Adds a row for a full path, and begins to look at its folder.
+    void Add(std::wstring path);
 
     size_t Count() const { return m_paths.size(); }
     /// Folders are numbered in order of appearance; spellings that differ in case alone are one folder.
-    size_t CountOfFolders() const { return m_listings.Folders().size(); }
+    size_t CountOfFolders() const { return m_listings.Count(); }
     size_t FolderOf(size_t row) const { return m_folderOf[row]; }
 
     /// The row of a path, once.
@@ -30,10 +32,12 @@ public:
     BatchRename::FolderNames TakeNames(size_t folder);
 
 private:
-    std::vector<std::wstring> NumberFolders();
+    uint32_t NumberOf(std::wstring_view folder);
 
     std::vector<std::wstring> m_paths;
     std::vector<uint32_t> m_folderOf;
+    std::wstring m_lastFolder;
+    std::unordered_map<std::wstring, uint32_t> m_numbers;  // of folders, by their folded names
     FolderListings m_listings;
 };
 

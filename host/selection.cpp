@@ -60,20 +60,26 @@ void TakeTyped(const std::wstring& typed, const TakePath& take) {
 
 }  // namespace
 
-std::vector<std::wstring> SelectedPaths(const std::vector<std::wstring>& given,
-                                        const std::optional<std::wstring>& listFile, std::istream& in,
-                                        Existence existence) {
-    std::vector<std::wstring> paths;
+void ForEachSelectedPath(const std::vector<std::wstring>& given, const std::optional<std::wstring>& listFile,
+                         std::istream& in, const TakeSelected& take) {
     FullUserPaths fullPath;
-    const auto take = [&](const std::wstring& path) {
+    const auto takeFull = [&](const std::wstring& path) {
         std::wstring full = fullPath(path);
         // A folder written with its separator is the folder; the item's name is what stands before it.
         while (full.size() > 3 && full.back() == L'\\') full.pop_back();
-        if (existence == Existence::Checked && !Win32::Exists(full)) RefuseMissingPath(path);
-        paths.push_back(std::move(full));
+        take(path, std::move(full));
     };
-    for (const std::wstring& typed : given) TakeTyped(typed, take);
-    if (listFile) ReadList(*listFile, in, take);
+    for (const std::wstring& typed : given) TakeTyped(typed, takeFull);
+    if (listFile) ReadList(*listFile, in, takeFull);
+}
+
+std::vector<std::wstring> SelectedPaths(const std::vector<std::wstring>& given,
+                                        const std::optional<std::wstring>& listFile, std::istream& in) {
+    std::vector<std::wstring> paths;
+    ForEachSelectedPath(given, listFile, in, [&](const std::wstring& path, std::wstring full) {
+        if (!Win32::Exists(full)) RefuseMissingPath(path);
+        paths.push_back(std::move(full));
+    });
     return paths;
 }
 

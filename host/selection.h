@@ -1,7 +1,7 @@
 // selection.h - the files that a command line selects.
 #pragma once
 
-#include <cstdint>
+#include <functional>
 #include <istream>
 #include <optional>
 #include <string>
@@ -9,15 +9,20 @@
 
 namespace QVHost {
 
-/// Does every path lead to something? Whoever looks at the items anyway need not be told by a look of its own.
-enum class Existence : uint8_t { Checked, NotChecked };
+/// What is done with each path: as it was given, and in full.
+using TakeSelected = std::function<void(const std::wstring& given, std::wstring full)>;
 
-/// The absolute paths of `given` and of the list file (`-`: the lines of `in`), in this order. Wildcards in the name of
-/// a given path stand for what they match; those of a list are taken as they are.
+/// Takes `given` and the paths in the list file (`-`: the lines of `in`), in this order, each as soon as it is known
+/// and whether it leads to something or not. Wildcards in the name of a given path stand for what they match; those of
+/// a list are taken as they are.
+/// @throws UsageError for a list that cannot be read; the paths before that were taken
+void ForEachSelectedPath(const std::vector<std::wstring>& given, const std::optional<std::wstring>& listFile,
+                         std::istream& in, const TakeSelected& take);
+
+/// All of them in full.
 /// @throws UsageError naming the first path that does not exist, or a list that cannot be read
 std::vector<std::wstring> SelectedPaths(const std::vector<std::wstring>& given,
-                                        const std::optional<std::wstring>& listFile, std::istream& in,
-                                        Existence existence = Existence::Checked);
+                                        const std::optional<std::wstring>& listFile, std::istream& in);
 
 /// @throws UsageError naming the path
 [[noreturn]] void RefuseMissingPath(const std::wstring& path);

@@ -1,0 +1,22 @@
+// exclusive_lock.h - holds one of the system's own locks for as long as it lives.
+#pragma once
+
+#include "win32/windows.h"
+
+namespace Win32 {
+
+class ExclusiveLock {
+public:
+    explicit ExclusiveLock(SRWLOCK& lock) noexcept : m_lock(lock) { AcquireSRWLockExclusive(&m_lock); }
+    ExclusiveLock(const ExclusiveLock&) = delete;
+    ExclusiveLock& operator=(const ExclusiveLock&) = delete;
+    ~ExclusiveLock() { ReleaseSRWLockExclusive(&m_lock); }
+
+    /// Lets others have the lock until `condition` is signalled, or for no reason: ask again whether it holds.
+    void WaitFor(CONDITION_VARIABLE& condition) { SleepConditionVariableSRW(&condition, &m_lock, INFINITE, 0); }
+
+private:
+    SRWLOCK& m_lock;
+};
+
+}  // namespace Win32
