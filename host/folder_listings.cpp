@@ -1,7 +1,9 @@
 #include "host/folder_listings.h"
 
-#include <algorithm>
+#include <bit>
+#include <functional>
 #include <new>
+#include <string_view>
 #include <utility>
 
 #include "win32/exclusive_lock.h"
@@ -9,24 +11,6 @@
 #include "win32/path.h"
 
 namespace QVHost {
-namespace {
-
-FolderListings::Listing ListOne(const std::wstring& folder) noexcept {
-    FolderListings::Listing listing;
-    try {
-        listing.error = Win32::ListFolder(folder, [&](std::wstring_view name, uint32_t attributes) {
-            listing.entries.push_back(
-                {static_cast<uint32_t>(listing.names.size()), static_cast<uint32_t>(name.size()), attributes});
-            listing.names += name;
-        });
-    } catch (const std::bad_alloc&) {
-        listing.error = ERROR_NOT_ENOUGH_MEMORY;
-    }
-    return listing;
-}
-
-}  // namespace
-
 FolderListings::FolderListings() {
     for (std::thread& thread : m_threads) thread = std::thread([this] { ListAll(); });
 }
@@ -50,12 +34,23 @@ void FolderListings::Add(std::wstring folder) {
 
 void FolderListings::ListAll() noexcept {
     while (Folder* const folder = Begin()) {
-        folder->listing = ListOne(folder->path);
+        List(*folder);
         {
             const Win32::ExclusiveLock lock(m_lock);
             folder->isListed = true;
         }
         WakeConditionVariable(&m_isFurther);
+    }
+}
+
+void FolderListings::List(Folder& folder) noexcept {
+    try {
+        folder.error = Win32::ListFolder(folder.path, [&](std::wstring_view name, uint32_t attributes) {
+            folder.names.Add(name);
+            folder.attributes.push_back(attributes);
+        });
+    } catch (const std::bad_alloc&) {
+        folder.error = ERROR_NOT_ENOUGH_MEMORY;
     }
 }
 
@@ -74,21 +69,35 @@ FolderListings::Folder& FolderListings::WaitFor(size_t number) {
     return folder;
 }
 
-FolderListings::Listing FolderListings::Take(size_t folder) {
-    return std::move(WaitFor(folder).listing);
+BatchRename::FolderNames FolderListings::Take(size_t number) {
+    Folder& folder = WaitFor(number);
+    folder.attributes = {};
+    folder.slots = {};
+    return {folder.path, std::move(folder.names), folder.error};
 }
 
-uint32_t FolderListings::AttributesOf(size_t number, const std::wstring& name) {
+uint32_t FolderListings::AttributesOf(size_t number, std::wstring_view name) {
     Folder& folder = WaitFor(number);
-    Listing& listing = folder.listing;
-    const auto nameOf = [&](const Listing::Entry& entry) { return listing.NameOf(entry); };
     // Here and not by the threads that list, for which everybody waits.
-    if (!folder.isSorted) std::ranges::sort(listing.entries, {}, nameOf);
-    folder.isSorted = true;
-    const auto entry = std::ranges::lower_bound(listing.entries, name, {}, nameOf);
-    if (entry != listing.entries.end() && nameOf(*entry) == name) return entry->attributes;
+    if (folder.slots.empty()) EnterNames(folder);
+    const uint32_t entry = folder.slots[SlotOf(folder, name)];
+    if (entry != kNoEntry) return folder.attributes[entry];
     // Spelled in another case, given by its short name, or not there.
     return GetFileAttributesW(Win32::ExtendedPath(Win32::JoinPath(folder.path, name)).c_str());
+}
+
+void FolderListings::EnterNames(Folder& folder) {
+    const size_t count = folder.attributes.size();
+    folder.slots.assign(std::bit_ceil(2 * count + 1), kNoEntry);
+    for (size_t entry = 0; entry < count; ++entry)
+        folder.slots[SlotOf(folder, folder.names[entry])] = static_cast<uint32_t>(entry);
+}
+
+size_t FolderListings::SlotOf(const Folder& folder, std::wstring_view name) {
+    const size_t mask = folder.slots.size() - 1;
+    size_t at = std::hash<std::wstring_view>()(name) & mask;
+    while (folder.slots[at] != kNoEntry && folder.names[folder.slots[at]] != name) at = (at + 1) & mask;
+    return at;
 }
 
 }  // namespace QVHost

@@ -12,6 +12,8 @@
 #include <thread>
 #include <vector>
 
+#include "batchrename/rename_plan.h"
+#include "win32/name_list.h"
 #include "win32/windows.h"
 
 namespace QVHost {
@@ -19,22 +21,6 @@ namespace QVHost {
 /// For one thread; those that list are its own.
 class FolderListings {
 public:
-    /// In few blocks of memory, so that the threads spend their time on listing.
-    struct Listing {
-        struct Entry {
-            uint32_t begin = 0;  // of its name, in `names`
-            uint32_t length = 0;
-            uint32_t attributes = 0;
-        };
-        std::wstring names;
-        std::vector<Entry> entries;
-        uint32_t error = 0;  // Windows error code when the folder cannot be read
-
-        std::wstring_view NameOf(const Entry& entry) const {
-            return std::wstring_view(names).substr(entry.begin, entry.length);
-        }
-    };
-
     FolderListings();
     FolderListings(const FolderListings&) = delete;
     FolderListings& operator=(const FolderListings&) = delete;
@@ -47,21 +33,29 @@ public:
     size_t Count() const { return m_folders.size(); }
     const std::wstring& PathOf(size_t folder) const { return m_folders[folder].path; }
 
-    /// The folder's listing for the caller to keep, as soon as it is there. Nobody may ask for it any more.
-    Listing Take(size_t folder);
+    /// What the folder holds, for the caller to keep, as soon as it is known. Nobody may ask for it any more.
+    BatchRename::FolderNames Take(size_t folder);
 
     /// The attributes of an item as the system gives them; INVALID_FILE_ATTRIBUTES when there is none.
-    uint32_t AttributesOf(size_t folder, const std::wstring& name);
+    uint32_t AttributesOf(size_t folder, std::wstring_view name);
 
 private:
+    static constexpr uint32_t kNoEntry = UINT32_MAX;
+
     struct Folder {
         std::wstring path;
-        Listing listing;
-        bool isSorted = false;  // by name
+        Win32::NameList names;
+        std::vector<uint32_t> attributes;  // one for each name
+        uint32_t error = ERROR_SUCCESS;
+        std::vector<uint32_t> slots;  // the names by their hashes; empty until somebody asks
         std::atomic<bool> isListed = false;
     };
 
     void ListAll() noexcept;
+    static void List(Folder& folder) noexcept;
+    static void EnterNames(Folder& folder);
+    /// The slot that holds the name's place in the listing, or kNoEntry, where it would belong.
+    static size_t SlotOf(const Folder& folder, std::wstring_view name);
     Folder* Begin() noexcept;
     Folder& WaitFor(size_t folder);
 

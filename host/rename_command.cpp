@@ -146,7 +146,8 @@ RenameItems MakeRows(SelectedRows& selection, RenameRule& rule) {
     RenameItems rows;
     rows.reserve(selection.Count());
     for (size_t row = 0; row < selection.Count(); ++row) {
-        rows.push_back(selection.Make(row));
+        rows.push_back(std::make_shared<BatchRenameItem>());
+        selection.Fill(row, *rows.back());
         rule.Compute(*rows.back());
     }
     return rows;
@@ -165,7 +166,7 @@ int RunRename(const HostOptions& options, HostEnvironment& environment, Output& 
     CheckItems(definition);
     SelectedRows selection;
     ForEachSelectedPath(options.operands, options.filesFrom, environment.in,
-                        [&](const std::wstring&, std::wstring full) { selection.Add(std::move(full)); });
+                        [&](const std::wstring& /*given*/, const std::wstring& full) { selection.Add(full); });
     if (selection.Count() == 0 && !given.saveProfile)
         throw UsageError(L"rename needs files: qvhost rename PATH... [options]");
 

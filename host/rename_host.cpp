@@ -1,5 +1,7 @@
 #include "host/rename_host.h"
 
+#include <algorithm>
+
 #include "batchrename/qv_batch_rename.h"
 #include "host/host_error.h"
 #include "host/session.h"
@@ -26,20 +28,24 @@ bool IsFailure(uint32_t code) {
 }
 
 /// A name may hold no tab, but a new one that is refused for it must not break the columns.
-std::wstring Cell(std::wstring_view text) {
-    std::wstring cell = OnOneLine(text);
-    for (wchar_t& unit : cell)
-        if (unit == L'\t') unit = L' ';
-    return cell;
+void AppendCell(std::wstring& line, std::wstring_view text) {
+    const size_t begin = line.size();
+    AppendOnOneLine(line, text);
+    std::replace(line.begin() + static_cast<ptrdiff_t>(begin), line.end(), L'\t', L' ');
 }
 
 }  // namespace
 
-std::wstring LineOfOutcome(const BatchRenameItem& row, uint32_t code, const std::wstring& reason, const wchar_t* word) {
-    std::wstring line = Cell(row.currentName) + L'\t' + Cell(row.newName) + L'\t';
-    line += IsFailure(code) ? L"failed" : code == Quorvane::SDK::RenameResult::Ignored ? L"ignored" : word;
-    if (!reason.empty()) line += L": " + Cell(reason);
-    return line;
+void AppendOutcome(std::wstring& text, const BatchRenameItem& row, uint32_t code, std::wstring_view reason,
+                   const wchar_t* word) {
+    AppendCell(text, row.currentName);
+    text += L'\t';
+    AppendCell(text, row.newName);
+    text += L'\t';
+    text += IsFailure(code) ? L"failed" : code == Quorvane::SDK::RenameResult::Ignored ? L"ignored" : word;
+    if (reason.empty()) return;
+    text += L": ";
+    AppendCell(text, reason);
 }
 
 RenameHost::RenameHost(const HostOptions& options, HostEnvironment& environment, Output& output)
@@ -88,7 +94,9 @@ bool RenameHost::PrintOutcomes(const RenameItems& rows, const std::vector<RowOut
     bool isDone = true;
     for (size_t row = 0; row < rows.size(); ++row) {
         const RowOutcome& outcome = outcomes[row];
-        m_state.output.Line(LineOfOutcome(*rows[row], outcome.code, outcome.reason, word));
+        std::wstring line;
+        AppendOutcome(line, *rows[row], outcome.code, outcome.reason, word);
+        m_state.output.Line(line);
         isDone = isDone && !IsFailure(outcome.code);
     }
     return isDone;

@@ -15,9 +15,10 @@
 
 namespace QVHost {
 
-/// A row's line: old name, new name, `word` (for the code 0) or "ignored" or "failed", and the reason.
-std::wstring LineOfOutcome(const BatchRename::BatchRenameItem& row, uint32_t code, const std::wstring& reason,
-                           const wchar_t* word);
+/// Appends a row's line without its end: old name, new name, `word` (for the code 0) or "ignored" or "failed", and the
+/// reason.
+void AppendOutcome(std::wstring& text, const BatchRename::BatchRenameItem& row, uint32_t code, std::wstring_view reason,
+                   const wchar_t* word);
 
 class RenameHost final : public BatchRename::IPropertySource {
 public:

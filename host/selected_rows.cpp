@@ -1,8 +1,5 @@
 #include "host/selected_rows.h"
 
-#include <string_view>
-#include <utility>
-
 #include "host/selection.h"
 #include "win32/path.h"
 #include "win32/windows.h"
@@ -17,40 +14,33 @@ std::wstring_view LocationOf(std::wstring_view folder) {
 
 }  // namespace
 
-void SelectedRows::Add(std::wstring path) {
-    const std::wstring_view folder = LocationOf(Win32::FolderOf(path));
-    // Items of one folder mostly stand together.
-    m_folderOf.push_back(!m_paths.empty() && folder == m_lastFolder ? m_folderOf.back() : NumberOf(folder));
-    m_paths.push_back(std::move(path));
+void SelectedRows::Add(std::wstring_view path) {
+    const std::wstring_view folder = Win32::FolderOf(path);
+    m_locationOf.push_back(LocationNumberOf(LocationOf(folder)));
+    m_names.Add(path.substr(folder.size()));
 }
 
-uint32_t SelectedRows::NumberOf(std::wstring_view folder) {
-    m_lastFolder = folder;
-    const auto [number, isNew] =
-        m_numbers.emplace(BatchRename::FoldedName(folder), static_cast<uint32_t>(m_listings.Count()));
-    if (isNew) m_listings.Add(m_lastFolder);
+uint32_t SelectedRows::LocationNumberOf(std::wstring_view path) {
+    // Items of one folder mostly stand together.
+    if (!m_locationOf.empty() && m_locations[m_locationOf.back()].path == path) return m_locationOf.back();
+    const auto [number, isNew] = m_locationNumbers.emplace(path, static_cast<uint32_t>(m_locations.size()));
+    if (!isNew) return number->second;
+    const auto [folder, isNewFolder] = m_folderNumbers.emplace(BatchRename::FoldedName(path), m_listings.Count());
+    m_locations.push_back({std::wstring(path), folder->second});
+    if (isNewFolder) m_listings.Add(m_locations.back().path);
     return number->second;
 }
 
-std::shared_ptr<BatchRename::BatchRenameItem> SelectedRows::Make(size_t row) {
-    // The row holds all that is in the path: many of them are not kept twice.
-    const std::wstring path = std::exchange(m_paths[row], {});
-    auto item = std::make_shared<BatchRename::BatchRenameItem>();
-    const std::wstring_view folder = Win32::FolderOf(path);
-    item->location = LocationOf(folder);
-    item->currentName = path.substr(folder.size());
-    const uint32_t attributes = m_listings.AttributesOf(m_folderOf[row], item->currentName);
-    if (attributes == INVALID_FILE_ATTRIBUTES) RefuseMissingPath(path);
-    item->isFolder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    return item;
+void SelectedRows::Fill(size_t row, BatchRename::BatchRenameItem& item) {
+    item.location = m_locations[m_locationOf[row]].path;
+    item.currentName = m_names[row];
+    const uint32_t attributes = m_listings.AttributesOf(FolderOf(row), item.currentName);
+    if (attributes == INVALID_FILE_ATTRIBUTES) RefuseMissingPath(Win32::JoinPath(item.location, item.currentName));
+    item.isFolder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
 BatchRename::FolderNames SelectedRows::TakeNames(size_t folder) {
-    const FolderListings::Listing listing = m_listings.Take(folder);
-    BatchRename::FolderNames names = {m_listings.PathOf(folder), {}, listing.error};
-    names.names.reserve(listing.entries.size());
-    for (const auto& entry : listing.entries) names.names.emplace_back(listing.NameOf(entry));
-    return names;
+    return m_listings.Take(folder);
 }
 
 }  // namespace QVHost

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -11,33 +10,41 @@
 #include "batchrename/rename_item.h"
 #include "batchrename/rename_plan.h"
 #include "host/folder_listings.h"
+#include "win32/name_list.h"
 
 namespace QVHost {
 
 class SelectedRows {
 public:
     /// Adds a row for a full path, and begins to look at its folder.
-    void Add(std::wstring path);
+    void Add(std::wstring_view path);
 
-    size_t Count() const { return m_paths.size(); }
+    size_t Count() const { return m_names.Count(); }
     /// Folders are numbered in order of appearance; spellings that differ in case alone are one folder.
     size_t CountOfFolders() const { return m_listings.Count(); }
-    size_t FolderOf(size_t row) const { return m_folderOf[row]; }
+    size_t FolderOf(size_t row) const { return m_locations[m_locationOf[row]].folder; }
 
-    /// The row of a path, once.
+    /// Makes `item` the row of a path; what a rule sets stays as it is.
     /// @throws UsageError for a path that leads to nothing
-    std::shared_ptr<BatchRename::BatchRenameItem> Make(size_t row);
+    void Fill(size_t row, BatchRename::BatchRenameItem& item);
 
     /// What a folder holds, once, and behind the last of its rows.
     BatchRename::FolderNames TakeNames(size_t folder);
 
 private:
-    uint32_t NumberOf(std::wstring_view folder);
+    /// A folder as a path spells it.
+    struct Location {
+        std::wstring path;
+        size_t folder = 0;
+    };
 
-    std::vector<std::wstring> m_paths;
-    std::vector<uint32_t> m_folderOf;
-    std::wstring m_lastFolder;
-    std::unordered_map<std::wstring, uint32_t> m_numbers;  // of folders, by their folded names
+    uint32_t LocationNumberOf(std::wstring_view path);
+
+    Win32::NameList m_names;  // of all rows
+    std::vector<uint32_t> m_locationOf;
+    std::vector<Location> m_locations;
+    std::unordered_map<std::wstring, uint32_t> m_locationNumbers;
+    std::unordered_map<std::wstring, size_t> m_folderNumbers;  // by folded paths
     FolderListings m_listings;
 };
 

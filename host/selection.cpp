@@ -64,10 +64,10 @@ void ForEachSelectedPath(const std::vector<std::wstring>& given, const std::opti
                          std::istream& in, const TakeSelected& take) {
     FullUserPaths fullPath;
     const auto takeFull = [&](const std::wstring& path) {
-        std::wstring full = fullPath(path);
+        std::wstring& full = fullPath(path);
         // A folder written with its separator is the folder; the item's name is what stands before it.
         while (full.size() > 3 && full.back() == L'\\') full.pop_back();
-        take(path, std::move(full));
+        take(path, full);
     };
     for (const std::wstring& typed : given) TakeTyped(typed, takeFull);
     if (listFile) ReadList(*listFile, in, takeFull);
@@ -76,9 +76,9 @@ void ForEachSelectedPath(const std::vector<std::wstring>& given, const std::opti
 std::vector<std::wstring> SelectedPaths(const std::vector<std::wstring>& given,
                                         const std::optional<std::wstring>& listFile, std::istream& in) {
     std::vector<std::wstring> paths;
-    ForEachSelectedPath(given, listFile, in, [&](const std::wstring& path, std::wstring full) {
+    ForEachSelectedPath(given, listFile, in, [&](const std::wstring& path, const std::wstring& full) {
         if (!Win32::Exists(full)) RefuseMissingPath(path);
-        paths.push_back(std::move(full));
+        paths.push_back(full);
     });
     return paths;
 }

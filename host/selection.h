@@ -10,7 +10,7 @@
 namespace QVHost {
 
 /// What is done with each path: as it was given, and in full.
-using TakeSelected = std::function<void(const std::wstring& given, std::wstring full)>;
+using TakeSelected = std::function<void(const std::wstring& given, const std::wstring& full)>;
 
 /// Takes `given` and the paths in the list file (`-`: the lines of `in`), in this order, each as soon as it is known
 /// and whether it leads to something or not. Wildcards in the name of a given path stand for what they match; those of

@@ -56,15 +56,20 @@ std::wstring TextOrEmpty(const wchar_t* text) {
 }
 
 std::wstring OnOneLine(std::wstring_view text) {
-    if (std::ranges::none_of(text, [](wchar_t unit) { return unit == L'\r' || unit == L'\n'; }))
-        return std::wstring(text);
     std::wstring line;
-    line.reserve(text.size());
+    AppendOnOneLine(line, text);
+    return line;
+}
+
+void AppendOnOneLine(std::wstring& line, std::wstring_view text) {
+    if (std::ranges::none_of(text, [](wchar_t unit) { return unit == L'\r' || unit == L'\n'; })) {
+        line += text;
+        return;
+    }
     for (size_t at = 0; at < text.size(); ++at) {
         if (text[at] == L'\r' && at + 1 < text.size() && text[at + 1] == L'\n') continue;
         line += text[at] == L'\r' || text[at] == L'\n' ? L' ' : text[at];
     }
-    return line;
 }
 
 bool EqualIgnoringCase(std::wstring_view left, std::wstring_view right) {

@@ -30,6 +30,8 @@ std::wstring TextOrEmpty(const wchar_t* text);
 
 /// Each line break (CR LF counts once) as one blank.
 std::wstring OnOneLine(std::wstring_view text);
+/// Appends the same.
+void AppendOnOneLine(std::wstring& line, std::wstring_view text);
 
 /// Without regard to upper and lower case, by the system's own table (the one for file names).
 bool EqualIgnoringCase(std::wstring_view left, std::wstring_view right);

@@ -41,15 +41,16 @@ std::wstring FullUserPath(const std::wstring& path) {
     return Win32::FullPath(FromUnixPath(path));
 }
 
-std::wstring FullUserPaths::operator()(const std::wstring& path) {
+std::wstring& FullUserPaths::operator()(const std::wstring& path) {
     const std::wstring_view folder = Win32::FolderOf(path);
     const std::wstring_view name = std::wstring_view(path).substr(folder.size());
-    if (folder.empty() || !IsFileName(name)) return FullUserPath(path);  // "..", or a name that is not taken as it is
+    if (folder.empty() || !IsFileName(name))
+        return m_full = FullUserPath(path);  // "..", or a name that is not taken as it is
     if (folder != m_folder) {
         m_folder = folder;
-        m_fullFolder = FullUserPath(m_folder);
+        m_fullFolder = Win32::JoinPath(FullUserPath(m_folder), L"");
     }
-    return Win32::JoinPath(m_fullFolder, name);
+    return (m_full = m_fullFolder) += name;
 }
 
 }  // namespace QVHost

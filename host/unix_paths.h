@@ -21,11 +21,13 @@ std::wstring FullUserPath(const std::wstring& path);
 /// several calls of the system.
 class FullUserPaths {
 public:
-    std::wstring operator()(const std::wstring& path);
+    /// For the caller to change, until the next path.
+    std::wstring& operator()(const std::wstring& path);
 
 private:
     std::wstring m_folder;
-    std::wstring m_fullFolder;
+    std::wstring m_fullFolder;  // with its separator
+    std::wstring m_full;
 };
 
 }  // namespace QVHost

@@ -150,7 +150,7 @@ uint64_t ComputeNames(const BatchRename::RenameItems& rows) {
 std::vector<BatchRename::FolderNames> ListingsOf(const BatchRename::RenameItems& rows) {
     std::vector<BatchRename::FolderNames> folders;
     for (const std::wstring& folder : BatchRename::FoldersOf(rows)) folders.push_back({folder, {}, 0});
-    for (size_t row = 0; row < rows.size(); ++row) folders[row / 500].names.push_back(rows[row]->currentName);
+    for (size_t row = 0; row < rows.size(); ++row) folders[row / 500].names.Add(rows[row]->currentName);
     return folders;
 }
 

@@ -27,7 +27,7 @@ public:
         FolderNames names;
         names.folder = folder;
         for (const auto& item : m_items)
-            if (IsSameName(item.first, folder)) names.names.push_back(item.second);
+            if (IsSameName(item.first, folder)) names.names.Add(item.second);
         return names;
     }
     void Rename(const std::wstring& folder, const std::wstring& from, const std::wstring& to) {

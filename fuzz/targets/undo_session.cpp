@@ -36,7 +36,7 @@ void RunUndoSession(Bytes bytes) {
         FolderNames names;
         names.folder = folder;
         for (size_t at = 0; at < session.entries.size(); ++at)
-            names.names.push_back(at % 2 == 0 ? session.entries[at].newName : session.entries[at].oldName);
+            names.names.Add(at % 2 == 0 ? session.entries[at].newName : session.entries[at].oldName);
         return names;
     });
     Require(restore.rows.size() == restore.entries.size(), "each row knows its entry");

@@ -149,7 +149,7 @@ private:
 
 size_t CountNames(const RenameItems& rows, const std::vector<FolderNames>& folders) {
     size_t count = rows.size() * 2;
-    for (const FolderNames& folder : folders) count += folder.names.size();
+    for (const FolderNames& folder : folders) count += folder.names.Count();
     return count;
 }
 
@@ -190,7 +190,8 @@ private:
             const uint32_t number = m_folders.Find(folder.folder);
             if (number == kNone) continue;
             m_folderErrors[number] = folder.error;
-            for (const std::wstring& name : folder.names) m_places[m_places.Intern(number, name)].isOnDisk = true;
+            for (size_t name = 0; name < folder.names.Count(); ++name)
+                m_places[m_places.Intern(number, folder.names[name])].isOnDisk = true;
         }
     }
 

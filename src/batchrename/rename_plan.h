@@ -9,13 +9,14 @@
 #include <vector>
 
 #include "batchrename/rename_item.h"
+#include "win32/name_list.h"
 
 namespace BatchRename {
 
 /// What a folder holds now.
 struct FolderNames {
     std::wstring folder;
-    std::vector<std::wstring> names;
+    Win32::NameList names;
     uint32_t error = 0;  // Windows error code when the folder cannot be read
 };
 

@@ -247,7 +247,8 @@ void TrueUp(BatchRenameUndo& session, const RenameItems& rows, const std::vector
 FolderNames ListFolderOnDisk(const std::wstring& folder) {
     FolderNames result;
     result.folder = folder;
-    result.error = Win32::ListFolder(folder, L"*", result.names);
+    result.error =
+        Win32::ListFolder(folder, [&](std::wstring_view name, uint32_t /*attributes*/) { result.names.Add(name); });
     return result;
 }
 

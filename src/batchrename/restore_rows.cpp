@@ -34,9 +34,10 @@ private:
     const Names& NamesIn(const std::wstring& folder) {
         const auto [entry, isNew] = m_folders.try_emplace(FoldedName(folder));
         if (!isNew) return entry->second;
-        for (std::wstring& name : m_list(folder).names) {
-            entry->second.folded.insert(FoldedName(name));
-            entry->second.exact.insert(std::move(name));
+        const Win32::NameList names = m_list(folder).names;
+        for (size_t name = 0; name < names.Count(); ++name) {
+            entry->second.folded.insert(FoldedName(names[name]));
+            entry->second.exact.emplace(names[name]);
         }
         return entry->second;
     }

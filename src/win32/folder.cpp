@@ -50,7 +50,7 @@ bool ReadEntries(const std::wstring& folder, uint32_t& error, Take&& take) {
     const FileHandle handle(CreateFileW(ExtendedPath(folder).c_str(), FILE_LIST_DIRECTORY, kShareAll, nullptr,
                                         OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     if (!handle) return false;
-    using Buffer = std::array<uint64_t, 8192>;  // as records want to be aligned
+    using Buffer = std::array<uint64_t, 16384>;  // as records want to be aligned
     const auto buffer = std::make_unique_for_overwrite<Buffer>();
     for (bool isFirst = true;; isFirst = false) {
         if (!GetFileInformationByHandleEx(handle.Get(), FileIdBothDirectoryInfo, buffer.get(), sizeof(Buffer))) {

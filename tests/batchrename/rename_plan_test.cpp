@@ -20,6 +20,12 @@ using Pairs = std::vector<std::pair<std::wstring, std::wstring>>;
 
 const std::wstring kFolder = LR"(C:\d)";
 
+FolderNames Listing(const std::wstring& folder, const std::vector<std::wstring>& names) {
+    FolderNames listing = {folder, {}, 0};
+    for (const std::wstring& name : names) listing.names.Add(name);
+    return listing;
+}
+
 TEST(PlanRenames, GivesEachRowOneVerdictWithItsReason) {
     using R = RowReason;
     const struct {
@@ -46,7 +52,7 @@ TEST(PlanRenames, GivesEachRowOneVerdictWithItsReason) {
     };
     for (const auto& c : cases) {
         const RenameItems rows = Rows(kFolder, c.rows);
-        const RenamePlan plan = PlanRenames(rows, {{L"c:\\D", c.disk, 0}});
+        const RenamePlan plan = PlanRenames(rows, {Listing(L"c:\\D", c.disk)});
         for (size_t row = 0; row < rows.size(); ++row) {
             EXPECT_EQ(plan.rows[row].reason, c.reasons[row]) << c.why << " row " << row;
             EXPECT_EQ(DescribeRowPlan(*rows[row], plan.rows[row]).empty(), c.reasons[row] == R::None) << c.why;
@@ -64,8 +70,8 @@ TEST(PlanRenames, FailsTheRowsOfAFolderThatCannotBeRead) {
 TEST(PlanRenames, OrdersChainsFromTheFreeEndAndDeeperItemsFirst) {
     const RenameItems rows = {Row(LR"(C:\)", L"d", L"e"), Row(kFolder, L"01", L"02"), Row(kFolder, L"02", L"03"),
                               Row(kFolder, L"x", L"y"), Row(kFolder + LR"(\s)", L"p", L"q")};
-    const RenamePlan plan = PlanRenames(
-        rows, {{LR"(C:\)", {L"d"}, 0}, {kFolder, {L"01", L"02", L"x", L"s"}, 0}, {kFolder + LR"(\s)", {L"p"}, 0}});
+    const RenamePlan plan = PlanRenames(rows, {Listing(LR"(C:\)", {L"d"}), Listing(kFolder, {L"01", L"02", L"x", L"s"}),
+                                               Listing(kFolder + LR"(\s)", {L"p"})});
     std::vector<size_t> order;
     for (const RenameStep& step : plan.steps) order.push_back(step.row);
     EXPECT_EQ(order, (std::vector<size_t>{4, 2, 1, 3, 0}));
@@ -75,7 +81,7 @@ TEST(PlanRenames, BreaksARingWithATemporaryNameThatIsFree) {
     const RenameItems rows = Rows(kFolder, {{L"a", L"b"}, {L"b", L"c"}, {L"c", L"a"}});
     const std::wstring first = TemporaryNameFor(kFolder, L"a", 0);
     EXPECT_EQ(first.size(), 13u);
-    const RenamePlan plan = PlanRenames(rows, {{kFolder, {L"a", L"b", L"c", first}, 0}});
+    const RenamePlan plan = PlanRenames(rows, {Listing(kFolder, {L"a", L"b", L"c", first})});
     ASSERT_EQ(plan.groups.size(), 1u);
     EXPECT_EQ(plan.temporaryNames.at(plan.groups[0].ring), TemporaryNameFor(kFolder, L"a", 1));
     EXPECT_EQ(plan.steps.size(), 4u);

@@ -45,7 +45,7 @@ public:
             BatchRename::FolderNames names;
             names.folder = folder;
             for (const DiskItem& item : items)
-                if (BatchRename::IsSameName(item.location, folder)) names.names.push_back(item.name);
+                if (BatchRename::IsSameName(item.location, folder)) names.names.Add(item.name);
             return names;
         };
     }
