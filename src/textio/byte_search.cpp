@@ -1,6 +1,7 @@
 #include "textio/byte_search.h"
 
 #include <bit>
+#include <cstdint>
 #include <cstring>
 
 #ifdef __SSE2__
@@ -10,14 +11,37 @@
 namespace QVUtils {
 namespace {
 
+template <class Word>
+bool EqualWord(const char* left, const char* right) {
+    Word leftWord;
+    Word rightWord;
+    std::memcpy(&leftWord, left, sizeof(Word));
+    std::memcpy(&rightWord, right, sizeof(Word));
+    return leftWord == rightWord;
+}
+
+/// Word by word, the last of which may overlap the one before: items are short, and a call would cost more.
+template <class Word>
+bool EqualWords(const char* left, const char* right, size_t size) {
+    for (size_t at = 0; at + sizeof(Word) < size; at += sizeof(Word))
+        if (!EqualWord<Word>(left + at, right + at)) return false;
+    return EqualWord<Word>(left + size - sizeof(Word), right + size - sizeof(Word));
+}
+
+bool EqualBytes(const void* left, const void* right, size_t size) {
+    const auto* const leftBytes = static_cast<const char*>(left);
+    const auto* const rightBytes = static_cast<const char*>(right);
+    if (size >= sizeof(uint64_t)) return EqualWords<uint64_t>(leftBytes, rightBytes, size);
+    if (size >= sizeof(uint32_t)) return EqualWords<uint32_t>(leftBytes, rightBytes, size);
+    return EqualWords<uint8_t>(leftBytes, rightBytes, size);
+}
+
+/// `length`: at least 1.
 template <class CharT>
 bool EqualUnits(const CharT* left, const CharT* right, size_t length, bool ignoreCase) {
-    constexpr size_t kWorthACall = 32;
-    if (!ignoreCase && length >= kWorthACall) return std::memcmp(left, right, length * sizeof(CharT)) == 0;
-    for (size_t i = 0; i < length; ++i) {
-        if (left[i] == right[i]) continue;
-        if (!ignoreCase || FoldCase(left[i]) != FoldCase(right[i])) return false;
-    }
+    if (!ignoreCase) return EqualBytes(left, right, length * sizeof(CharT));
+    for (size_t i = 0; i < length; ++i)
+        if (left[i] != right[i] && FoldCase(left[i]) != FoldCase(right[i])) return false;
     return true;
 }
 

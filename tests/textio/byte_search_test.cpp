@@ -40,7 +40,12 @@ TYPED_TEST(ByteSearch, FindsWhatTheObviousLoopFinds) {
     std::mt19937 random(1);
     for (int round = 0; round < 20'000; ++round) {
         const auto text = RandomText<CharT>(random, random() % 70);
-        const auto item = RandomText<CharT>(random, 1 + random() % 4);
+        auto item = RandomText<CharT>(random, 1 + random() % 4);
+        if (random() % 2 == 0 && !text.empty()) {
+            // A piece of the text that is there, or would be but for one unit.
+            item = text.substr(random() % text.size(), 1 + random() % 20);
+            if (random() % 2 == 0) item[random() % item.size()] = CharT('a');
+        }
         const bool ignoreCase = random() % 2 == 0;
         const CharT* const begin = text.data();
         const CharT* const end = begin + text.size();
