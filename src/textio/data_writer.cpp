@@ -41,6 +41,10 @@ uint32_t FileDataWriter::WriteData(const void* buffer, uint32_t size, uint32_t* 
     return 1;
 }
 
+Win32::AttributesAndAccess FileDataWriter::GetAttributesAndAccess() const {
+    return Win32::AttributesAndAccessOf(m_handle->file.Get());
+}
+
 void FileDataWriter::Close() {
     if (!m_handle->file) return;
     if (!CloseHandle(m_handle->file.Release())) throw QVUtilsException(GetLastError(), "Failed to write data to file");

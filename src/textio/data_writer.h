@@ -9,6 +9,7 @@
 
 #include "textio/file_sharing.h"
 #include "textio/qvutils_exception.h"
+#include "win32/files.h"
 
 namespace QVUtils {
 
@@ -68,6 +69,9 @@ public:
     bool Open(const std::wstring& path, bool overwrite, FileSharing sharing = FileSharing::ReadAndWrite);
 
     uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* bytesWritten) override;
+
+    /// What the file has by now. Only while it is open.
+    Win32::AttributesAndAccess GetAttributesAndAccess() const;
 
     /// Closes the file, so that a failure to do so is seen before anything relies on the new content.
     /// @throws QVUtilsException "Failed to write data to file"

@@ -65,8 +65,9 @@ void FileReplacement::Begin() {
 
 uint32_t FileReplacement::Commit() {
     m_buffer->Flush();
+    const auto present = m_isBeside ? m_file.GetAttributesAndAccess() : Win32::AttributesAndAccess();
     m_file.Close();
-    const uint32_t backupError = m_isBeside ? TakePlace() : ERROR_SUCCESS;
+    const uint32_t backupError = m_isBeside ? TakePlace(present) : ERROR_SUCCESS;
     m_isOurs = false;
     return backupError;
 }
@@ -76,12 +77,12 @@ uint32_t FileReplacement::MoveOver() {
     return ERROR_SUCCESS;
 }
 
-/// Gives the complete file the target's name.
-uint32_t FileReplacement::TakePlace() {
+/// Gives the complete file, which has `present`, the target's name.
+uint32_t FileReplacement::TakePlace(const Win32::AttributesAndAccess& present) {
     const std::wstring& target = m_request.target;
     ThrowIfFailed(Win32::CopyStreams(target, m_path, Win32::NamedStreamsOf(target)),
                   "Unable to carry over the named streams of the file");
-    Win32::CarryOverAttributesAndAccess(target, m_path);
+    Win32::CarryOverAttributesAndAccess(target, m_path, present);
     if (!WantsBackup()) return MoveOver();
     // Moving is the question: asking first whether a name is free would cost another walk through the folder, and its
     // answer could be out of date.

@@ -48,7 +48,7 @@ public:
 
 private:
     bool WantsBackup() const { return m_request.keepBackup || m_request.dropBackup; }
-    uint32_t TakePlace();
+    uint32_t TakePlace(const Win32::AttributesAndAccess& present);
     uint32_t MoveOver();
 
     ReplaceRequest m_request;

@@ -1,6 +1,5 @@
 #include "win32/files.h"
 
-#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -67,36 +66,31 @@ std::optional<FileIdentity> IdentityOf(const std::wstring& path) {
     return FileIdentity{information.dwVolumeSerialNumber, information.nFileIndexHigh, information.nFileIndexLow};
 }
 
-/// A file's access list within its descriptor, as the system gives it out; empty when it cannot be read.
-std::vector<std::byte> AccessListOf(const std::wstring& path) {
+/// An access list in the form in which the system gives it out. `read(descriptor, capacity, size)` asks for it.
+template <class Read>
+std::vector<std::byte> ReadAccessList(Read&& read) {
     constexpr DWORD kUsualSize = 1024;
     std::vector<std::byte> descriptor(kUsualSize);
     DWORD size = 0;
-    const auto read = [&] {
-        return GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, descriptor.data(),
-                                static_cast<DWORD>(descriptor.size()), &size) != FALSE;
-    };
-    bool isRead = read();
+    const auto tryOnce = [&] { return read(descriptor.data(), static_cast<DWORD>(descriptor.size()), &size) != FALSE; };
+    bool isRead = tryOnce();
     if (!isRead && size > descriptor.size()) {
         descriptor.resize(size);
-        isRead = read();
+        isRead = tryOnce();
     }
     if (!isRead) return {};
     descriptor.resize(GetSecurityDescriptorLength(descriptor.data()));
     return descriptor;
 }
 
-void CarryOverAccess(const std::wstring& from, std::wstring to) {
-    std::vector<std::byte> wanted = AccessListOf(from);
-    // Mostly the new file has what it needs from its folder already: then nothing is written.
-    if (wanted.empty() || wanted == AccessListOf(to)) return;
+void GiveAccess(std::vector<std::byte> descriptor, std::wstring to) {
     SECURITY_DESCRIPTOR_CONTROL control = 0;
     DWORD revision = 0;
     BOOL isPresent = FALSE;
     BOOL isDefault = FALSE;
     PACL list = nullptr;
-    if (!GetSecurityDescriptorControl(wanted.data(), &control, &revision) ||
-        !GetSecurityDescriptorDacl(wanted.data(), &isPresent, &list, &isDefault) || !isPresent)
+    if (!GetSecurityDescriptorControl(descriptor.data(), &control, &revision) ||
+        !GetSecurityDescriptorDacl(descriptor.data(), &isPresent, &list, &isDefault) || !isPresent)
         return;
     const SECURITY_INFORMATION inheritance =
         control & SE_DACL_PROTECTED ? PROTECTED_DACL_SECURITY_INFORMATION : UNPROTECTED_DACL_SECURITY_INFORMATION;
@@ -140,15 +134,36 @@ bool IsSameFile(const std::wstring& left, const std::wstring& right) {
     return leftIdentity && leftIdentity == IdentityOf(right);
 }
 
-void CarryOverAttributesAndAccess(const std::wstring& from, const std::wstring& to) {
-    const std::wstring source = ExtendedPath(from);
+AttributesAndAccess AttributesAndAccessOf(const std::wstring& path) {
+    const std::wstring extended = ExtendedPath(path);
+    return {GetFileAttributesW(extended.c_str()), ReadAccessList([&](void* descriptor, DWORD capacity, DWORD* size) {
+                return GetFileSecurityW(extended.c_str(), DACL_SECURITY_INFORMATION, descriptor, capacity, size);
+            })};
+}
+
+AttributesAndAccess AttributesAndAccessOf(void* openFile) {
+    FILE_BASIC_INFO basic = {};
+    const bool isKnown = GetFileInformationByHandleEx(openFile, FileBasicInfo, &basic, sizeof(basic)) != FALSE;
+    return {isKnown ? basic.FileAttributes : INVALID_FILE_ATTRIBUTES,
+            ReadAccessList([&](void* descriptor, DWORD capacity, DWORD* size) {
+                return GetKernelObjectSecurity(openFile, DACL_SECURITY_INFORMATION, descriptor, capacity, size);
+            })};
+}
+
+void CarryOverAttributesAndAccess(const std::wstring& from, const std::wstring& to,
+                                  const AttributesAndAccess& present) {
+    const AttributesAndAccess wanted = AttributesAndAccessOf(from);
     const std::wstring target = ExtendedPath(to);
-    CarryOverAccess(source, target);
-    const DWORD attributes = GetFileAttributesW(source.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES) return;
-    const DWORD carried = attributes & kCarriedAttributes;
-    if (carried == (GetFileAttributesW(target.c_str()) & kCarriedAttributes)) return;
+    // Mostly the new file has what it needs from its folder already: then nothing is written.
+    if (!wanted.accessList.empty() && wanted.accessList != present.accessList) GiveAccess(wanted.accessList, target);
+    if (wanted.attributes == INVALID_FILE_ATTRIBUTES) return;
+    const DWORD carried = wanted.attributes & kCarriedAttributes;
+    if (carried == (present.attributes & kCarriedAttributes)) return;
     SetFileAttributesW(target.c_str(), carried ? carried : FILE_ATTRIBUTE_NORMAL);
+}
+
+void CarryOverAttributesAndAccess(const std::wstring& from, const std::wstring& to) {
+    CarryOverAttributesAndAccess(from, to, AttributesAndAccessOf(to));
 }
 
 std::vector<std::wstring> NamedStreamsOf(const std::wstring& path) {

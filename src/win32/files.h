@@ -2,6 +2,7 @@
 // and handing one file's attributes, access list and named streams to another. Paths may be of any length.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -25,8 +26,21 @@ uint32_t RemoveFileAt(const wchar_t* extendedPath) noexcept;
 /// cannot be opened.
 bool IsSameFile(const std::wstring& left, const std::wstring& right);
 
-/// Gives `to` the attributes (read-only, hidden, system, archive, not indexed) and the access list of `from`. Best
-/// effort: what the system refuses stays as the new file has it, since its content is already safe.
+/// A file's attributes and access list.
+struct AttributesAndAccess {
+    uint32_t attributes = 0xFFFFFFFF;   // FILE_ATTRIBUTE_...; INVALID_FILE_ATTRIBUTES when they cannot be read
+    std::vector<std::byte> accessList;  // within its descriptor; empty when it cannot be read
+};
+
+AttributesAndAccess AttributesAndAccessOf(const std::wstring& path);
+/// Of an open file by its system handle, which is less work for the system than finding it again.
+AttributesAndAccess AttributesAndAccessOf(void* openFile);
+
+/// Gives `to`, which has those of `present`, the attributes (read-only, hidden, system, archive, not indexed) and the
+/// access list of `from`. Best effort: what the system refuses stays as the new file has it, since its content is
+/// already safe.
+void CarryOverAttributesAndAccess(const std::wstring& from, const std::wstring& to, const AttributesAndAccess& present);
+/// The same, whatever `to` has.
 void CarryOverAttributesAndAccess(const std::wstring& from, const std::wstring& to);
 
 /// A file's named streams, each with its colons and type (":Zone.Identifier:$DATA"); the content itself is none of
