@@ -107,6 +107,7 @@ struct RawOptions {
 };
 
 void AddOptions(CLI::App& app, RawOptions& raw, HostOptions& options) {
+    app.set_version_flag("--version", "qvhost " QV_VERSION, "Print the version and exit");
     app.add_option("--library", raw.library, "The library to load (default: QVUtils.dll beside this program)")
         ->type_name("FILE")
         ->take_last();

@@ -62,7 +62,7 @@ struct HelpText {
 /// blanks, brackets, commas and further equals signs mean nothing here. Behind `--` even words that begin with `-` are
 /// operands.
 /// @throws UsageError
-/// @throws HelpText for --help
+/// @throws HelpText for --help and --version
 HostOptions ParseCommandLine(const std::vector<std::wstring>& arguments);
 
 }  // namespace QVHost

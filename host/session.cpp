@@ -29,11 +29,13 @@ std::wstring GivenOrBeside(const std::wstring& given, const std::wstring& progra
     return given.empty() ? Win32::JoinPath(Win32::FolderOf(program), name) : FullUserPath(given);
 }
 
+/// @throws UsageError
 std::wstring ConfigurationFolder(const HostOptions& options) {
-    const std::wstring folder = options.config.empty()
-                                    ? Win32::JoinPath(EnvironmentText(L"APPDATA"), kConfigurationName)
-                                    : FullUserPath(options.config);
-    return Win32::JoinPath(folder, L"");
+    if (!options.config.empty()) return Win32::JoinPath(FullUserPath(options.config), L"");
+    const std::wstring folder = EnvironmentText(L"APPDATA");
+    // The current folder is nobody's place for settings.
+    if (folder.empty()) throw UsageError(L"APPDATA names no folder for settings; give one with --config FOLDER");
+    return Win32::JoinPath(Win32::JoinPath(folder, kConfigurationName), L"");
 }
 
 std::unique_ptr<IAnswers> MakeAnswers(const HostOptions& options, const HostEnvironment& environment, Output& output) {
