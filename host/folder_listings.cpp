@@ -11,17 +11,14 @@
 #include "win32/path.h"
 
 namespace QVHost {
-FolderListings::FolderListings() {
-    for (std::thread& thread : m_threads) thread = std::thread([this] { ListAll(); });
-}
-
 FolderListings::~FolderListings() {
     {
         const Win32::ExclusiveLock lock(m_lock);
         m_isEnding = true;
     }
     WakeAllConditionVariable(&m_isAdded);
-    for (std::thread& thread : m_threads) thread.join();
+    for (std::thread& thread : m_threads)
+        if (thread.joinable()) thread.join();
 }
 
 void FolderListings::Add(std::wstring folder) {
@@ -29,7 +26,11 @@ void FolderListings::Add(std::wstring folder) {
         const Win32::ExclusiveLock lock(m_lock);
         m_folders.emplace_back().path = std::move(folder);
     }
-    WakeConditionVariable(&m_isAdded);
+    // One folder needs no second thread.
+    if (m_folders.size() <= m_threads.size())
+        m_threads[m_folders.size() - 1] = std::thread([this] { ListAll(); });
+    else
+        WakeConditionVariable(&m_isAdded);
 }
 
 void FolderListings::ListAll() noexcept {

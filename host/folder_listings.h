@@ -21,13 +21,14 @@ namespace QVHost {
 /// For one thread; those that list are its own.
 class FolderListings {
 public:
-    FolderListings();
+    FolderListings() = default;
     FolderListings(const FolderListings&) = delete;
     FolderListings& operator=(const FolderListings&) = delete;
     /// Waits for the folders that are being listed, and for no other.
     ~FolderListings();
 
     /// Lists the folder when its turn comes; folders are numbered in order of their adding.
+    /// @throws std::system_error when there are no more threads to be had
     void Add(std::wstring folder);
 
     size_t Count() const { return m_folders.size(); }
