@@ -25,6 +25,15 @@ void Output::Line(std::wstring_view text, Tone tone) {
     if (m_flushLines || m_pending.size() >= kBlock) FlushLines();
 }
 
+void Output::Lines(std::string_view lines) {
+    if (m_panel)
+        for (const std::string_view line : LinesOf(lines))
+            m_panel->ShowLine(FromUtf8(line).value_or(std::wstring()), Tone::Plain);
+    const std::lock_guard lock(m_mutex);
+    m_pending += lines;
+    if (m_flushLines || m_pending.size() >= kBlock) FlushLines();
+}
+
 void Output::Note(std::wstring_view text, Tone tone) {
     if (m_panel) m_panel->ShowLine(text, tone);
     const std::lock_guard lock(m_mutex);

@@ -25,6 +25,8 @@ public:
 
     /// One line of standard output. Kept until there is a block of them or something needs the order.
     void Line(std::wstring_view text, Tone tone = Tone::Plain);
+    /// Lines of standard output that are in UTF-8 already; the last one has its end too.
+    void Lines(std::string_view lines);
     /// One line of standard error, behind all output so far.
     void Note(std::wstring_view text, Tone tone = Tone::Note);
     /// Standard error without a line end: a prompt, or a line that is written over by the next.

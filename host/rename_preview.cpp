@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "batchrename/rename_plan.h"
+#include "host/text.h"
 
 namespace QVHost {
 namespace {
@@ -23,34 +24,40 @@ struct FolderRows {
     RenamePlan plan;
 };
 
-/// Text of lines that are printed together: none of them before it is known that all can be.
-class Pages {
+/// Lines that are printed together: none of them before it is known that all can be.
+class HeldLines {
 public:
-    /// Where the next line is to be appended, without its end.
-    std::wstring& NextLine() {
-        constexpr size_t kPageUnits = 32768;
-        constexpr size_t kLongLine = 1024;
-        if (m_pages.empty() || m_pages.back().size() + kLongLine > kPageUnits)
-            m_pages.emplace_back().reserve(kPageUnits);
-        else
-            m_pages.back() += L'\n';
-        return m_pages.back();
+    /// Where a line may be appended, with its end, until this is called again.
+    std::wstring& Next() {
+        if (m_page.size() > kPageUnits) TurnPage();
+        return m_page;
     }
-    void Print(Output& output) const {
-        for (const std::wstring& page : m_pages) output.Line(page);
+    void Print(Output& output) {
+        TurnPage();
+        for (const std::string& page : m_pages) output.Lines(page);
     }
 
 private:
-    std::vector<std::wstring> m_pages;
+    static constexpr size_t kPageUnits = 32768;
+
+    void TurnPage() {
+        m_pages.push_back(ToUtf8(m_page));
+        m_page.clear();
+    }
+
+    std::wstring m_page;
+    std::vector<std::string> m_pages;
 };
 
 /// Adds the line of the folder's next row. False when the row would fail. The last one lets go of all; the rows can be
 /// used again.
-bool ShowNext(FolderRows& folder, Pages& pages, RenameItems& spare) {
+bool ShowNext(FolderRows& folder, HeldLines& lines, RenameItems& spare) {
     const RowPlan verdict = folder.plan.rows[folder.shown];
     const BatchRenameItem& row = *folder.rows[folder.shown++];
     const uint32_t code = verdict.verdict == RowVerdict::Ignored ? Quorvane::SDK::RenameResult::Ignored : verdict.code;
-    AppendOutcome(pages.NextLine(), row, code, DescribeRowPlan(row, verdict), L"rename");
+    std::wstring& line = lines.Next();
+    AppendOutcome(line, row, code, DescribeRowPlan(row, verdict), L"rename");
+    line += L'\n';
     if (folder.shown == folder.rows.size()) {
         std::ranges::move(folder.rows, std::back_inserter(spare));
         folder = {};
@@ -63,7 +70,7 @@ bool ShowNext(FolderRows& folder, Pages& pages, RenameItems& spare) {
 bool PrintPreview(SelectedRows& selection, RenameRule& rule, RenameHost& host) {
     std::vector<FolderRows> folders(selection.CountOfFolders());
     for (size_t row = 0; row < selection.Count(); ++row) ++folders[selection.FolderOf(row)].missing;
-    Pages pages;
+    HeldLines lines;
     RenameItems spare;  // rows whose memory serves again: taking and freeing it would be a third of the work on a row
     bool isDone = true;
     size_t shown = 0;
@@ -76,9 +83,9 @@ bool PrintPreview(SelectedRows& selection, RenameRule& rule, RenameHost& host) {
         if (--folder.missing == 0)
             folder.plan = PlanRenames(folder.rows, {selection.TakeNames(selection.FolderOf(row))});
         for (; shown <= row && folders[selection.FolderOf(shown)].missing == 0; ++shown)
-            isDone = ShowNext(folders[selection.FolderOf(shown)], pages, spare) && isDone;
+            isDone = ShowNext(folders[selection.FolderOf(shown)], lines, spare) && isDone;
     }
-    pages.Print(host.State().output);
+    lines.Print(host.State().output);
     return isDone;
 }
 
