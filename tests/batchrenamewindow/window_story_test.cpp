@@ -79,7 +79,8 @@ TEST(RenameWindow, SwapsTurnsRingsAndRefreshes) {
 
     // The rows go on under their new names, of folders as they are now.
     window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]b");
-    EXPECT_TRUE(window.WaitFor([&] { return window.Column(kNewName) == Words{L"2b", L"3b", L"1b"}; }));
+    ASSERT_TRUE(window.WaitForStatus(L"3 items, 3 will be renamed"));
+    EXPECT_EQ(window.Column(kNewName), (Words{L"2b", L"3b", L"1b"}));
     window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]");
 
     // The command again: the same window and thread, other rows. By now two of them swap.
