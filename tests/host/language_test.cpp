@@ -64,6 +64,7 @@ TEST(LanguageTexts, AreThereForEveryIdOfTheLibraryAndThePanel) {
         }
     }
     EXPECT_GT(count, 150u) << "the ids are looked for in the wrong way";
+    EXPECT_STRNE(texts.Find(L"", 2004_m), L"2004m") << "the root menu's, which is no literal";
     EXPECT_STRNE(texts.Find(L"QVBatchRename", 10_c), texts.Find(L"", 10_c)) << "one id, two extensions";
     for (uint32_t number = 1; number <= static_cast<uint32_t>(PanelText::Last); ++number) {
         const auto text = static_cast<PanelText>(number);
