@@ -1,8 +1,5 @@
 #include "batchrename/rename_run.h"
 
-#include <algorithm>
-#include <random>
-
 #include <gtest/gtest.h>
 
 #include "rows.h"
@@ -13,7 +10,6 @@ namespace {
 
 using namespace BatchRename;
 using namespace QVTest;
-using Pairs = std::vector<std::pair<std::wstring, std::wstring>>;
 
 const std::wstring kFolder = LR"(C:\d)";
 constexpr CalendarTime kTime = {2016, 3, 1, 7, 14, 29, 5, 0};
@@ -44,184 +40,155 @@ const World kWorlds[] = {
      {L"t", L"s", L"x1", L"x2"}},
 };
 
-void Fill(const World& world, SimulatedDisk& disk, RenameItems& rows) {
-    for (size_t at = 0; at < world.disk.size(); ++at) {
-        disk.Add(world.disk[at].first, world.disk[at].second);
-        if (!world.newNames[at].empty())
-            rows.push_back(Row(world.disk[at].first, world.disk[at].second, world.newNames[at]));
+/// A world on a disk, with a journal.
+class Scene {
+public:
+    explicit Scene(const World& world) {
+        for (size_t at = 0; at < world.disk.size(); ++at) {
+            const auto& [location, name] = world.disk[at];
+            disk.Add(location, name);
+            if (!world.newNames[at].empty()) rows.push_back(Row(location, name, world.newNames[at]));
+        }
+        before = disk.items;
     }
-}
 
-std::vector<RowOutcome> Restore(UndoStore& store, SimulatedDisk& disk, uint32_t* failedCount = nullptr) {
-    BatchRenameUndo& session = *store.Sessions().at(0);
-    const RestoreRows restore = MakeRestoreRows(session, disk.Lister());
-    CRenameResultCallback results;
-    const auto outcomes = RunRestore(session, restore, {disk, disk.Lister(), &store}, results);
-    if (failedCount) *failedCount = results.FailedCount();
-    return outcomes;
-}
-
-TEST(RunRestore, GivesEveryNameBackAndThenHasNothingToDo) {
-    for (const World& world : kWorlds) {
-        const TemporaryFolder folder;
+    std::vector<RowOutcome> Rename(const std::atomic<bool>* isStopped = nullptr) {
         UndoStore store;
-        store.SetFolder(folder / L"Undo");
-        SimulatedDisk disk;
-        RenameItems rows;
-        Fill(world, disk, rows);
-        const std::vector<DiskItem> before = disk.items;
-        CRenameResultCallback results;
-        RunRenames(rows, kTime, {disk, disk.Lister(), &store}, results);
-        EXPECT_EQ(results.DoneCount(), rows.size()) << world.why;
-        EXPECT_NE(disk.items, before) << world.why;
-
-        UndoStore reread;
-        reread.SetFolder(folder / L"Undo");
-        ASSERT_EQ(reread.Sessions().size(), 1u);
-        EXPECT_FALSE(reread.Sessions()[0]->isUnfinished);
-        Restore(reread, disk);
-        EXPECT_EQ(disk.items, before) << world.why;
-        EXPECT_TRUE(reread.Sessions()[0]->haveRestored);
-        reread.SetFolder(folder / L"Undo");
-        EXPECT_TRUE(reread.Sessions()[0]->haveRestored);
-        for (const RowOutcome& outcome : Restore(reread, disk))
-            EXPECT_EQ(outcome.code, Quorvane::SDK::RenameResult::Ignored) << world.why;
-        EXPECT_EQ(disk.items, before) << world.why;
+        store.SetFolder(JournalFolder());
+        return RunRenames(rows, kTime, {disk, disk.Lister(), &store, isStopped}, results);
     }
-}
+    /// Restores the newest session, as it is on disk.
+    std::vector<RowOutcome> Restore() {
+        UndoStore store;
+        store.SetFolder(JournalFolder());
+        CRenameResultCallback restored;
+        BatchRenameUndo& session = *store.Sessions().at(0);
+        return RunRestore(session, MakeRestoreRows(session, disk.Lister()), {disk, disk.Lister(), &store}, restored);
+    }
+    /// All sessions, as they are on disk.
+    std::vector<std::shared_ptr<BatchRenameUndo>> Sessions() const {
+        UndoStore store;
+        store.SetFolder(JournalFolder());
+        return store.Sessions();
+    }
 
-/// Runs, dies at a step, and restores from what is on disk; dies once more while restoring.
+    SimulatedDisk disk;
+    RenameItems rows;
+    std::vector<DiskItem> before;
+    CRenameResultCallback results;
+
+private:
+    std::wstring JournalFolder() const { return m_folder / L"new\\Undo"; }
+
+    TemporaryFolder m_folder;
+};
+
+/// Runs, dies at a step or at none, and restores from what is on disk; dies once more while restoring.
 TEST(RunRestore, GivesEveryNameBackAfterACrashAtAnyStep) {
     for (const World& world : kWorlds) {
         bool isOver = false;
-        for (int crash = 0; !isOver; ++crash) {
+        for (int crash = 0; !isOver; ++crash)
             for (const int secondCrash : {-1, 0, 2}) {
-                const TemporaryFolder folder;
-                UndoStore store;
-                store.SetFolder(folder.Path());
-                SimulatedDisk disk;
-                RenameItems rows;
-                Fill(world, disk, rows);
-                const std::vector<DiskItem> before = disk.items;
-                (crash % 2 == 0 ? disk.crashBefore : disk.crashAfter) = crash / 2;
-                CRenameResultCallback results;
+                SCOPED_TRACE(std::string(world.why) + ", crash " + std::to_string(crash));
+                Scene scene(world);
+                (crash % 2 == 0 ? scene.disk.crashBefore : scene.disk.crashAfter) = crash / 2;
                 try {
-                    RunRenames(rows, kTime, {disk, disk.Lister(), &store}, results);
+                    scene.Rename();
                     isOver = true;
+                    ASSERT_EQ(scene.results.DoneCount(), scene.rows.size());
                 } catch (const Crash&) {
                 }
-                disk.crashBefore = -1;
-                disk.crashAfter = secondCrash < 0 ? -1 : disk.stepCount + secondCrash;
-                UndoStore reread;
-                reread.SetFolder(folder.Path());
-                ASSERT_EQ(reread.Sessions().size(), 1u);
+                scene.disk.crashBefore = -1;
+                scene.disk.crashAfter = secondCrash < 0 ? -1 : scene.disk.stepCount + secondCrash;
                 try {
-                    Restore(reread, disk);
+                    scene.Restore();
                 } catch (const Crash&) {
-                    disk.crashAfter = -1;
-                    reread.SetFolder(folder.Path());
-                    Restore(reread, disk);
+                    scene.disk.crashAfter = -1;
+                    scene.Restore();
                 }
-                ASSERT_EQ(disk.items, before) << world.why << ", crash " << crash << ", second " << secondCrash;
+                ASSERT_EQ(scene.disk.items, scene.before) << "second " << secondCrash;
             }
-        }
+    }
+}
+
+TEST(RunRestore, HasNothingToDoOnceAllIsBack) {
+    for (const World& world : kWorlds) {
+        Scene scene(world);
+        scene.Rename();
+        scene.Restore();
+        for (const RowOutcome& outcome : scene.Restore())
+            EXPECT_EQ(outcome.code, Quorvane::SDK::RenameResult::Ignored) << world.why;
+        EXPECT_EQ(scene.disk.items, scene.before) << world.why;
+        EXPECT_TRUE(scene.Sessions().at(0)->haveRestored) << world.why;
     }
 }
 
 TEST(RunRenames, WritesTheSessionBeforeTheFirstRenameAndTruesItUp) {
-    const TemporaryFolder folder;
-    UndoStore store;
-    store.SetFolder(folder / L"new\\Undo");
-    SimulatedDisk disk;
-    RenameItems rows;
-    Fill(kWorlds[3], disk, rows);
-    size_t sessionsAtFirstStep = 0;
-    disk.failure = [&](int step) {
-        if (step == 0) {
-            UndoStore during;
-            during.SetFolder(folder / L"new\\Undo");
-            if (during.Sessions().size() == 1) sessionsAtFirstStep = during.Sessions()[0]->entries.size();
-        }
+    Scene scene(kWorlds[3]);
+    size_t entriesAtFirstStep = 0;
+    scene.disk.failure = [&](int step) {
+        if (step == 0) entriesAtFirstStep = scene.Sessions().at(0)->entries.size();
         return step == 1 ? 5u : 0u;
     };
-    CRenameResultCallback results;
-    const auto outcomes = RunRenames(rows, kTime, {disk, disk.Lister(), &store}, results);
-    EXPECT_EQ(sessionsAtFirstStep, 3u);
+    const auto outcomes = scene.Rename();
+    EXPECT_EQ(entriesAtFirstStep, 3u);
     EXPECT_EQ(outcomes[2].code, 0u);
     EXPECT_EQ(outcomes[1].code, 5u);
     EXPECT_NE(outcomes[0].reason.find(L"waited for \"2\""), std::wstring::npos);
-    EXPECT_EQ(RunStatusText(results, false), L"1 Renamed, 2 Failed");
-    store.SetFolder(folder / L"new\\Undo");
-    ASSERT_EQ(store.Sessions().size(), 1u);
-    ASSERT_EQ(store.Sessions()[0]->entries.size(), 1u);
-    EXPECT_EQ(store.Sessions()[0]->entries[0].newName, L"4");
+    const auto sessions = scene.Sessions();
+    ASSERT_EQ(sessions.size(), 1u);
+    ASSERT_EQ(sessions[0]->entries.size(), 1u);
+    EXPECT_EQ(sessions[0]->entries[0].newName, L"4");
+    EXPECT_FALSE(sessions[0]->isUnfinished);
+}
 
-    // Nothing renamed, no session.
-    disk.failure = [](int) { return 5u; };
-    RenameItems again = Rows(kFolder, {{L"4", L"5"}});
-    CRenameResultCallback none;
-    RunRenames(again, {2017, 1, 0, 1, 0, 0, 0, 0}, {disk, disk.Lister(), &store}, none);
-    EXPECT_EQ(store.Sessions().size(), 1u);
-    EXPECT_EQ(TemporaryFolder().List().size(), 0u);
+TEST(RunRenames, LeaveNoSessionWhenNothingIsRenamed) {
+    Scene scene(kWorlds[0]);
+    scene.disk.failure = [](int) { return 5u; };
+    scene.Rename();
+    EXPECT_TRUE(scene.Sessions().empty());
 }
 
 TEST(RunRenames, PutsARingBackWhicheverStepFails) {
     for (int failing = 0; failing < 4; ++failing) {
-        SimulatedDisk disk;
-        RenameItems rows;
-        Fill(kWorlds[2], disk, rows);
-        const std::vector<DiskItem> before = disk.items;
-        disk.failure = [=](int step) { return step == failing ? 32u : 0u; };
-        CRenameResultCallback results;
-        RunRenames(rows, kTime, {disk, disk.Lister()}, results);
-        EXPECT_EQ(disk.items, before) << failing;
-        EXPECT_EQ(results.FailedCount(), 3u);
+        Scene scene(kWorlds[2]);
+        scene.disk.failure = [=](int step) { return step == failing ? 32u : 0u; };
+        scene.Rename();
+        EXPECT_EQ(scene.disk.items, scene.before) << failing;
+        EXPECT_EQ(scene.results.FailedCount(), 3u);
     }
 }
 
 TEST(RunRenames, NamesInTheJournalWhatARingLeftAside) {
-    const TemporaryFolder folder;
-    UndoStore store;
-    store.SetFolder(folder.Path());
-    SimulatedDisk disk;
-    RenameItems rows;
-    Fill(kWorlds[1], disk, rows);
-    const std::vector<DiskItem> before = disk.items;
-    disk.failure = [](int step) { return step >= 1 ? 5u : 0u; };
-    CRenameResultCallback results;
-    const auto outcomes = RunRenames(rows, kTime, {disk, disk.Lister(), &store}, results);
-    EXPECT_NE(outcomes[0].reason.find(L"it is now named \"~qvbr"), std::wstring::npos);
-    disk.failure = [](int) { return 0u; };
-    Restore(store, disk);
-    EXPECT_EQ(disk.items, before);
+    Scene scene(kWorlds[1]);
+    scene.disk.failure = [](int step) { return step >= 1 ? 5u : 0u; };
+    EXPECT_NE(scene.Rename()[0].reason.find(L"it is now named \"~qvbr"), std::wstring::npos);
+    scene.disk.failure = [](int) { return 0u; };
+    scene.Restore();
+    EXPECT_EQ(scene.disk.items, scene.before);
 }
 
 TEST(RunRenames, StopsBetweenRowsButNotInARing) {
     std::atomic<bool> isStopped = false;
-    SimulatedDisk disk;
-    RenameItems rows;
-    Fill({"", {{kFolder, L"a"}, {kFolder, L"b"}, {kFolder, L"c"}}, {L"b", L"a", L"d"}}, disk, rows);
-    disk.failure = [&](int) {
+    Scene scene({"", {{kFolder, L"a"}, {kFolder, L"b"}, {kFolder, L"c"}}, {L"b", L"a", L"d"}});
+    scene.disk.failure = [&](int) {
         isStopped = true;
         return 0u;
     };
-    CRenameResultCallback results;
-    const auto outcomes = RunRenames(rows, kTime, {disk, disk.Lister(), nullptr, &isStopped}, results);
-    EXPECT_EQ(results.DoneCount(), 2u);
-    EXPECT_EQ(outcomes[2].code, Quorvane::SDK::RenameResult::Ignored);
-    EXPECT_EQ(disk.items[2].name, L"c");
+    EXPECT_EQ(scene.Rename(&isStopped)[2].code, Quorvane::SDK::RenameResult::Ignored);
+    EXPECT_EQ(scene.results.DoneCount(), 2u);
+    EXPECT_EQ(scene.disk.items[2].name, L"c");
 }
 
 TEST(RunRestore, SaysWhatCannotBeRestored) {
     SimulatedDisk disk;
-    disk.Add(kFolder, L"new1");
-    disk.Add(kFolder, L"old1");  // taken since
-    disk.Add(kFolder, L"old3");  // back already
+    // Taken since, back already, and under a location that is the full path.
+    for (const wchar_t* name : {L"new1", L"old1", L"old3", L"new4"}) disk.Add(kFolder, name);
     BatchRenameUndo session;
     session.entries = {{kFolder, L"new1", L"old1", {}, {}},
                        {kFolder, L"new2", L"old2", {}, {}},
                        {kFolder, L"new3", L"old3", {}, {}},
-                       {kFolder + L"\\new4", L"new4", L"old4", {}, {}}};
+                       {kFolder + L"\\old4", L"new4", L"old4", {}, {}}};
     const RestoreRows restore = MakeRestoreRows(session, disk.Lister());
     CRenameResultCallback results;
     const auto outcomes = RunRestore(session, restore, {disk, disk.Lister()}, results);
@@ -229,17 +196,8 @@ TEST(RunRestore, SaysWhatCannotBeRestored) {
     EXPECT_EQ(outcomes[3].code, 183u);
     EXPECT_EQ(outcomes[2].code, 2u);
     EXPECT_EQ(outcomes[1].code, Quorvane::SDK::RenameResult::Ignored);
+    EXPECT_EQ(disk.items[3].name, L"old4");
     EXPECT_FALSE(session.haveRestored);
-}
-
-TEST(RunRestore, UnderstandsALocationThatIsTheFullPath) {
-    SimulatedDisk disk;
-    disk.Add(kFolder, L"new");
-    BatchRenameUndo session;
-    session.entries = {{kFolder + L"\\old", L"new", L"old", {}, {}}};
-    CRenameResultCallback results;
-    RunRestore(session, MakeRestoreRows(session, disk.Lister()), {disk, disk.Lister()}, results);
-    EXPECT_EQ(disk.items[0].name, L"old");
 }
 
 }  // namespace

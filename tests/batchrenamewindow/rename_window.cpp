@@ -11,8 +11,6 @@
 #include "support/own_window.h"
 #include "win32/folder.h"
 
-#include <commctrl.h>
-
 namespace QVTest {
 
 RenameWindow::RenameWindow(const Words& names, const std::string& profiles) {
@@ -66,29 +64,6 @@ HWND RenameWindow::Frame() const {
 
 DrivenDialog RenameWindow::Panel() const {
     return DrivenDialog(FindWindowExW(Frame(), nullptr, L"#32770", nullptr));
-}
-
-std::wstring RenameWindow::Cell(int row, int column) const {
-    wchar_t text[512] = {};
-    LVITEMW item = {};
-    item.iSubItem = column;
-    item.pszText = text;
-    item.cchTextMax = 512;
-    SendMessageW(List(), LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-    return text;
-}
-
-Words RenameWindow::Column(int column) const {
-    Words cells;
-    const auto count = static_cast<int>(SendMessageW(List(), LVM_GETITEMCOUNT, 0, 0));
-    for (int row = 0; row < count; ++row) cells.push_back(Cell(row, column));
-    return cells;
-}
-
-std::wstring RenameWindow::Status() const {
-    wchar_t text[512] = {};
-    SendMessageW(GetDlgItem(Frame(), IDC_STATUS_BAR), SB_GETTEXTW, 0, reinterpret_cast<LPARAM>(text));
-    return text;
 }
 
 bool RenameWindow::WaitFor(const std::function<bool()>& isTrue) {

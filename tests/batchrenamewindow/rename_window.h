@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "batchrename/resource.h"
 #include "host/session.h"
 #include "support/dialog_driver.h"
+#include "support/own_window.h"
 #include "support/temporary_folder.h"
 
 namespace QVTest {
@@ -41,9 +43,9 @@ public:
     /// A dialog or message box of the window's thread.
     DrivenDialog Dialog(const std::wstring& title) const { return DialogDriver(Thread()).WaitFor(title); }
 
-    std::wstring Cell(int row, int column) const;
-    Words Column(int column) const;
-    std::wstring Status() const;
+    std::wstring Cell(int row, int column) const { return CellOf(List(), row, column); }
+    Words Column(int column) const { return ColumnOf(List(), column); }
+    std::wstring Status() const { return ShownText(GetDlgItem(Frame(), IDC_STATUS_BAR), SB_GETTEXTW, 0); }
     /// What the host has logged so far.
     std::string Log() const { return m_out.str() + m_error.str(); }
     /// Handles the host's messages meanwhile. False after ten seconds.

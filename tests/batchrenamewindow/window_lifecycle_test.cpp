@@ -11,6 +11,11 @@ namespace {
 
 using namespace QVTest;
 
+void EnterRule(RenameWindow& window) {
+    window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
+    EXPECT_TRUE(window.WaitForStatus(L"2 items, 2 will be renamed"));
+}
+
 TEST(RenameWindow, EndsWithItsHostWhateverItIsAt) {
     const struct {
         const char* moment;
@@ -18,8 +23,7 @@ TEST(RenameWindow, EndsWithItsHostWhateverItIsAt) {
     } cases[] = {
         {"a dialog is open, and a box over it",
          [](RenameWindow& window) {
-             window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
-             window.WaitForStatus(L"2 items, 2 will be renamed");
+             EnterRule(window);
              window.Panel().Press(IDC_START);
              window.WaitForStatus(L"2 Renamed");
              window.Panel().PressLater(IDC_UNDO);
@@ -35,8 +39,7 @@ TEST(RenameWindow, EndsWithItsHostWhateverItIsAt) {
          [](RenameWindow& window) { window.Panel().Enter(IDC_NAME_TEMPLATE, L"[?modified]-[C]"); }},
         {"a run is under way",
          [](RenameWindow& window) {
-             window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
-             window.WaitForStatus(L"2 items, 2 will be renamed");
+             EnterRule(window);
              window.Panel().PressLater(IDC_START);
          }},
     };
@@ -59,8 +62,7 @@ TEST(RenameWindow, TellsTheHostOfARunThatClosingEnds) {
     FakePanel panel([&] { return window.Host().selection; }, [&](const std::wstring&) { ++changedCount; });
     window.Host().panel = &panel;
     window.Open({L"a", L"b"});
-    window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
-    ASSERT_TRUE(window.WaitForStatus(L"2 items, 2 will be renamed"));
+    EnterRule(window);
     window.Panel().PressLater(IDC_START);
     PostMessageW(window.Frame(), WM_CLOSE, 0, 0);  // there before the run can say that it has ended
     ASSERT_TRUE(window.WaitFor([&] { return !window.Frame(); }));

@@ -4,8 +4,6 @@
 #include "batchrename/resource.h"
 #include "batchrenamewindow/rename_window.h"
 
-#include <commctrl.h>
-
 namespace {
 
 using namespace QVTest;
@@ -18,17 +16,10 @@ TEST(RenameWindow, RenamesShowsAndTakesBack) {
     EXPECT_FALSE(window.Panel().IsEnabled(IDC_START)) << "nothing changes";
 
     // F6 goes to the list and back.
-    const auto focus = [&] {
-        GUITHREADINFO info = {};
-        info.cbSize = sizeof(info);
-        GetGUIThreadInfo(window.Thread(), &info);
-        return info.hwndFocus;
-    };
-    const HWND field = window.Panel().Control(IDC_NAME_TEMPLATE);
-    PostMessageW(field, WM_KEYDOWN, VK_F6, 1);
-    EXPECT_TRUE(window.WaitFor([&] { return focus() == window.List(); }));
+    PostMessageW(window.Panel().Control(IDC_NAME_TEMPLATE), WM_KEYDOWN, VK_F6, 1);
+    EXPECT_TRUE(window.WaitFor([&] { return window.Panel().Focus() == IDC_ROWS; }));
     PostMessageW(window.List(), WM_KEYDOWN, VK_F6, 1);
-    EXPECT_TRUE(window.WaitFor([&] { return focus() == field; }));
+    EXPECT_TRUE(window.WaitFor([&] { return window.Panel().Focus() == IDC_NAME_TEMPLATE; }));
 
     // Typed, previewed, with a name that is there already.
     window.AddPair(L"a", L"taken");
@@ -100,7 +91,6 @@ TEST(RenameWindow, SwapsTurnsRingsAndRefreshes) {
     EXPECT_EQ(window.Frame(), frame);
 
     // One letter after the other, through every half of an expression.
-    const std::wstring kept = window.Cell(0, kNewName);
     window.Panel().PressLater(IDC_ITEM_NEW);
     const DrivenDialog dialog = window.Dialog(L"Search and Replace");
     for (const wchar_t unit : std::wstring(L"(a+)+[$")) {
@@ -117,7 +107,6 @@ TEST(RenameWindow, SwapsTurnsRingsAndRefreshes) {
     window.Panel().Check(IDC_REGEX, true);
     ASSERT_TRUE(window.WaitFor([&] { return window.Status().starts_with(L"Expression 5 is not valid:"); }));
     EXPECT_FALSE(window.Panel().IsEnabled(IDC_START));
-    EXPECT_FALSE(window.Cell(0, kNewName).empty());
 
     // A restore does without the rule.
     window.Panel().PressLater(IDC_UNDO);
@@ -141,9 +130,9 @@ TEST(RenameWindow, LoadsTheProfileChosenAmongNamesakes) {
 TEST(RenameWindow, AnswersWhileAHundredThousandRowsArePreviewed) {
     RenameWindow window({L"one.txt"});
     window.Open({L"one.txt"});
-    const auto rows = std::make_unique<Words>();
-    for (int row = 0; row < 100000; ++row) rows->push_back(L"file " + std::to_wstring(row) + L".txt");
-    window.RunCommand(*rows);
+    Words rows;
+    for (int row = 0; row < 100000; ++row) rows.push_back(L"file " + std::to_wstring(row) + L".txt");
+    window.RunCommand(rows);
     ASSERT_TRUE(window.WaitFor([&] { return SendMessageW(window.List(), LVM_GETITEMCOUNT, 0, 0) == 100000; }));
     // A message sent gets its answer only between two others: each answer during the pass is one moment in which the
     // loop was free. One that computed rows itself would answer once.

@@ -3,16 +3,15 @@
 // their output below them, and "show NAME" says what a file holds by then. All happens in one folder, in the order of
 // the guide.
 #include <algorithm>
-#include <sstream>
+#include <filesystem>
 
 #include <gtest/gtest.h>
 
-#include "host/run.h"
 #include "host/text.h"
 #include "host/unix_paths.h"
 #include "host/whole_file.h"
+#include "support/host_run.h"
 #include "support/temporary_folder.h"
-#include "win32/windows.h"
 
 namespace {
 
@@ -45,35 +44,23 @@ std::vector<Block> BlocksOf(const std::string& guide) {
 std::vector<std::wstring> WordsOf(const std::string& command) {
     std::vector<std::wstring> words(1);
     bool isQuoted = false;
-    const std::wstring text = QVHost::FromUtf8(command).value_or(L"");
-    for (const wchar_t unit : text) {
-        if (unit == L'"')
-            isQuoted = !isQuoted;
-        else if (unit == L' ' && !isQuoted)
-            words.emplace_back();
-        else
-            words.back() += unit;
+    for (const wchar_t unit : QVHost::FromUtf8(command).value_or(L"")) {
+        if (unit == L'"') isQuoted = !isQuoted;
+        if (unit == L' ' && !isQuoted) words.emplace_back();
+        if (unit != L'"' && (unit != L' ' || isQuoted)) words.back() += unit;
     }
     return words;
 }
 
-/// The command's output, log and notes together, one after the other.
+/// The command's output and log, then its notes.
 std::string OutputOf(const std::string& command, const std::wstring& config) {
     std::vector<std::wstring> words = WordsOf(command);
     EXPECT_EQ(words.front(), L"qvhost") << command;
     words.front() = config;
     words.insert(words.begin(), L"--config");
-    std::ostringstream out;
-    std::istringstream in;
-    QVHost::HostEnvironment environment = {.out = out,
-                                           .error = out,
-                                           .in = in,
-                                           .program = QV_HOST_PROGRAM,
-                                           .outIsTerminal = false,
-                                           .readAnswer = {},
-                                           .progressWatch = {}};
-    EXPECT_EQ(QVHost::RunQvHost(words, environment), 0) << command << "\n" << out.str();
-    return out.str();
+    const QVTest::HostRun run = QVTest::RunHost(QV_HOST_PROGRAM, words);
+    EXPECT_EQ(run.status, 0) << command << "\n" << run.Said();
+    return run.Said();
 }
 
 /// "..." in an expected line stands for anything.
@@ -107,13 +94,9 @@ std::string ReadDocument(const std::wstring& place) {
 }
 
 /// The folder that commands run in while it lives, with settings of its own.
-class Workplace {
-public:
-    Workplace() {
-        m_before.resize(GetCurrentDirectoryW(MAX_PATH, m_before.data()));
-        SetCurrentDirectoryW(files.Path().c_str());
-    }
-    ~Workplace() { SetCurrentDirectoryW(m_before.c_str()); }
+struct Workplace {
+    Workplace() { std::filesystem::current_path(files.Path()); }
+    ~Workplace() { std::filesystem::current_path(m_before); }
     Workplace(const Workplace&) = delete;
     Workplace& operator=(const Workplace&) = delete;
 
@@ -121,7 +104,7 @@ public:
     const QVTest::TemporaryFolder config;
 
 private:
-    std::wstring m_before = std::wstring(MAX_PATH, L'\0');
+    const std::filesystem::path m_before = std::filesystem::current_path();
 };
 
 TEST(Readme, GivesExamplesThatDoWhatItSays) {

@@ -5,31 +5,28 @@
 #include <string>
 #include <vector>
 
+#include "support/host_run.h"
 #include "support/temporary_folder.h"
 
 namespace QVTest {
-
-struct HostRun {
-    int status = -1;
-    std::string out;
-    std::string error;
-};
 
 /// A host with the test extension, settings of its own and a small language file.
 class HostRunner {
 public:
     HostRunner();
 
-    HostRun Run(std::vector<std::wstring> arguments, const std::string& input = {}) const;
-    /// Questions are asked on a console that answers with these lines and then ends.
-    HostRun RunOnConsole(std::vector<std::wstring> arguments, std::vector<std::wstring> lines) const;
+    /// `input`: on the standard input. `lines`: questions are asked on a console that answers so and then ends.
+    HostRun Run(std::vector<std::wstring> arguments, const std::string& input = {},
+                std::optional<std::vector<std::wstring>> lines = {}) const;
+    /// The same for a custom command with its arguments.
+    HostRun Call(std::vector<std::wstring> arguments, std::optional<std::vector<std::wstring>> lines = {}) const {
+        arguments.insert(arguments.begin(), L"call");
+        return Run(std::move(arguments), {}, std::move(lines));
+    }
 
     const TemporaryFolder& Folder() const { return m_folder; }
 
 private:
-    HostRun Run(std::vector<std::wstring> arguments, const std::string& input,
-                std::optional<std::vector<std::wstring>> lines) const;
-
     TemporaryFolder m_folder;
 };
 

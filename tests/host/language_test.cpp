@@ -1,9 +1,10 @@
 #include "host/language.h"
 
+#include <filesystem>
+#include <fstream>
 #include <map>
 #include <regex>
 #include <set>
-#include <sstream>
 
 #include <gtest/gtest.h>
 
@@ -39,52 +40,42 @@ TEST(LanguageTexts, FindsTheTextsOfAFile) {
     EXPECT_EQ(texts.SectionOf(999), L"");
 }
 
-TEST(LanguageTexts, AreCompleteInEnglish) {
+/// The language file's bytes; all its lines must be good.
+std::string Load(const wchar_t* file, LanguageTexts& texts) {
     std::string bytes;
-    ASSERT_EQ(ReadWholeFile(QVTest::BesideThisProgram(L"qvhost-english.txt"), bytes), 0u);
+    EXPECT_EQ(ReadWholeFile(QVTest::BesideThisProgram(file), bytes), 0u);
+    for (const std::wstring& fault : texts.Read(bytes)) ADD_FAILURE() << fault;
+    return bytes;
+}
+
+TEST(LanguageTexts, AreThereForEveryIdOfTheLibraryAndThePanel) {
     LanguageTexts texts;
-    for (const std::wstring& fault : texts.Read(bytes)) ADD_FAILURE() << ToUtf8(fault);
-    const struct {
-        uint32_t first, last;
-        char category;
-        std::set<uint32_t> unused;
-    } ranges[] = {
-        {2001, 2004, 'm', {}},       {2100, 2102, 'm', {}}, {2110, 2110, 'm', {}},
-        {2120, 2120, 'm', {}},       {2201, 2204, 'm', {}}, {2210, 2211, 'm', {}},
-        {2220, 2221, 'm', {}},       {2240, 2241, 'm', {}}, {2300, 2301, 'm', {}},
-        {2310, 2311, 'm', {}},       {2400, 2401, 'm', {}}, {200, 200, 'm', {}},
-        {2600, 2672, 'm', {2610}},   {10, 17, 'c', {13}},   {50, 54, 'c', {}},
-        {60, 82, 'c', {}},           {90, 97, 'c', {}},     {200, 213, 'd', {201, 206, 208, 209}},
-        {250, 251, 'd', {}},         {427, 429, 'd', {}},   {440, 443, 'd', {441}},
-        {508, 514, 'd', {509, 510}}, {521, 524, 'd', {}},   {571, 575, 'd', {572, 574}},
-        {581, 581, 'd', {}},         {3, 3, 'g', {}},       {10, 11, 'e', {}},
-        {100, 100, 'e', {}},         {120, 120, 'e', {}},   {125, 126, 'e', {}},
-        {210, 210, 'e', {}},         {100, 100, 'p', {}},   {111, 114, 'p', {}},
-    };
-    for (const auto& range : ranges)
-        for (uint32_t number = range.first; number <= range.last; ++number) {
-            const TextId id = MakeTextId(number, range.category);
-            if (range.unused.contains(number)) continue;
-            EXPECT_NE(texts.Find(L"", id), NameOfTextId(id)) << ToUtf8(NameOfTextId(id));
+    Load(L"qvhost-english.txt", texts);
+    const std::regex literal("\\b([0-9]+)_([a-z])\\b");
+    size_t count = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator("Z:" QV_SOURCES)) {
+        if (!entry.is_regular_file()) continue;
+        std::ifstream file(entry.path());
+        const std::string code(std::istreambuf_iterator<char>(file), {});
+        const wchar_t* const section = entry.path().parent_path().stem() == "batchrename" ? L"QVBatchRename" : L"";
+        for (std::sregex_iterator at(code.begin(), code.end(), literal), end; at != end; ++at, ++count) {
+            const TextId id = MakeTextId(static_cast<uint32_t>(std::stoul(at->str(1))), at->str(2).front());
+            EXPECT_NE(texts.Find(section, id), NameOfTextId(id)) << entry.path();
         }
-    EXPECT_STRNE(texts.Find(L"QVBatchRename", 2006_m), L"2006m");
-    const auto expectText = [&](uint32_t number, char category) {
-        const TextId id = MakeTextId(number, category);
-        EXPECT_NE(texts.Find(L"QVBatchRename", id), NameOfTextId(id)) << ToUtf8(NameOfTextId(id));
-    };
-    for (uint32_t number = 300; number <= 310; ++number) expectText(number, 'm');
-    for (uint32_t number = 320; number <= 322; ++number) expectText(number, 'm');
-    for (uint32_t number = 330; number <= 338; ++number) expectText(number, 'd');
-    for (uint32_t number = 340; number <= 342; ++number) expectText(number, 'd');
-    EXPECT_STRNE(texts.Find(L"QVBatchRename", 10_c), texts.Find(L"", 10_c));
+    }
+    EXPECT_GT(count, 150u) << "the ids are looked for in the wrong way";
+    EXPECT_STRNE(texts.Find(L"", 2004_m), L"2004m") << "the root menu's, which is no literal";
+    EXPECT_STRNE(texts.Find(L"QVBatchRename", 10_c), texts.Find(L"", 10_c)) << "one id, two extensions";
+    for (uint32_t number = 1; number <= static_cast<uint32_t>(PanelText::Last); ++number) {
+        const auto text = static_cast<PanelText>(number);
+        EXPECT_NE(TextOf(texts, text), NameOfTextId(TextIdOf(text)));
+    }
 }
 
 /// The ids of a language file with their sections, and of each text its placeholders in order.
 std::map<std::string, std::string> PlaceholdersOf(const wchar_t* file) {
-    std::string bytes;
-    EXPECT_EQ(ReadWholeFile(QVTest::BesideThisProgram(file), bytes), 0u);
     LanguageTexts texts;
-    for (const std::wstring& fault : texts.Read(bytes)) ADD_FAILURE() << ToUtf8(fault);
+    const std::string bytes = Load(file, texts);
     std::map<std::string, std::string> placeholders;
     std::string section;
     const std::regex placeholder("%(I64)?[a-z%]");
@@ -94,8 +85,7 @@ std::map<std::string, std::string> PlaceholdersOf(const wchar_t* file) {
         const size_t equals = line.find('=');
         if (line.empty() || line.front() == '#' || equals == std::string::npos) continue;
         std::string& found = placeholders[section + line.substr(0, equals)];
-        for (std::sregex_iterator at(line.begin() + static_cast<std::ptrdiff_t>(equals), line.end(), placeholder), end;
-             at != end; ++at)
+        for (std::sregex_iterator at(line.begin(), line.end(), placeholder), end; at != end; ++at)
             found += at->str() + " ";
     }
     return placeholders;
@@ -105,35 +95,22 @@ TEST(LanguageTexts, HaveTheSameIdsAndPlaceholdersInEachLanguage) {
     EXPECT_EQ(PlaceholdersOf(L"qvhost-german.txt"), PlaceholdersOf(L"qvhost-english.txt"));
 }
 
+// The panel's own menu, and the dialog that grants access: the only ones whose texts come from the language file.
 TEST(LanguageTexts, HaveNoAccessKeyTwiceInOneMenuOrDialog) {
     for (const wchar_t* file : {L"qvhost-english.txt", L"qvhost-german.txt"}) {
-        std::string bytes;
-        ASSERT_EQ(ReadWholeFile(QVTest::BesideThisProgram(file), bytes), 0u);
-        // The panel's own menu, and the dialog that grants access: the only ones whose texts come from here.
-        const std::pair<std::string, std::string> groups[] = {{"w", "3 4 5 6 7 8 9 10"}, {"d", "202 203 204 205"}};
-        for (const auto& [category, numbers] : groups) {
-            std::set<char> keys;
-            std::istringstream words(numbers);
-            for (std::string number; words >> number;) {
-                const size_t at = bytes.find("\n" + number + category + "=");
-                ASSERT_NE(at, std::string::npos) << number;
-                const std::string line = bytes.substr(at + 1, bytes.find('\n', at + 1) - at - 1);
-                const size_t mark = line.find('&');
-                ASSERT_LT(mark + 1, line.size()) << line;
-                EXPECT_TRUE(keys.insert(static_cast<char>(line[mark + 1] | 0x20)).second) << line;
+        LanguageTexts texts;
+        Load(file, texts);
+        const auto expectOwnKeys = [&](const wchar_t* section, TextId first, TextId last) {
+            std::set<wchar_t> keys;
+            for (TextId id = first; id <= last; id += 1 << 16) {
+                const std::wstring text = texts.Find(section, id);
+                const size_t mark = text.find(L'&');
+                ASSERT_LT(mark, text.size() - 1) << text;
+                EXPECT_TRUE(keys.insert(text[mark + 1] | 0x20).second) << text;
             }
-        }
-    }
-}
-
-TEST(LanguageTexts, AreCompleteForThePanel) {
-    std::string bytes;
-    ASSERT_EQ(ReadWholeFile(QVTest::BesideThisProgram(L"qvhost-english.txt"), bytes), 0u);
-    LanguageTexts texts;
-    texts.Read(bytes);
-    for (uint32_t number = 1; number <= static_cast<uint32_t>(PanelText::Last); ++number) {
-        const TextId id = TextIdOf(static_cast<PanelText>(number));
-        EXPECT_NE(TextOf(texts, static_cast<PanelText>(number)), NameOfTextId(id)) << number;
+        };
+        expectOwnKeys(kPanelSection, TextIdOf(PanelText::OpenFolder), TextIdOf(PanelText::Exit));
+        expectOwnKeys(L"", 202_d, 205_d);
     }
 }
 

@@ -4,10 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/text.h"
 #include "host_runner.h"
 #include "win32/handle.h"
-#include "win32/path.h"
 
 namespace {
 
@@ -15,36 +13,34 @@ using namespace QVTest;
 
 TEST(Settings, LastFromRunToRun) {
     const HostRunner host;
-    EXPECT_EQ(host.Run({L"call", L"Settings", L"SET=gr\u00FCn \"x\"\n"}).out, "text <none> number 0\n");
-    EXPECT_EQ(host.Run({L"call", L"Settings", L"SET="}).out, "text <gr\xC3\xBCn \"x\" > number 1\n");
-    EXPECT_EQ(host.Run({L"call", L"Settings"}).out, "text <> number 2\n");
+    EXPECT_EQ(host.Call({L"Settings", L"SET=gr\u00FCn \"x\"\n"}).out, "text <none> number 0\n");
+    EXPECT_EQ(host.Call({L"Settings", L"SET="}).out, "text <gr\xC3\xBCn \"x\" > number 1\n");
+    EXPECT_EQ(host.Call({L"Settings"}).out, "text <> number 2\n");
 }
 
 TEST(Settings, KeepADamagedFileAsideAndSayIt) {
     const HostRunner host;
-    host.Run({L"call", L"Settings", L"SET=x"});
+    CreateDirectoryW((host.Folder() / L"config").c_str(), nullptr);
     for (const char* damaged : {"{ \"half\": ", "[1, 2]"}) {
         host.Folder().Write(L"config\\settings.json", damaged);
-        const HostRun run = host.Run({L"call", L"Settings", L"SET=y"});
+        const HostRun run = host.Call({L"Settings", L"SET=y"});
         EXPECT_EQ(run.out, "text <none> number 0\n");
         EXPECT_NE(run.error.find("is damaged; it is kept as"), std::string::npos) << run.error;
     }
     EXPECT_EQ(host.Folder().Read(L"config\\settings.json.damaged"), "{ \"half\": ");
     EXPECT_EQ(host.Folder().Read(L"config\\settings.json.damaged-2"), "[1, 2]");
-    EXPECT_EQ(host.Run({L"call", L"Settings"}).out, "text <y> number 1\n");
+    EXPECT_EQ(host.Call({L"Settings"}).out, "text <y> number 1\n");
 }
 
 TEST(Settings, LeaveAFileAloneThatCannotBeRead) {
     const HostRunner host;
-    host.Run({L"call", L"Settings", L"SET=x"});
-    const std::string before = host.Folder().Read(L"config\\settings.json");
-    {
-        const Win32::FileHandle lock(CreateFileW((host.Folder() / L"config\\settings.json").c_str(), GENERIC_READ, 0,
-                                                 nullptr, OPEN_EXISTING, 0, nullptr));
-        ASSERT_TRUE(lock);
-        EXPECT_NE(host.Run({L"call", L"Settings", L"SET=y"}).error.find("stays as it is"), std::string::npos);
-    }
-    EXPECT_EQ(host.Folder().Read(L"config\\settings.json"), before);
+    host.Call({L"Settings", L"SET=x"});
+    const std::wstring path = host.Folder() / L"config\\settings.json";
+    Win32::FileHandle lock(CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    ASSERT_TRUE(lock);
+    EXPECT_NE(host.Call({L"Settings", L"SET=y"}).error.find("stays as it is"), std::string::npos);
+    lock.Reset();
+    EXPECT_EQ(host.Call({L"Settings"}).out, "text <x> number 1\n");
 }
 
 TEST(Settings, HoldTextsAndNumbersOfTheRightKind) {

@@ -1,6 +1,7 @@
 // file_faults_test.cpp - every file call of every command that writes fails once: nothing may be lost, nothing left
 // behind, the failure is told, and the next file is done all the same.
 #include <algorithm>
+#include <set>
 
 #include <gtest/gtest.h>
 
@@ -62,9 +63,7 @@ std::string FaultOf(const WritingCommand& command, const Contents& before, const
     if (now == done) return {};
     for (const auto& [name, content] : before) {
         const bool isTarget = name.find(L"_2") != std::wstring::npos;
-        const auto isKept = [&](const std::wstring& at) { return now.contains(at) && now.at(at) == content; };
-        const bool isDone = now.contains(name) && done.contains(name) && now.at(name) == done.at(name);
-        if (!isKept(name) && !isKept(name + L".bak") && !isDone) return "content is lost";
+        if (!IsSafe(name, content, done, now)) return "content is lost";
         if (!isTarget && failure.MustBeTold() &&
             (!Contains(failure.said, name) || failure.said.find(std::to_string(failure.error)) == std::string::npos))
             return "the failure is not told";
@@ -77,11 +76,6 @@ std::string FaultOf(const WritingCommand& command, const Contents& before, const
             return "something is left behind: " + std::string(name.begin(), name.end());
     }
     return {};
-}
-
-bool IsFree(const std::wstring& path) {
-    return static_cast<bool>(
-        Win32::FileHandle(CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr)));
 }
 
 }  // namespace
@@ -101,7 +95,7 @@ TEST_P(FileFaults, LoseNothingAndAreTold) {
         calls.Disarm();
         count = calls.Count();
         done = work.Read();
-        ASSERT_EQ(run.status, 0) << run.said;
+        ASSERT_EQ(run.status, 0) << run.Said();
         ASSERT_NE(done, command.files);
         ASSERT_EQ(calls.OpenHandles(), 0u);
     }
@@ -113,9 +107,9 @@ TEST_P(FileFaults, LoseNothingAndAreTold) {
             calls.Disarm();
             if (error == 0 && calls.FailedCall() != "WriteFile") continue;
             const Contents now = work.Read();
-            const Failure failure = {error, isLasting, calls.FailedCall(), run.said};
+            const Failure failure = {error, isLasting, calls.FailedCall(), run.Said()};
             SCOPED_TRACE("call " + std::to_string(number) + " of " + std::to_string(count) + ", " + failure.call +
-                         " with " + std::to_string(error) + (isLasting ? " for good\n" : "\n") + run.said +
+                         " with " + std::to_string(error) + (isLasting ? " for good\n" : "\n") + run.Said() +
                          testing::PrintToString(now));
             EXPECT_EQ(calls.OpenHandles(), 0u);
             int notDone = 0;
@@ -128,12 +122,11 @@ TEST_P(FileFaults, LoseNothingAndAreTold) {
             // The host refuses a selection with a file that it cannot see, before any command runs.
             const bool isRefused = !failure.MustBeTold() && run.status == 2;
             EXPECT_LE(notDone, isLasting || isRefused ? 2 : 1);
-            if (error == 0) {
-                EXPECT_EQ(now, done);
-            }
-            for (const auto& [name, content] : now) EXPECT_TRUE(IsFree(work.Path() + L"\\" + name));
+            EXPECT_TRUE(error != 0 || now == done);
         }
 }
+
+QV_WITH_EVERY_WRITING_COMMAND(FileFaults);
 
 class FileFaultsOfRenaming : public testing::Test {
 protected:
@@ -157,7 +150,7 @@ protected:
                 m_calls.Disarm();
                 count = std::max(count, m_calls.Count());
                 SCOPED_TRACE("call " + std::to_string(number) + ", " + m_calls.FailedCall() + " with " +
-                             std::to_string(error) + (isLasting ? " for good\n" : "\n") + run.said);
+                             std::to_string(error) + (isLasting ? " for good\n" : "\n") + run.Said());
                 Look(work, run, isJournal);
             }
     }
@@ -166,23 +159,18 @@ protected:
         EXPECT_EQ(m_calls.OpenHandles(), 0u);
         const Contents now = work.Read();
         SCOPED_TRACE(testing::PrintToString(now));
-        std::vector<std::string> contents;
+        std::multiset<std::string> contents;
         for (const auto& [name, content] : now) {
-            contents.push_back(content);
-            EXPECT_TRUE(!name.starts_with(L"~") || Contains(run.said, name))
+            contents.insert(content);
+            EXPECT_TRUE(!name.starts_with(L"~") || Contains(run.Said(), name))
                 << "a file is stranded, and nobody says so";
         }
-        std::ranges::sort(contents);
-        EXPECT_EQ(contents, (std::vector<std::string>{"1", "2", "a"}));
-        if (isJournal) {
-            EXPECT_EQ(now, m_done) << "a run that cannot be recorded goes on";
-        }
-        if (now != m_done) {
-            EXPECT_NE(run.status, 0);
-        }
-        if (run.said.find("could not be recorded") != std::string::npos) return;
+        EXPECT_EQ(contents, (std::multiset<std::string>{"1", "2", "a"}));
+        EXPECT_TRUE(now == m_done || !isJournal) << "a run that cannot be recorded goes on";
+        EXPECT_TRUE(now == m_done || run.status != 0);
+        if (run.Said().find("could not be recorded") != std::string::npos) return;
         const HostRun undone = m_host.Run({L"--config", work.Settings().Path(), L"undo", L"restore", L"last"});
-        EXPECT_EQ(work.Read(), m_command.files) << undone.said;
+        EXPECT_EQ(work.Read(), m_command.files) << undone.Said();
     }
 };
 
@@ -193,6 +181,3 @@ TEST_F(FileFaultsOfRenaming, LoseNothingAndCanBeUndone) {
 TEST_F(FileFaultsOfRenaming, OfTheJournalAreToldAndStopNothing) {
     FailEachCall(true);
 }
-
-INSTANTIATE_TEST_SUITE_P(Every, FileFaults, testing::ValuesIn(WritingCommands()),
-                         [](const auto& instance) { return "Command" + std::to_string(instance.index); });

@@ -2,19 +2,17 @@
 // both.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "support/temporary_folder.h"
+#include <gtest/gtest.h>
+
+#include "sdk/extension_info.h"
+#include "sdk/plugin_interface.h"
+#include "support/host_run.h"
 #include "win32/module.h"
 
 namespace QVTest {
-
-struct HostRun {
-    int status = -1;
-    std::string said;  // log lines, notes, results
-};
 
 /// The library stays loaded while the object lives.
 class InProcessHost {
@@ -22,9 +20,20 @@ public:
     InProcessHost();
 
     /// A host's run, `arguments` as on its command line.
-    HostRun Run(std::vector<std::wstring> arguments) const;
+    HostRun Run(const std::vector<std::wstring>& arguments) const { return RunHost(QV_HOST_PROGRAM, arguments); }
 
     HMODULE Library() const { return m_library.Get(); }
+    Quorvane::SDK::IPluginInterface* Create(uint32_t index) const {
+        return Win32::FindFunction<Quorvane::SDK::CreateFunction>(m_library, "Create")(index);
+    }
+    /// The object with this index for which properties are asked.
+    Quorvane::SDK::IFileProperties* CreateProperties() const {
+        return reinterpret_cast<Quorvane::SDK::IFileProperties*>(Create(1));
+    }
+    void Delete(void* extension, uint32_t index) const {
+        const auto remove = Win32::FindFunction<Quorvane::SDK::DeleteFunction>(m_library, "Delete");
+        EXPECT_TRUE(remove(static_cast<Quorvane::SDK::IPluginInterface*>(extension), index));
+    }
     static HMODULE Host() { return GetModuleHandleW(nullptr); }
 
 private:

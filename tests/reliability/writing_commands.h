@@ -22,6 +22,21 @@ struct WritingCommand {
 };
 
 const std::vector<WritingCommand>& WritingCommands();
+
+inline bool Holds(const Contents& contents, const std::wstring& name, const std::string& content) {
+    const auto file = contents.find(name);
+    return file != contents.end() && file->second == content;
+}
+/// Whether a file is as it was, under its own name or its backup's, or done.
+inline bool IsSafe(const std::wstring& name, const std::string& before, const Contents& done, const Contents& now) {
+    return Holds(now, name, before) || Holds(now, name + L".bak", before) ||
+           (done.contains(name) && Holds(now, name, done.at(name)));
+}
+/// A suite of all of them: of class `Suite`, which takes a WritingCommand.
+#define QV_WITH_EVERY_WRITING_COMMAND(Suite)                                             \
+    INSTANTIATE_TEST_SUITE_P(Every, Suite, testing::ValuesIn(QVTest::WritingCommands()), \
+                             [](const auto& instance) { return "Command" + std::to_string(instance.index); })
+
 inline void PrintTo(const WritingCommand& command, std::ostream* out) {
     *out << command.name;
 }

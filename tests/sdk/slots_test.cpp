@@ -5,9 +5,9 @@
 
 #include "sdk/host_services.h"
 
-using namespace Quorvane::SDK;
-
 namespace {
+
+using namespace Quorvane::SDK;
 
 /// The slot of a virtual operation. A pointer to one holds its byte offset in the table, plus one.
 template <class Operation>
@@ -17,144 +17,98 @@ size_t SlotOf(Operation operation) {
     return static_cast<size_t>(offset - 1) / sizeof(void*);
 }
 
-}  // namespace
+/// An operation and the slot that it must have.
+struct Place {
+    template <class Operation>
+    Place(size_t wanted, Operation operation) : slot(wanted), compiled(SlotOf(operation)) {}
 
-#define EXPECT_SLOT(Interface, Operation, slot) EXPECT_EQ(SlotOf(&Interface::Operation), size_t(slot)) << #Operation
+    size_t slot;
+    size_t compiled;
+};
+
+template <class... Places>
+void Expect(const char* name, Places... places) {
+    for (const Place& place : {places...}) EXPECT_EQ(place.compiled, place.slot) << name;
+}
 
 TEST(Slots, OfTheExtensions) {
-    EXPECT_SLOT(IPluginInterface, Init, 0);
-    EXPECT_SLOT(IPluginInterface, GetType, 1);
-    EXPECT_SLOT(IPluginInterface, SetHost, 2);
-    EXPECT_SLOT(IPluginInterface, GetId, 3);
-    EXPECT_SLOT(IPluginInterface, PreTranslateMessage, 4);
-    EXPECT_SLOT(IPluginInterface, OnCommand, 5);
-    EXPECT_SLOT(IPluginInterface, OnCustomCommand, 7);
-    EXPECT_SLOT(IPluginInterface, OnElevatedRequest, 8);
-    EXPECT_SLOT(IPluginInterface, Shutdown, 11);
-    EXPECT_SLOT(IPluginInterface, Reserved14, 14);
-    EXPECT_SLOT(IFileProperties, Init, 0);
-    EXPECT_SLOT(IFileProperties, GetType, 1);
-    EXPECT_SLOT(IFileProperties, SetHost, 2);
-    EXPECT_SLOT(IFileProperties, GetId, 3);
-    EXPECT_SLOT(IFileProperties, GetValue, 4);
-    EXPECT_SLOT(IFileProperties, ClearCache, 5);
+    Expect("IPluginInterface", Place(0, &IPluginInterface::Init), Place(1, &IPluginInterface::GetType),
+           Place(2, &IPluginInterface::SetHost), Place(3, &IPluginInterface::GetId),
+           Place(4, &IPluginInterface::PreTranslateMessage), Place(5, &IPluginInterface::OnCommand),
+           Place(7, &IPluginInterface::OnCustomCommand), Place(8, &IPluginInterface::OnElevatedRequest),
+           Place(11, &IPluginInterface::Shutdown), Place(14, &IPluginInterface::Reserved14));
+    Expect("IFileProperties", Place(0, &IFileProperties::Init), Place(1, &IFileProperties::GetType),
+           Place(2, &IFileProperties::SetHost), Place(3, &IFileProperties::GetId), Place(4, &IFileProperties::GetValue),
+           Place(5, &IFileProperties::ClearCache));
 }
 
 TEST(Slots, OfTheHostServices) {
-    EXPECT_SLOT(IHostServices, Release, 2);
-    EXPECT_SLOT(IHostServices, GetMainWindow, 4);
-    EXPECT_SLOT(IHostServices, GetTextModule, 7);
-    EXPECT_SLOT(IHostServices, GetText, 15);
-    EXPECT_SLOT(IHostServices, GetModuleText, 16);
-    EXPECT_SLOT(IHostServices, RunHostCommand, 32);
-    EXPECT_SLOT(IHostServices, GetCommandFactory, 34);
-    EXPECT_SLOT(IHostServices, GetMenuBuilder, 35);
-    EXPECT_SLOT(IHostServices, GetCustomCommandRegistry, 36);
-    EXPECT_SLOT(IHostServices, GetXmlService, 42);
-    EXPECT_SLOT(IHostServices, GetSettings, 44);
-    EXPECT_SLOT(IHostServices, GetConfigurationFolder, 45);
-    EXPECT_SLOT(IHostServices, AcquireService, 63);
-    EXPECT_SLOT(IHostServices, ReleaseService, 65);
-    EXPECT_SLOT(IHostServices, IsElevated, 111);
-    EXPECT_SLOT(IHostServices, CanElevate, 112);
-    EXPECT_SLOT(IHostServices, UseColumnD, 113);
-    EXPECT_SLOT(IHostServices, UseColumnE, 114);
-    EXPECT_SLOT(IHostServices, CreateFileList, 129);
-    EXPECT_SLOT(IHostServices, OpenProgress, 130);
-    EXPECT_SLOT(IHostServices, CreateChoiceList, 133);
-    EXPECT_SLOT(IHostServices, Log, 137);
-    EXPECT_SLOT(IHostServices, MessageBox, 146);
-    EXPECT_SLOT(IHostServices, ShowInputDialog, 147);
-    EXPECT_SLOT(IHostServices, ShowChoiceDialog, 148);
+    Expect("IHostServices", Place(2, &IHostServices::Release), Place(4, &IHostServices::GetMainWindow),
+           Place(7, &IHostServices::GetTextModule), Place(15, &IHostServices::GetText),
+           Place(16, &IHostServices::GetModuleText), Place(32, &IHostServices::RunHostCommand),
+           Place(34, &IHostServices::GetCommandFactory), Place(35, &IHostServices::GetMenuBuilder),
+           Place(36, &IHostServices::GetCustomCommandRegistry), Place(42, &IHostServices::GetXmlService),
+           Place(44, &IHostServices::GetSettings), Place(45, &IHostServices::GetConfigurationFolder),
+           Place(63, &IHostServices::AcquireService), Place(65, &IHostServices::ReleaseService),
+           Place(111, &IHostServices::IsElevated), Place(112, &IHostServices::CanElevate),
+           Place(113, &IHostServices::UseColumnD), Place(114, &IHostServices::UseColumnE),
+           Place(129, &IHostServices::CreateFileList), Place(130, &IHostServices::OpenProgress),
+           Place(133, &IHostServices::CreateChoiceList), Place(137, &IHostServices::Log),
+           Place(146, &IHostServices::MessageBox), Place(147, &IHostServices::ShowInputDialog),
+           Place(148, &IHostServices::ShowChoiceDialog));
 }
 
 TEST(Slots, OfMenusAndCommands) {
-    EXPECT_SLOT(IMenuBuilder, FindOrAddSubMenu, 0);
-    EXPECT_SLOT(IMenuBuilder, AddSubMenu, 1);
-    EXPECT_SLOT(IMenuBuilder, CreateRootMenu, 2);
-    EXPECT_SLOT(IMenuBuilder, AddCategoryMenu, 4);
-    EXPECT_SLOT(IMenuBuilder, AddNamedSubMenu, 7);
-    EXPECT_SLOT(IMenuBuilder, AddCommand, 12);
-    EXPECT_SLOT(ICommandFactory, CreateCommand, 1);
-    EXPECT_SLOT(ICustomCommandRegistry, AddCustomCommand, 1);
-    EXPECT_SLOT(ICustomCommandRegistry, Commit, 2);
-    EXPECT_SLOT(ICustomCommandRegistry, IsRegistered, 3);
-    EXPECT_SLOT(ICustomCommand, AddParameter, 0);
-    EXPECT_SLOT(ICustomCommand, SetDescription, 1);
-    EXPECT_SLOT(ICustomCommandCall, HasParameter, 0);
-    EXPECT_SLOT(ICustomCommandCall, GetTextParameter, 1);
-    EXPECT_SLOT(ICustomCommandCall, GetNumberParameter, 2);
-    EXPECT_SLOT(ICustomCommandCall, GetCommandId, 3);
-    EXPECT_SLOT(ICustomCommandCall, GetSwitchParameter, 4);
-    EXPECT_SLOT(ICustomCommandCall, SetResultCode, 5);
-    EXPECT_SLOT(ICustomCommandCall, SetResultText, 6);
+    Expect("IMenuBuilder", Place(0, &IMenuBuilder::FindOrAddSubMenu), Place(1, &IMenuBuilder::AddSubMenu),
+           Place(2, &IMenuBuilder::CreateRootMenu), Place(4, &IMenuBuilder::AddCategoryMenu),
+           Place(7, &IMenuBuilder::AddNamedSubMenu), Place(12, &IMenuBuilder::AddCommand));
+    Expect("ICommandFactory", Place(1, &ICommandFactory::CreateCommand));
+    Expect("ICustomCommandRegistry", Place(1, &ICustomCommandRegistry::AddCustomCommand),
+           Place(2, &ICustomCommandRegistry::Commit), Place(3, &ICustomCommandRegistry::IsRegistered));
+    Expect("ICustomCommand", Place(0, &ICustomCommand::AddParameter), Place(1, &ICustomCommand::SetDescription));
+    Expect("ICustomCommandCall", Place(0, &ICustomCommandCall::HasParameter),
+           Place(1, &ICustomCommandCall::GetTextParameter), Place(2, &ICustomCommandCall::GetNumberParameter),
+           Place(3, &ICustomCommandCall::GetCommandId), Place(4, &ICustomCommandCall::GetSwitchParameter),
+           Place(5, &ICustomCommandCall::SetResultCode), Place(6, &ICustomCommandCall::SetResultText));
 }
 
 TEST(Slots, OfFilesAndServices) {
-    EXPECT_SLOT(IFileItem, GetName, 0);
-    EXPECT_SLOT(IFileItem, GetLocation, 2);
-    EXPECT_SLOT(IFileItem, GetPath, 3);
-    EXPECT_SLOT(IFileItem, GetAttributes, 9);
-    EXPECT_SLOT(IFileItem, GetStoredProperty, 10);
-    EXPECT_SLOT(IFileItem, IsRemote, 11);
-    EXPECT_SLOT(IFileItem, Release, 12);
-    EXPECT_SLOT(IFileItem, QueryProperty, 35);
-    EXPECT_SLOT(IFileItem, RefreshProperty, 36);
-    EXPECT_SLOT(IFileList, AddItem, 1);
-    EXPECT_SLOT(IFileList, GetCount, 3);
-    EXPECT_SLOT(IFileList, GetItem, 4);
-    EXPECT_SLOT(IFileList, Release, 12);
-    EXPECT_SLOT(IFileOperations, Exists, 14);
-    EXPECT_SLOT(IFileOperations, CreateFileItem, 17);
-    EXPECT_SLOT(IFileOperations, SetFileList, 18);
-    EXPECT_SLOT(IFileOperations, CreateRenameBatch, 64);
-    EXPECT_SLOT(IFileOperations, EndRenameBatch, 65);
-    EXPECT_SLOT(IFileOperations, CommitRenameBatch, 66);
-    EXPECT_SLOT(IFileOperations, RenameRows, 67);
-    EXPECT_SLOT(IFileOperations, GetPropertyText, 68);
-    EXPECT_SLOT(IFileOperations, GetPropertyName, 69);
-    EXPECT_SLOT(IRenameResultCallback, OnRenameStarting, 0);
-    EXPECT_SLOT(IRenameResultCallback, OnRenameResult, 1);
-    EXPECT_SLOT(IRenameBatch, AddRename, 1);
-    EXPECT_SLOT(IFolderRefresh, RefreshFolder, 0);
-    EXPECT_SLOT(IElevatedChannel, Connect, 0);
-    EXPECT_SLOT(IElevatedChannel, CreateWriter, 9);
-    EXPECT_SLOT(IElevatedChannel, Send, 10);
-    EXPECT_SLOT(IElevatedChannel, Close, 11);
-    EXPECT_SLOT(IRequestWriter, WriteNumber, 1);
-    EXPECT_SLOT(IRequestWriter, WriteString, 3);
-    EXPECT_SLOT(IRequestWriter, GetData, 5);
-    EXPECT_SLOT(IRequestWriter, GetSize, 6);
-    EXPECT_SLOT(IRequestWriter, Release, 7);
-    EXPECT_SLOT(IRequestReader, Attach, 0);
-    EXPECT_SLOT(IRequestReader, ReadString, 2);
-    EXPECT_SLOT(IRequestReader, ReadNumber, 3);
-    EXPECT_SLOT(IRequestReader, Release, 5);
-    EXPECT_SLOT(IRequestMessage, GetData, 1);
-    EXPECT_SLOT(IRequestMessage, GetSize, 2);
-    EXPECT_SLOT(IRequestMessage, Reply, 3);
-    EXPECT_SLOT(IRequestMessage, CreateReader, 6);
+    Expect("IFileItem", Place(0, &IFileItem::GetName), Place(2, &IFileItem::GetLocation), Place(3, &IFileItem::GetPath),
+           Place(9, &IFileItem::GetAttributes), Place(10, &IFileItem::GetStoredProperty),
+           Place(11, &IFileItem::IsRemote), Place(12, &IFileItem::Release), Place(35, &IFileItem::QueryProperty),
+           Place(36, &IFileItem::RefreshProperty));
+    Expect("IFileList", Place(1, &IFileList::AddItem), Place(3, &IFileList::GetCount), Place(4, &IFileList::GetItem),
+           Place(12, &IFileList::Release));
+    Expect("IFileOperations", Place(14, &IFileOperations::Exists), Place(17, &IFileOperations::CreateFileItem),
+           Place(18, &IFileOperations::SetFileList), Place(64, &IFileOperations::CreateRenameBatch),
+           Place(65, &IFileOperations::EndRenameBatch), Place(66, &IFileOperations::CommitRenameBatch),
+           Place(67, &IFileOperations::RenameRows), Place(68, &IFileOperations::GetPropertyText),
+           Place(69, &IFileOperations::GetPropertyName));
+    Expect("IRenameResultCallback", Place(0, &IRenameResultCallback::OnRenameStarting),
+           Place(1, &IRenameResultCallback::OnRenameResult));
+    Expect("IRenameBatch", Place(1, &IRenameBatch::AddRename));
+    Expect("IFolderRefresh", Place(0, &IFolderRefresh::RefreshFolder));
+    Expect("IElevatedChannel", Place(0, &IElevatedChannel::Connect), Place(9, &IElevatedChannel::CreateWriter),
+           Place(10, &IElevatedChannel::Send), Place(11, &IElevatedChannel::Close));
+    Expect("IRequestWriter", Place(1, &IRequestWriter::WriteNumber), Place(3, &IRequestWriter::WriteString),
+           Place(5, &IRequestWriter::GetData), Place(6, &IRequestWriter::GetSize), Place(7, &IRequestWriter::Release));
+    Expect("IRequestReader", Place(0, &IRequestReader::Attach), Place(2, &IRequestReader::ReadString),
+           Place(3, &IRequestReader::ReadNumber), Place(5, &IRequestReader::Release));
+    Expect("IRequestMessage", Place(1, &IRequestMessage::GetData), Place(2, &IRequestMessage::GetSize),
+           Place(3, &IRequestMessage::Reply), Place(6, &IRequestMessage::CreateReader));
 }
 
 TEST(Slots, OfTheSmallerHostObjects) {
-    EXPECT_SLOT(ISettings, GetString, 1);
-    EXPECT_SLOT(ISettings, GetNumber, 2);
-    EXPECT_SLOT(ISettings, SetString, 5);
-    EXPECT_SLOT(ISettings, SetNumber, 6);
-    EXPECT_SLOT(IProgress, Advance, 0);
-    EXPECT_SLOT(IProgress, IsCancelled, 1);
-    EXPECT_SLOT(IProgress, Close, 2);
-    EXPECT_SLOT(IChoiceList, AddChoice, 0);
-    EXPECT_SLOT(IChoiceList, GetCount, 1);
-    EXPECT_SLOT(IChoiceList, GetChoice, 2);
-    EXPECT_SLOT(IChoiceList, Release, 14);
-    EXPECT_SLOT(IXmlService, CreateDocument, 1);
-    EXPECT_SLOT(IXmlService, Load, 2);
-    EXPECT_SLOT(IXmlService, Save, 3);
-    EXPECT_SLOT(IXmlService, ReadText, 4);
-    EXPECT_SLOT(IXmlService, Release, 29);
-    EXPECT_SLOT(IXmlElement, SetAttribute, 7);
-    EXPECT_SLOT(IXmlDocument, GetRoot, 0);
-    EXPECT_SLOT(IXmlDocument, CreateRoot, 1);
-    EXPECT_SLOT(IXmlDocument, Release, 2);
+    Expect("ISettings", Place(1, &ISettings::GetString), Place(2, &ISettings::GetNumber),
+           Place(5, &ISettings::SetString), Place(6, &ISettings::SetNumber));
+    Expect("IProgress", Place(0, &IProgress::Advance), Place(1, &IProgress::IsCancelled), Place(2, &IProgress::Close));
+    Expect("IChoiceList", Place(0, &IChoiceList::AddChoice), Place(1, &IChoiceList::GetCount),
+           Place(2, &IChoiceList::GetChoice), Place(14, &IChoiceList::Release));
+    Expect("IXmlService", Place(1, &IXmlService::CreateDocument), Place(2, &IXmlService::Load),
+           Place(3, &IXmlService::Save), Place(4, &IXmlService::ReadText), Place(29, &IXmlService::Release));
+    Expect("IXmlElement", Place(7, &IXmlElement::SetAttribute));
+    Expect("IXmlDocument", Place(0, &IXmlDocument::GetRoot), Place(1, &IXmlDocument::CreateRoot),
+           Place(2, &IXmlDocument::Release));
 }
+
+}  // namespace

@@ -44,6 +44,8 @@ public:
     /// Log lines; and questions with their answers.
     std::string Log() const { return m_out.str(); }
     std::string Notes() const { return m_notes.str(); }
+    /// The folder with the host's settings.
+    const TemporaryFolder& Settings() const { return m_settings; }
 
 private:
     QVHost::HostOptions WithSettings(QVHost::HostOptions options) const {

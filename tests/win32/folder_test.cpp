@@ -1,7 +1,8 @@
 #include "win32/folder.h"
 
-#include <gtest/gtest.h>
 #include <algorithm>
+
+#include <gtest/gtest.h>
 
 #include "support/temporary_folder.h"
 
