@@ -52,6 +52,8 @@ TEST(ProfileStore, GivesBackExactlyWhatWasSaved) {
     EXPECT_EQ(host.Profiles(), (std::vector{Full(), plain, plain})) << host.File();
     EXPECT_EQ(store.Delete(L"plain"), 2u);
     EXPECT_EQ(store.Delete(L"Plain"), 0u);
+    EXPECT_TRUE(store.Save());
+    EXPECT_EQ(host.Profiles(), std::vector{Full()});
     EXPECT_EQ(host.Settings().List(), std::vector<std::wstring>{kFile});
 }
 

@@ -94,6 +94,7 @@ TEST_F(RenameCommand, RenamesRingsShiftsAndCaseOnRealFilesAndRestoresThem) {
           L"--replace", L"c", L"--find", L"^1$", L"--replace", L"b"},
          {L"b", L"c", L"a"}},
         {"a shift up", {L"01", L"02", L"03"}, {L"--name", L"[C2,1,2]"}, {L"02", L"03", L"04"}},
+        {"a shift down", {L"02", L"03", L"04"}, {L"--name", L"[C]"}, {L"01", L"02", L"03"}},
         {"case alone", {L"AB2.c", L"ab.C"}, {L"--case", L"upper"}, {L"AB2.C", L"AB.C"}},
     };
     for (const auto& c : cases) {
@@ -111,6 +112,15 @@ TEST_F(RenameCommand, RenamesRingsShiftsAndCaseOnRealFilesAndRestoresThem) {
         }
         EXPECT_EQ(m_host.Run({L"undo", L"delete", L"last"}).status, 0);
     }
+}
+
+TEST_F(RenameCommand, FollowsAFolderThatIsRenamedWithItsContent) {
+    CreateDirectoryW((m_files / L"sub").c_str(), nullptr);
+    m_files.Write(L"sub\\x.txt", "x");
+    EXPECT_EQ(Rename({L"sub", L"sub\\x.txt"}, {L"--name", L"[N]2"}).status, 0);
+    EXPECT_EQ(m_files.Read(L"sub2\\x2.txt"), "x");
+    EXPECT_EQ(m_host.Run({L"undo", L"restore", L"last"}).status, 0);
+    EXPECT_EQ(m_files.Read(L"sub\\x.txt"), "x");
 }
 
 TEST_F(RenameCommand, TakesNamesAndTextsAsTheyAre) {
