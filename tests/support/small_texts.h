@@ -9,10 +9,10 @@
 
 namespace QVTest {
 
-/// All texts of up to seven of these units.
+/// All texts of up to six of these units.
 inline std::vector<std::string> SmallTexts(const std::string& units) {
     std::vector<std::string> texts = {""};
-    for (size_t at = 0; texts[at].size() < 7; ++at)
+    for (size_t at = 0; texts[at].size() < 6; ++at)
         for (const char unit : units) texts.push_back(texts[at] + unit);
     return texts;
 }
