@@ -7,6 +7,7 @@
 
 #include "fileutils/command_runner.h"
 #include "fileutils/mime_header.h"
+#include "support/small_texts.h"
 #include "win32/files.h"
 #include "win32/handle.h"
 #include "win32/windows.h"
@@ -14,9 +15,7 @@
 namespace {
 
 using namespace FileUtils;
-using QVTest::CommandRun;
-using QVTest::CommandRunner;
-using Names = std::vector<std::wstring>;
+using namespace QVTest;
 
 /// Bytes without a pattern that repeats with the groups.
 std::string Bytes(size_t size) {
@@ -74,8 +73,7 @@ std::string Decoded(const std::string& text, size_t blockSize, bool& isWhole) {
         out.resize(decoder.Decode(block.data(), block.size(), reinterpret_cast<uint8_t*>(out.data())));
         result += out;
     }
-    const size_t left = decoder.Finish(last);
-    result.append(reinterpret_cast<const char*>(last), left);
+    result.append(reinterpret_cast<const char*>(last), decoder.Finish(last));
     isWhole = decoder.IsWhole();
     return result;
 }
@@ -88,15 +86,8 @@ constexpr char kHeader[] =
     "\r\n";
 
 TEST(CBase64, GivesBackWhatWasEncodedWhereverTheBlocksAreCut) {
-    for (size_t size = 0; size <= 200; ++size) {
-        const std::string bytes = Bytes(size);
-        std::string text(CBase64::EncodedSize(size), '?');
-        EXPECT_EQ(CBase64::Encode(reinterpret_cast<const uint8_t*>(bytes.data()), size, text.data()), text.size());
-        ASSERT_EQ(text, ModelOfLetters(bytes)) << size;
-        bool isWhole = false;
-        for (const size_t blockSize : {1, 2, 3, 4, 5, 76, 1000})
-            ASSERT_EQ(Decoded(text, blockSize, isWhole), bytes) << size << " in blocks of " << blockSize;
-    }
+    for (size_t size = 0; size <= 200; ++size)
+        for (const int blockSize : {0, 1, 2, 3, 4, 75, 99}) RunTarget(QVFuzz::RunBase64, {blockSize}, Bytes(size));
 }
 
 TEST(CBase64, SkipsWhatIsNoLetterAndStopsAtThePadding) {
@@ -175,88 +166,68 @@ TEST(Base64Command, WritesTheseBytesAndReadsThemBack) {
     for (const size_t size :
          {0, 1, 56, 57, 58, 75, 76, 3071, 3072, 3073, 3102, 3128, 3129, 4096, 6144, 3072 * 64 + 40}) {
         const std::string bytes = Bytes(size);
-        const std::wstring path = runner.Folder().Write(L"a.bin", bytes);
-        CommandRun run = runner.Run({L"command", L"30210", path}, {L"yes"});
-        EXPECT_EQ(run.log, "");
-        ASSERT_EQ(runner.Folder().Read(L"a.bin.b64"), kHeader + ModelOfText(bytes)) << size;
-        runner.Folder().Write(L"a.bin", "overwritten");
-        run = runner.Run({L"command", L"30211", path + L".b64"}, {L"yes"});
-        EXPECT_EQ(run.log, "");
-        ASSERT_EQ(runner.Folder().Read(L"a.bin"), bytes) << size;
+        const std::wstring path = runner.Write(L"a.bin", bytes);
+        EXPECT_EQ(runner.Run({L"command", L"30210", path}, {L"yes"}).log, "");
+        ASSERT_EQ(runner.Read(L"a.bin.b64"), kHeader + ModelOfText(bytes)) << size;
+        runner.Write(L"a.bin", "overwritten");
+        EXPECT_EQ(runner.Run({L"command", L"30211", path + L".b64"}, {L"yes"}).log, "");
+        ASSERT_EQ(runner.Read(L"a.bin"), bytes) << size;
     }
-    const std::string text = ModelOfText(Bytes(3102));
-    EXPECT_EQ(text.substr(text.size() - 112, 2), "\r\n");  // a last line of 108 characters
-    EXPECT_TRUE(text.ends_with("\r\n"));
 }
 
 TEST(Base64Command, AsksBeforeATargetIsReplaced) {
     const CommandRunner runner;
-    const std::wstring path = runner.Folder().Write(L"a", "new");
-    runner.Folder().Write(L"a.b64", "old");
-    CommandRun run = runner.Run({L"command", L"30210", path}, {L"no"});
-    EXPECT_NE(run.notes.find("[question] Encode as Base64 (MIME): The file already exists:"), std::string::npos)
-        << run.notes;
-    EXPECT_EQ(runner.Folder().Read(L"a.b64"), "old");
-    run = runner.Run({L"command", L"30210", path}, {L"yes"});
-    EXPECT_TRUE(runner.Folder().Read(L"a.b64").ends_with("\r\nbmV3"));
-    run = runner.Run({L"command", L"30211", path + L".b64"}, {L"no"});
-    EXPECT_NE(run.notes.find("[question] Decode Base64 (MIME): "), std::string::npos) << run.notes;
+    const std::wstring path = runner.Write(L"a", "new");
+    runner.Write(L"a.b64", "old");
+    std::string notes = runner.Run({L"command", L"30210", path}, {L"no"}).notes;
+    EXPECT_TRUE(Holds(notes, "[question] Encode as Base64 (MIME): The file already exists:"));
+    EXPECT_EQ(runner.Read(L"a.b64"), "old");
+    runner.Run({L"command", L"30210", path}, {L"yes"});
+    EXPECT_TRUE(runner.Read(L"a.b64").ends_with("\r\nbmV3"));
+    notes = runner.Run({L"command", L"30211", path + L".b64"}, {L"no"}).notes;
+    EXPECT_TRUE(Holds(notes, "[question] Decode Base64 (MIME): "));
 }
 
 TEST(Base64Command, DecodesIntoAPlainNameOfItsOwnFolder) {
-    const struct {
-        const char* why;
-        const wchar_t* file;
-        std::string name;
-        const wchar_t* target;
-    } cases[] = {
-        {"the header's name", L"x.b64", "y.bin", L"y.bin"},  {"a way out", L"x.txt.b64", "..\\y.bin", L"x.txt"},
-        {"a full path", L"x.txt.b64", "C:/y.bin", L"x.txt"}, {"a stream", L"x.txt.b64", "y:z", L"x.txt"},
-        {"a device", L"x.txt.b64", "nul.txt", L"x.txt"},
-    };
-    for (const auto& c : cases) {
+    for (const char* name : {"y.bin", "..\\y.bin", "C:/y.bin", "y:z", "nul.txt"}) {
         const CommandRunner runner;
-        const std::wstring path = runner.Folder().Write(c.file, MimeHeader(c.name) + "YWJj");
-        const CommandRun run = runner.Run({L"command", L"30211", path}, {L"no"});
-        EXPECT_EQ(run.log + run.notes, "") << c.why;
-        EXPECT_EQ(runner.Folder().Read(c.target), "abc") << c.why;
-        EXPECT_EQ(runner.Folder().List().size(), 2u) << c.why;
+        const std::string text = MimeHeader(name) + "YWJj";
+        const CommandRun run = runner.Run({L"command", L"30211", runner.Write(L"x.txt.b64", text)}, {L"no"});
+        EXPECT_EQ(run.log + run.notes, "") << name;
+        const wchar_t* const target = name == std::string("y.bin") ? L"y.bin" : L"x.txt";
+        EXPECT_EQ(runner.ReadAll(), (Contents{{L"x.txt.b64", text}, {target, "abc"}})) << name;
     }
 }
 
 TEST(Base64Command, RefusesTheSourceAsItsOwnTarget) {
     const CommandRunner runner;
-    const std::string text = MimeHeader("SAME.B64") + "YWJj";
-    const std::wstring same = runner.Folder().Write(L"same.b64", text);
-    const std::wstring linked = runner.Folder().Write(L"linked.b64", MimeHeader("link") + "YWJj");
-    ASSERT_TRUE(CreateHardLinkW((runner.Folder() / L"link").c_str(), linked.c_str(), nullptr));
-    const std::wstring plain = runner.Folder().Write(L"plain", "YWJj");
+    const std::wstring same = runner.Write(L"same.b64", MimeHeader("SAME.B64") + "YWJj");
+    const std::wstring linked = runner.Write(L"linked.b64", MimeHeader("link") + "YWJj");
+    ASSERT_TRUE(CreateHardLinkW((runner / L"link").c_str(), linked.c_str(), nullptr));
+    const std::wstring plain = runner.Write(L"plain", "YWJj");
+    const Contents before = runner.ReadAll();
     const CommandRun run = runner.Run({L"command", L"30211", same, linked, plain}, {L"yes"});
-    EXPECT_EQ(runner.Folder().Read(L"same.b64"), text);
-    EXPECT_EQ(runner.Folder().Read(L"linked.b64"), MimeHeader("link") + "YWJj");
-    EXPECT_EQ(runner.Folder().Read(L"plain"), "YWJj");
     EXPECT_EQ(std::count(run.log.begin(), run.log.end(), '\n'), 3) << run.log;
-    EXPECT_EQ(runner.Folder().List(), (Names{L"link", L"linked.b64", L"plain", L"same.b64"}));
+    EXPECT_EQ(runner.ReadAll(), before);
 }
 
 TEST(Base64Command, OpensTheSourceBeforeTheTargetAndGoesOn) {
     const CommandRunner runner;
-    const std::wstring folder = runner.Folder() / L"sub";
-    ASSERT_TRUE(CreateDirectoryW(folder.c_str(), nullptr));
-    runner.Folder().Write(L"sub.b64", "old");
-    const std::wstring cut = runner.Folder().Write(L"cut.b64", "YWJjY");
+    const std::wstring folder = runner.MakeFolder(L"sub");
+    runner.Write(L"sub.b64", "old");
+    const std::wstring cut = runner.Write(L"cut.b64", "YWJjY");
     CommandRun run = runner.Run({L"command", L"30210", folder}, {L"yes"});
-    EXPECT_NE(run.log.find("[Base64] - Failed to encode file : "), std::string::npos) << run.log;
-    EXPECT_EQ(runner.Folder().Read(L"sub.b64"), "old");
+    EXPECT_TRUE(Holds(run.log, "[Base64] - Failed to encode file : "));
+    EXPECT_EQ(runner.Read(L"sub.b64"), "old");
     run = runner.Run({L"command", L"30211", cut}, {L"yes"});
-    EXPECT_NE(run.log.find("( The Base64 text is cut off, ErrorCode : 13 )"), std::string::npos) << run.log;
-    EXPECT_EQ(runner.Folder().Read(L"cut"), "abc");
-    const std::wstring busy = runner.Folder().Write(L"busy", "half of i");
+    EXPECT_TRUE(Holds(run.log, "( The Base64 text is cut off, ErrorCode : 13 )"));
+    EXPECT_EQ(runner.Read(L"cut"), "abc");
+    const std::wstring busy = runner.Write(L"busy", "half of i");
     const Win32::FileHandle writer(CreateFileW(busy.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                                OPEN_EXISTING, 0, nullptr));
     run = runner.Run({L"command", L"30210", busy});
-    EXPECT_NE(run.log.find("( Unable to open file, ErrorCode : 32 )"), std::string::npos) << run.log;
-    EXPECT_FALSE(Win32::Exists(runner.Folder() / L"busy.b64")) << "a copy of a file that is being written";
+    EXPECT_TRUE(Holds(run.log, "( Unable to open file, ErrorCode : 32 )"));
+    EXPECT_FALSE(Win32::Exists(runner / L"busy.b64")) << "a copy of a file that is being written";
 }
 
 }  // namespace

@@ -5,10 +5,10 @@
 #include "host/run.h"
 
 namespace QVTest {
-CommandRun CommandRunner::Run(std::vector<std::wstring> arguments, const std::vector<std::wstring>& answers) const {
-    std::vector<std::wstring> words = {L"--config", m_settings.Path()};
+
+CommandRun CommandRunner::Run(const Words& arguments, const Words& answers) const {
+    Words words = {L"--config", m_settings.Path()};
     for (const std::wstring& answer : answers) words.insert(words.end(), {L"--answer", answer});
-    words.insert(words.end(), arguments.begin(), arguments.end());
     // The host takes the library and its texts from beside itself.
     std::ostringstream out;
     std::ostringstream error;
@@ -20,8 +20,25 @@ CommandRun CommandRunner::Run(std::vector<std::wstring> arguments, const std::ve
                                            .outIsTerminal = false,
                                            .readAnswer = {},
                                            .progressWatch = {}};
-    const int status = QVHost::RunQvHost(words, environment);
+    const int status = QVHost::RunQvHost(Joined(words, arguments), environment);
     return {status, out.str(), error.str()};
+}
+
+CommandRun CommandRunner::RunDriven(const Words& arguments, const std::function<void(DialogDriver&)>& person) const {
+    CommandRun run;
+    WhileDriving(person, [&] { run = Run(arguments, {L"ok"}); });
+    return run;
+}
+
+Words Joined(Words words, const Words& more) {
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
+}
+
+testing::AssertionResult Holds(const std::string& text, const std::string& part) {
+    const bool isFound = text.find(part) != std::string::npos;
+    return isFound ? testing::AssertionSuccess()
+                   : testing::AssertionFailure() << '"' << part << "\" is not in: " << text;
 }
 
 }  // namespace QVTest

@@ -5,9 +5,15 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
+#include "support/dialog_driver.h"
 #include "support/temporary_folder.h"
 
 namespace QVTest {
+
+using Words = std::vector<std::wstring>;
+using Names = std::vector<std::wstring>;
 
 struct CommandRun {
     int status = -1;    // 0: handled, and nothing failed
@@ -15,16 +21,21 @@ struct CommandRun {
     std::string notes;  // questions with their answers, results, the lists handed back
 };
 
-class CommandRunner {
+/// The folder that the commands work on, and the host that runs them.
+class CommandRunner : public TemporaryFolder {
 public:
     /// `arguments` as on the host's command line, the subcommand first; `answers` to its questions in order.
-    CommandRun Run(std::vector<std::wstring> arguments, const std::vector<std::wstring>& answers = {}) const;
-
-    const TemporaryFolder& Folder() const { return m_folder; }
+    CommandRun Run(const Words& arguments, const Words& answers = {}) const;
+    /// The same with a person in front of the dialogs; questions beside them are answered with "ok".
+    CommandRun RunDriven(const Words& arguments, const std::function<void(DialogDriver&)>& person) const;
 
 private:
-    TemporaryFolder m_folder;
     TemporaryFolder m_settings;
 };
+
+/// `words` with more of them behind.
+Words Joined(Words words, const Words& more);
+
+testing::AssertionResult Holds(const std::string& text, const std::string& part);
 
 }  // namespace QVTest

@@ -3,18 +3,13 @@
 
 #include "fileutils/command_runner.h"
 #include "fileutils/link_rules.h"
-#include "support/dialog_driver.h"
 #include "ui/create_links_dlg.h"
 #include "ui/resource.h"
 #include "win32/files.h"
 
 namespace {
 
-using QVTest::CommandRun;
-using QVTest::CommandRunner;
-using QVTest::DialogDriver;
-using QVTest::DrivenDialog;
-using Names = std::vector<std::wstring>;
+using namespace QVTest;
 
 constexpr wchar_t kTitle[] = L"Create links";
 
@@ -28,7 +23,7 @@ TEST(LinkNames, AreProposedBesideAndElsewhere) {
 }
 
 TEST(LinkRules, RefuseWhatCannotWork) {
-    const QVTest::TemporaryFolder folder;
+    const TemporaryFolder folder;
     const std::wstring file = folder.Write(L"file", "x");
     const std::wstring link = folder / L"link";
     const struct {
@@ -59,10 +54,9 @@ TEST(LinkRules, RefuseWhatCannotWork) {
 
 TEST(CreateLinksCommand, MakesOneLinkForEachTarget) {
     const CommandRunner runner;
-    const std::wstring first = runner.Folder().Write(L"a.txt", "1");
-    const std::wstring second = runner.Folder().Write(L"b", "2");
-    CommandRun run;
-    const auto script = [](DialogDriver& driver) {
+    const std::wstring first = runner.Write(L"a.txt", "1");
+    const std::wstring second = runner.Write(L"b", "2");
+    const CommandRun run = runner.RunDriven({L"command", L"30350", first, second}, [](DialogDriver& driver) {
         const DrivenDialog dialog = driver.WaitFor(kTitle);
         EXPECT_FALSE(dialog.IsEnabled(IDC_LINK_AS_ADMIN));
         EXPECT_EQ(dialog.Selected(IDC_LINK_KIND), 0);
@@ -73,43 +67,34 @@ TEST(CreateLinksCommand, MakesOneLinkForEachTarget) {
         EXPECT_EQ(dialog.Text(IDC_REASON), L"This name is in use: b");
         dialog.Enter(IDC_LINK_NAME, L"c.txt");
         dialog.PressAndClose(IDOK);
-    };
-    QVTest::WhileDriving(script, [&] { run = runner.Run({L"command", L"30350", first, second}, {L"ok"}); });
+    });
     EXPECT_EQ(run.status, 0) << run.notes;
-    EXPECT_TRUE(Win32::IsSameFile(first, runner.Folder() / L"c.txt"));
-    EXPECT_TRUE(Win32::IsSameFile(second, runner.Folder() / L"b - link"));
-    EXPECT_EQ(runner.Folder().List(), (Names{L"a.txt", L"b", L"b - link", L"c.txt"}));
+    EXPECT_TRUE(Win32::IsSameFile(first, runner / L"c.txt"));
+    EXPECT_TRUE(Win32::IsSameFile(second, runner / L"b - link"));
 }
 
 TEST(CreateLinksCommand, OffersAdministratorRightsAndUsesThem) {
     const CommandRunner runner;
-    const std::wstring target = runner.Folder().Write(L"a", "1");
-    CommandRun run;
-    const auto script = [](DialogDriver& driver) {
+    const std::wstring target = runner.Write(L"a", "1");
+    const Words words = {L"command", L"30350", target, L"--can-elevate"};
+    const CommandRun run = runner.RunDriven(words, [](DialogDriver& driver) {
         const DrivenDialog dialog = driver.WaitFor(kTitle);
-        EXPECT_TRUE(dialog.IsEnabled(IDC_LINK_AS_ADMIN));
         dialog.Check(IDC_LINK_AS_ADMIN, true);
         dialog.PressAndClose(IDOK);
-    };
-    QVTest::WhileDriving(script, [&] { run = runner.Run({L"command", L"30350", target, L"--can-elevate"}, {L"ok"}); });
+    });
     EXPECT_TRUE(run.log.starts_with("Link Created (Hardlink) ")) << run.log << run.notes;
-    EXPECT_TRUE(Win32::IsSameFile(target, runner.Folder() / L"a - link"));
+    EXPECT_TRUE(Win32::IsSameFile(target, runner / L"a - link"));
 }
 
 TEST(CreateLinksCommand, SaysHowManyLinksFailed) {
     const CommandRunner runner;
-    CreateDirectoryW((runner.Folder() / L"sub").c_str(), nullptr);
-    CommandRun run;
-    const auto script = [](DialogDriver& driver) {
-        const DrivenDialog dialog = driver.WaitFor(kTitle);
-        EXPECT_EQ(dialog.Selected(IDC_LINK_KIND), 1);
-        dialog.PressAndClose(IDOK);
-    };
     // Here no junction can be made.
-    QVTest::WhileDriving(script, [&] { run = runner.Run({L"command", L"30350", runner.Folder() / L"sub"}, {L"ok"}); });
+    const Words words = {L"command", L"30350", runner.MakeFolder(L"sub")};
+    const CommandRun run =
+        runner.RunDriven(words, [](DialogDriver& driver) { driver.WaitFor(kTitle).PressAndClose(IDOK); });
     EXPECT_TRUE(run.log.starts_with("Failed to create link (Junction) (Error : 13) ")) << run.log;
-    EXPECT_NE(run.notes.find("1 of 1 links could not be created."), std::string::npos) << run.notes;
-    EXPECT_EQ(runner.Folder().List(), Names{L"sub"});
+    EXPECT_TRUE(Holds(run.notes, "1 of 1 links could not be created."));
+    EXPECT_EQ(runner.List(), Names{L"sub"});
 }
 
 }  // namespace

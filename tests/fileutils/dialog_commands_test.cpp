@@ -2,54 +2,43 @@
 #include <gtest/gtest.h>
 
 #include "fileutils/command_runner.h"
-#include "support/dialog_driver.h"
 #include "ui/resource.h"
 
 namespace {
 
-using QVTest::CommandRun;
-using QVTest::CommandRunner;
-using QVTest::DialogDriver;
-using QVTest::DrivenDialog;
-using QVTest::WhileDriving;
+using namespace QVTest;
 
 constexpr wchar_t kFindTitle[] = L"Find and Replace in file(s)";
 constexpr wchar_t kConfirmTitle[] = L"Confirm Replace";
 constexpr wchar_t kSortTitle[] = L"Sort Lines";
 
-CommandRun RunDriven(const CommandRunner& host, std::vector<std::wstring> arguments,
-                     const std::function<void(DialogDriver&)>& script) {
-    CommandRun run;
-    WhileDriving(script, [&] { run = host.Run(std::move(arguments), {L"ok"}); });
-    return run;
+/// Fills the dialog of a replacement and starts.
+void Start(DialogDriver& driver, const wchar_t* find, const wchar_t* replacement) {
+    const DrivenDialog dialog = driver.WaitFor(kFindTitle);
+    dialog.Enter(IDC_FIND, find);
+    dialog.Enter(IDC_REPLACEMENT, replacement);
+    dialog.PressAndClose(IDOK);
 }
 
 TEST(FindAndReplaceCommand, AsksAboutEachMatchAndRemembersTheRequest) {
     CommandRunner host;
-    host.Folder().Write(L"a.txt", "one two one two one\r\n");
-    host.Folder().Write(L"b.txt", "one\n");
-    host.Folder().Write(L"c.txt", "nothing\n");
-    const std::vector<std::wstring> arguments = {L"command", L"30151", host.Folder() / L"a.txt",
-                                                 host.Folder() / L"b.txt", host.Folder() / L"c.txt"};
-    const CommandRun run = RunDriven(host, arguments, [](DialogDriver& driver) {
-        const DrivenDialog dialog = driver.WaitFor(kFindTitle);
-        EXPECT_EQ(dialog.Text(IDC_FIND), L"");
-        EXPECT_EQ(dialog.Entries(IDC_MODE)[3], L"A text of several lines");
-        dialog.Enter(IDC_FIND, L"one");
-        dialog.Enter(IDC_REPLACEMENT, L"three");
-        dialog.PressAndClose(IDOK);
+    const Words arguments = {L"command", L"30151", host.Write(L"a.txt", "one two one two one\r\n"),
+                             host.Write(L"b.txt", "one\n"), host.Write(L"c.txt", "nothing\n")};
+    const CommandRun run = host.RunDriven(arguments, [](DialogDriver& driver) {
+        Start(driver, L"one", L"three");
         driver.WaitFor(kConfirmTitle).PressAndClose(IDOK);
         driver.WaitFor(kConfirmTitle).PressAndClose(IDC_ANSWER_FIND_NEXT);
         driver.WaitFor(kConfirmTitle).PressAndClose(IDC_ANSWER_REPLACE_ALL);  // for b.txt as well
     });
     EXPECT_EQ(run.status, 0) << run.notes;
-    EXPECT_EQ(host.Folder().Read(L"a.txt"), "three two one two three\r\n");
-    EXPECT_EQ(host.Folder().Read(L"a.txt.bak"), "one two one two one\r\n");
-    EXPECT_EQ(host.Folder().Read(L"b.txt"), "three\n");
-    EXPECT_EQ(host.Folder().Read(L"c.txt"), "nothing\n");
-    EXPECT_NE(run.log.find("[Find and Replace] - 2 changes made to file : "), std::string::npos) << run.log;
+    EXPECT_EQ(host.ReadAll(), (Contents{{L"a.txt", "three two one two three\r\n"},
+                                        {L"a.txt.bak", "one two one two one\r\n"},
+                                        {L"b.txt", "three\n"},
+                                        {L"b.txt.bak", "one\n"},
+                                        {L"c.txt", "nothing\n"}}));
+    EXPECT_TRUE(Holds(run.log, "[Find and Replace] - 2 changes made to file : "));
 
-    RunDriven(host, arguments, [](DialogDriver& driver) {
+    host.RunDriven(arguments, [](DialogDriver& driver) {
         const DrivenDialog dialog = driver.WaitFor(kFindTitle);
         EXPECT_EQ(dialog.Text(IDC_FIND), L"one");
         EXPECT_EQ(dialog.Text(IDC_REPLACEMENT), L"three");
@@ -58,65 +47,43 @@ TEST(FindAndReplaceCommand, AsksAboutEachMatchAndRemembersTheRequest) {
     });
 }
 
-TEST(FindAndReplaceCommand, CancelInTheQuestionLeavesTheFileAlone) {
-    CommandRunner host;
-    host.Folder().Write(L"a.txt", "one one\n");
-    const CommandRun run = RunDriven(host, {L"command", L"30151", host.Folder() / L"a.txt"}, [](DialogDriver& driver) {
-        const DrivenDialog dialog = driver.WaitFor(kFindTitle);
-        dialog.Enter(IDC_FIND, L"one");
-        dialog.Enter(IDC_REPLACEMENT, L"two");
-        dialog.PressAndClose(IDOK);
-        driver.WaitFor(kConfirmTitle).PressAndClose(IDOK);
-        driver.WaitFor(kConfirmTitle).PressAndClose(IDCANCEL);
-    });
-    EXPECT_EQ(host.Folder().Read(L"a.txt"), "one one\n");
-    EXPECT_NE(run.log.find("[Find and Replace] - Operation cancelled"), std::string::npos) << run.log;
-}
-
 TEST(FindAndReplaceCommand, SaveAsWritesBesideTheOriginal) {
     CommandRunner host;
-    host.Folder().Write(L"a.txt", "one\n");
-    RunDriven(host, {L"command", L"30151", host.Folder() / L"a.txt"}, [](DialogDriver& driver) {
+    host.Write(L"a.txt", "one\n");
+    host.RunDriven({L"command", L"30151", host / L"a.txt"}, [](DialogDriver& driver) {
         const DrivenDialog dialog = driver.WaitFor(kFindTitle);
-        dialog.Enter(IDC_FIND, L"one");
-        dialog.Enter(IDC_REPLACEMENT, L"two");
         dialog.Select(IDC_TARGET, 0);
         dialog.Check(IDC_SILENT, true);
-        dialog.PressAndClose(IDOK);
+        Start(driver, L"one", L"two");
     });
-    EXPECT_EQ(host.Folder().Read(L"a.txt"), "one\n");
-    EXPECT_EQ(host.Folder().Read(L"a_new.txt"), "two\n");
+    EXPECT_EQ(host.ReadAll(), (Contents{{L"a.txt", "one\n"}, {L"a_new.txt", "two\n"}}));
 }
 
 TEST(FindAndReplaceCommand, FromAScriptAsksInTheDialogWhereTheHostHasAWindow) {
     CommandRunner host;
-    host.Folder().Write(L"a.txt", "one one\n");
-    const std::wstring file = L"FILE=" + (host.Folder() / L"a.txt");
-    const std::vector<std::wstring> call = {L"call",     L"FindAndReplace",  file,
-                                            L"FIND=one", L"REPLACEWITH=two", L"DELETE"};
-    std::vector<std::wstring> withWindows = call;
-    withWindows.insert(withWindows.begin(), L"--windows");
-    RunDriven(host, withWindows, [](DialogDriver& driver) {
+    const std::wstring file = L"FILE=" + host.Write(L"a.txt", "one one\n");
+    const Words call = {L"call", L"FindAndReplace", file, L"FIND=one", L"REPLACEWITH=two", L"DELETE"};
+    host.RunDriven(Joined({L"--windows"}, call), [](DialogDriver& driver) {
         driver.WaitFor(kConfirmTitle).PressAndClose(IDC_ANSWER_FIND_NEXT);
         driver.WaitFor(kConfirmTitle).PressAndClose(IDOK);
     });
-    EXPECT_EQ(host.Folder().Read(L"a.txt"), "one two\n");
+    EXPECT_EQ(host.Read(L"a.txt"), "one two\n");
     // Without one the answers come from the command line, and no window opens.
     EXPECT_EQ(host.Run(call, {L"replace"}).status, 0);
-    EXPECT_EQ(host.Folder().Read(L"a.txt"), "two two\n");
+    EXPECT_EQ(host.Read(L"a.txt"), "two two\n");
 }
 
 TEST(FindAndReplaceCommand, WithoutASelectionShowsNothing) {
     CommandRunner host;
-    EXPECT_EQ(RunDriven(host, {L"command", L"30151"}, [](DialogDriver&) {}).status, 0);
-    EXPECT_EQ(RunDriven(host, {L"command", L"30150"}, [](DialogDriver&) {}).status, 0);
+    EXPECT_EQ(host.RunDriven({L"command", L"30151"}, [](DialogDriver&) {}).status, 0);
+    EXPECT_EQ(host.RunDriven({L"command", L"30150"}, [](DialogDriver&) {}).status, 0);
 }
 
 TEST(SortLinesCommand, SortsWhatTheDialogAsksForAndRemembersIt) {
     CommandRunner host;
-    host.Folder().Write(L"a.csv", "head;0\r\nb;1\r\na;10\r\nc;2\r\n");
-    const std::vector<std::wstring> arguments = {L"command", L"30150", host.Folder() / L"a.csv"};
-    const CommandRun run = RunDriven(host, arguments, [](DialogDriver& driver) {
+    const std::string before = "head;0\r\nb;1\r\na;10\r\nc;2\r\n";
+    const Words arguments = {L"command", L"30150", host.Write(L"a.csv", before)};
+    const CommandRun run = host.RunDriven(arguments, [](DialogDriver& driver) {
         const DrivenDialog dialog = driver.WaitFor(kSortTitle);
         dialog.Enter(IDC_KEEP_TOP, L"1");
         dialog.Press(IDC_KEY_ITEM);
@@ -127,9 +94,8 @@ TEST(SortLinesCommand, SortsWhatTheDialogAsksForAndRemembersIt) {
         dialog.PressAndClose(IDOK);
     });
     EXPECT_EQ(run.status, 0) << run.notes;
-    EXPECT_EQ(host.Folder().Read(L"a.csv"), "head;0\r\na;10\r\nc;2\r\nb;1\r\n");
-    EXPECT_EQ(host.Folder().Read(L"a.csv.bak"), "head;0\r\nb;1\r\na;10\r\nc;2\r\n");
-    RunDriven(host, arguments, [](DialogDriver& driver) {
+    EXPECT_EQ(host.ReadAll(), (Contents{{L"a.csv", "head;0\r\na;10\r\nc;2\r\nb;1\r\n"}, {L"a.csv.bak", before}}));
+    host.RunDriven(arguments, [](DialogDriver& driver) {
         const DrivenDialog dialog = driver.WaitFor(kSortTitle);
         EXPECT_EQ(dialog.Text(IDC_KEEP_TOP), L"1");
         EXPECT_EQ(dialog.Text(IDC_ITEM_SEPARATOR), L";");

@@ -1,22 +1,18 @@
 // Links: a junction's bytes, what the system is asked for, and "CreateLink" here and in the elevated process.
 #include "fileutils/link_creation.h"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "fileutils/command_runner.h"
-#include "host/elevated_channel.h"
-#include "host/elevated_protocol.h"
-#include "host/request_fields.h"
 #include "win32/files.h"
 #include "win32/path.h"
 
 namespace {
 
 using namespace FileUtils;
-using QVTest::CommandRun;
-using QVTest::CommandRunner;
-using QVTest::TemporaryFolder;
-using Names = std::vector<std::wstring>;
+using namespace QVTest;
 
 TEST(JunctionReparseBuffer, IsTheseBytes) {
     const auto buffer = JunctionReparseBuffer(L"\\??\\C:\\\u4E2D");
@@ -28,12 +24,10 @@ TEST(JunctionReparseBuffer, IsTheseBytes) {
         '\\', 0,    '?',  0,    '?', 0, '\\', 0, 'C', 0, ':', 0, '\\', 0, 0x2D, 0x4E,  //
         0,    0,    0,    0,
     };
-    ASSERT_EQ(buffer->bytes.size(), kReparseBufferSize);
     EXPECT_EQ(buffer->usedSize, expected.size());
-    EXPECT_EQ(buffer->usedSize, 28u + 8);
-    EXPECT_EQ(std::vector<uint8_t>(buffer->bytes.begin(), buffer->bytes.begin() + 36), expected);
-    EXPECT_EQ(std::vector<uint8_t>(buffer->bytes.begin() + 36, buffer->bytes.end()),
-              std::vector<uint8_t>(kReparseBufferSize - 36));
+    std::vector<uint8_t> whole = expected;
+    whole.resize(kReparseBufferSize);
+    EXPECT_TRUE(std::ranges::equal(buffer->bytes, whole));
 }
 
 TEST(JunctionReparseBuffer, HoldsTheLongestNameThatFits) {
@@ -92,21 +86,28 @@ protected:
 };
 
 TEST_F(MakeLinkTest, AsksTheSystemForEachKind) {
+    const std::wstring folder = m_folder.Path();
     const std::wstring target = m_folder.Write(L"target.txt", "x");
     const std::wstring link = m_folder / L"link";
-    EXPECT_EQ(Make(1, link, target, false), 0u);
-    EXPECT_EQ(m_asked.words, (Names{L"hard", link, target}));
-    EXPECT_EQ(Make(3, link, L"..\\target.txt", false), 0u);
-    EXPECT_EQ(m_asked.words, (Names{L"symbolic", link, L"..\\target.txt", L"0"}));
-    EXPECT_EQ(Make(3, link, m_folder.Path(), true), 0u);
-    EXPECT_EQ(m_asked.words, (Names{L"symbolic", link, m_folder.Path(), L"1"}));
-    const wchar_t* const description = L"Link created by Quorvane";
-    EXPECT_EQ(Make(4, link + L".lnk", target, false), 0u);
-    EXPECT_EQ(m_asked.words, (Names{L"shortcut", link + L".lnk", target, m_folder.Path(), description}));
-    EXPECT_EQ(Make(4, link, L"C:\\autoexec.bat", false), 0u);
-    EXPECT_EQ(m_asked.words, (Names{L"shortcut", link, L"C:\\autoexec.bat", L"C:\\", description}));
-    EXPECT_EQ(Make(4, link, m_folder.Path(), true), 0u);
-    EXPECT_EQ(m_asked.words, (Names{L"shortcut", link, m_folder.Path(), L"", description}));
+    const std::wstring drives = L"C:\\autoexec.bat";
+    const std::wstring description = L"Link created by Quorvane";
+    const struct {
+        uint32_t type;
+        std::wstring target;
+        bool targetIsFolder;
+        Words asked;
+    } cases[] = {
+        {1, target, false, {L"hard", link, target}},
+        {3, L"..\\target.txt", false, {L"symbolic", link, L"..\\target.txt", L"0"}},
+        {3, folder, true, {L"symbolic", link, folder, L"1"}},
+        {4, target, false, {L"shortcut", link, target, folder, description}},
+        {4, drives, false, {L"shortcut", link, drives, L"C:\\", description}},
+        {4, folder, true, {L"shortcut", link, folder, L"", description}},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Make(c.type, link, c.target, c.targetIsFolder), 0u);
+        EXPECT_EQ(m_asked.words, c.asked);
+    }
     for (const wchar_t* relative : {L"no such link", L"Z:no such link", L"\\no such link"}) {
         EXPECT_EQ(Make(4, relative, m_folder.Path(), true), 0u);
         EXPECT_EQ(m_asked.words[1], Win32::FullPath(relative)) << "the shell has no current folder";
@@ -128,25 +129,20 @@ TEST_F(MakeLinkTest, GivesTheseErrors) {
 }
 
 TEST_F(MakeLinkTest, WritesAJunctionIntoANewOrAnEmptyFolder) {
-    const std::wstring target = m_folder / L"target";
-    ASSERT_TRUE(CreateDirectoryW(target.c_str(), nullptr));
-    const std::wstring expected = L"\\??\\" + target;
-    const auto written = [&] {
-        const auto* units = reinterpret_cast<const wchar_t*>(m_asked.buffer.bytes.data() + 16);
-        return std::wstring(units);
-    };
-    EXPECT_EQ(Make(2, m_folder / L"new\\deep\\link", target, true), 0u);
-    EXPECT_EQ(m_asked.words, (Names{L"reparse", m_folder / L"new\\deep\\link", L"exists"}));
-    EXPECT_EQ(written(), expected);
-    EXPECT_EQ(Make(2, m_folder / L"new\\deep\\link", L"\\??\\X:\\missing", false), 0u);  // it is there now, and empty
-    EXPECT_EQ(written(), L"\\??\\X:\\missing");
-    EXPECT_EQ(Make(2, m_folder / L"new\\deep\\link", L"\\\\?\\" + target, true), 0u);
-    EXPECT_EQ(written(), expected);
+    const std::wstring target = m_folder.MakeFolder(L"target");
+    const std::wstring link = m_folder / L"new\\deep\\link";  // from the second time on it is there, and empty
+    const std::wstring missing = L"\\??\\X:\\missing";
+    for (const auto& [wanted, written] :
+         {std::pair(target, L"\\??\\" + target), {missing, missing}, {L"\\\\?\\" + target, L"\\??\\" + target}}) {
+        EXPECT_EQ(Make(2, link, wanted, wanted != missing), 0u);
+        EXPECT_EQ(m_asked.words, (Names{L"reparse", link, L"exists"}));
+        EXPECT_EQ(reinterpret_cast<const wchar_t*>(m_asked.buffer.bytes.data() + 16), written);
+    }
 
     EXPECT_EQ(Make(2, m_folder / L"new", target, true), 13u);  // not empty
     EXPECT_EQ(Make(2, m_folder.Write(L"file", "x"), target, true), 13u);
     EXPECT_TRUE(m_asked.words.empty());
-    EXPECT_TRUE(Win32::Exists(m_folder / L"new\\deep\\link"));
+    EXPECT_TRUE(Win32::Exists(link));
 }
 
 TEST_F(MakeLinkTest, LeavesNoFolderOfAFailedJunctionBehind) {
@@ -155,8 +151,7 @@ TEST_F(MakeLinkTest, LeavesNoFolderOfAFailedJunctionBehind) {
     EXPECT_EQ(m_asked.words.size(), 3u);
     EXPECT_EQ(Make(2, m_folder / L"link", m_folder / L"missing", true), 13u);
     EXPECT_EQ(m_folder.List(), Names{});
-    const std::wstring mine = m_folder / L"mine";
-    ASSERT_TRUE(CreateDirectoryW(mine.c_str(), nullptr));
+    const std::wstring mine = m_folder.MakeFolder(L"mine");
     EXPECT_EQ(Make(2, mine, m_folder.Path(), true), 13u);
     EXPECT_TRUE(Win32::Exists(mine));  // it was there before
 }
@@ -164,89 +159,51 @@ TEST_F(MakeLinkTest, LeavesNoFolderOfAFailedJunctionBehind) {
 /// Runs "CreateLink" for a target and the link "link" of the runner's folder.
 CommandRun Call(const CommandRunner& runner, const std::wstring& type, const std::wstring& target,
                 const Names& more = {}) {
-    Names words = {L"call", L"CreateLink", L"LNKTYPE=" + type, L"LNKSRC=" + (runner.Folder() / L"link"),
-                   L"LNKTRG=" + target};
-    words.insert(words.end(), more.begin(), more.end());
-    return runner.Run(words);
-}
-
-std::string Narrow(const std::wstring& text) {
-    return {text.begin(), text.end()};
+    const std::wstring link = L"LNKSRC=" + (runner / L"link");
+    return runner.Run(Joined({L"call", L"CreateLink", L"LNKTYPE=" + type, link, L"LNKTRG=" + target}, more));
 }
 
 TEST(CreateLinkCommand, LogsAndReportsWhatBecameOfTheLink) {
     const CommandRunner runner;
-    const std::wstring target = runner.Folder().Write(L"target", "x");
-    const std::string paths =
-        "Link : \"" + Narrow(runner.Folder() / L"link") + "\" Link Target : \"" + Narrow(target) + "\"\n";
+    const std::wstring target = runner.Write(L"target", "x");
+    const std::wstring shown = L"Link : \"" + (runner / L"link") + L"\" Link Target : \"" + target + L"\"\n";
+    const std::string paths(shown.begin(), shown.end());
     CommandRun run = Call(runner, L"1", target);
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.log, "Link Created (Hardlink) " + paths);
     EXPECT_EQ(run.notes, "[result] 0\n");
-    EXPECT_TRUE(Win32::IsSameFile(target, runner.Folder() / L"link"));
+    EXPECT_TRUE(Win32::IsSameFile(target, runner / L"link"));
 
     run = Call(runner, L"1", target);  // the name exists
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.log, "Failed to create link (Hardlink) (Error : 183) " + paths);
-    EXPECT_NE(run.notes.find("[result] 183\n"), std::string::npos) << run.notes;
+    EXPECT_TRUE(Holds(run.notes, "[result] 183\n"));
     EXPECT_EQ(Call(runner, L"7", target).log, "Failed to create link (Unknown) (Error : 13) " + paths);
-    EXPECT_EQ(Call(runner, L"3", runner.Folder() / L"missing").log, "");
+    EXPECT_EQ(Call(runner, L"3", runner / L"missing").log, "");
     run = runner.Run({L"call", L"CreateLink", L"LNKTYPE=4", L"LNKSRC=", L"LNKTRG=" + target});
     EXPECT_TRUE(run.log.starts_with("Failed to create link (Unknown) (Error : 3) Link : \"\"")) << run.log;
-    const CommandRun incomplete = runner.Run({L"call", L"CreateLink", L"LNKSRC=a", L"LNKTRG=" + target});
-    EXPECT_EQ(incomplete.status, 1);
-    EXPECT_EQ(incomplete.log, "");
+    run = runner.Run({L"call", L"CreateLink", L"LNKSRC=a", L"LNKTRG=" + target});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.log, "");
 
-    ASSERT_TRUE(DeleteFileW((runner.Folder() / L"link").c_str()));
+    ASSERT_TRUE(DeleteFileW((runner / L"link").c_str()));
     EXPECT_EQ(Call(runner, L"4", target).log, "Link Created (Unknown) " + paths);
-    EXPECT_NE(runner.Folder().Read(L"link").size(), 0u);
+    EXPECT_NE(runner.Read(L"link").size(), 0u);
 }
 
 TEST(CreateLinkCommand, AsksTheElevatedProcessAndNoOther) {
     const CommandRunner runner;
-    const std::wstring target = runner.Folder().Write(L"target", "x");
+    const std::wstring target = runner.Write(L"target", "x");
     EXPECT_EQ(Call(runner, L"1", target, {L"ASADMIN"}).status, 1);
     EXPECT_EQ(Call(runner, L"1", target, {L"ASADMIN", L"--can-elevate", L"--elevated"}).status, 1);
-    EXPECT_EQ(runner.Folder().List(), Names{L"target"});
+    EXPECT_EQ(runner.List(), Names{L"target"});
     CommandRun run = Call(runner, L"1", target, {L"ASADMIN", L"--can-elevate"});
     EXPECT_EQ(run.status, 0) << run.notes;
     EXPECT_TRUE(run.log.starts_with("Link Created (Hardlink) ")) << run.log;
-    EXPECT_TRUE(Win32::IsSameFile(target, runner.Folder() / L"link"));
+    EXPECT_TRUE(Win32::IsSameFile(target, runner / L"link"));
     run = Call(runner, L"1", target, {L"ASADMIN", L"--can-elevate"});
     EXPECT_EQ(run.status, 1);
     EXPECT_TRUE(run.log.starts_with("Failed to create link (Hardlink) (Error : 183) ")) << run.log;
-}
-
-TEST(CreateLinkRequest, IsRefusedUnlessItIsWhole) {
-    const TemporaryFolder folder;
-    const std::wstring target = folder.Write(L"target", "x");
-    QVHost::Bytes whole;
-    QVHost::AppendNumber(whole, LinkType::HardLink);
-    QVHost::AppendString(whole, folder / L"link");
-    QVHost::AppendString(whole, target);
-    const size_t flagAt = whole.size();
-    QVHost::AppendNumber(whole, 0);
-
-    std::ostringstream out;
-    QVHost::Output output(out, out, false);
-    const TemporaryFolder settings;
-    QVHost::ElevatedChannel channel(output, {QV_HOST_PROGRAM, {L"--config", settings.Path()}}, 0);
-    ASSERT_TRUE(channel.Connect()) << out.str();
-    const auto send = [&](const QVHost::Bytes& bytes) {
-        return channel.Send(kCreateLinkRequest, bytes.data(), static_cast<uint32_t>(bytes.size()));
-    };
-    for (size_t size = 0; size < whole.size(); ++size)
-        ASSERT_EQ(send(QVHost::Bytes(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size))), 87u) << size;
-    QVHost::Bytes bad = whole;
-    bad[flagAt] = 2;
-    EXPECT_EQ(send(bad), 87u);
-    bad = whole;
-    QVHost::AppendNumber(bad, 0);
-    EXPECT_EQ(send(bad), 87u);
-    EXPECT_EQ(folder.List(), Names{L"target"});
-    EXPECT_EQ(send(whole), 0u);
-    EXPECT_EQ(folder.List(), (Names{L"link", L"target"}));
-    channel.Close();
 }
 
 }  // namespace

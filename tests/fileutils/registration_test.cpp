@@ -4,15 +4,16 @@
 #include <regex>
 
 #include "fileutils/command_runner.h"
-#include "fileutils/command_table.h"
 
 using QVTest::CommandRunner;
 
 namespace {
 
-std::vector<std::string> AllMatches(const std::string& text, const char* expression) {
+using Texts = std::vector<std::string>;
+
+Texts AllMatches(const std::string& text, const char* expression) {
     const std::regex pattern(expression);
-    std::vector<std::string> found;
+    Texts found;
     for (auto at = std::sregex_iterator(text.begin(), text.end(), pattern); at != std::sregex_iterator(); ++at)
         found.push_back((*at)[1]);
     return found;
@@ -22,30 +23,27 @@ std::vector<std::string> AllMatches(const std::string& text, const char* express
 
 TEST(Registration, MenusHoldTheCommandsInTheirOrder) {
     const std::string menus = CommandRunner().Run({L"menus"}).log;
-    const std::vector<std::string> expected = {"30000", "30001", "30002", "30010", "30020", "30101", "30102",
-                                               "30103", "30110", "30200", "30201", "30150", "30151", "30210",
-                                               "30211", "30300", "30310", "30311", "30350", "31000"};
+    const Texts expected = {"30000", "30001", "30002", "30010", "30020", "30101", "30102", "30103", "30110", "30200",
+                            "30201", "30150", "30151", "30210", "30211", "30300", "30310", "30311", "30350", "31000"};
     EXPECT_EQ(AllMatches(menus, R"(\n +(3\d{4})  )"), expected) << menus;
-    EXPECT_EQ(AllMatches(menus, R"((0x[0-9A-F]+\+\w))"),
-              (std::vector<std::string>{"0x0049+J", "0x004D+J", "0x0049+K"}));
+    EXPECT_EQ(AllMatches(menus, R"((0x[0-9A-F]+\+\w))"), (Texts{"0x0049+J", "0x004D+J", "0x0049+K"}));
 }
 
 TEST(Registration, CustomCommandsHaveTheirParametersInOrder) {
     const std::string commands = CommandRunner().Run({L"commands"}).log;
     EXPECT_EQ(AllMatches(commands, R"((\w+ \(\d+\)):)"),
-              (std::vector<std::string>{"CreateLink (30351)", "SortLines (30352)", "FindAndReplace (30353)"}))
+              (Texts{"CreateLink (30351)", "SortLines (30352)", "FindAndReplace (30353)"}))
         << commands;
     EXPECT_EQ(AllMatches(commands, R"(\n  (\w+) +\w+ +required)"),
-              (std::vector<std::string>{"LNKTYPE", "LNKSRC", "LNKTRG", "FILE", "FILE", "FIND", "REPLACEWITH"}));
-    EXPECT_EQ(AllMatches(commands, R"(\n  (\w+) +number)"),
-              (std::vector<std::string>{"LNKTYPE", "KEEPTOP", "KEEPBOTTOM", "LINEOFFSET"}));
+              (Texts{"LNKTYPE", "LNKSRC", "LNKTRG", "FILE", "FILE", "FIND", "REPLACEWITH"}));
+    EXPECT_EQ(AllMatches(commands, R"(\n  (\w+) +number)"), (Texts{"LNKTYPE", "KEEPTOP", "KEEPBOTTOM", "LINEOFFSET"}));
     EXPECT_EQ(AllMatches(commands, R"(\n  ([A-Z0-9]+) +(?:text|number|switch))").size(), 4u + 22u + 13u);
     EXPECT_EQ(commands.find("97c"), std::string::npos);  // every description has its text
 }
 
 TEST(Registration, UnknownCommandsAreNotHandled) {
     const CommandRunner runner;
-    const std::wstring path = runner.Folder().Write(L"a", "a");
+    const std::wstring path = runner.Write(L"a", "a");
     for (const wchar_t* const id : {L"29999", L"30009", L"30352", L"20500"})
         EXPECT_EQ(runner.Run({L"command", id, path}).status, 1);
     EXPECT_EQ(runner.Run({L"call", L"FindAndReplac", L"FILE=" + path}).status, 2);

@@ -4,18 +4,15 @@
 #include <gtest/gtest.h>
 
 #include "fileutils/command_runner.h"
-#include "support/dialog_driver.h"
 #include "ui/resource.h"
 
 namespace {
 
 using FileUtils::WithTextReplaced;
-using QVTest::CommandRun;
-using QVTest::CommandRunner;
-using QVTest::DialogDriver;
-using QVTest::DrivenDialog;
 using Ui::NamePart;
-using Names = std::vector<std::wstring>;
+using namespace QVTest;
+
+constexpr wchar_t kTitle[] = L"Replace text in names";
 
 TEST(ReplaceInNames, MakesTheseNames) {
     const struct {
@@ -43,30 +40,24 @@ TEST(ReplaceInNames, MakesTheseNames) {
 
 TEST(ReplaceInNames, ShowsTheNewNamesAndRenames) {
     const CommandRunner runner;
-    const std::wstring first = runner.Folder().Write(L"old one.txt", "1");
-    const std::wstring second = runner.Folder().Write(L"two.old", "2");
-    const auto run = [&](const std::function<void(DialogDriver&)>& script) {
-        CommandRun result;
-        QVTest::WhileDriving(script, [&] { result = runner.Run({L"command", L"30010", first, second}, {L"ok"}); });
-        return result;
-    };
-    run([](DialogDriver& driver) { driver.WaitFor(L"Replace text in names").PressAndClose(IDCANCEL); });
-    EXPECT_EQ(runner.Folder().List(), (Names{L"old one.txt", L"two.old"}));
+    const Words words = {L"command", L"30010", runner.Write(L"old one.txt", "1"), runner.Write(L"two.old", "2")};
+    runner.RunDriven(words, [](DialogDriver& driver) { driver.WaitFor(kTitle).PressAndClose(IDCANCEL); });
+    EXPECT_EQ(runner.List(), (Names{L"old one.txt", L"two.old"}));
 
-    const CommandRun result = run([](DialogDriver& driver) {
-        const DrivenDialog dialog = driver.WaitFor(L"Replace text in names");
+    const CommandRun run = runner.RunDriven(words, [](DialogDriver& driver) {
+        const DrivenDialog dialog = driver.WaitFor(kTitle);
         EXPECT_FALSE(dialog.IsEnabled(IDOK));
         dialog.Enter(IDC_NAME_FIND, L"OLD");
         EXPECT_EQ(dialog.Text(IDC_REASON), L"No name holds this text.");
         dialog.PressLater(IDC_NAME_IGNORE_CASE);
-        EXPECT_TRUE(QVTest::WaitUntil([&] { return dialog.IsEnabled(IDOK); }));
+        EXPECT_TRUE(WaitUntil([&] { return dialog.IsEnabled(IDOK); }));
         dialog.Enter(IDC_NAME_REPLACEMENT, L"new");
         EXPECT_EQ(dialog.Text(IDC_REASON), L"1 name will change.");
         EXPECT_EQ(SendMessageW(dialog.Control(IDC_NAME_PREVIEW), LB_GETCOUNT, 0, 0), 1);
         dialog.PressAndClose(IDOK);
     });
-    EXPECT_EQ(result.status, 0) << result.notes;
-    EXPECT_EQ(runner.Folder().List(), (Names{L"new one.txt", L"two.old"}));
+    EXPECT_EQ(run.status, 0) << run.notes;
+    EXPECT_EQ(runner.List(), (Names{L"new one.txt", L"two.old"}));
 }
 
 }  // namespace

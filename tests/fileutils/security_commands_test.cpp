@@ -13,7 +13,6 @@
 #include "fileutils/take_ownership_command.h"
 #include "host/request_fields.h"
 #include "security/account_names.h"
-#include "support/dialog_driver.h"
 #include "support/fake_panel.h"
 #include "support/services_of_host.h"
 #include "ui/change_access_dlg.h"
@@ -26,11 +25,7 @@ namespace {
 
 using namespace FileUtils;
 using QVHost::Bytes;
-using QVTest::CommandRun;
-using QVTest::CommandRunner;
-using QVTest::DialogDriver;
-using QVTest::DrivenDialog;
-using QVTest::ServicesOfHost;
+using namespace QVTest;
 namespace SDK = Quorvane::SDK;
 
 constexpr wchar_t kTitle[] = L"Add File Access";
@@ -54,37 +49,40 @@ private:
     QVHost::Shelf<QVHost::RequestReader> m_readers;
 };
 
-struct Fields {
+/// Numbers and texts as a request holds them.
+template <class... Field>
+Bytes Request(const Field&... fields) {
     Bytes bytes;
-    Fields& Number(uint32_t number) {
-        QVHost::AppendNumber(bytes, number);
-        return *this;
-    }
-    Fields& Text(const std::wstring& text) {
-        QVHost::AppendString(bytes, text);
-        return *this;
-    }
-};
+    const auto append = [&](const auto& field) {
+        if constexpr (std::is_integral_v<std::decay_t<decltype(field)>>)
+            QVHost::AppendNumber(bytes, field);
+        else
+            QVHost::AppendString(bytes, field);
+    };
+    (append(fields), ...);
+    return bytes;
+}
 
 TEST(ElevatedRequests, AreCarriedOutWhenTheyAreWholeAndNotOtherwise) {
     ServicesOfHost host(QV_HOST_PROGRAM);
-    const QVTest::TemporaryFolder folder;
+    const TemporaryFolder folder;
     const std::wstring file = folder.Write(L"a", "x");
     const std::wstring link = folder / L"link";
-    const auto answer = [&](auto handler, const Bytes& bytes) {
+    using Handler = uint32_t (*)(SDK::IHostServices&, SDK::IRequestMessage&);
+    const auto answer = [&](Handler handler, const Bytes& bytes) {
         Message message(bytes);
         EXPECT_EQ(handler(host.Services(), message), 1u);
         return message.Result();
     };
     const struct {
         const char* why;
-        uint32_t (*handler)(SDK::IHostServices&, SDK::IRequestMessage&);
+        Handler handler;
         Bytes whole;
     } requests[] = {
-        {"ownership", AnswerTakeOwnershipRequest, Fields().Number(2).Text(file).Text(file).bytes},
-        {"reset", AnswerResetAccessRequest, Fields().Number(1).Text(file).bytes},
-        {"grant", AnswerGrantAccessRequest, Fields().Number(0x1200A9).Text(L"Everyone").Number(1).Text(file).bytes},
-        {"link", AnswerCreateLinkRequest, Fields().Number(1).Text(link).Text(file).Number(0).bytes},
+        {"ownership", AnswerTakeOwnershipRequest, Request(2, file, file)},
+        {"reset", AnswerResetAccessRequest, Request(1, file)},
+        {"grant", AnswerGrantAccessRequest, Request(0x1200A9, L"Everyone", 1, file)},
+        {"link", AnswerCreateLinkRequest, Request(1, link, file, 0)},
     };
     for (const auto& request : requests) {
         for (size_t size = 0; size < request.whole.size(); ++size) {
@@ -99,21 +97,17 @@ TEST(ElevatedRequests, AreCarriedOutWhenTheyAreWholeAndNotOtherwise) {
         EXPECT_FALSE(Win32::Exists(link));
         EXPECT_EQ(answer(request.handler, request.whole), 0u) << request.why;
     }
-    const struct {
-        const char* why;
-        Fields fields;
-        uint32_t result;
-    } grants[] = {
-        {"no right", Fields().Number(0).Text(L"Everyone").Number(1).Text(file), kMalformed},
-        {"rights that no file has", Fields().Number(0x10000000).Text(L"Everyone").Number(1).Text(file), kMalformed},
-        {"no account", Fields().Number(1).Text(L"").Number(1).Text(file), kMalformed},
-        {"an empty path", Fields().Number(1).Text(L"Everyone").Number(1).Text(L""), kMalformed},
-        {"a path beyond all", Fields().Number(1).Text(L"Everyone").Number(1).Text(std::wstring(40000, L'a')),
-         kMalformed},
-        {"a count beyond all bytes", Fields().Number(1).Text(L"Everyone").Number(0xFFFFFFFF).Text(file), kMalformed},
-        {"an unknown account", Fields().Number(1).Text(L"no such account").Number(1).Text(file), ERROR_NONE_MAPPED},
+    const std::pair<const char*, Bytes> grants[] = {
+        {"no right", Request(0, L"Everyone", 1, file)},
+        {"rights that no file has", Request(0x10000000, L"Everyone", 1, file)},
+        {"no account", Request(1, L"", 1, file)},
+        {"an empty path", Request(1, L"Everyone", 1, L"")},
+        {"a path beyond all", Request(1, L"Everyone", 1, std::wstring(40000, L'a'))},
+        {"a count beyond all bytes", Request(1, L"Everyone", 0xFFFFFFFF, file)},
     };
-    for (const auto& c : grants) EXPECT_EQ(answer(AnswerGrantAccessRequest, c.fields.bytes), c.result) << c.why;
+    for (const auto& [why, bytes] : grants) EXPECT_EQ(answer(AnswerGrantAccessRequest, bytes), kMalformed) << why;
+    EXPECT_EQ(answer(AnswerGrantAccessRequest, Request(1, L"no such account", 1, file)), ERROR_NONE_MAPPED + 0u);
+    EXPECT_EQ(answer(AnswerCreateLinkRequest, Request(1, link, file, 2)), kMalformed) << "neither file nor folder";
 }
 
 /// Notes in which order it is used.
@@ -177,25 +171,11 @@ TEST(SecurityWork, StopsAtTheFirstFailureAndShowsIt) {
         const size_t at = host.Notes().find(c.message);
         EXPECT_NE(at, std::string::npos) << host.Notes();
         EXPECT_EQ(host.Notes().find("[question]", at), std::string::npos) << "one message";
-        EXPECT_NE(host.Log().find("C:\\2"), std::string::npos) << host.Log();
+        EXPECT_TRUE(Holds(host.Log(), "C:\\2"));
     }
 }
 
-TEST(TakeOwnership, LetsTheHostComputeTheOwnerAnew) {
-    for (const bool canElevate : {false, true}) {
-        QVHost::HostOptions options;
-        options.canElevate = canElevate;
-        ServicesOfHost host(QV_HOST_PROGRAM, options);
-        const QVTest::TemporaryFolder folder;
-        QVHost::FileItem& item = host.Select(folder.Write(L"a", "x"));
-        item.StoreProperty(1, L"somebody");
-        EXPECT_EQ(RunTakeOwnership(host.Services(), 30300), 1u);
-        SDK::StoredPropertyValue value = {};
-        EXPECT_EQ(item.QueryProperty(1, 1, &value), 0u) << canElevate << host.Notes();
-    }
-}
-
-TEST(TakeOwnership, RefreshesThePanelUnlessTheElevatedProcessFailed) {
+TEST(TakeOwnership, ShowsTheNewOwnerUnlessTheElevatedProcessFailed) {
     for (const bool elevates : {false, true})
         for (const bool exists : {false, true}) {
             QVHost::HostOptions options;
@@ -203,13 +183,15 @@ TEST(TakeOwnership, RefreshesThePanelUnlessTheElevatedProcessFailed) {
             options.answers = {L"ok"};
             ServicesOfHost host(QV_HOST_PROGRAM, options);
             int refreshCount = 0;
-            QVTest::FakePanel panel([&] { return host.State().selection; },
-                                    [&](const std::wstring&) { ++refreshCount; });
+            FakePanel panel([&] { return host.State().selection; }, [&](const std::wstring&) { ++refreshCount; });
             host.State().panel = &panel;
-            const QVTest::TemporaryFolder folder;
-            host.Select(exists ? folder.Write(L"a", "x") : folder / L"none");
+            const TemporaryFolder folder;
+            QVHost::FileItem& item = host.Select(exists ? folder.Write(L"a", "x") : folder / L"none");
+            item.StoreProperty(1, L"somebody");
             EXPECT_EQ(RunTakeOwnership(host.Services(), 30300), 1u);
             EXPECT_EQ(refreshCount, elevates && !exists ? 0 : 1) << elevates << exists << host.Notes();
+            SDK::StoredPropertyValue value = {};
+            EXPECT_TRUE(!exists || item.QueryProperty(1, 1, &value) == 0) << "the host computes the owner anew";
         }
 }
 
@@ -230,17 +212,14 @@ bool EveryoneMayWrite(const std::wstring& path) {
     return false;
 }
 
-CommandRun GrantEveryoneAll(const CommandRunner& runner, std::vector<std::wstring> arguments) {
-    arguments.insert(arguments.begin(), {L"command", L"30311"});
-    CommandRun run;
-    const auto script = [](DialogDriver& driver) {
+CommandRun GrantEveryoneAll(const CommandRunner& runner, const Words& items) {
+    return runner.RunDriven(Joined({L"command", L"30311"}, items), [](DialogDriver& driver) {
         const DrivenDialog dialog = driver.WaitFor(kTitle);
         EXPECT_EQ(dialog.Text(IDC_ACCESS_ACCOUNT), Security::CurrentAccountName());
         EXPECT_EQ(dialog.Selected(IDC_ACCESS_RIGHTS), 0);
         // The system's picker; where it is cancelled, or is none, the account stays.
         dialog.Press(IDC_ACCESS_FIND);
         EXPECT_EQ(dialog.Text(IDC_ACCESS_ACCOUNT), Security::CurrentAccountName());
-        EXPECT_EQ(dialog.Entries(IDC_ACCESS_RIGHTS).size(), 4u);
         dialog.Enter(IDC_ACCESS_ACCOUNT, L"no such account");
         dialog.Press(IDOK);
         EXPECT_EQ(dialog.Text(IDC_REASON), L"There is no user or group of this name.");
@@ -250,61 +229,55 @@ CommandRun GrantEveryoneAll(const CommandRunner& runner, std::vector<std::wstrin
         dialog.Enter(IDC_ACCESS_ACCOUNT, L" Everyone ");
         dialog.Select(IDC_ACCESS_RIGHTS, 3);
         dialog.PressAndClose(IDOK);
-    };
-    QVTest::WhileDriving(script, [&] { run = runner.Run(arguments, {L"ok"}); });
-    return run;
+    });
 }
 
 TEST(GrantAccess, ChangesTheItemsBeforeTheOneThatFails) {
-    for (const std::vector<std::wstring>& more : {std::vector<std::wstring>(), {L"--can-elevate"}}) {
+    for (const Words& more : {Words(), {L"--can-elevate"}}) {
         const CommandRunner runner;
-        const std::wstring first = runner.Folder().Write(L"a", "x");
+        const std::wstring first = runner.Write(L"a", "x");
         // Written like this, a path has no drive in front and is refused.
-        const std::wstring second = L"\\\\?\\" + runner.Folder().Write(L"b", "x");
-        const std::wstring third = runner.Folder().Write(L"c", "x");
+        const std::wstring second = L"\\\\?\\" + runner.Write(L"b", "x");
+        const std::wstring third = runner.Write(L"c", "x");
         ASSERT_FALSE(EveryoneMayWrite(first));
-        std::vector<std::wstring> arguments = {first, second, third};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        const CommandRun run = GrantEveryoneAll(runner, arguments);
+        const CommandRun run = GrantEveryoneAll(runner, Joined({first, second, third}, more));
         EXPECT_TRUE(EveryoneMayWrite(first));
         EXPECT_FALSE(EveryoneMayWrite(third));
-        EXPECT_NE(run.notes.find("The access could not be granted (error "), std::string::npos) << run.notes;
+        EXPECT_TRUE(Holds(run.notes, "The access could not be granted (error "));
     }
 }
 
 TEST(GrantAccess, IsOfferedOverASelectionOnlyAndCanBeCancelled) {
     const CommandRunner runner;
-    const std::wstring file = runner.Folder().Write(L"a", "x");
     EXPECT_EQ(runner.Run({L"command", L"30311"}).status, 0);
-    CommandRun run;
-    const auto script = [](DialogDriver& driver) { driver.WaitFor(kTitle).PressAndClose(IDCANCEL); };
-    QVTest::WhileDriving(script, [&] { run = runner.Run({L"command", L"30311", file, L"--can-elevate"}); });
+    const CommandRun run =
+        runner.RunDriven({L"command", L"30311", runner.Write(L"a", "x"), L"--can-elevate"},
+                         [](DialogDriver& driver) { driver.WaitFor(kTitle).PressAndClose(IDCANCEL); });
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.notes, "");
 }
 
 TEST(ResetAccess, AsksFirstAndThenTakesBackWhatWasGranted) {
-    for (const std::vector<std::wstring>& more : {std::vector<std::wstring>(), {L"--can-elevate"}}) {
+    for (const Words& more : {Words(), {L"--can-elevate"}}) {
         const CommandRunner runner;
-        const std::wstring file = runner.Folder().Write(L"a", "x");
+        const std::wstring file = runner.Write(L"a", "x");
         GrantEveryoneAll(runner, {file});
         ASSERT_TRUE(EveryoneMayWrite(file));
-        std::vector<std::wstring> arguments = {L"command", L"30310", file};
-        arguments.insert(arguments.end(), more.begin(), more.end());
+        const Words arguments = Joined({L"command", L"30310", file}, more);
         runner.Run(arguments, {L"no"});
         EXPECT_TRUE(EveryoneMayWrite(file));
         const CommandRun run = runner.Run(arguments, {L"yes"});
         EXPECT_EQ(run.status, 0) << run.notes;
         EXPECT_FALSE(EveryoneMayWrite(file));
-        EXPECT_NE(runner.Run({L"command", L"30310"}, {L"no"}).notes.find("Reset access rights"), std::string::npos);
+        EXPECT_TRUE(Holds(runner.Run({L"command", L"30310"}, {L"no"}).notes, "Reset access rights"));
     }
 }
 
 TEST(PropertyColumns, CanBeNamedInTheTagsOfTheRenamer) {
     const CommandRunner runner;
-    const std::wstring file = runner.Folder().Write(L"a.txt", "x");
-    const std::string log = runner.Run({L"rename", file, L"--name", L"[N] [?ADSCOUNT]", L"--preview"}).log;
-    EXPECT_EQ(log, "a.txt\ta 0.txt\trename\n");
+    const std::wstring file = runner.Write(L"a.txt", "x");
+    EXPECT_EQ(runner.Run({L"rename", file, L"--name", L"[N] [?ADSCOUNT]", L"--preview"}).log,
+              "a.txt\ta 0.txt\trename\n");
     EXPECT_EQ(runner.Run({L"rename", file, L"--name", L"[?nothing]", L"--preview"}).status, 1);
 }
 
@@ -331,8 +304,7 @@ TEST(ChangeAccessDlg, TakesTheAccountThatWasFound) {
     std::wstring picked = L"";
     Ui::ChangeAccessDlg dialog(texts, L"", exists, [&](HWND) { return std::exchange(picked, L"D\\found"); });
     std::optional<Ui::AccessChoice> choice;
-    const auto script = [](DialogDriver& driver) {
-        const DrivenDialog open = driver.WaitFor(L"text");
+    const auto person = [](const DrivenDialog& open) {
         EXPECT_FALSE(open.IsEnabled(IDOK));
         open.Press(IDC_ACCESS_FIND);
         EXPECT_EQ(open.Text(IDC_ACCESS_ACCOUNT), L"") << "cancelled";
@@ -341,7 +313,7 @@ TEST(ChangeAccessDlg, TakesTheAccountThatWasFound) {
         open.Select(IDC_ACCESS_RIGHTS, 2);
         open.PressAndClose(IDOK);
     };
-    QVTest::WhileDriving(script, [&] { choice = dialog.Show(nullptr); });
+    WhileShown(L"text", person, [&] { choice = dialog.Show(nullptr); });
     ASSERT_TRUE(choice);
     EXPECT_EQ(choice->account, L"D\\found");
     EXPECT_EQ(choice->mask, 0x1301BFu);

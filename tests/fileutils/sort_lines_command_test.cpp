@@ -5,20 +5,11 @@
 
 namespace {
 
-using QVTest::CommandRun;
-using QVTest::CommandRunner;
-using Words = std::vector<std::wstring>;
-using Names = std::vector<std::wstring>;
+using namespace QVTest;
 
 /// Sorts a.txt of the runner's folder.
 CommandRun Sort(const CommandRunner& runner, const Words& parameters, const Words& answers = {}) {
-    Words words = {L"call", L"SortLines", L"FILE=" + (runner.Folder() / L"a.txt")};
-    words.insert(words.end(), parameters.begin(), parameters.end());
-    return runner.Run(words, answers);
-}
-
-bool Contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
+    return runner.Run(Joined({L"call", L"SortLines", L"FILE=" + (runner / L"a.txt")}, parameters), answers);
 }
 
 TEST(SortLinesCommand, SortsByEveryParameter) {
@@ -49,14 +40,11 @@ TEST(SortLinesCommand, SortsByEveryParameter) {
     };
     for (const auto& c : cases) {
         const CommandRunner runner;
-        runner.Folder().Write(L"a.txt", c.before);
-        Words parameters = c.parameters;
-        parameters.insert(parameters.end(), {L"OVERWRITE", L"SILENT"});
-        const CommandRun run = Sort(runner, parameters);
+        runner.Write(L"a.txt", c.before);
+        const CommandRun run = Sort(runner, Joined(c.parameters, {L"OVERWRITE", L"SILENT"}));
         EXPECT_EQ(run.status, 0) << run.log << run.notes;
-        EXPECT_EQ(runner.Folder().Read(L"a.txt"), c.after) << testing::PrintToString(c.parameters);
-        EXPECT_TRUE(Contains(run.log, "[SortLines] - Sorted lines in file : ")) << run.log;
-        EXPECT_TRUE(Contains(run.notes, "[done] ")) << run.notes;
+        EXPECT_EQ(runner.Read(L"a.txt"), c.after) << testing::PrintToString(c.parameters);
+        EXPECT_TRUE(Holds(run.log, "[SortLines] - Sorted lines in file : "));
     }
 }
 
@@ -79,43 +67,49 @@ TEST(SortLinesCommand, LeavesTheFileAloneForABadParameterAndSaysWhich) {
     };
     for (const auto& c : cases) {
         const CommandRunner runner;
-        runner.Folder().Write(L"a.txt", "b\na\n");
-        Words parameters = c.parameters;
-        parameters.insert(parameters.end(), {L"OVERWRITE", L"SILENT"});
-        const CommandRun run = Sort(runner, parameters);
+        runner.Write(L"a.txt", "b\na\n");
+        const CommandRun run = Sort(runner, Joined(c.parameters, {L"OVERWRITE", L"SILENT"}));
         EXPECT_EQ(run.status, 1) << run.log;
         EXPECT_EQ(run.log, std::string("[Custom Cmd - SortLines] - ") + c.logged + "\n");
-        EXPECT_EQ(runner.Folder().Read(L"a.txt"), "b\na\n") << c.logged;
-        EXPECT_EQ(runner.Folder().List(), Names{L"a.txt"}) << c.logged;
+        EXPECT_EQ(runner.ReadAll(), (Contents{{L"a.txt", "b\na\n"}})) << c.logged;
     }
 }
 
 TEST(SortLinesCommand, AsksBeforeATargetIsOverwritten) {
+    const std::string before = "b\na\n";
+    const std::string sorted = "a\nb\n";
     const struct {
         const char* why;
         Words parameters;
         Words answers;
-        int status;
-        const char* target;
+        Contents expected;  // where it differs from what was there
         const char* noted;
     } cases[] = {
-        {"a new target needs no answer", {L"TARGET=new.txt", L"SILENT"}, {}, 0, "old\n", "[done]"},
-        {"yes", {L"TARGET=*_s.*"}, {L"yes", L"ok"}, 0, "a\nb\n", "[done]"},
-        {"no", {L"TARGET=*_s.*"}, {L"no", L"ok"}, 1, "old\n", "[skipped]"},
-        {"cancel", {L"TARGET=*_s.*"}, {L"cancel"}, 1, "old\n", "1223"},
-        {"silent", {L"TARGET=*_s.*", L"SILENT"}, {}, 1, "old\n", "[skipped]"},
-        {"silent and allowed", {L"TARGET=*_s.*", L"SILENT", L"OVERWRITE"}, {}, 0, "a\nb\n", "[done]"},
-        {"without a target it is the file itself", {}, {L"no", L"ok"}, 1, "old\n", "[skipped]"},
-        {"a backup needs no answer", {L"KEEPBACKUP", L"SILENT"}, {}, 0, "old\n", "[done]"},
+        {"a new target needs no answer", {L"TARGET=new.txt", L"SILENT"}, {}, {{L"new.txt", sorted}}, "[done]"},
+        {"yes", {L"TARGET=*_s.*"}, {L"yes", L"ok"}, {{L"a_s.txt", sorted}}, "[done]"},
+        {"no", {L"TARGET=*_s.*"}, {L"no", L"ok"}, {}, "[skipped]"},
+        {"cancel", {L"TARGET=*_s.*"}, {L"cancel"}, {}, "1223"},
+        {"silent", {L"TARGET=*_s.*", L"SILENT"}, {}, {}, "[skipped]"},
+        {"silent and allowed", {L"TARGET=*_s.*", L"SILENT", L"OVERWRITE"}, {}, {{L"a_s.txt", sorted}}, "[done]"},
+        {"without a target it is the file itself", {}, {L"no", L"ok"}, {}, "[skipped]"},
+        {"onto itself", {L"SILENT", L"OVERWRITE"}, {}, {{L"a.txt", sorted}}, "[done]"},
+        {"a backup needs no answer",
+         {L"KEEPBACKUP", L"SILENT"},
+         {},
+         {{L"a.txt", sorted}, {L"a.txt.bak", before}},
+         "[done]"},
+        {"no backup", {L"DELETE", L"SILENT"}, {}, {{L"a.txt", sorted}}, "[done]"},
     };
     for (const auto& c : cases) {
         const CommandRunner runner;
-        runner.Folder().Write(L"a.txt", "b\na\n");
-        runner.Folder().Write(L"a_s.txt", "old\n");
+        runner.Write(L"a.txt", before);
+        runner.Write(L"a_s.txt", "old\n");
         const CommandRun run = Sort(runner, c.parameters, c.answers);
-        EXPECT_EQ(run.status, c.status) << c.why << run.notes;
-        EXPECT_EQ(runner.Folder().Read(L"a_s.txt"), c.target) << c.why;
-        EXPECT_TRUE(Contains(run.notes, c.noted)) << c.why << ": " << run.notes;
+        EXPECT_EQ(run.status, c.noted == std::string("[done]") ? 0 : 1) << c.why << run.notes;
+        Contents expected = c.expected;
+        expected.insert({{L"a.txt", before}, {L"a_s.txt", "old\n"}});
+        EXPECT_EQ(runner.ReadAll(), expected) << c.why;
+        EXPECT_TRUE(Holds(run.notes, c.noted)) << c.why;
     }
 }
 
@@ -124,16 +118,14 @@ TEST(SortLinesCommand, TellsWhyAFileFailed) {
     const std::string missing = Sort(runner, {L"SILENT"}).log;
     EXPECT_TRUE(missing.starts_with("[Custom Cmd - SortLines] - FILE : ")) << missing;
     EXPECT_TRUE(missing.ends_with("a.txt not found\n")) << missing;
-    runner.Folder().Write(L"a.txt",
-                          "\xEF\xBB\xBF"
-                          "b\na\n");
+    runner.Write(L"a.txt", "\xEF\xBB\xBF" + std::string("b\na\n"));
     const CommandRun run = Sort(runner, {L"OVERWRITE", L"SILENT"});
     EXPECT_EQ(run.status, 1);
     EXPECT_TRUE(
         run.log.starts_with("[SortLines] - Error : Text format not supported ( ErrorCode : 1630 )\n"
                             "[SortLines] - Failed to sortline in file : "))
         << run.log;
-    EXPECT_TRUE(Contains(run.notes, "[failed] ")) << run.notes;
+    EXPECT_TRUE(Holds(run.notes, "[failed] "));
 }
 
 }  // namespace

@@ -42,21 +42,11 @@ std::basic_string<CharT> RandomPattern(std::mt19937& random) {
 
 template <class CharT>
 std::basic_string<CharT> RandomLine(std::mt19937& random) {
-    static const std::basic_string<CharT> kUnits = {'a',
-                                                    'b',
-                                                    'A',
-                                                    'a',
-                                                    'b',
-                                                    '.',
-                                                    '[',
-                                                    '}',
-                                                    ',',
-                                                    '\\',
-                                                    '-',
-                                                    '\n',
-                                                    static_cast<CharT>(sizeof(CharT) == 2 ? 0x2028 : 'a')};
+    static constexpr std::string_view kAscii = "abAab.[},\\-\n";
+    std::basic_string<CharT> units(kAscii.begin(), kAscii.end());
+    units += static_cast<CharT>(sizeof(CharT) == 2 ? 0x2028 : 'a');
     std::basic_string<CharT> text;
-    for (size_t length = random() % 12; text.size() < length;) text += kUnits[random() % kUnits.size()];
+    for (size_t length = random() % 12; text.size() < length;) text += units[random() % units.size()];
     return text;
 }
 

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "linesorter/both_widths.h"
+#include "linesorter/sample_lines.h"
 
 namespace {
 
@@ -83,10 +84,8 @@ TEST(ParseDate, ReadsEveryConversionInBothWidths) {
     };
     for (const auto& c : cases)
         QVTest::InBothWidths([&]<class CharT>(CharT) {
-            const auto text = As<CharT>(c.text);
-            const auto format = As<CharT>(c.format);
             CalendarFields fields;
-            const size_t read = ParseDate<CharT>(text, format, fields);
+            const size_t read = ParseDate<CharT>(As<CharT>(c.text), As<CharT>(c.format), fields);
             EXPECT_EQ(read, c.read == kFails ? kNoDate : static_cast<size_t>(c.read)) << c.format << " on " << c.text;
             EXPECT_EQ(fields, c.expected) << c.format << " on " << c.text;
         });
@@ -114,9 +113,7 @@ TEST(DateKey, IsLocalTimeAndMinusOneForWhatIsNoDate) {
     QVTest::InBothWidths([&]<class CharT>(CharT) {
         DateKeyReader reader;
         for (const auto& c : cases) {
-            const auto text = As<CharT>(c.text);
-            const auto format = As<CharT>(c.format);
-            EXPECT_EQ(reader.Read<CharT>(text, format), c.expected) << c.format << " on " << c.text;
+            EXPECT_EQ(reader.Read<CharT>(As<CharT>(c.text), As<CharT>(c.format)), c.expected) << c.text;
         }
     });
 }
@@ -124,10 +121,8 @@ TEST(DateKey, IsLocalTimeAndMinusOneForWhatIsNoDate) {
 TEST(DateKey, IsTheRuntimesAnswerWhateverWasRememberedBefore) {
     const TimeZone zone("EST5EDT");
     DateKeyReader reader;
-    uint32_t random = 12345;
-    const auto below = [&](uint32_t limit) {
-        return static_cast<int>((random = random * 1664525 + 1013904223) >> 8) % static_cast<int>(limit);
-    };
+    QVTest::Random random(12345);
+    const auto below = [&](uint32_t limit) { return static_cast<int>(random.Below(limit)); };
     for (int i = 0; i < 2000; ++i) {
         std::tm date = {};
         date.tm_year = 68 + below(8);
@@ -145,14 +140,10 @@ TEST(DateKey, IsTheRuntimesAnswerWhateverWasRememberedBefore) {
 }
 
 TEST(FindUnsupportedConversion, SeesThroughModifiersAndNotIntoLiterals) {
-    const struct {
-        const wchar_t* format;
-        wchar_t expected;
-    } cases[] = {
-        {L"%d/%m/%Y", 0}, {L"%Z", L'Z'},   {L"%d %c", L'c'}, {L"%Ec", L'c'}, {L"%OZ", L'Z'}, {L"%EOc", L'c'},
-        {L"%%c", 0},      {L"%%%c", L'c'}, {L"Zc%", 0},      {L"%E", 0},     {L"%C%z", 0},   {L"", 0},
-    };
-    for (const auto& c : cases) EXPECT_EQ(FindUnsupportedConversion(c.format), c.expected) << c.format;
+    for (const wchar_t* format : {L"%d/%m/%Y", L"%%c", L"Zc%", L"%E", L"%C%z", L""})
+        EXPECT_EQ(FindUnsupportedConversion(format), 0) << format;
+    for (const wchar_t* format : {L"%Z", L"%d %c", L"%Ec", L"%OZ", L"%EOc", L"%%%c"})
+        EXPECT_EQ(FindUnsupportedConversion(format), std::wstring(format).back()) << format;
 }
 
 }  // namespace

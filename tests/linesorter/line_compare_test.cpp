@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "linesorter/sample_lines.h"
-
 namespace {
 
 using namespace QVLineSorter;
@@ -25,16 +23,10 @@ std::string Order(LineCompare_TextBase<CharT>& compare, std::basic_string_view<C
 }
 
 TEST(LineCompare, FollowsEachClassesOwnRules) {
-    struct Case {
-        const char* left;
-        const char* right;
-        const char* bytes;
-        const char* bytesIgnoringCase;
-        const char* units;
-        const char* language;
-        const char* natural;
-    };
-    const Case cases[] = {
+    const struct {
+        const char *left, *right;
+        const char *bytes, *bytesIgnoringCase, *units, *language, *natural;  // the orders
+    } cases[] = {
         {"", "", "=", "=", "=", "=", "="},
         {"", "a", "<", "<", "<", "<", "<"},
         {"abc", "abcd", "=", "=", "<", "<", "<"},
@@ -53,7 +45,7 @@ TEST(LineCompare, FollowsEachClassesOwnRules) {
     LineCompare_LanguageAware_StringCompareEx<wchar_t> languageW(false, true);
     LineCompare_LanguageAware_StringCompareEx<wchar_t> olderW(false, false);
     LineCompare_LanguageAware_StringCompareEx<wchar_t> naturalW(true, true);
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         const std::string_view left = c.left, right = c.right;
         const std::wstring wideLeft(left.begin(), left.end()), wideRight(right.begin(), right.end());
         const std::wstring_view leftW = wideLeft, rightW = wideRight;
@@ -73,42 +65,6 @@ TEST(LineCompare, OrdinalBytesEndAtAZeroByte) {
     LineCompare_OrdinalA compare(false);
     EXPECT_EQ(Order<char>(compare, std::string_view("a\0b", 3), std::string_view("a\0c", 3)), "=");
     EXPECT_EQ(Order<char>(compare, std::string_view("a\0b", 3), std::string_view("ab", 2)), "<");
-}
-
-/// The sign of what memcmp says of two sort keys, shorter first.
-template <class CharT, class Compare>
-std::string OrderOfSortKeys(Compare& compare, std::basic_string_view<CharT> left, std::basic_string_view<CharT> right) {
-    const auto keyOf = [&](std::basic_string_view<CharT> text) {
-        std::string key;
-        if (text.empty()) return key;
-        const auto length = static_cast<uint32_t>(text.size());
-        key.resize(compare.MakeSortKey(text.data(), length, nullptr, 0));
-        EXPECT_EQ(compare.MakeSortKey(text.data(), length, reinterpret_cast<uint8_t*>(key.data()),
-                                      static_cast<uint32_t>(key.size())),
-                  key.size());
-        return key;
-    };
-    const int order = keyOf(left).compare(keyOf(right));
-    return order < 0 ? "<" : order > 0 ? ">" : "=";
-}
-
-template <class CharT, class Compare>
-void ExpectSortKeysToAgree(Compare&& compare) {
-    const auto lines = QVTest::SampleLines<CharT>(500, 1);
-    for (size_t i = 0; i < lines.size(); ++i)
-        for (const size_t other : {i * 7 % lines.size(), i * 31 % lines.size(), (i + 1) % lines.size()}) {
-            const std::basic_string_view<CharT> left = lines[i], right = lines[other];
-            ASSERT_EQ((OrderOfSortKeys<CharT>(compare, left, right)), (Order<CharT>(compare, left, right)))
-                << testing::PrintToString(lines[i]) << " and " << testing::PrintToString(lines[other]);
-        }
-}
-
-TEST(LineCompare, SortKeysHaveTheOrderOfTheComparison) {
-    ExpectSortKeysToAgree<char>(LineCompare_LanguageAware_StringCompareA());
-    ExpectSortKeysToAgree<char>(LineCompare_LanguageAware_WFallback());
-    ExpectSortKeysToAgree<wchar_t>(LineCompare_LanguageAware_StringCompareEx<wchar_t>(false, true));
-    ExpectSortKeysToAgree<wchar_t>(LineCompare_LanguageAware_StringCompareEx<wchar_t>(true, true));
-    ExpectSortKeysToAgree<wchar_t>(LineCompare_LanguageAware_StringCompareEx<wchar_t>(false, false));
 }
 
 TEST(LineCompare, CaseTablesAgreeWithTheComparisons) {

@@ -11,6 +11,7 @@
 #include "security/streams.h"
 #include "support/temporary_folder.h"
 #include "win32/handle.h"
+#include "win32/path.h"
 
 namespace {
 
@@ -161,39 +162,37 @@ TEST(NTFSTools, RefusesWhatIsNoPathOrAccount) {
     const SecuritySystem system = SystemWithLists();
     const NTFSTools tools(system);
     const std::wstring zero(L"C:\\a\0b", 6);
-    EXPECT_EQ(tools.GrantAccess(L"", L"Everyone", 1), 87u);
-    EXPECT_EQ(tools.GrantAccess(zero, L"Everyone", 1), 87u);
+    for (const std::wstring& path : {std::wstring(), zero}) {
+        EXPECT_EQ(tools.GrantAccess(path, L"Everyone", 1), 87u);
+        EXPECT_EQ(tools.SetOwner(path, L"Everyone"), 87u);
+        EXPECT_EQ(tools.RemoveAllEntries(path), 87u);
+        EXPECT_EQ(tools.ResetInheritance(path), 87u);
+    }
     EXPECT_EQ(tools.GrantAccess(L"C:\\a", L"", 1), 87u);
     EXPECT_EQ(tools.GrantAccess(L"C:\\a", L"Everyone", 0), 87u);
     EXPECT_EQ(tools.GrantAccess(L"C:\\a", L"no such account", 1), static_cast<uint32_t>(ERROR_NONE_MAPPED));
-    EXPECT_EQ(tools.SetOwner(L"", L"Everyone"), 87u);
     EXPECT_EQ(tools.SetOwner(L"C:\\a", L""), 87u);
-    EXPECT_EQ(tools.RemoveAllEntries(L""), 87u);
-    EXPECT_EQ(tools.ResetInheritance(L""), 87u);
     EXPECT_TRUE(g_replaced.writes.empty());
-    EXPECT_EQ(ObjectTypeOf(L""), 0);
     EXPECT_EQ(ObjectTypeOf(L"C:\\a"), 1);
     EXPECT_EQ(ObjectTypeOf(L"\\\\server\\share\\a"), 4);
 }
 
 TEST(NTFSTools, ChangesRealFilesOfEveryKindOfName) {
     const TemporaryFolder folder;
-    std::wstring deep = folder / std::wstring(120, L'd');
-    for (int level = 0; level < 3; ++level, deep += L'\\' + std::wstring(120, L'd'))
-        ASSERT_TRUE(CreateDirectoryW((L"\\\\?\\" + deep).c_str(), nullptr));
-    const std::wstring longPath = deep.substr(0, deep.size() - 121);
-    const std::wstring paths[] = {folder.Write(L"\x4E2D\xD83D\xDE00.txt", "x"), folder.Path(), longPath};
+    const std::wstring deep = std::wstring(120, L'd') + L'\\' + std::wstring(120, L'd');
+    folder.MakeFolder(deep.substr(0, 120));
+    const std::wstring paths[] = {folder.Write(L"\x4E2D\xD83D\xDE00.txt", "x"), folder.Path(), folder.MakeFolder(deep)};
     const NTFSTools tools;
+    std::wstring owner;
     for (const std::wstring& path : paths) {
-        std::wstring owner;
         EXPECT_EQ(tools.SetOwner(path, CurrentUserName()), 0u);
         EXPECT_TRUE(tools.GetOwnerName(path, false, owner));
         EXPECT_EQ(owner, CurrentAccountName());
         EXPECT_EQ(tools.GrantAccess(path, L"Everyone", 0x1F01FF), 0u);
         PACL list = nullptr;
         PSECURITY_DESCRIPTOR raw = nullptr;
-        const std::wstring system = path.size() > 260 ? L"\\\\?\\" + path : path;
-        ASSERT_EQ(GetNamedSecurityInfoW(system.c_str(), SE_FILE_OBJECT, kList, nullptr, nullptr, &list, nullptr, &raw),
+        ASSERT_EQ(GetNamedSecurityInfoW(Win32::ExtendedPath(path).c_str(), SE_FILE_OBJECT, kList, nullptr, nullptr,
+                                        &list, nullptr, &raw),
                   0u);
         const Win32::LocalMemory descriptor(raw);
         const Entries entries = EntriesOf(list);
@@ -201,7 +200,6 @@ TEST(NTFSTools, ChangesRealFilesOfEveryKindOfName) {
         EXPECT_EQ(tools.RemoveAllEntries(path), 0u);
     }
     EXPECT_NE(tools.SetOwner(folder / L"none", CurrentUserName()), 0u);
-    std::wstring owner;
     EXPECT_FALSE(tools.GetOwnerName(folder / L"none", false, owner));
 }
 

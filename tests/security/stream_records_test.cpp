@@ -59,13 +59,4 @@ TEST(FiguresOfStreams, CountAllRecordsButTheFirst) {
     for (const auto& c : cases) EXPECT_EQ(FiguresOfStreams(c.block), c.figures) << c.why;
 }
 
-TEST(FiguresOfStreams, EndOnEveryBlockOfGarbage) {
-    uint32_t state = 1;
-    for (int round = 0; round < 2000; ++round) {
-        Bytes block(round % 200);
-        for (uint8_t& byte : block) byte = static_cast<uint8_t>((state = state * 1664525 + 1013904223) >> 29);
-        EXPECT_LE(FiguresOfStreams(block).count, block.size() / 24);
-    }
-}
-
 }  // namespace

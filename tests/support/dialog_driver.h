@@ -69,4 +69,10 @@ bool WaitUntil(const std::function<bool()>& isTrue);
 /// the dialogs that are still open.
 void WhileDriving(const std::function<void(DialogDriver&)>& script, const std::function<void()>& body);
 
+/// The same for a body that opens one dialog, with this title.
+inline void WhileShown(const std::wstring& title, const std::function<void(const DrivenDialog&)>& person,
+                       const std::function<void()>& body) {
+    WhileDriving([&](DialogDriver& driver) { person(driver.WaitFor(title)); }, body);
+}
+
 }  // namespace QVTest

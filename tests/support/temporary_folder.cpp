@@ -94,6 +94,20 @@ std::vector<std::wstring> TemporaryFolder::List() const {
     return names;
 }
 
+Contents TemporaryFolder::ReadAll() const {
+    Contents contents;
+    ForEachEntry(m_path, [&](const std::wstring& name, DWORD attributes) {
+        contents[name] = attributes & FILE_ATTRIBUTE_DIRECTORY ? std::string() : Read(name);
+    });
+    return contents;
+}
+
+std::wstring TemporaryFolder::MakeFolder(std::wstring_view name) const {
+    const std::wstring path = *this / name;
+    if (!CreateDirectoryW(Win32::ExtendedPath(path).c_str(), nullptr)) ADD_FAILURE() << "cannot make a folder";
+    return path;
+}
+
 std::string Utf16(std::wstring_view text) {
     return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t)};
 }

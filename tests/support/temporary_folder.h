@@ -1,11 +1,15 @@
 // temporary_folder.h - a folder of its own for each test that touches files, and short ways to fill and read it.
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace QVTest {
+
+/// Of a folder, by name.
+using Contents = std::map<std::wstring, std::string>;
 
 /// Made empty, removed with everything in it (read-only files too) at the end.
 class TemporaryFolder {
@@ -25,6 +29,10 @@ public:
     std::string Read(std::wstring_view name) const;
     /// Names of all entries, sorted.
     std::vector<std::wstring> List() const;
+    /// All files with their bytes: what is lost and what is left behind shows in one comparison. A folder has none.
+    Contents ReadAll() const;
+    /// Makes a folder in it and gives its full path.
+    std::wstring MakeFolder(std::wstring_view name) const;
 
 private:
     std::wstring m_path;

@@ -64,8 +64,3 @@ TYPED_TEST(ByteSearch, FindsWhatTheObviousLoopFinds) {
         ASSERT_EQ(FindLineBreak(begin, end) - begin, std::ptrdiff_t(std::min(text.find_first_of(breaks), text.size())));
     }
 }
-
-TYPED_TEST(ByteSearch, AnEmptyItemStandsAtTheBeginning) {
-    const TypeParam text[] = {TypeParam('a'), 0};
-    EXPECT_EQ(FindSequence(text, text + 1, text, 0, false), text);
-}

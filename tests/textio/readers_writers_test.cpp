@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "support/string_writer.h"
 #include "support/temporary_folder.h"
 #include "textio/data_reader.h"
 #include "textio/data_writer.h"
@@ -10,9 +11,11 @@ using QVTest::TemporaryFolder;
 
 namespace {
 
+using Failure = std::pair<std::string, uint32_t>;
+
 /// The text and code of what `body` throws; "" and 0 when it throws nothing.
 template <class Body>
-std::pair<std::string, uint32_t> FailureOf(Body&& body) {
+Failure FailureOf(Body&& body) {
     try {
         body();
         return {};
@@ -29,17 +32,14 @@ std::string ReadAll(DataReader& reader, uint32_t size) {
 }
 
 /// Takes at most `most` bytes a call, and none after `limit` bytes.
-class ReluctantWriter final : public DataWriter {
+class ReluctantWriter final : public QVTest::StringWriter {
 public:
     ReluctantWriter(uint32_t most, size_t limit) : m_most(most), m_limit(limit) {}
     uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* bytesWritten) override {
         ++calls;
         const auto taken = static_cast<uint32_t>(std::min<size_t>({size, m_most, m_limit - text.size()}));
-        text.append(static_cast<const char*>(buffer), taken);
-        *bytesWritten = taken;
-        return 1;
+        return StringWriter::WriteData(buffer, taken, bytesWritten);
     }
-    std::string text;
     int calls = 0;
 
 private:
@@ -51,22 +51,9 @@ private:
 
 TEST(FileDataReader, SaysWhyItCannotRead) {
     const TemporaryFolder folder;
-    using Failure = std::pair<std::string, uint32_t>;
     EXPECT_EQ(FailureOf([&] { FileDataReader(folder / L"missing"); }), Failure("Unable to open file", 2));
     EXPECT_EQ(FailureOf([&] { FileDataReader(folder.Path()); }), Failure("Unable to open file", 5));
     EXPECT_EQ(FailureOf([&] { TextFile(folder / L"missing"); }), Failure("File not found", 2));
-}
-
-TEST(FileDataReader, ReadsToTheEndAndClosesTwice) {
-    const TemporaryFolder folder;
-    FileDataReader empty(folder.Write(L"empty", ""));
-    EXPECT_EQ(empty.GetFileSize(), 0u);
-    EXPECT_EQ(ReadAll(empty, 10), "");
-    FileDataReader file(folder.Write(L"file", "twelve bytes"));
-    EXPECT_EQ(file.GetFileSize(), 12u);
-    EXPECT_EQ(ReadAll(file, 5), "twelve bytes");
-    file.Close();
-    file.Close();
 }
 
 TEST(SampledDataReader, GivesTheSampleAgain) {
@@ -83,24 +70,13 @@ TEST(FileDataWriter, OverwritesOnlyWhenAsked) {
     const TemporaryFolder folder;
     const std::wstring path = folder.Write(L"file", "old content");
     FileDataWriter writer;
-    const auto failure = FailureOf([&] { writer.Open(path, false); });
-    EXPECT_EQ(failure.first, "Unable to open file for writing");
-    EXPECT_EQ(failure.second, 80u);
+    EXPECT_EQ(FailureOf([&] { writer.Open(path, false); }), Failure("Unable to open file for writing", 80));
     EXPECT_EQ(folder.Read(L"file"), "old content");
     writer.Open(path, true);
     EXPECT_EQ(writer.Write("new", 3), 3u);
     EXPECT_EQ(writer.Write("nothing", 0x100000000), 0u);  // the low 32 bits count
     writer.Close();
     EXPECT_EQ(folder.Read(L"file"), "new");
-}
-
-TEST(DataWriter, WritesItsLineBreakOrNothing) {
-    ReluctantWriter writer(100, 100);
-    EXPECT_EQ(writer.WriteNewLine(), 0u);
-    EXPECT_EQ(writer.calls, 0);
-    writer.SetLineBreak("\r\n");
-    EXPECT_EQ(writer.WriteNewLine(), 2u);
-    EXPECT_EQ(writer.text, "\r\n");
 }
 
 TEST(MemoryDataWriter, DropsWhatDoesNotFit) {
@@ -118,9 +94,8 @@ TEST(WriteAll, GoesOnAfterShortWritesAndFailsWhenNothingIsTaken) {
     WriteAll(slow, "0123456789", 10);
     EXPECT_EQ(slow.text, "0123456789");
     ReluctantWriter full(3, 7);
-    const auto failure = FailureOf([&] { WriteAll(full, "0123456789", 10); });
-    EXPECT_EQ(failure.first, "Failed to write data to file");
-    EXPECT_EQ(failure.second, ErrorCode::DiskFull);
+    EXPECT_EQ(FailureOf([&] { WriteAll(full, "0123456789", 10); }),
+              Failure("Failed to write data to file", ErrorCode::DiskFull));
 }
 
 TEST(BufferedDataWriter, JoinsSmallWritesAndPassesLargeOnesOn) {

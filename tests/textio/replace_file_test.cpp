@@ -6,11 +6,10 @@
 #include "win32/handle.h"
 
 using namespace QVUtils;
+using QVTest::Contents;
 using QVTest::TemporaryFolder;
 
 namespace {
-
-using Names = std::vector<std::wstring>;
 
 void WriteNew(DataWriter& writer) {
     writer.Write("new", 3);
@@ -37,7 +36,7 @@ TEST(ReplaceFileContent, KeepsTheOriginalUntilTheReplacementIsComplete) {
         ReplaceRequest request;  // the target without its folder
         bool fails;
         uint32_t error;
-        std::vector<std::pair<std::wstring, std::string>> expected;
+        Contents expected;
     } cases[] = {
         {"keep", {L"a", false, true, false}, false, 0, {{L"a", "new"}, {L"a.bak", "old"}}},
         {"drop", {L"a", false, false, true}, false, 0, {{L"a", "new"}}},
@@ -53,28 +52,20 @@ TEST(ReplaceFileContent, KeepsTheOriginalUntilTheReplacementIsComplete) {
         {"onto a folder", {L".", true, false, false}, false, 5, {{L"a", "old"}}},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.why);
         const TemporaryFolder folder;
         folder.Write(L"a", "old");
         ReplaceRequest request = c.request;
         request.target = folder / request.target;
-        EXPECT_EQ(ErrorOf(request, c.fails ? WriteHalfAndFail : WriteNew), c.error);
-        Names names;
-        for (const auto& [name, content] : c.expected) {
-            names.push_back(name);
-            EXPECT_EQ(folder.Read(name), content);
-        }
-        EXPECT_EQ(folder.List(), names);
+        EXPECT_EQ(ErrorOf(request, c.fails ? WriteHalfAndFail : WriteNew), c.error) << c.why;
+        EXPECT_EQ(folder.ReadAll(), c.expected) << c.why;
     }
 }
 
 TEST(ReplaceFileContent, ASecondBackupGetsANumber) {
     const TemporaryFolder folder;
     const std::wstring path = folder.Write(L"a", "old");
-    EXPECT_EQ(ErrorOf({path, false, true, false}, WriteNew), 0u);
-    EXPECT_EQ(ErrorOf({path, false, true, false}, WriteNew), 0u);
-    EXPECT_EQ(folder.List(), (Names{L"a", L"a.bak", L"a_(0002).bak"}));
-    EXPECT_EQ(folder.Read(L"a.bak"), "old");
+    for (int time = 0; time < 2; ++time) EXPECT_EQ(ErrorOf({path, false, true, false}, WriteNew), 0u);
+    EXPECT_EQ(folder.ReadAll(), (Contents{{L"a", "new"}, {L"a.bak", "old"}, {L"a_(0002).bak", "new"}}));
 }
 
 TEST(ReplaceFileContent, ReadOnlyFilesAreReplacedAndStayReadOnly) {
@@ -82,8 +73,7 @@ TEST(ReplaceFileContent, ReadOnlyFilesAreReplacedAndStayReadOnly) {
     const std::wstring path = folder.Write(L"a", "old");
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
     EXPECT_EQ(ErrorOf({path, false, false, true}, WriteNew), 0u);
-    EXPECT_EQ(folder.Read(L"a"), "new");
-    EXPECT_EQ(folder.List(), Names{L"a"});
+    EXPECT_EQ(folder.ReadAll(), (Contents{{L"a", "new"}}));
     EXPECT_TRUE(GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_READONLY);
 }
 
@@ -94,8 +84,7 @@ TEST(ReplaceFileContent, AFileHeldByAnotherProgramStaysAsItIs) {
         const Win32::FileHandle holder(CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
         EXPECT_EQ(ErrorOf({path, false, true, false}, WriteNew), ERROR_SHARING_VIOLATION);
     }
-    EXPECT_EQ(folder.Read(L"a"), "old");
-    EXPECT_EQ(folder.List(), Names{L"a"});
+    EXPECT_EQ(folder.ReadAll(), (Contents{{L"a", "old"}}));
 }
 
 TEST(ReplaceFileContent, AHardLinkToTheSourceIsNotWrittenThrough) {
@@ -104,6 +93,5 @@ TEST(ReplaceFileContent, AHardLinkToTheSourceIsNotWrittenThrough) {
     const std::wstring link = folder / L"link";
     ASSERT_TRUE(CreateHardLinkW(link.c_str(), source.c_str(), nullptr));
     EXPECT_EQ(ErrorOf({link, true, false, false}, WriteNew), 0u);
-    EXPECT_EQ(folder.Read(L"a"), "old");
-    EXPECT_EQ(folder.Read(L"link"), "new");
+    EXPECT_EQ(folder.ReadAll(), (Contents{{L"a", "old"}, {L"link", "new"}}));
 }

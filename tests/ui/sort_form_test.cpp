@@ -96,13 +96,6 @@ TEST(SortForm, SaysWhatCannotBeUsed) {
     }
 }
 
-TEST(SortForm, WarnsOfEntireLinesWithoutAText) {
-    const uint32_t asNumber = Option::EntireLine | Option::AsNumber | Option::KeepBackup;
-    EXPECT_NE(Ui::RequestOf(FormWith(asNumber), {}).hint, L"");
-    EXPECT_EQ(Ui::RequestOf(FormWith(asNumber), {}).fault, L"");
-    EXPECT_EQ(Ui::RequestOf(FormWith(kPlain), {}).hint, L"");
-}
-
 TEST(SortForm, TheLengthThatIsShownEndsTheNumbersOfItems) {
     SortRequest before;
     before.options = Option::Item | Option::AsNumber | Option::KeepBackup;
@@ -117,6 +110,9 @@ TEST(SortForm, TheLengthThatIsShownEndsTheNumbersOfItems) {
     EXPECT_NE(Ui::RequestOf(form, before).hint, L"");
     form.substringLength = L"0";
     EXPECT_EQ(Ui::RequestOf(form, before).hint, L"");
+    form.options = Option::EntireLine | Option::AsNumber | Option::KeepBackup;
+    EXPECT_EQ(Ui::RequestOf(form, before).fault, L"");
+    EXPECT_NE(Ui::RequestOf(form, before).hint, L"") << "entire lines are texts";
 }
 
 TEST(SortForm, KeepsWhatTheChoicesDoNotUse) {
