@@ -42,6 +42,7 @@ private:
 
     void TurnPage() {
         m_pages.push_back(ToUtf8(m_page));
+        m_pages.back().shrink_to_fit();  // it was made for the longest characters
         m_page.clear();
     }
 
