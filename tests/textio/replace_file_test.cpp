@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "support/temporary_folder.h"
+#include "win32/files.h"
 #include "win32/handle.h"
+
+#include <sddl.h>
 
 using namespace QVUtils;
 using QVTest::Contents;
@@ -75,6 +78,22 @@ TEST(ReplaceFileContent, ReadOnlyFilesAreReplacedAndStayReadOnly) {
     EXPECT_EQ(ErrorOf({path, false, false, true}, WriteNew), 0u);
     EXPECT_EQ(folder.ReadAll(), (Contents{{L"a", "new"}}));
     EXPECT_TRUE(GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_READONLY);
+}
+
+TEST(ReplaceFileContent, WhoMayWriteTheOldFileMayWriteTheNewOne) {
+    const TemporaryFolder folder;
+    const std::wstring path = folder.Write(L"a", "old");
+    const auto usual = Win32::AttributesAndAccessOf(path).accessList;
+    PSECURITY_DESCRIPTOR raw = nullptr;
+    ASSERT_TRUE(
+        ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:(A;;FA;;;WD)", SDDL_REVISION_1, &raw, nullptr));
+    const Win32::LocalMemory everybody(raw);
+    ASSERT_TRUE(SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, raw));
+    const auto wide = Win32::AttributesAndAccessOf(path).accessList;
+    ASSERT_NE(wide, usual);
+    EXPECT_EQ(ErrorOf({path, true, false, false}, WriteNew), 0u);
+    EXPECT_EQ(folder.ReadAll(), (Contents{{L"a", "new"}}));
+    EXPECT_EQ(Win32::AttributesAndAccessOf(path).accessList, wide);
 }
 
 TEST(ReplaceFileContent, AFileHeldByAnotherProgramStaysAsItIs) {
