@@ -232,7 +232,7 @@ void AddFiles(std::vector<Case>& cases, const Data& data) {
                      "--find draft --replace final > $W/out.ours",
                      std::string("perl -e '") + kPreviewInPerl + "' $D/names.list > $W/out.peer",
                      kEqual,
-                     kIdleProcess + 400 * data.PreviewNames()});
+                     kIdleProcess + 300 * data.PreviewNames()});
     cases.push_back({"columns",
                      {"bare loop", "sh", 1.3, "1.1"},
                      data.SmallFiles(),
