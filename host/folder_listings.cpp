@@ -11,6 +11,7 @@
 #include "win32/path.h"
 
 namespace QVHost {
+
 FolderListings::~FolderListings() {
     {
         const Win32::ExclusiveLock lock(m_lock);

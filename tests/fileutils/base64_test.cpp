@@ -167,10 +167,10 @@ TEST(Base64Command, WritesTheseBytesAndReadsThemBack) {
          {0, 1, 56, 57, 58, 75, 76, 3071, 3072, 3073, 3102, 3128, 3129, 4096, 6144, 3072 * 64 + 40}) {
         const std::string bytes = Bytes(size);
         const std::wstring path = runner.Write(L"a.bin", bytes);
-        EXPECT_EQ(runner.Run({L"command", L"30210", path}, {L"yes"}).log, "");
+        EXPECT_EQ(runner.Run({L"command", L"30210", path}, {L"yes"}).out, "");
         ASSERT_EQ(runner.Read(L"a.bin.b64"), kHeader + ModelOfText(bytes)) << size;
         runner.Write(L"a.bin", "overwritten");
-        EXPECT_EQ(runner.Run({L"command", L"30211", path + L".b64"}, {L"yes"}).log, "");
+        EXPECT_EQ(runner.Run({L"command", L"30211", path + L".b64"}, {L"yes"}).out, "");
         ASSERT_EQ(runner.Read(L"a.bin"), bytes) << size;
     }
 }
@@ -179,12 +179,12 @@ TEST(Base64Command, AsksBeforeATargetIsReplaced) {
     const CommandRunner runner;
     const std::wstring path = runner.Write(L"a", "new");
     runner.Write(L"a.b64", "old");
-    std::string notes = runner.Run({L"command", L"30210", path}, {L"no"}).notes;
+    std::string notes = runner.Run({L"command", L"30210", path}, {L"no"}).error;
     EXPECT_TRUE(Holds(notes, "[question] Encode as Base64 (MIME): The file already exists:"));
     EXPECT_EQ(runner.Read(L"a.b64"), "old");
     runner.Run({L"command", L"30210", path}, {L"yes"});
     EXPECT_TRUE(runner.Read(L"a.b64").ends_with("\r\nbmV3"));
-    notes = runner.Run({L"command", L"30211", path + L".b64"}, {L"no"}).notes;
+    notes = runner.Run({L"command", L"30211", path + L".b64"}, {L"no"}).error;
     EXPECT_TRUE(Holds(notes, "[question] Decode Base64 (MIME): "));
 }
 
@@ -192,8 +192,8 @@ TEST(Base64Command, DecodesIntoAPlainNameOfItsOwnFolder) {
     for (const char* name : {"y.bin", "..\\y.bin", "C:/y.bin", "y:z", "nul.txt"}) {
         const CommandRunner runner;
         const std::string text = MimeHeader(name) + "YWJj";
-        const CommandRun run = runner.Run({L"command", L"30211", runner.Write(L"x.txt.b64", text)}, {L"no"});
-        EXPECT_EQ(run.log + run.notes, "") << name;
+        const HostRun run = runner.Run({L"command", L"30211", runner.Write(L"x.txt.b64", text)}, {L"no"});
+        EXPECT_EQ(run.out + run.error, "") << name;
         const wchar_t* const target = name == std::string("y.bin") ? L"y.bin" : L"x.txt";
         EXPECT_EQ(runner.ReadAll(), (Contents{{L"x.txt.b64", text}, {target, "abc"}})) << name;
     }
@@ -206,8 +206,8 @@ TEST(Base64Command, RefusesTheSourceAsItsOwnTarget) {
     ASSERT_TRUE(CreateHardLinkW((runner / L"link").c_str(), linked.c_str(), nullptr));
     const std::wstring plain = runner.Write(L"plain", "YWJj");
     const Contents before = runner.ReadAll();
-    const CommandRun run = runner.Run({L"command", L"30211", same, linked, plain}, {L"yes"});
-    EXPECT_EQ(std::count(run.log.begin(), run.log.end(), '\n'), 3) << run.log;
+    const HostRun run = runner.Run({L"command", L"30211", same, linked, plain}, {L"yes"});
+    EXPECT_EQ(std::count(run.out.begin(), run.out.end(), '\n'), 3) << run.out;
     EXPECT_EQ(runner.ReadAll(), before);
 }
 
@@ -216,17 +216,17 @@ TEST(Base64Command, OpensTheSourceBeforeTheTargetAndGoesOn) {
     const std::wstring folder = runner.MakeFolder(L"sub");
     runner.Write(L"sub.b64", "old");
     const std::wstring cut = runner.Write(L"cut.b64", "YWJjY");
-    CommandRun run = runner.Run({L"command", L"30210", folder}, {L"yes"});
-    EXPECT_TRUE(Holds(run.log, "[Base64] - Failed to encode file : "));
+    HostRun run = runner.Run({L"command", L"30210", folder}, {L"yes"});
+    EXPECT_TRUE(Holds(run.out, "[Base64] - Failed to encode file : "));
     EXPECT_EQ(runner.Read(L"sub.b64"), "old");
     run = runner.Run({L"command", L"30211", cut}, {L"yes"});
-    EXPECT_TRUE(Holds(run.log, "( The Base64 text is cut off, ErrorCode : 13 )"));
+    EXPECT_TRUE(Holds(run.out, "( The Base64 text is cut off, ErrorCode : 13 )"));
     EXPECT_EQ(runner.Read(L"cut"), "abc");
     const std::wstring busy = runner.Write(L"busy", "half of i");
     const Win32::FileHandle writer(CreateFileW(busy.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                                OPEN_EXISTING, 0, nullptr));
     run = runner.Run({L"command", L"30210", busy});
-    EXPECT_TRUE(Holds(run.log, "( Unable to open file, ErrorCode : 32 )"));
+    EXPECT_TRUE(Holds(run.out, "( Unable to open file, ErrorCode : 32 )"));
     EXPECT_FALSE(Win32::Exists(runner / L"busy.b64")) << "a copy of a file that is being written";
 }
 

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "support/dialog_driver.h"
+#include "support/host_run.h"
 #include "support/temporary_folder.h"
 
 namespace QVTest {
@@ -15,19 +16,14 @@ namespace QVTest {
 using Words = std::vector<std::wstring>;
 using Names = std::vector<std::wstring>;
 
-struct CommandRun {
-    int status = -1;    // 0: handled, and nothing failed
-    std::string log;    // one line each
-    std::string notes;  // questions with their answers, results, the lists handed back
-};
-
 /// The folder that the commands work on, and the host that runs them.
 class CommandRunner : public TemporaryFolder {
 public:
-    /// `arguments` as on the host's command line, the subcommand first; `answers` to its questions in order.
-    CommandRun Run(const Words& arguments, const Words& answers = {}) const;
+    /// `arguments` as on the host's command line, the subcommand first; `answers` to its questions in order. Log lines
+    /// are on the standard output; questions with their answers, results and the lists handed back beside it.
+    HostRun Run(const Words& arguments, const Words& answers = {}) const;
     /// The same with a person in front of the dialogs; questions beside them are answered with "ok".
-    CommandRun RunDriven(const Words& arguments, const std::function<void(DialogDriver&)>& person) const;
+    HostRun RunDriven(const Words& arguments, const std::function<void(DialogDriver&)>& person) const;
 
 private:
     TemporaryFolder m_settings;

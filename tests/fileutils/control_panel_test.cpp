@@ -31,7 +31,7 @@ TEST(ControlPanelMenu, FollowsTheHostsFlags) {
         {{L"--can-elevate", L"--column-d", L"--column-e"}, 58},
     };
     for (const auto& c : cases) {
-        const std::string listing = runner.Run(QVTest::Joined({L"menus"}, c.options)).log;
+        const std::string listing = runner.Run(QVTest::Joined({L"menus"}, c.options)).out;
         EXPECT_EQ(Count(listing, R"(\n +61\d\d )"), c.items) << listing;
         EXPECT_EQ(Count(listing, "Control panel"), c.items > 0 ? 1 : 0);
         EXPECT_EQ(Count(listing, "SideShow"), c.items == 62 ? 1 : 0);

@@ -56,7 +56,7 @@ TEST(CreateLinksCommand, MakesOneLinkForEachTarget) {
     const CommandRunner runner;
     const std::wstring first = runner.Write(L"a.txt", "1");
     const std::wstring second = runner.Write(L"b", "2");
-    const CommandRun run = runner.RunDriven({L"command", L"30350", first, second}, [](DialogDriver& driver) {
+    const HostRun run = runner.RunDriven({L"command", L"30350", first, second}, [](DialogDriver& driver) {
         const DrivenDialog dialog = driver.WaitFor(kTitle);
         EXPECT_FALSE(dialog.IsEnabled(IDC_LINK_AS_ADMIN));
         EXPECT_EQ(dialog.Selected(IDC_LINK_KIND), 0);
@@ -68,7 +68,7 @@ TEST(CreateLinksCommand, MakesOneLinkForEachTarget) {
         dialog.Enter(IDC_LINK_NAME, L"c.txt");
         dialog.PressAndClose(IDOK);
     });
-    EXPECT_EQ(run.status, 0) << run.notes;
+    EXPECT_EQ(run.status, 0) << run.error;
     EXPECT_TRUE(Win32::IsSameFile(first, runner / L"c.txt"));
     EXPECT_TRUE(Win32::IsSameFile(second, runner / L"b - link"));
 }
@@ -77,12 +77,12 @@ TEST(CreateLinksCommand, OffersAdministratorRightsAndUsesThem) {
     const CommandRunner runner;
     const std::wstring target = runner.Write(L"a", "1");
     const Words words = {L"command", L"30350", target, L"--can-elevate"};
-    const CommandRun run = runner.RunDriven(words, [](DialogDriver& driver) {
+    const HostRun run = runner.RunDriven(words, [](DialogDriver& driver) {
         const DrivenDialog dialog = driver.WaitFor(kTitle);
         dialog.Check(IDC_LINK_AS_ADMIN, true);
         dialog.PressAndClose(IDOK);
     });
-    EXPECT_TRUE(run.log.starts_with("Link Created (Hardlink) ")) << run.log << run.notes;
+    EXPECT_TRUE(run.out.starts_with("Link Created (Hardlink) ")) << run.out << run.error;
     EXPECT_TRUE(Win32::IsSameFile(target, runner / L"a - link"));
 }
 
@@ -90,10 +90,10 @@ TEST(CreateLinksCommand, SaysHowManyLinksFailed) {
     const CommandRunner runner;
     // Here no junction can be made.
     const Words words = {L"command", L"30350", runner.MakeFolder(L"sub")};
-    const CommandRun run =
+    const HostRun run =
         runner.RunDriven(words, [](DialogDriver& driver) { driver.WaitFor(kTitle).PressAndClose(IDOK); });
-    EXPECT_TRUE(run.log.starts_with("Failed to create link (Junction) (Error : 13) ")) << run.log;
-    EXPECT_TRUE(Holds(run.notes, "1 of 1 links could not be created."));
+    EXPECT_TRUE(run.out.starts_with("Failed to create link (Junction) (Error : 13) ")) << run.out;
+    EXPECT_TRUE(Holds(run.error, "1 of 1 links could not be created."));
     EXPECT_EQ(runner.List(), Names{L"sub"});
 }
 

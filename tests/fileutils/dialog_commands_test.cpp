@@ -24,19 +24,19 @@ TEST(FindAndReplaceCommand, AsksAboutEachMatchAndRemembersTheRequest) {
     CommandRunner host;
     const Words arguments = {L"command", L"30151", host.Write(L"a.txt", "one two one two one\r\n"),
                              host.Write(L"b.txt", "one\n"), host.Write(L"c.txt", "nothing\n")};
-    const CommandRun run = host.RunDriven(arguments, [](DialogDriver& driver) {
+    const HostRun run = host.RunDriven(arguments, [](DialogDriver& driver) {
         Start(driver, L"one", L"three");
         driver.WaitFor(kConfirmTitle).PressAndClose(IDOK);
         driver.WaitFor(kConfirmTitle).PressAndClose(IDC_ANSWER_FIND_NEXT);
         driver.WaitFor(kConfirmTitle).PressAndClose(IDC_ANSWER_REPLACE_ALL);  // for b.txt as well
     });
-    EXPECT_EQ(run.status, 0) << run.notes;
+    EXPECT_EQ(run.status, 0) << run.error;
     EXPECT_EQ(host.ReadAll(), (Contents{{L"a.txt", "three two one two three\r\n"},
                                         {L"a.txt.bak", "one two one two one\r\n"},
                                         {L"b.txt", "three\n"},
                                         {L"b.txt.bak", "one\n"},
                                         {L"c.txt", "nothing\n"}}));
-    EXPECT_TRUE(Holds(run.log, "[Find and Replace] - 2 changes made to file : "));
+    EXPECT_TRUE(Holds(run.out, "[Find and Replace] - 2 changes made to file : "));
 
     host.RunDriven(arguments, [](DialogDriver& driver) {
         const DrivenDialog dialog = driver.WaitFor(kFindTitle);
@@ -83,7 +83,7 @@ TEST(SortLinesCommand, SortsWhatTheDialogAsksForAndRemembersIt) {
     CommandRunner host;
     const std::string before = "head;0\r\nb;1\r\na;10\r\nc;2\r\n";
     const Words arguments = {L"command", L"30150", host.Write(L"a.csv", before)};
-    const CommandRun run = host.RunDriven(arguments, [](DialogDriver& driver) {
+    const HostRun run = host.RunDriven(arguments, [](DialogDriver& driver) {
         const DrivenDialog dialog = driver.WaitFor(kSortTitle);
         dialog.Enter(IDC_KEEP_TOP, L"1");
         dialog.Press(IDC_KEY_ITEM);
@@ -93,7 +93,7 @@ TEST(SortLinesCommand, SortsWhatTheDialogAsksForAndRemembersIt) {
         dialog.Check(IDC_REVERSE, true);
         dialog.PressAndClose(IDOK);
     });
-    EXPECT_EQ(run.status, 0) << run.notes;
+    EXPECT_EQ(run.status, 0) << run.error;
     EXPECT_EQ(host.ReadAll(), (Contents{{L"a.csv", "head;0\r\na;10\r\nc;2\r\nb;1\r\n"}, {L"a.csv.bak", before}}));
     host.RunDriven(arguments, [](DialogDriver& driver) {
         const DrivenDialog dialog = driver.WaitFor(kSortTitle);

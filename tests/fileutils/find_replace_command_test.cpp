@@ -8,8 +8,7 @@ using namespace QVTest;
 namespace {
 
 /// Runs the command on `name` with more parameters.
-CommandRun Replace(const CommandRunner& folder, const wchar_t* name, const Words& parameters,
-                   const Words& answers = {}) {
+HostRun Replace(const CommandRunner& folder, const wchar_t* name, const Words& parameters, const Words& answers = {}) {
     return folder.Run(Joined({L"call", L"FindAndReplace", L"FILE=" + (folder / name)}, parameters), answers);
 }
 
@@ -64,22 +63,22 @@ TEST(FindAndReplace, WritesWhereItIsToldAndKeepsWhatItIsTold) {
 TEST(FindAndReplace, LogsEachFileAndHandsTheListsBack) {
     const CommandRunner folder;
     folder.Write(L"f.txt", "a a\n");
-    const CommandRun done = Replace(folder, L"f.txt", {L"FIND=a", L"REPLACEWITH=b", L"DELETE", L"SILENT"});
+    const HostRun done = Replace(folder, L"f.txt", {L"FIND=a", L"REPLACEWITH=b", L"DELETE", L"SILENT"});
     EXPECT_EQ(done.status, 0);
-    EXPECT_TRUE(done.log.starts_with("[Find and Replace] - 2 changes made to file : ")) << done.log;
-    EXPECT_TRUE(done.notes.starts_with("[done] ")) << done.notes;
-    EXPECT_EQ(done.notes.find("[question]"), std::string::npos);
+    EXPECT_TRUE(done.out.starts_with("[Find and Replace] - 2 changes made to file : ")) << done.out;
+    EXPECT_TRUE(done.error.starts_with("[done] ")) << done.error;
+    EXPECT_EQ(done.error.find("[question]"), std::string::npos);
 
     folder.Write(L"taken.txt", "x");
-    const CommandRun failed = Replace(folder, L"f.txt", {L"FIND=b", L"REPLACEWITH=c", L"TARGET=taken.txt", L"SILENT"});
+    const HostRun failed = Replace(folder, L"f.txt", {L"FIND=b", L"REPLACEWITH=c", L"TARGET=taken.txt", L"SILENT"});
     EXPECT_EQ(failed.status, 1);
-    EXPECT_TRUE(failed.log.starts_with("[Find and Replace] - File already exists. Do not overwrite : ")) << failed.log;
-    EXPECT_TRUE(Holds(failed.notes, "[failed] "));
+    EXPECT_TRUE(failed.out.starts_with("[Find and Replace] - File already exists. Do not overwrite : ")) << failed.out;
+    EXPECT_TRUE(Holds(failed.error, "[failed] "));
 
     folder.Write(L"binary.bin", std::string("\x01\x02\x03\x04\x05", 5));
-    const CommandRun binary = Replace(folder, L"binary.bin", {L"FIND=b", L"REPLACEWITH=c", L"DELETE", L"SILENT"});
+    const HostRun binary = Replace(folder, L"binary.bin", {L"FIND=b", L"REPLACEWITH=c", L"DELETE", L"SILENT"});
     EXPECT_EQ(binary.status, 0) << "done, with no changes";
-    EXPECT_TRUE(Holds(binary.log,
+    EXPECT_TRUE(Holds(binary.out,
                       "Unsupported file format ( ErrorCode : 11 )\n"
                       "[Find and Replace] - 0 changes made to file : "));
 }
@@ -90,10 +89,10 @@ TEST(FindAndReplace, WithoutItsRequiredParametersItDoesNothing) {
     for (const Words& words : {Words{L"REPLACEWITH=b"}, {L"FIND=", L"REPLACEWITH=b"}, {L"FIND=a", L"REPLACEWITH="}})
         EXPECT_EQ(Replace(folder, L"f.txt", Joined(words, {L"DELETE"})).status, 1);
     EXPECT_EQ(folder.Run({L"call", L"FindAndReplace", L"FIND=a", L"REPLACEWITH=b"}).status, 1);
-    const CommandRun missing = Replace(folder, L"none.txt", {L"FIND=a", L"REPLACEWITH=b"});
+    const HostRun missing = Replace(folder, L"none.txt", {L"FIND=a", L"REPLACEWITH=b"});
     EXPECT_EQ(missing.status, 1);
-    EXPECT_TRUE(missing.log.starts_with("[Custom Cmd - FindAndReplace] - FILE : ")) << missing.log;
-    EXPECT_TRUE(Holds(missing.log, "none.txt not found\n"));
+    EXPECT_TRUE(missing.out.starts_with("[Custom Cmd - FindAndReplace] - FILE : ")) << missing.out;
+    EXPECT_TRUE(Holds(missing.out, "none.txt not found\n"));
     EXPECT_EQ(folder.Read(L"f.txt"), "a");
 }
 
@@ -111,16 +110,16 @@ TEST(FindAndReplace, AsksAboutMatchesAndTakesTheAnswer) {
     };
     for (const auto& c : cases) {
         folder.Write(L"f.txt", "a a\na\n");
-        const CommandRun run = Replace(folder, L"f.txt", {L"FIND=a", L"REPLACEWITH=b", L"DELETE"}, c.answers);
+        const HostRun run = Replace(folder, L"f.txt", {L"FIND=a", L"REPLACEWITH=b", L"DELETE"}, c.answers);
         EXPECT_EQ(run.status, c.status);
         EXPECT_EQ(folder.Read(L"f.txt"), c.expected);
-        EXPECT_TRUE(run.log.starts_with(c.log)) << run.log;
+        EXPECT_TRUE(run.out.starts_with(c.log)) << run.out;
     }
-    const CommandRun cancelled = Replace(folder, L"f.txt", {L"FIND=a", L"REPLACEWITH=b", L"DELETE"}, {L"cancel"});
-    EXPECT_TRUE(Holds(cancelled.log, "\n[Find and Replace] - Operation cancelled\n"));
-    const CommandRun multiline =
+    const HostRun cancelled = Replace(folder, L"f.txt", {L"FIND=a", L"REPLACEWITH=b", L"DELETE"}, {L"cancel"});
+    EXPECT_TRUE(Holds(cancelled.out, "\n[Find and Replace] - Operation cancelled\n"));
+    const HostRun multiline =
         Replace(folder, L"f.txt", {L"FIND=a", L"REPLACEWITH=b", L"MODE=Multiline", L"DELETE"}, {L"cancel"});
-    EXPECT_TRUE(multiline.log.starts_with("[Find and Replace] - 1 changes made to file")) << multiline.log;
+    EXPECT_TRUE(multiline.out.starts_with("[Find and Replace] - 1 changes made to file")) << multiline.out;
     EXPECT_EQ(folder.Read(L"f.txt"), "a a\na\n");
 }
 
@@ -134,7 +133,7 @@ TEST(FindAndReplace, AsksBeforeATargetIsOverwritten) {
     for (const auto& c : cases) {
         folder.Write(L"f.txt", "a");
         folder.Write(L"old.txt", "old");
-        const CommandRun run =
+        const HostRun run =
             Replace(folder, L"f.txt", {L"FIND=a", L"REPLACEWITH=b", L"TARGET=old.txt", L"REPLACEALL"}, {c.answer});
         EXPECT_EQ(run.status, c.status);
         EXPECT_EQ(folder.ReadAll(), (Contents{{L"f.txt", "a"}, {L"old.txt", c.expected}}));

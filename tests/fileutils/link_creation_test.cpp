@@ -157,8 +157,8 @@ TEST_F(MakeLinkTest, LeavesNoFolderOfAFailedJunctionBehind) {
 }
 
 /// Runs "CreateLink" for a target and the link "link" of the runner's folder.
-CommandRun Call(const CommandRunner& runner, const std::wstring& type, const std::wstring& target,
-                const Names& more = {}) {
+HostRun Call(const CommandRunner& runner, const std::wstring& type, const std::wstring& target,
+             const Names& more = {}) {
     const std::wstring link = L"LNKSRC=" + (runner / L"link");
     return runner.Run(Joined({L"call", L"CreateLink", L"LNKTYPE=" + type, link, L"LNKTRG=" + target}, more));
 }
@@ -168,26 +168,26 @@ TEST(CreateLinkCommand, LogsAndReportsWhatBecameOfTheLink) {
     const std::wstring target = runner.Write(L"target", "x");
     const std::wstring shown = L"Link : \"" + (runner / L"link") + L"\" Link Target : \"" + target + L"\"\n";
     const std::string paths(shown.begin(), shown.end());
-    CommandRun run = Call(runner, L"1", target);
+    HostRun run = Call(runner, L"1", target);
     EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.log, "Link Created (Hardlink) " + paths);
-    EXPECT_EQ(run.notes, "[result] 0\n");
+    EXPECT_EQ(run.out, "Link Created (Hardlink) " + paths);
+    EXPECT_EQ(run.error, "[result] 0\n");
     EXPECT_TRUE(Win32::IsSameFile(target, runner / L"link"));
 
     run = Call(runner, L"1", target);  // the name exists
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.log, "Failed to create link (Hardlink) (Error : 183) " + paths);
-    EXPECT_TRUE(Holds(run.notes, "[result] 183\n"));
-    EXPECT_EQ(Call(runner, L"7", target).log, "Failed to create link (Unknown) (Error : 13) " + paths);
-    EXPECT_EQ(Call(runner, L"3", runner / L"missing").log, "");
+    EXPECT_EQ(run.out, "Failed to create link (Hardlink) (Error : 183) " + paths);
+    EXPECT_TRUE(Holds(run.error, "[result] 183\n"));
+    EXPECT_EQ(Call(runner, L"7", target).out, "Failed to create link (Unknown) (Error : 13) " + paths);
+    EXPECT_EQ(Call(runner, L"3", runner / L"missing").out, "");
     run = runner.Run({L"call", L"CreateLink", L"LNKTYPE=4", L"LNKSRC=", L"LNKTRG=" + target});
-    EXPECT_TRUE(run.log.starts_with("Failed to create link (Unknown) (Error : 3) Link : \"\"")) << run.log;
+    EXPECT_TRUE(run.out.starts_with("Failed to create link (Unknown) (Error : 3) Link : \"\"")) << run.out;
     run = runner.Run({L"call", L"CreateLink", L"LNKSRC=a", L"LNKTRG=" + target});
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.log, "");
+    EXPECT_EQ(run.out, "");
 
     ASSERT_TRUE(DeleteFileW((runner / L"link").c_str()));
-    EXPECT_EQ(Call(runner, L"4", target).log, "Link Created (Unknown) " + paths);
+    EXPECT_EQ(Call(runner, L"4", target).out, "Link Created (Unknown) " + paths);
     EXPECT_NE(runner.Read(L"link").size(), 0u);
 }
 
@@ -197,13 +197,13 @@ TEST(CreateLinkCommand, AsksTheElevatedProcessAndNoOther) {
     EXPECT_EQ(Call(runner, L"1", target, {L"ASADMIN"}).status, 1);
     EXPECT_EQ(Call(runner, L"1", target, {L"ASADMIN", L"--can-elevate", L"--elevated"}).status, 1);
     EXPECT_EQ(runner.List(), Names{L"target"});
-    CommandRun run = Call(runner, L"1", target, {L"ASADMIN", L"--can-elevate"});
-    EXPECT_EQ(run.status, 0) << run.notes;
-    EXPECT_TRUE(run.log.starts_with("Link Created (Hardlink) ")) << run.log;
+    HostRun run = Call(runner, L"1", target, {L"ASADMIN", L"--can-elevate"});
+    EXPECT_EQ(run.status, 0) << run.error;
+    EXPECT_TRUE(run.out.starts_with("Link Created (Hardlink) ")) << run.out;
     EXPECT_TRUE(Win32::IsSameFile(target, runner / L"link"));
     run = Call(runner, L"1", target, {L"ASADMIN", L"--can-elevate"});
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(run.log.starts_with("Failed to create link (Hardlink) (Error : 183) ")) << run.log;
+    EXPECT_TRUE(run.out.starts_with("Failed to create link (Hardlink) (Error : 183) ")) << run.out;
 }
 
 }  // namespace

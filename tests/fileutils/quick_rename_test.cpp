@@ -49,19 +49,19 @@ TEST(QuickRename, RenamesTheSelectionAfterOneQuestion) {
     const std::wstring folder = runner.MakeFolder(L"sub_folder.d_e");
 
     const Words words = {L"command", L"30002", changed, same, folder};  // only the case of names changes
-    CommandRun run = runner.Run(words, {L"cancel"});
+    HostRun run = runner.Run(words, {L"cancel"});
     EXPECT_EQ(run.status, 0);
-    EXPECT_TRUE(Holds(run.notes, "Names that will change: 2."));
+    EXPECT_TRUE(Holds(run.error, "Names that will change: 2."));
     EXPECT_EQ(runner.List(), (Names{L"Three", L"one_two.x_y", L"sub_folder.d_e"}));
 
     run = runner.Run(words, {L"ok"});
-    EXPECT_EQ(run.status, 0) << run.notes;
+    EXPECT_EQ(run.status, 0) << run.error;
     EXPECT_EQ(runner.List(), (Names{L"One_Two.x_Y", L"Sub_Folder.D_E", L"Three"}));
-    EXPECT_EQ(run.log, "");
+    EXPECT_EQ(run.out, "");
 
     run = runner.Run({L"command", L"30002", same}, {L"ok"});
     EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.notes, "");  // no name changes, so nothing is asked
+    EXPECT_EQ(run.error, "");  // no name changes, so nothing is asked
 }
 
 TEST(RenameGroup, GivesEachFileTheNewNameWithItsOwnExtension) {
@@ -79,8 +79,8 @@ TEST(RenameGroup, GivesEachFileTheNewNameWithItsOwnExtension) {
         Words words = {L"command", L"30020"};
         for (const wchar_t* name : {L"a.txt", L"a.jpg", L"a", L"b.txt"}) words.push_back(runner.Write(name, "x"));
         words.push_back(runner.MakeFolder(L"a.b"));
-        const CommandRun run = runner.Run(words, {c.answer});
-        EXPECT_EQ(run.status, 0) << c.why << run.notes;
+        const HostRun run = runner.Run(words, {c.answer});
+        EXPECT_EQ(run.status, 0) << c.why << run.error;
         EXPECT_EQ(runner.List(), c.after) << c.why;
     }
 }

@@ -22,7 +22,7 @@ Texts AllMatches(const std::string& text, const char* expression) {
 }  // namespace
 
 TEST(Registration, MenusHoldTheCommandsInTheirOrder) {
-    const std::string menus = CommandRunner().Run({L"menus"}).log;
+    const std::string menus = CommandRunner().Run({L"menus"}).out;
     const Texts expected = {"30000", "30001", "30002", "30010", "30020", "30101", "30102", "30103", "30110", "30200",
                             "30201", "30150", "30151", "30210", "30211", "30300", "30310", "30311", "30350", "31000"};
     EXPECT_EQ(AllMatches(menus, R"(\n +(3\d{4})  )"), expected) << menus;
@@ -30,7 +30,7 @@ TEST(Registration, MenusHoldTheCommandsInTheirOrder) {
 }
 
 TEST(Registration, CustomCommandsHaveTheirParametersInOrder) {
-    const std::string commands = CommandRunner().Run({L"commands"}).log;
+    const std::string commands = CommandRunner().Run({L"commands"}).out;
     EXPECT_EQ(AllMatches(commands, R"((\w+ \(\d+\)):)"),
               (Texts{"CreateLink (30351)", "SortLines (30352)", "FindAndReplace (30353)"}))
         << commands;

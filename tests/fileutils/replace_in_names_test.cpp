@@ -44,7 +44,7 @@ TEST(ReplaceInNames, ShowsTheNewNamesAndRenames) {
     runner.RunDriven(words, [](DialogDriver& driver) { driver.WaitFor(kTitle).PressAndClose(IDCANCEL); });
     EXPECT_EQ(runner.List(), (Names{L"old one.txt", L"two.old"}));
 
-    const CommandRun run = runner.RunDriven(words, [](DialogDriver& driver) {
+    const HostRun run = runner.RunDriven(words, [](DialogDriver& driver) {
         const DrivenDialog dialog = driver.WaitFor(kTitle);
         EXPECT_FALSE(dialog.IsEnabled(IDOK));
         dialog.Enter(IDC_NAME_FIND, L"OLD");
@@ -56,7 +56,7 @@ TEST(ReplaceInNames, ShowsTheNewNamesAndRenames) {
         EXPECT_EQ(SendMessageW(dialog.Control(IDC_NAME_PREVIEW), LB_GETCOUNT, 0, 0), 1);
         dialog.PressAndClose(IDOK);
     });
-    EXPECT_EQ(run.status, 0) << run.notes;
+    EXPECT_EQ(run.status, 0) << run.error;
     EXPECT_EQ(runner.List(), (Names{L"new one.txt", L"two.old"}));
 }
 

@@ -212,7 +212,7 @@ bool EveryoneMayWrite(const std::wstring& path) {
     return false;
 }
 
-CommandRun GrantEveryoneAll(const CommandRunner& runner, const Words& items) {
+HostRun GrantEveryoneAll(const CommandRunner& runner, const Words& items) {
     return runner.RunDriven(Joined({L"command", L"30311"}, items), [](DialogDriver& driver) {
         const DrivenDialog dialog = driver.WaitFor(kTitle);
         EXPECT_EQ(dialog.Text(IDC_ACCESS_ACCOUNT), Security::CurrentAccountName());
@@ -240,21 +240,20 @@ TEST(GrantAccess, ChangesTheItemsBeforeTheOneThatFails) {
         const std::wstring second = L"\\\\?\\" + runner.Write(L"b", "x");
         const std::wstring third = runner.Write(L"c", "x");
         ASSERT_FALSE(EveryoneMayWrite(first));
-        const CommandRun run = GrantEveryoneAll(runner, Joined({first, second, third}, more));
+        const HostRun run = GrantEveryoneAll(runner, Joined({first, second, third}, more));
         EXPECT_TRUE(EveryoneMayWrite(first));
         EXPECT_FALSE(EveryoneMayWrite(third));
-        EXPECT_TRUE(Holds(run.notes, "The access could not be granted (error "));
+        EXPECT_TRUE(Holds(run.error, "The access could not be granted (error "));
     }
 }
 
 TEST(GrantAccess, IsOfferedOverASelectionOnlyAndCanBeCancelled) {
     const CommandRunner runner;
     EXPECT_EQ(runner.Run({L"command", L"30311"}).status, 0);
-    const CommandRun run =
-        runner.RunDriven({L"command", L"30311", runner.Write(L"a", "x"), L"--can-elevate"},
-                         [](DialogDriver& driver) { driver.WaitFor(kTitle).PressAndClose(IDCANCEL); });
+    const HostRun run = runner.RunDriven({L"command", L"30311", runner.Write(L"a", "x"), L"--can-elevate"},
+                                         [](DialogDriver& driver) { driver.WaitFor(kTitle).PressAndClose(IDCANCEL); });
     EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.notes, "");
+    EXPECT_EQ(run.error, "");
 }
 
 TEST(ResetAccess, AsksFirstAndThenTakesBackWhatWasGranted) {
@@ -266,17 +265,17 @@ TEST(ResetAccess, AsksFirstAndThenTakesBackWhatWasGranted) {
         const Words arguments = Joined({L"command", L"30310", file}, more);
         runner.Run(arguments, {L"no"});
         EXPECT_TRUE(EveryoneMayWrite(file));
-        const CommandRun run = runner.Run(arguments, {L"yes"});
-        EXPECT_EQ(run.status, 0) << run.notes;
+        const HostRun run = runner.Run(arguments, {L"yes"});
+        EXPECT_EQ(run.status, 0) << run.error;
         EXPECT_FALSE(EveryoneMayWrite(file));
-        EXPECT_TRUE(Holds(runner.Run({L"command", L"30310"}, {L"no"}).notes, "Reset access rights"));
+        EXPECT_TRUE(Holds(runner.Run({L"command", L"30310"}, {L"no"}).error, "Reset access rights"));
     }
 }
 
 TEST(PropertyColumns, CanBeNamedInTheTagsOfTheRenamer) {
     const CommandRunner runner;
     const std::wstring file = runner.Write(L"a.txt", "x");
-    EXPECT_EQ(runner.Run({L"rename", file, L"--name", L"[N] [?ADSCOUNT]", L"--preview"}).log,
+    EXPECT_EQ(runner.Run({L"rename", file, L"--name", L"[N] [?ADSCOUNT]", L"--preview"}).out,
               "a.txt\ta 0.txt\trename\n");
     EXPECT_EQ(runner.Run({L"rename", file, L"--name", L"[?nothing]", L"--preview"}).status, 1);
 }

@@ -8,7 +8,7 @@ namespace {
 using namespace QVTest;
 
 /// Sorts a.txt of the runner's folder.
-CommandRun Sort(const CommandRunner& runner, const Words& parameters, const Words& answers = {}) {
+HostRun Sort(const CommandRunner& runner, const Words& parameters, const Words& answers = {}) {
     return runner.Run(Joined({L"call", L"SortLines", L"FILE=" + (runner / L"a.txt")}, parameters), answers);
 }
 
@@ -41,10 +41,10 @@ TEST(SortLinesCommand, SortsByEveryParameter) {
     for (const auto& c : cases) {
         const CommandRunner runner;
         runner.Write(L"a.txt", c.before);
-        const CommandRun run = Sort(runner, Joined(c.parameters, {L"OVERWRITE", L"SILENT"}));
-        EXPECT_EQ(run.status, 0) << run.log << run.notes;
+        const HostRun run = Sort(runner, Joined(c.parameters, {L"OVERWRITE", L"SILENT"}));
+        EXPECT_EQ(run.status, 0) << run.out << run.error;
         EXPECT_EQ(runner.Read(L"a.txt"), c.after) << testing::PrintToString(c.parameters);
-        EXPECT_TRUE(Holds(run.log, "[SortLines] - Sorted lines in file : "));
+        EXPECT_TRUE(Holds(run.out, "[SortLines] - Sorted lines in file : "));
     }
 }
 
@@ -68,9 +68,9 @@ TEST(SortLinesCommand, LeavesTheFileAloneForABadParameterAndSaysWhich) {
     for (const auto& c : cases) {
         const CommandRunner runner;
         runner.Write(L"a.txt", "b\na\n");
-        const CommandRun run = Sort(runner, Joined(c.parameters, {L"OVERWRITE", L"SILENT"}));
-        EXPECT_EQ(run.status, 1) << run.log;
-        EXPECT_EQ(run.log, std::string("[Custom Cmd - SortLines] - ") + c.logged + "\n");
+        const HostRun run = Sort(runner, Joined(c.parameters, {L"OVERWRITE", L"SILENT"}));
+        EXPECT_EQ(run.status, 1) << run.out;
+        EXPECT_EQ(run.out, std::string("[Custom Cmd - SortLines] - ") + c.logged + "\n");
         EXPECT_EQ(runner.ReadAll(), (Contents{{L"a.txt", "b\na\n"}})) << c.logged;
     }
 }
@@ -104,28 +104,28 @@ TEST(SortLinesCommand, AsksBeforeATargetIsOverwritten) {
         const CommandRunner runner;
         runner.Write(L"a.txt", before);
         runner.Write(L"a_s.txt", "old\n");
-        const CommandRun run = Sort(runner, c.parameters, c.answers);
-        EXPECT_EQ(run.status, c.noted == std::string("[done]") ? 0 : 1) << c.why << run.notes;
+        const HostRun run = Sort(runner, c.parameters, c.answers);
+        EXPECT_EQ(run.status, c.noted == std::string("[done]") ? 0 : 1) << c.why << run.error;
         Contents expected = c.expected;
         expected.insert({{L"a.txt", before}, {L"a_s.txt", "old\n"}});
         EXPECT_EQ(runner.ReadAll(), expected) << c.why;
-        EXPECT_TRUE(Holds(run.notes, c.noted)) << c.why;
+        EXPECT_TRUE(Holds(run.error, c.noted)) << c.why;
     }
 }
 
 TEST(SortLinesCommand, TellsWhyAFileFailed) {
     const CommandRunner runner;
-    const std::string missing = Sort(runner, {L"SILENT"}).log;
+    const std::string missing = Sort(runner, {L"SILENT"}).out;
     EXPECT_TRUE(missing.starts_with("[Custom Cmd - SortLines] - FILE : ")) << missing;
     EXPECT_TRUE(missing.ends_with("a.txt not found\n")) << missing;
     runner.Write(L"a.txt", "\xEF\xBB\xBF" + std::string("b\na\n"));
-    const CommandRun run = Sort(runner, {L"OVERWRITE", L"SILENT"});
+    const HostRun run = Sort(runner, {L"OVERWRITE", L"SILENT"});
     EXPECT_EQ(run.status, 1);
     EXPECT_TRUE(
-        run.log.starts_with("[SortLines] - Error : Text format not supported ( ErrorCode : 1630 )\n"
+        run.out.starts_with("[SortLines] - Error : Text format not supported ( ErrorCode : 1630 )\n"
                             "[SortLines] - Failed to sortline in file : "))
-        << run.log;
-    EXPECT_TRUE(Holds(run.notes, "[failed] "));
+        << run.out;
+    EXPECT_TRUE(Holds(run.error, "[failed] "));
 }
 
 }  // namespace

@@ -42,10 +42,10 @@ TEST(TextConversionCommand, ConvertsTheSelectionAndKeepsAttributes) {
         const std::wstring first = runner.Write(L"a.txt", "a\tb\r\n\nc\r");
         const std::wstring second = runner.Write(L"b", "a\tb\r\n\nc\r");
         SetFileAttributesW(first.c_str(), FILE_ATTRIBUTE_HIDDEN);
-        const CommandRun run = runner.Run({L"command", c.id, first, second}, c.answers);
-        EXPECT_EQ(run.status, 0) << run.notes;
-        EXPECT_TRUE(Holds(run.notes, "[question] Convert text: Files that will be changed: 2."));
-        EXPECT_EQ(runner.ReadAll(), (Contents{{L"a.txt", c.expected}, {L"b", c.expected}})) << run.notes;
+        const HostRun run = runner.Run({L"command", c.id, first, second}, c.answers);
+        EXPECT_EQ(run.status, 0) << run.error;
+        EXPECT_TRUE(Holds(run.error, "[question] Convert text: Files that will be changed: 2."));
+        EXPECT_EQ(runner.ReadAll(), (Contents{{L"a.txt", c.expected}, {L"b", c.expected}})) << run.error;
         EXPECT_EQ(GetFileAttributesW(first.c_str()) & FILE_ATTRIBUTE_HIDDEN, DWORD{FILE_ATTRIBUTE_HIDDEN});
     }
 }
@@ -66,10 +66,10 @@ TEST(TextConversionCommand, LosesNothingWhenAFileCannotBeReplaced) {
     {
         const Win32::FileHandle holder(
             CreateFileW(held.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
-        const CommandRun run = runner.Run({L"command", L"30101", folder, held, other}, {L"yes"});
+        const HostRun run = runner.Run({L"command", L"30101", folder, held, other}, {L"yes"});
         EXPECT_EQ(run.status, 1);
-        EXPECT_TRUE(Holds(run.log, "held.temp"));
-        EXPECT_TRUE(Holds(run.log, "\\sub "));
+        EXPECT_TRUE(Holds(run.out, "held.temp"));
+        EXPECT_TRUE(Holds(run.out, "\\sub "));
     }
     // The file that could not be replaced is whole, and so is its new content under the temporary name.
     EXPECT_EQ(runner.Read(L"held"), "a\r\n");

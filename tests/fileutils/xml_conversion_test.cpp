@@ -55,12 +55,12 @@ TEST(XmlConversion, LeavesABadDocumentAloneAndSaysWhere) {
     const std::wstring path = runner.Write(L"bad.xml", bad);
     const std::wstring good = runner.Write(L"good.xml", "<a> <b/> </a>");
     const std::wstring empty = runner.Write(L"empty.xml", "");
-    const CommandRun run = runner.Run({L"command", L"30201", path, good, empty});
+    const HostRun run = runner.Run({L"command", L"30201", path, good, empty});
     EXPECT_EQ(runner.Read(L"bad.xml"), bad);
-    EXPECT_TRUE(Holds(run.log, "[Convert XML] - Failed to load file : "));
-    EXPECT_TRUE(Holds(run.notes, "bad.xml, line 2, column "));
+    EXPECT_TRUE(Holds(run.out, "[Convert XML] - Failed to load file : "));
+    EXPECT_TRUE(Holds(run.error, "bad.xml, line 2, column "));
     EXPECT_TRUE(Holds(runner.Read(L"good.xml"), "<a><b/></a>"));
-    EXPECT_TRUE(Holds(run.notes, "empty.xml: it holds no XML"));
+    EXPECT_TRUE(Holds(run.error, "empty.xml: it holds no XML"));
     EXPECT_EQ(runner.List().size(), 3u);
 }
 

@@ -43,7 +43,7 @@ TEST(ParseCommandLine, RefusesWhatMakesNoSense) {
                                    {L"menus", L"--config", L""},
                                    {L"elevated-server"}})
         EXPECT_THROW(ParseCommandLine(arguments), UsageError) << arguments.size();
-    EXPECT_THROW(ParseCommandLine({L"--help"}), HelpText);
+    for (const wchar_t* option : {L"--help", L"--version"}) EXPECT_THROW(ParseCommandLine({option}), HelpText);
     try {
         ParseCommandLine({L"comands", L"--quiet"});
         FAIL();

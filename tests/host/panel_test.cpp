@@ -110,6 +110,8 @@ public:
         SendMessageW(AddressField(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(folder.c_str()));
         Command(IDOK);
     }
+    void Type(wchar_t letter) const { SendMessageW(m_lists.front(), WM_CHAR, letter, 1); }
+    int FocusedRow() const { return ListView_GetNextItem(m_lists.front(), -1, LVNI_FOCUSED); }
     void Drop(const Names& paths) const {
         std::wstring list;
         for (const std::wstring& path : paths) list += path + L'\0';
@@ -164,6 +166,8 @@ TEST(Panel, ShowsAFolderRunsACommandAndMarksWhatBecameOfTheFiles) {
             EXPECT_EQ(panel.Address(), L"absent") << "it can be mended";
             panel.Command(IDCANCEL);
             EXPECT_EQ(panel.Address(), folder.Path());
+            panel.Type(L'o');
+            EXPECT_EQ(panel.FocusedRow(), 4) << "letters go to the name";
 
             panel.Drop({folder / L"other.txt", folder / L"sub"});
             EXPECT_EQ(panel.Selected(), (Names{L"sub", L"other.txt"}));
