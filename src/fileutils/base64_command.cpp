@@ -11,6 +11,7 @@
 #include "sdk/text_format.h"
 #include "textio/data_reader.h"
 #include "textio/data_writer.h"
+#include "textio/target_name.h"
 #include "win32/code_page.h"
 #include "win32/files.h"
 #include "win32/path.h"
@@ -93,7 +94,7 @@ std::wstring NameFromHeaderOf(const std::wstring& path) {
     char bytes[kNameArea];
     const uint32_t size = ReadFully(reader, bytes, kNameArea);
     std::wstring name = Win32::FromCodePage(NameInHeader({bytes, size}), Win32::kThreadCodePage);
-    return IsPlainFileName(name) ? name : std::wstring();
+    return QVUtils::IsPlainFileName(name) ? name : std::wstring();
 }
 
 /// ".b64" follows the whole name: a.txt and a.doc must not become one file, and a decoded file without a name in its

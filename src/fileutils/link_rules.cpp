@@ -1,7 +1,7 @@
 #include "fileutils/link_rules.h"
 
 #include "fileutils/link_creation.h"
-#include "fileutils/mime_header.h"
+#include "textio/target_name.h"
 #include "win32/files.h"
 #include "win32/path.h"
 #include "win32/windows.h"
@@ -26,7 +26,7 @@ bool IsOnAnotherMachine(const std::wstring& path) {
 
 std::wstring WhyNoLink(uint32_t type, const std::wstring& link, const std::wstring& target, bool targetIsFolder) {
     const std::wstring name(Win32::FileNameOf(link));
-    if (!IsPlainFileName(name)) return L"This cannot be a name: " + name;
+    if (!QVUtils::IsPlainFileName(name)) return L"This cannot be a name: " + name;
     if (Win32::Exists(link)) return L"This name is in use: " + name;
     const std::wstring folder(Win32::FolderOf(link));
     if (!folder.empty() && !Win32::Exists(folder)) return L"There is no folder " + folder;

@@ -5,8 +5,6 @@
 namespace FileUtils {
 namespace {
 
-constexpr size_t kLongestName = 255;  // units, of every file system in use
-
 /// Takes the first line off `rest`, without its LF or CR LF. False when there is none that ends.
 bool TakeLine(std::string_view& rest, std::string_view& line) {
     const size_t end = rest.find('\n');
@@ -62,25 +60,6 @@ size_t SizeByLines(std::string_view bytes) {
     return 0;
 }
 
-/// What a device name is compared without: the extension, and the blanks before it.
-std::wstring_view BaseOf(std::wstring_view name) {
-    name = name.substr(0, name.find(L'.'));
-    while (name.ends_with(L' ')) name.remove_suffix(1);
-    return name;
-}
-
-bool IsDeviceName(std::wstring_view name) {
-    std::wstring base(BaseOf(name));
-    for (wchar_t& unit : base)
-        if (unit >= L'a' && unit <= L'z') unit = static_cast<wchar_t>(unit - L'a' + L'A');
-    for (const wchar_t* device : {L"CON", L"PRN", L"AUX", L"NUL", L"CONIN$", L"CONOUT$", L"CLOCK$"})
-        if (base == device) return true;
-    // COM and LPT with a digit, of which the system knows three written small and high up too.
-    const bool hasNumber = base.starts_with(L"COM") || base.starts_with(L"LPT");
-    return hasNumber && base.size() == 4 &&
-           std::wstring_view(L"0123456789\u00B9\u00B2\u00B3").find(base[3]) != std::wstring_view::npos;
-}
-
 }  // namespace
 
 std::string MimeHeader(std::string_view name) {
@@ -109,14 +88,6 @@ size_t HeaderSize(std::string_view bytes) {
     const size_t size = SizeOfFields(bytes.substr(0, kHeaderArea));
     if (size > 0 || NameInHeader(bytes).empty()) return size;
     return SizeByLines(bytes);
-}
-
-bool IsPlainFileName(std::wstring_view name) {
-    if (name.empty() || name.size() > kLongestName || name.ends_with(L'.') || name.ends_with(L' ')) return false;
-    const auto isForbidden = [](wchar_t unit) {
-        return unit < L' ' || std::wstring_view(L"<>:\"/\\|?*").find(unit) != std::wstring_view::npos;
-    };
-    return std::ranges::none_of(name, isForbidden) && !IsDeviceName(name);
 }
 
 }  // namespace FileUtils

@@ -28,10 +28,4 @@ std::string_view NameInHeader(std::string_view bytes);
 /// in 4096 bytes.
 size_t HeaderSize(std::string_view bytes);
 
-/// True when a file may get this name: one name within a folder and nothing else. False for "", a separator, a drive
-/// letter or stream (a colon), another character that no name may hold, "." and "..", a name that ends in a dot or
-/// blank (the system would drop it and mean another file), a name of a device with or without extension, and one above
-/// 255 units. Names come from files that anybody may have written.
-bool IsPlainFileName(std::wstring_view name);
-
 }  // namespace FileUtils

@@ -4,6 +4,7 @@
 #include "findreplace/process_file.h"
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
+#include "textio/qvutils_exception.h"
 #include "textio/target_name.h"
 #include "win32/files.h"
 #include "win32/path.h"
@@ -63,6 +64,14 @@ private:
             }
         }
         const std::wstring target = (m_options & Option::SaveAs) ? TargetOf(source) : source;
+        // Asked before anything looks at the target: a device exists, and takes whatever is written to it.
+        if (target != source && !QVUtils::IsPlainFileName(Win32::FileNameOf(target))) {
+            FindAndReplaceCallback(m_host, m_options, m_run.confirmation)
+                .ReportErrorW((L"The target cannot be a file name : " + target).c_str(),
+                              QVUtils::ErrorCode::InvalidName);
+            Fail(item, source);
+            return;
+        }
         if ((m_options & Option::SaveAs) && CheckTarget(target) == TargetCheck::Skip) {
             LogLine(LogKind::Failure, L"[Find and Replace] - File already exists. Do not overwrite : %s", target);
             AddTo(m_failed, item);
@@ -82,15 +91,18 @@ private:
             ++m_result.done;
             m_result.changes += changes;
         } else {
-            LogLine(LogKind::Failure, L"[Find and Replace] - Failed to Find/Replace text in : %s", source);
             m_result.isCancelled = changes == kFileCancelled;
-            if (!m_result.isCancelled) {
-                AddTo(m_failed, item);
-                ++m_result.failed;
-            }
+            Fail(item, source);
         }
         // "Replace All" is an answer for the whole run.
         m_options |= callback.GetOptions() & Option::ReplaceAll;
+    }
+
+    void Fail(IFileItem& item, const std::wstring& source) {
+        LogLine(LogKind::Failure, L"[Find and Replace] - Failed to Find/Replace text in : %s", source);
+        if (m_result.isCancelled) return;
+        AddTo(m_failed, item);
+        ++m_result.failed;
     }
 
     std::wstring TargetOf(const std::wstring& source) const {

@@ -3,6 +3,7 @@
 #include "linesorter/sort_file.h"
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
+#include "textio/qvutils_exception.h"
 #include "textio/target_name.h"
 #include "win32/code_page.h"
 #include "win32/files.h"
@@ -70,6 +71,11 @@ private:
 
     void SortItem(IFileItem& item, const std::wstring& path) {
         const std::wstring target = TargetOf(path, m_request);
+        // Asked before anything looks at the target: a device exists, and takes whatever is written to it.
+        if (target != path && !QVUtils::IsPlainFileName(Win32::FileNameOf(target))) {
+            Fail(item, path, L"The target cannot be a file name : " + target, QVUtils::ErrorCode::InvalidName);
+            return;
+        }
         switch (AskForTarget(target)) {
             case TargetAnswer::Write: break;
             case TargetAnswer::Skip:
@@ -82,17 +88,21 @@ private:
         }
         const SortFileResult result = SortFile(path, target, m_request);
         if (result.errorCode != 0) {
-            Add(m_failed, item);
-            ++m_result.failed;
-            m_result.lastErrorCode = result.errorCode;
-            LogReason(Win32::FromCodePage(result.errorText, Win32::kThreadCodePage), result.errorCode);
-            Log(L"[SortLines] - Failed to sortline in file : %s", path.c_str());
+            Fail(item, path, Win32::FromCodePage(result.errorText, Win32::kThreadCodePage), result.errorCode);
             return;
         }
         if (result.backupErrorCode != 0) LogReason(L"Unable to delete the backup of the file", result.backupErrorCode);
         Add(m_sorted, item);
         ++m_result.sorted;
         Log(L"[SortLines] - Sorted lines in file : %s (Saved as : %s)", path.c_str(), target.c_str());
+    }
+
+    void Fail(IFileItem& item, const std::wstring& path, const std::wstring& reason, uint32_t errorCode) {
+        Add(m_failed, item);
+        ++m_result.failed;
+        m_result.lastErrorCode = errorCode;
+        LogReason(reason, errorCode);
+        Log(L"[SortLines] - Failed to sortline in file : %s", path.c_str());
     }
 
     TargetAnswer AskForTarget(const std::wstring& target) {

@@ -16,6 +16,7 @@ inline constexpr uint32_t ReadFault = 30;
 inline constexpr uint32_t FileExists = 80;
 inline constexpr uint32_t InvalidParameter = 87;
 inline constexpr uint32_t DiskFull = 112;
+inline constexpr uint32_t InvalidName = 123;
 inline constexpr uint32_t FileTooLarge = 223;
 inline constexpr uint32_t NoUnicodeTranslation = 1113;
 inline constexpr uint32_t Cancelled = 1223;

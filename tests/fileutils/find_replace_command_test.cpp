@@ -75,6 +75,16 @@ TEST(FindAndReplace, LogsEachFileAndHandsTheListsBack) {
     EXPECT_TRUE(failed.out.starts_with("[Find and Replace] - File already exists. Do not overwrite : ")) << failed.out;
     EXPECT_TRUE(Holds(failed.error, "[failed] "));
 
+    for (const wchar_t* target : {L"TARGET=NUL", L"TARGET=a:b"}) {
+        const HostRun refused =
+            Replace(folder, L"f.txt", {L"FIND=b", L"REPLACEWITH=c", target, L"OVERWRITE", L"SILENT"});
+        EXPECT_EQ(refused.status, 1);
+        EXPECT_TRUE(refused.out.starts_with("[Find and Replace] Error : The target cannot be a file name : "))
+            << refused.out;
+        EXPECT_TRUE(Holds(refused.out, "[Find and Replace] - Failed to Find/Replace text in : "));
+        EXPECT_EQ(folder.List().size(), 2u);
+    }
+
     folder.Write(L"binary.bin", std::string("\x01\x02\x03\x04\x05", 5));
     const HostRun binary = Replace(folder, L"binary.bin", {L"FIND=b", L"REPLACEWITH=c", L"DELETE", L"SILENT"});
     EXPECT_EQ(binary.status, 0) << "done, with no changes";

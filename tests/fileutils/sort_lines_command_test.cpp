@@ -113,6 +113,18 @@ TEST(SortLinesCommand, AsksBeforeATargetIsOverwritten) {
     }
 }
 
+TEST(SortLinesCommand, RefusesTargetsThatAreNoFiles) {
+    for (const wchar_t* target : {L"NUL", L"con.txt", L"a:b", L"*:x", L"sub\\..\\aux"}) {
+        const CommandRunner runner;
+        runner.Write(L"a.txt", "b\na\n");
+        const HostRun run = Sort(runner, {std::wstring(L"TARGET=") + target, L"SILENT", L"OVERWRITE"});
+        EXPECT_EQ(run.status, 1);
+        EXPECT_TRUE(Holds(run.out, "[SortLines] - Error : The target cannot be a file name : ")) << run.out;
+        EXPECT_TRUE(Holds(run.out, "( ErrorCode : 123 )\n[SortLines] - Failed to sortline in file : ")) << run.out;
+        EXPECT_EQ(runner.ReadAll(), (Contents{{L"a.txt", "b\na\n"}}));
+    }
+}
+
 TEST(SortLinesCommand, TellsWhyAFileFailed) {
     const CommandRunner runner;
     const std::string missing = Sort(runner, {L"SILENT"}).out;
