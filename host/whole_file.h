@@ -10,11 +10,9 @@ namespace QVHost {
 /// Reads the file at `path` into `bytes`. Windows error code, 0 for success; a file over 256 MB is refused (223).
 uint32_t ReadWholeFile(const std::wstring& path, std::string& bytes);
 
-/// Writes a file that is on disk when this returns; one of that name is overwritten. Windows error code, 0 for success.
-uint32_t WriteNewFile(const std::wstring& path, std::string_view bytes);
-
-/// Writes beside the file and moves over it when all is on disk, so that a failure leaves the old file as it was.
-/// Windows error code, 0 for success.
+/// Writes beside the file and moves over it when all is on disk, so that a failure leaves the old file as it was, and
+/// nothing else. The file keeps its name as it stands on disk, its attributes and its access list. Windows error code,
+/// 0 for success.
 uint32_t ReplaceWholeFile(const std::wstring& path, std::string_view bytes);
 
 /// Makes the folder and those above it. Windows error code, 0 when it is there afterwards.

@@ -10,7 +10,6 @@
 #include "host/whole_file.h"
 #include "host/xml_document.h"
 #include "host/xml_fault.h"
-#include "win32/files.h"
 
 namespace QVHost {
 namespace {
@@ -87,16 +86,10 @@ bool XmlService::Save(Quorvane::SDK::IXmlDocument* document, const wchar_t* path
         known->Compact();
         if (mode == kIndented) known->Indent();
         const std::wstring target = FullUserPath(path);
-        const std::wstring beside = target + L"." + std::to_wstring(GetCurrentProcessId()) + L".new";
         std::string bytes;
         uint32_t error = known->ToBytes(bytes);
-        if (error == ERROR_SUCCESS) error = WriteNewFile(beside, bytes);
-        if (error == ERROR_SUCCESS) {
-            if (Win32::Exists(target)) Win32::CarryOverAttributesAndAccess(target, beside);
-            error = Win32::MoveFileOver(beside, target);
-        }
+        if (error == ERROR_SUCCESS) error = ReplaceWholeFile(target, bytes);
         if (error == ERROR_SUCCESS) return true;
-        Win32::RemoveFile(beside);
         // The answer is a plain no: the reason is for whoever reads along.
         m_output.Note(L"[xml] " + target + L": " + DescribeError(error));
         return false;

@@ -10,6 +10,7 @@
 #include "sdk/text_format.h"
 #include "textio/data_reader.h"
 #include "textio/data_writer.h"
+#include "textio/replace_file.h"
 #include "win32/files.h"
 #include "win32/path.h"
 #include "win32/windows.h"
@@ -78,6 +79,7 @@ public:
     ConvertedForm(const ConvertedForm&) = delete;
     ConvertedForm& operator=(const ConvertedForm&) = delete;
     ~ConvertedForm() {
+        if (m_isOurs) Win32::RemoveWhenClosed(m_writer.GetSystemHandle());
         m_writer.Abandon();
         if (m_isOurs) Win32::RemoveFileAt(m_path.c_str());
     }
@@ -85,14 +87,18 @@ public:
     const std::wstring& Path() const { return m_path; }
     void Keep() { m_isOurs = false; }
 
-    /// @throws QVUtilsException, also when a file of that name is there
-    void Write(const std::wstring& path, const TextConverter& converter) {
+    /// Gives the file that was converted. @throws QVUtilsException, also when a file of that name is there
+    Win32::FileState Write(const std::wstring& path, const TextConverter& converter) {
         QVUtils::FileDataReader reader(path);
-        m_isOurs = m_writer.Open(m_path, false);
+        Win32::FileState original = QVUtils::OriginalOf(reader, path);
+        m_writer.Adopt(Win32::CreateSuccessor(m_path, original));
+        m_isOurs = true;
         ConvertBytes(reader, converter, m_writer);
-        m_writer.Close();
         if (const uint32_t error = Win32::CopyStreams(path, m_path, Win32::NamedStreamsOf(path)))
             throw QVUtilsException(error, "Unable to carry over the named streams");
+        Win32::CarryOverAttributes(original, m_writer.GetSystemHandle());
+        m_writer.Close();
+        return original;
     }
 
 private:
@@ -103,12 +109,13 @@ private:
 
 /// Converts one file. The converted form is complete on disk before the file is touched, and takes its place in one
 /// step of the system, so that at no moment there is neither. When the file cannot be replaced (it is in use, or
-/// read-only) both stay: the work is done, and whoever frees the file can put it in place.
+/// read-only) both stay: the work is done, and whoever frees the file can put it in place. When another program has
+/// saved the file meanwhile, its content stays and the converted form of the old one goes.
 void ConvertFile(IHostServices& host, const std::wstring& path, const TextConverter& converter) try {
     ConvertedForm converted(path);
-    converted.Write(path, converter);
-    Win32::CarryOverAttributesAndAccess(path, converted.Path());
-    const uint32_t error = Win32::MoveFileOver(converted.Path(), path);
+    const Win32::FileState original = converted.Write(path, converter);
+    uint32_t error = QVUtils::LookAgain(original);
+    if (error == ERROR_SUCCESS) error = Win32::MoveFileOver(converted.Path(), original.path);
     converted.Keep();
     if (error != ERROR_SUCCESS)
         host.Log(kLogLevel, LogKind::Failure,

@@ -114,7 +114,7 @@ private:
         const bool isSaveAs = (m_job.options & Option::SaveAs) != 0;
         if (isSaveAs && !(m_job.options & Option::Overwrite) && Win32::Exists(m_job.target))
             throw QVUtilsException(ErrorCode::FileExists, "Target file already exists");
-        m_replacement.Begin();
+        m_replacement.Begin(QVUtils::OriginalOf(m_file.GetFile(), m_job.source, m_job.target));
         QVUtils::WriteAll(m_replacement.GetWriter(), blocks.GetMark().data(), blocks.GetMark().size());
         if (offset == 0) return;
         QVUtils::FileDataReader file(m_job.source);

@@ -90,7 +90,8 @@ SortableLinesData<CharT> LoadSorted(QVUtils::TextFile& file, const SortRequest& 
 }
 
 template <class CharT>
-uint32_t Save(const SortableLinesData<CharT>& data, const std::wstring& target, const SortRequest& request) {
+uint32_t Save(const SortableLinesData<CharT>& data, const std::wstring& target, const SortRequest& request,
+              std::optional<Win32::FileState> original) {
     const bool mayOverwrite = request.Has(SortOption::Overwrite);
     if (request.Has(SortOption::SaveAs) && !mayOverwrite && Win32::Exists(target))
         throw QVLineSorterException(ErrorCode::FileExists, "Target file already exists");
@@ -98,7 +99,8 @@ uint32_t Save(const SortableLinesData<CharT>& data, const std::wstring& target, 
                                              .mayOverwrite = mayOverwrite,
                                              .keepBackup = request.Has(SortOption::KeepBackup),
                                              .dropBackup = request.Has(SortOption::DeleteBackup)};
-    return QVUtils::ReplaceFileContent(replace, [&](QVUtils::DataWriter& writer) { WriteLines(data, writer); });
+    return QVUtils::ReplaceFileContent(
+        replace, [&](QVUtils::DataWriter& writer) { WriteLines(data, writer); }, std::move(original));
 }
 
 /// Returns the error for which a backup stayed, else 0.
@@ -107,14 +109,16 @@ uint32_t SortOneFile(const std::wstring& source, const std::wstring& target, con
         throw QVLineSorterException(ErrorCode::InvalidParameter, "The sort options are not valid");
     QVUtils::TextFile file(source);
     QVUtils::RefuseOversizedText(file.GetSize());
+    // Asked for while the file is open, which it is not for long.
+    auto original = QVUtils::OriginalOf(file.GetFile(), source, target);
     switch (file.GetKind()) {
         case EncodingKind::CodePage: {
             const auto data = LoadSorted<char>(file, request);
-            return Save(data, target, request);
+            return Save(data, target, request, std::move(original));
         }
         case EncodingKind::Utf16: {
             const auto data = LoadSorted<wchar_t>(file, request);
-            return Save(data, target, request);
+            return Save(data, target, request, std::move(original));
         }
         default: throw QVLineSorterException(ErrorCode::TextFormatNotSupported, "Text format not supported");
     }

@@ -16,10 +16,9 @@ FileDataReader::FileDataReader(const std::wstring& path, FileSharing sharing) : 
     m_handle->file.Reset(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_READ, static_cast<DWORD>(sharing),
                                      nullptr, OPEN_EXISTING, 0, nullptr));
     if (!m_handle->file) throw QVUtilsException(GetLastError(), "Unable to open file");
-    LARGE_INTEGER size = {};
     // "filesize" is one word in this message on purpose: people search their logs for it.
-    if (!GetFileSizeEx(m_handle->file.Get(), &size)) throw QVUtilsException(GetLastError(), "Failed to get filesize");
-    m_fileSize = static_cast<uint64_t>(size.QuadPart);
+    if (const uint32_t error = Win32::GetStamp(m_handle->file.Get(), m_stamp))
+        throw QVUtilsException(error, "Failed to get filesize");
 }
 
 FileDataReader::~FileDataReader() = default;
@@ -30,6 +29,10 @@ uint32_t FileDataReader::Read(void* buffer, uint32_t size, uint32_t& bytesRead) 
         throw QVUtilsException(GetLastError(), "Failed to read file");
     bytesRead = delivered;
     return 1;
+}
+
+void* FileDataReader::GetSystemHandle() const noexcept {
+    return m_handle->file.Get();
 }
 
 void FileDataReader::Close() {

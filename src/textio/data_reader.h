@@ -7,6 +7,7 @@
 
 #include "textio/file_sharing.h"
 #include "textio/qvutils_exception.h"
+#include "win32/files.h"
 
 namespace QVUtils {
 
@@ -37,12 +38,15 @@ public:
     void Close() override;
 
     /// Bytes, as the file was when it was opened.
-    uint64_t GetFileSize() const noexcept { return m_fileSize; }
+    uint64_t GetFileSize() const noexcept { return m_stamp.size; }
+    /// As the file was when it was opened.
+    const Win32::FileStamp& GetStamp() const noexcept { return m_stamp; }
+    void* GetSystemHandle() const noexcept;
 
 private:
     struct Handle;  // keeps the system's header out of the engines
     std::unique_ptr<Handle> m_handle;
-    uint64_t m_fileSize = 0;
+    Win32::FileStamp m_stamp;
 };
 
 /// Reads a block of memory. Never fails.

@@ -27,9 +27,8 @@ FileDataWriter::~FileDataWriter() = default;
 
 bool FileDataWriter::Open(const std::wstring& path, bool overwrite, FileSharing sharing) {
     m_handle->file.Reset();
-    m_handle->file.Reset(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_WRITE, static_cast<DWORD>(sharing),
-                                     nullptr, overwrite ? CREATE_ALWAYS : CREATE_NEW, 0, nullptr));
-    if (!m_handle->file) throw QVUtilsException(GetLastError(), "Unable to open file for writing");
+    Adopt(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_WRITE, static_cast<DWORD>(sharing), nullptr,
+                      overwrite ? CREATE_ALWAYS : CREATE_NEW, 0, nullptr));
     return GetLastError() != ERROR_ALREADY_EXISTS;  // set by CREATE_ALWAYS, and cleared by a creation
 }
 
@@ -41,8 +40,13 @@ uint32_t FileDataWriter::WriteData(const void* buffer, uint32_t size, uint32_t* 
     return 1;
 }
 
-Win32::AttributesAndAccess FileDataWriter::GetAttributesAndAccess() const {
-    return Win32::AttributesAndAccessOf(m_handle->file.Get());
+void FileDataWriter::Adopt(void* systemHandle) {
+    m_handle->file.Reset(systemHandle);
+    if (!m_handle->file) throw QVUtilsException(GetLastError(), "Unable to open file for writing");
+}
+
+void* FileDataWriter::GetSystemHandle() const noexcept {
+    return m_handle->file.Get();
 }
 
 void FileDataWriter::Close() {

@@ -9,7 +9,6 @@
 
 #include "textio/file_sharing.h"
 #include "textio/qvutils_exception.h"
-#include "win32/files.h"
 
 namespace QVUtils {
 
@@ -70,8 +69,10 @@ public:
 
     uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* bytesWritten) override;
 
-    /// What the file has by now. Only while it is open.
-    Win32::AttributesAndAccess GetAttributesAndAccess() const;
+    /// Takes over a file that was opened for writing; an invalid handle is a failure of the call before.
+    /// @throws QVUtilsException "Unable to open file for writing"
+    void Adopt(void* systemHandle);
+    void* GetSystemHandle() const noexcept;
 
     /// Closes the file, so that a failure to do so is seen before anything relies on the new content.
     /// @throws QVUtilsException "Failed to write data to file"

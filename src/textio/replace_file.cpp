@@ -14,46 +14,49 @@ void ThrowIfFailed(uint32_t error, const char* message) {
     if (error != ERROR_SUCCESS) throw QVUtilsException(error, message);
 }
 
-/// Can the target be written at all, and is it a file on a disk? Asked before work is spent on its replacement.
-/// @throws QVUtilsException with the code that opening it gives
-bool IsOrdinaryFile(const std::wstring& path) {
-    const Win32::FileHandle file(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_WRITE,
-                                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                             OPEN_EXISTING, 0, nullptr));
-    if (!file) throw QVUtilsException(GetLastError(), kCannotOpen);
-    return GetFileType(file.Get()) == FILE_TYPE_DISK;
-}
-
-/// Creates a file beside `path` and gives its name. What is written never leaves the target's folder: taking a place is
-/// safe only within one volume. @throws QVUtilsException what opening reports
-std::wstring OpenBeside(const std::wstring& path, FileDataWriter& file) {
-    for (uint32_t number = GetTickCount();; ++number) {
-        std::wstring name =
-            Win32::ExtendedPath(Win32::JoinPath(Win32::FolderOf(path), L"~qv" + std::to_wstring(number) + L".tmp"));
-        try {
-            file.Open(name, false);
-            return name;
-        } catch (const QVUtilsException& failure) {
-            if (failure.GetErrorCode() != ErrorCode::FileExists) throw;
-        }
-    }
+/// @throws QVUtilsException when the state cannot be read
+Win32::FileState StateOf(void* openFile, const std::wstring& path) {
+    Win32::FileState state;
+    ThrowIfFailed(Win32::GetState(openFile, path, state), "Unable to read the access rights of the file");
+    return state;
 }
 
 }  // namespace
 
+Win32::FileState OriginalOf(const FileDataReader& reader, const std::wstring& path) {
+    Win32::FileState state = StateOf(reader.GetSystemHandle(), path);
+    state.stamp = reader.GetStamp();
+    return state;
+}
+
+std::optional<Win32::FileState> OriginalOf(const FileDataReader& reader, const std::wstring& path,
+                                           const std::wstring& target) {
+    if (_wcsicmp(path.c_str(), target.c_str()) != 0) return std::nullopt;
+    return OriginalOf(reader, path);
+}
+
+uint32_t LookAgain(const Win32::FileState& original) {
+    const uint32_t error = Win32::CheckUnchanged(original);
+    if (error == ERROR_FILE_INVALID)
+        throw QVUtilsException(ErrorCode::ReadFault, "The file was changed while it was read");
+    return error;
+}
+
 FileReplacement::~FileReplacement() {
+    if (m_isOurs && m_isBeside) Win32::RemoveWhenClosed(m_file.GetSystemHandle());
     m_file.Abandon();
     if (m_isOurs) Win32::RemoveFileAt(m_path.c_str());
 }
 
-void FileReplacement::Begin() {
+void FileReplacement::Begin(std::optional<Win32::FileState> original) {
     const std::wstring& path = m_request.target;
-    const bool exists = Win32::Exists(path);
+    const bool exists = original || Win32::Exists(path);
     if (exists && !m_request.mayOverwrite && !WantsBackup()) throw QVUtilsException(ErrorCode::FileExists, kCannotOpen);
-    // A read-only file cannot be opened for writing, but it can be moved aside.
-    m_isBeside = exists && (WantsBackup() || IsOrdinaryFile(path));
+    m_original = std::move(original);
+    m_isBeside = exists && LookAtTarget();
     if (m_isBeside) {
-        m_path = OpenBeside(path, m_file);
+        m_path = Win32::TemporaryNameBeside(m_original->path);
+        m_file.Adopt(Win32::CreateSuccessor(m_path, *m_original));
         m_isOurs = true;
     } else {
         m_path = Win32::ExtendedPath(path);
@@ -63,26 +66,46 @@ void FileReplacement::Begin() {
     m_buffer.emplace(m_file);
 }
 
+/// Can the target be written at all, and is it a file on a disk? Asked before work is spent on its replacement. A
+/// read-only file cannot be opened for writing, but it can be moved aside.
+bool FileReplacement::LookAtTarget() {
+    if (m_original && WantsBackup()) return true;
+    const DWORD access = READ_CONTROL | (WantsBackup() ? FILE_READ_ATTRIBUTES : GENERIC_WRITE);
+    const Win32::FileHandle file(CreateFileW(Win32::ExtendedPath(m_request.target).c_str(), access,
+                                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                             OPEN_EXISTING, 0, nullptr));
+    if (!file) throw QVUtilsException(GetLastError(), kCannotOpen);
+    if (GetFileType(file.Get()) != FILE_TYPE_DISK) return false;
+    if (!m_original) m_original = StateOf(file.Get(), m_request.target);
+    return true;
+}
+
 uint32_t FileReplacement::Commit() {
     m_buffer->Flush();
-    const auto present = m_isBeside ? m_file.GetAttributesAndAccess() : Win32::AttributesAndAccess();
+    if (m_isBeside) Complete();
     m_file.Close();
-    const uint32_t backupError = m_isBeside ? TakePlace(present) : ERROR_SUCCESS;
+    const uint32_t backupError = m_isBeside ? TakePlace() : ERROR_SUCCESS;
     m_isOurs = false;
     return backupError;
 }
 
+/// Gives the new file what it takes over from the target, and looks at that once more. As long as the new file is open
+/// it can be removed, whatever its access list says.
+void FileReplacement::Complete() {
+    ThrowIfFailed(Win32::CopyStreams(m_original->path, m_path, Win32::NamedStreamsOf(m_original->path)),
+                  "Unable to carry over the named streams of the file");
+    Win32::CarryOverAttributes(*m_original, m_file.GetSystemHandle());
+    ThrowIfFailed(LookAgain(*m_original), "Unable to replace the file");
+}
+
 uint32_t FileReplacement::MoveOver() {
-    ThrowIfFailed(Win32::MoveFileOver(m_path, m_request.target), "Unable to replace the file");
+    ThrowIfFailed(Win32::MoveFileOver(m_path, m_original->path), "Unable to replace the file");
     return ERROR_SUCCESS;
 }
 
-/// Gives the complete file, which has `present`, the target's name.
-uint32_t FileReplacement::TakePlace(const Win32::AttributesAndAccess& present) {
-    const std::wstring& target = m_request.target;
-    ThrowIfFailed(Win32::CopyStreams(target, m_path, Win32::NamedStreamsOf(target)),
-                  "Unable to carry over the named streams of the file");
-    Win32::CarryOverAttributesAndAccess(target, m_path, present);
+/// Gives the complete file the target's name.
+uint32_t FileReplacement::TakePlace() {
+    const std::wstring& target = m_original->path;
     if (!WantsBackup()) return MoveOver();
     // Moving is the question: asking first whether a name is free would cost another walk through the folder, and its
     // answer could be out of date.
@@ -102,9 +125,10 @@ uint32_t FileReplacement::TakePlace(const Win32::AttributesAndAccess& present) {
     return m_request.keepBackup ? ERROR_SUCCESS : Win32::RemoveFileWhateverItsAttributes(backup);
 }
 
-uint32_t ReplaceFileContent(const ReplaceRequest& request, const WriteContent& write) {
+uint32_t ReplaceFileContent(const ReplaceRequest& request, const WriteContent& write,
+                            std::optional<Win32::FileState> original) {
     FileReplacement replacement(request);
-    replacement.Begin();
+    replacement.Begin(std::move(original));
     write(replacement.GetWriter());
     return replacement.Commit();
 }

@@ -6,7 +6,9 @@
 #include <optional>
 #include <string>
 
+#include "textio/data_reader.h"
 #include "textio/data_writer.h"
+#include "win32/files.h"
 
 namespace QVUtils {
 
@@ -18,12 +20,26 @@ struct ReplaceRequest {
     bool dropBackup = false;    // as keepBackup, but the backup is deleted once the new file is in its place
 };
 
+/// The file at `path`, which `reader` has open, as it was when it was opened: what comes of its content may take its
+/// place only while it is still so.
+/// @throws QVUtilsException "Unable to read the access rights of the file"
+Win32::FileState OriginalOf(const FileDataReader& reader, const std::wstring& path);
+/// The same when `target` is that path, in whatever letters; else nothing.
+std::optional<Win32::FileState> OriginalOf(const FileDataReader& reader, const std::wstring& path,
+                                           const std::wstring& target);
+
+/// The last look before a file is replaced. Windows error code for which it cannot be replaced now, 0 when it can.
+/// @throws QVUtilsException "The file was changed while it was read" (30) when another program has saved or replaced it
+uint32_t LookAgain(const Win32::FileState& original);
+
 /// A new content for one file. Nothing of the old one is touched before the new one is complete:
 ///
-/// - An existing target is written beside itself. When complete, it gets the old file's attributes and access list, the
-///   old file is moved to a free backup name or replaced, and the new one takes its name. When none of the backup names
-///   is free, the old file is replaced without a backup. So the source of the content may be the target itself, and may
+/// - An existing target is written beside itself, under a name that nobody can guess and with the old file's access
+///   list from the start. When complete, it gets the old file's streams and attributes, the old file is moved to a free
+///   backup name or replaced, and the new one takes its name as it stands on disk. When none of the backup names is
+///   free, the old file is replaced without a backup. So the source of the content may be the target itself, and may
 ///   still be open for reading while it is written.
+/// - A target that another program has saved or replaced meanwhile stays as that program left it.
 /// - A new target is created under its name, and removed again unless it is completed.
 /// - A target that is no ordinary file (a device) is written as it is.
 class FileReplacement {
@@ -35,8 +51,10 @@ public:
     /// Removes what was written, unless it was committed.
     ~FileReplacement();
 
-    /// Opens the file to write to. @throws QVUtilsException "Unable to open file for writing"
-    void Begin();
+    /// Opens the file to write to. `original` is the target as it was read, when the content is made from it; without,
+    /// an existing target is as it is now.
+    /// @throws QVUtilsException "Unable to open file for writing", "Unable to read the access rights of the file"
+    void Begin(std::optional<Win32::FileState> original = std::nullopt);
     bool HasBegun() const noexcept { return m_buffer.has_value(); }
     /// Buffered. Only after Begin.
     DataWriter& GetWriter() { return *m_buffer; }
@@ -48,13 +66,16 @@ public:
 
 private:
     bool WantsBackup() const { return m_request.keepBackup || m_request.dropBackup; }
-    uint32_t TakePlace(const Win32::AttributesAndAccess& present);
+    bool LookAtTarget();
+    void Complete();
+    uint32_t TakePlace();
     uint32_t MoveOver();
 
     ReplaceRequest m_request;
     std::wstring m_path;    // what is written, as the system takes it at any length
     bool m_isOurs = false;  // it was created here and is not complete yet
     bool m_isBeside = false;
+    std::optional<Win32::FileState> m_original;  // of a target beside which is written
     FileDataWriter m_file;
     std::optional<BufferedDataWriter> m_buffer;
 };
@@ -62,7 +83,9 @@ private:
 /// Writes a target's content; what it throws makes the replacement fail.
 using WriteContent = std::function<void(DataWriter&)>;
 
-/// A whole replacement in one go. Result and failures: those of FileReplacement::Commit, and what `write` throws.
-uint32_t ReplaceFileContent(const ReplaceRequest& request, const WriteContent& write);
+/// A whole replacement in one go; `original` as for FileReplacement::Begin. Result and failures: those of
+/// FileReplacement::Commit, and what `write` throws.
+uint32_t ReplaceFileContent(const ReplaceRequest& request, const WriteContent& write,
+                            std::optional<Win32::FileState> original = std::nullopt);
 
 }  // namespace QVUtils

@@ -25,6 +25,8 @@ public:
     /// Bytes, as the file was when it was opened.
     uint64_t GetSize() const noexcept { return m_file->GetFileSize(); }
 
+    const FileDataReader& GetFile() const noexcept { return *m_file; }
+
     /// Reads the file from its first byte, once.
     DataReader& GetReader() noexcept { return *m_sampled; }
 

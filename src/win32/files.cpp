@@ -1,14 +1,14 @@
 #include "win32/files.h"
 
+#include <algorithm>
 #include <memory>
 #include <optional>
+#include <random>
 #include <string_view>
 #include <vector>
 
 #include "win32/handle.h"
 #include "win32/path.h"
-
-#include <aclapi.h>
 
 namespace Win32 {
 namespace {
@@ -18,13 +18,27 @@ constexpr DWORD kPauseMilliseconds = 50;
 constexpr DWORD kCarriedAttributes = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
                                      FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
 
-/// Runs `operation` (true for success) and, while another program holds the file, a few times more.
+/// Does another program keep the file from being moved or replaced this moment: has it open, or deleted it and not let
+/// go of it yet? The system reports both with the code that also means a want of rights. Allocates nothing.
+bool IsHeld(const wchar_t* path) noexcept {
+    const FileHandle alone(CreateFileW(path, DELETE, 0, nullptr, OPEN_EXISTING,
+                                       FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    if (alone) return false;
+    const DWORD error = GetLastError();
+    if (error == ERROR_SHARING_VIOLATION) return true;
+    // Of a file whose deletion is pending not even the attributes are given out; a want of rights keeps them from few.
+    return error == ERROR_ACCESS_DENIED && GetFileAttributesW(path) == INVALID_FILE_ATTRIBUTES &&
+           GetLastError() == ERROR_ACCESS_DENIED;
+}
+
+/// Runs `operation` (true for success) and, while another program holds one of the files, a few times more.
 template <class Operation>
-uint32_t WithRetries(Operation&& operation) {
+uint32_t WithRetries(std::initializer_list<const wchar_t*> paths, Operation&& operation) {
     for (int attempt = 1;; ++attempt) {
         if (operation()) return ERROR_SUCCESS;
         const DWORD error = GetLastError();
-        const bool held = error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
+        const bool held = error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION ||
+                          (error == ERROR_ACCESS_DENIED && std::ranges::any_of(paths, IsHeld));
         if (!held || attempt == kAttempts) return error;
         Sleep(kPauseMilliseconds);
     }
@@ -33,7 +47,8 @@ uint32_t WithRetries(Operation&& operation) {
 uint32_t Move(const std::wstring& from, const std::wstring& to, DWORD flags) {
     const std::wstring source = ExtendedPath(from);
     const std::wstring target = ExtendedPath(to);
-    return WithRetries([&] { return MoveFileExW(source.c_str(), target.c_str(), flags) != FALSE; });
+    return WithRetries({source.c_str(), target.c_str()},
+                       [&] { return MoveFileExW(source.c_str(), target.c_str(), flags) != FALSE; });
 }
 
 uint32_t CopyBytes(const FileHandle& from, const FileHandle& to) {
@@ -66,36 +81,101 @@ std::optional<FileIdentity> IdentityOf(const std::wstring& path) {
     return FileIdentity{information.dwVolumeSerialNumber, information.nFileIndexHigh, information.nFileIndexLow};
 }
 
-/// An access list in the form in which the system gives it out. `read(descriptor, capacity, size)` asks for it.
-template <class Read>
-std::vector<std::byte> ReadAccessList(Read&& read) {
+/// The access list within its descriptor, in the form in which the system gives it out; empty on a volume that knows
+/// none. Windows error code, 0 for success.
+uint32_t GetAccessList(HANDLE file, std::vector<std::byte>& descriptor) {
     constexpr DWORD kUsualSize = 1024;
-    std::vector<std::byte> descriptor(kUsualSize);
+    descriptor.resize(kUsualSize);
     DWORD size = 0;
-    const auto tryOnce = [&] { return read(descriptor.data(), static_cast<DWORD>(descriptor.size()), &size) != FALSE; };
+    const auto tryOnce = [&] {
+        return GetKernelObjectSecurity(file, DACL_SECURITY_INFORMATION, descriptor.data(),
+                                       static_cast<DWORD>(descriptor.size()), &size) != FALSE;
+    };
     bool isRead = tryOnce();
     if (!isRead && size > descriptor.size()) {
         descriptor.resize(size);
         isRead = tryOnce();
     }
-    if (!isRead) return {};
-    descriptor.resize(GetSecurityDescriptorLength(descriptor.data()));
-    return descriptor;
+    const DWORD error = isRead ? ERROR_SUCCESS : GetLastError();
+    descriptor.resize(isRead ? GetSecurityDescriptorLength(descriptor.data()) : 0);
+    const bool hasNone = error == ERROR_NOT_SUPPORTED || error == ERROR_INVALID_FUNCTION;
+    return hasNone ? ERROR_SUCCESS : error;
 }
 
-void GiveAccess(std::vector<std::byte> descriptor, std::wstring to) {
-    SECURITY_DESCRIPTOR_CONTROL control = 0;
-    DWORD revision = 0;
-    BOOL isPresent = FALSE;
-    BOOL isDefault = FALSE;
-    PACL list = nullptr;
-    if (!GetSecurityDescriptorControl(descriptor.data(), &control, &revision) ||
-        !GetSecurityDescriptorDacl(descriptor.data(), &isPresent, &list, &isDefault) || !isPresent)
-        return;
-    const SECURITY_INFORMATION inheritance =
-        control & SE_DACL_PROTECTED ? PROTECTED_DACL_SECURITY_INFORMATION : UNPROTECTED_DACL_SECURITY_INFORMATION;
-    SetNamedSecurityInfoW(to.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION | inheritance, nullptr, nullptr, list,
-                          nullptr);
+/// An access list that a new file is to have, and memory to look at the one that it has: once the file is there nothing
+/// may fail for want of memory.
+class WantedAccessList {
+public:
+    explicit WantedAccessList(const std::vector<std::byte>& descriptor)
+        : m_descriptor(descriptor), m_changed(descriptor), m_present(descriptor.size()) {}
+
+    bool IsOf(HANDLE file) {
+        DWORD size = 0;
+        return GetKernelObjectSecurity(file, DACL_SECURITY_INFORMATION, m_present.data(),
+                                       static_cast<DWORD>(m_present.size()), &size) &&
+               m_present == m_descriptor;
+    }
+
+    /// To create a file with. Protected for now: else the system would add what the folder hands down, for everybody to
+    /// read while the file is written.
+    void* ForCreation() {
+        SetControl(SE_DACL_PROTECTED);
+        return m_changed.data();
+    }
+
+    /// Turns the list of a file that was created so into the wanted one, to the last bit. False when it stays another.
+    bool GiveTo(HANDLE file) {
+        if (IsOf(file)) return true;
+        m_changed = m_descriptor;
+        SECURITY_DESCRIPTOR_CONTROL control = 0;
+        DWORD revision = 0;
+        GetSecurityDescriptorControl(m_changed.data(), &control, &revision);
+        // That the entries came from the folder is kept only when it is asked for.
+        if (control & SE_DACL_AUTO_INHERITED) SetControl(SE_DACL_AUTO_INHERIT_REQ);
+        // This call takes a list as it is. SetNamedSecurityInfoW would add what the folder hands down to new files.
+        return SetKernelObjectSecurity(file, DACL_SECURITY_INFORMATION, m_changed.data()) || IsOf(file);
+    }
+
+private:
+    void SetControl(SECURITY_DESCRIPTOR_CONTROL bit) { SetSecurityDescriptorControl(m_changed.data(), bit, bit); }
+
+    const std::vector<std::byte>& m_descriptor;
+    std::vector<std::byte> m_changed;
+    std::vector<std::byte> m_present;
+};
+
+/// The file's number on its volume, 0 when it is not given out. The documented way asks for the volume too, which is
+/// much more work, and here both files have the same path.
+uint64_t IndexOf(HANDLE file) {
+    struct StatusBlock {
+        void* status;
+        ULONG_PTR information;
+    };
+    using QueryFunction = LONG(NTAPI*)(HANDLE, StatusBlock*, void*, ULONG, int);
+    constexpr int kInternalInformation = 6;  // FileInternalInformation of FILE_INFORMATION_CLASS
+    static const auto query = reinterpret_cast<QueryFunction>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQueryInformationFile")));
+    StatusBlock block = {};
+    uint64_t index = 0;
+    return query && query(file, &block, &index, sizeof(index), kInternalInformation) >= 0 ? index : 0;
+}
+
+/// `path` with the file's name as it stands on disk: it may have been given in other letters, or by its short name.
+std::wstring PathOnDisk(HANDLE file, const std::wstring& path) {
+    const std::wstring_view given = FileNameOf(path);
+    struct {
+        FILE_NAME_INFO information;
+        wchar_t rest[512];  // longer ones are looked up in the folder
+    } name = {};
+    if (GetFileInformationByHandleEx(file, FileNameInfo, &name, sizeof(name)) &&
+        std::wstring_view(name.information.FileName, name.information.FileNameLength / sizeof(wchar_t))
+            .ends_with(std::wstring(L"\\").append(given)))
+        return path;
+    // The folder's entry, since the open file may be one that a link leads to.
+    WIN32_FIND_DATAW entry = {};
+    const FindHandle search(
+        FindFirstFileExW(ExtendedPath(path).c_str(), FindExInfoBasic, &entry, FindExSearchNameMatch, nullptr, 0));
+    return search ? std::wstring(FolderOf(path)) + entry.cFileName : path;
 }
 
 }  // namespace
@@ -114,7 +194,7 @@ uint32_t MoveFileOver(const std::wstring& from, const std::wstring& to) {
 
 uint32_t RemoveFile(const std::wstring& path) {
     const std::wstring target = ExtendedPath(path);
-    return WithRetries([&] { return DeleteFileW(target.c_str()) != FALSE; });
+    return WithRetries({target.c_str()}, [&] { return DeleteFileW(target.c_str()) != FALSE; });
 }
 
 uint32_t RemoveFileWhateverItsAttributes(const std::wstring& path) {
@@ -122,7 +202,7 @@ uint32_t RemoveFileWhateverItsAttributes(const std::wstring& path) {
 }
 
 uint32_t RemoveFileAt(const wchar_t* extendedPath) noexcept {
-    const auto remove = [&] { return WithRetries([&] { return DeleteFileW(extendedPath) != FALSE; }); };
+    const auto remove = [&] { return WithRetries({extendedPath}, [&] { return DeleteFileW(extendedPath) != FALSE; }); };
     const uint32_t error = remove();
     if (error != ERROR_ACCESS_DENIED) return error;
     SetFileAttributesW(extendedPath, FILE_ATTRIBUTE_NORMAL);
@@ -134,36 +214,94 @@ bool IsSameFile(const std::wstring& left, const std::wstring& right) {
     return leftIdentity && leftIdentity == IdentityOf(right);
 }
 
-AttributesAndAccess AttributesAndAccessOf(const std::wstring& path) {
-    const std::wstring extended = ExtendedPath(path);
-    return {GetFileAttributesW(extended.c_str()), ReadAccessList([&](void* descriptor, DWORD capacity, DWORD* size) {
-                return GetFileSecurityW(extended.c_str(), DACL_SECURITY_INFORMATION, descriptor, capacity, size);
-            })};
-}
-
-AttributesAndAccess AttributesAndAccessOf(void* openFile) {
+uint32_t GetStamp(void* openFile, FileStamp& stamp) {
     FILE_BASIC_INFO basic = {};
-    const bool isKnown = GetFileInformationByHandleEx(openFile, FileBasicInfo, &basic, sizeof(basic)) != FALSE;
-    return {isKnown ? basic.FileAttributes : INVALID_FILE_ATTRIBUTES,
-            ReadAccessList([&](void* descriptor, DWORD capacity, DWORD* size) {
-                return GetKernelObjectSecurity(openFile, DACL_SECURITY_INFORMATION, descriptor, capacity, size);
-            })};
+    LARGE_INTEGER size = {};
+    if (!GetFileSizeEx(openFile, &size) ||
+        !GetFileInformationByHandleEx(openFile, FileBasicInfo, &basic, sizeof(basic)))
+        return GetLastError();
+    stamp = {IndexOf(openFile), static_cast<uint64_t>(size.QuadPart), basic.LastWriteTime.QuadPart};
+    return ERROR_SUCCESS;
 }
 
-void CarryOverAttributesAndAccess(const std::wstring& from, const std::wstring& to,
-                                  const AttributesAndAccess& present) {
-    const AttributesAndAccess wanted = AttributesAndAccessOf(from);
-    const std::wstring target = ExtendedPath(to);
-    // Mostly the new file has what it needs from its folder already: then nothing is written.
-    if (!wanted.accessList.empty() && wanted.accessList != present.accessList) GiveAccess(wanted.accessList, target);
-    if (wanted.attributes == INVALID_FILE_ATTRIBUTES) return;
-    const DWORD carried = wanted.attributes & kCarriedAttributes;
-    if (carried == (present.attributes & kCarriedAttributes)) return;
-    SetFileAttributesW(target.c_str(), carried ? carried : FILE_ATTRIBUTE_NORMAL);
+uint32_t GetState(void* openFile, const std::wstring& path, FileState& state) {
+    FILE_BASIC_INFO basic = {};
+    if (!GetFileInformationByHandleEx(openFile, FileBasicInfo, &basic, sizeof(basic))) return GetLastError();
+    state.path = PathOnDisk(openFile, path);
+    state.attributes = basic.FileAttributes;
+    const uint32_t error = GetStamp(openFile, state.stamp);
+    return error ? error : GetAccessList(openFile, state.accessList);
 }
 
-void CarryOverAttributesAndAccess(const std::wstring& from, const std::wstring& to) {
-    CarryOverAttributesAndAccess(from, to, AttributesAndAccessOf(to));
+uint32_t GetState(const std::wstring& path, FileState& state) {
+    const FileHandle file(CreateFileW(ExtendedPath(path).c_str(), READ_CONTROL | FILE_READ_ATTRIBUTES,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING, 0,
+                                      nullptr));
+    return file ? GetState(file.Get(), path, state) : GetLastError();
+}
+
+uint32_t CheckUnchanged(const FileState& state) {
+    const std::wstring path = ExtendedPath(state.path);
+    FileHandle file;
+    const uint32_t error = WithRetries({path.c_str()}, [&] {
+        file.Reset(CreateFileW(path.c_str(), DELETE | FILE_READ_ATTRIBUTES,
+                               FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING, 0,
+                               nullptr));
+        return static_cast<bool>(file);
+    });
+    if (error == ERROR_FILE_NOT_FOUND) return ERROR_FILE_INVALID;
+    if (error != ERROR_SUCCESS) return error;
+    FileStamp stamp;
+    if (const uint32_t stampError = GetStamp(file.Get(), stamp)) return stampError;
+    return stamp == state.stamp ? ERROR_SUCCESS : ERROR_FILE_INVALID;
+}
+
+std::wstring TemporaryNameBeside(const std::wstring& path) {
+    constexpr wchar_t kDigits[] = L"0123456789abcdef";
+    std::random_device random;
+    std::wstring name = L"~qv";
+    for (uint64_t number = uint64_t{random()} << 32 | random(), digit = 0; digit < 16; ++digit, number >>= 4)
+        name += kDigits[number & 15];
+    return ExtendedPath(JoinPath(FolderOf(path), name + L".tmp"));
+}
+
+void* CreateSuccessor(const std::wstring& extendedPath, const FileState& original) {
+    const auto create = [&](SECURITY_ATTRIBUTES* security) {
+        return CreateFileW(extendedPath.c_str(), GENERIC_WRITE | READ_CONTROL | WRITE_DAC | DELETE, FILE_SHARE_READ,
+                           security, CREATE_NEW, 0, nullptr);
+    };
+    WantedAccessList wanted(original.accessList);
+    // Mostly both files have what their folder hands down.
+    FileHandle file(create(nullptr));
+    if (!file || original.accessList.empty() || wanted.IsOf(file.Get())) return file.Release();
+    const auto discard = [&] {
+        const DWORD error = GetLastError();
+        RemoveWhenClosed(file.Get());
+        file.Reset();
+        RemoveFileAt(extendedPath.c_str());
+        SetLastError(error);
+    };
+    discard();
+    SECURITY_ATTRIBUTES security = {sizeof(security), wanted.ForCreation(), FALSE};
+    file.Reset(create(&security));
+    if (file && !wanted.GiveTo(file.Get())) discard();
+    return file.Release();
+}
+
+void CarryOverAttributes(const FileState& original, void* openFile) {
+    FILE_BASIC_INFO basic = {};
+    const DWORD carried = original.attributes & kCarriedAttributes;
+    if (!GetFileInformationByHandleEx(openFile, FileBasicInfo, &basic, sizeof(basic)) ||
+        (basic.FileAttributes & kCarriedAttributes) == carried)
+        return;
+    basic = {};  // times of 0 stay as they are
+    basic.FileAttributes = carried ? carried : FILE_ATTRIBUTE_NORMAL;
+    SetFileInformationByHandle(openFile, FileBasicInfo, &basic, sizeof(basic));
+}
+
+void RemoveWhenClosed(void* openFile) noexcept {
+    FILE_DISPOSITION_INFO disposition = {TRUE};
+    SetFileInformationByHandle(openFile, FileDispositionInfo, &disposition, sizeof(disposition));
 }
 
 std::vector<std::wstring> NamedStreamsOf(const std::wstring& path) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "fileutils/command_runner.h"
+#include "support/access_list.h"
 #include "support/small_texts.h"
 #include "win32/handle.h"
 
@@ -24,7 +25,7 @@ TEST(TextConverter, FollowsThePlainRulesWhereverTheBlocksAreCut) {
             RunTarget(QVFuzz::RunTextConversion, {tabWidth * 4 + kTabsToSpaces, 2}, text);
 }
 
-TEST(TextConversionCommand, ConvertsTheSelectionAndKeepsAttributes) {
+TEST(TextConversionCommand, ConvertsTheSelectionAndKeepsNameAttributesAndAccess) {
     const struct {
         const wchar_t* id;
         Names answers;
@@ -41,12 +42,14 @@ TEST(TextConversionCommand, ConvertsTheSelectionAndKeepsAttributes) {
         const CommandRunner runner;
         const std::wstring first = runner.Write(L"a.txt", "a\tb\r\n\nc\r");
         const std::wstring second = runner.Write(L"b", "a\tb\r\n\nc\r");
+        const auto access = GiveAccessList(first, kNarrowList);
         SetFileAttributesW(first.c_str(), FILE_ATTRIBUTE_HIDDEN);
-        const HostRun run = runner.Run({L"command", c.id, first, second}, c.answers);
+        const HostRun run = runner.Run({L"command", c.id, runner / L"A.TXT", second}, c.answers);
         EXPECT_EQ(run.status, 0) << run.error;
         EXPECT_TRUE(Holds(run.error, "[question] Convert text: Files that will be changed: 2."));
         EXPECT_EQ(runner.ReadAll(), (Contents{{L"a.txt", c.expected}, {L"b", c.expected}})) << run.error;
         EXPECT_EQ(GetFileAttributesW(first.c_str()) & FILE_ATTRIBUTE_HIDDEN, DWORD{FILE_ATTRIBUTE_HIDDEN});
+        EXPECT_EQ(AccessListOf(first), access);
     }
 }
 

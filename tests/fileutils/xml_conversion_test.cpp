@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "fileutils/command_runner.h"
+#include "support/access_list.h"
 
 namespace {
 
@@ -62,6 +63,28 @@ TEST(XmlConversion, LeavesABadDocumentAloneAndSaysWhere) {
     EXPECT_TRUE(Holds(runner.Read(L"good.xml"), "<a><b/></a>"));
     EXPECT_TRUE(Holds(run.error, "empty.xml: it holds no XML"));
     EXPECT_EQ(runner.List().size(), 3u);
+}
+
+TEST(XmlConversion, KeepsNameAndAccess) {
+    const CommandRunner runner;
+    const std::wstring path = runner.Write(L"a.xml", "<a> <b/> </a>");
+    const auto access = GiveAccessList(path, kNarrowList);
+    EXPECT_EQ(runner.Run({L"command", L"30201", runner / L"A.XML"}).status, 0);
+    EXPECT_EQ(runner.List(), Names{L"a.xml"});
+    EXPECT_TRUE(Holds(runner.Read(L"a.xml"), "<a><b/></a>"));
+    EXPECT_EQ(AccessListOf(path), access);
+}
+
+TEST(XmlConversion, LeavesNothingBesideAReadOnlyFileInUse) {
+    const CommandRunner runner;
+    const std::wstring path = runner.Write(L"a.xml", "<a> <b/> </a>");
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    {
+        const Win32::FileHandle holder(
+            CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+        runner.Run({L"command", L"30201", path}, {L"ok"});
+    }
+    EXPECT_EQ(runner.ReadAll(), (Contents{{L"a.xml", "<a> <b/> </a>"}}));
 }
 
 TEST(XmlConversion, TakesANameForANameAndNotForAnAddress) {

@@ -131,6 +131,9 @@ std::vector<Row> WatchedCalls() {
         QV_CALL(True, CreateHardLinkW),
         QV_CALL(Handle, FindFirstFileExW),
         QV_CALL(Handle, FindFirstStreamW),
+        QV_CALL(True, SetFileInformationByHandle),
+        QV_CALL(True, GetKernelObjectSecurity),
+        QV_CALL(True, SetKernelObjectSecurity),
         QV_CALL(Code, GetNamedSecurityInfoW),
         QV_CALL(Code, SetNamedSecurityInfoW),
     };

@@ -2,12 +2,15 @@
 // behind, the failure is told, and the next file is done all the same.
 #include <algorithm>
 #include <set>
+#include <utility>
 
 #include <gtest/gtest.h>
 
 #include "reliability/failing_calls.h"
 #include "reliability/in_process_host.h"
+#include "reliability/replaced_imports.h"
 #include "reliability/writing_commands.h"
+#include "win32/handle.h"
 
 namespace {
 
@@ -78,6 +81,20 @@ std::string FaultOf(const WritingCommand& command, const Contents& before, const
     return {};
 }
 
+// The file that another program saves once, with the library's next write.
+std::wstring g_saved;
+
+BOOL WINAPI SaveAndWrite(HANDLE file, LPCVOID data, DWORD size, LPDWORD written, LPOVERLAPPED operation) {
+    if (!g_saved.empty()) {
+        const Win32::FileHandle other(CreateFileW(std::exchange(g_saved, L"").c_str(), FILE_APPEND_DATA,
+                                                  FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
+                                                  nullptr));
+        DWORD added = 0;
+        EXPECT_TRUE(WriteFile(other.Get(), "+", 1, &added, nullptr));
+    }
+    return WriteFile(file, data, size, written, operation);
+}
+
 }  // namespace
 
 class FileFaults : public testing::TestWithParam<WritingCommand> {};
@@ -124,6 +141,25 @@ TEST_P(FileFaults, LoseNothingAndAreTold) {
             EXPECT_LE(notDone, isLasting || isRefused ? 2 : 1);
             EXPECT_TRUE(error != 0 || now == done);
         }
+}
+
+TEST_P(FileFaults, AnotherProgramsSaveStays) {
+    const WritingCommand& command = GetParam();
+    const InProcessHost host;
+    const WorkFolder undisturbed(command);
+    host.Run(undisturbed.Arguments());
+    const Contents done = undisturbed.Read();
+    const auto original = command.files.find(L"a.txt");
+    if (original == command.files.end() || Holds(done, L"a.txt", original->second)) return;  // not replaced
+
+    const ReplacedImport write(host.Library(), "WriteFile", reinterpret_cast<void*>(&SaveAndWrite));
+    const WorkFolder work(command);
+    g_saved = work.Path() + L"\\a.txt";
+    const HostRun run = host.Run(work.Arguments());
+    const Contents now = work.Read();
+    EXPECT_EQ(PartOf(now, L'a'), (Contents{{L"a.txt", original->second + "+"}})) << run.Said();
+    EXPECT_EQ(PartOf(now, L'b'), PartOf(done, L'b')) << run.Said();
+    EXPECT_TRUE(Contains(run.Said(), L"a.txt") && Contains(run.Said(), L"The file was changed")) << run.Said();
 }
 
 QV_WITH_EVERY_WRITING_COMMAND(FileFaults);

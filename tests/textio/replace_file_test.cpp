@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "support/access_list.h"
 #include "support/temporary_folder.h"
 #include "win32/files.h"
 #include "win32/handle.h"
 
-#include <sddl.h>
-
 using namespace QVUtils;
+using QVTest::AccessListOf;
 using QVTest::Contents;
 using QVTest::TemporaryFolder;
 
@@ -22,12 +22,29 @@ void WriteHalfAndFail(DataWriter& writer) {
     throw QVUtilsException(112, "Failed to write data to file");
 }
 
-uint32_t ErrorOf(const ReplaceRequest& request, const WriteContent& write) {
+uint32_t ErrorOf(const ReplaceRequest& request, const WriteContent& write,
+                 const std::optional<Win32::FileState>& original = std::nullopt) {
     try {
-        return ReplaceFileContent(request, write);
+        return ReplaceFileContent(request, write, original);
     } catch (const QVUtilsException& failure) {
         return failure.GetErrorCode();
     }
+}
+
+/// Over the file, with a backup that stays, and with one that goes.
+const ReplaceRequest kWays[] = {{L"", true, false, false}, {L"", false, true, false}, {L"", false, false, true}};
+
+ReplaceRequest To(const std::wstring& target, ReplaceRequest way) {
+    way.target = target;
+    return way;
+}
+
+/// Gives a file a write time of long ago.
+void MakeOld(const std::wstring& path) {
+    const Win32::FileHandle file(CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                             nullptr, OPEN_EXISTING, 0, nullptr));
+    const FILETIME longAgo = {0, 0x01C00000};
+    ASSERT_TRUE(SetFileTime(file.Get(), nullptr, nullptr, &longAgo));
 }
 
 }  // namespace
@@ -80,25 +97,97 @@ TEST(ReplaceFileContent, ReadOnlyFilesAreReplacedAndStayReadOnly) {
     EXPECT_TRUE(GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_READONLY);
 }
 
-TEST(ReplaceFileContent, WhoMayWriteTheOldFileMayWriteTheNewOne) {
+TEST(ReplaceFileContent, TheNewFileHasExactlyTheOldAccessListFromItsFirstByte) {
+    for (const wchar_t* list : {L"D:(A;;FA;;;WD)", QVTest::kNarrowList})
+        for (const ReplaceRequest& way : kWays) {
+            const TemporaryFolder folder;
+            const std::wstring path = folder.Write(L"a", "old");
+            const auto wanted = QVTest::GiveAccessList(path, list);
+            const auto lookWhileItIsWritten = [&](DataWriter& writer) {
+                WriteNew(writer);
+                const std::wstring beside = folder / folder.List().back();
+                ASSERT_NE(beside.find(L"~qv"), std::wstring::npos);
+                EXPECT_EQ(AccessListOf(beside), wanted);
+                const Win32::FileHandle intruder(CreateFileW(beside.c_str(), GENERIC_WRITE,
+                                                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                                             nullptr, OPEN_EXISTING, 0, nullptr));
+                EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
+            };
+            EXPECT_EQ(ErrorOf(To(path, way), lookWhileItIsWritten), 0u);
+            EXPECT_EQ(folder.Read(L"a"), "new");
+            EXPECT_EQ(AccessListOf(path), wanted);
+            EXPECT_TRUE(!way.keepBackup || AccessListOf(path + L".bak") == wanted);
+        }
+}
+
+TEST(ReplaceFileContent, TheNameStaysAsItStandsOnDisk) {
+    for (const ReplaceRequest& way : kWays) {
+        const TemporaryFolder folder;
+        folder.Write(L"a.txt", "old");
+        EXPECT_EQ(ErrorOf(To(folder / L"A.TXT", way), WriteNew), 0u);
+        Contents expected = {{L"a.txt", "new"}};
+        if (way.keepBackup) expected[L"a.txt.bak"] = "old";
+        EXPECT_EQ(folder.ReadAll(), expected);
+    }
+}
+
+/// What other programs do to a file between its opening and its replacement.
+TEST(ReplaceFileContent, AnotherProgramsSaveEndsTheReplacement) {
+    const struct {
+        const char* why;
+        void (*save)(const TemporaryFolder&);
+        Contents expected;
+    } cases[] = {
+        {"longer", [](const TemporaryFolder& folder) { folder.Write(L"a", "longer"); }, {{L"a", "longer"}}},
+        {"as long", [](const TemporaryFolder& folder) { folder.Write(L"a", "two"); }, {{L"a", "two"}}},
+        {"longer, with the old time",
+         [](const TemporaryFolder& folder) { MakeOld(folder.Write(L"a", "longer")); },
+         {{L"a", "longer"}}},
+        {"as long and with the old time, by a file of its own",
+         [](const TemporaryFolder& folder) {
+             MakeOld(folder.Write(L"b", "two"));
+             ASSERT_EQ(Win32::MoveFileOver(folder / L"b", folder / L"a"), 0u);
+         },
+         {{L"a", "two"}}},
+        {"removed", [](const TemporaryFolder& folder) { Win32::RemoveFile(folder / L"a"); }, {}},
+    };
+    for (const auto& c : cases)
+        for (const ReplaceRequest& way : kWays)
+            for (const bool isRead : {true, false}) {
+                const TemporaryFolder folder;
+                const std::wstring path = folder.Write(L"a", "old");
+                MakeOld(path);
+                std::optional<Win32::FileState> original;
+                if (isRead) original = OriginalOf(FileDataReader(path), path, path);
+                const auto write = [&](DataWriter& writer) {
+                    WriteNew(writer);
+                    c.save(folder);
+                };
+                EXPECT_EQ(ErrorOf(To(path, way), write, original), ErrorCode::ReadFault) << c.why;
+                EXPECT_EQ(folder.ReadAll(), c.expected) << c.why;
+            }
+}
+
+TEST(ReplaceFileContent, ASaveBeforeTheFirstByteIsWrittenCountsToo) {
     const TemporaryFolder folder;
     const std::wstring path = folder.Write(L"a", "old");
-    const auto usual = Win32::AttributesAndAccessOf(path).accessList;
-    PSECURITY_DESCRIPTOR raw = nullptr;
-    ASSERT_TRUE(
-        ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:(A;;FA;;;WD)", SDDL_REVISION_1, &raw, nullptr));
-    const Win32::LocalMemory everybody(raw);
-    ASSERT_TRUE(SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, raw));
-    const auto wide = Win32::AttributesAndAccessOf(path).accessList;
-    ASSERT_NE(wide, usual);
-    EXPECT_EQ(ErrorOf({path, true, false, false}, WriteNew), 0u);
-    EXPECT_EQ(folder.ReadAll(), (Contents{{L"a", "new"}}));
-    EXPECT_EQ(Win32::AttributesAndAccessOf(path).accessList, wide);
+    FileDataReader reader(path);
+    {
+        const Win32::FileHandle other(CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                                  nullptr, OPEN_EXISTING, 0, nullptr));
+        DWORD written = 0;
+        ASSERT_TRUE(WriteFile(other.Get(), "er", 2, &written, nullptr));
+    }
+    const auto original = OriginalOf(reader, path, folder / L"A");
+    reader.Close();
+    EXPECT_EQ(ErrorOf(To(path, kWays[0]), WriteNew, original), ErrorCode::ReadFault);
+    EXPECT_EQ(folder.ReadAll(), (Contents{{L"a", "older"}}));
 }
 
 TEST(ReplaceFileContent, AFileHeldByAnotherProgramStaysAsItIs) {
     const TemporaryFolder folder;
     const std::wstring path = folder.Write(L"a", "old");
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);  // which the removed replacement has by then as well
     {
         const Win32::FileHandle holder(CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
         EXPECT_EQ(ErrorOf({path, false, true, false}, WriteNew), ERROR_SHARING_VIOLATION);

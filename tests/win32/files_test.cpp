@@ -2,7 +2,31 @@
 
 #include <gtest/gtest.h>
 
+#include "reliability/replaced_imports.h"
 #include "support/temporary_folder.h"
+#include "win32/handle.h"
+
+namespace {
+
+// What stands in for the system's pause and move.
+Win32::FileHandle g_holder;
+int g_pauses = 0;
+
+void WINAPI LetGo(DWORD) {
+    ++g_pauses;
+    g_holder.Reset();
+}
+
+BOOL WINAPI RefuseMove(const wchar_t*, const wchar_t*, DWORD) {
+    SetLastError(ERROR_ACCESS_DENIED);
+    return FALSE;
+}
+
+QVTest::ReplacedImport Replace(const char* name, auto* function) {
+    return {GetModuleHandleW(nullptr), name, reinterpret_cast<void*>(function)};
+}
+
+}  // namespace
 
 // The test platform keeps what is written to "name:stream" in an ordinary file of that name, so the copying can be
 // seen; it lists no streams, so their names are given here.
@@ -19,4 +43,55 @@ TEST(Files, CopyEveryNamedStreamOrSayWhichErrorStoppedThem) {
     EXPECT_EQ(folder.Read(L"new.txt:large:$DATA"), large);
     EXPECT_EQ(folder.Read(L"new.txt"), "changed");
     EXPECT_EQ(Win32::CopyStreams(folder / L"old.txt", folder / L"new.txt", {L":gone:$DATA"}), 2u);
+}
+
+TEST(Files, AHeldFileIsReplacedAsSoonAsItIsFree) {
+    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const struct {
+        const char* why;
+        DWORD sharing;
+        bool isDeleted;
+    } cases[] = {
+        {"for nobody else", 0, false},
+        {"for readers", FILE_SHARE_READ, false},
+        {"for everybody, as scanners do", kShareAll, false},
+        {"already deleted", kShareAll, true},
+    };
+    const auto pause = Replace("Sleep", LetGo);
+    for (const auto& c : cases) {
+        const QVTest::TemporaryFolder folder;
+        const std::wstring from = folder.Write(L"new", "new");
+        const std::wstring to = folder.Write(L"old", "old");
+        g_pauses = 0;
+        g_holder.Reset(CreateFileW(to.c_str(), GENERIC_READ, c.sharing, nullptr, OPEN_EXISTING, 0, nullptr));
+        ASSERT_TRUE(g_holder);
+        ASSERT_TRUE(!c.isDeleted || DeleteFileW(to.c_str()));
+        EXPECT_EQ(Win32::MoveFileOver(from, to), 0u) << c.why;
+        EXPECT_EQ(g_pauses, 1) << c.why;
+        EXPECT_EQ(folder.ReadAll(), (QVTest::Contents{{L"old", "new"}})) << c.why;
+    }
+}
+
+TEST(Files, AWantOfRightsIsReportedAtOnce) {
+    const QVTest::TemporaryFolder folder;
+    const std::wstring from = folder.Write(L"new", "new");
+    const std::wstring to = folder.Write(L"old", "old");
+    const auto pause = Replace("Sleep", LetGo);
+    const auto move = Replace("MoveFileExW", RefuseMove);
+    g_pauses = 0;
+    EXPECT_EQ(Win32::MoveFileOver(from, to), ERROR_ACCESS_DENIED);
+    SetFileAttributesW(to.c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_EQ(Win32::MoveFileOver(from, to), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(Win32::RemoveFile(to), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(g_pauses, 0);
+}
+
+TEST(Files, TemporaryFilesAreNobodyElses) {
+    const QVTest::TemporaryFolder folder;
+    Win32::FileState original;
+    original.path = folder.Write(L"a", "old");
+    EXPECT_NE(Win32::TemporaryNameBeside(original.path), Win32::TemporaryNameBeside(original.path));
+    EXPECT_EQ(Win32::CreateSuccessor(original.path, original), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), ERROR_FILE_EXISTS);
+    EXPECT_EQ(folder.ReadAll(), (QVTest::Contents{{L"a", "old"}}));
 }
