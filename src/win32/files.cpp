@@ -152,8 +152,9 @@ uint64_t IndexOf(HANDLE file) {
         ULONG_PTR information;
     };
     using QueryFunction = LONG(NTAPI*)(HANDLE, StatusBlock*, void*, ULONG, int);
+    // Looked up each time: the lock of a static variable needs memory, and without it the process would end.
     constexpr int kInternalInformation = 6;  // FileInternalInformation of FILE_INFORMATION_CLASS
-    static const auto query = reinterpret_cast<QueryFunction>(
+    const auto query = reinterpret_cast<QueryFunction>(
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQueryInformationFile")));
     StatusBlock block = {};
     uint64_t index = 0;
