@@ -22,6 +22,16 @@ BOOL WINAPI RefuseMove(const wchar_t*, const wchar_t*, DWORD) {
     return FALSE;
 }
 
+HANDLE WINAPI RefuseOpen(const wchar_t*, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE) {
+    SetLastError(ERROR_ACCESS_DENIED);
+    return INVALID_HANDLE_VALUE;
+}
+
+DWORD WINAPI RefuseAttributes(const wchar_t*) {
+    SetLastError(ERROR_ACCESS_DENIED);
+    return INVALID_FILE_ATTRIBUTES;
+}
+
 QVTest::ReplacedImport Replace(const char* name, auto* function) {
     return {GetModuleHandleW(nullptr), name, reinterpret_cast<void*>(function)};
 }
@@ -72,7 +82,7 @@ TEST(Files, AHeldFileIsReplacedAsSoonAsItIsFree) {
     }
 }
 
-TEST(Files, AWantOfRightsIsReportedAtOnce) {
+TEST(Files, AWantOfRightsIsReportedAtOnceAndAPendingDeletionWaitedFor) {
     const QVTest::TemporaryFolder folder;
     const std::wstring from = folder.Write(L"new", "new");
     const std::wstring to = folder.Write(L"old", "old");
@@ -83,7 +93,13 @@ TEST(Files, AWantOfRightsIsReportedAtOnce) {
     SetFileAttributesW(to.c_str(), FILE_ATTRIBUTE_READONLY);
     EXPECT_EQ(Win32::MoveFileOver(from, to), ERROR_ACCESS_DENIED);
     EXPECT_EQ(Win32::RemoveFile(to), ERROR_ACCESS_DENIED);
+    const auto open = Replace("CreateFileW", RefuseOpen);
+    EXPECT_EQ(Win32::MoveFileOver(from, to), ERROR_ACCESS_DENIED);
     EXPECT_EQ(g_pauses, 0);
+    // Nothing at all is given out of a file that is deleted, but still open somewhere.
+    const auto attributes = Replace("GetFileAttributesW", RefuseAttributes);
+    EXPECT_EQ(Win32::MoveFileOver(from, to), ERROR_ACCESS_DENIED);
+    EXPECT_GT(g_pauses, 0);
 }
 
 TEST(Files, TemporaryFilesAreNobodyElses) {
