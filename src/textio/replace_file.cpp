@@ -9,6 +9,8 @@ namespace QVUtils {
 namespace {
 
 constexpr char kCannotOpen[] = "Unable to open file for writing";
+constexpr char kNoBackup[] = "Unable to make a backup of the file";
+constexpr char kNotReplaced[] = "Unable to replace the file";
 
 void ThrowIfFailed(uint32_t error, const char* message) {
     if (error != ERROR_SUCCESS) throw QVUtilsException(error, message);
@@ -95,11 +97,11 @@ void FileReplacement::Complete() {
     ThrowIfFailed(Win32::CopyStreams(m_original->path, m_path, Win32::NamedStreamsOf(m_original->path)),
                   "Unable to carry over the named streams of the file");
     Win32::CarryOverAttributes(*m_original, m_file.GetSystemHandle());
-    ThrowIfFailed(LookAgain(*m_original), "Unable to replace the file");
+    ThrowIfFailed(LookAgain(*m_original), WantsBackup() ? kNoBackup : kNotReplaced);
 }
 
 uint32_t FileReplacement::MoveOver() {
-    ThrowIfFailed(Win32::MoveFileOver(m_path, m_original->path), "Unable to replace the file");
+    ThrowIfFailed(Win32::MoveFileOver(m_path, m_original->path), kNotReplaced);
     return ERROR_SUCCESS;
 }
 
@@ -115,12 +117,12 @@ uint32_t FileReplacement::TakePlace() {
         return moveError == ERROR_ALREADY_EXISTS || moveError == ERROR_FILE_EXISTS;
     });
     if (backup.empty()) return MoveOver();
-    ThrowIfFailed(moveError, "Unable to make a backup of the file");
+    ThrowIfFailed(moveError, kNoBackup);
     const uint32_t error = Win32::MoveFileTo(m_path, target);
     if (error != ERROR_SUCCESS) {
         const bool isBack = Win32::MoveFileTo(backup, target) == ERROR_SUCCESS;
-        ThrowIfFailed(error, isBack ? "Unable to replace the file"
-                                    : "Unable to replace the file (the original is kept in its .bak file)");
+        ThrowIfFailed(error,
+                      isBack ? kNotReplaced : "Unable to replace the file (the original is kept in its .bak file)");
     }
     return m_request.keepBackup ? ERROR_SUCCESS : Win32::RemoveFileWhateverItsAttributes(backup);
 }
