@@ -82,6 +82,18 @@ TEST(Files, AHeldFileIsReplacedAsSoonAsItIsFree) {
     }
 }
 
+TEST(Files, AHeldFileIsLookedAtAgainAsSoonAsItIsFree) {
+    const auto pause = Replace("Sleep", LetGo);
+    const QVTest::TemporaryFolder folder;
+    const std::wstring path = folder.Write(L"a", "old");
+    Win32::FileState state;
+    ASSERT_EQ(Win32::GetState(path, state), 0u);
+    g_pauses = 0;
+    g_holder.Reset(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    EXPECT_EQ(Win32::CheckUnchanged(state), 0u);
+    EXPECT_EQ(g_pauses, 1);
+}
+
 TEST(Files, AWantOfRightsIsReportedAtOnceAndAPendingDeletionWaitedFor) {
     const QVTest::TemporaryFolder folder;
     const std::wstring from = folder.Write(L"new", "new");
