@@ -81,18 +81,26 @@ std::string FaultOf(const WritingCommand& command, const Contents& before, const
     return {};
 }
 
-// The file that another program saves once, with the library's next write.
+// The file that another program saves once, with the library's next call.
 std::wstring g_saved;
 
+void SaveOnce() {
+    if (g_saved.empty()) return;
+    const Win32::FileHandle other(CreateFileW(std::exchange(g_saved, L"").c_str(), FILE_APPEND_DATA,
+                                              FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
+    DWORD added = 0;
+    EXPECT_TRUE(WriteFile(other.Get(), "+", 1, &added, nullptr));
+}
+
 BOOL WINAPI SaveAndWrite(HANDLE file, LPCVOID data, DWORD size, LPDWORD written, LPOVERLAPPED operation) {
-    if (!g_saved.empty()) {
-        const Win32::FileHandle other(CreateFileW(std::exchange(g_saved, L"").c_str(), FILE_APPEND_DATA,
-                                                  FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
-                                                  nullptr));
-        DWORD added = 0;
-        EXPECT_TRUE(WriteFile(other.Get(), "+", 1, &added, nullptr));
-    }
+    SaveOnce();
     return WriteFile(file, data, size, written, operation);
+}
+
+BOOL WINAPI ReadAndSave(HANDLE file, LPVOID data, DWORD size, LPDWORD read, LPOVERLAPPED operation) {
+    const BOOL isRead = ReadFile(file, data, size, read, operation);
+    SaveOnce();
+    return isRead;
 }
 
 }  // namespace
@@ -152,14 +160,18 @@ TEST_P(FileFaults, AnotherProgramsSaveStays) {
     const auto original = command.files.find(L"a.txt");
     if (original == command.files.end() || Holds(done, L"a.txt", original->second)) return;  // not replaced
 
-    const ReplacedImport write(host.Library(), "WriteFile", reinterpret_cast<void*>(&SaveAndWrite));
-    const WorkFolder work(command);
-    g_saved = work.Path() + L"\\a.txt";
-    const HostRun run = host.Run(work.Arguments());
-    const Contents now = work.Read();
-    EXPECT_EQ(PartOf(now, L'a'), (Contents{{L"a.txt", original->second + "+"}})) << run.Said();
-    EXPECT_EQ(PartOf(now, L'b'), PartOf(done, L'b')) << run.Said();
-    EXPECT_TRUE(Contains(run.Said(), L"a.txt") && Contains(run.Said(), L"The file was changed")) << run.Said();
+    const std::pair<const char*, void*> moments[] = {{"ReadFile", reinterpret_cast<void*>(&ReadAndSave)},
+                                                     {"WriteFile", reinterpret_cast<void*>(&SaveAndWrite)}};
+    for (const auto& [name, replacement] : moments) {
+        const ReplacedImport call(host.Library(), name, replacement);
+        const WorkFolder work(command);
+        g_saved = work.Path() + L"\\a.txt";
+        const HostRun run = host.Run(work.Arguments());
+        const Contents now = work.Read();
+        EXPECT_EQ(PartOf(now, L'a'), (Contents{{L"a.txt", original->second + "+"}})) << name << run.Said();
+        EXPECT_EQ(PartOf(now, L'b'), PartOf(done, L'b')) << name << run.Said();
+        EXPECT_TRUE(Contains(run.Said(), L"a.txt") && Contains(run.Said(), L"The file was changed")) << run.Said();
+    }
 }
 
 QV_WITH_EVERY_WRITING_COMMAND(FileFaults);
