@@ -41,24 +41,22 @@ constexpr bool IsBeginningOf(uint64_t left, uint64_t right, uint32_t depth) {
     return unusedBits > 0 && left >> unusedBits == right >> unusedBits;
 }
 
-enum class Beginnings { Allowed, Refused };
-
-/// Sorts the entries by their keys, equal keys by index.
+/// Sorts the entries by their keys, equal keys by index, and a key before those that it is the beginning of.
 ///
 /// `chunkAt(index, depth)` gives the bytes from 8 * depth on of a line's key as a big-endian number, filled up with
 /// zero bytes behind the key's end; no character of a key is zero. The entries come with the chunk of depth 0.
 /// `lastCharacter` masks the last character of a chunk: a chunk whose last character is zero is a key's last one.
 ///
-/// With Beginnings::Refused it returns false, the entries in no particular order, as soon as one key that is not empty
-/// turns out to be the beginning of another one. In the sorted order the two are neighbours, so looking at neighbours
-/// finds them all.
+/// Of 8-bit keys it tells whether one that is not empty is the beginning of another one. In the sorted order the two
+/// are neighbours, so looking at neighbours finds them all.
 template <class ChunkAt>
-bool SortByChunks(std::span<KeyedIndex> entries, uint64_t lastCharacter, Beginnings beginnings, ChunkAt&& chunkAt) {
+bool SortByChunks(std::span<KeyedIndex> entries, uint64_t lastCharacter, ChunkAt&& chunkAt) {
     struct Group {
         uint32_t begin;
         uint32_t end;
         uint32_t depth;
     };
+    bool hasBeginnings = false;
     std::vector<Group> groups = {{0, static_cast<uint32_t>(entries.size()), 0}};
     while (!groups.empty()) {
         const Group group = groups.back();
@@ -71,12 +69,10 @@ bool SortByChunks(std::span<KeyedIndex> entries, uint64_t lastCharacter, Beginni
             const uint64_t key = entries[begin].key;
             while (end < group.end && entries[end].key == key) ++end;
             if (end - begin > 1 && (key & lastCharacter) != 0) groups.push_back({begin, end, group.depth + 1});
-            if (beginnings == Beginnings::Refused && end < group.end &&
-                IsBeginningOf(key, entries[end].key, group.depth))
-                return false;
+            if (!hasBeginnings && end < group.end) hasBeginnings = IsBeginningOf(key, entries[end].key, group.depth);
         }
     }
-    return true;
+    return hasBeginnings;
 }
 
 }  // namespace QVLineSorter

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstdint>
 #include <vector>
 
@@ -103,28 +102,5 @@ private:
 
 template <class CharT>
 constexpr uint64_t kLastCharacter = sizeof(CharT) == 1 ? 0xFF : 0xFFFF;
-
-/// LineCompare_OrdinalA by chunks: the same answers as from the class itself, eight bytes at a time.
-template <class ChunkAt>
-class OrdinalLess {
-public:
-    explicit OrdinalLess(const ChunkAt& chunkAt) : m_chunkAt(chunkAt) {}
-
-    bool operator()(const KeyedIndex& left, const KeyedIndex& right) const {
-        uint64_t leftChunk = left.key;
-        uint64_t rightChunk = right.key;
-        for (uint32_t depth = 1; leftChunk == rightChunk; ++depth) {
-            if ((leftChunk & kLastCharacter<char>) == 0) return false;
-            leftChunk = m_chunkAt(left.index, depth);
-            rightChunk = m_chunkAt(right.index, depth);
-        }
-        const int shift = 56 - (std::countl_zero(leftChunk ^ rightChunk) & ~7);
-        const bool oneHasEnded = (leftChunk >> shift & 0xFF) == 0 || (rightChunk >> shift & 0xFF) == 0;
-        return oneHasEnded ? left.key == 0 : leftChunk < rightChunk;  // the shorter is equal, unless it is empty
-    }
-
-private:
-    const ChunkAt& m_chunkAt;
-};
 
 }  // namespace QVLineSorter

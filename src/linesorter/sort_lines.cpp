@@ -1,11 +1,11 @@
 #include "linesorter/sort_lines.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <span>
 #include <vector>
 
+#include "linesorter/beginnings.h"
 #include "linesorter/chunk_sort.h"
 #include "linesorter/date_key.h"
 #include "linesorter/line_compare.h"
@@ -64,37 +64,44 @@ void SortByComparing(const SortableLinesData<CharT>& data, Range lines, LineComp
 }
 
 template <class ReadChunk>
-void SortOrdinalBytes(const SortableLinesData<char>& data, Range lines, ReadChunk read) {
+void SortOrdinalBytes(const SortableLinesData<char>& data, Range lines, const ByteOrder& order, ReadChunk read) {
     const KeyChunks<char, ReadChunk> chunkAt(data, lines, read);
-    const auto firstChunk = [&](uint32_t index) { return chunkAt(index, 0); };
-    std::vector<KeyedIndex> entries = MakeEntries(lines.size(), firstChunk);
-    // A key that another one begins with is equal to it, which is no order that a sort could use: what comes out
-    // depends on the pairs that it looks at. Without such keys there is an order, and every way leads to it; with them
-    // the stable sort decides, as it always has.
-    if (!SortByChunks(entries, kLastCharacter<char>, Beginnings::Refused, chunkAt)) {
-        for (uint32_t i = 0; i < entries.size(); ++i) entries[i] = {.key = firstChunk(i), .index = i};
-        std::stable_sort(entries.begin(), entries.end(), OrdinalLess(chunkAt));
-    }
+    std::vector<KeyedIndex> entries = MakeEntries(lines.size(), [&](uint32_t index) { return chunkAt(index, 0); });
+    const bool hasBeginnings = SortByChunks(entries, kLastCharacter<char>, chunkAt);
+    if (hasBeginnings) PlaceBeginnings(entries, order, [&](uint32_t index) { return data.KeyText(lines[index]); });
+    ApplyOrder(lines, entries);
+}
+
+/// Chunks cannot tell a zero character from a key's end. To the runtime's comparisons a key ends behind its first zero.
+void SortOrdinalBytesWithZeros(const SortableLinesData<char>& data, Range lines, const ByteOrder& order) {
+    const auto keyOf = [&](uint32_t index) {
+        const std::string_view key = data.KeyText(lines[index]);
+        const size_t zero = key.find('\0');
+        return zero == std::string_view::npos ? key : key.substr(0, zero + 1);
+    };
+    std::vector<KeyedIndex> entries = MakeEntries(lines.size(), [](uint32_t) { return uint64_t{0}; });
+    std::stable_sort(entries.begin(), entries.end(), [&](const KeyedIndex& left, const KeyedIndex& right) {
+        return order.IsLess(keyOf(left.index), keyOf(right.index));
+    });
+    PlaceBeginnings(entries, order, keyOf);
     ApplyOrder(lines, entries);
 }
 
 void SortOrdinal(const SortableLinesData<char>& data, Range lines, bool ignoreCase) {
-    LineCompare_OrdinalA compare(ignoreCase);
-    if (data.HasZeroCharacter()) {
-        SortByComparing(data, lines, compare);
-    } else if (ignoreCase) {
-        const std::array<uint8_t, 256> ranks = compare.ByteRanks();
-        SortOrdinalBytes(data, lines, RankedBytes{ranks});
-    } else {
-        SortOrdinalBytes(data, lines, PlainBytes{});
-    }
+    const ByteOrder order(LineCompare_OrdinalA(ignoreCase).ByteRanks());
+    if (data.HasZeroCharacter())
+        SortOrdinalBytesWithZeros(data, lines, order);
+    else if (ignoreCase)
+        SortOrdinalBytes(data, lines, order, RankedBytes{order.Ranks()});
+    else
+        SortOrdinalBytes(data, lines, order, PlainBytes{});
 }
 
 template <class ReadChunk>
 void SortOrdinalUnits(const SortableLinesData<wchar_t>& data, Range lines, ReadChunk read) {
     const KeyChunks<wchar_t, ReadChunk> chunkAt(data, lines, read);
     std::vector<KeyedIndex> entries = MakeEntries(lines.size(), [&](uint32_t index) { return chunkAt(index, 0); });
-    SortByChunks(entries, kLastCharacter<wchar_t>, Beginnings::Allowed, chunkAt);
+    SortByChunks(entries, kLastCharacter<wchar_t>, chunkAt);
     ApplyOrder(lines, entries);
 }
 
@@ -124,7 +131,7 @@ bool SortBySortKeys(const SortableLinesData<CharT>& data, Range lines, Compare& 
     for (auto begin = entries.begin(), end = begin; begin != entries.end(); begin = end) {
         end = std::find_if(begin, entries.end(), [&](const KeyedIndex& entry) { return entry.key != begin->key; });
         if (end - begin > kFew)
-            SortByChunks({begin, end}, 0xFF, Beginnings::Allowed, chunkAt);
+            SortByChunks({begin, end}, 0xFF, chunkAt);
         else if (end - begin > 1)
             std::stable_sort(begin, end, [&](const KeyedIndex& left, const KeyedIndex& right) {
                 if (left.tail != 0 && right.tail != 0 && left.tail != right.tail) return left.tail < right.tail;

@@ -57,34 +57,64 @@ std::unique_ptr<LineCompare_TextBase<wchar_t>> Comparator(const SortRequest& req
                                                                                 true);
 }
 
+template <class CharT>
+struct Row {
+    std::basic_string<CharT> line;
+    std::basic_string<CharT> key;
+    int64_t number;
+    size_t index;
+};
+
+/// The order of 8-bit text, a key at a time: each stands behind all that are less, and of those that it is the
+/// beginning of in front of the first that follows it in the file.
+std::vector<Row<char>> InOrdinalOrder(std::vector<Row<char>> rows, bool ignoreCase) {
+    LineCompare_OrdinalA compare(ignoreCase);
+    const auto ranks = compare.ByteRanks();
+    const auto ranked = [&](std::string key) {
+        key.resize(std::min(key.size(), key.find('\0')) + (key.find('\0') != key.npos ? 1 : 0));
+        for (char& byte : key) byte = static_cast<char>(ranks[static_cast<uint8_t>(byte)]);
+        return key;
+    };
+    for (Row<char>& row : rows) row.key = ranked(row.key);
+    std::ranges::stable_sort(rows, {}, &Row<char>::key);
+    std::vector<Row<char>> placed;
+    while (!rows.empty()) {
+        const Row<char> row = rows.back();
+        rows.pop_back();
+        auto at = placed.begin();
+        while (at != placed.end() && !row.key.empty() && at->key.starts_with(row.key) && at->index < row.index) ++at;
+        placed.insert(at, row);
+    }
+    return placed;
+}
+
 /// The order by the obvious way: keys in an array of their own, a stable sort, reversal.
 template <class CharT>
 Lines<CharT> SortedPlainly(const Lines<CharT>& lines, const SortRequest& request, const KeyRule<CharT>& rule,
                            const std::basic_string<CharT>& dateFormat) {
-    struct Row {
-        std::basic_string<CharT> line;
-        std::basic_string<CharT> key;
-        int64_t number;
-    };
-    std::vector<Row> rows;
+    std::vector<Row<CharT>> rows;
     for (const auto& line : lines) {
         const KeySpan span = FindKey<CharT>(line, rule);
         const auto rest = line.substr(span.offset);
         int64_t number = 0;
         if (request.Has(Option::AsNumber)) number = NumberKey<CharT>(rest, request.substringLength);
         if (request.Has(Option::AsDate)) number = DateKeyReader().Read<CharT>(rest, dateFormat);
-        rows.push_back({line, span.length ? rest.substr(0, span.length) : rest, number});
+        rows.push_back({line, span.length ? rest.substr(0, span.length) : rest, number, rows.size()});
     }
     const auto compare = Comparator(request, CharT{});
     const bool byNumber = request.Has(Option::AsNumber | Option::AsDate);
-    std::stable_sort(rows.begin(), rows.end(), [&](const Row& left, const Row& right) {
-        if (byNumber) return left.number < right.number;
-        return compare->Less(left.key.data(), static_cast<uint32_t>(left.key.size()), right.key.data(),
-                             static_cast<uint32_t>(right.key.size()));
-    });
+    const bool isOrdinalBytes = sizeof(CharT) == 1 && !byNumber && !request.Has(Option::LanguageOrder);
+    if constexpr (sizeof(CharT) == 1)
+        if (isOrdinalBytes) rows = InOrdinalOrder(std::move(rows), request.Has(Option::IgnoreCase));
+    if (!isOrdinalBytes)
+        std::stable_sort(rows.begin(), rows.end(), [&](const Row<CharT>& left, const Row<CharT>& right) {
+            if (byNumber) return left.number < right.number;
+            return compare->Less(left.key.data(), static_cast<uint32_t>(left.key.size()), right.key.data(),
+                                 static_cast<uint32_t>(right.key.size()));
+        });
     if (request.Has(Option::Reverse)) std::reverse(rows.begin(), rows.end());
     Lines<CharT> sorted;
-    for (const Row& row : rows) sorted.push_back(row.line);
+    for (const Row<CharT>& row : rows) sorted.push_back(row.line);
     return sorted;
 }
 
@@ -162,6 +192,51 @@ TEST(SortLines, GivesThePlainOrderForEveryKeyAndOrder) {
             dates.push_back(As<CharT>(below(32) + below(14) + below(100) + "," + below(9) + below(9) + "99"));
         ExpectThePlainOrder(dates, "dates");
     });
+}
+
+TEST(SortLines, OrderOfBytesIsSortedAndSettledHoweverManyKeysBeginOthers) {
+    QVTest::Random random(6);
+    for (const uint32_t ignoreCase : {0u, Option::IgnoreCase})
+        for (int round = 0; round < 20; ++round) {
+            Lines<char> words;
+            while (words.size() < 400) {
+                std::string word = words.empty() || random.Below(3) == 0 ? "" : words[random.Below(400) % words.size()];
+                for (uint32_t more = random.Below(12); more > 0; --more) word += "abAB"[random.Below(4)];
+                words.push_back(round % 4 == 0 && random.Below(40) == 0 ? word + '\0' + "ab"[random.Below(2)] : word);
+            }
+            for (size_t i = words.size(); i > 1; --i) std::swap(words[i - 1], words[random.Below(400) % i]);
+            SortRequest request;
+            request.options = Option::AsText | ignoreCase;
+            auto data = Load(words);
+            SortLines(data, request, {});
+            const Lines<char> sorted = Texts(data);
+
+            LineCompare_OrdinalA compare(ignoreCase != 0);
+            for (size_t late = 0; late < sorted.size(); ++late)
+                for (size_t early = 0; early < late; ++early)
+                    ASSERT_FALSE(compare.Less(sorted[late].data(), static_cast<uint32_t>(sorted[late].size()),
+                                              sorted[early].data(), static_cast<uint32_t>(sorted[early].size())))
+                        << sorted[late] << " stands behind " << sorted[early];
+            auto again = Load(sorted);
+            SortLines(again, request, {});
+            ASSERT_EQ(Texts(again), sorted);
+
+            // Without the keys that begin others, one order is left whatever the file's was.
+            const auto isNoBeginning = [&](const std::string& word) {
+                return std::ranges::none_of(words, [&](const std::string& other) {
+                    return &other != &word && _strnicmp(other.c_str(), word.c_str(), word.size()) == 0;
+                });
+            };
+            Lines<char> distinct;
+            std::ranges::copy_if(words, std::back_inserter(distinct), isNoBeginning);
+            ASSERT_GT(distinct.size(), 50u);
+            auto shuffled = Load(distinct);
+            std::ranges::reverse(distinct);
+            auto reversed = Load(distinct);
+            SortLines(shuffled, request, {});
+            SortLines(reversed, request, {});
+            ASSERT_EQ(Texts(shuffled), Texts(reversed));
+        }
 }
 
 /// Enough lines that only the beginnings' sort keys are made.
