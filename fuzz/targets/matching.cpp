@@ -10,7 +10,7 @@ namespace {
 
 using namespace QVFindAndReplace;
 
-constexpr size_t kMostChanges = 2000;  // of the reference; replacements that feed on each other are not compared
+constexpr size_t kLongestLine = 1 << 16;  // of the reference; pairs may double a line again and again
 
 template <class CharT>
 using Text = std::basic_string<CharT>;
@@ -44,12 +44,19 @@ uint32_t ApplyPlainly(std::vector<Text<CharT>>& lines, const Text<CharT>& item, 
     uint32_t changes = 0;
     if (item.empty()) return 0;
     for (Text<CharT>& line : lines) {
+        size_t putEnd = 0;  // of the last replacement
         for (size_t position = 0; position <= line.size();) {
             const size_t at = FindPlainly(line, position, item, ignoreCase);
             if (at == Text<CharT>::npos) break;
+            if (at + item.size() <= putEnd) {  // it would be found there without end
+                position = putEnd;
+                continue;
+            }
             line.replace(at, item.size(), replacement);
             position = at + item.size();
-            if (++changes > kMostChanges) throw TooMuch();
+            putEnd = at + replacement.size();
+            ++changes;
+            if (line.size() > kLongestLine) throw TooMuch();
         }
     }
     return changes;
@@ -127,7 +134,7 @@ void Match(uint32_t options, const std::string& find, const std::string& replace
         std::ranges::all_of(find + replacement, [](char unit) { return static_cast<uint8_t>(unit) < 0x80; });
     const bool isPlain = request.GetMode() != Mode::Multiline && isAscii && !request.FindFault() && answers.empty() &&
                          (find + replacement + text).find('\r') == std::string::npos;
-    // Without the plain way nothing tells beforehand whether a replacement feeds on itself up to a bound of millions.
+    // Without the plain way nothing tells beforehand how often pairs that feed each other make a line longer.
     if (!isPlain && SharesALetter(find, replacement)) return;
     auto lines = CutPlainly<CharT>(Text<CharT>(document.View()));
     uint32_t expected = 0;
@@ -158,8 +165,7 @@ void Match(uint32_t options, const std::string& find, const std::string& replace
         for (uint32_t line = 0; changes > 0 && line < count; ++line)
             Require(target.GetLines().GetLine(line) == std::basic_string_view<CharT>(lines[line]), "the same text");
     } catch (const QVUtils::QVUtilsException&) {
-        // A replacement is refused that would be found in itself; a bounded end says that it would not have been.
-        Require(!isPlain, "what ends is not refused");
+        Require(!isPlain, "nothing plain is refused");
     }
 }
 

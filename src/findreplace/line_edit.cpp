@@ -4,14 +4,8 @@
 #include <utility>
 
 #include "findreplace/request.h"
-#include "textio/qvutils_exception.h"
 
 namespace QVFindAndReplace {
-
-void ThrowEndlessReplacement() {
-    throw QVUtils::QVUtilsException(QVUtils::ErrorCode::InvalidParameter,
-                                    "The replacement would be replaced again without end");
-}
 
 template <class CharT>
 void LineEdit<CharT>::Begin(View line) {
@@ -20,8 +14,8 @@ void LineEdit<CharT>::Begin(View line) {
     m_passed = 0;
     m_done.clear();
     m_ahead = line;
-    m_original = line.size();
-    m_changesSince = m_grownSince = 0;
+    m_put = 0;
+    m_isBehindReplacement = false;
 }
 
 template <class CharT>
@@ -48,6 +42,19 @@ void LineEdit<CharT>::Skip(Span match) {
 }
 
 template <class CharT>
+bool LineEdit<CharT>::PassReplacement(Span match) {
+    const bool isBeside = m_isBehindReplacement && match.start == 0 && match.length == 0;
+    const bool isInside = m_put > 0 && match.start + match.length <= m_put;
+    if (isBeside) {
+        GoOnAfter(match, m_ahead.size());
+    } else if (isInside) {
+        Pass(m_put);
+        m_isBehindReplacement = true;
+    }
+    return isBeside || isInside;
+}
+
+template <class CharT>
 void LineEdit<CharT>::Replace(Span match, View replacement, LineMatcher<CharT>& matcher) {
     if (!m_isChanged) {
         m_isChanged = true;
@@ -58,16 +65,15 @@ void LineEdit<CharT>::Replace(Span match, View replacement, LineMatcher<CharT>& 
     const size_t lengthBefore = m_ahead.size();
     Pass(match.start);
     m_ahead.remove_prefix(match.length);
-    // What a longer replacement pushes back is searched again, unless it is plain that nothing is found in there.
+    // What a longer replacement pushes back is searched again, unless it is plain that nothing is found in there. An
+    // empty match would be found at the same place for ever.
     size_t kept = std::min(replacement.size(), match.length);
-    if (kept < replacement.size() && !matcher.MayBeginIn(replacement.substr(kept), m_ahead)) kept = replacement.size();
+    if (match.length == 0 || !matcher.MayBeginIn(replacement.substr(kept), m_ahead)) kept = replacement.size();
     m_done.insert(m_done.end(), replacement.begin(), replacement.begin() + static_cast<std::ptrdiff_t>(kept));
-    if (replacement.size() > kept) {
-        CheckThatItEnds(replacement.size() - match.length);
-        PushBack(replacement.substr(kept));
-    } else if (kept < match.length) {
-        Pass(match.length - kept);
-    }
+    m_put = replacement.size() - kept;
+    PushBack(replacement.substr(kept));
+    m_isBehindReplacement = kept == replacement.size() && kept > 0;
+    if (kept < match.length) Pass(match.length - kept);
     GoOnAfter(match, lengthBefore);
 }
 
@@ -83,6 +89,8 @@ void LineEdit<CharT>::Pass(size_t length) {
     else
         m_passed += length;
     m_ahead.remove_prefix(length);
+    m_put -= std::min(m_put, length);
+    m_isBehindReplacement = false;
 }
 
 template <class CharT>
@@ -95,6 +103,7 @@ void LineEdit<CharT>::GoOnAfter(Span match, size_t lengthBefore) {
 /// Puts `text` in front of the text ahead.
 template <class CharT>
 void LineEdit<CharT>::PushBack(View text) {
+    if (text.empty()) return;
     const CharT* const roomEnd = m_room.get() + m_roomSize;
     const bool isInRoom = m_room && m_ahead.data() >= m_room.get() && m_ahead.data() + m_ahead.size() == roomEnd;
     const size_t free = isInRoom ? static_cast<size_t>(m_ahead.data() - m_room.get()) : 0;
@@ -114,21 +123,6 @@ void LineEdit<CharT>::PushBack(View text) {
     CharT* const front = m_room.get() + (m_ahead.data() - m_room.get()) - text.size();
     std::copy(text.begin(), text.end(), front);
     m_ahead = View(front, m_ahead.size() + text.size());
-}
-
-/// A replacement that is found again pushes text back without ever passing a unit of the original line. That may go on
-/// for a while in good faith, but not for ten million changes or 64 MB.
-template <class CharT>
-void LineEdit<CharT>::CheckThatItEnds(size_t grownBy) {
-    constexpr uint64_t kMostChanges = 10'000'000;
-    constexpr uint64_t kMostUnits = (64 << 20) / sizeof(CharT);
-    if (m_ahead.size() < m_original) {
-        m_original = m_ahead.size();
-        m_changesSince = m_grownSince = 0;
-    }
-    m_changesSince += 1;
-    m_grownSince += grownBy;
-    if (m_changesSince > kMostChanges || m_grownSince > kMostUnits) ThrowEndlessReplacement();
 }
 
 template class LineEdit<char>;

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,6 +18,10 @@ namespace QVFindAndReplace {
 /// replacement is itself searched from there on, and a shorter one lets the position jump over text behind it; behind
 /// the line's end there is nothing to find. After an empty match it moves one character further, at the line's end out
 /// of the line.
+///
+/// Some replacements would be found in themselves for ever by that: "'" by "''", "id" by "user_id", "*" by "<*>". So a
+/// match inside of what the last replacement put there, or an empty one beside it, is left alone, and the position
+/// moves behind it. For a plain item such a match is the sign that there would be no end, so nothing else changes.
 ///
 /// The text ahead is kept in one piece with free room in front of it, so that what a longer replacement pushes back in
 /// front costs its own length only: any number of replacements in a line takes time in proportion to the text.
@@ -52,15 +55,16 @@ public:
     /// Moves the position behind a match without changing it.
     void Skip(Span match);
 
-    /// Replaces a match of `matcher`. @throws QVUtilsException (code 87) when replacements feed on each other without
-    /// end
+    /// True for a match in what the last replacement put there, with the position moved behind it.
+    bool PassReplacement(Span match);
+
+    /// Replaces a match of `matcher`.
     void Replace(Span match, View replacement, LineMatcher<CharT>& matcher);
 
 private:
     void Pass(size_t length);
     void PushBack(View text);
     void GoOnAfter(Span match, size_t lengthBefore);
-    void CheckThatItEnds(size_t grownBy);
 
     View m_line;
     bool m_isChanged = false;
@@ -71,12 +75,8 @@ private:
     // Holds m_ahead at its end once something was pushed back. Its front is memory that nobody touched yet.
     std::unique_ptr<CharT[]> m_room;
     size_t m_roomSize = 0;
-    size_t m_original = 0;        // units of the line as it was that have not been passed yet
-    uint64_t m_changesSince = 0;  // changes, and units grown by, since the last such unit was passed
-    uint64_t m_grownSince = 0;
+    size_t m_put = 0;                    // units at the front of m_ahead that the last replacement put there
+    bool m_isBehindReplacement = false;  // nothing lies between it and the position
 };
-
-/// Refuses a replacement that would be replaced again without end: code 87, in words.
-[[noreturn]] void ThrowEndlessReplacement();
 
 }  // namespace QVFindAndReplace

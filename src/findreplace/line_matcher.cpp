@@ -28,13 +28,6 @@ public:
         return hit == end ? nullptr : hit;
     }
 
-    // After a replacement the search goes on inside it, as many characters on as the match was long. An item that is
-    // found in that rest is found there after every further replacement too.
-    bool NeverEndsWith(View replacement) override {
-        Span found;
-        return replacement.size() > m_item.size() && this->Find(replacement.substr(m_item.size()), found);
-    }
-
     // Which scan of the two it is makes a difference only for a hit that begins in the text and does not end in it.
     bool MayBeginIn(View text, View following) override {
         for (size_t start = 0; start < text.size(); ++start) {

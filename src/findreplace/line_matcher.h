@@ -33,10 +33,6 @@ public:
     /// and may be wrong in the other direction: the place's own line need not have a hit.
     virtual const CharT* FindCandidate(View lines) const = 0;
 
-    /// True when the item is sure to be found again and again in what it was replaced by, so that replacing all of its
-    /// hits would never end. False says nothing.
-    virtual bool NeverEndsWith(View replacement) = 0;
-
     /// False when no hit can begin in `text` while `following` stands behind it. True says nothing.
     virtual bool MayBeginIn(View text, View following) = 0;
 };

@@ -58,7 +58,6 @@ private:
         const Text* replacement;     // null when the encoding cannot hold it
         std::vector<Text> inserted;  // lines added behind the line for each hit
         Text shown;                  // the replacement as a question shows it
-        bool neverEnds;
     };
 
     /// The first replacement item; the whole text, which then is empty, when there is none.
@@ -73,12 +72,11 @@ private:
         auto matcher = m_isWildcard ? MakeWildcardMatcher<CharT>(*item, m_ignoreCase)
                                     : MakePlainMatcher<CharT>(*item, m_ignoreCase);
         const Text* const text = replacement ? &*replacement : nullptr;
-        Apply(Pair{std::move(matcher), text, {}, text ? *text : Text(), false});
+        Apply(Pair{std::move(matcher), text, {}, text ? *text : Text()});
     }
 
-    void Apply(Pair pair) {
+    void Apply(const Pair& pair) {
         if (!BeginSearch(*pair.matcher)) return;
-        pair.neverEnds = pair.replacement && pair.matcher->NeverEndsWith(*pair.replacement);
         for (uint32_t line = 0; !m_isStopped && NextLine(*pair.matcher, line); ++line) EditLine(pair, line);
     }
 
@@ -86,6 +84,7 @@ private:
         m_edit.Begin(m_lines.GetLine(line));
         m_lineInEdit = line;
         for (Span span; !m_edit.IsFinished() && pair.matcher->Find(m_edit.GetAhead(), span);) {
+            if (m_edit.PassReplacement(span)) continue;
             if (!pair.replacement) ThrowUnrepresentable();
             const auto column = static_cast<uint32_t>(m_edit.GetColumn() + span.start);
             const Match match = {line, column, line, static_cast<uint32_t>(column + span.length)};
@@ -94,7 +93,6 @@ private:
                 m_edit.Skip(span);
                 continue;
             }
-            if (pair.neverEnds && !MustAsk()) ThrowEndlessReplacement();
             m_edit.Replace(span, *pair.replacement, *pair.matcher);
             for (const Text& text : pair.inserted) m_lines.InsertLine(line, text);
             m_document.CountChange();
@@ -165,13 +163,12 @@ private:
             ApplyOverLines(find, replacement);
         } else if (!find.front().empty()) {
             // One find line is found within lines; further replacement lines follow as lines of their own.
-            Pair pair{MakePlainMatcher<CharT>(find.front(), m_ignoreCase), nullptr, replacement, Join(replacement),
-                      false};
+            Pair pair{MakePlainMatcher<CharT>(find.front(), m_ignoreCase), nullptr, replacement, Join(replacement)};
             if (isConverted) {
                 pair.replacement = &replacement.front();
                 pair.inserted.erase(pair.inserted.begin());
             }
-            Apply(std::move(pair));
+            Apply(pair);
         }
     }
 

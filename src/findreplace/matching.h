@@ -29,8 +29,8 @@ struct SearchPosition {
 /// A text may be given in blocks. For a Multiline request that needs a `position`: a match may go over the border, so
 /// the lines from `position->line` on are to be given once more, as they then stand, at the beginning of the next
 /// block.
-/// @throws QVUtilsException as Request::FindFault says, on a replacement that would never end (code 87), or when
-/// the user cancels (code 1223); WildcardError for a pattern that cannot be read. The document is then not to be saved.
+/// @throws QVUtilsException as Request::FindFault says, or when the user cancels (code 1223); WildcardError for a
+/// pattern that cannot be read. The document is then not to be saved.
 template <class CharT>
 uint32_t FindAndReplace(TextDocumentT<CharT>& document, Request& request, IFindAndReplaceCallback* callback,
                         SearchPosition* position = nullptr);

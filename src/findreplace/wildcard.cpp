@@ -330,7 +330,6 @@ public:
         return at == View::npos ? nullptr : lines.data() + at;
     }
 
-    bool NeverEndsWith(View) override { return false; }
     bool MayBeginIn(View, View) override { return true; }
 
 private:
