@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "findreplace/characters.h"
 #include "findreplace/line_edit.h"
 #include "findreplace/line_matcher.h"
 #include "findreplace/wildcard.h"
@@ -92,6 +93,10 @@ private:
                 if (m_isStopped) break;
                 m_edit.Skip(span);
                 continue;
+            }
+            if (span.length > 0 || !pair.replacement->empty()) {
+                RefuseCut(line, match.startColumn);
+                RefuseCut(line, match.endColumn);
             }
             m_edit.Replace(span, *pair.replacement, *pair.matcher);
             for (const Text& text : pair.inserted) m_lines.InsertLine(line, text);
@@ -237,6 +242,8 @@ private:
     void ReplaceLines(const Match& match, const std::vector<Text>& replacement) {
         if (match.startLine >= m_lines.GetCount() || match.endLine >= m_lines.GetCount())
             throw QVUtilsException(ErrorCode::InvalidParameter, "Line index out of range");
+        RefuseCut(match.startLine, match.startColumn);
+        RefuseCut(match.endLine, match.endColumn);
         const View start = m_lines.GetLine(match.startLine).substr(0, match.startColumn);
         m_lines.SetLine(match.startLine, start, replacement.front());
         for (uint32_t line = match.startLine + 1; line < match.endLine; ++line) m_lines.RemoveLine(line);
@@ -318,6 +325,17 @@ private:
     /// Part of a line as it stands, also of the one that is being edited.
     Text PartOf(uint32_t line, size_t from, size_t length) const {
         return line == m_lineInEdit ? m_edit.GetPart(from, length) : Text(m_lines.GetLine(line).substr(from, length));
+    }
+
+    /// Wildcards stand for single units, so a match may begin or end inside of a character. Replaced, it would leave a
+    /// part of one that means nothing. In a code page nobody knows where characters begin.
+    void RefuseCut(uint32_t line, size_t column) const {
+        if (m_document.GetKind() == QVUtils::EncodingKind::CodePage) return;
+        const size_t before = std::min(column, kMostUnits);
+        const Text around = PartOf(line, column - before, before + kMostUnits);
+        if (CutsCharacter(View(around).substr(0, before), View(around).substr(before)))
+            throw QVUtilsException(ErrorCode::NoUnicodeTranslation,
+                                   "A match begins or ends in the middle of a character");
     }
 
     [[noreturn]] static void ThrowUnrepresentable() {

@@ -24,7 +24,7 @@ struct SearchPosition {
 /// finds what earlier ones put there. Multiline: all find items as consecutive lines. No mode: both texts whole.
 ///
 /// An item that the document's encoding cannot hold is not found; such a replacement fails the document at its first
-/// match.
+/// match (code 1113). So does, in UTF-8 and UTF-16, a match to be replaced that begins or ends inside of a character.
 ///
 /// A text may be given in blocks. For a Multiline request that needs a `position`: a match may go over the border, so
 /// the lines from `position->line` on are to be given once more, as they then stand, at the beginning of the next

@@ -1,11 +1,13 @@
 #include "findreplace/process_file.h"
 
+#include <algorithm>
 #include <new>
 
 #include "findreplace/matching.h"
 #include "findreplace/text_blocks.h"
 #include "textio/replace_file.h"
 #include "textio/text_file.h"
+#include "win32/code_page.h"
 #include "win32/files.h"
 
 namespace QVFindAndReplace {
@@ -22,6 +24,31 @@ struct Job {
     uint32_t options;
     Request& request;
     IFindAndReplaceCallback& callback;
+    FileNotes& notes;
+};
+
+bool IsAscii(const std::wstring& text) {
+    return std::ranges::all_of(text, [](wchar_t unit) { return unit < 0x80; });
+}
+
+/// Looks at the blocks of an 8-bit text whether they are UTF-8 that nothing in the file calls so.
+class Utf8Watch {
+public:
+    Utf8Watch(const Job& job, EncodingKind kind)
+        : m_notes(job.notes),
+          m_isOn(kind == EncodingKind::CodePage && !Win32::IsUtf8(Win32::kThreadCodePage) &&
+                 !(IsAscii(job.request.GetFind()) && IsAscii(job.request.GetReplacement()))) {}
+
+    void LookAt(std::string_view block) {
+        const auto isAscii = [](char unit) { return static_cast<unsigned char>(unit) < 0x80; };
+        if (!m_isOn || std::ranges::all_of(block, isAscii)) return;
+        m_notes.looksLikeUtf8 = m_isOn = Win32::IsValidUtf8(block);
+    }
+    void LookAt(std::wstring_view) {}
+
+private:
+    FileNotes& m_notes;
+    bool m_isOn;
 };
 
 QVUtils::ReplaceRequest ReplacementOf(const Job& job) {
@@ -40,7 +67,7 @@ template <class CharT>
 class TextProcess {
 public:
     TextProcess(const Job& job, QVUtils::TextFile& file, EncodingKind kind)
-        : m_job(job), m_file(file), m_document(kind), m_replacement(ReplacementOf(job)) {}
+        : m_job(job), m_file(file), m_document(kind), m_replacement(ReplacementOf(job)), m_watch(job, kind) {}
 
     int64_t Run() {
         // Whoever asks is shown lines by their number and their neighbours: that needs the whole text.
@@ -69,6 +96,7 @@ private:
         // An empty text has no block, yet a request that cannot work is told so.
         bool hasBlock = blocks.Next(block);
         do {
+            m_watch.LookAt(block);
             m_document.GetLines().Reset(block);
             FindAndReplace(m_document, m_job.request, callback);
             if (m_job.callback.IsCancelled()) return false;
@@ -88,6 +116,7 @@ private:
         while (!position.isLastBlock) {
             View block;
             position.isLastBlock = !blocks.Next(block);
+            m_watch.LookAt(block);
             position.line = SearchPosition::kAllLines;
             const uint64_t offset = blocks.GetOffset() - carried.size() * sizeof(CharT);
             text.swap(carried);
@@ -141,6 +170,7 @@ private:
     TextDocumentT<CharT> m_document;
     QVUtils::FileReplacement m_replacement;
     QVUtils::LineBreak m_style = QVUtils::LineBreak::None;
+    Utf8Watch m_watch;
 };
 
 int64_t Process(const Job& job) {
@@ -161,7 +191,8 @@ int64_t Process(const Job& job) {
 }  // namespace
 
 int64_t ProcessFile(const std::wstring& source, const std::wstring& target, uint32_t options, Request& request,
-                    IFindAndReplaceCallback& callback) {
+                    IFindAndReplaceCallback& callback, FileNotes& notes) {
+    notes = {};
     callback.SetCurrentFile(source.c_str());
     const auto fail = [&](const char* text, uint32_t code) {
         callback.ReportErrorA(text, code);
@@ -169,7 +200,7 @@ int64_t ProcessFile(const std::wstring& source, const std::wstring& target, uint
     };
     int64_t result = kFileFailed;
     try {
-        result = Process({source, target, options, request, callback});
+        result = Process({source, target, options, request, callback, notes});
     } catch (const QVUtilsException& failure) {
         result = failure.GetErrorCode() == ErrorCode::Cancelled ? kFileCancelled
                                                                 : fail(failure.what(), failure.GetErrorCode());

@@ -83,7 +83,8 @@ private:
 
     void ProcessFileOf(IFileItem& item, const std::wstring& source, const std::wstring& target) {
         FindAndReplaceCallback callback(m_host, m_options, m_run.confirmation);
-        const int64_t changes = ProcessFile(source, target, m_options, m_run.request, callback);
+        FileNotes notes;
+        const int64_t changes = ProcessFile(source, target, m_options, m_run.request, callback, notes);
         if (changes >= 0) {
             m_host.Log(kLogLevel, LogKind::Success, L"[Find and Replace] - %I64d changes made to file : %s", changes,
                        source.c_str());
@@ -94,6 +95,12 @@ private:
             m_result.isCancelled = changes == kFileCancelled;
             Fail(item, source);
         }
+        if (notes.looksLikeUtf8)
+            LogLine(
+                LogKind::Success,
+                L"[Find and Replace] - Note : The file looks like UTF-8 and was read in the system's code page; with "
+                L"FORCEUTF8 (Force UTF8 for plain text) it is read as UTF-8 : %s",
+                source);
         // "Replace All" is an answer for the whole run.
         m_options |= callback.GetOptions() & Option::ReplaceAll;
     }

@@ -13,13 +13,19 @@ int CheckedLength(size_t length) {
     return static_cast<int>(length);
 }
 
-/// The thread's code page is UTF-8 too where a language has no other one, or where the user chose it for everything.
+}  // namespace
+
 bool IsUtf8(uint32_t codePage) {
     CPINFOEXW info = {};
     return codePage == kUtf8CodePage || (GetCPInfoExW(codePage, 0, &info) && info.CodePage == kUtf8CodePage);
 }
 
-}  // namespace
+bool IsValidUtf8(std::string_view text) {
+    if (text.empty()) return true;
+    if (text.size() > static_cast<size_t>(std::numeric_limits<int>::max())) return false;
+    return MultiByteToWideChar(kUtf8CodePage, MB_ERR_INVALID_CHARS, text.data(), static_cast<int>(text.size()), nullptr,
+                               0) > 0;
+}
 
 std::optional<std::string> ToCodePage(std::wstring_view text, uint32_t codePage) {
     if (text.empty()) return std::string();

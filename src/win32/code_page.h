@@ -11,6 +11,13 @@ namespace Win32 {
 inline constexpr uint32_t kThreadCodePage = 3;  // CP_THREAD_ACP: follows the thread's locale
 inline constexpr uint32_t kUtf8CodePage = 65001;
 
+/// True for UTF-8 itself, and for the thread's code page where a language has no other one, or where the user chose
+/// UTF-8 for everything.
+bool IsUtf8(uint32_t codePage);
+
+/// True when the bytes are UTF-8 throughout. Beyond 2 GB always false.
+bool IsValidUtf8(std::string_view text);
+
 /// `text` in the code page, or nothing when a character of it cannot be represented there: no best-fit letters, no
 /// "?" in its place, no lone surrogates in UTF-8. "" gives "".
 std::optional<std::string> ToCodePage(std::wstring_view text, uint32_t codePage);

@@ -24,7 +24,8 @@ const std::string kUtf8Mark = "\xEF\xBB\xBF";
 int64_t Process(const std::wstring& path, uint32_t options, const std::wstring& find, const std::wstring& replacement,
                 RecordingCallback& callback) {
     Request request(options, find, replacement, ToNarrow);
-    return ProcessFile(path, path, options, request, callback);
+    FileNotes notes;
+    return ProcessFile(path, path, options, request, callback, notes);
 }
 
 }  // namespace
@@ -55,6 +56,69 @@ TEST(ProcessFile, KeepsTheEncodingAndEveryByteAroundTheMatches) {
         EXPECT_GE(Process(folder.Write(L"file", c.content), c.options, c.find, c.replacement, callback), 0) << c.why;
         EXPECT_EQ(folder.ReadAll(), (Contents{{L"file", c.expected}})) << c.why;
         EXPECT_TRUE(callback.errors.empty()) << c.why;
+    }
+}
+
+TEST(ProcessFile, AMatchThatCutsACharacterFailsTheFileAndLeavesIt) {
+    const std::string e = "\xC3\xA9";
+    const struct {
+        const char* why;
+        std::string content;
+        const wchar_t *find, *replacement;
+        const char* expected;  // null: refused
+        uint32_t options = Option::ModeOne | Option::Wildcard;
+    } cases[] = {
+        {"its first byte taken", kUtf8Mark + "ab n" + e, L"n?", L"X", nullptr},
+        {"its last one", kUtf8Mark + e + "n", L"?n", L"X", nullptr},
+        {"from one to the next", kUtf8Mark + "\xF0\x9F\x98\x80 \xF0\x9F\x98\x80", L"?? ??", L"X", nullptr},
+        {"something put inside", kUtf8Mark + "a" + e, L"x{0}", L"-", nullptr},
+        {"after a change in its line", kUtf8Mark + "nxnx n" + e, L"n?", L"a text", nullptr},
+        {"in another block", kUtf8Mark + "na\n" + std::string(300'000, '\n') + "n" + e, L"n?", L"X", nullptr},
+        {"half of a pair", "\xFF\xFE" + Utf16(L"a\xD83D\xDE00"), L"a?", L"X", nullptr},
+        {"the other half", "\xFF\xFE" + Utf16(L"a\xD83D\xDE00"), L"\xDE00", L"X", nullptr, Option::ModeOne},
+        {"over lines", "\xFF\xFE" + Utf16(L"\xD83D\xDE00\nb"), L"\xDE00\nb", L"X", nullptr, Option::ModeMultiline},
+        {"a whole character", kUtf8Mark + "n" + e + "n", L"n??", L"X", "\xEF\xBB\xBFXn"},
+        {"bytes that are none", kUtf8Mark + "n\x80\xC3n", L"n?", L"X", "\xEF\xBB\xBFX\xC3n"},
+        {"a code page", "a word na" + e, L"na?", L"X", "a word X\xA9"},
+    };
+    for (const auto& c : cases) {
+        const TemporaryFolder folder;
+        RecordingCallback callback({});
+        const std::wstring path = folder.Write(L"file", c.content);
+        const int64_t changes =
+            Process(path, c.options | Option::DropBackup | Option::Silent, c.find, c.replacement, callback);
+        EXPECT_EQ(changes, c.expected ? 1 : kFileFailed) << c.why;
+        EXPECT_EQ(folder.ReadAll(), (Contents{{L"file", c.expected ? c.expected : c.content}})) << c.why;
+        EXPECT_EQ(callback.errors.empty() ? 0u : callback.errors[0].second, c.expected ? 0u : 1113u) << c.why;
+    }
+}
+
+TEST(ProcessFile, NotesUtf8ThatNothingCallsSo) {
+    const std::string words = "W\xC3\xB6rter und W\xC3\xB6rter, Text\n";
+    const struct {
+        const char* why;
+        std::string content;
+        uint32_t options;
+        const wchar_t *find, *replacement;
+        bool expected;
+    } cases[] = {
+        {"a replacement that would be put in by code page", words, kBase, L"Text", L"W\xF6rter", true},
+        {"an item that is not found", words, kBase, L"W\xF6rter", L"x", true},
+        {"over lines", words, Option::ModeMultiline, L"Text\nb", L"\xF6", true},
+        {"a replacement that the code page lacks", words, kBase, L"Text", L"\x4E2D", true},
+        {"only ASCII is asked for", words, kBase, L"Text", L"text", false},
+        {"read as UTF-8", words, kBase | Option::ForceUtf8, L"Text", L"\xF6", false},
+        {"only ASCII in the file", "Text\n", kBase, L"Text", L"\xF6", false},
+        {"no UTF-8 later on", words + std::string(300'000, '\n') + "W\xF6rter", kBase, L"Text", L"\xF6", false},
+    };
+    for (const auto& c : cases) {
+        const TemporaryFolder folder;
+        RecordingCallback callback({});
+        Request request(c.options | Option::Silent, c.find, c.replacement, ToNarrow);
+        const std::wstring path = folder.Write(L"file", c.content);
+        FileNotes notes;
+        ProcessFile(path, path, c.options | Option::Silent | Option::DropBackup, request, callback, notes);
+        EXPECT_EQ(notes.looksLikeUtf8, c.expected) << c.why;
     }
 }
 
