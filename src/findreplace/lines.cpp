@@ -152,11 +152,13 @@ void Lines<CharT>::Save(QVUtils::DataWriter& writer, LineBreak& style, uint32_t 
             if (hasBreak(record)) writer.WriteNewLine();
         }
         if (!record.hasInsertedLines) continue;
+        // An added line ends in a break. Only behind the file's last line, when that has none, the break stands between
+        // them. A lone CR ends a line too, and is lost as everywhere: what follows it joins on, an added line as well.
+        const bool isEnd = !hasBreak(record) && record.text + record.length == m_text.data() + m_text.size();
         for (const auto& text : m_inserted.at(line)) {
-            // A line added behind one that has no break (the last one of the file) must not run into it.
-            if (!hasBreak(record)) writer.WriteNewLine();
+            if (isEnd) writer.WriteNewLine();
             write(text.data(), text.size());
-            if (hasBreak(record)) writer.WriteNewLine();
+            if (!isEnd) writer.WriteNewLine();
         }
     }
     writePiece();

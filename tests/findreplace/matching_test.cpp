@@ -136,6 +136,8 @@ TYPED_TEST(Matching, MultilineComparesFirstAndLastLines) {
         {"one line by one", "a a\n", L"a", L"x", "x x\n", 2},
         {"one line by two: the second follows the line", "1a2\n", L"a", L"x\ny", "1x2\ny\n", 1},
         {"behind the last line, which keeps to have no break", "1a2", L"a", L"x\ny", "1x2\ny", 1},
+        {"behind a lone CR, which is lost", "b\raaz\n", L"b", L"z--\n-y+", "z---y+\naaz\n", 1},
+        {"a lone CR at the end", "a\nb\r", L"b", L"x\ny", "a\nxy\n", 1},
         {"no replacement line counts as an empty one", "1a2\n", L"a", L"", "12\n", 1},
         {"an empty last line fits everywhere", "a\nb\na\nb", L"a\n\n", L"x\ny", "x\nyb\nx\nyb", 2},
         {"an empty first line is found where the search stands", "q\nb\n", L"\nb", L"x\ny", "x\ny\n", 1},
