@@ -94,9 +94,13 @@ uint32_t RunFindAndReplaceCommand(IHostServices& host, ICustomCommandCall& call)
     QVFindAndReplace::IConfirmReplace* confirmation = &choice;
     if (host.GetMainWindow()) confirmation = &dialog;
     std::wstring pattern = TextParameter(call, "TARGET");
+    const bool isTargetUnused = !(request.GetOptions() & Option::SaveAs) && !pattern.empty();
     if (pattern.empty()) pattern = L"*.*";
     // The target lies in the file's own folder: a script names the file by its path, and the target by a name.
     const auto result = QVFindAndReplace::RunOverFiles(host, list.get(), {request, pattern, L"", *confirmation});
+    if (isTargetUnused)
+        host.Log(kLogLevel, LogKind::Success,
+                 L"[Find and Replace] - Note : TARGET is not used together with KEEPBACKUP or DELETE");
     if (result.isCancelled) call.SetResultCode(QVUtils::ErrorCode::Cancelled);
     return 1;
 }

@@ -141,7 +141,11 @@ private:
 uint32_t SortOneFile(IHostServices& host, ICustomCommandCall& call, IFileItem& item, SortRequest request) {
     const Owned<IFileList> list(host.CreateFileList());
     if (!list || !list->AddItem(&item)) return 0;
+    const bool isTargetUnused = !request.Has(Option::SaveAs) && !request.saveAsName.empty();
     const QVLineSorter::SortRunResult result = QVLineSorter::SortFiles(host, *list, std::move(request));
+    if (isTargetUnused)
+        host.Log(kLogLevel, LogKind::Success,
+                 L"[SortLines] - Note : TARGET is not used together with KEEPBACKUP or DELETE");
     call.SetResultCode(result.isCancelled ? ErrorCode::Cancelled : result.lastErrorCode);
     return result.sorted > 0 ? 1 : 0;
 }

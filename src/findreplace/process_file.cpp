@@ -209,6 +209,8 @@ int64_t ProcessFile(const std::wstring& source, const std::wstring& target, uint
     } catch (const std::exception& failure) {
         result = fail(*failure.what() ? failure.what() : "Out of memory", ErrorCode::OutOfMemory);
     }
+    // A replacement that was never put in is nothing to tell about.
+    if (result == 0 && IsAscii(request.GetFind())) notes.looksLikeUtf8 = false;
     callback.EndOfFile();
     return result;
 }

@@ -14,8 +14,8 @@ inline constexpr int64_t kFileCancelled = -99;
 
 /// What a run may have to tell about a file besides its result.
 struct FileNotes {
-    /// The file was taken for 8-bit text of a code page, find or replacement text are not ASCII, and as far as the file
-    /// was read it is UTF-8 with characters that are not ASCII either.
+    /// The file was taken for 8-bit text of a code page, find text or replacements in it are not ASCII, and as far as
+    /// it was read it is UTF-8 with characters that are not ASCII either.
     bool looksLikeUtf8 = false;
 };
 

@@ -93,6 +93,31 @@ TEST(FindAndReplace, LogsEachFileAndHandsTheListsBack) {
                       "[Find and Replace] - 0 changes made to file : "));
 }
 
+TEST(FindAndReplace, NotesWhatTheResultDoesNotShow) {
+    const CommandRunner folder;
+    const struct {
+        const char* why;
+        Words parameters;
+        const char* noted;  // null: nothing
+    } cases[] = {
+        {"a target with a backup", {L"FIND=a", L"TARGET=t.txt", L"KEEPBACKUP"}, "TARGET is not used"},
+        {"a target without one", {L"FIND=a", L"TARGET=t.txt", L"DELETE"}, "TARGET is not used"},
+        {"a target", {L"FIND=a", L"TARGET=t.txt", L"OVERWRITE"}, nullptr},
+        {"no target", {L"FIND=a", L"DELETE"}, nullptr},
+        {"UTF-8 that is not read so", {L"FIND=\xF6", L"DELETE"}, "FORCEUTF8"},
+        {"UTF-8", {L"FIND=\xF6", L"DELETE", L"FORCEUTF8"}, nullptr},
+    };
+    for (const auto& c : cases) {
+        folder.Write(L"f.txt", "a W\xC3\xB6rter\n");
+        const HostRun run = Replace(folder, L"f.txt", Joined({L"REPLACEWITH=b", L"SILENT"}, c.parameters));
+        const size_t end = run.out.find('\n') + 1;
+        EXPECT_EQ(run.status, 0) << c.why;
+        EXPECT_TRUE(Holds(run.out.substr(0, end), " changes made to file : ")) << c.why;
+        EXPECT_EQ(run.out.substr(end).starts_with("[Find and Replace] - Note : "), c.noted != nullptr) << c.why;
+        EXPECT_TRUE(Holds(run.out.substr(end), c.noted ? c.noted : "")) << run.out;
+    }
+}
+
 TEST(FindAndReplace, WithoutItsRequiredParametersItDoesNothing) {
     const CommandRunner folder;
     folder.Write(L"f.txt", "a");

@@ -75,6 +75,19 @@ TEST(SortLinesCommand, LeavesTheFileAloneForABadParameterAndSaysWhich) {
     }
 }
 
+TEST(SortLinesCommand, NotesATargetThatIsNotUsed) {
+    const CommandRunner runner;
+    const char* const note = "[SortLines] - Note : TARGET is not used together with KEEPBACKUP or DELETE\n";
+    for (const wchar_t* const mode : {L"KEEPBACKUP", L"DELETE", L"OVERWRITE"}) {
+        runner.Write(L"a.txt", "b\na\n");
+        const HostRun run = Sort(runner, {L"TARGET=b.txt", L"SILENT", mode});
+        EXPECT_TRUE(run.out.starts_with("[SortLines] - Sorted lines in file : ")) << run.out;
+        EXPECT_EQ(run.out.substr(run.out.find('\n') + 1), std::wstring(mode) == L"OVERWRITE" ? "" : note);
+        runner.Write(L"a.txt", "b\na\n");
+        EXPECT_EQ(Holds(Sort(runner, {L"SILENT", mode}).out, "Note"), false);
+    }
+}
+
 TEST(SortLinesCommand, AsksBeforeATargetIsOverwritten) {
     const std::string before = "b\na\n";
     const std::string sorted = "a\nb\n";
