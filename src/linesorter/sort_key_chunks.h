@@ -86,7 +86,12 @@ template <class CharT, class Compare>
 class SortKeyChunks {
 public:
     SortKeyChunks(const SortableLinesData<CharT>& data, Range lines, Compare& compare, size_t limit)
-        : m_data(data), m_lines(lines), m_compare(compare), m_memory(limit), m_keys(lines.size()) {
+        : m_data(data),
+          m_lines(lines),
+          m_compare(compare),
+          m_memory(limit),
+          m_longest(limit / 64),
+          m_keys(lines.size()) {
         m_usesBeginnings = BeginningsTellLinesApart();
     }
 
@@ -120,9 +125,11 @@ private:
         if (m_keys[index] || m_hasFailed) return m_keys[index];
         const auto text = m_data.KeyText(m_lines[index]);
         if (text.empty()) return kEmptyKey;
-        m_keys[index] = m_memory.Add([&](uint8_t* buffer, uint32_t capacity) {
-            return m_compare.MakeSortKey(text.data(), static_cast<uint32_t>(text.size()), buffer, capacity);
-        });
+        // A comparison of a text that long ends at the first difference; its key is made from all of it.
+        if (text.size() <= m_longest)
+            m_keys[index] = m_memory.Add([&](uint8_t* buffer, uint32_t capacity) {
+                return m_compare.MakeSortKey(text.data(), static_cast<uint32_t>(text.size()), buffer, capacity);
+            });
         m_hasFailed = !m_keys[index];
         return m_keys[index];
     }
@@ -176,6 +183,7 @@ private:
     Range m_lines;
     Compare& m_compare;
     SortKeyMemory m_memory;
+    size_t m_longest;                    // text that a key is made of, in characters
     std::vector<const uint8_t*> m_keys;  // null: not made yet
     bool m_usesBeginnings = false;
     bool m_hasFailed = false;

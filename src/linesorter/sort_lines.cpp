@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <bit>
+#include <new>
 #include <span>
+#include <type_traits>
 #include <vector>
 
 #include "linesorter/beginnings.h"
@@ -116,21 +118,22 @@ void SortOrdinal(const SortableLinesData<wchar_t>& data, Range lines, bool ignor
         SortOrdinalUnits(data, lines, PlainUnits{});
 }
 
-/// Sorts by the sort keys when all that are needed can be made.
+/// So many lines are compared sooner than their sort keys are made.
+constexpr ptrdiff_t kFewLines = 12;
+
+/// Sorts by the sort keys when all that are needed can be made. Else it leaves the lines in their order.
 template <class CharT, class Compare>
-bool SortBySortKeys(const SortableLinesData<CharT>& data, Range lines, Compare& compare, size_t limit) {
+bool SortBySortKeys(const SortableLinesData<CharT>& data, Range lines, Compare& compare, size_t limit) try {
     SortKeyChunks<CharT, Compare> chunkAt(data, lines, compare, limit);
     std::vector<KeyedIndex> entries;
     entries.reserve(lines.size());
     for (uint32_t i = 0; i < lines.size(); ++i) entries.push_back(chunkAt.EntryOf(i));
     if (chunkAt.HasFailed()) return false;
     SortByKeyThenIndex(entries);
-    // A few lines are compared sooner than their sort keys are made.
-    constexpr ptrdiff_t kFew = 12;
     const KeyLess<CharT, Compare> less(data, compare);
     for (auto begin = entries.begin(), end = begin; begin != entries.end(); begin = end) {
         end = std::find_if(begin, entries.end(), [&](const KeyedIndex& entry) { return entry.key != begin->key; });
-        if (end - begin > kFew)
+        if (end - begin > kFewLines)
             SortByChunks({begin, end}, 0xFF, chunkAt);
         else if (end - begin > 1)
             std::stable_sort(begin, end, [&](const KeyedIndex& left, const KeyedIndex& right) {
@@ -141,11 +144,23 @@ bool SortBySortKeys(const SortableLinesData<CharT>& data, Range lines, Compare& 
     }
     ApplyOrder(lines, entries);
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
+/// Half of the lines need half of the memory. Merging two halves compares each line about once, so where the sort keys
+/// of all lines take too much, the time still grows little faster than their number.
 template <class CharT, class Compare>
 void SortByLanguage(const SortableLinesData<CharT>& data, Range lines, Compare&& compare, size_t limit) {
-    if (!SortBySortKeys(data, lines, compare, limit)) SortByComparing(data, lines, compare);
+    if (lines.size() <= kFewLines) {
+        SortByComparing(data, lines, compare);
+    } else if (!SortBySortKeys(data, lines, compare, limit)) {
+        const size_t half = lines.size() / 2;
+        SortByLanguage(data, lines.first(half), compare, limit);
+        SortByLanguage(data, lines.subspan(half), compare, limit);
+        std::inplace_merge(lines.begin(), lines.begin() + static_cast<ptrdiff_t>(half), lines.end(),
+                           KeyLess<CharT, std::remove_reference_t<Compare>>(data, compare));
+    }
 }
 
 void SortText(const SortableLinesData<char>& data, Range lines, const SortRequest& request, size_t sortKeyLimit) {

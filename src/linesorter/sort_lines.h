@@ -10,8 +10,8 @@
 
 namespace QVLineSorter {
 
-/// What the system's sort keys of a language-aware sort may take together, in bytes. Beyond it, lines are compared pair
-/// by pair, which is slower and needs nothing.
+/// What the system's sort keys of a language-aware sort may take at a time, in bytes. Lines whose keys take more are
+/// sorted in portions, which are merged.
 inline constexpr size_t kSortKeyLimit = size_t{512} << 20;
 
 /// Sorts the lines between the kept ones by the keys that were cut, then turns them round when the request says so:

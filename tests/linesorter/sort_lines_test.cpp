@@ -9,6 +9,7 @@
 #include "linesorter/line_compare.h"
 #include "linesorter/sample_lines.h"
 #include "linesorter/sort_key.h"
+#include "reliability/replaced_imports.h"
 
 namespace {
 
@@ -271,6 +272,53 @@ TEST(SortLines, SortKeysOfBeginningsGiveThePlainOrder) {
                 }
             }
     });
+}
+
+struct SystemCalls {
+    decltype(&CompareStringA) compare = nullptr;
+    decltype(&LCMapStringA) map = nullptr;
+    size_t comparisons = 0;
+    size_t keys = 0;
+} g_calls;
+
+TEST(SortLines, MakesSortKeysInPortionsWhereAllWouldTakeTooMuchAndNoneForFewLines) {
+    const auto compare = [](LCID locale, DWORD flags, LPCSTR left, int leftLength, LPCSTR right, int rightLength) {
+        ++g_calls.comparisons;
+        return g_calls.compare(locale, flags, left, leftLength, right, rightLength);
+    };
+    const auto map = [](LCID locale, DWORD flags, LPCSTR text, int length, LPSTR buffer, int capacity) {
+        ++g_calls.keys;
+        return g_calls.map(locale, flags, text, length, buffer, capacity);
+    };
+    const QVTest::ReplacedImport comparing(GetModuleHandleW(nullptr), "CompareStringA",
+                                           reinterpret_cast<void*>(static_cast<decltype(&CompareStringA)>(compare)));
+    const QVTest::ReplacedImport mapping(GetModuleHandleW(nullptr), "LCMapStringA",
+                                         reinterpret_cast<void*>(static_cast<decltype(&LCMapStringA)>(map)));
+    g_calls = {reinterpret_cast<decltype(&CompareStringA)>(comparing.Original()),
+               reinterpret_cast<decltype(&LCMapStringA)>(mapping.Original())};
+    const auto sort = [](SortableLinesData<char>& data, size_t limit) {
+        SortRequest request;
+        request.options = kLanguage;
+        SortLines(data, request, {}, limit);
+    };
+    Lines<char> lines;
+    for (int copy = 0; copy < 5; ++copy)
+        for (std::string line : ManyLines<char>("abcdefghijklmnopqrstuvwxyz", 26))
+            lines.push_back("what all lines begin with " + std::to_string(copy) + line);
+    auto inOne = Load(lines);
+    sort(inOne, kSortKeyLimit);
+    EXPECT_LT(g_calls.comparisons, lines.size());
+    auto inPortions = Load(lines);
+    g_calls.comparisons = g_calls.keys = 0;
+    sort(inPortions, size_t{3} << 19);
+    EXPECT_LT(g_calls.comparisons, 5 * lines.size());  // one by one it would be three times as many
+    EXPECT_LT(g_calls.keys, 5 * lines.size());
+    EXPECT_TRUE(Texts(inOne) == Texts(inPortions));
+
+    auto few = Load<char>({std::string(10'000, 'a'), "b", "a"});
+    g_calls.keys = 0;
+    sort(few, kSortKeyLimit);
+    EXPECT_EQ(g_calls.keys, 0u);
 }
 
 TEST(SortLines, KeepsTopAndBottomAndNeverOverflows) {
