@@ -29,6 +29,7 @@ void PrepareExceptionReserve() noexcept {
     } catch (int) {
         g_refusesNext = false;
     }
+    [[maybe_unused]] static const bool isLockMade = g_refusesNext.exchange(false);
 }
 
 }  // namespace Plugin
