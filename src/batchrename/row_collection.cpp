@@ -21,12 +21,10 @@ std::wstring_view WithoutSeparator(std::wstring_view folder) {
 RowSnapshot CollectRows(IHostServices& services) {
     RenameItems rows;
     if (const Owned<IFileList> list = GatherSelection(services, SelectionFlags::Names)) {
-        const uint32_t count = list->GetCount();
-        rows.reserve(count);
+        const std::vector<IFileItem*> items = ItemsOf(*list);
+        rows.reserve(items.size());
         std::wstring buffer(kLongestPath, L'\0');  // one for all: there may be a hundred thousand
-        for (uint32_t index = 0; index < count; ++index) {
-            IFileItem* const item = list->GetItem(index);
-            if (!item) continue;
+        for (IFileItem* const item : items) {
             auto row = std::make_shared<BatchRenameItem>();
             buffer[0] = L'\0';
             item->GetName(buffer.data(), kLongestPath);
@@ -36,7 +34,7 @@ RowSnapshot CollectRows(IHostServices& services) {
             row->location = WithoutSeparator(buffer.c_str());
             const uint32_t attributes = item->GetAttributes();
             row->isFolder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-            row->hostOrder = index;
+            row->hostOrder = static_cast<uint32_t>(rows.size());
             if (!row->currentName.empty()) rows.push_back(std::move(row));
         }
     }

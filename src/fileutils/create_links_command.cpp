@@ -13,10 +13,7 @@ using namespace Quorvane::SDK;
 
 std::vector<Ui::LinkTarget> TargetsOf(IFileList& list) {
     std::vector<Ui::LinkTarget> targets;
-    const uint32_t count = list.GetCount();
-    for (uint32_t index = 0; index < count; ++index) {
-        IFileItem* const item = list.GetItem(index);
-        if (!item) continue;
+    for (IFileItem* const item : ItemsOf(list)) {
         std::wstring path = PathOf(*item);
         if (!path.empty()) targets.push_back({std::move(path), IsFolder(*item)});
     }

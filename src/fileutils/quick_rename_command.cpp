@@ -12,10 +12,7 @@ uint32_t RunQuickRename(IHostServices& host, uint32_t id) {
     const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Names);
     if (!list) return 1;
     std::vector<ItemRename> renames;
-    const uint32_t count = list->GetCount();
-    for (uint32_t index = 0; index < count; ++index) {
-        IFileItem* const item = list->GetItem(index);
-        if (!item) continue;
+    for (IFileItem* const item : ItemsOf(*list)) {
         const std::wstring name = NameOf(*item);
         std::wstring newName = QuickRenamed(id, name, IsFolder(*item));
         if (newName != name) renames.push_back({item, std::move(newName)});

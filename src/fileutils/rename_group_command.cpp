@@ -21,11 +21,8 @@ std::wstring StemOf(IFileItem& item) {
 /// The files of the list that are called `stem`, in its order.
 std::vector<IFileItem*> FilesCalled(IFileList& list, const std::wstring& stem) {
     std::vector<IFileItem*> files;
-    const uint32_t count = list.GetCount();
-    for (uint32_t index = 0; index < count; ++index) {
-        IFileItem* const item = list.GetItem(index);
-        if (item && !IsFolder(*item) && StemOf(*item) == stem) files.push_back(item);
-    }
+    for (IFileItem* const item : ItemsOf(list))
+        if (!IsFolder(*item) && StemOf(*item) == stem) files.push_back(item);
     return files;
 }
 

@@ -17,11 +17,9 @@ struct NamedItem {
     bool isFolder;
 };
 
-std::vector<NamedItem> ItemsOf(IFileList& list) {
+std::vector<NamedItem> NamedItemsOf(IFileList& list) {
     std::vector<NamedItem> items;
-    const uint32_t count = list.GetCount();
-    for (uint32_t index = 0; index < count; ++index)
-        if (IFileItem* const item = list.GetItem(index)) items.push_back({item, NameOf(*item), IsFolder(*item)});
+    for (IFileItem* const item : ItemsOf(list)) items.push_back({item, NameOf(*item), IsFolder(*item)});
     return items;
 }
 
@@ -30,7 +28,7 @@ std::vector<NamedItem> ItemsOf(IFileList& list) {
 uint32_t RunReplaceInNames(IHostServices& host, uint32_t) {
     const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Names);
     if (!list || list->GetCount() == 0) return 1;
-    const std::vector<NamedItem> items = ItemsOf(*list);
+    const std::vector<NamedItem> items = NamedItemsOf(*list);
     Ui::CReplaceDlg dialog([&](const Ui::NameReplacement& request) {
         std::vector<Ui::NameChange> changes;
         for (const NamedItem& item : items) {

@@ -37,10 +37,9 @@ std::optional<uint32_t> AskElevated(IHostServices& host, const SecuritySelection
 SecuritySelection GatherSecuritySelection(IHostServices& host) {
     SecuritySelection selection;
     selection.list = GatherSelection(host, SelectionFlags::Access);
-    const uint32_t count = selection.list ? selection.list->GetCount() : 0;
-    for (uint32_t index = 0; index < count; ++index) {
-        IFileItem* const item = selection.list->GetItem(index);
-        std::wstring path = item ? PathOf(*item) : std::wstring();
+    if (!selection.list) return selection;
+    for (IFileItem* const item : ItemsOf(*selection.list)) {
+        std::wstring path = PathOf(*item);
         if (path.empty()) continue;
         selection.items.push_back(item);
         selection.paths.push_back(std::move(path));

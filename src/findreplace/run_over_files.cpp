@@ -31,10 +31,9 @@ public:
           m_progress(host.OpenProgress(HostText(host, kTitleText), files.GetCount())) {}
 
     RunResult Execute() {
-        const uint32_t count = m_files.GetCount();
-        for (uint32_t index = 0; index < count && !m_result.isCancelled; ++index) {
-            if (IFileItem* const item = m_files.GetItem(index)) ProcessItem(*item, index);
-        }
+        const std::vector<IFileItem*> items = ItemsOf(m_files);
+        for (uint32_t index = 0; index < items.size() && !m_result.isCancelled; ++index)
+            ProcessItem(*items[index], index);
         if (m_result.isCancelled) {
             m_progress.reset();
             m_host.Log(kLogLevel, LogKind::Failure, L"[Find and Replace] - Operation cancelled");

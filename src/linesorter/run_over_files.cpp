@@ -35,17 +35,17 @@ public:
           m_skipped(host.CreateFileList()) {}
 
     SortRunResult Run() {
-        const uint32_t count = m_files.GetCount();
+        const std::vector<IFileItem*> items = ItemsOf(m_files);
+        const auto count = static_cast<uint32_t>(items.size());
         const OwnedProgress progress(IsSilent() ? nullptr : m_host.OpenProgress(m_title.c_str(), count));
         for (uint32_t i = 0; i < count && !m_result.isCancelled; ++i) {
-            IFileItem* const item = m_files.GetItem(i);
-            const std::wstring path = item ? PathOf(*item) : std::wstring();
+            const std::wstring path = PathOf(*items[i]);
             if (path.empty()) continue;
             if (progress) {
                 progress->Advance(i, path.c_str());
                 m_result.isCancelled = progress->IsCancelled();
             }
-            if (!m_result.isCancelled) SortItem(*item, path);
+            if (!m_result.isCancelled) SortItem(*items[i], path);
         }
         return m_result;
     }

@@ -5,9 +5,10 @@
 namespace Quorvane::SDK {
 namespace {
 
-// The longest path of the system is 32,767 units; nearly all are far shorter.
+// The longest path of the system is 32,767 units; nearly all are far shorter. A host may know from its other callers
+// that nobody asks with less than 2,048.
 constexpr uint32_t kLongestPath = 32768;
-constexpr uint32_t kUsualPath = 1024;
+constexpr uint32_t kUsualPath = 4096;
 
 template <class Read>
 std::wstring ReadText(Read&& read) {
@@ -15,9 +16,10 @@ std::wstring ReadText(Read&& read) {
     usual[0] = 0;
     read(usual.data(), kUsualPath);
     usual.back() = 0;
-    // The closing zero decides, not the length that the host reports. A full buffer may have cut the text.
+    // The closing zero decides, not the length that the host reports. A full buffer may have cut the text, and a host
+    // may give nothing of one that does not fit.
     const size_t length = std::char_traits<wchar_t>::length(usual.data());
-    if (length < kUsualPath - 1) return std::wstring(usual.data(), length);
+    if (length > 0 && length < kUsualPath - 1) return std::wstring(usual.data(), length);
     std::wstring text(kLongestPath, L'\0');
     read(text.data(), kLongestPath);
     text.resize(std::char_traits<wchar_t>::length(text.c_str()));
@@ -33,6 +35,17 @@ Owned<IFileList> GatherSelection(IHostServices& services, uint32_t flags) {
     return list;
 }
 
+std::vector<IFileItem*> ItemsOf(IFileList& list) {
+    std::vector<IFileItem*> items;
+    const uint32_t count = list.GetCount();
+    while (items.size() < count) {
+        IFileItem* const item = list.GetItem(static_cast<uint32_t>(items.size()));
+        if (!item) break;
+        items.push_back(item);
+    }
+    return items;
+}
+
 std::wstring PathOf(IFileItem& item) {
     return ReadText([&](wchar_t* buffer, uint32_t capacity) { item.GetPath(buffer, capacity); });
 }
@@ -43,10 +56,8 @@ std::wstring NameOf(IFileItem& item) {
 
 std::vector<std::wstring> PathsOf(IFileList& list) {
     std::vector<std::wstring> paths;
-    const uint32_t count = list.GetCount();
-    for (uint32_t index = 0; index < count; ++index) {
-        IFileItem* const item = list.GetItem(index);
-        std::wstring path = item ? PathOf(*item) : std::wstring();
+    for (IFileItem* const item : ItemsOf(list)) {
+        std::wstring path = PathOf(*item);
         if (!path.empty()) paths.push_back(std::move(path));
     }
     return paths;

@@ -58,6 +58,10 @@ inline const wchar_t* HostText(IHostServices& services, TextId id) {
 /// The panel's selected items; null when the host cannot make a list. `flags`: SelectionFlags.
 Owned<IFileList> GatherSelection(IHostServices& services, uint32_t flags);
 
+/// The list's items in its order, up to the first that the host does not give: it may count more than it has. They live
+/// as long as the list.
+std::vector<IFileItem*> ItemsOf(IFileList& list);
+
 /// The item's full path, of any length; empty when the host has none.
 std::wstring PathOf(IFileItem& item);
 
