@@ -59,7 +59,7 @@ private:
     Compare& m_compare;
 };
 
-/// The plain way, which all others must agree with.
+/// The plain way, for what has no chunks or too few lines to make them; the others must agree with it.
 template <class CharT>
 void SortByComparing(const SortableLinesData<CharT>& data, Range lines, LineCompare_TextBase<CharT>& compare) {
     std::stable_sort(lines.begin(), lines.end(), KeyLess<CharT>(data, compare));
