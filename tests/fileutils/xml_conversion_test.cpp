@@ -51,18 +51,23 @@ TEST(XmlConversion, KeepsDeclarationAndEncoding) {
 }
 
 TEST(XmlConversion, LeavesABadDocumentAloneAndSaysWhere) {
-    const CommandRunner runner;
-    const std::string bad = "<a>\n  <b></a>\n";
-    const std::wstring path = runner.Write(L"bad.xml", bad);
-    const std::wstring good = runner.Write(L"good.xml", "<a> <b/> </a>");
-    const std::wstring empty = runner.Write(L"empty.xml", "");
-    const HostRun run = runner.Run({L"command", L"30201", path, good, empty});
-    EXPECT_EQ(runner.Read(L"bad.xml"), bad);
-    EXPECT_TRUE(Holds(run.out, "[Convert XML] - Failed to load file : "));
-    EXPECT_TRUE(Holds(run.error, "bad.xml, line 2, column "));
-    EXPECT_TRUE(Holds(runner.Read(L"good.xml"), "<a><b/></a>"));
-    EXPECT_TRUE(Holds(run.error, "empty.xml: it holds no XML"));
-    EXPECT_EQ(runner.List().size(), 3u);
+    const std::pair<std::string, const char*> cases[] = {
+        {"<a>\n  <b></a>\n", "bad.xml, line 2, column "},
+        {"<a><b>\xC3\xA4 text", "bad.xml, line 1, column 13: "},
+        {"<a>\r\n", "bad.xml, line 2, column 1: "},
+        {"<a>\n<b/><?p?>\n<b/>\n\n", "bad.xml, line 5, column 1: "},
+        {"", "bad.xml: it holds no XML"},
+    };
+    for (const auto& [bytes, note] : cases) {
+        const CommandRunner runner;
+        const std::wstring good = runner.Write(L"good.xml", "<a> <b/> </a>");
+        const HostRun run = runner.Run({L"command", L"30201", runner.Write(L"bad.xml", bytes), good});
+        EXPECT_TRUE(Holds(run.out, "[Convert XML] - Failed to load file : "));
+        EXPECT_TRUE(Holds(run.error, note)) << bytes;
+        EXPECT_TRUE(Holds(runner.Read(L"good.xml"), "<a><b/></a>"));
+        EXPECT_EQ(runner.Read(L"bad.xml"), bytes);
+        EXPECT_EQ(runner.List().size(), 2u);
+    }
 }
 
 TEST(XmlConversion, KeepsNameAndAccess) {
