@@ -35,12 +35,12 @@ void RunElevatedRequest(Bytes bytes) {
     // The payload alone, in memory of its own: the header's checks must not be what keeps the reader safe.
     const Exact<char> payload(Input(bytes).Rest());
     Message message({reinterpret_cast<const uint8_t*>(payload.View().data()), payload.View().size()});
-    if (const auto grant = FileUtils::ReadWholeMessage<FileUtils::AccessGrant>(message, FileUtils::ReadAccessGrant)) {
+    if (const auto grant = FileUtils::ReadMessage<FileUtils::AccessGrant>(message, FileUtils::ReadAccessGrant)) {
         Require(grant->mask != 0 && (grant->mask & ~uint32_t{FILE_ALL_ACCESS}) == 0, "a mask holds rights of files");
         Require(!grant->account.empty(), "an account has a name");
         for (const std::wstring& path : grant->paths) Require(!path.empty(), "so has a path");
     }
-    FileUtils::ReadWholeMessage<FileUtils::Paths>(message, FileUtils::ReadPaths);
+    FileUtils::ReadMessage<FileUtils::Paths>(message, FileUtils::ReadPaths);
 }
 
 }  // namespace QVFuzz

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "fileutils/elevated_path.h"
 #include "fileutils/elevated_request.h"
 #include "fileutils/link_creation.h"
 #include "win32/path.h"
@@ -28,11 +29,19 @@ std::optional<LinkRequest> RequestOf(ICustomCommandCall& call) {
     return request;
 }
 
+/// A symbolic link is text that others follow, and so is a junction in the form of the system's core.
+bool IsTarget(uint32_t type, std::wstring path) {
+    if (type == LinkType::SymbolicLink) return IsSymbolicLinkTarget(path);
+    if (type == LinkType::Junction && path.starts_with(LR"(\??\)")) path[1] = L'\\';
+    return IsFullFilePath(path);
+}
+
 LinkRequest ReadRequest(RequestFields& fields) {
     LinkRequest request;
     request.type = fields.Number();
-    request.link = fields.Text();
+    request.link = fields.FilePath();
     request.target = fields.Text();
+    if (!IsTarget(request.type, request.target)) fields.Refuse();
     const uint32_t folderFlag = fields.Number();
     request.targetIsFolder = folderFlag == 1;
     if (folderFlag > 1) fields.Refuse();
@@ -60,7 +69,7 @@ uint32_t RunCreateLinkCommand(IHostServices& host, ICustomCommandCall& call) {
 }
 
 uint32_t AnswerCreateLinkRequest(IHostServices& host, IRequestMessage& message) {
-    const std::optional<LinkRequest> request = ReadWholeMessage(message, ReadRequest);
+    const std::optional<LinkRequest> request = ReadMessage(message, ReadRequest);
     const uint32_t error = request ? CreateLinkHere(host, *request) : uint32_t{ERROR_INVALID_PARAMETER};
     message.Reply(1, error, 0, 0);
     return 1;

@@ -1,5 +1,6 @@
 #include "fileutils/elevated_request.h"
 
+#include "fileutils/elevated_path.h"
 #include "win32/windows.h"
 
 namespace FileUtils {
@@ -47,12 +48,18 @@ std::wstring RequestFields::Text() {
     return m_isGood ? copy : std::wstring();
 }
 
-std::vector<std::wstring> RequestFields::Texts() {
+std::wstring RequestFields::FilePath() {
+    std::wstring path = Text();
+    if (!IsFullFilePath(path)) Refuse();
+    return path;
+}
+
+std::vector<std::wstring> RequestFields::FilePaths() {
     const uint32_t count = Number();
-    if (count > m_size) Refuse();  // every text takes bytes
-    std::vector<std::wstring> texts;
-    while (m_isGood && texts.size() < count) texts.push_back(Text());
-    return texts;
+    if (count > m_size) Refuse();  // every path takes bytes
+    std::vector<std::wstring> paths;
+    while (m_isGood && paths.size() < count) paths.push_back(FilePath());
+    return paths;
 }
 
 }  // namespace FileUtils

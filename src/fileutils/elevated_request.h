@@ -34,8 +34,10 @@ public:
     uint32_t Number();
     /// At least one unit, at most the longest path of the system.
     std::wstring Text();
-    /// A number and as many texts.
-    std::vector<std::wstring> Texts();
+    /// A text that is the path of a file or folder and of nothing else.
+    std::wstring FilePath();
+    /// A number and as many of those.
+    std::vector<std::wstring> FilePaths();
     void Refuse() { m_isGood = false; }
     bool IsGood() const { return m_isGood; }
 
@@ -45,23 +47,16 @@ private:
     bool m_isGood = true;
 };
 
-/// What `read` makes of the message's fields; nothing when one of them is refused, or when the message holds more than
-/// them, be it a single byte.
+/// What `read` makes of the message's fields; nothing when one of them is refused. A host may send more bytes than the
+/// fields take (it may pad them), and nobody looks at those.
 template <class Request>
-std::optional<Request> ReadWholeMessage(Quorvane::SDK::IRequestMessage& message, Request (*read)(RequestFields&)) {
+std::optional<Request> ReadMessage(Quorvane::SDK::IRequestMessage& message, Request (*read)(RequestFields&)) {
     const uint32_t size = message.GetSize();
-    const auto readAs = [&](uint32_t bytes) -> std::optional<Request> {
-        const Quorvane::SDK::Owned<Quorvane::SDK::IRequestReader> reader(message.CreateReader());
-        if (!reader || !reader->Attach(message.GetData(), bytes)) return std::nullopt;
-        RequestFields fields(*reader, bytes);
-        Request request = read(fields);
-        return fields.IsGood() ? std::optional<Request>(std::move(request)) : std::nullopt;
-    };
-    std::optional<Request> request = readAs(size);
-    // How the fields lie in the message is the host's affair. A message that is whole without its last byte has too
-    // many.
-    if (request && size > 0 && readAs(size - 1)) return std::nullopt;
-    return request;
+    const Quorvane::SDK::Owned<Quorvane::SDK::IRequestReader> reader(message.CreateReader());
+    if (!reader || !reader->Attach(message.GetData(), size)) return std::nullopt;
+    RequestFields fields(*reader, size);
+    Request request = read(fields);
+    return fields.IsGood() ? std::optional<Request>(std::move(request)) : std::nullopt;
 }
 
 }  // namespace FileUtils

@@ -51,7 +51,7 @@ uint32_t RunGrantAccess(IHostServices& host, uint32_t) {
 }
 
 uint32_t AnswerGrantAccessRequest(IHostServices& host, IRequestMessage& message) {
-    const std::optional<AccessGrant> grant = ReadWholeMessage(message, ReadAccessGrant);
+    const std::optional<AccessGrant> grant = ReadMessage(message, ReadAccessGrant);
     const uint32_t error = grant ? ChangeUntilFailure(host, grant->paths, Grant(grant->account, grant->mask))
                                  : uint32_t{ERROR_INVALID_PARAMETER};
     message.Reply(1, error, 0, 0);

@@ -26,7 +26,7 @@ uint32_t RunResetAccess(IHostServices& host, uint32_t) {
 }
 
 uint32_t AnswerResetAccessRequest(IHostServices& host, IRequestMessage& message) {
-    const std::optional<Paths> paths = ReadWholeMessage(message, ReadPaths);
+    const std::optional<Paths> paths = ReadMessage(message, ReadPaths);
     message.Reply(1, paths ? ChangeUntilFailure(host, *paths, Reset) : uint32_t{ERROR_INVALID_PARAMETER}, 0, 0);
     return 1;
 }

@@ -1,5 +1,8 @@
 #include "fileutils/security_requests.h"
 
+#include <algorithm>
+
+#include "fileutils/elevated_path.h"
 #include "win32/windows.h"
 
 namespace FileUtils {
@@ -12,7 +15,9 @@ void WritePaths(IRequestWriter& writer, const Paths& paths) {
 }
 
 Paths ReadPaths(RequestFields& fields) {
-    return fields.Texts();
+    Paths paths = fields.FilePaths();
+    if (std::ranges::any_of(paths, IsRemoteRegistryKey)) fields.Refuse();
+    return paths;
 }
 
 void WriteAccessGrant(IRequestWriter& writer, const AccessGrant& grant) {

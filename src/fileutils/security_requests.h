@@ -15,7 +15,8 @@ inline constexpr uint32_t kResetAccessRequest = 5003;
 
 using Paths = std::vector<std::wstring>;
 
-/// Taking ownership and resetting need the paths alone: their number, then each of them.
+/// Taking ownership and resetting need the paths alone: their number, then each of them. A path of anything but a file
+/// or folder is refused.
 void WritePaths(Quorvane::SDK::IRequestWriter& writer, const Paths& paths);
 Paths ReadPaths(RequestFields& fields);
 

@@ -54,7 +54,7 @@ uint32_t RunTakeOwnership(IHostServices& host, uint32_t) {
 
 uint32_t AnswerTakeOwnershipRequest(IHostServices& host, IRequestMessage& message) {
     uint32_t error = ERROR_INVALID_PARAMETER;
-    if (const std::optional<Paths> paths = ReadWholeMessage(message, ReadPaths)) {
+    if (const std::optional<Paths> paths = ReadMessage(message, ReadPaths)) {
         const Security::ScopedPrivilege privilege(SE_TAKE_OWNERSHIP_NAME);
         const std::wstring user = Security::CurrentUserName();
         error = ChangeUntilFailure(host, *paths, [&](const std::wstring& path) { return MakeOwner(path, user); });

@@ -6,6 +6,7 @@
 
 #include "fileutils/command_runner.h"
 #include "fileutils/create_link_command.h"
+#include "fileutils/elevated_path.h"
 #include "fileutils/grant_access_command.h"
 #include "fileutils/picked_account.h"
 #include "fileutils/reset_access_command.h"
@@ -63,6 +64,23 @@ Bytes Request(const Field&... fields) {
     return bytes;
 }
 
+/// True when the access list lets everybody write.
+bool EveryoneMayWrite(const std::wstring& path) {
+    PACL list = nullptr;
+    PSECURITY_DESCRIPTOR raw = nullptr;
+    EXPECT_EQ(GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list,
+                                    nullptr, &raw),
+              0u);
+    const Win32::LocalMemory descriptor(raw);
+    for (WORD index = 0; list && index < list->AceCount; ++index) {
+        void* entry = nullptr;
+        GetAce(list, index, &entry);
+        auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
+        if (IsWellKnownSid(&allowed->SidStart, WinWorldSid) && (allowed->Mask & FILE_WRITE_DATA)) return true;
+    }
+    return false;
+}
+
 TEST(ElevatedRequests, AreCarriedOutWhenTheyAreWholeAndNotOtherwise) {
     ServicesOfHost host(QV_HOST_PROGRAM);
     const TemporaryFolder folder;
@@ -89,25 +107,80 @@ TEST(ElevatedRequests, AreCarriedOutWhenTheyAreWholeAndNotOtherwise) {
             const Bytes cut(request.whole.begin(), request.whole.begin() + static_cast<ptrdiff_t>(size));
             EXPECT_EQ(answer(request.handler, cut), kMalformed) << request.why << size;
         }
-        Bytes longer = request.whole;
-        for (int stray = 1; stray <= 5; ++stray) {
-            longer.push_back(0);
-            EXPECT_EQ(answer(request.handler, longer), kMalformed) << request.why << stray;
-        }
         EXPECT_FALSE(Win32::Exists(link));
-        EXPECT_EQ(answer(request.handler, request.whole), 0u) << request.why;
+        for (const size_t padding : {0, 1, 2, 4}) {
+            Bytes padded = request.whole;
+            padded.resize(padded.size() + padding);
+            EXPECT_EQ(answer(request.handler, padded), 0u) << request.why << padding;
+            DeleteFileW(link.c_str());
+        }
     }
     const std::pair<const char*, Bytes> grants[] = {
         {"no right", Request(0, L"Everyone", 1, file)},
         {"rights that no file has", Request(0x10000000, L"Everyone", 1, file)},
         {"no account", Request(1, L"", 1, file)},
         {"an empty path", Request(1, L"Everyone", 1, L"")},
-        {"a path beyond all", Request(1, L"Everyone", 1, std::wstring(40000, L'a'))},
+        {"a path beyond all", Request(1, L"Everyone", 1, L"C:\\" + std::wstring(40000, L'a'))},
         {"a count beyond all bytes", Request(1, L"Everyone", 0xFFFFFFFF, file)},
     };
     for (const auto& [why, bytes] : grants) EXPECT_EQ(answer(AnswerGrantAccessRequest, bytes), kMalformed) << why;
     EXPECT_EQ(answer(AnswerGrantAccessRequest, Request(1, L"no such account", 1, file)), ERROR_NONE_MAPPED + 0u);
     EXPECT_EQ(answer(AnswerCreateLinkRequest, Request(1, link, file, 2)), kMalformed) << "neither file nor folder";
+    for (const wchar_t* other : {LR"(CURRENT_USER\Software\x)", LR"(\\server\users\x)", LR"(a.txt)"}) {
+        EXPECT_EQ(answer(AnswerGrantAccessRequest, Request(1, L"Everyone", 2, file, other)), kMalformed) << other;
+        EXPECT_EQ(answer(AnswerTakeOwnershipRequest, Request(2, file, other)), kMalformed) << other;
+        EXPECT_EQ(answer(AnswerResetAccessRequest, Request(2, file, other)), kMalformed) << other;
+    }
+    const std::wstring core = LR"(\??\)" + folder.Path();
+    for (const uint32_t type : {1u, 2u, 4u}) {
+        EXPECT_EQ(answer(AnswerCreateLinkRequest, Request(type, L"link", file, 0)), kMalformed) << type;
+        EXPECT_EQ(answer(AnswerCreateLinkRequest, Request(type, link, L"a", 0)), kMalformed) << type;
+        EXPECT_EQ(answer(AnswerCreateLinkRequest, Request(type, link, core, 1)) == kMalformed, type != 2) << type;
+    }
+    EXPECT_EQ(answer(AnswerCreateLinkRequest, Request(3, link, LR"(..\a)", 0)), 0u);
+    EXPECT_FALSE(EveryoneMayWrite(file));
+}
+
+TEST(ElevatedPaths, AreThoseOfFilesAndFolders) {
+    const struct {
+        const wchar_t* path;
+        bool isFull;
+        bool isSymbolicLinkTarget;
+    } cases[] = {
+        {LR"(C:\)", true, true},
+        {LR"(c:/a\..\b.txt)", true, true},
+        {LR"(\\server\share\a b)", true, true},
+        {LR"(//server/share)", true, true},
+        {LR"(\\?\C:\nul)", true, true},
+        {LR"(\\?\unc\server\share\a.)", true, true},
+        {L"a.txt", false, true},
+        {LR"(..\a)", false, true},
+        {LR"(\a)", false, true},
+        {LR"(CURRENT_USER\Software)", false, true},
+        {L"", false, false},
+        {L"C:", false, false},
+        {L"C:a", false, false},
+        {LR"(1:\a)", false, false},
+        {LR"(C:\a:stream)", false, false},
+        {L"a::$DATA", false, false},
+        {LR"(C:\a\NUL)", false, false},
+        {LR"(C:\com1.txt)", false, false},
+        {LR"(\\.\PhysicalDrive0)", false, false},
+        {LR"(\\.\C:\a)", false, false},
+        {LR"(\\?\GLOBALROOT\Device\Null)", false, false},
+        {LR"(\\?\pipe\a)", false, false},
+        {LR"(\\?\C:a)", false, false},
+        {LR"(\??\C:\a)", false, false},
+        {LR"(\\server\Pipe\a)", false, false},
+        {LR"(\\?\UNC\server\pipe\a)", false, false},
+        {LR"(\\?\UNC\.\share\a)", false, false},
+        {LR"(\\server\ipc$)", false, false},
+        {LR"(\\server)", false, false},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(IsFullFilePath(c.path), c.isFull) << testing::PrintToString(c.path);
+        EXPECT_EQ(IsSymbolicLinkTarget(c.path), c.isSymbolicLinkTarget) << testing::PrintToString(c.path);
+    }
 }
 
 /// Notes in which order it is used.
@@ -193,23 +266,6 @@ TEST(TakeOwnership, ShowsTheNewOwnerUnlessTheElevatedProcessFailed) {
             SDK::StoredPropertyValue value = {};
             EXPECT_TRUE(!exists || item.QueryProperty(1, 1, &value) == 0) << "the host computes the owner anew";
         }
-}
-
-/// True when the access list lets everybody write.
-bool EveryoneMayWrite(const std::wstring& path) {
-    PACL list = nullptr;
-    PSECURITY_DESCRIPTOR raw = nullptr;
-    EXPECT_EQ(GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list,
-                                    nullptr, &raw),
-              0u);
-    const Win32::LocalMemory descriptor(raw);
-    for (WORD index = 0; list && index < list->AceCount; ++index) {
-        void* entry = nullptr;
-        GetAce(list, index, &entry);
-        auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
-        if (IsWellKnownSid(&allowed->SidStart, WinWorldSid) && (allowed->Mask & FILE_WRITE_DATA)) return true;
-    }
-    return false;
 }
 
 HostRun GrantEveryoneAll(const CommandRunner& runner, const Words& items) {

@@ -1,0 +1,91 @@
+#include "fileutils/elevated_path.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <optional>
+
+#include "textio/target_name.h"
+
+namespace FileUtils {
+namespace {
+
+constexpr std::wstring_view kLongPrefix = LR"(\\?\)";
+constexpr std::wstring_view kLongShare = LR"(UNC\)";
+
+bool IsSeparator(wchar_t unit) {
+    return unit == L'\\' || unit == L'/';
+}
+
+wchar_t Upper(wchar_t unit) {
+    return unit >= L'a' && unit <= L'z' ? static_cast<wchar_t>(unit - L'a' + L'A') : unit;
+}
+
+bool IsOneOf(std::wstring_view name, std::initializer_list<std::wstring_view> upperCaseNames) {
+    return std::ranges::any_of(upperCaseNames,
+                               [&](std::wstring_view each) { return std::ranges::equal(name, each, {}, Upper); });
+}
+
+/// Takes the next name and the separator behind it.
+std::wstring_view TakeName(std::wstring_view& path) {
+    const auto end = std::ranges::find_if(path, IsSeparator);
+    const std::wstring_view name(path.begin(), end);
+    path.remove_prefix(std::min(path.size(), name.size() + 1));
+    return name;
+}
+
+struct ShareName {
+    std::wstring_view server;
+    std::wstring_view share;
+};
+
+/// Takes server and share of a path that names them; both are "" for another path.
+ShareName TakeShare(std::wstring_view& path) {
+    const size_t longStart = kLongPrefix.size() + kLongShare.size();
+    if (path.starts_with(kLongPrefix) && IsOneOf(path.substr(0, longStart).substr(kLongPrefix.size()), {kLongShare}))
+        path.remove_prefix(longStart);
+    else if (path.size() > 2 && IsSeparator(path[0]) && IsSeparator(path[1]))
+        path.remove_prefix(2);
+    else
+        return {};
+    const std::wstring_view server = TakeName(path);
+    return {server, TakeName(path)};
+}
+
+/// What follows `C:\`, `\\server\share\` and the like; nothing for a path that begins with none of them.
+std::optional<std::wstring_view> RestBehindRoot(std::wstring_view path) {
+    std::wstring_view drive = path;
+    if (drive.starts_with(kLongPrefix)) drive.remove_prefix(kLongPrefix.size());
+    const bool hasDrive = drive.size() > 2 && Upper(drive[0]) >= L'A' && Upper(drive[0]) <= L'Z' && drive[1] == L':';
+    if (hasDrive && IsSeparator(drive[2])) return drive.substr(3);
+    const ShareName name = TakeShare(path);
+    const bool isMachine = !name.server.empty() && !IsOneOf(name.server, {L".", L"?"});
+    const bool isShare = !name.share.empty() && !IsOneOf(name.share, {L".", L"..", L"PIPE", L"MAILSLOT", L"IPC$"});
+    const bool hasColon = name.server.find(L':') != name.server.npos || name.share.find(L':') != name.share.npos;
+    return isMachine && isShare && !hasColon ? std::optional(path) : std::nullopt;
+}
+
+}  // namespace
+
+bool IsFullFilePath(std::wstring_view path) {
+    std::optional<std::wstring_view> found = RestBehindRoot(path);
+    if (!found || found->find(L':') != found->npos) return false;
+    // With the prefix every name is just a name.
+    if (path.starts_with(kLongPrefix)) return true;
+    std::wstring_view last;
+    while (!found->empty())
+        if (const std::wstring_view name = TakeName(*found); !name.empty()) last = name;
+    return last.empty() || QVUtils::IsPlainFileName(last);
+}
+
+bool IsRemoteRegistryKey(std::wstring_view path) {
+    return IsOneOf(TakeShare(path).share, {L"CLASSES_ROOT", L"CURRENT_USER", L"MACHINE", L"USERS"});
+}
+
+bool IsSymbolicLinkTarget(std::wstring_view path) {
+    if (IsFullFilePath(path)) return true;
+    const bool isRooted = !path.empty() && IsSeparator(path[0]);
+    const bool isOfSystem = isRooted && path.size() > 1 && (IsSeparator(path[1]) || path[1] == L'?');
+    return !path.empty() && !isOfSystem && path.find(L':') == path.npos;
+}
+
+}  // namespace FileUtils
