@@ -19,6 +19,7 @@ constexpr Target kTargets[] = {
     {"text-conversion", RunTextConversion},
     {"stream-records", RunStreamRecords},
     {"junction", RunJunction},
+    {"xml-layout", RunXmlLayout},
 #ifdef _WIN32
     {"profiles", RunProfiles},
     {"elevated-request", RunElevatedRequest},

@@ -34,6 +34,7 @@ void RunMimeHeader(Bytes bytes);
 void RunTextConversion(Bytes bytes);
 void RunStreamRecords(Bytes bytes);
 void RunJunction(Bytes bytes);
+void RunXmlLayout(Bytes bytes);
 void RunProfiles(Bytes bytes);
 void RunElevatedRequest(Bytes bytes);
 

@@ -1,11 +1,12 @@
 #include "host/xml_document.h"
 
-#include <vector>
+#include <algorithm>
 
 #include "host/boundary.h"
 #include "host/bstr.h"
 #include "host/memory_stream.h"
 #include "host/text.h"
+#include "host/xml_layout.h"
 
 namespace QVHost {
 namespace {
@@ -34,24 +35,6 @@ std::wstring NameOf(IXMLDOMNode* node) {
     Bstr name;
     node->get_nodeName(name.Receive());
     return std::wstring(name.View());
-}
-
-bool IsBlankText(const Win32::ComPointer<IXMLDOMNode>& node) {
-    const auto text = node.As<IXMLDOMCharacterData>(IID_IXMLDOMCharacterData);
-    Bstr data;
-    if (!text || FAILED(text->get_data(data.Receive()))) return false;
-    return data.View().find_first_not_of(L" \t\r\n") == std::wstring_view::npos;
-}
-
-/// True for an element that asks for its blanks to be kept.
-bool KeepsBlanks(IXMLDOMNode* node) {
-    Win32::ComPointer<IXMLDOMElement> element;
-    node->QueryInterface(IID_IXMLDOMElement, element.ReceiveUntyped());
-    Win32::ComPointer<IXMLDOMAttribute> attribute;
-    if (!element || element->getAttributeNode(Bstr(L"xml:space").Get(), attribute.Receive()) != S_OK || !attribute)
-        return false;
-    Bstr value;
-    return SUCCEEDED(attribute->get_text(value.Receive())) && value.View() == L"preserve";
 }
 
 /// A Windows error code where the result holds one.
@@ -134,6 +117,7 @@ bool XmlElement::GetAttribute(const wchar_t* name, wchar_t* buffer, uint32_t cap
 Quorvane::SDK::IXmlElement* XmlElement::AddChild(const wchar_t* name) {
     return Guarded<Quorvane::SDK::IXmlElement*>(nullptr, [&]() -> Quorvane::SDK::IXmlElement* {
         Win32::ComPointer<IXMLDOMElement> child = m_document.NewElement(name);
+        m_document.OnChange();
         if (!child || FAILED(m_node->appendChild(child.Get(), nullptr))) return nullptr;
         return m_document.ElementOf(std::move(child));
     });
@@ -142,6 +126,7 @@ Quorvane::SDK::IXmlElement* XmlElement::AddChild(const wchar_t* name) {
 bool XmlElement::SetText(const wchar_t* text) {
     return Guarded(false, [&] {
         if (!text || !IsXmlText(text)) return false;
+        m_document.OnChange();
         return SUCCEEDED(m_node->put_text(Bstr(text).Get()));
     });
 }
@@ -149,6 +134,7 @@ bool XmlElement::SetText(const wchar_t* text) {
 bool XmlElement::SetAttribute(const wchar_t* name, const wchar_t* value) {
     return Guarded(false, [&] {
         if (!name || !value || !IsXmlText(value)) return false;
+        m_document.OnChange();
         const Bstr key(name);
         const Bstr content(value);
         return SUCCEEDED(m_node->setAttribute(key.Get(), TextVariant(content)));
@@ -179,6 +165,7 @@ Quorvane::SDK::IXmlElement* XmlDocument::GetRoot() {
 Quorvane::SDK::IXmlElement* XmlDocument::CreateRoot(const wchar_t* name) {
     return Guarded<Quorvane::SDK::IXmlElement*>(nullptr, [&]() -> Quorvane::SDK::IXmlElement* {
         if (GetRoot()) return nullptr;
+        OnChange();
         Win32::ComPointer<IXMLDOMElement> root = NewElement(name);
         if (!root || FAILED(m_document->appendChild(root.Get(), nullptr))) return nullptr;
         return ElementOf(std::move(root));
@@ -189,91 +176,41 @@ void XmlDocument::Release() {
     GuardedCall([&] { m_shelf.Remove(this); });
 }
 
-void XmlDocument::CompactChildren(IXMLDOMElement* parent) {
-    if (KeepsBlanks(parent)) return;
-    std::vector<Win32::ComPointer<IXMLDOMNode>> blanks;
-    std::vector<Win32::ComPointer<IXMLDOMElement>> elements;
-    bool hasText = false;
-    Win32::ComPointer<IXMLDOMNode> child;
-    parent->get_firstChild(child.Receive());
-    while (child) {
-        DOMNodeType type = NODE_INVALID;
-        child->get_nodeType(&type);
-        Win32::ComPointer<IXMLDOMNode> next;
-        child->get_nextSibling(next.Receive());
-        if (type == NODE_ELEMENT) elements.push_back(child.As<IXMLDOMElement>(IID_IXMLDOMElement));
-        if (type == NODE_CDATA_SECTION || type == NODE_ENTITY_REFERENCE) hasText = true;
-        if (type == NODE_TEXT && !IsBlankText(child)) hasText = true;
-        if (type == NODE_TEXT) blanks.push_back(std::move(child));
-        child = std::move(next);
-    }
-    if (hasText || elements.empty()) blanks.clear();
-    for (const Win32::ComPointer<IXMLDOMNode>& blank : blanks) parent->removeChild(blank.Get(), nullptr);
-    for (const Win32::ComPointer<IXMLDOMElement>& element : elements)
-        if (element) CompactChildren(element.Get());
-}
-
-void XmlDocument::InsertBlank(IXMLDOMNode* parent, const std::wstring& blank, IXMLDOMNode* before) {
-    Win32::ComPointer<IXMLDOMText> text;
-    if (FAILED(m_document->createTextNode(Bstr(blank).Get(), text.Receive()))) return;
-    VARIANT place = {};
-    if (before) place = ObjectVariant(before);
-    parent->insertBefore(text.Get(), place, nullptr);
-}
-
-void XmlDocument::IndentChildren(IXMLDOMNode* parent, const std::wstring& lineStart) {
-    if (KeepsBlanks(parent)) return;
-    std::vector<Win32::ComPointer<IXMLDOMNode>> children;
-    Win32::ComPointer<IXMLDOMNode> child;
-    parent->get_firstChild(child.Receive());
-    while (child) {
-        DOMNodeType type = NODE_INVALID;
-        child->get_nodeType(&type);
-        if (type == NODE_TEXT || type == NODE_CDATA_SECTION || type == NODE_ENTITY_REFERENCE) return;
-        Win32::ComPointer<IXMLDOMNode> next;
-        child->get_nextSibling(next.Receive());
-        children.push_back(std::move(child));
-        child = std::move(next);
-    }
-    if (children.empty()) return;
-    for (const Win32::ComPointer<IXMLDOMNode>& each : children) {
-        InsertBlank(parent, lineStart + L'\t', each.Get());
-        if (IsElement(each.Get())) IndentChildren(each.Get(), lineStart + L'\t');
-    }
-    InsertBlank(parent, lineStart, nullptr);
-}
-
-uint32_t XmlDocument::ToBytes(std::string& bytes) const {
-    if (!m_encoding) return ERROR_NOT_SUPPORTED;
-    const bool isUtf8 = m_encoding->codePage == XmlEncoding::kUtf8;
-    if (!isUtf8) {
-        // Not every system's writer follows a declaration of another encoding; some write UTF-8 under its name. Without
-        // a declaration all write UTF-8, which is then put into the document's own encoding.
-        Win32::ComPointer<IXMLDOMNode> declaration;
-        m_document->get_firstChild(declaration.Receive());
-        if (declaration && NameOf(declaration.Get()) == L"xml") m_document->removeChild(declaration.Get(), nullptr);
+uint32_t XmlDocument::ToText(std::string& text) const {
+    if (!m_isChanged) {
+        text = m_source.text;
+        return ERROR_SUCCESS;
     }
     const Win32::ComPointer<IStream> stream = StreamOf({});
     if (!stream) return ERROR_OUTOFMEMORY;
+    std::string written;
     uint32_t error = CodeOf(m_document->save(ObjectVariant(stream.Get())));
-    if (error == ERROR_SUCCESS) error = ReadStream(*stream, bytes);
-    if (error != ERROR_SUCCESS || isUtf8) return error;
-    const std::optional<std::wstring> text = FromUtf8(bytes);
-    if (!text) return ERROR_NO_UNICODE_TRANSLATION;
-    bytes = EncodedXml(*m_encoding, *text);
+    if (error == ERROR_SUCCESS) error = ReadStream(*stream, written);
+    if (error != ERROR_SUCCESS) return error;
+    // The parser was given no encoding, so that every system's writer writes UTF-8; the declaration is the source's.
+    std::string_view rest = written;
+    rest.remove_prefix(XmlDeclarationOf(rest).size());
+    rest.remove_prefix(std::min(rest.find_first_not_of("\r\n"), rest.size()));
+    const std::string_view lineBreak = LineBreakOf(m_source.text);
+    text = XmlDeclarationOf(m_source.text);
+    if (!text.empty()) text += lineBreak;
+    for (const char byte : rest)
+        if (byte == '\n')
+            text += lineBreak;
+        else
+            text += byte;
     return ERROR_SUCCESS;
 }
 
-void XmlDocument::Compact() {
-    Win32::ComPointer<IXMLDOMElement> root;
-    m_document->get_documentElement(root.Receive());
-    if (root) CompactChildren(root.Get());
-}
-
-void XmlDocument::Indent() {
-    Win32::ComPointer<IXMLDOMElement> root;
-    m_document->get_documentElement(root.Receive());
-    if (root) IndentChildren(root.Get(), L"\n");
+uint32_t XmlDocument::ToBytes(bool isReadable, std::string& bytes) const {
+    std::string text;
+    if (const uint32_t error = ToText(text)) return error;
+    const std::optional<std::string> laidOut = isReadable ? ReadableXml(text) : CompactXml(text);
+    if (!laidOut) return ERROR_INVALID_DATA;
+    std::optional<std::string> encoded = EncodeXml(m_source.encoding, *laidOut);
+    if (!encoded) return ERROR_NO_UNICODE_TRANSLATION;
+    bytes = *std::move(encoded);
+    return ERROR_SUCCESS;
 }
 
 }  // namespace QVHost

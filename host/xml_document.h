@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <utility>
 
@@ -44,35 +43,32 @@ private:
 
 class XmlDocument final : public Quorvane::SDK::IXmlDocument {
 public:
-    /// Without an encoding the document cannot be saved.
-    XmlDocument(Shelf<XmlDocument>& shelf, Win32::ComPointer<IXMLDOMDocument2> document,
-                std::optional<XmlEncoding> encoding)
-        : m_shelf(shelf), m_document(std::move(document)), m_encoding(std::move(encoding)) {}
+    /// `source`: what the document was read from; of a new one the declaration.
+    XmlDocument(Shelf<XmlDocument>& shelf, Win32::ComPointer<IXMLDOMDocument2> document, DecodedXml source)
+        : m_shelf(shelf), m_document(std::move(document)), m_source(std::move(source)) {}
 
     Quorvane::SDK::IXmlElement* GetRoot() override;
     Quorvane::SDK::IXmlElement* CreateRoot(const wchar_t* name) override;
     void Release() override;
 
     IXMLDOMDocument2* Document() const { return m_document.Get(); }
-    /// The document as the bytes of a file, in its encoding. Afterwards it may be without its declaration.
-    /// A Windows error code, 0 for success.
-    uint32_t ToBytes(std::string& bytes) const;
+    /// The document as text in UTF-8: what it was read from, unless it has been changed since. A Windows error code, 0
+    /// for success; so below.
+    uint32_t ToText(std::string& text) const;
+    /// The document as the bytes of a file, in its encoding.
+    uint32_t ToBytes(bool isReadable, std::string& bytes) const;
+    /// From here on the elements are the document, and its text is made of them.
+    void OnChange() { m_isChanged = true; }
+    bool IsChanged() const { return m_isChanged; }
     /// The one object that stands for this node; null for null.
     XmlElement* ElementOf(Win32::ComPointer<IXMLDOMElement> node);
     Win32::ComPointer<IXMLDOMElement> NewElement(const wchar_t* name);
-    /// Takes the blanks between elements away. An element with text of its own stays as it is.
-    void Compact();
-    /// Puts line breaks and tabs between the elements of a compact document.
-    void Indent();
 
 private:
-    void CompactChildren(IXMLDOMElement* parent);
-    void IndentChildren(IXMLDOMNode* parent, const std::wstring& lineStart);
-    void InsertBlank(IXMLDOMNode* parent, const std::wstring& blank, IXMLDOMNode* before);
-
     Shelf<XmlDocument>& m_shelf;
     Win32::ComPointer<IXMLDOMDocument2> m_document;
-    std::optional<XmlEncoding> m_encoding;
+    DecodedXml m_source;
+    bool m_isChanged = false;
     std::map<IXMLDOMElement*, std::unique_ptr<XmlElement>> m_elements;
 };
 

@@ -1,13 +1,18 @@
 #include "host/xml_encoding.h"
 
+#include <algorithm>
+
 #include "host/text.h"
 #include "win32/code_page.h"
 
 namespace QVHost {
 namespace {
 
-constexpr std::wstring_view kDeclarationStart = L"<?xml ";
-constexpr std::wstring_view kDeclarationEnd = L"?>";
+constexpr std::string_view kDeclarationStart = "<?xml";
+constexpr std::string_view kDeclarationEnd = "?>";
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view kUtf16Mark = "\xFF\xFE";
+constexpr std::string_view kUtf16BigEndianMark = "\xFE\xFF";
 
 struct EncodingName {
     const wchar_t* name;
@@ -45,20 +50,27 @@ constexpr EncodingName kNames[] = {
     {L"big5", 950},
 };
 
-/// The declaration that `text` begins with; "" when it begins with none.
-std::wstring_view DeclarationOf(std::wstring_view text) {
-    if (!text.starts_with(kDeclarationStart)) return {};
-    const size_t end = text.find(kDeclarationEnd);
-    return end == std::wstring_view::npos ? std::wstring_view() : text.substr(0, end + kDeclarationEnd.size());
-}
+constexpr std::string_view kBlanks = " \t\r\n";
 
-/// The value of encoding="..." in a declaration; "" when it has none.
-std::wstring_view NameIn(std::wstring_view declaration) {
-    const size_t key = declaration.find(L"encoding");
-    const size_t quote = key == std::wstring_view::npos ? key : declaration.find_first_of(L"\"'", key);
-    if (quote == std::wstring_view::npos) return {};
-    const std::wstring_view value = declaration.substr(quote + 1);
-    return value.substr(0, value.find(declaration[quote]));
+/// encoding="..." in a declaration: the whole of it, and the value. Both are "" when it has none.
+struct DeclaredEncoding {
+    std::string_view whole;
+    std::string_view name;
+};
+DeclaredEncoding EncodingIn(std::string_view declaration) {
+    size_t at = std::min(kDeclarationStart.size(), declaration.size());
+    for (;;) {
+        const size_t begin = declaration.find_first_not_of(kBlanks, at);
+        const size_t sign = declaration.find('=', begin);
+        const size_t quote = declaration.find_first_not_of(kBlanks, sign == declaration.npos ? sign : sign + 1);
+        if (quote == declaration.npos || (declaration[quote] != '"' && declaration[quote] != '\'')) return {};
+        const size_t end = declaration.find(declaration[quote], quote + 1);
+        if (end == declaration.npos) return {};
+        const std::string_view key = declaration.substr(begin, declaration.find_first_of(" \t\r\n=", begin) - begin);
+        at = end + 1;
+        if (key == "encoding")
+            return {declaration.substr(begin, at - begin), declaration.substr(quote + 1, end - quote - 1)};
+    }
 }
 
 std::wstring Utf16Of(std::string_view bytes, bool isBigEndian) {
@@ -83,57 +95,90 @@ std::string BytesOfUtf16(std::wstring_view text, bool isBigEndian) {
     return bytes;
 }
 
-/// In a code page of 8 bits. Character by character only where the whole does not go.
-std::string BytesInCodePage(std::wstring_view text, uint32_t codePage) {
-    if (const auto whole = Win32::ToCodePage(text, codePage)) return *whole;
-    std::string bytes;
-    for (size_t at = 0; at < text.size(); ++at) {
-        const bool isPair = text[at] >= 0xD800 && text[at] <= 0xDBFF && at + 1 < text.size();
-        if (const auto one = Win32::ToCodePage(text.substr(at, isPair ? 2 : 1), codePage)) {
-            bytes += *one;
-        } else {
-            const uint32_t low = isPair ? text[at + 1] - 0xDC00u : 0;
-            const uint32_t character = isPair ? 0x10000 + ((text[at] - 0xD800u) << 10) + low : text[at];
-            bytes += "&#" + std::to_string(character) + ";";
-        }
-        if (isPair) ++at;
-    }
-    return bytes;
+bool IsUtf16(uint32_t codePage) {
+    return codePage == XmlEncoding::kUtf16 || codePage == XmlEncoding::kUtf16BigEndian;
+}
+
+/// The encoding that the first bytes show, by a mark or, in UTF-16, by their zeros; nothing when they do not.
+std::optional<XmlEncoding> EncodingByBytes(std::string_view bytes) {
+    if (bytes.starts_with(kUtf8Mark)) return XmlEncoding{XmlEncoding::kUtf8, true};
+    if (bytes.starts_with(kUtf16Mark)) return XmlEncoding{XmlEncoding::kUtf16, true};
+    if (bytes.starts_with(kUtf16BigEndianMark)) return XmlEncoding{XmlEncoding::kUtf16BigEndian, true};
+    if (bytes.size() < 2) return std::nullopt;
+    if (bytes[0] != 0 && bytes[1] == 0) return XmlEncoding{XmlEncoding::kUtf16, false};
+    if (bytes[0] == 0 && bytes[1] != 0) return XmlEncoding{XmlEncoding::kUtf16BigEndian, false};
+    return std::nullopt;
+}
+
+std::string_view MarkOf(const XmlEncoding& encoding) {
+    if (!encoding.hasMark) return {};
+    if (!IsUtf16(encoding.codePage)) return kUtf8Mark;
+    return encoding.codePage == XmlEncoding::kUtf16 ? kUtf16Mark : kUtf16BigEndianMark;
+}
+
+/// The code page of a declared encoding, whose bytes are those of ASCII at least in a declaration; 0 when it is not
+/// known here.
+uint32_t CodePageOf(std::string_view name) {
+    if (name.empty()) return XmlEncoding::kUtf8;
+    const std::wstring wide(name.begin(), name.end());
+    for (const EncodingName& row : kNames)
+        if (EqualIgnoringCase(wide, row.name)) return row.codePage;
+    return 0;
 }
 
 }  // namespace
 
-std::optional<XmlEncoding> EncodingOf(std::string_view bytes) {
-    const bool isLittle = bytes.starts_with("\xFF\xFE");
-    if (isLittle || bytes.starts_with("\xFE\xFF")) {
-        const std::wstring text = Utf16Of(bytes.substr(2), !isLittle);
-        return XmlEncoding{isLittle ? XmlEncoding::kUtf16 : XmlEncoding::kUtf16BigEndian,
-                           std::wstring(DeclarationOf(text))};
+std::optional<DecodedXml> DecodeXml(std::string_view bytes, std::wstring& why) {
+    DecodedXml result;
+    if (const auto shown = EncodingByBytes(bytes)) {
+        result.encoding = *shown;
+    } else {
+        const std::string_view name = EncodingIn(XmlDeclarationOf(bytes)).name;
+        result.encoding.codePage = CodePageOf(name);
+        if (result.encoding.codePage == 0) {
+            why = L"it cannot be read in the encoding that it declares, " + std::wstring(name.begin(), name.end());
+            return std::nullopt;
+        }
     }
-    if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
-    const std::string_view head = bytes.substr(0, bytes.find('>') + 1);  // a declaration is written in ASCII
-    const std::wstring text(head.begin(), head.end());
-    XmlEncoding encoding{XmlEncoding::kUtf8, std::wstring(DeclarationOf(text))};
-    const std::wstring name(NameIn(encoding.declaration));
-    if (name.empty()) return encoding;
-    for (const EncodingName& row : kNames) {
-        if (!EqualIgnoringCase(name, row.name)) continue;
-        encoding.codePage = row.codePage;
-        return encoding;
+    const uint32_t codePage = result.encoding.codePage;
+    const std::string_view content = bytes.substr(MarkOf(result.encoding).size());
+    if (codePage == XmlEncoding::kUtf8)
+        result.text = content;
+    else if (IsUtf16(codePage))
+        result.text = ToUtf8(Utf16Of(content, codePage == XmlEncoding::kUtf16BigEndian));
+    else
+        result.text = ToUtf8(Win32::FromCodePage(content, codePage));
+    if (codePage != XmlEncoding::kUtf8 && EncodeXml(result.encoding, result.text) != bytes) {
+        why = L"it has bytes that mean nothing in its encoding";
+        return std::nullopt;
     }
-    return std::nullopt;
+    return result;
 }
 
-std::string EncodedXml(const XmlEncoding& encoding, std::wstring_view text) {
-    text.remove_prefix(DeclarationOf(text).size());
-    const size_t start = text.find_first_not_of(L"\r\n");
-    text.remove_prefix(start == std::wstring_view::npos ? 0 : start);
-    std::wstring whole = encoding.declaration;
-    if (!whole.empty()) whole += L'\n';
-    whole += text;
-    const bool isBigEndian = encoding.codePage == XmlEncoding::kUtf16BigEndian;
-    if (isBigEndian || encoding.codePage == XmlEncoding::kUtf16) return BytesOfUtf16(L"\uFEFF" + whole, isBigEndian);
-    return BytesInCodePage(whole, encoding.codePage);
+std::optional<std::string> EncodeXml(const XmlEncoding& encoding, std::string_view text) {
+    std::string bytes(MarkOf(encoding));
+    if (encoding.codePage == XmlEncoding::kUtf8) return bytes.append(text);
+    const std::optional<std::wstring> wide = FromUtf8(text);
+    if (!wide) return std::nullopt;
+    if (IsUtf16(encoding.codePage))
+        return bytes += BytesOfUtf16(*wide, encoding.codePage == XmlEncoding::kUtf16BigEndian);
+    return Win32::ToCodePage(*wide, encoding.codePage);
+}
+
+std::string_view XmlDeclarationOf(std::string_view text) {
+    const bool begins = text.starts_with(kDeclarationStart) && text.size() > kDeclarationStart.size() &&
+                        kBlanks.find(text[kDeclarationStart.size()]) != std::string_view::npos;
+    const size_t end = begins ? text.find(kDeclarationEnd) : std::string_view::npos;
+    return end == std::string_view::npos ? std::string_view() : text.substr(0, end + kDeclarationEnd.size());
+}
+
+std::string WithoutDeclaredEncoding(std::string text) {
+    const std::string_view whole = EncodingIn(XmlDeclarationOf(text)).whole;
+    if (whole.empty()) return text;
+    char* const begin = text.data() + (whole.data() - text.data());
+    std::replace_if(
+        begin, begin + whole.size(), [](char byte) { return byte != '\r' && byte != '\n'; }, ' ');
+    return text;
 }
 
 }  // namespace QVHost

@@ -1,4 +1,4 @@
-// xml_encoding.h - how a document's bytes are encoded, and other text in the same encoding. Bytes and texts only.
+// xml_encoding.h - how a document's bytes are encoded, and its text without that. Bytes and texts only.
 #pragma once
 
 #include <cstdint>
@@ -14,15 +14,27 @@ struct XmlEncoding {
     static constexpr uint32_t kUtf8 = 65001;
 
     uint32_t codePage = kUtf8;
-    std::wstring declaration;  // <?xml ... ?> as it stands; "" for none
+    bool hasMark = false;  // a byte-order mark begins the file
 };
 
-/// The encoding of a document that begins with `bytes`: by its byte-order mark, else by its declaration, else UTF-8.
-/// Nothing for an encoding that is not known here.
-std::optional<XmlEncoding> EncodingOf(std::string_view bytes);
+struct DecodedXml {
+    XmlEncoding encoding;
+    std::string text;  // UTF-8, without the mark; the declaration stands in it as it was
+};
 
-/// A document's text in an encoding, the declaration before it instead of the text's own; with a mark in UTF-16.
-/// Characters that the encoding does not have become references.
-std::string EncodedXml(const XmlEncoding& encoding, std::wstring_view text);
+/// The text of a document: in the encoding that its mark or its first bytes show, else in the one that it declares,
+/// else in UTF-8. Nothing, and the reason, for an encoding that is not known here and for bytes that would not come
+/// back from it as they were.
+std::optional<DecodedXml> DecodeXml(std::string_view bytes, std::wstring& why);
+
+/// A document's bytes; nothing when the encoding lacks one of its characters.
+std::optional<std::string> EncodeXml(const XmlEncoding& encoding, std::string_view text);
+
+/// The declaration that a UTF-8 text begins with, <?xml ... ?>; "" when it begins with none.
+std::string_view XmlDeclarationOf(std::string_view text);
+
+/// `text` for a parser: with blanks in place of the encoding that it declares, since it is in UTF-8 by now. All else
+/// keeps its place.
+std::string WithoutDeclaredEncoding(std::string text);
 
 }  // namespace QVHost

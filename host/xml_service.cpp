@@ -10,6 +10,7 @@
 #include "host/whole_file.h"
 #include "host/xml_document.h"
 #include "host/xml_fault.h"
+#include "host/xml_layout.h"
 
 namespace QVHost {
 namespace {
@@ -31,6 +32,20 @@ Win32::ComPointer<IXMLDOMDocument2> NewDocument() {
     return document;
 }
 
+/// Loads `text` into `document`, which is new.
+bool LoadText(IXMLDOMDocument2& document, const std::string& text) {
+    const Win32::ComPointer<IStream> stream = StreamOf(text);
+    VARIANT_BOOL isLoaded = VARIANT_FALSE;
+    return stream && document.load(ObjectVariant(stream.Get()), &isLoaded) == S_OK && isLoaded == VARIANT_TRUE;
+}
+
+/// What the parser has made of a document, without the blanks that count as nothing.
+std::optional<std::string> ContentOf(IXMLDOMDocument2& document) {
+    Bstr text;
+    if (FAILED(document.get_xml(text.Receive()))) return std::nullopt;
+    return ContentOfXml(ToUtf8(text.View()));
+}
+
 }  // namespace
 
 XmlService::XmlService(Shelf<XmlService>& shelf, Output& output) : m_shelf(shelf), m_output(output) {}
@@ -46,11 +61,9 @@ Quorvane::SDK::IXmlDocument* XmlService::CreateDocument() {
         StartCom();
         Win32::ComPointer<IXMLDOMDocument2> document = NewDocument();
         if (!document) return nullptr;
-        Win32::ComPointer<IXMLDOMProcessingInstruction> declaration;
-        if (SUCCEEDED(document->createProcessingInstruction(
-                Bstr(L"xml").Get(), Bstr(L"version=\"1.0\" encoding=\"UTF-8\"").Get(), declaration.Receive())))
-            document->appendChild(declaration.Get(), nullptr);
-        return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document), XmlEncoding()));
+        DecodedXml nothingYet;
+        nothingYet.text = R"(<?xml version="1.0" encoding="UTF-8"?>)";
+        return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document), std::move(nothingYet)));
     });
 }
 
@@ -66,28 +79,43 @@ Quorvane::SDK::IXmlDocument* XmlService::Load(const wchar_t* path, uint32_t) {
             return nullptr;
         }
         StartCom();
-        const Win32::ComPointer<IStream> source = StreamOf(bytes);
         Win32::ComPointer<IXMLDOMDocument2> document = NewDocument();
-        if (!document || !source) return nullptr;
-        VARIANT_BOOL isLoaded = VARIANT_FALSE;
-        if (document->load(ObjectVariant(source.Get()), &isLoaded) != S_OK || isLoaded != VARIANT_TRUE) {
-            const std::wstring fault = FaultOf(*document, bytes);
+        if (!document) return nullptr;
+        std::wstring why;
+        std::optional<DecodedXml> source = DecodeXml(bytes, why);
+        if (!source) {
+            m_output.Note(L"[xml] " + file + L": " + why);
+            return nullptr;
+        }
+        const std::string text = WithoutDeclaredEncoding(source->text);
+        if (!LoadText(*document, text)) {
+            const std::wstring fault = FaultOf(*document, text);
             m_output.Note(L"[xml] " + file + (fault.empty() ? L": it holds no XML" : L", " + fault));
             return nullptr;
         }
-        return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document), EncodingOf(bytes)));
+        return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document), *std::move(source)));
     });
+}
+
+uint32_t XmlService::Check(const XmlDocument& document, std::string_view bytes) const {
+    std::wstring why;
+    const std::optional<DecodedXml> again = DecodeXml(bytes, why);
+    const Win32::ComPointer<IXMLDOMDocument2> parsed = again ? NewDocument() : Win32::ComPointer<IXMLDOMDocument2>();
+    if (!parsed || !LoadText(*parsed, WithoutDeclaredEncoding(again->text))) return ERROR_INVALID_DATA;
+    // An element that got an empty text is written in another way than one that was read so.
+    if (document.IsChanged()) return ERROR_SUCCESS;
+    const std::optional<std::string> content = ContentOf(*parsed);
+    return content && content == ContentOf(*document.Document()) ? ERROR_SUCCESS : ERROR_INVALID_DATA;
 }
 
 bool XmlService::Save(Quorvane::SDK::IXmlDocument* document, const wchar_t* path, uint32_t mode, const wchar_t*) {
     return Guarded(false, [&] {
         const std::shared_ptr<XmlDocument> known = m_documents.Find(document);
         if (!known || !path || !*path) return false;
-        known->Compact();
-        if (mode == kIndented) known->Indent();
         const std::wstring target = FullUserPath(path);
         std::string bytes;
-        uint32_t error = known->ToBytes(bytes);
+        uint32_t error = known->ToBytes(mode == kIndented, bytes);
+        if (error == ERROR_SUCCESS) error = Check(*known, bytes);
         if (error == ERROR_SUCCESS) error = ReplaceWholeFile(target, bytes);
         if (error == ERROR_SUCCESS) return true;
         // The answer is a plain no: the reason is for whoever reads along.
@@ -99,9 +127,9 @@ bool XmlService::Save(Quorvane::SDK::IXmlDocument* document, const wchar_t* path
 uint32_t XmlService::ReadText(Quorvane::SDK::IXmlDocument* document, wchar_t* buffer, uint32_t capacity) {
     return Guarded(0u, [&] {
         const std::shared_ptr<XmlDocument> known = m_documents.Find(document);
-        Bstr text;
-        if (known) known->Document()->get_xml(text.Receive());
-        return CopyText(text.View(), buffer, capacity);
+        std::string text;
+        if (known) known->ToText(text);
+        return CopyText(FromUtf8(text).value_or(L""), buffer, capacity);
     });
 }
 

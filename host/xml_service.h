@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <optional>
+#include <string_view>
 
 #include "host/output.h"
 #include "host/shelf.h"
@@ -28,9 +29,10 @@ public:
     /// Null for a file that cannot be read or is not well-formed; a note then says where it is not. Nothing that a
     /// document refers to is fetched.
     Quorvane::SDK::IXmlDocument* Load(const wchar_t* path, uint32_t zero) override;
-    /// Mode 0: compact, nothing between elements; 1: with line breaks and tabs between them. Blanks count as nothing
-    /// only where an element has other elements and no text, and not below xml:space="preserve". Declaration and
-    /// encoding stay. `text` is not used. The file is replaced whole or left as it was.
+    /// Mode 0: compact, nothing between elements; 1: with line breaks and tabs between them (see xml_layout.h for the
+    /// blanks that count as nothing). All else of a document that was not changed stays as it was written, and so do
+    /// declaration and encoding of any. `text` is not used. The file is replaced whole or left as it was: also where
+    /// what would be written could not be read again as the same document.
     bool Save(Quorvane::SDK::IXmlDocument* document, const wchar_t* path, uint32_t mode, const wchar_t* text) override;
     /// The document as text, copied as from IFileItem.
     uint32_t ReadText(Quorvane::SDK::IXmlDocument* document, wchar_t* buffer, uint32_t capacity) override;
@@ -40,6 +42,8 @@ private:
     /// Not before there is a document to work on: starting it makes windows, and an extension that looks whether a file
     /// is there should not make everybody wait for that.
     void StartCom();
+    /// 0 when `bytes` hold `document`, else a Windows error code.
+    uint32_t Check(const XmlDocument& document, std::string_view bytes) const;
 
     Shelf<XmlService>& m_shelf;
     Output& m_output;

@@ -2,11 +2,15 @@
 #include <gtest/gtest.h>
 
 #include "fileutils/command_runner.h"
+#include "host/xml_layout.h"
+#include "sdk/owners.h"
 #include "support/access_list.h"
+#include "support/services_of_host.h"
 
 namespace {
 
 using namespace QVTest;
+namespace SDK = Quorvane::SDK;
 
 constexpr char kDeclaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
 
@@ -35,19 +39,101 @@ TEST(XmlConversion, GoesFromOneFormToTheOtherAndBack) {
     EXPECT_EQ(Trimmed(runner.Read(L"a.xml")), compact);
 }
 
-TEST(XmlConversion, KeepsDeclarationAndEncoding) {
-    const std::string declaration = "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>";
-    const CommandRunner runner;
-    const std::wstring latin = runner.Write(L"latin.xml", declaration + "<a> <b>\xE4&#8364;</b> </a>");
-    const std::wstring start = L"\uFEFF<?xml version=\"1.0\" encoding=\"UTF-16\"?>";
-    const std::wstring wide = runner.Write(L"wide.xml", Utf16(start + L"<a> <b>\u4E2D</b> </a>"));
-    const std::string unknown = "<?xml version=\"1.0\" encoding=\"IBM037\"?><a> <b/> </a>";
-    const std::wstring other = runner.Write(L"other.xml", unknown);
-    runner.Run({L"command", L"30201", latin, wide, other}, {L"ok"});
-    EXPECT_EQ(Trimmed(runner.Read(L"latin.xml")), declaration + "\n<a><b>\xE4&#8364;</b></a>");
-    const std::string wideBytes = runner.Read(L"wide.xml");
-    EXPECT_TRUE(wideBytes.starts_with(Utf16(start + L"\n<a><b>\u4E2D</b></a>"))) << testing::PrintToString(wideBytes);
-    EXPECT_EQ(runner.Read(L"other.xml"), unknown);
+/// `text` in UTF-16 with the high byte first.
+std::string Utf16BigEndian(std::wstring_view text) {
+    std::string bytes = Utf16(text);
+    for (size_t at = 0; at + 1 < bytes.size(); at += 2) std::swap(bytes[at], bytes[at + 1]);
+    return bytes;
+}
+
+TEST(XmlConversion, ChangesNothingButBlanks) {
+    const std::wstring wide = L"<?xml version='1.0' encoding='UTF-16'?><a><b>\u4E2D\xD83D\xDE00</b> </a>\r\n";
+    const std::wstring wideCompact = L"<?xml version='1.0' encoding='UTF-16'?><a><b>\u4E2D\xD83D\xDE00</b></a>\r\n";
+    const struct {
+        const char* why;
+        std::string before;
+        std::string after;
+    } cases[] = {
+        {"a tab and a line break in the declaration",
+         "<?xml\tversion=\"1.0\"\nencoding = 'iso-8859-1' ?><a> <b>\xE4&#8364;</b></a>",
+         "<?xml\tversion=\"1.0\"\nencoding = 'iso-8859-1' ?><a><b>\xE4&#8364;</b></a>"},
+        {"a code page, CR LF", "<?xml version=\"1.0\" encoding=\"windows-1252\"?>\r\n<a>\r\n <b>\x80\r\n</b></a>\r\n",
+         "<?xml version=\"1.0\" encoding=\"windows-1252\"?>\r\n<a><b>\x80\r\n</b></a>\r\n"},
+        {"a UTF-8 mark", "\xEF\xBB\xBF<a> <b>\xC3\xA4</b></a>", "\xEF\xBB\xBF<a><b>\xC3\xA4</b></a>"},
+        {"UTF-16 without a mark", Utf16(wide), Utf16(wideCompact)},
+        {"with a mark", Utf16(L"\uFEFF" + wide), Utf16(L"\uFEFF" + wideCompact)},
+        {"the other way round", Utf16BigEndian(wide), Utf16BigEndian(wideCompact)},
+        {"and marked", Utf16BigEndian(L"\uFEFF" + wide), Utf16BigEndian(L"\uFEFF" + wideCompact)},
+        {"a prefix that nothing declares", "<a> <p:b p:c='1'/> </a>", "<a><p:b p:c='1'/></a>"},
+        {"a document type", "<!DOCTYPE a [<!ENTITY % p \"<!ENTITY x '>'>\"> %p; ]>\n<a> <b>&x;&#10;</b> </a>",
+         "<!DOCTYPE a [<!ENTITY % p \"<!ENTITY x '>'>\"> %p; ]>\n<a><b>&x;&#10;</b></a>"},
+        {"words", "<p> <b>Hello</b> <i>World</i> </p>", "<p> <b>Hello</b> <i>World</i> </p>"},
+        {"two bytes of UTF-16 that are no character", Utf16(L"\uFEFF<a> <b>\xD800</b> </a>"), ""},
+        {"an odd byte", Utf16(L"<a> <b/> </a>") + ' ', ""},
+        {"a byte that is not in the encoding", "<?xml version=\"1.0\" encoding=\"us-ascii\"?><a> <b>\xE4</b></a>", ""},
+        {"another encoding than declared", "<?xml version=\"1.0\" encoding=\"UTF-16\"?><a> <b/> </a>", ""},
+        {"an encoding that is not known", "<?xml version=\"1.0\" encoding=\"IBM037\"?><a> <b/> </a>", ""},
+    };
+    for (const auto& c : cases) {
+        const CommandRunner runner;
+        const HostRun run = runner.Run({L"command", L"30201", runner.Write(L"a.xml", c.before)});
+        const bool isRefused = c.after.empty();
+        EXPECT_EQ(runner.Read(L"a.xml"), isRefused ? c.before : c.after) << c.why;
+        EXPECT_EQ(Holds(run.error, "[xml] "), isRefused) << c.why << run.error;
+        EXPECT_EQ(Holds(run.out, "[Convert XML] - Failed to load file : "), isRefused) << c.why;
+    }
+}
+
+TEST(XmlService, KeepsEncodingAndLineBreaksOfAChangedDocument) {
+    ServicesOfHost host(QV_HOST_PROGRAM);
+    const TemporaryFolder folder;
+    const std::string head = "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\r\n";
+    const std::wstring path = folder.Write(L"a.xml", head + "<a>\xE4\r\n</a>");
+    const SDK::Owned<SDK::IXmlService> service(host.Services().GetXmlService(path.c_str(), 0));
+    const SDK::Owned<SDK::IXmlDocument> document(service->Load(path.c_str(), 0));
+    ASSERT_TRUE(document);
+    SDK::IXmlElement* const root = document->GetRoot();
+    EXPECT_TRUE(root->SetAttribute(L"b", L"\xFC"));
+    EXPECT_TRUE(service->Save(document.get(), path.c_str(), 0, nullptr));
+    EXPECT_EQ(Trimmed(folder.Read(L"a.xml")), Trimmed(head + "<a b=\"\xFC\">\xE4\r\n</a>"));
+    EXPECT_EQ(folder.Read(L"a.xml").find("\xE4\r\n"), head.size() + 9);
+    const std::string before = folder.Read(L"a.xml");
+    EXPECT_TRUE(root->SetText(L"\u20AC"));
+    EXPECT_FALSE(service->Save(document.get(), path.c_str(), 0, nullptr)) << "a character that the encoding lacks";
+    EXPECT_EQ(folder.Read(L"a.xml"), before);
+    EXPECT_TRUE(Holds(host.Notes(), "[xml] "));
+    EXPECT_EQ(folder.List(), Names{L"a.xml"});
+}
+
+TEST(XmlLayout, LeavesWhatIsTextAsItIs) {
+    const struct {
+        const char* why;
+        const char* text;
+        const char* compact;
+        const char* readable;
+    } cases[] = {
+        {"line breaks are those of the text", "<?d?>\r\n<a><b/></a>", "<?d?>\r\n<a><b/></a>",
+         "<?d?>\r\n<a>\r\n\t<b/>\r\n</a>"},
+        {"what stands around the root", "<?d?><!-- c --><a/><!-- e -->\n", "<?d?><!-- c --><a/><!-- e -->\n",
+         "<?d?>\n<!-- c -->\n<a/>\n<!-- e -->\n"},
+        {"a comment is no text", "<a> <!-- - --> <b/></a>", "<a><!-- - --><b/></a>", "<a>\n\t<!-- - -->\n\t<b/>\n</a>"},
+        {"text, and all that stands in it", "<a>t<b> <c/> </b></a>", "<a>t<b> <c/> </b></a>", "<a>t<b> <c/> </b></a>"},
+        {"a reference is text", "<a> <b/>&#32;</a>", "<a> <b/>&#32;</a>", "<a> <b/>&#32;</a>"},
+        {"no elements", "<a> <?p?> </a>", "<a> <?p?> </a>", "<a> <?p?> </a>"},
+        {"one word of two", "<a><b/> <c>x</c></a>", "<a><b/> <c>x</c></a>", "<a><b/> <c>x</c></a>"},
+        {"lines of words", "<a><b>x</b>\n<c>x</c></a>", "<a><b>x</b><c>x</c></a>", "<a>\n\t<b>x</b>\n\t<c>x</c>\n</a>"},
+        {"blanks that are asked for", "<a> <b c='>' xml:space = 'preserve'> <d/></b></a>",
+         "<a><b c='>' xml:space = 'preserve'> <d/></b></a>", "<a>\n\t<b c='>' xml:space = 'preserve'> <d/></b>\n</a>"},
+        {"by a document type", "<!DOCTYPE a [<!ATTLIST a xml:space CDATA 'preserve'>]><a> <b/></a>",
+         "<!DOCTYPE a [<!ATTLIST a xml:space CDATA 'preserve'>]><a> <b/></a>",
+         "<!DOCTYPE a [<!ATTLIST a xml:space CDATA 'preserve'>]>\n<a> <b/></a>"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(QVHost::CompactXml(c.text), c.compact) << c.why;
+        EXPECT_EQ(QVHost::ReadableXml(c.text), c.readable) << c.why;
+    }
+    for (const char* none : {"<a>", "</a>", "<a></a></a>", "<a b='>", "<!-- ->", "<![CDATA[]>", "<?a>", "<!D '>", "x"})
+        EXPECT_FALSE(QVHost::CompactXml(none)) << none;
 }
 
 TEST(XmlConversion, LeavesABadDocumentAloneAndSaysWhere) {
