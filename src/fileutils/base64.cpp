@@ -103,13 +103,22 @@ size_t CBase64::Decode(const char* text, size_t size, uint8_t* data) {
         const char letter = *text++;
         const uint8_t value = ValueOf(letter);
         if (letter == kPadding) m_isAtEnd = true;
-        if (value == kNoLetter) continue;
+        if (value == kNoLetter) {
+            Skip(letter);
+            continue;
+        }
         m_group = m_group << 6 | value;
         if (++m_count < 4) continue;
         out = PutBytes(m_group, 3, out);
         m_group = m_count = 0;
     }
+    for (; text != end; ++text) Skip(*text);
     return static_cast<size_t>(out - data);
+}
+
+void CBase64::Skip(char letter) {
+    constexpr std::string_view kUsual(" \t\r\n\0=", 6);
+    if (kUsual.find(letter) == std::string_view::npos) ++m_strangerCount;
 }
 
 size_t CBase64::Finish(uint8_t* data) {

@@ -21,7 +21,7 @@ public:
     static constexpr size_t LargestDecoded(size_t size) { return size / 4 * 3 + 4; }
 
     /// Decodes the next block into `data` and gives the number of bytes. Characters outside the alphabet (line breaks
-    /// above all) are skipped, groups may be cut by the blocks, and everything behind the first "=" is ignored.
+    /// above all) are skipped, groups may be cut by the blocks, and everything after the first "=" is ignored.
     size_t Decode(const char* text, size_t size, uint8_t* data);
 
     /// The text is over: the bytes of a last group without its padding, at most two.
@@ -30,9 +30,16 @@ public:
     /// False after Finish when the text was cut in the middle of a byte: a single letter stood behind the last group.
     bool IsWhole() const noexcept { return m_isWhole; }
 
+    /// Characters that were skipped or ignored though a text of this kind has none of them: all but blanks, line
+    /// breaks, zero bytes and padding.
+    uint64_t StrangerCount() const noexcept { return m_strangerCount; }
+
 private:
+    void Skip(char letter);
+
     uint32_t m_group = 0;  // the letters of the group begun, six bits each
     uint32_t m_count = 0;  // of them, 0 to 3
+    uint64_t m_strangerCount = 0;
     bool m_isAtEnd = false;
     bool m_isWhole = true;
 };

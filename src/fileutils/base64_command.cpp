@@ -14,6 +14,7 @@
 #include "textio/target_name.h"
 #include "win32/code_page.h"
 #include "win32/files.h"
+#include "win32/link_check.h"
 #include "win32/path.h"
 #include "win32/windows.h"
 
@@ -74,17 +75,28 @@ void Encode(QVUtils::DataReader& source, const std::wstring& sourceName, QVUtils
     }
 }
 
-/// @throws QVUtilsException also when the text ends in the middle of a byte
-void Decode(QVUtils::DataReader& source, QVUtils::DataWriter& target) {
+/// Gives the number of characters that are no Base64 text.
+/// @throws QVUtilsException also when the text ends in the middle of a byte, and when it is none at all
+uint64_t Decode(QVUtils::DataReader& source, QVUtils::DataWriter& target) {
     const auto text = std::make_unique_for_overwrite<char[]>(kDecodeBlock);
     const auto data = std::make_unique_for_overwrite<uint8_t[]>(CBase64::LargestDecoded(kDecodeBlock));
     CBase64 decoder;
     uint32_t size = ReadFully(source, text.get(), kDecodeBlock);
     size_t begin = HeaderSize({text.get(), size});
-    for (; size > 0; begin = 0, size = ReadFully(source, text.get(), kDecodeBlock))
-        QVUtils::WriteAll(target, data.get(), decoder.Decode(text.get() + begin, size - begin, data.get()));
-    QVUtils::WriteAll(target, data.get(), decoder.Finish(data.get()));
+    uint64_t total = 0;
+    for (; size > 0; begin = 0, size = ReadFully(source, text.get(), kDecodeBlock)) {
+        const size_t decoded = decoder.Decode(text.get() + begin, size - begin, data.get());
+        QVUtils::WriteAll(target, data.get(), decoded);
+        total += decoded;
+    }
+    const size_t last = decoder.Finish(data.get());
+    QVUtils::WriteAll(target, data.get(), last);
     if (!decoder.IsWhole()) throw QVUtilsException(ERROR_INVALID_DATA, "The Base64 text is cut off");
+    if (total + last == 0 && decoder.StrangerCount() > 0)
+        throw QVUtilsException(
+            ERROR_INVALID_DATA,
+            "There is no Base64 text, " + std::to_string(decoder.StrangerCount()) + " characters were ignored");
+    return decoder.StrangerCount();
 }
 
 /// The name in the file's header, when it has one that can be used; else "".
@@ -115,16 +127,18 @@ void LogFailure(IHostServices& host, bool encodes, const std::wstring& path, con
 /// The source is open before the target is touched, and nobody writes to either meanwhile: a file that is sent must be
 /// whole. What was written of a target stays when the rest fails: the bytes decoded so far may be all that is left of a
 /// damaged file.
-/// @throws QVUtilsException
-void Convert(bool encodes, const std::wstring& path, const std::wstring& target) {
+/// Gives the number of characters that were ignored. @throws QVUtilsException
+uint64_t Convert(bool encodes, const std::wstring& path, const std::wstring& target, bool overwrites) {
     QVUtils::FileDataReader reader(path, QVUtils::FileSharing::Read);
     QVUtils::FileDataWriter writer;
-    writer.Open(target, true, QVUtils::FileSharing::Read);
+    writer.Open(target, overwrites, QVUtils::FileSharing::Read);
+    uint64_t ignored = 0;
     if (encodes)
         Encode(reader, std::wstring(Win32::FileNameOf(path)), writer);
     else
-        Decode(reader, writer);
+        ignored = Decode(reader, writer);
     writer.Close();
+    return ignored;
 }
 
 /// @throws QVUtilsException
@@ -135,12 +149,19 @@ void ConvertFile(IHostServices& host, bool encodes, const std::wstring& path) {
     // By whatever name: writing the target would empty the file before it is read.
     if (_wcsicmp(target.c_str(), path.c_str()) == 0 || Win32::IsSameFile(path, target))
         throw QVUtilsException(ERROR_INVALID_PARAMETER, "Source and target are the same file");
-    if (files->Exists(target.c_str())) {
+    // The name may come from a stranger's file, and what it leads to may lie anywhere.
+    if (Win32::IsLink(target)) throw QVUtilsException(ERROR_CANT_ACCESS_FILE, "The target is a link");
+    // A name that is free must stay so until the file is made: a link that leads nowhere looks like one.
+    const bool overwrites = files->Exists(target.c_str());
+    if (overwrites) {
         const std::wstring question = FormatText(HostText(host, 210_e), {target});
         const wchar_t* const caption = HostText(host, encodes ? 2240_m : 2241_m);
         if (host.MessageBox(question.c_str(), caption, MB_YESNO | MB_ICONQUESTION) != IDYES) return;
     }
-    Convert(encodes, path, target);
+    if (const uint64_t ignored = Convert(encodes, path, target, overwrites))
+        host.Log(kLogLevel, LogKind::Success,
+                 L"[Base64] - Note : %s characters were ignored (no Base64 text, or after its end) : %s",
+                 std::to_wstring(ignored).c_str(), path.c_str());
 }
 
 }  // namespace

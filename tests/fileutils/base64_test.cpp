@@ -187,6 +187,27 @@ TEST(Base64Command, DecodesIntoAPlainNameOfItsOwnFolder) {
     }
 }
 
+TEST(Base64Command, SaysHowMuchOfATextItDidNotUse) {
+    const struct {
+        const char* text;
+        const char* said;  // a part; "": nothing
+        const char* decoded;
+    } cases[] = {
+        {"-_-_\r\n", "( There is no Base64 text, 4 characters were ignored, ErrorCode : 13 )", ""},
+        {"Y-W\xE4Jj", "[Base64] - Note : 2 characters were ignored ", "abc"},
+        {"YQ==\r\n\r\nYg==", "[Base64] - Note : 2 characters were ignored ", "a"},
+        {"YQ==\r\n \t\r\n", "", "a"},
+        {"", "", ""},
+    };
+    for (const auto& c : cases) {
+        const CommandRunner runner;
+        const HostRun run = runner.Run({L"command", L"30211", runner.Write(L"a.b64", c.text)});
+        EXPECT_TRUE(Holds(run.out, c.said)) << c.text;
+        EXPECT_EQ(run.out.empty(), *c.said == 0) << c.text;
+        EXPECT_EQ(runner.Read(L"a"), c.decoded) << c.text;
+    }
+}
+
 TEST(Base64Command, RefusesTheSourceAsItsOwnTarget) {
     const CommandRunner runner;
     const std::wstring same = runner.Write(L"same.b64", MimeHeader("SAME.B64") + "YWJj");
