@@ -6,6 +6,8 @@
 namespace Ui {
 namespace {
 
+constexpr WPARAM kListMargin = 8;  // pixels
+
 /// Finds the widest of some texts, in pixels, as a control shows them.
 class TextMeter {
 public:
@@ -99,8 +101,19 @@ void FillList(HWND list, std::span<const std::wstring> paths) {
         SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(path.c_str()));
         meter.Add(path);
     }
-    constexpr WPARAM kMargin = 8;
-    SendMessageW(list, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(meter.Widest()) + kMargin, 0);
+    SendMessageW(list, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(meter.Widest()) + kListMargin, 0);
+    SendMessageW(list, WM_SETREDRAW, TRUE, 0);
+}
+
+void ReplaceInList(HWND list, size_t row, const std::wstring& path) {
+    SendMessageW(list, WM_SETREDRAW, FALSE, 0);
+    SendMessageW(list, LB_DELETESTRING, row, 0);
+    SendMessageW(list, LB_INSERTSTRING, row, reinterpret_cast<LPARAM>(path.c_str()));
+    TextMeter meter(list);
+    meter.Add(path);
+    const WPARAM width = static_cast<WPARAM>(meter.Widest()) + kListMargin;
+    if (static_cast<WPARAM>(SendMessageW(list, LB_GETHORIZONTALEXTENT, 0, 0)) < width)
+        SendMessageW(list, LB_SETHORIZONTALEXTENT, width, 0);
     SendMessageW(list, WM_SETREDRAW, TRUE, 0);
 }
 

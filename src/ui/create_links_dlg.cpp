@@ -1,9 +1,11 @@
 #include "ui/create_links_dlg.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "ui/controls.h"
 #include "ui/resource.h"
+#include "win32/letter_case.h"
 #include "win32/path.h"
 
 namespace Ui {
@@ -59,6 +61,7 @@ CreateLinksDlg::CreateLinksDlg(std::vector<LinkTarget> targets, bool canElevate,
       m_targets(std::move(targets)),
       m_names(m_targets.size()),
       m_isTyped(m_targets.size()),
+      m_checked(m_targets.size()),
       m_canElevate(canElevate),
       m_whyNot(std::move(whyNot)) {}
 
@@ -85,6 +88,7 @@ bool CreateLinksDlg::OnInit() {
 bool CreateLinksDlg::OnCommand(int id, int notification) {
     if (id == IDOK) {
         CreateLinksRequest request = FromControls();
+        m_checked.assign(m_targets.size(), {});  // what was free may be taken by now
         if (!FaultOf(request).empty()) return true;
         m_request = std::move(request);
         End(IDOK);
@@ -97,15 +101,16 @@ bool CreateLinksDlg::OnCommand(int id, int notification) {
     if (id == IDC_LINK_KIND && notification == CBN_SELCHANGE) {
         ShowLinks();
     } else if (id == IDC_LINK_FOLDER && notification == EN_CHANGE) {
+        const std::vector<std::wstring> before = m_names;
         ProposeNames();
-        ShowLinks();
+        if (m_names != before) ShowLinks();
         ShowSelectedName();
     } else if (id == IDC_LINK_NAME && notification == EN_CHANGE) {
         const std::wstring name = TextOf(Item(IDC_LINK_NAME));
         if (name == m_names[Selected()]) return true;
         m_names[Selected()] = name;
         m_isTyped[Selected()] = true;
-        ShowLinks();
+        ShowLink(Selected());
     } else {
         return false;
     }
@@ -132,15 +137,24 @@ void CreateLinksDlg::ShowSelectedName() {
     SetTextOf(Item(IDC_LINK_NAME), m_names[Selected()]);
 }
 
+std::wstring CreateLinksDlg::LineOf(size_t row) const {
+    return LinkPath(Type(), L"", m_names[row]) + kArrow + m_targets[row].path;
+}
+
 void CreateLinksDlg::ShowLinks() {
     const size_t selected = Selected();
     std::vector<std::wstring> lines;
-    for (size_t row = 0; row < m_targets.size(); ++row)
-        lines.push_back(LinkPath(Type(), L"", m_names[row]) + kArrow + m_targets[row].path);
+    for (size_t row = 0; row < m_targets.size(); ++row) lines.push_back(LineOf(row));
     const HWND list = Item(IDC_LINK_TARGETS);
     SendMessageW(list, LB_RESETCONTENT, 0, 0);
     FillList(list, lines);
     SendMessageW(list, LB_SETCURSEL, selected, 0);
+}
+
+void CreateLinksDlg::ShowLink(size_t row) {
+    const HWND list = Item(IDC_LINK_TARGETS);
+    ReplaceInList(list, row, LineOf(row));
+    SendMessageW(list, LB_SETCURSEL, row, 0);
 }
 
 CreateLinksRequest CreateLinksDlg::FromControls() const {
@@ -150,15 +164,18 @@ CreateLinksRequest CreateLinksDlg::FromControls() const {
     return request;
 }
 
-std::wstring CreateLinksDlg::FaultOf(const CreateLinksRequest& request) const {
+std::wstring CreateLinksDlg::FaultOf(const CreateLinksRequest& request) {
     if (TextOf(Item(IDC_LINK_FOLDER)).empty()) return L"A folder is needed.";
+    std::unordered_set<std::wstring> taken;
     for (size_t row = 0; row < request.links.size(); ++row) {
         if (m_names[row].empty()) return L"A link has no name: " + m_targets[row].path;
-        for (size_t other = 0; other < row; ++other)
-            if (IsSamePath(request.links[row], request.links[other]))
-                return L"Two links have the same name: " + m_names[row];
-        std::wstring fault = m_whyNot(request.type, request.links[row], m_targets[row]);
-        if (!fault.empty()) return fault;
+        const std::wstring& link = request.links[row];
+        // All lie in one folder, and what only means the same name ("a.", "b\..\a") is refused as a name.
+        if (!taken.insert(Win32::ToUpperCase(link)).second) return L"Two links have the same name: " + m_names[row];
+        Checked& checked = m_checked[row];
+        if (checked.type != request.type || checked.link != link)
+            checked = {request.type, link, m_whyNot(request.type, link, m_targets[row])};
+        if (!checked.fault.empty()) return checked.fault;
     }
     return {};
 }

@@ -49,13 +49,23 @@ private:
     void ProposeNames();
     void ShowSelectedName();
     void ShowLinks();
+    void ShowLink(size_t row);
+    std::wstring LineOf(size_t row) const;
     CreateLinksRequest FromControls() const;
-    std::wstring FaultOf(const CreateLinksRequest& request) const;
+    std::wstring FaultOf(const CreateLinksRequest& request);
     void Refresh();
+
+    /// What was found out about a row. It asks the system, so it is not asked again while the link is the same.
+    struct Checked {
+        uint32_t type = 0;
+        std::wstring link;
+        std::wstring fault;
+    };
 
     std::vector<LinkTarget> m_targets;
     std::vector<std::wstring> m_names;  // as typed, without ".lnk"
     std::vector<bool> m_isTyped;        // by the person; the others follow the folder
+    std::vector<Checked> m_checked;
     bool m_canElevate;
     WhyNoLink m_whyNot;
     CreateLinksRequest m_request;

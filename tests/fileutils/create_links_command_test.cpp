@@ -86,6 +86,32 @@ TEST(CreateLinksCommand, OffersAdministratorRightsAndUsesThem) {
     EXPECT_TRUE(Win32::IsSameFile(target, runner / L"a - link"));
 }
 
+TEST(CreateLinksDlg, AsksAboutALinkOnlyWhenItIsAnother) {
+    std::vector<Ui::LinkTarget> targets;
+    for (int number = 0; number < 20000; ++number) targets.push_back({L"C:\\t\\" + std::to_wstring(number), false});
+    size_t asked = 0;
+    Ui::CreateLinksDlg dialog(targets, false, [&](uint32_t, const std::wstring&, const Ui::LinkTarget&) {
+        ++asked;
+        return std::wstring();
+    });
+    std::optional<Ui::CreateLinksRequest> request;
+    const auto person = [&](const DrivenDialog& open) {
+        EXPECT_EQ(std::exchange(asked, 0), targets.size());
+        open.Enter(IDC_LINK_NAME, L"19999 - LINK");
+        EXPECT_EQ(open.Text(IDC_REASON), L"Two links have the same name: 19999 - link");
+        open.Enter(IDC_LINK_NAME, L"\u00C4 - link");
+        EXPECT_TRUE(open.IsEnabled(IDOK));
+        EXPECT_LE(std::exchange(asked, 0), 26u) << "one for each letter";
+        EXPECT_EQ(SendMessageW(open.Control(IDC_LINK_TARGETS), LB_GETCOUNT, 0, 0), 20000);
+        open.PressAndClose(IDOK);
+        EXPECT_EQ(asked, targets.size()) << "at the end names may have been taken";
+    };
+    WhileShown(kTitle, person, [&] { request = dialog.Show(nullptr); });
+    ASSERT_TRUE(request);
+    EXPECT_EQ(request->links.front(), L"C:\\t\\\u00C4 - link");
+    EXPECT_EQ(request->links.back(), L"C:\\t\\19999 - link");
+}
+
 TEST(CreateLinksCommand, SaysHowManyLinksFailed) {
     const CommandRunner runner;
     // Here no junction can be made.
