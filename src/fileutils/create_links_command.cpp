@@ -28,9 +28,10 @@ uint32_t RunCreateLinks(IHostServices& host, uint32_t) {
     const std::vector<Ui::LinkTarget> targets = TargetsOf(*list);
     if (targets.empty()) return 1;
     const bool canElevate = host.CanElevate() && !host.IsElevated();
+    LinkRules rules;
     Ui::CreateLinksDlg dialog(targets, canElevate,
-                              [](uint32_t type, const std::wstring& link, const Ui::LinkTarget& target) {
-                                  return WhyNoLink(type, link, target.path, target.isFolder);
+                              [&](uint32_t type, const std::wstring& link, const Ui::LinkTarget& target) {
+                                  return rules.WhyNot(type, link, target.path, target.isFolder);
                               });
     const auto chosen = dialog.Show(host.GetMainWindow());
     if (!chosen) return 1;

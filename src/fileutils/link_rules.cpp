@@ -3,6 +3,8 @@
 #include "fileutils/link_creation.h"
 #include "textio/target_name.h"
 #include "win32/files.h"
+#include "win32/folder.h"
+#include "win32/letter_case.h"
 #include "win32/path.h"
 #include "win32/windows.h"
 
@@ -24,15 +26,34 @@ bool IsOnAnotherMachine(const std::wstring& path) {
 
 }  // namespace
 
-std::wstring WhyNoLink(uint32_t type, const std::wstring& link, const std::wstring& target, bool targetIsFolder) {
+void LinkRules::LookAt(const std::wstring& folder) {
+    if (m_folder.isKnown && m_folder.path == folder) return;
+    m_folder = {};
+    m_folder.isKnown = true;
+    m_folder.path = folder;
+    m_folder.volume = VolumeOf(folder);
+    m_folder.exists = folder.empty() || Win32::Exists(folder);
+    if (!m_folder.exists) return;
+    const auto take = [&](std::wstring_view name, uint32_t) { m_folder.names.insert(Win32::ToUpperCase(name)); };
+    m_folder.isListed = Win32::ListFolder(folder.empty() ? L"." : folder, take) == ERROR_SUCCESS;
+}
+
+std::wstring LinkRules::WhyNot(uint32_t type, const std::wstring& link, const std::wstring& target,
+                               bool targetIsFolder) {
     const std::wstring name(Win32::FileNameOf(link));
     if (!QVUtils::IsPlainFileName(name)) return L"This cannot be a name: " + name;
-    if (Win32::Exists(link)) return L"This name is in use: " + name;
-    const std::wstring folder(Win32::FolderOf(link));
-    if (!folder.empty() && !Win32::Exists(folder)) return L"There is no folder " + folder;
+    LookAt(std::wstring(Win32::FolderOf(link)));
+    const bool isTaken = m_folder.isListed ? m_folder.names.contains(Win32::ToUpperCase(name)) : Win32::Exists(link);
+    if (isTaken) return L"This name is in use: " + name;
+    if (!m_folder.exists) return L"There is no folder " + m_folder.path;
     if (type == LinkType::HardLink && targetIsFolder) return L"A hard link cannot lead to a folder: " + target;
-    if (type == LinkType::HardLink && _wcsicmp(VolumeOf(folder).c_str(), VolumeOf(target).c_str()) != 0)
-        return L"A hard link cannot lead to another volume: " + target;
+    if (type == LinkType::HardLink) {
+        std::wstring targetFolder(Win32::FolderOf(target));
+        if (m_targetFolder != targetFolder || m_targetVolume.empty()) m_targetVolume = VolumeOf(target);
+        m_targetFolder = std::move(targetFolder);
+        if (_wcsicmp(m_folder.volume.c_str(), m_targetVolume.c_str()) != 0)
+            return L"A hard link cannot lead to another volume: " + target;
+    }
     if (type == LinkType::Junction && !targetIsFolder) return L"A junction cannot lead to a file: " + target;
     if (type == LinkType::Junction && IsOnAnotherMachine(target))
         return L"A junction cannot lead to another computer: " + target;

@@ -88,7 +88,6 @@ bool CreateLinksDlg::OnInit() {
 bool CreateLinksDlg::OnCommand(int id, int notification) {
     if (id == IDOK) {
         CreateLinksRequest request = FromControls();
-        m_checked.assign(m_targets.size(), {});  // what was free may be taken by now
         if (!FaultOf(request).empty()) return true;
         m_request = std::move(request);
         End(IDOK);
