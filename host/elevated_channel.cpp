@@ -12,6 +12,8 @@ namespace {
 
 constexpr DWORD kConnectMilliseconds = 30000;  // a person answers the system's prompt before this begins
 constexpr DWORD kWriteMilliseconds = 30000;
+// For as many paths as a request holds. The other process's end is noticed at once; this is for one that hangs.
+constexpr DWORD kReplyMilliseconds = 10 * 60 * 1000;
 constexpr DWORD kEndMilliseconds = 10000;
 constexpr size_t kReplyLimit = 64;  // bytes
 
@@ -72,7 +74,8 @@ bool ElevatedChannel::Connect() {
         if (error == ERROR_SUCCESS) error = m_pipe.WaitForClient(m_process.Get(), kConnectMilliseconds);
         // Whoever else of this user's programs guessed the name: only the process started here is spoken to.
         const DWORD client = error == ERROR_SUCCESS ? m_pipe.ClientProcessId() : 0;
-        if (client != 0 && client != GetProcessId(m_process.Get())) error = ERROR_ACCESS_DENIED;
+        if (error == ERROR_SUCCESS && (client == 0 || client != GetProcessId(m_process.Get())))
+            error = ERROR_ACCESS_DENIED;
         m_isConnected = error == ERROR_SUCCESS;
         if (!m_isConnected)
             m_output.Note(L"[elevated] no connection to an elevated process: " + DescribeError(error), Tone::Failure);
@@ -107,8 +110,7 @@ uint32_t ElevatedChannel::Send(uint32_t requestId, const void* data, uint32_t si
             EncodeRequest({requestId, m_extension, {static_cast<const uint8_t*>(data), size_t{size}}});
         uint32_t error = m_pipe.Write(message, m_process.Get(), kWriteMilliseconds);
         Bytes reply;
-        // The work may take as long as it takes; the other process's end is noticed.
-        if (error == ERROR_SUCCESS) error = m_pipe.Read(reply, kReplyLimit, m_process.Get());
+        if (error == ERROR_SUCCESS) error = m_pipe.Read(reply, kReplyLimit, m_process.Get(), kReplyMilliseconds);
         if (error != ERROR_SUCCESS) {
             // A late reply must not be taken for the answer to the next request.
             Close();

@@ -3,6 +3,8 @@
 #include "host/boundary.h"
 #include "host/elevated_protocol.h"
 #include "host/message_pipe.h"
+#include "host/process_image.h"
+#include "win32/files.h"
 
 namespace QVHost {
 namespace {
@@ -31,6 +33,10 @@ private:
     Shelf<RequestReader> m_readers;
 };
 
+bool IsThisProgram(DWORD processId) {
+    return processId != 0 && Win32::IsSameFile(ImageOf(processId), OwnImage());
+}
+
 uint32_t Perform(std::span<const uint8_t> message, uint32_t extensionIndex,
                  Quorvane::SDK::IPluginInterface& extension) {
     const std::optional<Request> request = DecodeRequest(message);
@@ -43,11 +49,14 @@ uint32_t Perform(std::span<const uint8_t> message, uint32_t extensionIndex,
 
 uint32_t ServeElevatedRequests(const std::wstring& pipeName, uint32_t extensionIndex,
                                Quorvane::SDK::IPluginInterface& extension) {
+    if (!IsRandomPipeName(pipeName)) return ERROR_INVALID_PARAMETER;
     MessagePipe pipe;
     uint32_t error = pipe.Open(pipeName);
+    // A person who agrees to this program's elevation does not agree to serve whatever else knows its command line.
+    if (error == ERROR_SUCCESS && !IsThisProgram(pipe.ServerProcessId())) error = ERROR_ACCESS_DENIED;
     while (error == ERROR_SUCCESS) {
         Bytes message;
-        error = pipe.Read(message, kRequestHeaderSize + kLargestPayload, nullptr);
+        error = pipe.Read(message, kRequestHeaderSize + kLargestPayload, nullptr, INFINITE);
         if (error == ERROR_BROKEN_PIPE) return ERROR_SUCCESS;
         if (error != ERROR_SUCCESS && error != ERROR_INVALID_PARAMETER) return error;
         const uint32_t result = error == ERROR_SUCCESS ? Perform(message, extensionIndex, extension) : error;

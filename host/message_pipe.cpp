@@ -10,9 +10,13 @@ namespace {
 
 constexpr DWORD kBufferSize = 64 * 1024;  // bytes
 constexpr DWORD kOpenMilliseconds = 10000;
+constexpr std::wstring_view kPipeNameStart = LR"(\\.\pipe\qvhost-)";
+constexpr std::wstring_view kDigits = L"0123456789abcdef";
+constexpr size_t kPipeNameLength = kPipeNameStart.size() + 32;
 
-/// A security descriptor that admits the user of this process and nobody else; empty when it cannot be made.
-Win32::LocalMemory OnlyThisUser() {
+/// A security descriptor that admits the user of this process, administrators and nobody else; empty when it cannot be
+/// made.
+Win32::LocalMemory ThisUserAndAdministrators() {
     HANDLE rawToken = nullptr;
     if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &rawToken)) return {};
     const Win32::KernelHandle token(rawToken);
@@ -24,8 +28,8 @@ Win32::LocalMemory OnlyThisUser() {
     wchar_t* rawSid = nullptr;
     if (!ConvertSidToStringSidW(reinterpret_cast<const TOKEN_USER*>(user.data())->User.Sid, &rawSid)) return {};
     const Win32::LocalMemory sid(rawSid);
-    // A protected list with one entry: everything for this user.
-    const std::wstring list = L"D:P(A;;GA;;;" + std::wstring(rawSid) + L")";
+    // A protected list: everything for the two.
+    const std::wstring list = L"D:P(A;;GA;;;" + std::wstring(rawSid) + L")(A;;GA;;;BA)";
     PSECURITY_DESCRIPTOR descriptor = nullptr;
     if (!ConvertStringSecurityDescriptorToSecurityDescriptorW(list.c_str(), SDDL_REVISION_1, &descriptor, nullptr))
         return {};
@@ -41,7 +45,7 @@ OVERLAPPED OperationWith(const Win32::KernelHandle& event) {
 }  // namespace
 
 uint32_t MessagePipe::Create(const std::wstring& name) {
-    const Win32::LocalMemory descriptor = OnlyThisUser();
+    const Win32::LocalMemory descriptor = ThisUserAndAdministrators();
     if (!descriptor) return ERROR_ACCESS_DENIED;
     SECURITY_ATTRIBUTES security = {sizeof(security), descriptor.Get(), FALSE};
     m_event.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
@@ -79,6 +83,11 @@ DWORD MessagePipe::ClientProcessId() const {
     return GetNamedPipeClientProcessId(m_pipe.Get(), &id) ? id : 0;
 }
 
+DWORD MessagePipe::ServerProcessId() const {
+    ULONG id = 0;
+    return GetNamedPipeServerProcessId(m_pipe.Get(), &id) ? id : 0;
+}
+
 uint32_t MessagePipe::Write(std::span<const uint8_t> message, HANDLE process, DWORD milliseconds) {
     OVERLAPPED operation = OperationWith(m_event);
     DWORD written = 0;
@@ -90,7 +99,7 @@ uint32_t MessagePipe::Write(std::span<const uint8_t> message, HANDLE process, DW
     return written == message.size() ? ERROR_SUCCESS : ERROR_WRITE_FAULT;
 }
 
-uint32_t MessagePipe::Read(Bytes& message, size_t limit, HANDLE process) {
+uint32_t MessagePipe::Read(Bytes& message, size_t limit, HANDLE process, DWORD milliseconds) {
     message.clear();
     bool isTooLong = false;
     Bytes block(kBufferSize);
@@ -102,7 +111,7 @@ uint32_t MessagePipe::Read(Bytes& message, size_t limit, HANDLE process) {
             error = GetLastError();
             if (error == ERROR_IO_PENDING || error == ERROR_MORE_DATA) error = ERROR_SUCCESS;
         }
-        if (error == ERROR_SUCCESS) error = Await(operation, process, INFINITE, read);
+        if (error == ERROR_SUCCESS) error = Await(operation, process, milliseconds, read);
         if (error != ERROR_SUCCESS && error != ERROR_MORE_DATA) return error;
         isTooLong = isTooLong || message.size() + read > limit;
         if (!isTooLong) message.insert(message.end(), block.begin(), block.begin() + static_cast<ptrdiff_t>(read));
@@ -125,9 +134,14 @@ uint32_t MessagePipe::Await(OVERLAPPED& operation, HANDLE process, DWORD millise
 
 std::wstring RandomPipeName() {
     std::random_device random;  // the system's generator, fit for secrets
-    std::wstring name = LR"(\\.\pipe\qvhost-)";
-    for (int digit = 0; digit < 32; ++digit) name += L"0123456789abcdef"[random() % 16];
+    std::wstring name(kPipeNameStart);
+    while (name.size() < kPipeNameLength) name += kDigits[random() % kDigits.size()];
     return name;
+}
+
+bool IsRandomPipeName(std::wstring_view name) {
+    return name.size() == kPipeNameLength && name.starts_with(kPipeNameStart) &&
+           name.find_first_not_of(kDigits, kPipeNameStart.size()) == std::wstring_view::npos;
 }
 
 }  // namespace QVHost

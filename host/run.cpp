@@ -16,6 +16,7 @@
 #include "host/text.h"
 #include "host/undo_command.h"
 #include "win32/files.h"
+#include "win32/path.h"
 
 namespace QVHost {
 namespace {
@@ -122,6 +123,15 @@ int RunCommand(Session& session, const HostOptions& options, std::istream& in) {
     return StatusOf(state, handled, 0);
 }
 
+/// The second process has rights that whoever wrote its command line may not have.
+/// @throws UsageError for a library from another folder than the program's, before it is loaded
+void CheckServerLibrary(const HostOptions& options, const HostEnvironment& environment) {
+    const auto folderOf = [](const std::wstring& path) { return std::wstring(Win32::FolderOf(Win32::FullPath(path))); };
+    const std::wstring library = LibraryPath(options, environment);
+    if (!EqualIgnoringCase(folderOf(library), folderOf(environment.program)))
+        throw UsageError(L"elevated-server loads only a library beside this program, not " + library);
+}
+
 int RunElevatedServer(Session& session, const HostOptions& options) {
     if (options.extension >= session.Extensions().size()) throw UsageError(L"there is no such extension");
     Quorvane::SDK::IPluginInterface* const extension = session.Extensions()[options.extension]->Commands();
@@ -137,6 +147,7 @@ int Run(const HostOptions& options, HostEnvironment& environment, Output& output
         throw UsageError(L"--files-from goes with call, columns, command and rename alone");
     if (options.action == Action::Rename) return RunRename(options, environment, output);
     if (options.action == Action::Undo) return RunUndo(options, environment, output);
+    if (options.action == Action::ElevatedServer) CheckServerLibrary(options, environment);
     Session session(options, environment, output);
     if (options.action == Action::Extensions) {
         PrintExtensions(output, session.Library().Extensions());

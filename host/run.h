@@ -18,7 +18,7 @@ struct HostEnvironment {
     std::ostream& out;
     std::ostream& error;
     std::istream& in;      // for --files-from -
-    std::wstring program;  // full path of qvhost.exe: its neighbours are the defaults, and it is the second process
+    std::wstring program;  // full path of qvhost.exe: its neighbours are the defaults
     bool outIsTerminal = false;
     std::function<std::optional<std::wstring>()> readAnswer;  // a line from the console; empty: there is no console
     ProgressWatch progressWatch;

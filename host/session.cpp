@@ -1,6 +1,7 @@
 #include "host/session.h"
 
 #include "host/host_error.h"
+#include "host/process_image.h"
 #include "host/text.h"
 #include "host/unix_paths.h"
 #include "host/whole_file.h"
@@ -52,7 +53,8 @@ ProgressWatch MakeProgressWatch(const HostOptions& options, const HostEnvironmen
 }
 
 ElevatedLaunch MakeElevatedLaunch(const HostOptions& options, const HostEnvironment& environment) {
-    ElevatedLaunch launch = {environment.program, {}};
+    // The same program: the second process serves no other.
+    ElevatedLaunch launch = {OwnImage(), {}};
     const auto pass = [&](const wchar_t* option, const std::wstring& value) {
         launch.options.insert(launch.options.end(), {option, value});
     };

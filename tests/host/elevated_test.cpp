@@ -7,6 +7,7 @@
 #include "host/elevated_channel.h"
 #include "host/elevated_protocol.h"
 #include "host/message_pipe.h"
+#include "host/process_image.h"
 #include "host_runner.h"
 
 #include <aclapi.h>
@@ -102,7 +103,8 @@ public:
     ElevatedServer() {
         const std::wstring name = RandomPipeName();
         EXPECT_EQ(m_pipe.Create(name), 0u);
-        const std::wstring program = BesideThisProgram(L"qvhost.exe");
+        // The program that made the pipe, or it would not be served.
+        const std::wstring program = OwnImage();
         std::wstring line =
             QuoteArguments({program, L"elevated-server", L"--pipe", name, L"--extension", L"0", L"--library",
                             BesideThisProgram(L"test_extension.dll"), L"--config", m_host.Folder() / L"config",
@@ -121,7 +123,7 @@ public:
     std::optional<uint32_t> Ask(const Bytes& message) {
         Bytes reply;
         if (m_pipe.Write(message, m_process.Get(), kPatience) != 0) return std::nullopt;
-        if (m_pipe.Read(reply, 64, m_process.Get()) != 0) return std::nullopt;
+        if (m_pipe.Read(reply, 64, m_process.Get(), kPatience) != 0) return std::nullopt;
         return DecodeReply(reply);
     }
 
@@ -140,7 +142,7 @@ private:
     Win32::KernelHandle m_process;
 };
 
-TEST(MessagePipe, AdmitsOneClientAndThisUserAlone) {
+TEST(MessagePipe, AdmitsOneClient) {
     MessagePipe server;
     const std::wstring name = RandomPipeName();
     ASSERT_EQ(server.Create(name), 0u);
@@ -150,6 +152,13 @@ TEST(MessagePipe, AdmitsOneClientAndThisUserAlone) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_PIPE_BUSY});
     MessagePipe other;
     EXPECT_NE(other.Create(name), 0u) << "a name that is taken is not shared";
+    EXPECT_EQ(client.ServerProcessId(), GetCurrentProcessId());
+    EXPECT_EQ(server.ClientProcessId(), GetCurrentProcessId());
+    Bytes none;
+    EXPECT_EQ(server.Read(none, 64, GetCurrentProcess(), 1), DWORD{ERROR_TIMEOUT});
+    EXPECT_EQ(server.Write(Bytes{1, 2}, nullptr, kPatience), 0u) << "and the pipe still works";
+    EXPECT_EQ(client.Read(none, 64, nullptr, INFINITE), 0u);
+    EXPECT_EQ(none, (Bytes{1, 2}));
 }
 
 /// The user that this process runs as, "S-1-...".
@@ -166,7 +175,7 @@ std::wstring OwnUser() {
     return text;
 }
 
-TEST(MessagePipe, ListsThisUserAndNobodyElse) {
+TEST(MessagePipe, ListsThisUserAndAdministrators) {
     MessagePipe server;
     const std::wstring name = RandomPipeName();
     ASSERT_EQ(server.Create(name), 0u);
@@ -184,8 +193,9 @@ TEST(MessagePipe, ListsThisUserAndNobodyElse) {
     const Win32::LocalMemory memory(shown);
     const std::wstring list = shown;
     EXPECT_TRUE(list.starts_with(L"D:P(A;")) << "allowed, and nothing is inherited: " << list;
-    EXPECT_TRUE(list.ends_with(L";" + OwnUser() + L")")) << list;
-    EXPECT_EQ(std::ranges::count(list, L'('), 1) << list;
+    EXPECT_NE(list.find(L";" + OwnUser() + L")(A;"), list.npos) << list;
+    EXPECT_TRUE(list.ends_with(L";BA)")) << list;
+    EXPECT_EQ(std::ranges::count(list, L'('), 2) << list;
 }
 
 TEST(ElevatedServer, RefusesMalformedMessagesAndGoesOn) {
@@ -207,6 +217,47 @@ TEST(ElevatedServer, RefusesMalformedMessagesAndGoesOn) {
     };
     for (const auto& c : cases) EXPECT_EQ(server.Ask(c.message), c.result) << c.why;
     EXPECT_EQ(server.End(), 0u);
+}
+
+/// The exit code of the host as a second process for this pipe, which the test has made.
+DWORD ServedWith(const std::wstring& program, const std::wstring& pipeName, const std::wstring& library) {
+    MessagePipe pipe;
+    EXPECT_EQ(pipe.Create(pipeName), 0u);
+    std::wstring line =
+        QuoteArguments({program, L"elevated-server", L"--pipe", pipeName, L"--extension", L"0", L"--library", library});
+    STARTUPINFOW start = {};
+    start.cb = sizeof(start);
+    PROCESS_INFORMATION started = {};
+    EXPECT_TRUE(
+        CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &started));
+    CloseHandle(started.hThread);
+    const Win32::KernelHandle process(started.hProcess);
+    // Content with the pipe, it would wait there.
+    EXPECT_EQ(WaitForSingleObject(process.Get(), kPatience), WAIT_OBJECT_0);
+    TerminateProcess(process.Get(), 99);
+    DWORD code = 0;
+    GetExitCodeProcess(process.Get(), &code);
+    return code;
+}
+
+TEST(ElevatedServer, ServesItsOwnProgramAndLibraryAlone) {
+    const std::wstring host = BesideThisProgram(L"qvhost.exe");
+    const std::wstring library = BesideThisProgram(L"test_extension.dll");
+    const TemporaryFolder folder;
+    const std::wstring stranger = folder / L"test_extension.dll";
+    ASSERT_TRUE(CopyFileW(library.c_str(), stranger.c_str(), TRUE));
+    EXPECT_EQ(ServedWith(host, RandomPipeName(), library), 1u) << "this test is another program";
+    EXPECT_EQ(ServedWith(host, RandomPipeName(), stranger), 2u);
+    EXPECT_EQ(ServedWith(OwnImage(), LR"(\\.\pipe\qvhost-0)", library), 1u);
+}
+
+TEST(PipeNames, AreThoseOfARandomKind) {
+    const std::wstring name = RandomPipeName();
+    EXPECT_TRUE(IsRandomPipeName(name));
+    EXPECT_EQ(name.size(), 48u);
+    for (const std::wstring& other : {name + L"0", name.substr(0, name.size() - 1), LR"(\\x)" + name.substr(3),
+                                      name.substr(0, 47) + L"g", name.substr(0, 47) + L"A", std::wstring()})
+        EXPECT_FALSE(IsRandomPipeName(other)) << testing::PrintToString(other);
 }
 
 }  // namespace

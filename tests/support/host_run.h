@@ -1,12 +1,18 @@
 // host_run.h - one run of the stand-in host in the test's process. For tests that link the host's room.
 #pragma once
 
+#include <algorithm>
 #include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "host/run.h"
+#include "support/second_process.h"
+#include "win32/handle.h"
+#include "win32/path.h"
+
+#include <shellapi.h>
 
 namespace QVTest {
 
@@ -40,5 +46,18 @@ inline HostRun RunHost(const std::wstring& program, const std::vector<std::wstri
     const int status = QVHost::RunQvHost(arguments, environment);
     return {status, out.str(), error.str()};
 }
+
+/// This program as the second process of the host in it.
+inline int ServeAsHost() {
+    int count = 0;
+    const Win32::LocalMemory words(CommandLineToArgvW(GetCommandLineW(), &count));
+    auto* const* const first = static_cast<wchar_t* const*>(words.Get());
+    const std::vector<std::wstring> arguments(first + 1, first + count);
+    // The library lies beside the program that this one stands for.
+    const auto library = std::ranges::find(arguments, L"--library");
+    const std::wstring folder(library == arguments.end() ? L"" : Win32::FolderOf(*(library + 1)));
+    return RunHost(folder + L"qvhost.exe", arguments).status;
+}
+inline const bool kServesAsSecondProcess = (ServeAsSecondProcess() = ServeAsHost, true);
 
 }  // namespace QVTest

@@ -1,8 +1,10 @@
 // main.cpp - the main function of every test program.
 #include <cstdio>
+#include <string_view>
 
 #include <gtest/gtest.h>
 
+#include "support/second_process.h"
 #include "win32/windows.h"
 
 namespace {
@@ -20,6 +22,8 @@ LONG WINAPI ReportCrash(EXCEPTION_POINTERS* fault) {
 
 int main(int argc, char** argv) {
     SetUnhandledExceptionFilter(ReportCrash);
+    const bool isSecond = argc > 1 && std::string_view(argv[1]) == "elevated-server";
+    if (isSecond && QVTest::ServeAsSecondProcess()) return QVTest::ServeAsSecondProcess()();
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
