@@ -87,7 +87,7 @@ TEST(XmlConversion, ChangesNothingButBlanks) {
 TEST(XmlService, KeepsEncodingAndLineBreaksOfAChangedDocument) {
     ServicesOfHost host(QV_HOST_PROGRAM);
     const TemporaryFolder folder;
-    const std::string head = "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\r\n";
+    const std::string head = "<?xml\tversion=\"1.0\" encoding=\"iso-8859-1\"?>\r\n";
     const std::wstring path = folder.Write(L"a.xml", head + "<a>\xE4\r\n</a>");
     const SDK::Owned<SDK::IXmlService> service(host.Services().GetXmlService(path.c_str(), 0));
     const SDK::Owned<SDK::IXmlDocument> document(service->Load(path.c_str(), 0));
