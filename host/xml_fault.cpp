@@ -21,7 +21,7 @@ using Place = std::pair<UINT, UINT>;  // line and column, from 1
 
 constexpr int kMostReadsInPlace = 3;
 
-/// Behind the last character. A column counts characters.
+/// After the last character. A column counts characters.
 Place EndOf(std::string_view utf8) {
     const size_t lineBreak = utf8.rfind('\n');
     const std::string_view line = lineBreak == std::string_view::npos ? utf8 : utf8.substr(lineBreak + 1);
@@ -55,7 +55,7 @@ std::optional<Place> FaultPlace(std::string_view bytes) {
         furthest = place;
         readsInPlace = 0;
     }
-    // Where a file ends inside an element, behind text or blanks, some readers give those again for ever.
+    // Where a file ends inside an element, after text or blanks, some readers give those again for ever.
     return EndOf(bytes);
 }
 

@@ -86,7 +86,7 @@ struct OpenElement {
     bool keepsBlanks = false;
     bool hasText = false;
     bool hasElement = false;
-    bool hasGap = false;  // blanks without a line break stand behind its last element
+    bool hasGap = false;  // blanks without a line break follow its last element
     bool lastElementHasText = false;
 };
 
@@ -182,7 +182,7 @@ public:
             m_fixedDepth = 0;  // with this end
         }
         m_result += piece.text;
-        m_isBehindBlank = piece.kind == Kind::Blank;
+        m_isAfterBlank = piece.kind == Kind::Blank;
         if (piece.kind != Kind::Start || piece.isElementWhole) return;
         ++m_depth;
         if (m_fixedDepth == 0 && piece.staysAsItIs) m_fixedDepth = m_depth;
@@ -192,9 +192,9 @@ public:
 
 private:
     void Separate(const Piece& piece) {
-        // Around the root only what stands directly behind something else gets a line of its own.
+        // Around the root only what directly follows something else gets a line of its own.
         const bool isOutside = m_depth == 0 && piece.kind != Kind::End;
-        if (isOutside && (m_result.empty() || m_isBehindBlank || piece.kind == Kind::Blank)) return;
+        if (isOutside && (m_result.empty() || m_isAfterBlank || piece.kind == Kind::Blank)) return;
         m_result += m_lineBreak;
         m_result.append(m_depth, '\t');
     }
@@ -204,7 +204,7 @@ private:
     std::string m_result;
     size_t m_depth = 0;
     size_t m_fixedDepth = 0;  // of the outermost element that stays as it is; 0: outside of such
-    bool m_isBehindBlank = false;
+    bool m_isAfterBlank = false;
 };
 
 std::optional<std::string> LaidOut(std::string_view text, Layout layout) {

@@ -21,7 +21,7 @@ std::optional<std::string> CompactXml(std::string_view text);
 /// With a line break and tabs between the elements instead of such blanks; line breaks are like the text's first one.
 std::optional<std::string> ReadableXml(std::string_view text);
 
-/// As CompactXml, and without the blanks before and behind the root: two layouts of one document become equal.
+/// As CompactXml, and without the blanks before and after the root: two layouts of one document become equal.
 std::optional<std::string> ContentOfXml(std::string_view text);
 
 /// The line break that a text's lines end with, as its first one; "\n" when it has none.

@@ -25,7 +25,7 @@ bool IsOneOf(std::wstring_view name, std::initializer_list<std::wstring_view> up
                                [&](std::wstring_view each) { return std::ranges::equal(name, each, {}, Upper); });
 }
 
-/// Takes the next name and the separator behind it.
+/// Takes the next name and the separator after it.
 std::wstring_view TakeName(std::wstring_view& path) {
     const auto end = std::ranges::find_if(path, IsSeparator);
     const std::wstring_view name(path.begin(), end);
@@ -52,7 +52,7 @@ ShareName TakeShare(std::wstring_view& path) {
 }
 
 /// What follows `C:\`, `\\server\share\` and the like; nothing for a path that begins with none of them.
-std::optional<std::wstring_view> RestBehindRoot(std::wstring_view path) {
+std::optional<std::wstring_view> RestAfterRoot(std::wstring_view path) {
     std::wstring_view drive = path;
     if (drive.starts_with(kLongPrefix)) drive.remove_prefix(kLongPrefix.size());
     const bool hasDrive = drive.size() > 2 && Upper(drive[0]) >= L'A' && Upper(drive[0]) <= L'Z' && drive[1] == L':';
@@ -67,7 +67,7 @@ std::optional<std::wstring_view> RestBehindRoot(std::wstring_view path) {
 }  // namespace
 
 bool IsFullFilePath(std::wstring_view path) {
-    std::optional<std::wstring_view> found = RestBehindRoot(path);
+    std::optional<std::wstring_view> found = RestAfterRoot(path);
     if (!found || found->find(L':') != found->npos) return false;
     // With the prefix every name is just a name.
     if (path.starts_with(kLongPrefix)) return true;
