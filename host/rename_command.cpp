@@ -180,11 +180,7 @@ int RunRename(const HostOptions& options, HostEnvironment& environment, Output& 
         CRenameResultCallback results;
         const std::vector<RowOutcome> outcomes = RunRenames(rows, now, host.Surroundings(!given.noUndo), results);
         isDone = host.PrintOutcomes(rows, outcomes, L"renamed") && isDone;
-        if (!given.noUndo && host.Journal().LastError() != ERROR_SUCCESS) {
-            isDone = false;
-            output.Note(L"qvhost: the renames could not be recorded for undo: " +
-                        DescribeError(host.Journal().LastError()));
-        }
+        isDone = host.IsRecorded() && isDone;
     }
     const bool isInterrupted = environment.progressWatch.isCancelled && environment.progressWatch.isCancelled->load();
     return isDone && !isInterrupted ? ExitStatus::Done : ExitStatus::Failed;

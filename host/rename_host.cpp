@@ -61,7 +61,18 @@ UndoStore& RenameHost::Journal() {
 }
 
 RunSurroundings RenameHost::Surroundings(bool isRecorded) {
-    return {*m_files.Get(), ListFolderOnDisk, isRecorded ? &Journal() : nullptr, m_isStopped};
+    return {.host = *m_files.Get(),
+            .list = ListFolderOnDisk,
+            .journal = isRecorded ? &Journal() : nullptr,
+            .isStopped = m_isStopped,
+            .needsRecord = true};
+}
+
+bool RenameHost::IsRecorded() {
+    if (!m_journal || m_journal->LastError() == ERROR_SUCCESS) return true;
+    m_state.output.Note(L"qvhost: the renames could not be recorded for undo: " +
+                        DescribeError(m_journal->LastError()));
+    return false;
 }
 
 bool RenameHost::GetProperty(const BatchRenameItem& row, const std::wstring& name, const std::wstring& format,

@@ -28,8 +28,10 @@ public:
     HostServices& Services() { return m_services; }
     /// The sessions of this host. They are read when they are asked for first: a preview needs none of them.
     BatchRename::UndoStore& Journal();
-    /// `isRecorded`: with the undo journal.
+    /// `isRecorded`: with the undo journal, and then never without.
     BatchRename::RunSurroundings Surroundings(bool isRecorded);
+    /// False, with a note, when the journal could not be written.
+    bool IsRecorded();
 
     /// What the host does not know by itself, the library's providers may: they are loaded when a rule asks for it
     /// first.

@@ -60,7 +60,8 @@ int Restore(RenameHost& host, BatchRenameUndo& session) {
     const RestoreRows restore = MakeRestoreRows(session, ListFolderOnDisk);
     CRenameResultCallback results;
     const std::vector<RowOutcome> outcomes = RunRestore(session, restore, host.Surroundings(true), results);
-    return host.PrintOutcomes(restore.rows, outcomes, L"restored") ? ExitStatus::Done : ExitStatus::Failed;
+    const bool isDone = host.PrintOutcomes(restore.rows, outcomes, L"restored");
+    return host.IsRecorded() && isDone ? ExitStatus::Done : ExitStatus::Failed;
 }
 
 int Delete(RenameHost& host, Output& output, const SharedSession& session) {

@@ -49,6 +49,16 @@ public:
         return std::move(m_outcomes);
     }
 
+    /// Renames nothing, because the journal answers with this error.
+    std::vector<RowOutcome> Refuse(uint32_t code) {
+        for (size_t row = 0; row < m_rows.size(); ++row) {
+            EnterVerdict(row);
+            if (m_plan.rows[row].verdict == RowVerdict::Rename)
+                Fail(row, code, L"it could not be recorded for undo: " + DescribeCode(code));
+        }
+        return std::move(m_outcomes);
+    }
+
 private:
     /// A rename as the host gets it, with the texts that the record points to.
     struct Move {
@@ -242,6 +252,19 @@ void TrueUp(BatchRenameUndo& session, const RenameItems& rows, const std::vector
     }
 }
 
+/// Where each item of a session is when its restore begins. The rows know; an item that is in none of them is where the
+/// session left it.
+void EnterPositions(BatchRenameUndo& session, const RestoreRows& restore) {
+    if (!session.isUnfinished)
+        for (UndoEntry& entry : session.entries) entry.reached = entry.newName;
+    session.isUnfinished = true;
+    for (size_t row = 0; row < restore.rows.size(); ++row) {
+        UndoEntry& entry = session.entries[restore.entries[row]];
+        entry.reached = restore.rows[row]->currentName;
+        entry.begun.clear();
+    }
+}
+
 }  // namespace
 
 FolderNames ListFolderOnDisk(const std::wstring& folder) {
@@ -269,7 +292,9 @@ std::vector<RowOutcome> RunRenames(const RenameItems& rows, const CalendarTime& 
         progress = around.journal->Begin(session);
     }
     const bool isRecorded = static_cast<bool>(progress);
-    std::vector<RowOutcome> outcomes = Run(rows, around, std::move(progress), std::move(entries), std::move(plan)).Go();
+    const bool isRefused = session && !isRecorded && around.needsRecord;
+    Run run(rows, around, std::move(progress), std::move(entries), std::move(plan));
+    std::vector<RowOutcome> outcomes = isRefused ? run.Refuse(around.journal->LastError()) : run.Go();
     Report(rows, outcomes, results);
     if (!isRecorded) return outcomes;
     TrueUp(*session, rows, outcomes);
@@ -282,26 +307,27 @@ std::vector<RowOutcome> RunRenames(const RenameItems& rows, const CalendarTime& 
 
 std::vector<RowOutcome> RunRestore(BatchRenameUndo& session, const RestoreRows& restore, const RunSurroundings& around,
                                    CRenameResultCallback& results) {
-    // What the rows say is what counts from here: the record of a run that was killed ends with this restore.
-    for (size_t row = 0; row < restore.rows.size(); ++row) {
-        UndoEntry& entry = session.entries[restore.entries[row]];
-        entry.reached = restore.rows[row]->currentName;
-        entry.begun.clear();
-    }
-    session.isUnfinished = true;
+    RenamePlan plan = PlanNow(restore.rows, around.list);
+    // Without a step to take the record stays as it is: it may know what the names alone do not tell.
+    const bool changesNames = !plan.steps.empty();
     UndoProgress progress;
-    if (around.journal) progress = around.journal->BeginRestore(session);
-    std::vector<RowOutcome> outcomes =
-        Run(restore.rows, around, std::move(progress), restore.entries, PlanNow(restore.rows, around.list)).Go();
-    Report(restore.rows, outcomes, results);
-    bool isComplete = true;
-    for (size_t row = 0; row < restore.rows.size(); ++row) {
-        session.entries[restore.entries[row]].reached = outcomes[row].name;
-        isComplete = isComplete && outcomes[row].name == restore.rows[row]->newName;
+    if (changesNames) {
+        EnterPositions(session, restore);
+        if (around.journal) progress = around.journal->BeginRestore(session);
     }
-    // A restore that came to its end in part is kept as it stands: the names alone would not tell what is done.
+    const bool isRefused = changesNames && around.journal && !progress && around.needsRecord;
+    Run run(restore.rows, around, std::move(progress), restore.entries, std::move(plan));
+    std::vector<RowOutcome> outcomes = isRefused ? run.Refuse(around.journal->LastError()) : run.Go();
+    Report(restore.rows, outcomes, results);
+    if (!changesNames || isRefused) return outcomes;
+    for (size_t row = 0; row < restore.rows.size(); ++row)
+        session.entries[restore.entries[row]].reached = outcomes[row].name;
+    const bool isComplete =
+        results.FailedCount() == 0 &&
+        std::ranges::all_of(session.entries, [](const UndoEntry& entry) { return entry.reached == entry.oldName; });
+    // What was restored in part is kept as it stands: the names alone would not tell what is done.
     session.isUnfinished = !isComplete;
-    if (isComplete && results.FailedCount() == 0 && results.DoneCount() > 0) session.haveRestored = true;
+    session.haveRestored = session.haveRestored || isComplete;
     if (around.journal) around.journal->Write(session);
     return outcomes;
 }

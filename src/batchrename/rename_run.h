@@ -30,6 +30,7 @@ struct RunSurroundings {
     UndoStore* journal = nullptr;                  // null: the run is not recorded
     const std::atomic<bool>* isStopped = nullptr;  // looked at between rows, never inside a ring
     std::function<void()> onStep = {};             // after each rename that the host has carried out
+    bool needsRecord = false;                      // a run whose record cannot be begun renames nothing
 };
 
 /// Lists a folder of this machine.
@@ -37,12 +38,14 @@ FolderNames ListFolderOnDisk(const std::wstring& folder);
 
 /// Renames the rows. Each gets exactly one result, by its number in `rows`, through `results`, its state code, and an
 /// outcome here. `time`: of the session in the journal. Before the first rename the session with all planned rows is
-/// written; afterwards it is rewritten with those that were renamed, or deleted when none was.
+/// written; afterwards it is rewritten with those that were renamed, or deleted when none was. A run that needs its
+/// record and cannot have it fails all the rows that it would have renamed.
 std::vector<RowOutcome> RunRenames(const RenameItems& rows, const CalendarTime& time, const RunSurroundings& around,
                                    CRenameResultCallback& results);
 
 /// Gives the items of a session their old names back; the outcomes go by `restore.rows`. The session counts as restored
-/// when something was and nothing failed. A session that the journal knows is written anew.
+/// when something was and all its items have their old names. A session that the journal knows is written anew, unless
+/// there was nothing to do.
 std::vector<RowOutcome> RunRestore(BatchRenameUndo& session, const RestoreRows& restore, const RunSurroundings& around,
                                    CRenameResultCallback& results);
 

@@ -131,12 +131,14 @@ private:
     }
 
     /// The new name is gone and the old one there. In a session that was restored before, the old name being there is
-    /// enough: a second restore must not make two items that changed places change them again.
+    /// enough: a second restore must not make two items that changed places change them again. An unfinished one knows
+    /// better, item by item.
     bool IsAtOldName(size_t entry) {
         const UndoEntry& recorded = m_session.entries[entry];
         const WhereNow& place = m_places[entry];
         if (IsSameName(place.name, recorded.oldName)) return m_listings.Has(place.folder, recorded.oldName, false);
-        const bool isGone = m_session.haveRestored || !m_listings.Has(place.folder, place.name);
+        const bool isHomeByRecord = m_session.haveRestored && !m_session.isUnfinished;
+        const bool isGone = isHomeByRecord || !m_listings.Has(place.folder, place.name);
         return isGone && m_listings.Has(place.folder, recorded.oldName);
     }
 

@@ -15,6 +15,7 @@ namespace {
 constexpr std::wstring_view kInfo = L"[INFO]";
 constexpr std::wstring_view kFiles = L"[FILES]";
 constexpr std::wstring_view kUnfinished = L"# unfinished";
+constexpr std::wstring_view kReached = L"#@ ";
 constexpr std::wstring_view kStep = L"#> ";
 constexpr std::wstring_view kFailedStep = L"#= ";
 constexpr std::wstring_view kLineEnd = L"\r\n";
@@ -105,6 +106,10 @@ private:
     void ReadProgress(std::wstring_view line) {
         if (line == kUnfinished) {
             m_session.isUnfinished = true;
+        } else if (line.starts_with(kReached)) {
+            line.remove_prefix(kReached.size());
+            const auto number = TakeEntryNumber(line, m_session.entries.size());
+            if (number) m_session.entries[*number].reached = line;
         } else if (line.starts_with(kStep)) {
             line.remove_prefix(kStep.size());
             const auto number = TakeEntryNumber(line, m_session.entries.size());
@@ -140,6 +145,14 @@ void AppendLine(std::wstring& text, std::wstring_view line) {
     text += kLineEnd;
 }
 
+std::wstring FormatProgress(std::wstring_view mark, size_t entry, std::wstring_view name) {
+    std::wstring line(mark);
+    line += std::to_wstring(entry) + L'|';
+    line += name;
+    line += kLineEnd;
+    return line;
+}
+
 }  // namespace
 
 BatchRenameUndo RecordSession(const RenameItems& rows, bool onlyRenamed, const CalendarTime& time) {
@@ -169,16 +182,12 @@ std::wstring FormatSession(const BatchRenameUndo& session) {
     if (!session.isUnfinished) return text;
     AppendLine(text, kUnfinished);
     for (size_t at = 0; at < session.entries.size(); ++at)
-        if (!session.entries[at].reached.empty()) text += FormatStep(at, session.entries[at].reached);
+        if (!session.entries[at].reached.empty()) text += FormatProgress(kReached, at, session.entries[at].reached);
     return text;
 }
 
 std::wstring FormatStep(size_t entry, std::wstring_view name) {
-    std::wstring line(kStep);
-    line += std::to_wstring(entry) + L'|';
-    line += name;
-    line += kLineEnd;
-    return line;
+    return FormatProgress(kStep, entry, name);
 }
 
 std::wstring FormatFailedStep(size_t entry) {

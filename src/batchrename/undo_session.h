@@ -38,9 +38,10 @@ BatchRenameUndo RecordSession(const RenameItems& rows, bool onlyRenamed, const C
 
 /// The file's content: sections "[INFO]" and "[FILES]", each line ended by "\r\n".
 ///
-/// An unfinished session ends with lines that begin with "#", which every reader skips: a mark, and then one line for
-/// each step of the run, written before the step is taken. With them a run that was killed can be undone exactly, where
-/// the names alone would not tell whether two items have changed places already.
+/// An unfinished session ends with lines that begin with "#", which every reader skips: a mark, the name that each item
+/// has for certain, and then one line for each step of the run, written before the step is taken. With them a run that
+/// was killed can be undone exactly, where the names alone would not tell whether two items have changed places
+/// already. Whether the last step was taken, the record leaves open.
 std::wstring FormatSession(const BatchRenameUndo& session);
 
 /// The line that says: the item of this entry gets this name next.

@@ -1,6 +1,7 @@
 #include "batchrename/undo_store.h"
 
 #include <algorithm>
+#include <random>
 #include <string_view>
 
 #include "win32/files.h"
@@ -11,7 +12,6 @@
 namespace BatchRename {
 namespace {
 
-constexpr int kMostAttempts = 3;                      // to make a session's file in a folder that is in use
 constexpr uint64_t kLargestFile = 256 * 1024 * 1024;  // bytes; a session of a million long paths is below
 
 bool WriteAll(HANDLE file, std::wstring_view text) {
@@ -29,10 +29,18 @@ bool WriteAll(HANDLE file, std::wstring_view text) {
     return true;
 }
 
-/// The bytes are on disk when this succeeds. Windows error code, 0 for success.
+/// A name beside the file of a session that nobody else has or can foresee.
+std::wstring NameBeside(const std::wstring& path) {
+    std::random_device random;
+    std::wstring name = path + L'.';
+    for (int digit = 0; digit < 16; ++digit) name += L"0123456789abcdef"[random() % 16];
+    return name + L".new";
+}
+
+/// The file is new, and its bytes are on disk when this succeeds. Windows error code, 0 for success.
 uint32_t WriteNewFile(const std::wstring& path, std::wstring_view text) {
     const Win32::FileHandle file(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                                             CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+                                             CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file || !WriteAll(file.Get(), text) || !FlushFileBuffers(file.Get())) return GetLastError();
     return ERROR_SUCCESS;
 }
@@ -104,13 +112,12 @@ uint32_t UndoStore::WriteFileOf(BatchRenameUndo& session, bool mayReplace) {
     if (m_folder.empty()) return m_lastError = ERROR_PATH_NOT_FOUND;
     MakeFolder(m_folder);
     const std::wstring path = PathOf(session);
-    const std::wstring beside = path + L".new";
+    const std::wstring beside = NameBeside(path);
     m_lastError = WriteNewFile(beside, FormatSession(session));
-    // A file that another program is writing this moment (32) is not ours to remove.
-    const bool isOurs = m_lastError != ERROR_SHARING_VIOLATION;
+    if (m_lastError == ERROR_FILE_EXISTS) return m_lastError;  // not ours to remove
     if (m_lastError == ERROR_SUCCESS)
         m_lastError = mayReplace ? Win32::MoveFileOver(beside, path) : Win32::MoveFileTo(beside, path);
-    if (m_lastError != ERROR_SUCCESS && isOurs) Win32::RemoveFile(beside);
+    if (m_lastError != ERROR_SUCCESS) Win32::RemoveFile(beside);
     return m_lastError;
 }
 
@@ -123,28 +130,26 @@ UndoProgress UndoStore::OpenAtEnd(BatchRenameUndo& session) {
 
 UndoProgress UndoStore::Begin(const std::shared_ptr<BatchRenameUndo>& session) {
     session->isUnfinished = true;
-    for (int attempt = 1;; ++attempt) {
-        const uint32_t error = WriteFileOf(*session, false);
-        if (error == ERROR_SUCCESS) {
-            m_sessions.insert(m_sessions.begin(), session);
-            return OpenAtEnd(*session);
-        }
-        // A folder that somebody keeps shut must not keep the run waiting for ever.
-        const bool isHeld = error == ERROR_SHARING_VIOLATION && attempt < kMostAttempts;
-        if (error != ERROR_ALREADY_EXISTS && !isHeld) return {};
+    while (WriteFileOf(*session, false) == ERROR_ALREADY_EXISTS) {
         // Another run of this second has the name. The session's own time counts on, because the clock may have been
         // set back.
-        Sleep(static_cast<DWORD>(1000 - std::clamp(session->time.millisecond, 0, 999)));
         session->time = TimeOfSeconds(SecondsOf(session->time) + 1);
         session->fileName.clear();
+        const CalendarTime now = LocalTimeNow();
+        if (SecondsOf(session->time) > SecondsOf(now)) Sleep(static_cast<DWORD>(1000 - now.millisecond));
     }
+    if (m_lastError != ERROR_SUCCESS) return {};
+    UndoProgress progress = OpenAtEnd(*session);
+    if (!progress) {
+        // What cannot be kept true must not stay as a record of something planned.
+        Win32::RemoveFile(PathOf(*session));
+        return {};
+    }
+    m_sessions.insert(m_sessions.begin(), session);
+    return progress;
 }
 
 UndoProgress UndoStore::BeginRestore(BatchRenameUndo& session) {
-    if (!session.isUnfinished) {
-        session.isUnfinished = true;
-        for (UndoEntry& entry : session.entries) entry.reached = entry.newName;
-    }
     if (Write(session) != ERROR_SUCCESS) return {};
     return OpenAtEnd(session);
 }

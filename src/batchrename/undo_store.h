@@ -38,8 +38,8 @@ public:
     const std::vector<std::shared_ptr<BatchRenameUndo>>& Sessions() const { return m_sessions; }
 
     /// Writes the session of a run that is about to begin, as unfinished, and adds it to the list. Its file is new:
-    /// when a session of the same second has the name, this waits for the next second. Without a handle in the result
-    /// the file could not be made; the run goes on all the same.
+    /// when a session of the same second has the name, this waits for the next second. A result that is empty means
+    /// that there is no record.
     UndoProgress Begin(const std::shared_ptr<BatchRenameUndo>& session);
 
     /// The same for the restoring of a session that is in the list: its file is rewritten.

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "host_runner.h"
+#include "win32/handle.h"
 #include "win32/windows.h"
 
 namespace {
@@ -114,6 +115,39 @@ TEST_F(RenameCommand, RenamesRingsShiftsAndCaseOnRealFilesAndRestoresThem) {
     }
 }
 
+TEST_F(RenameCommand, RestoresWhatAFailedRestoreLeft) {
+    const Words names = {L"a", L"b", L"c", L"d"};
+    Fill(names);
+    const Words swaps = {L"--regex",   L"--find",    L"^a$",       L"--replace", L"1",         L"--find",    L"^b$",
+                         L"--replace", L"a",         L"--find",    L"^1$",       L"--replace", L"b",         L"--find",
+                         L"^c$",       L"--replace", L"1",         L"--find",    L"^d$",       L"--replace", L"c",
+                         L"--find",    L"^1$",       L"--replace", L"d"};
+    EXPECT_EQ(Rename(names, swaps).status, 0);
+    EXPECT_EQ(m_files.Read(L"a") + m_files.Read(L"d"), "bc");
+    const Words restore = {L"undo", L"restore", L"last"};
+    const auto held = [](const std::wstring& path) {
+        return Win32::FileHandle(
+            CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    };
+    {
+        const Win32::FileHandle file = held(m_files / L"c");
+        EXPECT_EQ(m_host.Run(restore).status, 1);
+        EXPECT_EQ(m_files.Read(L"a") + m_files.Read(L"d"), "ac");
+    }
+    {
+        const std::string list = m_host.Run({L"undo"}).out;
+        const std::wstring session(list.begin(), list.begin() + static_cast<ptrdiff_t>(list.find('\t')));
+        const Win32::FileHandle record = held(m_host.Folder() / L"config\\Undo\\" + session);
+        EXPECT_EQ(m_host.Run(restore).status, 1);
+        EXPECT_EQ(m_files.Read(L"a") + m_files.Read(L"d"), "ac") << "restored without a record";
+    }
+    EXPECT_EQ(m_host.Run(restore).status, 0);
+    for (const std::wstring& name : names) EXPECT_EQ(m_files.Read(name), ContentOf(name));
+    EXPECT_NE(m_host.Run({L"undo"}).out.find("\trestored\n"), std::string::npos);
+    EXPECT_EQ(m_host.Run(restore).status, 0);
+    for (const std::wstring& name : names) EXPECT_EQ(m_files.Read(name), ContentOf(name));
+}
+
 TEST_F(RenameCommand, FollowsAFolderThatIsRenamedWithItsContent) {
     CreateDirectoryW((m_files / L"sub").c_str(), nullptr);
     m_files.Write(L"sub\\x.txt", "x");
@@ -195,7 +229,9 @@ TEST_F(RenameCommand, ListsSessionsAndLeavesNoneWhenAskedNotTo) {
     const HostRun unrecorded =
         Rename({L"a2"}, {L"--name", L"a3", L"--config", BesideThisProgram(L"test_batchrename.exe")});
     EXPECT_EQ(unrecorded.status, 1) << "a file is no folder for settings";
+    EXPECT_TRUE(unrecorded.out.starts_with("a2\ta3\tfailed: it could not be recorded for undo")) << unrecorded.out;
     EXPECT_NE(unrecorded.error.find("could not be recorded"), std::string::npos) << unrecorded.error;
+    EXPECT_EQ(m_files.List(), (Words{L"a2", L"b"}));
     EXPECT_EQ(m_host.Run({L"undo", L"list"}).out, "");
     Rename({L"b"}, {L"--name", L"b2"});
     const std::string list = m_host.Run({L"undo"}).out;

@@ -1,5 +1,8 @@
 #include "batchrename/rename_run.h"
 
+#include <algorithm>
+#include <random>
+
 #include <gtest/gtest.h>
 
 #include "rows.h"
@@ -59,11 +62,14 @@ public:
     }
     /// Restores the newest session, as it is on disk.
     std::vector<RowOutcome> Restore() {
+        const auto session = Sessions().at(0);
+        return Restore(*session, MakeRestoreRows(*session, disk.Lister()));
+    }
+    std::vector<RowOutcome> Restore(BatchRenameUndo& session, const RestoreRows& restore) {
         UndoStore store;
         store.SetFolder(JournalFolder());
         CRenameResultCallback restored;
-        BatchRenameUndo& session = *store.Sessions().at(0);
-        return RunRestore(session, MakeRestoreRows(session, disk.Lister()), {disk, disk.Lister(), &store}, restored);
+        return RunRestore(session, restore, {disk, disk.Lister(), &store}, restored);
     }
     /// All sessions, as they are on disk.
     std::vector<std::shared_ptr<BatchRenameUndo>> Sessions() const {
@@ -121,6 +127,73 @@ TEST(RunRestore, HasNothingToDoOnceAllIsBack) {
         EXPECT_EQ(scene.disk.items, scene.before) << world.why;
         EXPECT_TRUE(scene.Sessions().at(0)->haveRestored) << world.why;
     }
+}
+
+TEST(RunRestore, BringsAllHomeAfterAnyMishaps) {
+    std::mt19937 random(20260301);
+    const auto pick = [&](size_t count) { return static_cast<int>(random() % count); };
+    for (int number = 0; number < 100; ++number) {
+        // Any names change places, and some go to new ones.
+        World world{"", {}, {}};
+        const int count = 2 + pick(number % 50 == 0 ? 60 : 7);
+        for (int at = 0; at < count; ++at) world.newNames.push_back(L"n" + std::to_wstring(at + (pick(9) == 0) * 100));
+        for (int at = 0; at < count; ++at) world.disk.emplace_back(kFolder, L"n" + std::to_wstring(at));
+        std::ranges::shuffle(world.newNames, random);
+        Scene scene(world);
+        // Each of the runs but the last may meet held items, die in the middle, or both.
+        const int mishaps = 1 + pick(4);
+        for (int run = 0; run <= mishaps + 1; ++run) {
+            const bool isFree = run >= mishaps;
+            scene.disk.locked.clear();
+            for (int at = 1; at <= count && !isFree; ++at)
+                if (run > 0 && pick(4) == 0) scene.disk.locked.insert(at);
+            const int crash = scene.disk.stepCount + pick(static_cast<size_t>(count) * 2);
+            const bool dies = !isFree && pick(2) == 0;
+            scene.disk.crashBefore = dies && pick(2) == 0 ? crash : -1;
+            scene.disk.crashAfter = dies && scene.disk.crashBefore < 0 ? crash : -1;
+            const std::vector<DiskItem> found = scene.disk.items;
+            try {
+                if (run == 0)
+                    scene.Rename();
+                else
+                    scene.Restore();
+            } catch (const Crash&) {
+            }
+            if (scene.Sessions().empty()) break;  // every item was to keep its name
+            if (run < mishaps) continue;
+            ASSERT_EQ(scene.disk.items, scene.before) << "world " << number << ", run " << run;
+            if (run == mishaps) continue;
+            ASSERT_EQ(found, scene.before) << "a restore with nothing to do did something";
+        }
+    }
+}
+
+TEST(RunRestore, LeavesARecordAloneThatNamesNothingToDo) {
+    Scene scene(kWorlds[1]);
+    scene.disk.crashBefore = 0;
+    EXPECT_THROW(scene.Rename(), Crash);
+    scene.disk.crashBefore = -1;
+    for (int restore = 0; restore < 3; ++restore) {
+        for (const RowOutcome& outcome : scene.Restore()) EXPECT_EQ(outcome.code, Quorvane::SDK::RenameResult::Ignored);
+        EXPECT_EQ(scene.disk.items, scene.before);
+        EXPECT_FALSE(scene.Sessions().at(0)->haveRestored);
+    }
+}
+
+TEST(RunRestore, OfSomeRowsKeepsTheOthersForLater) {
+    Scene scene(kWorlds[6]);
+    scene.Rename();
+    for (const bool isWhole : {false, true}) {
+        const auto session = scene.Sessions().at(0);
+        RestoreRows restore = MakeRestoreRows(*session, scene.disk.Lister());
+        if (!isWhole) {  // the two that changed places first
+            restore.rows.erase(restore.rows.begin(), restore.rows.end() - 2);
+            restore.entries.erase(restore.entries.begin(), restore.entries.end() - 2);
+        }
+        scene.Restore(*session, restore);
+        EXPECT_EQ(scene.Sessions().at(0)->haveRestored, isWhole);
+    }
+    EXPECT_EQ(scene.disk.items, scene.before);
 }
 
 TEST(RunRenames, WritesTheSessionBeforeTheFirstRenameAndTruesItUp) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -29,6 +30,7 @@ public:
     std::vector<DiskItem> items;
     int stepCount = 0;
     std::function<uint32_t(int step)> failure = [](int) { return 0u; };  // error of the step with this number
+    std::set<int> locked;                                                // contents of items that somebody holds
     int crashBefore = -1;                                                // announced, not done
     int crashAfter = -1;                                                 // done, not reported
 
@@ -78,6 +80,7 @@ private:
         for (DiskItem& item : items)
             if (BatchRename::IsSameName(item.location + L"\\" + item.name, path)) found = &item;
         if (!found) return 2;
+        if (locked.contains(found->content)) return 32;
         for (const DiskItem& item : items)
             if (&item != found && BatchRename::IsSameName(item.location, found->location) &&
                 BatchRename::IsSameName(item.name, newName))

@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <array>
+#include <thread>
+
 #include <gtest/gtest.h>
 
 #include "batchrename/undo_session.h"
@@ -110,17 +114,34 @@ TEST(UndoStore, WritesNothingWhereThereIsNoFolder) {
     EXPECT_EQ(store.LastError(), ERROR_PATH_NOT_FOUND);
 }
 
-TEST(UndoStore, NeverPutsTwoSessionsIntoOneFile) {
+TEST(UndoStore, GivesEachRunAFileOfItsOwn) {
     const TemporaryFolder folder;
-    UndoStore store;
-    store.SetFolder(folder.Path());
-    for (int run = 0; run < 2; ++run) {
-        const auto session = std::make_shared<BatchRenameUndo>(Sample());
-        session->time.millisecond = 999;
-        EXPECT_TRUE(store.Begin(session));
+    folder.Write(L"BatchRenameUndoData-2016-03-07-142905.dat.new", "another's");
+    constexpr size_t kRuns = 8;
+    std::array<std::shared_ptr<BatchRenameUndo>, kRuns> sessions;
+    {
+        std::vector<std::jthread> threads;
+        for (auto& session : sessions)
+            threads.emplace_back([&] {
+                UndoStore store;
+                store.SetFolder(folder.Path());
+                session = std::make_shared<BatchRenameUndo>(Sample());
+                UndoProgress progress = store.Begin(session);
+                progress.Step(0, session->fileName);
+                EXPECT_EQ(store.LastError(), 0u);
+            });
     }
-    EXPECT_EQ(folder.List(), (std::vector<std::wstring>{L"BatchRenameUndoData-2016-03-07-142905.dat",
-                                                        L"BatchRenameUndoData-2016-03-07-142906.dat"}));
+    std::vector<std::wstring> names = {L"BatchRenameUndoData-2016-03-07-142905.dat.new"};
+    for (const auto& session : sessions) {
+        names.push_back(session->fileName);
+        BatchRenameUndo written;
+        ParseSession(DecodeSession(folder.Read(session->fileName)), written);
+        EXPECT_EQ(written.entries.at(0).begun, session->fileName);
+        EXPECT_EQ(written.time.second, session->time.second);
+    }
+    std::ranges::sort(names);
+    EXPECT_EQ(folder.List(), names);
+    EXPECT_EQ(folder.Read(names[0] + L".new"), "another's");
 }
 
 }  // namespace
