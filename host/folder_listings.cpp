@@ -74,22 +74,38 @@ FolderListings::Folder& FolderListings::WaitFor(size_t number) {
 BatchRename::FolderNames FolderListings::Take(size_t number) {
     Folder& folder = WaitFor(number);
     folder.attributes = {};
+    folder.isFound = {};
     folder.slots = {};
     return {folder.path, std::move(folder.names), folder.error};
 }
 
-uint32_t FolderListings::AttributesOf(size_t number, std::wstring_view name) {
+ListedItem FolderListings::Find(size_t number, std::wstring& name) {
     Folder& folder = WaitFor(number);
     // Here and not by the threads that list, for which everybody waits.
     if (folder.slots.empty()) EnterNames(folder);
-    const uint32_t entry = folder.slots[SlotOf(folder, name)];
-    if (entry != kNoEntry) return folder.attributes[entry];
-    // Spelled in another case, given by its short name, or not there.
-    return GetFileAttributesW(Win32::ExtendedPath(Win32::JoinPath(folder.path, name)).c_str());
+    ListedItem item;
+    uint32_t entry = folder.slots[SlotOf(folder, name)];
+    if (entry == kNoEntry) {
+        // Spelled in another case, given by its short name, or not there.
+        item.attributes = GetFileAttributesW(Win32::ExtendedPath(Win32::JoinPath(folder.path, name)).c_str());
+        std::vector<std::wstring> spellings;
+        const bool isSpelled = item.attributes != INVALID_FILE_ATTRIBUTES &&
+                               Win32::ListFolder(folder.path, name, spellings) == ERROR_SUCCESS &&
+                               spellings.size() == 1;
+        if (!isSpelled) return item;
+        name = std::move(spellings.front());
+        entry = folder.slots[SlotOf(folder, name)];
+        if (entry == kNoEntry) return item;  // made since the folder was listed
+    }
+    item.attributes = folder.attributes[entry];
+    item.isRepeated = folder.isFound[entry];
+    folder.isFound[entry] = true;
+    return item;
 }
 
 void FolderListings::EnterNames(Folder& folder) {
     const size_t count = folder.attributes.size();
+    folder.isFound.assign(count, false);
     folder.slots.assign(std::bit_ceil(2 * count + 1), kNoEntry);
     for (size_t entry = 0; entry < count; ++entry)
         folder.slots[SlotOf(folder, folder.names[entry])] = static_cast<uint32_t>(entry);

@@ -18,6 +18,12 @@
 
 namespace QVHost {
 
+/// An item that was asked for.
+struct ListedItem {
+    uint32_t attributes = INVALID_FILE_ATTRIBUTES;  // as the system gives them; this when there is no such item
+    bool isRepeated = false;                        // it was asked for before, in whatever spelling
+};
+
 /// For one thread; those that list are its own.
 class FolderListings {
 public:
@@ -37,8 +43,9 @@ public:
     /// What the folder holds, for the caller to keep, as soon as it is known. Nobody may ask for it any more.
     BatchRename::FolderNames Take(size_t folder);
 
-    /// The attributes of an item as the system gives them; INVALID_FILE_ATTRIBUTES when there is none.
-    uint32_t AttributesOf(size_t folder, std::wstring_view name);
+    /// Looks for an item, and gives `name` the spelling that the folder shows: it may have come in another case, or as
+    /// a short name.
+    ListedItem Find(size_t folder, std::wstring& name);
 
 private:
     static constexpr uint32_t kNoEntry = UINT32_MAX;
@@ -47,6 +54,7 @@ private:
         std::wstring path;
         Win32::NameList names;
         std::vector<uint32_t> attributes;  // one for each name
+        std::vector<bool> isFound;         // the same; empty until somebody asks
         uint32_t error = ERROR_SUCCESS;
         std::vector<uint32_t> slots;  // the names by their hashes; empty until somebody asks
         std::atomic<bool> isListed = false;

@@ -146,9 +146,10 @@ RenameItems MakeRows(SelectedRows& selection, RenameRule& rule) {
     RenameItems rows;
     rows.reserve(selection.Count());
     for (size_t row = 0; row < selection.Count(); ++row) {
-        rows.push_back(std::make_shared<BatchRenameItem>());
-        selection.Fill(row, *rows.back());
-        rule.Compute(*rows.back());
+        auto item = std::make_shared<BatchRenameItem>();
+        if (!selection.Fill(row, *item)) continue;
+        rule.Compute(*item);
+        rows.push_back(std::move(item));
     }
     return rows;
 }

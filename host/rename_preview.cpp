@@ -71,20 +71,25 @@ bool ShowNext(FolderRows& folder, HeldLines& lines, RenameItems& spare) {
 bool PrintPreview(SelectedRows& selection, RenameRule& rule, RenameHost& host) {
     std::vector<FolderRows> folders(selection.CountOfFolders());
     for (size_t row = 0; row < selection.Count(); ++row) ++folders[selection.FolderOf(row)].missing;
+    std::vector<FolderRows*> order;  // of the rows
+    order.reserve(selection.Count());
     HeldLines lines;
     RenameItems spare;  // rows whose memory serves again: taking and freeing it would be a third of the work on a row
     bool isDone = true;
     size_t shown = 0;
     for (size_t row = 0; row < selection.Count(); ++row) {
         FolderRows& folder = folders[selection.FolderOf(row)];
-        folder.rows.push_back(spare.empty() ? std::make_shared<BatchRenameItem>() : std::move(spare.back()));
-        if (!spare.empty()) spare.pop_back();
-        selection.Fill(row, *folder.rows.back());
-        rule.Compute(*folder.rows.back());
+        if (spare.empty()) spare.push_back(std::make_shared<BatchRenameItem>());
+        if (selection.Fill(row, *spare.back())) {
+            rule.Compute(*spare.back());
+            folder.rows.push_back(std::move(spare.back()));
+            spare.pop_back();
+            order.push_back(&folder);
+        }
         if (--folder.missing == 0)
             folder.plan = PlanRenames(folder.rows, {selection.TakeNames(selection.FolderOf(row))});
-        for (; shown <= row && folders[selection.FolderOf(shown)].missing == 0; ++shown)
-            isDone = ShowNext(folders[selection.FolderOf(shown)], lines, spare) && isDone;
+        for (; shown < order.size() && order[shown]->missing == 0; ++shown)
+            isDone = ShowNext(*order[shown], lines, spare) && isDone;
     }
     lines.Print(host.State().output);
     return isDone;

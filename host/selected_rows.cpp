@@ -31,12 +31,14 @@ uint32_t SelectedRows::LocationNumberOf(std::wstring_view path) {
     return number->second;
 }
 
-void SelectedRows::Fill(size_t row, BatchRename::BatchRenameItem& item) {
+bool SelectedRows::Fill(size_t row, BatchRename::BatchRenameItem& item) {
     item.location = m_locations[m_locationOf[row]].path;
     item.currentName = m_names[row];
-    const uint32_t attributes = m_listings.AttributesOf(FolderOf(row), item.currentName);
-    if (attributes == INVALID_FILE_ATTRIBUTES) RefuseMissingPath(Win32::JoinPath(item.location, item.currentName));
-    item.isFolder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    const ListedItem found = m_listings.Find(FolderOf(row), item.currentName);
+    if (found.attributes == INVALID_FILE_ATTRIBUTES)
+        RefuseMissingPath(Win32::JoinPath(item.location, item.currentName));
+    item.isFolder = (found.attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    return !found.isRepeated;
 }
 
 BatchRename::FolderNames SelectedRows::TakeNames(size_t folder) {

@@ -24,9 +24,10 @@ public:
     size_t CountOfFolders() const { return m_listings.Count(); }
     size_t FolderOf(size_t row) const { return m_locations[m_locationOf[row]].folder; }
 
-    /// Makes `item` the row of a path; what a rule sets stays as it is.
+    /// Makes `item` the row of a path, under the name that its folder shows; what a rule sets stays as it is. Once for
+    /// each row. False for an item that an earlier row stands for: it counts once.
     /// @throws UsageError for a path that leads to nothing
-    void Fill(size_t row, BatchRename::BatchRenameItem& item);
+    bool Fill(size_t row, BatchRename::BatchRenameItem& item);
 
     /// What a folder holds, once, and behind the last of its rows.
     BatchRename::FolderNames TakeNames(size_t folder);

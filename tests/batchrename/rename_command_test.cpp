@@ -69,6 +69,20 @@ TEST_F(RenameCommand, PreviewsRowsOfManyFoldersInTheirOrder) {
     EXPECT_EQ(none.status, 2);
 }
 
+TEST_F(RenameCommand, TakesTheNameOnDiskAndEachItemOnce) {
+    Fill({L"photo.jpg", L"b"});
+    const Words listed = {L"PHOTO.JPG", L"b", L"photo.jpg", L"B", L"Photo.jpg"};
+    const char expected[] = "photo.jpg\tphoto-1.jpg\trename\nb\tb-2\trename\n";
+    const Words options = {L"--name", L"[N]-[C1,1,1]"};
+    EXPECT_EQ(Preview(listed, options), expected);
+    const HostRun run = Rename(listed, options);
+    EXPECT_EQ(run.status, 0) << run.out;
+    EXPECT_EQ(m_files.List(), (Words{L"b-2", L"photo-1.jpg"}));
+    EXPECT_EQ(m_host.Run({L"undo", L"restore", L"last"}).status, 0);
+    EXPECT_EQ(m_files.List(), (Words{L"b", L"photo.jpg"}));
+    EXPECT_EQ(Preview({L"PHOTO.JPG"}, {}), "photo.jpg\tphoto.jpg\tignored: the name stays the same\n");
+}
+
 TEST_F(RenameCommand, PrintsEachRowsVerdict) {
     const Words names = {L"a", L"b", L"c", L"taken"};
     Fill(names);
