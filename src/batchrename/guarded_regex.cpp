@@ -4,6 +4,7 @@
 #include <iterator>
 #include <locale>
 
+#include "batchrename/pattern_size.h"
 #include "win32/stack.h"
 
 namespace BatchRename {
@@ -16,6 +17,15 @@ constexpr size_t kStackReserve = 192 * 1024;  // bytes: for unwinding, and for w
 // Compiling recurses for each term of a sequence (128 bytes were measured) and for each group (500).
 constexpr size_t kStackForATerm = 160;   // bytes
 constexpr size_t kStackForAGroup = 640;  // bytes
+constexpr size_t kStackForATurn = 512;   // bytes; 440 were measured
+
+// Beginning a search, or a lookahead, takes the time of a step for every so many states of the expression, and a group
+// the time of so many states; a class the time of a step for every so many units. Upper values of measurements.
+constexpr uint64_t kStatesForAStep = 8;
+constexpr uint64_t kStatesForAGroup = 8;
+constexpr uint64_t kUnitsForAStep = 16;
+constexpr uint64_t kMostStates = 100'000;                 // the engine's own limit
+constexpr uint64_t kMostStatesOfLookaheads = 16'000'000;  // all that can be begun between two looks at the text
 
 struct Budget {
     int64_t steps;
@@ -122,6 +132,13 @@ const std::locale& ExactLocale() {
     return locale;
 }
 
+/// The same for expressions that ignore case: a locale is all that the engine hands from an expression to its traits.
+const std::locale& LocaleThatIgnoresCase() {
+    static ExactNarrowing facet;
+    static const std::locale locale(std::locale::classic(), &facet);
+    return locale;
+}
+
 std::wstring DescribeFault(std::regex_constants::error_type code) {
     using namespace std::regex_constants;
     const struct {
@@ -147,6 +164,10 @@ std::wstring DescribeFault(std::regex_constants::error_type code) {
     return L"the expression is not valid";
 }
 
+uint64_t SearchCostOf(const PatternSize& size) {
+    return std::min(size.states, kMostStates) + size.groups * kStatesForAGroup;
+}
+
 /// How deep the pattern's groups are nested at most. A "(" that is escaped or in a class counts too: near enough.
 int NestingOf(const std::wstring& pattern) {
     int depth = 0;
@@ -158,27 +179,38 @@ int NestingOf(const std::wstring& pattern) {
     return deepest;
 }
 
-/// @throws RegexFault when compiling could run out of stack
-void CheckSize(const std::wstring& pattern) {
+/// @throws RegexFault when compiling or running it could run out of stack, or a look at the text come too late
+void CheckSize(const std::wstring& pattern, const PatternSize& size, size_t stackForTurns) {
     if (pattern.size() > kLongestPattern)
         throw RegexFault(L"the expression is longer than " + std::to_wstring(kLongestPattern) + L" characters");
     const int nesting = NestingOf(pattern);
     if (nesting > kDeepestNesting)
         throw RegexFault(L"the expression is nested deeper than " + std::to_wstring(kDeepestNesting) + L" groups");
-    const size_t needed =
-        kStackReserve + pattern.size() * kStackForATerm + static_cast<size_t>(nesting) * kStackForAGroup;
+    const size_t toCompile = pattern.size() * kStackForATerm + static_cast<size_t>(nesting) * kStackForAGroup;
+    const size_t needed = kStackReserve + std::max(toCompile, stackForTurns);
     if (static_cast<const char*>(__builtin_frame_address(0)) < Win32::StackFloor(needed))
         throw RegexFault(L"the expression is too long or nested too deeply");
+    if (size.lookaheads * SearchCostOf(size) > kMostStatesOfLookaheads)
+        throw RegexFault(DescribeFault(std::regex_constants::error_complexity));
 }
 
 }  // namespace
 
+NameRegexTraits::locale_type NameRegexTraits::imbue(locale_type locale) {
+    m_ignoresCase = locale == LocaleThatIgnoresCase();
+    return Base::imbue(std::move(locale));
+}
+
 GuardedRegex::GuardedRegex(const std::wstring& pattern, bool isCaseSensitive) {
-    CheckSize(pattern);
+    const PatternSize size = PatternSizeOf(pattern);
+    m_searchCost = SearchCostOf(size);
+    m_stepCost = 1 + size.lookaheads * m_searchCost / kStatesForAStep / 2 + size.longestClass / kUnitsForAStep;
+    m_stackForTurns = static_cast<size_t>(size.turns) * kStackForATurn;
+    CheckSize(pattern, size, m_stackForTurns);
     auto flags = std::regex_constants::ECMAScript;
     if (!isCaseSensitive) flags |= std::regex_constants::icase;
     try {
-        m_regex.imbue(ExactLocale());
+        m_regex.imbue(isCaseSensitive ? ExactLocale() : LocaleThatIgnoresCase());
         m_regex.assign(pattern, flags);
     } catch (const std::regex_error& error) {
         throw RegexFault(DescribeFault(error.code()));
@@ -187,7 +219,12 @@ GuardedRegex::GuardedRegex(const std::wstring& pattern, bool isCaseSensitive) {
 
 RuleFault GuardedRegex::Replace(const std::wstring& text, const std::wstring& replacement, std::wstring& result) const {
     result.clear();
-    Budget budget = {kStepsForAText, Win32::StackFloor(kStackReserve)};
+    // Every place of the text may begin a search.
+    const auto searches = static_cast<int64_t>(text.size() * m_searchCost / kStatesForAStep);
+    Budget budget = {(kStepsForAText - searches) / static_cast<int64_t>(m_stepCost),
+                     Win32::StackFloor(kStackReserve + m_stackForTurns)};
+    if (static_cast<const char*>(__builtin_frame_address(0)) < budget.stackFloor) return RuleFault::TooDeep;
+    if (budget.steps <= 0) return RuleFault::TooComplex;
     const GuardedPlace begin(text.data(), budget);
     const GuardedPlace end(text.data() + text.size(), budget);
     try {
