@@ -28,6 +28,7 @@ void RunUndoSession(Bytes bytes) {
         const UndoEntry& right = session.entries[at];
         Require(left.location == right.location && left.oldName == right.oldName && left.newName == right.newName,
                 "an entry is read as it was written");
+        Require(!session.isUnfinished || left.reached == right.reached, "and so is where its item is");
     }
     Require(again.haveRestored == session.haveRestored && SecondsOf(again.time) == SecondsOf(session.time),
             "so is what stands above");

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <locale>
+#include <string_view>
 
 #include "batchrename/pattern_size.h"
 #include "win32/stack.h"
@@ -198,7 +199,10 @@ void CheckSize(const std::wstring& pattern, const PatternSize& size, size_t stac
 
 NameRegexTraits::locale_type NameRegexTraits::imbue(locale_type locale) {
     m_ignoresCase = locale == LocaleThatIgnoresCase();
-    return Base::imbue(std::move(locale));
+    locale = Base::imbue(std::move(locale));
+    constexpr std::wstring_view kWord = L"w";
+    m_word = LookUp(kWord.begin(), kWord.end(), false);
+    return locale;
 }
 
 GuardedRegex::GuardedRegex(const std::wstring& pattern, bool isCaseSensitive) {

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <regex>
 #include <stdexcept>
 #include <string>
@@ -67,6 +68,14 @@ public:
     }
     template <class Iterator>
     char_class_type lookup_classname(Iterator first, Iterator last, bool ignoresCase = false) const {
+        // The engine asks for this one twice wherever a text is looked at for the border of a word.
+        const bool isWord = std::distance(first, last) == 1 && *first == L'w';
+        return isWord ? m_word : LookUp(first, last, ignoresCase);
+    }
+
+private:
+    template <class Iterator>
+    char_class_type LookUp(Iterator first, Iterator last, bool ignoresCase) const {
         char_class_type found;
         found.base = Base::lookup_classname(first, last, ignoresCase);
         for (wchar_t unit = 0; unit < 0x80; ++unit)
@@ -74,8 +83,8 @@ public:
         return found;
     }
 
-private:
     bool m_ignoresCase = false;
+    char_class_type m_word;
 };
 
 /// One compiled expression of the ECMAScript grammar. Ignoring case folds A to Z.
