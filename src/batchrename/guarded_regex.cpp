@@ -18,7 +18,7 @@ constexpr size_t kStackReserve = 192 * 1024;  // bytes: for unwinding, and for w
 // Compiling recurses for each term of a sequence (128 bytes were measured) and for each group (500).
 constexpr size_t kStackForATerm = 160;   // bytes
 constexpr size_t kStackForAGroup = 640;  // bytes
-constexpr size_t kStackForATurn = 512;   // bytes; 440 were measured
+constexpr size_t kStackForACall = 512;   // bytes; 440 were measured
 
 // Beginning a search, or a lookahead, takes the time of a step for every so many states of the expression, and a group
 // the time of so many states; a class the time of a step for every so many units. Upper values of measurements.
@@ -181,14 +181,14 @@ int NestingOf(const std::wstring& pattern) {
 }
 
 /// @throws RegexFault when compiling or running it could run out of stack, or a look at the text come too late
-void CheckSize(const std::wstring& pattern, const PatternSize& size, size_t stackForTurns) {
+void CheckSize(const std::wstring& pattern, const PatternSize& size, size_t stackForCalls) {
     if (pattern.size() > kLongestPattern)
         throw RegexFault(L"the expression is longer than " + std::to_wstring(kLongestPattern) + L" characters");
     const int nesting = NestingOf(pattern);
     if (nesting > kDeepestNesting)
         throw RegexFault(L"the expression is nested deeper than " + std::to_wstring(kDeepestNesting) + L" groups");
     const size_t toCompile = pattern.size() * kStackForATerm + static_cast<size_t>(nesting) * kStackForAGroup;
-    const size_t needed = kStackReserve + std::max(toCompile, stackForTurns);
+    const size_t needed = kStackReserve + std::max(toCompile, stackForCalls);
     if (static_cast<const char*>(__builtin_frame_address(0)) < Win32::StackFloor(needed))
         throw RegexFault(L"the expression is too long or nested too deeply");
     if (size.lookaheads * SearchCostOf(size) > kMostStatesOfLookaheads)
@@ -209,8 +209,8 @@ GuardedRegex::GuardedRegex(const std::wstring& pattern, bool isCaseSensitive) {
     const PatternSize size = PatternSizeOf(pattern);
     m_searchCost = SearchCostOf(size);
     m_stepCost = 1 + size.lookaheads * m_searchCost / kStatesForAStep / 2 + size.longestClass / kUnitsForAStep;
-    m_stackForTurns = static_cast<size_t>(size.turns) * kStackForATurn;
-    CheckSize(pattern, size, m_stackForTurns);
+    m_stackForCalls = static_cast<size_t>(size.uncheckedCalls) * kStackForACall;
+    CheckSize(pattern, size, m_stackForCalls);
     auto flags = std::regex_constants::ECMAScript;
     if (!isCaseSensitive) flags |= std::regex_constants::icase;
     try {
@@ -226,7 +226,7 @@ RuleFault GuardedRegex::Replace(const std::wstring& text, const std::wstring& re
     // Every place of the text may begin a search.
     const auto searches = static_cast<int64_t>(text.size() * m_searchCost / kStatesForAStep);
     Budget budget = {(kStepsForAText - searches) / static_cast<int64_t>(m_stepCost),
-                     Win32::StackFloor(kStackReserve + m_stackForTurns)};
+                     Win32::StackFloor(kStackReserve + m_stackForCalls)};
     if (static_cast<const char*>(__builtin_frame_address(0)) < budget.stackFloor) return RuleFault::TooDeep;
     if (budget.steps <= 0) return RuleFault::TooComplex;
     const GuardedPlace begin(text.data(), budget);

@@ -105,7 +105,7 @@ private:
     std::basic_regex<wchar_t, NameRegexTraits> m_regex;
     uint64_t m_searchCost = 0;   // of beginning a search, by states
     uint64_t m_stepCost = 1;     // in plain steps, at most
-    size_t m_stackForTurns = 0;  // bytes
+    size_t m_stackForCalls = 0;  // bytes
 };
 
 }  // namespace BatchRename

@@ -17,14 +17,14 @@ bool IsDigit(wchar_t unit) {
 struct Part {
     uint64_t states = 0;
     uint64_t lookaheads = 0;
-    uint64_t turns = 0;
+    uint64_t uncheckedCalls = 0;
     bool canBeEmpty = false;
     bool hasBackReference = false;  // to a group without a match it fails without a look at the text
 
     void Add(const Part& other) {
         states = std::min(states + other.states, kMost);
         lookaheads = std::min(lookaheads + other.lookaheads, kMost);
-        turns = std::min(turns + other.turns, kMost);
+        uncheckedCalls = std::min(uncheckedCalls + other.uncheckedCalls, kMost);
         hasBackReference = hasBackReference || other.hasBackReference;
     }
 };
@@ -41,7 +41,7 @@ public:
         const Part& all = m_open.back().alternatives;
         m_size.states = all.states;
         m_size.lookaheads = all.lookaheads;
-        m_size.turns = all.turns;
+        m_size.uncheckedCalls = all.uncheckedCalls;
         return m_size;
     }
 
@@ -129,8 +129,9 @@ private:
         Part part = m_open.back().alternatives;
         m_open.pop_back();
         // Both ends of a group are states. A lookahead is a search within the search: a plain call's stack four times.
-        part.Add(
-            {.states = 2, .lookaheads = kind == Kind::Lookahead ? 1u : 0u, .turns = kind == Kind::Lookahead ? 4u : 2u});
+        part.Add({.states = 2,
+                  .lookaheads = kind == Kind::Lookahead ? 1u : 0u,
+                  .uncheckedCalls = kind == Kind::Lookahead ? 4u : 2u});
         part.canBeEmpty = part.canBeEmpty || kind == Kind::Lookahead;
         Begin(part);
     }
@@ -161,7 +162,7 @@ private:
         const Part& branch = m_open.back().branch;
         const bool looksAtText = !branch.canBeEmpty && !branch.hasBackReference;
         EndBranch();
-        m_open.back().alternatives.Add({.states = 2, .turns = looksAtText ? 0u : 1u});
+        m_open.back().alternatives.Add({.states = 2, .uncheckedCalls = looksAtText ? 0u : 1u});
     }
 
     void ReadCount() {
@@ -186,7 +187,7 @@ private:
         const auto times = [copies](uint64_t count) { return std::min(count * copies, kMost); };
         term.states = times(term.states + 2);
         term.lookaheads = times(term.lookaheads);
-        term.turns = times(term.turns + (isLazy || term.canBeEmpty ? 1 : 0));
+        term.uncheckedCalls = times(term.uncheckedCalls + (isLazy || term.canBeEmpty ? 1 : 0));
         term.canBeEmpty = term.canBeEmpty || least == 0;
     }
 
