@@ -26,18 +26,18 @@ RowSnapshot RowMailbox::Take() {
 }
 
 void HostCallback::Acquire(IHostServices& services) {
-    const std::lock_guard lock(m_lock);
+    const Win32::ExclusiveLock lock(m_lock);
     if (!m_service) m_service = std::make_shared<Service>(services, ServiceNumber::FolderRefresh);
 }
 
 std::shared_ptr<HostCallback::Service> HostCallback::Get() {
-    const std::lock_guard lock(m_lock);
+    const Win32::ExclusiveLock lock(m_lock);
     return m_service;
 }
 
 void HostCallback::Release() {
     std::shared_ptr<Service> service;
-    const std::lock_guard lock(m_lock);
+    const Win32::ExclusiveLock lock(m_lock);
     service.swap(m_service);
 }
 
@@ -53,7 +53,7 @@ RuleContext& ExtensionState::Context() {
     if (ruleContext) return *ruleContext;
     auto context = std::make_shared<RuleContext>();
     std::wstring folder(kFolderCapacity, L'\0');
-    if (services) services->GetConfigurationFolder(folder.data(), kFolderCapacity);
+    host.GetConfigurationFolder(folder.data(), kFolderCapacity);
     folder.resize(std::char_traits<wchar_t>::length(folder.c_str()));
     if (!folder.empty()) context->undo.SetFolder(Win32::JoinPath(folder, kUndoFolder));
     ruleContext = std::move(context);

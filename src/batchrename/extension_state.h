@@ -6,10 +6,12 @@
 #include <memory>
 #include <mutex>
 
+#include "batchrename/gated_host.h"
 #include "batchrename/preview.h"
 #include "batchrename/profiles.h"
 #include "batchrename/rule_context.h"
 #include "sdk/owners.h"
+#include "win32/exclusive_lock.h"
 #include "win32/handle.h"
 
 namespace BatchRename {
@@ -41,17 +43,18 @@ private:
     using Service = Quorvane::SDK::AcquiredService<Quorvane::SDK::IFolderRefresh>;
     std::shared_ptr<Service> Get();
 
-    std::mutex m_lock;
+    SRWLOCK m_lock = SRWLOCK_INIT;  // the system's, since it needs no memory at the end
     std::shared_ptr<Service> m_service;
 };
 
 struct ExtensionState {
-    Quorvane::SDK::IHostServices* services = nullptr;  // set before the thread begins
+    GatedHost host;  // first: what follows gives back services through it
     HostCallback hostCallback;
     RowMailbox rows;
     ProfileStore profiles;                     // loaded by the host's thread, afterwards the GUI thread's
     std::mutex contextLock;                    // of the next one, until the GUI thread has a window
     std::shared_ptr<RuleContext> ruleContext;  // made by the first who needs it
+    std::atomic<DWORD> guiThread = 0;          // its id, from its first instruction to its last; 0 while there is none
     std::atomic<HWND> window = nullptr;        // null while there is none
     std::atomic<bool> isClosing = false;
     Win32::KernelHandle closing{CreateEventW(nullptr, TRUE, FALSE, nullptr)};     // set with isClosing

@@ -13,10 +13,13 @@ constexpr DWORD kCollectPatience = 3000;  // milliseconds for the host to collec
 /// The thread's side of things: everything in it is made, used and ended on the GUI thread.
 class GuiSide final : public IMessageFilter {
 public:
-    explicit GuiSide(std::shared_ptr<ExtensionState> state) : m_state(std::move(state)) {}
+    explicit GuiSide(std::shared_ptr<ExtensionState> state) : m_state(std::move(state)) {
+        m_state->guiThread = GetCurrentThreadId();
+    }
     ~GuiSide() {
         // Also when the window could not be made: nobody may find a window or a loop that is no more.
         m_state->window = nullptr;
+        m_state->guiThread = 0;  // the system may give the number to another
         ModuleMessageLoops().Remove(GetCurrentThreadId());
     }
     GuiSide(const GuiSide&) = delete;
@@ -47,7 +50,7 @@ private:
         const Ui::ActivationContext controls;
         RuleContext& context = m_state->Context();
         m_frame = std::make_unique<BatchRenameMainFrame>(FrameSurroundings{
-            .services = m_state->services,
+            .services = &m_state->host,
             .context = context,
             .profiles = m_state->profiles,
             .isClosing = m_state->isClosing,
@@ -77,7 +80,7 @@ private:
     bool CollectRows() {
         ResetEvent(m_state->collected.Get());
         const auto event = reinterpret_cast<uintptr_t>(m_state->collected.Get());
-        if (m_state->services->RunHostCommand(kCollectCommand, nullptr, 0, event) == 0) return false;
+        if (m_state->host.RunHostCommand(kCollectCommand, nullptr, 0, event) == 0) return false;
         // Sent messages are let in while this waits: the host's thread may be sending one right now.
         const HANDLE events[] = {m_state->collected.Get(), m_state->closing.Get()};
         const ULONGLONG end = GetTickCount64() + kCollectPatience;
@@ -117,7 +120,7 @@ DWORD WINAPI RunGuiThread(void* parameter) {
             GuiSide(start->state).Run();
         } catch (...) {
             // The window could not be made, or memory has run out. The host goes on without it.
-            LogNoWindow(*start->state->services);
+            LogNoWindow(start->state->host);
         }
     }
     // Nothing of ours is on the stack any more.
@@ -137,7 +140,7 @@ BatchRenameGUIThread::BatchRenameGUIThread(std::shared_ptr<ExtensionState> state
         static_cast<void>(start.release());  // the thread's
     else {
         FreeLibrary(start->module);
-        LogNoWindow(*start->state->services);
+        LogNoWindow(start->state->host);
     }
 }
 

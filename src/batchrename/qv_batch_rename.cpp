@@ -22,15 +22,21 @@ constexpr TextId kRenameCommandText = 10_c;
 constexpr DWORD kPauseAtStart = 1000;
 constexpr DWORD kWaitAtShutdown = 5000;
 constexpr DWORD kWaitAtDeletion = 4000;
+constexpr DWORD kWaitForCalls = 100;  // a thread may have passed the gate and not be in the host yet
 
 }  // namespace
 
 QVBatchRename::QVBatchRename() : m_state(std::make_shared<ExtensionState>()) {}
 
 QVBatchRename::~QVBatchRename() {
-    if (!m_guiThread) return;
-    AskToClose();
-    m_guiThread->Wait(kWaitAtDeletion);
+    if (m_guiThread) {
+        AskToClose();
+        m_guiThread->Wait(kWaitAtDeletion);
+    }
+    m_state->hostCallback.Release();
+    // The thread may go on; the host's services may end with this object.
+    m_state->host.Close();
+    m_state->host.WaitForCalls(kWaitForCalls);
 }
 
 uint32_t QVBatchRename::Init(IHostServices* services) {
@@ -54,15 +60,15 @@ uint32_t QVBatchRename::GetType() {
 uint32_t QVBatchRename::SetHost(IHostServices* services) {
     return AtBoundary(1u, [&] {
         m_services = services;
-        m_state->services = services;
-        m_state->profiles.Load(services);
+        m_state->host.SetServices(services);
+        m_state->profiles.Load(services ? &m_state->host : nullptr);
         return 1u;
     });
 }
 
 bool QVBatchRename::PreTranslateMessage(MSG* message, uint32_t) {
     return AtBoundary(false, [&] {
-        if (!message || m_guiThreadId == 0 || GetCurrentThreadId() != m_guiThreadId) return false;
+        if (!message || GetCurrentThreadId() != m_state->guiThread) return false;
         BatchRenameMainFrame* const frame = BatchRenameMainFrame::Of(m_state->window);
         return frame && frame->PreTranslate(*message);
     });
@@ -86,11 +92,11 @@ uint32_t QVBatchRename::OnCommand(uint32_t id, uintptr_t first, uintptr_t second
 }
 
 uint32_t QVBatchRename::OpenWindow() {
-    if (!m_services) return 0;
+    if (!m_services || m_state->isClosing) return 0;
     // A window that was closed has ended its thread.
     if (m_guiThread && m_guiThread->HasEnded()) m_guiThread.reset();
     if (const HWND window = m_state->window) PostMessageW(window, WM_COMMAND, kRenameCommand, 0);
-    m_state->hostCallback.Acquire(*m_services);
+    m_state->hostCallback.Acquire(m_state->host);
     RuleContext& context = m_state->Context();
     CollectRows();
     context.hostValue = m_services->GetTextModule(kExtensionId);
@@ -99,7 +105,6 @@ uint32_t QVBatchRename::OpenWindow() {
     // A fixed pause and no handshake, on purpose: it must stay. Whoever runs the command counts on finding the window's
     // thread past its beginning when the command returns, and a handshake would hang with a thread that hangs.
     Sleep(kPauseAtStart);
-    m_guiThreadId = m_guiThread->Id();
     return 1;
 }
 
@@ -121,12 +126,15 @@ uint32_t QVBatchRename::Shutdown() {
     return AtBoundary(0u, [&] {
         m_state->hostCallback.Release();
         // The window's thread cannot wait for itself.
-        if (m_guiThreadId != 0 && GetCurrentThreadId() == m_guiThreadId) return 0u;
+        if (GetCurrentThreadId() == m_state->guiThread) return 0u;
         if (m_guiThread) {
             AskToClose();
             m_guiThread->Wait(kWaitAtShutdown);
             m_guiThread.reset();
         }
+        // A thread that has not ended asks nothing of a host that has been let go.
+        m_state->isClosing = true;
+        m_state->host.Close();
         if (IHostServices* const services = std::exchange(m_services, nullptr)) services->Release();
         return 0u;
     });

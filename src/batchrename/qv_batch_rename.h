@@ -20,7 +20,8 @@ inline constexpr uint32_t kCollectCommand =
 class QVBatchRename final : public Quorvane::SDK::IPluginInterface {
 public:
     QVBatchRename();
-    /// Waits a bounded time for a GUI thread that Shutdown did not end.
+    /// Waits a bounded time for a GUI thread that Shutdown did not end. Afterwards no thread of ours begins a call of
+    /// the host, whatever it is at; only a call that is under way is still the host's to end.
     ~QVBatchRename();
     QVBatchRename(const QVBatchRename&) = delete;
     QVBatchRename& operator=(const QVBatchRename&) = delete;
@@ -37,7 +38,9 @@ public:
     uint32_t OnCustomCommand(Quorvane::SDK::ICustomCommandCall*) override { return 0; }
     uint32_t OnElevatedRequest(uint32_t, Quorvane::SDK::IRequestMessage*) override { return 0; }
     /// Closes the window, ends the thread, and lets go of the host's services object; nothing may be asked of the
-    /// extension afterwards but its deletion.
+    /// extension afterwards but its deletion. A thread that does not end in time begins no further call of the host
+    /// when this returns. Called on the window's thread, which cannot wait for itself, it leaves all that to a later
+    /// call.
     uint32_t Shutdown() override;
 
 private:
@@ -49,7 +52,6 @@ private:
     Quorvane::SDK::IHostServices* m_services = nullptr;
     std::shared_ptr<ExtensionState> m_state;
     std::unique_ptr<BatchRenameGUIThread> m_guiThread;
-    uint32_t m_guiThreadId = 0;
 };
 
 }  // namespace BatchRename

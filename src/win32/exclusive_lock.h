@@ -12,8 +12,11 @@ public:
     ExclusiveLock& operator=(const ExclusiveLock&) = delete;
     ~ExclusiveLock() { ReleaseSRWLockExclusive(&m_lock); }
 
-    /// Lets others have the lock until `condition` is signalled, or for no reason: ask again whether it holds.
-    void WaitFor(CONDITION_VARIABLE& condition) { SleepConditionVariableSRW(&condition, &m_lock, INFINITE, 0); }
+    /// Lets others have the lock until `condition` is signalled, the time is over, or for no reason: ask again whether
+    /// it holds.
+    void WaitFor(CONDITION_VARIABLE& condition, DWORD milliseconds = INFINITE) {
+        SleepConditionVariableSRW(&condition, &m_lock, milliseconds, 0);
+    }
 
 private:
     SRWLOCK& m_lock;
