@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "ui/activation_context.h"
+#include "win32/handle.h"
 
 namespace Ui {
 namespace {
@@ -11,6 +12,13 @@ namespace {
 [[noreturn]] void ThrowLastError(const char* what) {
     throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
 }
+
+struct HookTraits {
+    using Raw = HHOOK;
+    static Raw Empty() noexcept { return nullptr; }
+    static void Close(Raw raw) noexcept { UnhookWindowsHookEx(raw); }
+};
+using Hook = Win32::UniqueHandle<HookTraits>;
 
 }  // namespace
 
@@ -34,6 +42,8 @@ Dialog::~Dialog() {
 
 INT_PTR Dialog::ShowModal(HWND owner) {
     const ActivationContext context;
+    // A dialog whose letters cannot be filtered is still of use.
+    const Hook letters(SetWindowsHookExW(WH_MSGFILTER, FilterLetters, nullptr, GetCurrentThreadId()));
     m_isModal = true;
     const INT_PTR result = DialogBoxIndirectParamW(OwnModule(), m_layout ? m_layout : DialogResource(m_resourceId),
                                                    owner, Procedure, reinterpret_cast<LPARAM>(this));
@@ -66,6 +76,17 @@ void Dialog::OnFailure(const std::exception_ptr&) noexcept {}
 
 void Dialog::ThrowFailure() {
     if (const std::exception_ptr failure = std::exchange(m_failure, nullptr)) std::rethrow_exception(failure);
+}
+
+LRESULT CALLBACK Dialog::FilterLetters(int code, WPARAM wParam, LPARAM lParam) noexcept {
+    const auto* const message = reinterpret_cast<const MSG*>(lParam);
+    if (code == MSGF_DIALOGBOX && message->message == WM_CHAR)
+        for (HWND window = message->hwnd; window; window = GetAncestor(window, GA_PARENT))
+            if (GetWindowLongPtrW(window, DWLP_DLGPROC) == reinterpret_cast<LONG_PTR>(Procedure)) {
+                DispatchMessageW(message);
+                return TRUE;
+            }
+    return CallNextHookEx(nullptr, code, wParam, lParam);
 }
 
 INT_PTR CALLBACK Dialog::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {

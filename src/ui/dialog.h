@@ -13,6 +13,8 @@ namespace Ui {
 ///
 /// An exception that a handler throws cannot pass through the system's code. It is kept, the dialog ends, and ShowModal
 /// throws it again; for a modeless dialog OnFailure gets it (and OutlivesFailure may keep it open).
+///
+/// In a modal dialog a letter without Alt presses nothing. The message loop of a modeless one has to see to that.
 class Dialog {
 public:
     Dialog(const Dialog&) = delete;
@@ -54,6 +56,10 @@ protected:
     void RescaleControls(UINT dotsPerInch) { m_resizing.Rescale(dotsPerInch); }
 
 private:
+    /// The system takes a letter for the key of a button, as if with Alt, where the control with the focus takes no
+    /// letters itself. A word typed in the wrong place would press buttons: here such letters go to their control
+    /// alone.
+    static LRESULT CALLBACK FilterLetters(int code, WPARAM wParam, LPARAM lParam) noexcept;
     static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
     INT_PTR Handle(UINT message, WPARAM wParam, LPARAM lParam);
     void ThrowFailure();

@@ -116,6 +116,22 @@ TEST(RenameWindow, SwapsTurnsRingsAndRefreshes) {
     EXPECT_TRUE(window.WaitForStatus(L"3 Restored"));
 }
 
+TEST(RenameWindow, StartsAndClosesByNoLetterWithoutAlt) {
+    RenameWindow window({L"a"});
+    window.Open({L"a"});
+    window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
+    ASSERT_TRUE(window.WaitForStatus(L"1 item, 1 will be renamed"));
+    for (const int control : {IDC_LIVE_PREVIEW, IDC_PROFILES, IDC_START, IDC_ROWS})
+        for (wchar_t letter = L'a'; letter <= L'z'; ++letter)
+            PostMessageW(GetDlgItem(control == IDC_ROWS ? window.Frame() : window.Panel().Window(), control), WM_CHAR,
+                         letter, 1);
+    // Arrives after all of them: the window is there, the rule as it was, and nothing is renamed yet.
+    PostMessageW(window.Panel().Control(IDC_PROFILES), WM_SYSCHAR, L's', KF_ALTDOWN << 16 | 1);
+    ASSERT_TRUE(window.WaitForStatus(L"1 Renamed"));
+    EXPECT_EQ(window.NamesOnDisk(), Words{L"a2"});
+    EXPECT_TRUE(window.Panel().IsChecked(IDC_LIVE_PREVIEW));
+}
+
 TEST(RenameWindow, LoadsTheProfileChosenAmongNamesakes) {
     RenameWindow window({L"a"},
                         "<BatchRename><profile name=\"twin\"><filename>first</filename></profile>"

@@ -36,6 +36,7 @@ public:
     bool throwsInInit = false;
     std::vector<Ui::Anchor> anchors;
     std::exception_ptr failure;
+    std::vector<int> pressed;
 
 private:
     bool OnInit() override {
@@ -43,13 +44,28 @@ private:
         if (!anchors.empty()) MakeResizable(anchors);
         return true;
     }
-    bool OnCommand(int id, int) override {
+    bool OnCommand(int id, int notification) override {
+        if (notification == BN_CLICKED) pressed.push_back(id);
         if (id == IDC_SWITCH_UTF8) throw std::runtime_error("in command");
         if (id == IDOK) End(42);
         return id == IDOK;
     }
     void OnFailure(const std::exception_ptr& thrown) noexcept override { failure = thrown; }
 };
+
+TEST(Dialog, HasButtonsPressedByLettersWithAltAlone) {
+    Sample sample;
+    QVTest::WhileShown(
+        L"Confirm Replace",
+        [](const QVTest::DrivenDialog& shown) {
+            for (const wchar_t letter : std::wstring(L"afrs"))
+                PostMessageW(shown.Control(IDC_ANSWER_FIND_NEXT), WM_CHAR, letter, 1);
+            PostMessageW(shown.Control(IDC_ANSWER_FIND_NEXT), WM_SYSCHAR, L'r', KF_ALTDOWN << 16 | 1);
+            shown.WaitUntilClosed();
+        },
+        [&] { EXPECT_EQ(sample.ShowModal(nullptr), 42); });
+    EXPECT_EQ(sample.pressed, std::vector<int>{IDOK});
+}
 
 TEST(Dialog, ReturnsWhatItEndsWith) {
     Sample fromResource;
