@@ -268,6 +268,7 @@ void BatchRenameMainFrame::Layout() {
     place(m_list.GetWindow(), 0, top);
     place(m_panel->GetWindow(), top + Scaled(kSplitterHeight), m_panelHeight);
     if (moves) EndDeferWindowPos(moves);
+    m_list.FillWidth();
 }
 
 bool BatchRenameMainFrame::OnSplitter(UINT message, LPARAM lParam) {

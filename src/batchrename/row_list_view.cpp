@@ -1,10 +1,11 @@
 #include "batchrename/row_list_view.h"
 
 #include <algorithm>
+#include <numeric>
 #include <system_error>
 
 #include "batchrename/list_columns.h"
-#include "batchrename/name_diff.h"
+#include "batchrename/name_fit.h"
 #include "ui/activation_context.h"
 #include "win32/path.h"
 
@@ -15,7 +16,10 @@ constexpr ListColumn kColumns[] = {{L"Current name", 624}, {L"New name", 624}, {
 constexpr int kNewNameColumn = 1;
 constexpr wchar_t kNewNameTitle[] = L"New name";
 constexpr wchar_t kOutdatedTitle[] = L"New name (not up to date)";
-constexpr int kNameMargin = 6;  // pixels at 96 dots an inch: what the control leaves before a text
+constexpr int kNameColumns[] = {0, kNewNameColumn};
+constexpr int kGapWidth = 3;        // pixels
+constexpr int kNarrowestName = 40;  // pixels
+constexpr int kNameMargin = 6;      // pixels at 96 dots an inch: what the control leaves before a text
 
 FontHandle BoldOf(HFONT font) {
     LOGFONTW description = {};
@@ -29,35 +33,52 @@ RowKey KeyOfColumn(int column) {
     return kKeys[std::clamp(column, 0, 3)];
 }
 
-/// Draws pieces of a line one behind the other until there is no room.
+/// Draws pieces of a line one after the other.
 class LineDrawing {
 public:
     LineDrawing(HDC context, const RECT& room) : m_context(context), m_room(room) {}
 
+    /// Each unit is put where it was measured to be: what the system draws by itself may be narrower, and the gap
+    /// before the next piece would look like a blank in the name.
     void Piece(std::wstring_view text, HFONT font) {
-        if (text.empty() || m_room.left >= m_room.right) return;
         const HGDIOBJ before = SelectObject(m_context, font);
+        const auto length = static_cast<int>(text.size());
+        std::vector<int> advances(text.size());
         SIZE size = {};
-        GetTextExtentPoint32W(m_context, text.data(), static_cast<int>(text.size()), &size);
-        DrawTextW(m_context, text.data(), static_cast<int>(text.size()), &m_room,
-                  DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
+        GetTextExtentExPointW(m_context, text.data(), length, 0, nullptr, advances.data(), &size);
+        std::adjacent_difference(advances.begin(), advances.end(), advances.begin());
+        const int top = (m_room.top + m_room.bottom - size.cy) / 2;
+        ExtTextOutW(m_context, m_room.left, top, ETO_CLIPPED, &m_room, text.data(), static_cast<UINT>(length),
+                    advances.data());
         SelectObject(m_context, before);
         m_room.left += size.cx;
     }
 
     /// A thin bar: here something was taken out.
     void Gap() {
-        if (m_room.left >= m_room.right) return;
         const RECT bar = {m_room.left, m_room.top + 2, m_room.left + 2, m_room.bottom - 2};
         SetDCBrushColor(m_context, GetTextColor(m_context));
         FillRect(m_context, &bar, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
-        m_room.left += 3;
+        m_room.left += kGapWidth;
     }
 
 private:
     HDC m_context;
     RECT m_room;
 };
+
+/// Adds the right edge of each unit of the text, which begins where the last one ends.
+void AddEdges(HDC context, std::wstring_view text, HFONT font, std::vector<int>& edges) {
+    if (text.empty()) return;
+    const int left = edges.empty() ? 0 : edges.back();
+    const size_t first = edges.size();
+    edges.resize(first + text.size());
+    const HGDIOBJ before = SelectObject(context, font);
+    SIZE size = {};
+    GetTextExtentExPointW(context, text.data(), static_cast<int>(text.size()), 0, nullptr, edges.data() + first, &size);
+    SelectObject(context, before);
+    for (size_t at = first; at < edges.size(); ++at) edges[at] += left;
+}
 
 struct GlobalMemoryTraits {
     using Raw = HGLOBAL;
@@ -93,9 +114,22 @@ void RowListView::Create(HWND parent, int id, HFONT font) {
     if (!m_window)
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "The list cannot be made");
     SendMessageW(m_window, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+    SetWindowLongPtrW(m_window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    m_control =
+        reinterpret_cast<WNDPROC>(SetWindowLongPtrW(m_window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure)));
     m_bold = BoldOf(font);
     AddColumns(m_window, kColumns);
     Recolour();
+}
+
+LRESULT CALLBACK RowListView::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
+    const auto* const self = reinterpret_cast<const RowListView*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    const LRESULT result = CallWindowProcW(self->m_control, window, message, wParam, lParam);
+    // The control keeps what is drawn in a column whose right edge moves; a name that is cut at its beginning must move
+    // with the edge.
+    if (message == WM_NOTIFY && reinterpret_cast<const NMHDR*>(lParam)->code == HDN_ITEMCHANGEDW)
+        InvalidateRect(window, nullptr, FALSE);
+    return result;
 }
 
 void RowListView::Recolour() {
@@ -105,7 +139,26 @@ void RowListView::Recolour() {
 
 void RowListView::Refresh() {
     SendMessageW(m_window, LVM_SETITEMCOUNT, m_rows.PlaceCount(), LVSICF_NOSCROLL | LVSICF_NOINVALIDATEALL);
+    FillWidth();  // a scroll bar may have come or gone
     InvalidateRect(m_window, nullptr, FALSE);
+}
+
+void RowListView::FillWidth() {
+    const auto widthOf = [&](int column) {
+        return static_cast<int>(SendMessageW(m_window, LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column), 0));
+    };
+    RECT client = {};
+    GetClientRect(m_window, &client);
+    int available = static_cast<int>(client.right);
+    for (int column = 0; column < static_cast<int>(std::size(kColumns)); ++column) available -= widthOf(column);
+    for (const int spare : m_spareWidths) available += spare;
+    for (const int column : kNameColumns) {
+        int& spare = m_spareWidths[static_cast<size_t>(column)];
+        const int former = std::exchange(spare, std::max(0, available / 2));
+        if (spare != former)
+            SendMessageW(m_window, LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(column),
+                         std::max(widthOf(column) + spare - former, kNarrowestName));
+    }
 }
 
 void RowListView::ShowOutdated(bool isOutdated) {
@@ -264,11 +317,19 @@ void RowListView::DrawNewName(HDC context, size_t place) {
     const ChangedPart changed = FindChangedPart(m_rows.OldName(row), name);
     const auto font = reinterpret_cast<HFONT>(SendMessageW(m_window, WM_GETFONT, 0, 0));
     room.left += MulDiv(kNameMargin, GetDeviceCaps(context, LOGPIXELSX), USER_DEFAULT_SCREEN_DPI);
+    std::vector<int> edges;
+    AddEdges(context, name.substr(0, changed.begin), font, edges);
+    AddEdges(context, name.substr(changed.begin, changed.end - changed.begin), m_bold.Get(), edges);
+    AddEdges(context, name.substr(changed.end), font, edges);
+    std::vector<int> ellipsis;
+    AddEdges(context, L"\u2026", font, ellipsis);
+    const int gap = changed.begin == changed.end ? kGapWidth : 0;
     LineDrawing line(context, room);
-    line.Piece(name.substr(0, changed.begin), font);
-    if (changed.begin == changed.end) line.Gap();
-    line.Piece(name.substr(changed.begin, changed.end - changed.begin), m_bold.Get());
-    line.Piece(name.substr(changed.end), font);
+    for (const NamePiece& piece : FitName(name, changed, edges, room.right - room.left - gap, ellipsis.back()))
+        if (piece.text.empty())
+            line.Gap();
+        else
+            line.Piece(piece.text, piece.isChanged ? m_bold.Get() : font);
 }
 
 }  // namespace BatchRename

@@ -2,6 +2,7 @@
 // a hundred thousand rows cost it nothing. Draws the new names with their changed part in bold.
 #pragma once
 
+#include <array>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -34,6 +35,8 @@ public:
 
     /// The rows, or what is known of them, are others: their number, and all that is on the screen, is taken anew.
     void Refresh();
+    /// The list is wider or narrower: the columns of names share what width the others leave, beyond their own.
+    void FillWidth();
     /// The header over the new names tells when they are not up to date.
     void ShowOutdated(bool isOutdated);
     void ShowOrder(const RowOrder& order);
@@ -56,6 +59,7 @@ public:
     std::optional<LRESULT> OnNotify(NMHDR& header);
 
 private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
     void FillItem(LVITEMW& item) const;
     void OnKey(WORD key);
     LRESULT FindByText(const NMLVFINDITEMW& search) const;
@@ -65,6 +69,8 @@ private:
     const RowList& m_rows;
     Owner m_owner;
     HWND m_window = nullptr;
+    WNDPROC m_control = nullptr;            // the system's
+    std::array<int, 2> m_spareWidths = {};  // pixels that each column of names has beyond its own
     ImageListHandle m_icons;
     FontHandle m_bold;
 };

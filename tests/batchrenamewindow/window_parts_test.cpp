@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "batchrename/extension_state.h"
-#include "batchrename/name_diff.h"
+#include "batchrename/name_fit.h"
 #include "batchrename/name_sample.h"
 #include "batchrename/rename_options.h"
 #include "batchrename/row_order.h"
@@ -50,6 +50,36 @@ TEST(ChangedPart, LiesBetweenWhatBothNamesShare) {
         {"a pair whose second half changes stays whole", L"\xD83D\xDE00", L"\xD83D\xDE01", {0, 2}},
     };
     for (const auto& c : cases) EXPECT_EQ(FindChangedPart(c.before, c.after), c.expected) << c.why;
+}
+
+TEST(FittedName, ShowsTheChangeAndAnEllipsisWhereverTextIsLeftOut) {
+    // Ten pixels a unit, and as many an ellipsis. [ ] stand around the changed part.
+    const auto shown = [](const std::wstring& before, const std::wstring& name, int width) {
+        std::vector<int> edges;
+        for (size_t unit = 0; unit < name.size(); ++unit) edges.push_back(static_cast<int>(unit + 1) * 10);
+        std::wstring text;
+        for (const NamePiece& piece : FitName(name, FindChangedPart(before, name), edges, width, 10))
+            text += piece.isChanged ? L'[' + std::wstring(piece.text) + L']' : std::wstring(piece.text);
+        return text;
+    };
+    const struct {
+        const char* why;
+        const wchar_t *before, *name;
+        int width;
+        const wchar_t* expected;
+    } cases[] = {
+        {"all fits", L"abc.txt", L"abc-new.txt", 110, L"abc[-new].txt"},
+        {"the end is left out", L"abc.txt", L"abc-new.txt", 100, L"abc[-new].t\u2026"},
+        {"nothing but the change", L"abcdef.txt", L"new-abcdef.txt", 50, L"[new-]\u2026"},
+        {"the beginning is left out", L"abcdefgh.txt", L"abcdefgh-new.txt", 90, L"\u2026[-new].txt"},
+        {"both ends are", L"abcdefghijkl.txt", L"abcdef-new-ghijkl.txt", 90, L"\u2026f[-new-]g\u2026"},
+        {"too much has changed", L"ab-x", L"ab-new name-x", 60, L"\u2026[new ]\u2026"},
+        {"another name altogether", L"x", L"abcdef", 40, L"[abc]\u2026"},
+        {"something was taken out", L"abcdefXghi", L"abcdefghi", 60, L"\u2026ef[]ghi"},
+        {"no space at all", L"abc", L"abc2", 5, L"\u2026"},
+        {"no half of a pair", L"a", L"a\xD83D\xDE00x", 30, L"a\u2026"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(shown(c.before, c.name, c.width), c.expected) << c.why;
 }
 
 TEST(RowOrder, IsNaturalStableAndComesBack) {

@@ -132,6 +132,31 @@ TEST(RenameWindow, StartsAndClosesByNoLetterWithoutAlt) {
     EXPECT_TRUE(window.Panel().IsChecked(IDC_LIVE_PREVIEW));
 }
 
+TEST(RenameWindow, GivesTheNamesTheWidthThatIsToSpare) {
+    RenameWindow window({L"a"});
+    window.Open({L"a"});
+    const auto widthOf = [&](int column) {
+        return static_cast<LONG>(SendMessageW(window.List(), LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column), 0));
+    };
+    const auto columns = [&] { return std::vector<LONG>{widthOf(0), widthOf(1), widthOf(2), widthOf(3)}; };
+    const auto resize = [&](int width) {
+        SetWindowPos(window.Frame(), nullptr, 0, 0, width, 700, SWP_NOZORDER);  // no wider than the screen
+        RECT client = {};
+        GetClientRect(window.List(), &client);
+        return client.right;
+    };
+    const LONG narrow = resize(1000);
+    const std::vector<LONG> before = columns();
+    const LONG wider = resize(2000) - narrow;
+    const std::vector<LONG> after = columns();
+    EXPECT_GT(wider, 20);
+    EXPECT_NEAR(after[0] - before[0], wider / 2, 1);
+    EXPECT_NEAR(after[1] - before[1], wider / 2, 1);
+    EXPECT_EQ(std::vector<LONG>(after.begin() + 2, after.end()), std::vector<LONG>(before.begin() + 2, before.end()));
+    resize(1000);
+    EXPECT_EQ(columns(), before);
+}
+
 TEST(RenameWindow, LoadsTheProfileChosenAmongNamesakes) {
     RenameWindow window({L"a"},
                         "<BatchRename><profile name=\"twin\"><filename>first</filename></profile>"
