@@ -171,6 +171,7 @@ void BatchRenameMainFrame::OnHeader(RowKey key) {
     if (key == RowKey::NewName && m_isUpToDate) {
         RowSnapshot named = std::make_shared<const RenameItems>(preview->computed);
         m_rows.SetRows(std::move(named));
+        m_list.Refresh(true);
     }
     RequestPreview(0);
 }
@@ -276,7 +277,7 @@ void BatchRenameMainFrame::OnRunEnd() {
                                result, m_session != nullptr);
         });
     }
-    m_list.Refresh();
+    m_list.Refresh(true);
     SetStatus(TextAfterRun(result->error, result->counts, m_session != nullptr));
     RefreshState();
     m_around.takeRows();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,10 @@ public:
     // Places in the list, which are not rows while some are left out.
     size_t PlaceCount() const { return m_isFiltered ? m_places.size() : m_rows->size(); }
     size_t RowAt(size_t place) const { return m_isFiltered ? m_places[place] : place; }
+    /// The rows of all places; nothing while places are rows.
+    std::optional<std::vector<uint32_t>> Places() const {
+        return m_isFiltered ? std::optional(m_places) : std::nullopt;
+    }
 
     std::wstring Text(size_t row, RowColumn column) const;
     const std::wstring& CurrentName(size_t row) const { return (*m_rows)[row]->currentName; }

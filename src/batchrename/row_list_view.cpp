@@ -137,10 +137,60 @@ void RowListView::Recolour() {
     SendMessageW(m_window, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(m_icons.Get()));
 }
 
-void RowListView::Refresh() {
+void RowListView::Refresh(bool areInPlace) {
+    const RowSnapshot& rows = m_rows.Rows();
+    std::optional<std::vector<uint32_t>> places = m_rows.Places();
+    const bool wasEmptied = !m_keptSelection.empty();
+    const bool isSame = !wasEmptied && rows == m_shownRows && places == m_shownPlaces;
+    std::vector<bool> isSelected = isSame || wasEmptied ? m_keptSelection : ShownRowsWith(LVNI_SELECTED);
+    std::vector<bool> isFocused = isSame || wasEmptied ? m_keptFocus : ShownRowsWith(LVNI_FOCUSED);
     SendMessageW(m_window, LVM_SETITEMCOUNT, m_rows.PlaceCount(), LVSICF_NOSCROLL | LVSICF_NOINVALIDATEALL);
     FillWidth();  // a scroll bar may have come or gone
     InvalidateRect(m_window, nullptr, FALSE);
+    if (isSame) return;
+    if (rows->empty()) {
+        m_keptSelection = std::move(isSelected);
+        m_keptFocus = std::move(isFocused);
+        return;
+    }
+    if (areInPlace && isSelected.size() == rows->size())
+        SetStates(isSelected, isFocused);
+    else
+        SetStates(CarriedMarks(*m_shownRows, isSelected, *rows), CarriedMarks(*m_shownRows, isFocused, *rows));
+    m_shownRows = rows;
+    m_shownPlaces = std::move(places);
+    m_keptSelection.clear();
+    m_keptFocus.clear();
+}
+
+std::vector<bool> RowListView::ShownRowsWith(WPARAM state) const {
+    std::vector<bool> marked(m_shownRows->size(), false);
+    const size_t count = m_shownPlaces ? m_shownPlaces->size() : m_shownRows->size();
+    for (LRESULT place = -1;;) {
+        place = SendMessageW(m_window, LVM_GETNEXTITEM, static_cast<WPARAM>(place), static_cast<LPARAM>(state));
+        if (place < 0 || static_cast<size_t>(place) >= count) return marked;
+        marked[m_shownPlaces ? (*m_shownPlaces)[static_cast<size_t>(place)] : static_cast<size_t>(place)] = true;
+    }
+}
+
+void RowListView::SetStates(const std::vector<bool>& isSelected, const std::vector<bool>& isFocused) {
+    const auto set = [&](size_t place, UINT state) {
+        LVITEMW item = {};
+        item.state = state;
+        item.stateMask = state ? state : LVIS_SELECTED;
+        SendMessageW(m_window, LVM_SETITEMSTATE, place, reinterpret_cast<LPARAM>(&item));
+    };
+    constexpr size_t kAll = SIZE_MAX;
+    // One word for all where it will do: there may be a hundred thousand.
+    const bool areAll = std::ranges::find(isSelected, false) == isSelected.end();
+    set(kAll, areAll ? LVIS_SELECTED : 0);
+    for (size_t place = 0; place < m_rows.PlaceCount(); ++place) {
+        const size_t row = m_rows.RowAt(place);
+        if (isSelected[row] && !areAll) set(place, LVIS_SELECTED);
+        if (!isFocused[row]) continue;
+        set(place, LVIS_FOCUSED);
+        SendMessageW(m_window, LVM_SETSELECTIONMARK, 0, static_cast<LPARAM>(place));
+    }
 }
 
 void RowListView::FillWidth() {
@@ -191,28 +241,18 @@ RowListView::Range RowListView::VisibleRows() const {
 }
 
 std::vector<bool> RowListView::SelectedRows() const {
-    std::vector<bool> isSelected(m_rows.Rows()->size(), false);
-    for (LRESULT place = -1;;) {
-        place = SendMessageW(m_window, LVM_GETNEXTITEM, static_cast<WPARAM>(place), LVNI_SELECTED);
-        if (place < 0 || static_cast<size_t>(place) >= m_rows.PlaceCount()) return isSelected;
-        isSelected[m_rows.RowAt(static_cast<size_t>(place))] = true;
-    }
+    // Where memory ended on the way, the places still stand for other rows.
+    const bool areShown = m_shownRows == m_rows.Rows();
+    return areShown ? ShownRowsWith(LVNI_SELECTED) : std::vector<bool>(m_rows.Rows()->size(), false);
 }
 
 void RowListView::Select(const std::vector<bool>& isSelected) {
-    LVITEMW state = {};
-    state.stateMask = LVIS_SELECTED;
-    SendMessageW(m_window, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&state));
-    bool isFirst = true;
-    for (size_t place = 0; place < m_rows.PlaceCount(); ++place) {
-        const size_t row = m_rows.RowAt(place);
-        if (row >= isSelected.size() || !isSelected[row]) continue;
-        state.state = LVIS_SELECTED | (isFirst ? LVIS_FOCUSED : 0);
-        state.stateMask = state.state;
-        SendMessageW(m_window, LVM_SETITEMSTATE, place, reinterpret_cast<LPARAM>(&state));
-        if (isFirst) SendMessageW(m_window, LVM_ENSUREVISIBLE, place, FALSE);
-        isFirst = false;
-    }
+    std::vector<bool> isFocused(isSelected.size(), false);
+    const auto first = std::ranges::find(isSelected, true);
+    if (first != isSelected.end()) isFocused[static_cast<size_t>(first - isSelected.begin())] = true;
+    SetStates(isSelected, isFocused);
+    const LRESULT place = SendMessageW(m_window, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED);
+    SendMessageW(m_window, LVM_ENSUREVISIBLE, static_cast<WPARAM>(place), FALSE);
 }
 
 bool RowListView::GoToProblem(bool isBack) {

@@ -33,8 +33,10 @@ public:
     void Create(HWND parent, int id, HFONT font);
     HWND GetWindow() const { return m_window; }
 
-    /// The rows, or what is known of them, are others: their number, and all that is on the screen, is taken anew.
-    void Refresh();
+    /// The rows, or what is known of them, are others: their number, and all that is on the screen, is taken anew. The
+    /// selection stays with its rows, also over a moment in which there are none. `areInPlace`: each row stands for the
+    /// one that had its number before, whatever it is called now.
+    void Refresh(bool areInPlace = false);
     /// The list is wider or narrower: the columns of names share what width the others leave, beyond their own.
     void FillWidth();
     /// The header over the new names tells when they are not up to date.
@@ -63,13 +65,21 @@ private:
     void FillItem(LVITEMW& item) const;
     void OnKey(WORD key);
     LRESULT FindByText(const NMLVFINDITEMW& search) const;
+    /// By row of those that are shown: the selected ones, or the one with the focus.
+    std::vector<bool> ShownRowsWith(WPARAM state) const;
+    void SetStates(const std::vector<bool>& isSelected, const std::vector<bool>& isFocused);
     LRESULT OnDraw(NMLVCUSTOMDRAW& draw);
     void DrawNewName(HDC context, size_t place);
 
     const RowList& m_rows;
     Owner m_owner;
     HWND m_window = nullptr;
-    WNDPROC m_control = nullptr;            // the system's
+    WNDPROC m_control = nullptr;  // the system's
+    // What the control's places stand for, and what was selected in it when it was emptied.
+    RowSnapshot m_shownRows = std::make_shared<const RenameItems>();
+    std::optional<std::vector<uint32_t>> m_shownPlaces;
+    std::vector<bool> m_keptSelection;
+    std::vector<bool> m_keptFocus;
     std::array<int, 2> m_spareWidths = {};  // pixels that each column of names has beyond its own
     ImageListHandle m_icons;
     FontHandle m_bold;

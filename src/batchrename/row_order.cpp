@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <string>
+#include <unordered_map>
+#include <unordered_set>
 
+#include "win32/path.h"
 #include "win32/windows.h"
 
 namespace BatchRename {
@@ -83,6 +86,24 @@ RenameItems MoveRows(RenameItems rows, std::vector<bool>& isMarked, bool isUp) {
             if (isMarked[row - 1] && !isMarked[row]) swapRows(row, row - 1);
     }
     return rows;
+}
+
+std::vector<bool> CarriedMarks(const RenameItems& before, const std::vector<bool>& isMarked, const RenameItems& now) {
+    std::vector<bool> carried(now.size(), false);
+    if (std::ranges::find(isMarked, true) == isMarked.end()) return carried;
+    std::unordered_map<const BatchRenameItem*, bool> rows;
+    std::unordered_set<std::wstring> paths;
+    for (size_t row = 0; row < before.size(); ++row) {
+        rows.emplace(before[row].get(), isMarked[row]);
+        if (isMarked[row]) paths.insert(Win32::JoinPath(before[row]->location, before[row]->currentName));
+    }
+    const bool areNew = std::ranges::none_of(now, [&](const auto& row) { return rows.contains(row.get()); });
+    for (size_t row = 0; row < now.size(); ++row) {
+        const auto known = rows.find(now[row].get());
+        carried[row] = areNew ? paths.contains(Win32::JoinPath(now[row]->location, now[row]->currentName))
+                              : known != rows.end() && known->second;
+    }
+    return carried;
 }
 
 }  // namespace BatchRename

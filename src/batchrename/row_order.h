@@ -32,4 +32,8 @@ RenameItems WithoutRows(const RenameItems& rows, const std::vector<bool>& isMark
 /// The marked rows one place up or down; marked rows that have nowhere to go stay. `isMarked` moves with them.
 RenameItems MoveRows(RenameItems rows, std::vector<bool>& isMarked, bool isUp);
 
+/// Which rows of `now` were marked in `before`: the same ones wherever they stand, and of rows that were all made anew
+/// those with the path of a marked one.
+std::vector<bool> CarriedMarks(const RenameItems& before, const std::vector<bool>& isMarked, const RenameItems& now);
+
 }  // namespace BatchRename

@@ -102,6 +102,23 @@ TEST(RowOrder, MovesAndRemovesMarkedRows) {
     EXPECT_EQ(NamesOf(WithoutRows(Rows({L"0", L"1"}), {true, false})), Names{L"1"});
 }
 
+TEST(RowMarks, StayWithTheirRowsAndWithThePathsOfNewOnes) {
+    const RenameItems rows = Rows({L"a", L"b", L"b", L"c"});
+    const std::vector<bool> second = {false, true, false, false};
+    const struct {
+        const char* why;
+        RenameItems now;
+        std::vector<bool> expected;
+    } cases[] = {
+        {"another order", {rows[3], rows[2], rows[1], rows[0]}, {false, false, true, false}},
+        {"the marked one is gone, its twin is another row", {rows[0], rows[2]}, {false, false}},
+        {"made anew", Rows({L"x", L"b", L"a"}), {false, true, false}},
+        {"others altogether", Rows({L"x", L"y", L"z", L"0"}), {false, false, false, false}},
+        {"none", {}, {}},
+    };
+    for (const auto& c : cases) EXPECT_EQ(CarriedMarks(rows, second, c.now), c.expected) << c.why;
+}
+
 TEST(Problems, AreGoneThroughInBothDirections) {
     const std::vector<RowMark> marks = {RowMark::Problem, RowMark::None, RowMark::Problem, RowMark::Change};
     constexpr size_t kNowhere = SIZE_MAX;

@@ -157,6 +157,65 @@ TEST(RenameWindow, GivesTheNamesTheWidthThatIsToSpare) {
     EXPECT_EQ(columns(), before);
 }
 
+TEST(RenameWindow, KeepsTheSelectionOnItsRows) {
+    const Words names = {L"b", L"c", L"a", L"d"};
+    RenameWindow window(names);
+    window.Open(names);
+    const auto selected = [&] {
+        Words shown;
+        for (LRESULT place = -1;;) {
+            place = SendMessageW(window.List(), LVM_GETNEXTITEM, static_cast<WPARAM>(place), LVNI_SELECTED);
+            if (place < 0) return shown;
+            shown.push_back(window.Cell(static_cast<int>(place), 0));
+        }
+    };
+    const auto sort = [&](int column, const Words& expected) {
+        const auto header = reinterpret_cast<HWND>(SendMessageW(window.List(), LVM_GETHEADER, 0, 0));
+        RECT rect = {};
+        SendMessageW(header, HDM_GETITEMRECT, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&rect));
+        const LPARAM middle = MAKELPARAM((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2);
+        SendMessageW(header, WM_LBUTTONDOWN, MK_LBUTTON, middle);
+        SendMessageW(header, WM_LBUTTONUP, 0, middle);
+        EXPECT_TRUE(window.WaitFor([&] { return window.Column(0) == expected; }));
+    };
+    const auto press = [&](WPARAM key) { PostMessageW(window.List(), WM_KEYDOWN, key, 1); };
+    press(VK_HOME);
+    ASSERT_TRUE(window.WaitFor([&] { return selected() == Words{L"b"}; }));
+    sort(0, {L"a", L"b", L"c", L"d"});
+    EXPECT_EQ(selected(), Words{L"b"});
+    sort(kNewName, {L"a", L"b", L"c", L"d"});
+    sort(kNewName, {L"d", L"c", L"b", L"a"});
+    EXPECT_EQ(selected(), Words{L"b"});
+    window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
+    ASSERT_TRUE(window.WaitForStatus(L"4 items, 4 will be renamed"));
+    EXPECT_EQ(selected(), Words{L"b"});
+
+    // Read again, as the host has them: by an arrow the selection goes on from its row.
+    window.Panel().PressLater(IDC_RESET_LIST);
+    ASSERT_TRUE(window.WaitFor([&] { return window.Column(0) == names; }));
+    EXPECT_EQ(selected(), Words{L"b"});
+    ASSERT_TRUE(window.WaitForStatus(L"4 items, 4 will be renamed"));
+    press(VK_DOWN);
+    ASSERT_TRUE(window.WaitFor([&] { return selected() == Words{L"c"}; }));
+    press(VK_DELETE);
+    ASSERT_TRUE(window.WaitForStatus(L"3 items, 3 will be renamed"));
+    EXPECT_EQ(window.Column(0), (Words{L"b", L"a", L"d"}));
+
+    // What is selected stays so under its new name; rows from elsewhere arrive without.
+    EXPECT_EQ(selected(), Words{L"a"});
+    window.Panel().Press(IDC_START);
+    ASSERT_TRUE(window.WaitForStatus(L"3 Renamed"));
+    EXPECT_EQ(selected(), Words{L"a2"});
+    LVITEMW state = {};
+    state.state = state.stateMask = LVIS_SELECTED;
+    SendMessageW(window.List(), LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&state));
+    ASSERT_EQ(selected().size(), 3u);
+    window.Files().Write(L"e", "");
+    window.RunCommand({L"c", L"e", L"d2", L"b2"});
+    ASSERT_TRUE(window.WaitForStatus(L"4 items, 4 will be renamed"));
+    EXPECT_EQ(selected(), (Words{L"d2", L"b2"}));
+}
+
 TEST(RenameWindow, LoadsTheProfileChosenAmongNamesakes) {
     RenameWindow window({L"a"},
                         "<BatchRename><profile name=\"twin\"><filename>first</filename></profile>"
