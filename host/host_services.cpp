@@ -82,7 +82,12 @@ uint32_t HostServices::RunHostCommand(uint32_t command, IFileList* list, uint32_
         if (!known) return kRefused;
         switch (command) {
             case HostCommand::GroupItems: return Fill(*known, FocusedGroup());
-            case HostCommand::GetSelection: return Fill(*known, SelectedItems());
+            case HostCommand::GetSelection: {
+                const IPanelView::Items items = SelectedItems();
+                // Extensions do nothing then, and say nothing.
+                if (items.empty() && !m_state.panel) m_state.output.Note(L"[note] no files are given");
+                return Fill(*known, items);
+            }
             case HostCommand::MarkFiles: return MarkFiles(*known, flags) ? kDone : kRefused;
             default: return kRefused;
         }

@@ -36,8 +36,9 @@ enum class PanelText : uint32_t {
     UpButton,
     EmptyFolder,
     EmptyLog,
-    Ended,  // %s
-    Last = Ended,
+    Ended,            // %s
+    NothingSelected,  // %s
+    Last = NothingSelected,
 };
 
 inline constexpr wchar_t kPanelSection[] = L"Panel";

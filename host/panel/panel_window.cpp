@@ -134,7 +134,9 @@ bool PanelWindow::PreTranslate(MSG& message) {
 }
 
 IPanelView::Items PanelWindow::SelectedItems() {
-    return m_content && IsOnOwnThread() ? m_content->list.SelectedItems() : Items();
+    Items items = m_content && IsOnOwnThread() ? m_content->list.SelectedItems() : Items();
+    if (IsOnOwnThread()) m_foundNothing = items.empty();
+    return items;
 }
 
 IPanelView::Items PanelWindow::FocusedGroup() {
@@ -363,15 +365,19 @@ void PanelWindow::RunCommand(uint32_t id) {
     m_content->list.ClearMarks();
     const size_t linesBefore = m_content->log.CountOfAdded();
     m_isBusy = true;
+    m_foundNothing = false;
     SendMessageW(m_content->status, SB_SETTEXTW, 0, reinterpret_cast<LPARAM>(Text(PanelText::Working).c_str()));
     const bool isHandled = m_session.RunCommand(id);
     state.settings.Save();
     m_isBusy = false;
     if (!isHandled) ShowLine(FormatText(Text(PanelText::NotHandled), {id}), Tone::Failure);
-    // Some commands say nothing when all went well. Where no dialog was seen either, people would wonder.
+    // Some commands say nothing when all went well, and extensions do nothing where nothing is selected. Where no
+    // dialog was seen either, people would wonder.
     const MenuModel::Command* const command = state.menus.Find(id);
-    if (command && !OpensDialog(*command) && m_content->log.CountOfAdded() == linesBefore)
-        ShowLine(FormatText(Text(PanelText::Ended), {TitleOf(*command)}), Tone::Note);
+    if (command && m_content->log.CountOfAdded() == linesBefore && (m_foundNothing || !OpensDialog(*command))) {
+        const PanelText text = m_foundNothing ? PanelText::NothingSelected : PanelText::Ended;
+        ShowLine(FormatText(Text(text), {TitleOf(*command)}), Tone::Note);
+    }
     Refresh();
 }
 

@@ -90,7 +90,8 @@ private:
     std::optional<Content> m_content;
     std::vector<std::wstring> m_before;  // folders shown earlier, the latest last
     bool m_isOpen = false;
-    bool m_isBusy = false;  // a command runs, and may handle messages meanwhile
+    bool m_isBusy = false;        // a command runs, and may handle messages meanwhile
+    bool m_foundNothing = false;  // the running command asked for the selection, and there was none
     mutable bool m_isStatusOld = false;
 };
 

@@ -4,6 +4,7 @@
 
 #include "sdk/boundary.h"
 #include "sdk/owners.h"
+#include "win32/path.h"
 #include "win32/windows.h"
 
 namespace BatchRename {
@@ -13,6 +14,23 @@ using namespace Quorvane::SDK;
 namespace {
 
 constexpr ULONGLONG kProgressPause = 100;  // milliseconds between two words about progress
+/// What became of the run, for those who look when the window is closed. What was renamed is in the undo session.
+void LogRun(IHostServices& host, const RunResult& result, bool isRestore) {
+    for (size_t row = 0; row < result.outcomes.size(); ++row) {
+        const RowOutcome& outcome = result.outcomes[row];
+        if (outcome.code == RenameResult::Renamed || outcome.code == RenameResult::Ignored ||
+            outcome.code == ERROR_CANCELLED)
+            continue;
+        const BatchRenameItem& item = *result.rows[row];
+        host.Log(kLogLevel, LogKind::Failure, L"[Batch Rename] - Failed : %s : %s",
+                 Win32::JoinPath(item.location, item.currentName).c_str(), outcome.reason.c_str());
+    }
+    const std::wstring counts = RunStatusText(result.counts, isRestore);
+    const uint32_t kind = result.counts.FailedCount() == 0 ? LogKind::Success : LogKind::Failure;
+    if (!counts.empty()) host.Log(kLogLevel, kind, L"[Batch Rename] - %s", counts.c_str());
+    if (!result.error.empty()) host.Log(kLogLevel, LogKind::Failure, L"[Batch Rename] - %s", result.error.c_str());
+}
+
 constexpr wchar_t kFailed[] = L"The run failed before its end. The undo manager shows what was renamed.";
 
 }  // namespace
@@ -73,6 +91,11 @@ void RunController::Run(RunRequest request, std::unique_ptr<RunResult> result) {
         result->error = kFailed;
     }
     result->rows = std::move(request.rows);
+    if (m_services)
+        AtBoundary(false, [&] {
+            LogRun(*m_services, *result, request.session != nullptr);
+            return true;
+        });
     m_result = std::move(result);
     m_onEnd();
 }

@@ -42,6 +42,7 @@ uint32_t RunGrantAccess(IHostServices& host, uint32_t) {
     RunSecurityWork(host, selection,
                     {.requestId = kGrantAccessRequest,
                      .failureText = 120_e,
+                     .done = L"Access granted to " + chosen->account,
                      .writeRequest =
                          [&](IRequestWriter& writer) {
                              WriteAccessGrant(writer, {chosen->mask, chosen->account, selection.paths});

@@ -20,6 +20,7 @@ uint32_t RunResetAccess(IHostServices& host, uint32_t) {
     RunSecurityWork(host, selection,
                     {.requestId = kResetAccessRequest,
                      .failureText = 125_e,
+                     .done = L"Access reset to inherited",
                      .writeRequest = [&](IRequestWriter& writer) { WritePaths(writer, selection.paths); },
                      .change = Reset});
     return 1;

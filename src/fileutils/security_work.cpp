@@ -56,6 +56,7 @@ bool RunSecurityWork(IHostServices& host, const SecuritySelection& selection, co
             ShowFailure(host, error, work.failureText);
             return !reply;
         }
+        host.Log(kLogLevel, LogKind::Success, L"[Security] - %s : %s", work.done.c_str(), selection.paths[at].c_str());
         if (work.onChanged) work.onChanged(*selection.items[at]);
     }
     return true;

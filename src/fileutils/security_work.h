@@ -27,6 +27,7 @@ using SecurityChange = std::function<uint32_t(const std::wstring& path)>;
 struct SecurityWork {
     uint32_t requestId;
     Quorvane::SDK::TextId failureText;  // for other errors than a denied access; has a place for the code
+    std::wstring done;                  // what the log says of each item that was changed
     std::function<void(Quorvane::SDK::IRequestWriter&)> writeRequest;
     SecurityChange change;
     std::function<void(Quorvane::SDK::IFileItem&)> onChanged = {};

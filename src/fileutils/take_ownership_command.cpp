@@ -45,6 +45,7 @@ uint32_t RunTakeOwnership(IHostServices& host, uint32_t) {
         RunSecurityWork(host, selection,
                         {.requestId = kTakeOwnershipRequest,
                          .failureText = 126_e,
+                         .done = L"Ownership taken",
                          .writeRequest = [&](IRequestWriter& writer) { WritePaths(writer, selection.paths); },
                          .change = [&](const std::wstring& path) { return MakeOwner(path, user); },
                          .onChanged = RefreshOwner});

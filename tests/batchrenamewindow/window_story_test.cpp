@@ -61,6 +61,10 @@ TEST(RenameWindow, RenamesShowsAndTakesBack) {
     EXPECT_EQ(window.Panel().Text(IDC_NAME_TEMPLATE), L"[N]-[C]");
     window.Panel().PressLater(IDC_CLOSE);
     EXPECT_TRUE(window.WaitFor([&] { return !window.Frame(); }));
+    window.EndHost();
+    for (const char* line : {"[Batch Rename] - Failed : ", "\\b.txt : \"taken.txt\" is there already\n",
+                             "[Batch Rename] - 2 Renamed, 1 Failed\n", "[Batch Rename] - 2 Restored\n"})
+        EXPECT_NE(window.Log().find(line), std::string::npos) << line << window.Log();
 }
 
 TEST(RenameWindow, SwapsTurnsRingsAndRefreshes) {

@@ -232,6 +232,7 @@ TEST(SecurityWork, StopsAtTheFirstFailureAndShowsIt) {
         RunSecurityWork(host.Services(), GatherSecuritySelection(host.Services()),
                         {.requestId = 1,
                          .failureText = SDK::MakeTextId(126, 'e'),
+                         .done = L"Changed",
                          .writeRequest = [](SDK::IRequestWriter&) {},
                          .change =
                              [&](const std::wstring& path) {
@@ -244,6 +245,7 @@ TEST(SecurityWork, StopsAtTheFirstFailureAndShowsIt) {
         const size_t at = host.Notes().find(c.message);
         EXPECT_NE(at, std::string::npos) << host.Notes();
         EXPECT_EQ(host.Notes().find("[question]", at), std::string::npos) << "one message";
+        EXPECT_TRUE(Holds(host.Log(), "[Security] - Changed : C:\\1"));
         EXPECT_TRUE(Holds(host.Log(), "C:\\2"));
     }
 }

@@ -86,6 +86,7 @@ TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
     } cases[] = {
         {"a failed file", {L"command", L"40000", host.Folder() / L"bad.txt"}, 1, "[failed] "},
         {"a done file", {L"command", L"40000", host.Folder() / L"good.txt"}, 0, "[done] "},
+        {"no file", {L"command", L"40000"}, 0, "[note] no files are given"},
         {"a command in no menu", {L"command", L"40001"}, 0, ""},
         {"not handled", {L"command", L"9"}, 1, "no extension handles the command 9"},
         {"wildcards", {L"command", L"40000", host.Folder() / L"g?od.*"}, 0, "good.txt\n"},
