@@ -153,7 +153,7 @@ void RowListView::Refresh(bool areInPlace) {
         m_keptFocus = std::move(isFocused);
         return;
     }
-    if (areInPlace && isSelected.size() == rows->size())
+    if (rows == m_shownRows || (areInPlace && isSelected.size() == rows->size()))
         SetStates(isSelected, isFocused);
     else
         SetStates(CarriedMarks(*m_shownRows, isSelected, *rows), CarriedMarks(*m_shownRows, isFocused, *rows));

@@ -92,17 +92,17 @@ std::vector<bool> CarriedMarks(const RenameItems& before, const std::vector<bool
     std::vector<bool> carried(now.size(), false);
     if (std::ranges::find(isMarked, true) == isMarked.end()) return carried;
     std::unordered_map<const BatchRenameItem*, bool> rows;
+    for (size_t row = 0; row < before.size(); ++row) rows.emplace(before[row].get(), isMarked[row]);
+    const auto known = [&](const auto& row) { return rows.contains(row.get()); };
+    if (std::ranges::any_of(now, known)) {
+        for (size_t row = 0; row < now.size(); ++row) carried[row] = known(now[row]) && rows[now[row].get()];
+        return carried;
+    }
+    const auto pathOf = [](const auto& row) { return Win32::JoinPath(row->location, row->currentName); };
     std::unordered_set<std::wstring> paths;
-    for (size_t row = 0; row < before.size(); ++row) {
-        rows.emplace(before[row].get(), isMarked[row]);
-        if (isMarked[row]) paths.insert(Win32::JoinPath(before[row]->location, before[row]->currentName));
-    }
-    const bool areNew = std::ranges::none_of(now, [&](const auto& row) { return rows.contains(row.get()); });
-    for (size_t row = 0; row < now.size(); ++row) {
-        const auto known = rows.find(now[row].get());
-        carried[row] = areNew ? paths.contains(Win32::JoinPath(now[row]->location, now[row]->currentName))
-                              : known != rows.end() && known->second;
-    }
+    for (size_t row = 0; row < before.size(); ++row)
+        if (isMarked[row]) paths.insert(pathOf(before[row]));
+    for (size_t row = 0; row < now.size(); ++row) carried[row] = paths.contains(pathOf(now[row]));
     return carried;
 }
 
