@@ -154,8 +154,8 @@ TEST(RenameWindow, GivesTheNamesTheWidthThatIsToSpare) {
     const LONG wider = resize(2000) - narrow;
     const std::vector<LONG> after = columns();
     EXPECT_GT(wider, 20);
-    EXPECT_NEAR(after[0] - before[0], wider / 2, 1);
-    EXPECT_NEAR(after[1] - before[1], wider / 2, 1);
+    EXPECT_NEAR(2 * (after[0] - before[0]), wider, 2);
+    EXPECT_NEAR(2 * (after[1] - before[1]), wider, 2);
     EXPECT_EQ(std::vector<LONG>(after.begin() + 2, after.end()), std::vector<LONG>(before.begin() + 2, before.end()));
     resize(1000);
     EXPECT_EQ(columns(), before);

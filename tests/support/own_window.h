@@ -42,6 +42,7 @@ inline std::wstring CellOf(HWND list, int row, int column) {
 inline std::vector<std::wstring> ColumnOf(HWND list, int column) {
     std::vector<std::wstring> cells;
     const auto count = static_cast<int>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0));
+    cells.reserve(static_cast<size_t>(count));
     for (int row = 0; row < count; ++row) cells.push_back(CellOf(list, row, column));
     return cells;
 }
