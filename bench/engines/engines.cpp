@@ -7,15 +7,15 @@
 #include <string>
 #include <vector>
 
-#include "batchrename/rename_plan.h"
-#include "batchrename/rename_rule.h"
-#include "fileutils/base64.h"
-#include "fileutils/text_conversion.h"
+#include "fileutils/conversions/base64.h"
+#include "fileutils/conversions/text_conversion.h"
 #include "findreplace/line_matcher.h"
 #include "findreplace/wildcard.h"
 #include "linesorter/date_key.h"
 #include "linesorter/line_compare.h"
 #include "linesorter/sort_key.h"
+#include "rename/rename_plan.h"
+#include "rename/rename_rule.h"
 #include "textio/encoding.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/text.h"
+#include "host/app/host_text.h"
 #include "win32/path.h"
 
 #include <shlwapi.h>

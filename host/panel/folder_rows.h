@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/file_objects.h"
+#include "host/contract/file_objects.h"
 #include "win32/folder.h"
 #include "win32/windows.h"
 

@@ -5,8 +5,8 @@
 #include <set>
 #include <utility>
 
+#include "host/app/host_text.h"
 #include "host/panel/panel_texts.h"
-#include "host/text.h"
 #include "sdk/file_list.h"
 #include "win32/letter_case.h"
 #include "win32/path.h"

@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "host/column_values.h"
-#include "host/language.h"
+#include "host/app/column_values.h"
+#include "host/contract/language.h"
+#include "host/contract/panel_view.h"
 #include "host/panel/folder_rows.h"
 #include "host/panel/panel_look.h"
 #include "host/panel/property_worker.h"
-#include "host/panel_view.h"
 
 #include <commctrl.h>
 

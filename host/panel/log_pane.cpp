@@ -4,7 +4,7 @@
 #include <cstring>
 #include <utility>
 
-#include "host/text.h"
+#include "host/app/host_text.h"
 #include "win32/handle.h"
 
 namespace QVHost {

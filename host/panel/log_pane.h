@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "host/contract/panel_view.h"
 #include "host/panel/panel_look.h"
-#include "host/panel_view.h"
 
 #include <commctrl.h>
 

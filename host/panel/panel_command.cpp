@@ -1,9 +1,9 @@
 #include "host/panel/panel_command.h"
 
-#include "host/host_error.h"
-#include "host/message_pump.h"
+#include "host/app/host_error.h"
+#include "host/app/message_pump.h"
+#include "host/app/unix_paths.h"
 #include "host/panel/panel_window.h"
-#include "host/unix_paths.h"
 #include "win32/handle.h"
 
 #include <ole2.h>

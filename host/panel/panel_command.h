@@ -1,8 +1,8 @@
 // panel_command.h - `qvhost panel [FOLDER]`: the host as a window.
 #pragma once
 
-#include "host/command_line.h"
-#include "host/session.h"
+#include "host/app/command_line.h"
+#include "host/app/session.h"
 
 namespace QVHost {
 

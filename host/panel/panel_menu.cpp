@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "host/app/host_text.h"
 #include "host/panel/panel_texts.h"
-#include "host/text.h"
 #include "win32/letter_case.h"
 
 namespace QVHost {

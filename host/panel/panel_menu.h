@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "host/language.h"
-#include "host/menus.h"
+#include "host/contract/language.h"
+#include "host/contract/menus.h"
 #include "win32/handle.h"
 
 namespace QVHost {

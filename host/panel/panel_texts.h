@@ -1,7 +1,7 @@
 // panel_texts.h - the panel's own texts. They stand in the section [Panel] of the language file, numbered as here.
 #pragma once
 
-#include "host/language.h"
+#include "host/contract/language.h"
 
 namespace QVHost {
 

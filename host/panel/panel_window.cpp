@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <array>
 
-#include "host/boundary.h"
-#include "host/host_error.h"
+#include "host/app/host_error.h"
+#include "host/app/host_text.h"
+#include "host/app/unix_paths.h"
+#include "host/contract/host_boundary.h"
 #include "host/panel/common_controls.h"
-#include "host/text.h"
-#include "host/unix_paths.h"
 #include "sdk/text_format.h"
 #include "win32/path.h"
 

@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "host/app/session.h"
 #include "host/panel/folder_view.h"
 #include "host/panel/log_pane.h"
 #include "host/panel/panel_look.h"
 #include "host/panel/panel_menu.h"
 #include "host/panel/panel_texts.h"
-#include "host/session.h"
 
 #include <shellapi.h>
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "host/boundary.h"
+#include "host/contract/host_boundary.h"
 
 namespace QVHost {
 namespace {

@@ -10,7 +10,7 @@
 #include <thread>
 #include <vector>
 
-#include "host/column_values.h"
+#include "host/app/column_values.h"
 
 namespace QVHost {
 

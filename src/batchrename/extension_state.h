@@ -7,7 +7,7 @@
 #include <mutex>
 
 #include "batchrename/gated_host.h"
-#include "batchrename/preview.h"
+#include "batchrename/model/preview.h"
 #include "batchrename/profiles.h"
 #include "batchrename/rule_context.h"
 #include "sdk/owners.h"

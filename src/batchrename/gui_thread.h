@@ -4,8 +4,8 @@
 #include <memory>
 
 #include "batchrename/extension_state.h"
-#include "batchrename/main_frame.h"
 #include "batchrename/message_loop.h"
+#include "batchrename/window/main_frame.h"
 #include "win32/handle.h"
 
 namespace BatchRename {

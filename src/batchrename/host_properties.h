@@ -1,7 +1,7 @@
 // host_properties.h - property tags ask the host, through its file operations.
 #pragma once
 
-#include "batchrename/rename_rule.h"
+#include "rename/rename_rule.h"
 #include "sdk/owners.h"
 
 namespace BatchRename {

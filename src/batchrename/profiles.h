@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "batchrename/rename_rule.h"
+#include "rename/rename_rule.h"
 #include "sdk/host_services.h"
 
 namespace BatchRename {

@@ -1,7 +1,7 @@
 // row_collection.h - the host's selection as rows.
 #pragma once
 
-#include "batchrename/preview.h"
+#include "batchrename/model/preview.h"
 #include "sdk/host_services.h"
 
 namespace BatchRename {

@@ -4,8 +4,8 @@
 #include <atomic>
 #include <cstdint>
 
-#include "batchrename/rename_rule.h"
-#include "batchrename/undo_store.h"
+#include "batchrename/run/undo_store.h"
+#include "rename/rename_rule.h"
 
 namespace BatchRename {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "fileutils/command_table.h"
-#include "fileutils/control_panel.h"
+#include "fileutils/control_panel/control_panel.h"
 #include "fileutils/extension_ids.h"
 #include "sdk/boundary.h"
 

@@ -1,6 +1,6 @@
 #include "ui/activation_context.h"
 
-#include "ui/resource.h"
+#include "ui/ui_resource.h"
 #include "win32/module.h"
 
 #include <commctrl.h>

@@ -1,4 +1,4 @@
-#include "batchrename/rename_run.h"
+#include "batchrename/run/rename_run.h"
 
 #include <algorithm>
 #include <random>

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "batchrename/rename_item.h"
+#include "rename/rename_item.h"
 
 namespace QVTest {
 

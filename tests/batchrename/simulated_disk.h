@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "batchrename/rename_plan.h"
-#include "batchrename/restore_rows.h"
+#include "rename/rename_plan.h"
+#include "rename/restore_rows.h"
 #include "sdk/services.h"
 
 namespace QVTest {

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "batchrename/undo_session.h"
-#include "batchrename/undo_store.h"
+#include "batchrename/run/undo_store.h"
+#include "rename/undo_session.h"
 #include "rows.h"
 #include "support/temporary_folder.h"
 #include "win32/handle.h"

@@ -7,10 +7,10 @@
 
 #include <gtest/gtest.h>
 
-#include "batchrename/frame_messages.h"
-#include "batchrename/resource.h"
-#include "host/xml_document.h"
-#include "host/xml_service.h"
+#include "batchrename/dialogs/batchrename_resource.h"
+#include "batchrename/window/frame_messages.h"
+#include "host/xml/xml_document.h"
+#include "host/xml/xml_service.h"
 #include "reliability/in_process_host.h"
 #include "reliability/replaced_imports.h"
 #include "support/dialog_driver.h"

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "batchrename/frame_messages.h"
-#include "batchrename/resource.h"
-#include "host/command_line.h"
-#include "host/message_pump.h"
-#include "host/run.h"
+#include "batchrename/dialogs/batchrename_resource.h"
+#include "batchrename/window/frame_messages.h"
+#include "host/app/command_line.h"
+#include "host/app/message_pump.h"
+#include "host/app/run.h"
 #include "support/own_window.h"
 #include "win32/folder.h"
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "batchrename/resource.h"
-#include "host/session.h"
+#include "batchrename/dialogs/batchrename_resource.h"
+#include "host/app/session.h"
 #include "support/dialog_driver.h"
 #include "support/own_window.h"
 #include "support/temporary_folder.h"

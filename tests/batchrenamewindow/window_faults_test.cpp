@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "batchrename/resource.h"
+#include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrenamewindow/rename_window.h"
 #include "reliability/failing_memory.h"
 #include "reliability/replaced_imports.h"

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "batchrename/resource.h"
+#include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrenamewindow/rename_window.h"
 #include "support/fake_panel.h"
 

@@ -3,16 +3,16 @@
 
 #include <gtest/gtest.h>
 
+#include "batchrename/dialogs/tags.h"
 #include "batchrename/extension_state.h"
-#include "batchrename/name_fit.h"
-#include "batchrename/name_sample.h"
-#include "batchrename/rename_options.h"
-#include "batchrename/row_order.h"
-#include "batchrename/row_status.h"
+#include "batchrename/model/name_fit.h"
+#include "batchrename/model/name_sample.h"
+#include "batchrename/model/row_order.h"
+#include "batchrename/model/row_status.h"
+#include "batchrename/model/rows_after_run.h"
+#include "batchrename/model/window_position.h"
 #include "batchrename/rows.h"
-#include "batchrename/rows_after_run.h"
-#include "batchrename/tags.h"
-#include "batchrename/window_position.h"
+#include "rename/rename_options.h"
 #include "support/fake_panel.h"
 #include "support/services_of_host.h"
 

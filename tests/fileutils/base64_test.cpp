@@ -1,12 +1,12 @@
 // Base64: the letters and lines against a plain model, headers by their bytes, and the commands there and back.
-#include "fileutils/base64.h"
+#include "fileutils/conversions/base64.h"
 
 #include <algorithm>
 
 #include <gtest/gtest.h>
 
 #include "fileutils/command_runner.h"
-#include "fileutils/mime_header.h"
+#include "fileutils/conversions/mime_header.h"
 #include "support/small_texts.h"
 #include "win32/files.h"
 #include "win32/handle.h"

@@ -1,5 +1,5 @@
 // The control panel: its menu under every combination of the host's flags, and what opening an item starts.
-#include "fileutils/control_panel.h"
+#include "fileutils/control_panel/control_panel.h"
 
 #include <regex>
 

@@ -2,9 +2,9 @@
 #include <gtest/gtest.h>
 
 #include "fileutils/command_runner.h"
-#include "fileutils/link_rules.h"
-#include "ui/create_links_dlg.h"
-#include "ui/resource.h"
+#include "fileutils/fileutils_resource.h"
+#include "fileutils/links/create_links_dlg.h"
+#include "fileutils/links/link_rules.h"
 #include "win32/files.h"
 
 namespace {

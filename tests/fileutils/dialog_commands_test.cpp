@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "fileutils/command_runner.h"
-#include "ui/resource.h"
+#include "fileutils/fileutils_resource.h"
 
 namespace {
 

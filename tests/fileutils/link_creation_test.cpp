@@ -1,5 +1,5 @@
 // Links: a junction's bytes, what the system is asked for, and "CreateLink" here and in the elevated process.
-#include "fileutils/link_creation.h"
+#include "fileutils/links/link_creation.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 // Quick renames and the group rename: the names they make, and the commands from the selection to the folder.
-#include "fileutils/quick_rename.h"
+#include "fileutils/names/quick_rename.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 // Text replaced in names: what becomes of them, and the command with its dialog.
-#include "fileutils/replace_in_names.h"
+#include "fileutils/names/replace_in_names.h"
 
 #include <gtest/gtest.h>
 
 #include "fileutils/command_runner.h"
-#include "ui/resource.h"
+#include "fileutils/fileutils_resource.h"
 
 namespace {
 

@@ -4,20 +4,20 @@
 
 #include <gtest/gtest.h>
 
+#include "fileutils/access/change_access_dlg.h"
+#include "fileutils/access/grant_access_command.h"
+#include "fileutils/access/picked_account.h"
+#include "fileutils/access/reset_access_command.h"
+#include "fileutils/access/security_work.h"
+#include "fileutils/access/take_ownership_command.h"
 #include "fileutils/command_runner.h"
-#include "fileutils/create_link_command.h"
 #include "fileutils/elevated_path.h"
-#include "fileutils/grant_access_command.h"
-#include "fileutils/picked_account.h"
-#include "fileutils/reset_access_command.h"
-#include "fileutils/security_work.h"
-#include "fileutils/take_ownership_command.h"
-#include "host/request_fields.h"
+#include "fileutils/fileutils_resource.h"
+#include "fileutils/links/create_link_command.h"
+#include "host/elevated/request_fields.h"
 #include "security/account_names.h"
 #include "support/fake_panel.h"
 #include "support/services_of_host.h"
-#include "ui/change_access_dlg.h"
-#include "ui/resource.h"
 #include "win32/files.h"
 
 #include <aclapi.h>

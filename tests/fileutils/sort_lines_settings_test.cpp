@@ -1,4 +1,4 @@
-#include "fileutils/sort_lines_settings.h"
+#include "fileutils/sort_lines/sort_lines_settings.h"
 
 #include <gtest/gtest.h>
 

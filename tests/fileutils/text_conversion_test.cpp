@@ -1,5 +1,5 @@
 // Line ends and tabs: the bytes, against a plain model and at every cut, and the commands from selection to file.
-#include "fileutils/text_conversion.h"
+#include "fileutils/conversions/text_conversion.h"
 
 #include <gtest/gtest.h>
 

@@ -7,9 +7,9 @@
 
 #include <gtest/gtest.h>
 
-#include "host/text.h"
-#include "host/unix_paths.h"
-#include "host/whole_file.h"
+#include "host/app/host_text.h"
+#include "host/app/unix_paths.h"
+#include "host/contract/whole_file.h"
 #include "support/host_run.h"
 #include "support/temporary_folder.h"
 

@@ -1,9 +1,9 @@
-#include "host/command_line.h"
+#include "host/app/command_line.h"
 
 #include <gtest/gtest.h>
 
-#include "host/host_error.h"
-#include "host/nearest_name.h"
+#include "host/app/host_error.h"
+#include "host/app/nearest_name.h"
 
 namespace {
 

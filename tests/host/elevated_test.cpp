@@ -4,10 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include "host/elevated_channel.h"
-#include "host/elevated_protocol.h"
-#include "host/message_pipe.h"
-#include "host/process_image.h"
+#include "host/elevated/elevated_channel.h"
+#include "host/elevated/elevated_protocol.h"
+#include "host/elevated/message_pipe.h"
+#include "host/elevated/process_image.h"
 #include "host_runner.h"
 
 #include <aclapi.h>

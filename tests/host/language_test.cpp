@@ -1,4 +1,4 @@
-#include "host/language.h"
+#include "host/contract/language.h"
 
 #include <filesystem>
 #include <fstream>
@@ -8,9 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include "host/app/host_text.h"
+#include "host/contract/whole_file.h"
 #include "host/panel/panel_texts.h"
-#include "host/text.h"
-#include "host/whole_file.h"
 #include "host_runner.h"
 
 namespace {

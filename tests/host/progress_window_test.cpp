@@ -1,4 +1,4 @@
-#include "host/progress_window.h"
+#include "host/app/progress_window.h"
 
 #include <gtest/gtest.h>
 

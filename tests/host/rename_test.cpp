@@ -1,4 +1,4 @@
-#include "host/rename_rows.h"
+#include "host/rename/rename_rows.h"
 
 #include <gtest/gtest.h>
 

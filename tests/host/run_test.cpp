@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include "host/output.h"
-#include "host/text.h"
-#include "host/whole_file.h"
+#include "host/app/host_text.h"
+#include "host/app/output.h"
+#include "host/contract/whole_file.h"
 #include "host_runner.h"
 #include "win32/path.h"
 #include "win32/windows.h"

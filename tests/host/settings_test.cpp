@@ -1,4 +1,4 @@
-#include "host/settings_file.h"
+#include "host/contract/settings_file.h"
 
 #include <sstream>
 

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/elevated_channel.h"
+#include "host/elevated/elevated_channel.h"
 #include "reliability/writing_commands.h"
 #include "win32/handle.h"
 

@@ -4,7 +4,7 @@
 #include <functional>
 #include <utility>
 
-#include "host/panel_view.h"
+#include "host/contract/panel_view.h"
 
 namespace QVTest {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/run.h"
+#include "host/app/run.h"
 #include "support/second_process.h"
 #include "win32/handle.h"
 #include "win32/path.h"

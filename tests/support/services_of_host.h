@@ -6,9 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include "host/host_services.h"
-#include "host/session.h"
-#include "host/whole_file.h"
+#include "host/app/session.h"
+#include "host/contract/extension_services.h"
+#include "host/contract/whole_file.h"
 #include "support/temporary_folder.h"
 #include "win32/path.h"
 

@@ -3,11 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include "fileutils/fileutils_resource.h"
 #include "support/dialog_driver.h"
 #include "ui/activation_context.h"
 #include "ui/controls.h"
 #include "ui/dialog.h"
-#include "ui/resource.h"
 
 #include <commctrl.h>
 

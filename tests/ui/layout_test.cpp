@@ -5,11 +5,11 @@
 
 #include <gtest/gtest.h>
 
-#include "batchrename/resource.h"
+#include "batchrename/dialogs/batchrename_resource.h"
+#include "fileutils/fileutils_resource.h"
 #include "ui/activation_context.h"
 #include "ui/controls.h"
 #include "ui/dialog.h"
-#include "ui/resource.h"
 
 namespace {
 

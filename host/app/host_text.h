@@ -1,0 +1,45 @@
+// host_text.h - short helpers for texts: UTF-8 in and out, copies into an extension's buffers.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace QVHost {
+
+/// For showing: a lone surrogate comes out as the replacement character.
+std::string ToUtf8(std::wstring_view text);
+
+/// Nothing when `bytes` are not valid UTF-8.
+std::optional<std::wstring> FromUtf8(std::string_view bytes);
+/// The same into a text that serves again for many; false when they are not.
+bool FromUtf8(std::string_view bytes, std::wstring& text);
+
+/// Copies as the contract says: at most `capacity` units with the closing zero. The result is the whole text's length
+/// in units; a null buffer or no capacity only asks for it.
+uint32_t CopyText(std::wstring_view text, wchar_t* buffer, uint32_t capacity);
+
+/// The text up to the first zero, at most `size` units: fields of records need not end with a zero.
+std::wstring TextOfField(const wchar_t* field, size_t size);
+std::wstring TextOfField(const char* field, size_t size);
+
+/// "" for null.
+std::wstring TextOrEmpty(const wchar_t* text);
+
+/// Each line break (CR LF counts once) as one blank.
+std::wstring OnOneLine(std::wstring_view text);
+/// Appends the same.
+void AppendOnOneLine(std::wstring& line, std::wstring_view text);
+
+/// Without regard to upper and lower case, by the system's own table (the one for file names).
+bool EqualIgnoringCase(std::wstring_view left, std::wstring_view right);
+
+/// The lines of a text file's bytes: LF or CR LF ends a line, a final one opens none, a UTF-8 mark is skipped.
+std::vector<std::string_view> LinesOf(std::string_view bytes);
+
+/// The system's text for a Windows error code, behind the number: "error 5 (Access denied.)".
+std::wstring DescribeError(uint32_t code);
+
+}  // namespace QVHost

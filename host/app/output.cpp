@@ -1,0 +1,75 @@
+#include "host/app/output.h"
+
+#include <cstdlib>
+
+#include "host/app/host_text.h"
+#include "win32/windows.h"
+
+namespace QVHost {
+namespace {
+
+constexpr size_t kBlock = size_t{64} * 1024;  // bytes
+
+}  // namespace
+
+void Output::ShowIn(IPanelView* panel) {
+    Flush();
+    m_panel = panel;
+}
+
+void Output::Line(std::wstring_view text, Tone tone) {
+    if (m_panel) m_panel->ShowLine(text, tone);
+    const std::lock_guard lock(m_mutex);
+    m_pending += ToUtf8(text);
+    m_pending += '\n';
+    if (m_flushLines || m_pending.size() >= kBlock) FlushLines();
+}
+
+void Output::Lines(std::string_view lines) {
+    if (m_panel)
+        for (const std::string_view line : LinesOf(lines))
+            m_panel->ShowLine(FromUtf8(line).value_or(std::wstring()), Tone::Plain);
+    const std::lock_guard lock(m_mutex);
+    m_pending += lines;
+    if (m_flushLines || m_pending.size() >= kBlock) FlushLines();
+}
+
+void Output::Note(std::wstring_view text, Tone tone) {
+    if (m_panel) m_panel->ShowLine(text, tone);
+    const std::lock_guard lock(m_mutex);
+    FlushLines();
+    m_error << ToUtf8(text) + '\n' << std::flush;
+}
+
+void Output::Prompt(std::wstring_view text) {
+    const std::lock_guard lock(m_mutex);
+    FlushLines();
+    m_error << ToUtf8(text) << std::flush;
+}
+
+bool Output::Flush() {
+    const std::lock_guard lock(m_mutex);
+    FlushLines();
+    return m_isWhole;
+}
+
+void Output::FlushLines() {
+    if (m_pending.empty()) return;
+    _doserrno = ERROR_SUCCESS;
+    m_out.write(m_pending.data(), static_cast<std::streamsize>(m_pending.size()));
+    m_out.flush();
+    m_pending.clear();
+    // A panel shows the lines itself; started by a double click, it has no standard output.
+    if (!m_out && !m_panel && m_isWhole) ReportLoss(_doserrno);
+}
+
+void Output::ReportLoss(unsigned long error) {
+    m_isWhole = false;
+    // Whoever reads has had enough, as `head` does: no news for a person.
+    if (error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA || error == ERROR_PIPE_NOT_CONNECTED) return;
+    std::wstring text = L"qvhost: standard output cannot be written";
+    if (error != ERROR_SUCCESS) text += L": " + DescribeError(error);
+    m_error << ToUtf8(text) + '\n' << std::flush;
+}
+
+}  // namespace QVHost

@@ -1,0 +1,188 @@
+#include "host/app/run.h"
+
+#include <algorithm>
+
+#include "host/app/columns_command.h"
+#include "host/app/command_line.h"
+#include "host/app/host_error.h"
+#include "host/app/host_text.h"
+#include "host/app/listings.h"
+#include "host/app/message_pump.h"
+#include "host/app/nearest_name.h"
+#include "host/app/selection.h"
+#include "host/app/session.h"
+#include "host/elevated/elevated_server.h"
+#include "host/panel/panel_command.h"
+#include "host/rename/rename_command.h"
+#include "host/rename/undo_command.h"
+#include "win32/files.h"
+#include "win32/path.h"
+
+namespace QVHost {
+namespace {
+
+constexpr std::wstring_view kPathPlace = L"{}";  // in the arguments of a call that is made for each path
+
+std::wstring Wide(const std::string& text) {
+    return FromUtf8(text).value_or(L"");
+}
+
+/// The status of a command that was `handled`, with everything that counts against it.
+int StatusOf(HostState& state, bool handled, uint32_t resultCode) {
+    const bool isSaved = state.settings.Save();
+    const bool isLogged = state.log.Flush();
+    state.failedCount += state.loggedFailures.exchange(0);
+    const bool isDone = handled && resultCode == 0 && state.failedCount == 0 && isSaved && isLogged;
+    return isDone ? ExitStatus::Done : ExitStatus::Failed;
+}
+
+const CustomCommand& FindCustomCommand(const CustomCommandTable& table, const std::wstring& name) {
+    if (const CustomCommand* command = table.Find(name)) return *command;
+    std::vector<std::wstring> known;
+    for (const CustomCommand* command : table.Commands()) known.push_back(Wide(command->Name()));
+    throw UsageError(L"there is no custom command \"" + name + L"\"" + DidYouMean(name, known) +
+                     L" (qvhost commands lists them)");
+}
+
+/// One call with the arguments as they are. @throws UsageError for arguments that the command does not take
+bool CallOnce(Session& session, const CustomCommand& command, const std::vector<std::wstring>& arguments) {
+    HostState& state = session.State();
+    CustomCommandCall call(command);
+    for (const std::wstring& argument : arguments) call.SetArgument(argument);
+
+    Quorvane::SDK::IPluginInterface* const extension = session.Extensions()[command.Extension()]->Commands();
+    const bool handled = extension && extension->OnCustomCommand(&call) != 0;
+    state.failedCount += state.loggedFailures.exchange(0);
+    if (!call.ResultText().empty()) state.output.Note(L"[result] " + call.ResultText());
+    if (call.ResultCode() != 0) state.output.Note(L"[result] " + DescribeError(call.ResultCode()));
+    // The extension decides what it makes of a call without them; a person wants to know why nothing happened.
+    const std::vector<std::wstring> missing = call.MissingParameters();
+    for (const std::wstring& name : missing)
+        if (!handled) state.output.Note(L"qvhost: " + Wide(command.Name()) + L" needs " + name);
+    if (!handled && missing.empty()) state.output.Note(L"qvhost: " + Wide(command.Name()) + L" was not done");
+    return handled && call.ResultCode() == 0;
+}
+
+/// `arguments` with the path in the place of each {}.
+std::vector<std::wstring> ArgumentsFor(std::vector<std::wstring> arguments, const std::wstring& path) {
+    for (std::wstring& argument : arguments)
+        for (size_t at = 0; (at = argument.find(kPathPlace, at)) != std::wstring::npos; at += path.size())
+            argument.replace(at, kPathPlace.size(), path);
+    return arguments;
+}
+
+int RunCall(Session& session, const HostOptions& options, std::istream& in) {
+    const CustomCommand& command = FindCustomCommand(session.State().customCommands, options.operands.front());
+    const std::vector<std::wstring> arguments(options.operands.begin() + 1, options.operands.end());
+    if (!options.filesFrom) return StatusOf(session.State(), CallOnce(session, command, arguments), 0);
+    if (std::ranges::none_of(arguments, [](const auto& text) { return text.find(kPathPlace) != text.npos; }))
+        throw UsageError(L"with --files-from the place of each path is marked by {}, as in FILE={}");
+    bool isDone = true;
+    HostState& state = session.State();
+    for (const std::wstring& path : SelectedPaths({}, options.filesFrom, in)) {
+        if (IsStopped(state.progressWatch)) {
+            isDone = false;
+            break;
+        }
+        isDone &= CallOnce(session, command, ArgumentsFor(arguments, path));
+    }
+    return StatusOf(state, isDone, 0);
+}
+
+void Select(HostState& state, const std::vector<std::wstring>& given, const std::optional<std::wstring>& listFile,
+            std::istream& in) {
+    for (std::wstring& path : SelectedPaths(given, listFile, in))
+        state.selection.push_back(state.files.MakeItem(std::move(path)));
+}
+
+int RunColumns(Session& session, const HostOptions& options, std::istream& in) {
+    HostState& state = session.State();
+    Select(state, options.operands, options.filesFrom, in);
+    if (state.selection.empty()) throw UsageError(L"columns needs files: qvhost columns PATH...");
+    const ColumnFormat format = options.printsCsv    ? ColumnFormat::Csv
+                                : options.printsJson ? ColumnFormat::Json
+                                                     : ColumnFormat::Table;
+    const bool isWhole = PrintColumns(state.output, state.columns, state.selection, format,
+                                      [&] { return IsStopped(state.progressWatch); });
+    return isWhole ? ExitStatus::Done : ExitStatus::Failed;
+}
+
+int RunCommand(Session& session, const HostOptions& options, std::istream& in) {
+    HostState& state = session.State();
+    uint32_t id = 0;
+    if (!ParseNumber(options.operands.front(), id))
+        throw UsageError(L"\"" + options.operands.front() + L"\" is no command id (qvhost menus lists them)");
+    Select(state, {options.operands.begin() + 1, options.operands.end()}, options.filesFrom, in);
+    const bool handled = session.RunCommand(id);
+    // An extension may have opened a window that works by itself: this command ends with it.
+    PumpWhile(session, [&] { return HasWindowsOfOtherThreads() && !IsStopped(state.progressWatch); });
+    session.ShutdownExtensions();  // a window that is closed only now has settings to keep
+    if (!handled)
+        state.output.Note(L"qvhost: no extension handles the command " + std::to_wstring(id) +
+                          L" (qvhost menus lists them)");
+    return StatusOf(state, handled, 0);
+}
+
+/// The second process has rights that whoever wrote its command line may not have.
+/// @throws UsageError for a library from another folder than the program's, before it is loaded
+void CheckServerLibrary(const HostOptions& options, const HostEnvironment& environment) {
+    const auto folderOf = [](const std::wstring& path) { return std::wstring(Win32::FolderOf(Win32::FullPath(path))); };
+    const std::wstring library = LibraryPath(options, environment);
+    if (!EqualIgnoringCase(folderOf(library), folderOf(environment.program)))
+        throw UsageError(L"elevated-server loads only a library beside this program, not " + library);
+}
+
+int RunElevatedServer(Session& session, const HostOptions& options) {
+    if (options.extension >= session.Extensions().size()) throw UsageError(L"there is no such extension");
+    Quorvane::SDK::IPluginInterface* const extension = session.Extensions()[options.extension]->Commands();
+    if (!extension) throw UsageError(L"this extension handles no requests");
+    const uint32_t error = ServeElevatedRequests(options.pipe, options.extension, *extension);
+    if (error != 0) session.State().output.Note(L"[elevated] the pipe failed: " + DescribeError(error));
+    return StatusOf(session.State(), true, error);
+}
+
+int Run(const HostOptions& options, HostEnvironment& environment, Output& output) {
+    constexpr Action kTakeLists[] = {Action::Call, Action::Columns, Action::Command, Action::Rename};
+    if (options.filesFrom && std::ranges::find(kTakeLists, options.action) == std::end(kTakeLists))
+        throw UsageError(L"--files-from goes with call, columns, command and rename alone");
+    if (options.action == Action::Rename) return RunRename(options, environment, output);
+    if (options.action == Action::Undo) return RunUndo(options, environment, output);
+    if (options.action == Action::ElevatedServer) CheckServerLibrary(options, environment);
+    Session session(options, environment, output);
+    if (options.action == Action::Extensions) {
+        PrintExtensions(output, session.Library().Extensions());
+        return ExitStatus::Done;
+    }
+    if (options.action == Action::Panel) return RunPanel(session, options);
+    session.StartExtensions();
+    switch (options.action) {
+        case Action::Call: return RunCall(session, options, environment.in);
+        case Action::Command: return RunCommand(session, options, environment.in);
+        case Action::Columns: return RunColumns(session, options, environment.in);
+        case Action::ElevatedServer: return RunElevatedServer(session, options);
+        case Action::Menus: PrintMenus(output, session.State().menus); return ExitStatus::Done;
+        default: PrintCustomCommands(output, session.State().customCommands); return ExitStatus::Done;
+    }
+}
+
+}  // namespace
+
+int RunQvHost(const std::vector<std::wstring>& arguments, HostEnvironment& environment) {
+    Output output(environment.out, environment.error, environment.outIsTerminal);
+    try {
+        const int status = Run(ParseCommandLine(arguments), environment, output);
+        return output.Flush() ? status : std::max<int>(status, ExitStatus::Failed);
+    } catch (const HelpText& help) {
+        output.Line(Wide(help.text.substr(0, help.text.find_last_not_of('\n') + 1)));
+        return output.Flush() ? ExitStatus::Done : ExitStatus::Failed;
+    } catch (const UsageError& error) {
+        output.Note(L"qvhost: " + Wide(error.what()));
+        output.Note(L"qvhost: how it goes: qvhost --help");
+        return ExitStatus::WrongUse;
+    } catch (const std::exception& error) {
+        output.Note(L"qvhost: " + Wide(error.what()));
+        return ExitStatus::Failed;
+    }
+}
+
+}  // namespace QVHost

@@ -1,0 +1,90 @@
+#include "host/app/selection.h"
+
+#include <algorithm>
+#include <functional>
+#include <iterator>
+
+#include "host/app/host_error.h"
+#include "host/app/host_text.h"
+#include "host/app/unix_paths.h"
+#include "host/contract/whole_file.h"
+#include "win32/files.h"
+#include "win32/folder.h"
+#include "win32/path.h"
+#include "win32/windows.h"
+
+namespace QVHost {
+namespace {
+
+using TakePath = std::function<void(const std::wstring& path)>;
+
+void ReadList(const std::wstring& listFile, std::istream& in, const TakePath& take) {
+    std::string bytes;
+    if (listFile == L"-") {
+        bytes.assign(std::istreambuf_iterator<char>(in), {});
+    } else {
+        const uint32_t error = ReadWholeFile(FullUserPath(listFile), bytes);
+        if (error != ERROR_SUCCESS)
+            throw UsageError(L"cannot read the list of files " + listFile + L": " + DescribeError(error));
+    }
+    size_t number = 0;
+    std::wstring path;
+    for (const std::string_view line : LinesOf(bytes)) {
+        ++number;
+        const auto place = [&] { return L"line " + std::to_wstring(number) + L" of " + listFile; };
+        if (!FromUtf8(line, path)) throw UsageError(place() + L" is not UTF-8");
+        // Lists such as `find -print0` makes; the system would take what stands before the zero for the path.
+        if (path.find(L'\0') != std::wstring::npos)
+            throw UsageError(place() + L" holds a zero character; each path needs a line of its own");
+        if (!path.empty()) take(path);
+    }
+}
+
+/// A path as it was typed, or, where its name has wildcards and is nobody's, what the wildcards match, in order of
+/// names: no shell of this system does that. Hidden items are left out, as `dir` leaves them out.
+void TakeTyped(const std::wstring& typed, const TakePath& take) {
+    const std::wstring pattern(Win32::FileNameOf(typed));
+    const std::wstring folder(Win32::FolderOf(typed));
+    if (pattern.find_first_of(L"*?") == std::wstring::npos || Win32::Exists(FullUserPath(typed))) {
+        take(typed);
+        return;
+    }
+    std::vector<Win32::FolderEntry> entries;
+    const uint32_t error = Win32::ListFolder(FullUserPath(folder.empty() ? L"." : folder), pattern, entries);
+    if (error != ERROR_SUCCESS) throw UsageError(L"cannot look for " + typed + L": " + DescribeError(error));
+    std::erase_if(entries, [](const auto& entry) { return (entry.attributes & FILE_ATTRIBUTE_HIDDEN) != 0; });
+    if (entries.empty()) throw UsageError(L"there is no file or folder " + typed);
+    std::ranges::sort(entries, {}, &Win32::FolderEntry::name);
+    for (const Win32::FolderEntry& entry : entries) take(folder + entry.name);
+}
+
+}  // namespace
+
+void ForEachSelectedPath(const std::vector<std::wstring>& given, const std::optional<std::wstring>& listFile,
+                         std::istream& in, const TakeSelected& take) {
+    FullUserPaths fullPath;
+    const auto takeFull = [&](const std::wstring& path) {
+        std::wstring& full = fullPath(path);
+        // A folder written with its separator is the folder; the item's name is what stands before it.
+        while (full.size() > 3 && full.back() == L'\\') full.pop_back();
+        take(path, full);
+    };
+    for (const std::wstring& typed : given) TakeTyped(typed, takeFull);
+    if (listFile) ReadList(*listFile, in, takeFull);
+}
+
+std::vector<std::wstring> SelectedPaths(const std::vector<std::wstring>& given,
+                                        const std::optional<std::wstring>& listFile, std::istream& in) {
+    std::vector<std::wstring> paths;
+    ForEachSelectedPath(given, listFile, in, [&](const std::wstring& path, const std::wstring& full) {
+        if (!Win32::Exists(full)) RefuseMissingPath(path);
+        paths.push_back(full);
+    });
+    return paths;
+}
+
+void RefuseMissingPath(const std::wstring& path) {
+    throw UsageError(path.empty() ? L"an empty text is no path" : L"there is no file or folder " + path);
+}
+
+}  // namespace QVHost

@@ -1,0 +1,136 @@
+#include "host/app/session.h"
+
+#include "host/app/host_error.h"
+#include "host/app/host_text.h"
+#include "host/app/unix_paths.h"
+#include "host/contract/whole_file.h"
+#include "host/elevated/process_image.h"
+#include "host/questions/window_answers.h"
+#include "win32/files.h"
+#include "win32/path.h"
+
+namespace QVHost {
+namespace {
+
+constexpr const wchar_t* kLibraryName = L"QVUtils.dll";
+constexpr const wchar_t* kLanguageName = L"qvhost-english.txt";
+constexpr const wchar_t* kConfigurationName = L"QVUtils Host";
+constexpr const wchar_t* kSettingsName = L"settings.json";
+
+std::wstring EnvironmentText(const wchar_t* name) {
+    const DWORD size = GetEnvironmentVariableW(name, nullptr, 0);
+    if (size == 0) return {};
+    std::wstring text(size, L'\0');
+    text.resize(GetEnvironmentVariableW(name, text.data(), size));
+    return text;
+}
+
+/// The path given, in full, or `name` beside the program.
+std::wstring GivenOrBeside(const std::wstring& given, const std::wstring& program, const wchar_t* name) {
+    return given.empty() ? Win32::JoinPath(Win32::FolderOf(program), name) : FullUserPath(given);
+}
+
+/// @throws UsageError
+std::wstring ConfigurationFolder(const HostOptions& options) {
+    if (!options.config.empty()) return Win32::JoinPath(FullUserPath(options.config), L"");
+    const std::wstring folder = EnvironmentText(L"APPDATA");
+    // The current folder is nobody's place for settings.
+    if (folder.empty()) throw UsageError(L"APPDATA names no folder for settings; give one with --config FOLDER");
+    return Win32::JoinPath(Win32::JoinPath(folder, kConfigurationName), L"");
+}
+
+std::unique_ptr<IAnswers> MakeAnswers(const HostOptions& options, const HostEnvironment& environment, Output& output) {
+    if (!options.answers.empty()) return std::make_unique<ScriptedAnswers>(output, options.answers);
+    if (options.asksInWindows) return std::make_unique<WindowAnswers>();
+    if (environment.readAnswer) return std::make_unique<ConsoleAnswers>(output, environment.readAnswer);
+    return std::make_unique<SafeAnswers>();
+}
+
+ProgressWatch MakeProgressWatch(const HostOptions& options, const HostEnvironment& environment) {
+    ProgressWatch watch = environment.progressWatch;
+    watch.isInWindow = options.asksInWindows && !watch.isShown;
+    return watch;
+}
+
+ElevatedLaunch MakeElevatedLaunch(const HostOptions& options, const HostEnvironment& environment) {
+    // The same program: the second process serves no other.
+    ElevatedLaunch launch = {OwnImage(), {}};
+    const auto pass = [&](const wchar_t* option, const std::wstring& value) {
+        launch.options.insert(launch.options.end(), {option, value});
+    };
+    pass(L"--library", GivenOrBeside(options.library, environment.program, kLibraryName));
+    pass(L"--language", GivenOrBeside(options.language, environment.program, kLanguageName));
+    pass(L"--config", ConfigurationFolder(options));
+    if (!options.log.empty()) pass(L"--log", FullUserPath(options.log));
+    return launch;
+}
+
+const std::wstring& Existing(const std::wstring& file, bool mustExist) {
+    if (mustExist && !Win32::Exists(file)) throw UsageError(L"there is no file " + file);
+    return file;
+}
+
+}  // namespace
+
+std::wstring LibraryPath(const HostOptions& options, const HostEnvironment& environment) {
+    return GivenOrBeside(options.library, environment.program, kLibraryName);
+}
+
+HostState MakeHostState(const HostOptions& options, const HostEnvironment& environment, Output& output) {
+    return {.output = output,
+            .log = {output, options.log.empty() ? L"" : FullUserPath(options.log), options.isQuiet},
+            .texts = {},
+            .settings = {output, ConfigurationFolder(options) + kSettingsName},
+            .questions = {output, MakeAnswers(options, environment, output)},
+            .progressWatch = MakeProgressWatch(options, environment),
+            .elevatedLaunch = MakeElevatedLaunch(options, environment),
+            .configurationFolder = ConfigurationFolder(options),
+            // The panel brings its own.
+            .mainWindow = options.asksInWindows && options.action != Action::Panel ? MakeMainWindow() : UniqueWindow(),
+            .isElevated = options.isElevated || options.action == Action::ElevatedServer,
+            .canElevate = options.canElevate,
+            .usesColumnD = options.usesColumnD,
+            .usesColumnE = options.usesColumnE};
+}
+
+Session::Session(const HostOptions& options, HostEnvironment& environment, Output& output)
+    : m_state(MakeHostState(options, environment, output)),
+      m_library(Existing(LibraryPath(options, environment), !options.library.empty())) {
+    ReadLanguage(GivenOrBeside(options.language, environment.program, kLanguageName), !options.language.empty());
+}
+
+void Session::ReadLanguage(const std::wstring& file, bool mustExist) {
+    std::string bytes;
+    const uint32_t error = ReadWholeFile(file, bytes);
+    if (error != ERROR_SUCCESS && mustExist)
+        throw UsageError(L"cannot read the language file " + file + L": " + DescribeError(error));
+    if (error != ERROR_SUCCESS)
+        m_state.output.Note(L"[language] " + file + L" cannot be read; texts show as their ids: " +
+                            DescribeError(error));
+    for (const std::wstring& fault : m_state.texts.Read(bytes))
+        m_state.output.Note(std::wstring(L"[language] ").append(file).append(L": ").append(fault));
+}
+
+void Session::StartExtensions() {
+    for (uint32_t index = 0; index < m_library.Extensions().size(); ++index) {
+        m_services.push_back(std::make_unique<HostServices>(m_state, index, m_library.Extensions()[index]));
+        m_extensions.push_back(std::make_unique<LoadedExtension>(m_library, index, *m_services.back()));
+        if (Quorvane::SDK::IFileProperties* const provider = m_extensions.back()->Properties())
+            m_state.columns.AddProvider(m_state.propertyColumns[index], *provider);
+    }
+}
+
+bool Session::RunCommand(uint32_t id) {
+    const Quorvane::SDK::Command* const command = m_state.menus.Find(id);
+    for (const auto& extension : m_extensions) {
+        if (!extension->Commands() || (command && command->extension != extension->Index())) continue;
+        if (extension->Commands()->OnCommand(id, 0, 0) != 0) return true;
+    }
+    return false;
+}
+
+void Session::ShutdownExtensions() {
+    for (const auto& extension : m_extensions) extension->Shutdown();
+}
+
+}  // namespace QVHost

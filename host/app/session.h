@@ -1,0 +1,55 @@
+// session.h - the host with a library in it: everything made in order, and ended in the opposite one.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "host/app/command_line.h"
+#include "host/app/host_state.h"
+#include "host/app/loaded_library.h"
+#include "host/app/run.h"
+#include "host/contract/extension_services.h"
+
+namespace QVHost {
+
+/// What the host has, without a library in it.
+/// @throws HostError when the log file cannot be opened
+HostState MakeHostState(const HostOptions& options, const HostEnvironment& environment, Output& output);
+
+/// The library to load: the one that the options name, else the one beside the program.
+std::wstring LibraryPath(const HostOptions& options, const HostEnvironment& environment);
+
+class Session {
+public:
+    /// Loads the library and reads the language file; no extension is made yet.
+    /// @throws UsageError when a file named on the command line does not exist
+    /// @throws HostError when the library cannot be loaded
+    Session(const HostOptions& options, HostEnvironment& environment, Output& output);
+
+    /// Makes and starts every extension of the library.
+    /// @throws HostError when one does not start
+    void StartExtensions();
+
+    /// Gives the command to the extension that made it, or, when none did, to one after the other until it is handled:
+    /// some commands have no entry in a menu. False when none handles it.
+    bool RunCommand(uint32_t id);
+
+    /// Ends what extensions have running on threads of their own, which may report to the panel and keep settings until
+    /// then. They take no commands afterwards.
+    void ShutdownExtensions();
+
+    HostState& State() { return m_state; }
+    const LoadedLibrary& Library() const { return m_library; }
+    /// In the order of the library; empty before StartExtensions.
+    const std::vector<std::unique_ptr<LoadedExtension>>& Extensions() const { return m_extensions; }
+
+private:
+    void ReadLanguage(const std::wstring& file, bool mustExist);
+
+    HostState m_state;
+    LoadedLibrary m_library;
+    std::vector<std::unique_ptr<HostServices>> m_services;
+    std::vector<std::unique_ptr<LoadedExtension>> m_extensions;
+};
+
+}  // namespace QVHost

@@ -1,0 +1,153 @@
+#include "host/contract/settings_file.h"
+
+#include "host/app/host_text.h"
+#include "host/contract/host_boundary.h"
+#include "host/contract/whole_file.h"
+#include "win32/code_page.h"
+#include "win32/files.h"
+#include "win32/path.h"
+#include "win32/windows.h"
+
+namespace QVHost {
+namespace {
+
+constexpr int kIndent = 2;
+constexpr int kMostDamagedFiles = 1000;
+
+bool IsMissing(uint32_t error) {
+    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+
+}  // namespace
+
+SettingsFile::SettingsFile(Output& output, std::wstring path) : m_output(output), m_path(std::move(path)) {
+    std::string bytes;
+    const uint32_t error = ReadWholeFile(m_path, bytes);
+    if (IsMissing(error)) return;
+    if (error != ERROR_SUCCESS) {
+        m_mayWrite = false;
+        m_output.Note(L"[settings] " + m_path + L" cannot be read and stays as it is: " + DescribeError(error));
+        return;
+    }
+    nlohmann::json values = nlohmann::json::parse(bytes, nullptr, false);
+    if (values.is_object())
+        m_values = std::move(values);
+    else
+        KeepDamagedFile();
+}
+
+void SettingsFile::KeepDamagedFile() {
+    uint32_t error = ERROR_ALREADY_EXISTS;
+    for (int number = 1; number <= kMostDamagedFiles && error == ERROR_ALREADY_EXISTS; ++number) {
+        const std::wstring kept = m_path + (number == 1 ? L".damaged" : L".damaged-" + std::to_wstring(number));
+        error = Win32::MoveFileTo(m_path, kept);
+        if (error != ERROR_SUCCESS) continue;
+        m_output.Note(L"[settings] " + m_path + L" is damaged; it is kept as " + std::wstring(Win32::FileNameOf(kept)) +
+                      L", and this run begins without settings");
+        return;
+    }
+    m_mayWrite = false;
+    m_output.Note(L"[settings] " + m_path + L" is damaged and cannot be moved aside; it stays as it is: " +
+                  DescribeError(error));
+}
+
+nlohmann::json* SettingsFile::Find(const std::wstring& extension, const wchar_t* section, const wchar_t* key) {
+    nlohmann::json* place = &m_values;
+    for (const std::string& name : {ToUtf8(extension), ToUtf8(section), ToUtf8(key)}) {
+        if (!place->is_object()) return nullptr;
+        const auto entry = place->find(name);
+        if (entry == place->end()) return nullptr;
+        place = &*entry;
+    }
+    return place;
+}
+
+bool SettingsFile::Set(const std::wstring& extension, const wchar_t* section, const wchar_t* key,
+                       nlohmann::json value) {
+    nlohmann::json* place = &m_values;
+    for (const std::string& name : {ToUtf8(extension), ToUtf8(section)}) {
+        nlohmann::json& entry = (*place)[name];
+        // A hand-edited file may have something else at a section's place; it gives way to the section.
+        if (!entry.is_object()) entry = nlohmann::json::object();
+        place = &entry;
+    }
+    nlohmann::json& entry = (*place)[ToUtf8(key)];
+    if (entry == value && entry.type() == value.type()) return true;
+    entry = std::move(value);
+    m_isChanged = true;
+    return true;
+}
+
+std::optional<std::wstring> SettingsFile::Text(const std::wstring& extension, const wchar_t* section,
+                                               const wchar_t* key) {
+    const std::lock_guard lock(m_mutex);
+    const nlohmann::json* value = Find(extension, section, key);
+    if (!value || !value->is_string()) return std::nullopt;
+    return FromUtf8(value->get_ref<const std::string&>());
+}
+
+std::optional<uint32_t> SettingsFile::Number(const std::wstring& extension, const wchar_t* section,
+                                             const wchar_t* key) {
+    const std::lock_guard lock(m_mutex);
+    const nlohmann::json* value = Find(extension, section, key);
+    if (!value || !value->is_number_unsigned() || value->get<uint64_t>() > UINT32_MAX) return std::nullopt;
+    return value->get<uint32_t>();
+}
+
+bool SettingsFile::SetText(const std::wstring& extension, const wchar_t* section, const wchar_t* key,
+                           const wchar_t* text) {
+    std::optional<std::string> bytes = Win32::ToCodePage(text, Win32::kUtf8CodePage);
+    if (!bytes) return false;
+    const std::lock_guard lock(m_mutex);
+    return Set(extension, section, key, std::move(*bytes));
+}
+
+bool SettingsFile::SetNumber(const std::wstring& extension, const wchar_t* section, const wchar_t* key,
+                             uint32_t value) {
+    const std::lock_guard lock(m_mutex);
+    return Set(extension, section, key, value);
+}
+
+bool SettingsFile::Save() {
+    const std::lock_guard lock(m_mutex);
+    if (!m_isChanged || !m_mayWrite) return true;
+    std::wstring folder(Win32::FolderOf(m_path));
+    while (folder.size() > 1 && folder.back() == L'\\') folder.pop_back();
+    uint32_t error = MakeFolders(folder);
+    if (error == ERROR_SUCCESS) error = ReplaceWholeFile(m_path, m_values.dump(kIndent) + "\n");
+    if (error != ERROR_SUCCESS) {
+        m_output.Note(L"[settings] " + m_path + L" cannot be saved: " + DescribeError(error));
+        return false;
+    }
+    m_isChanged = false;
+    return true;
+}
+
+bool ExtensionSettings::GetString(uint32_t, const wchar_t* section, const wchar_t* key, wchar_t* buffer,
+                                  uint32_t capacity) {
+    return Guarded(false, [&] {
+        if (!section || !key || !buffer || capacity == 0) return false;
+        const std::optional<std::wstring> text = m_file.Text(m_extension, section, key);
+        if (text) CopyText(*text, buffer, capacity);
+        return text.has_value();
+    });
+}
+
+bool ExtensionSettings::GetNumber(uint32_t, const wchar_t* section, const wchar_t* key, uint32_t* value) {
+    return Guarded(false, [&] {
+        if (!section || !key || !value) return false;
+        const std::optional<uint32_t> number = m_file.Number(m_extension, section, key);
+        if (number) *value = *number;
+        return number.has_value();
+    });
+}
+
+bool ExtensionSettings::SetString(uint32_t, const wchar_t* section, const wchar_t* key, const wchar_t* text) {
+    return Guarded(false, [&] { return section && key && text && m_file.SetText(m_extension, section, key, text); });
+}
+
+bool ExtensionSettings::SetNumber(uint32_t, const wchar_t* section, const wchar_t* key, uint32_t value) {
+    return Guarded(false, [&] { return section && key && m_file.SetNumber(m_extension, section, key, value); });
+}
+
+}  // namespace QVHost

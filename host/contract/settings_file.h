@@ -1,0 +1,62 @@
+// settings_file.h - the settings of all extensions, in one JSON file: extension id, section, key. Texts are strings,
+// numbers are numbers.
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include "host/app/output.h"
+#include "sdk/host_objects.h"
+
+namespace QVHost {
+
+class SettingsFile {
+public:
+    /// Reads the file when it is there. One that cannot be understood is moved aside (`.damaged`, `.damaged-2`, ...)
+    /// and the run begins without settings; one that cannot be read is left alone and never written over.
+    SettingsFile(Output& output, std::wstring path);
+
+    std::optional<std::wstring> Text(const std::wstring& extension, const wchar_t* section, const wchar_t* key);
+    std::optional<uint32_t> Number(const std::wstring& extension, const wchar_t* section, const wchar_t* key);
+    /// False for a text that UTF-8 cannot hold (a lone surrogate): better refused than changed.
+    bool SetText(const std::wstring& extension, const wchar_t* section, const wchar_t* key, const wchar_t* text);
+    bool SetNumber(const std::wstring& extension, const wchar_t* section, const wchar_t* key, uint32_t value);
+
+    /// Writes the file, whole or not at all, when something changed since it was read. False, and a line on standard
+    /// error, when that failed.
+    bool Save();
+
+private:
+    nlohmann::json* Find(const std::wstring& extension, const wchar_t* section, const wchar_t* key);
+    bool Set(const std::wstring& extension, const wchar_t* section, const wchar_t* key, nlohmann::json value);
+    void KeepDamagedFile();
+
+    Output& m_output;
+    std::wstring m_path;
+    std::mutex m_mutex;
+    nlohmann::json m_values = nlohmann::json::object();
+    bool m_mayWrite = true;
+    bool m_isChanged = false;
+};
+
+/// The view of one extension.
+class ExtensionSettings final : public Quorvane::SDK::ISettings {
+public:
+    ExtensionSettings(SettingsFile& file, std::wstring extension) : m_file(file), m_extension(std::move(extension)) {}
+
+    bool GetString(uint32_t one, const wchar_t* section, const wchar_t* key, wchar_t* buffer,
+                   uint32_t capacity) override;
+    bool GetNumber(uint32_t one, const wchar_t* section, const wchar_t* key, uint32_t* value) override;
+    bool SetString(uint32_t one, const wchar_t* section, const wchar_t* key, const wchar_t* text) override;
+    bool SetNumber(uint32_t one, const wchar_t* section, const wchar_t* key, uint32_t value) override;
+
+private:
+    SettingsFile& m_file;
+    std::wstring m_extension;
+};
+
+}  // namespace QVHost

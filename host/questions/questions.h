@@ -1,0 +1,27 @@
+// questions.h - asks through IAnswers and leaves a line on standard error for each question and its answer:
+// "[question] CAPTION: TEXT -> ANSWER".
+#pragma once
+
+#include <memory>
+
+#include "host/questions/answers.h"
+
+namespace QVHost {
+
+class Questions {
+public:
+    Questions(Output& output, std::unique_ptr<IAnswers> answers) : m_output(output), m_answers(std::move(answers)) {}
+
+    uint32_t Box(const BoxQuestion& question);
+    std::optional<uint32_t> Choice(const ChoiceQuestion& question);
+    /// A text of more than `longest` units counts as cancelled, with a note: cut short it would be another text.
+    std::optional<std::wstring> Input(const InputQuestion& question, size_t longest);
+
+private:
+    void Record(const std::wstring& caption, const std::wstring& text, const std::wstring& answer);
+
+    Output& m_output;
+    std::unique_ptr<IAnswers> m_answers;
+};
+
+}  // namespace QVHost

@@ -1,0 +1,116 @@
+#include "host/rename/rename_host.h"
+
+#include <algorithm>
+
+#include "batchrename/qv_batch_rename.h"
+#include "host/app/host_error.h"
+#include "host/app/host_text.h"
+#include "host/app/session.h"
+#include "win32/path.h"
+
+namespace QVHost {
+namespace {
+
+using namespace BatchRename;
+
+constexpr uint32_t kPropertyCapacity = 4096;  // units; no name takes more
+
+/// The services are made for an extension; these commands stand in for Batch Rename.
+Quorvane::SDK::ExtensionInfo BatchRenameRecord() {
+    Quorvane::SDK::ExtensionInfo record = {};
+    std::string_view(kExtensionId).copy(record.ExtensionId, std::size(record.ExtensionId));
+    std::wstring_view(L"QVBatchRename").copy(record.ShortName, std::size(record.ShortName) - 1);
+    return record;
+}
+
+bool IsFailure(uint32_t code) {
+    return code != Quorvane::SDK::RenameResult::Renamed && code != Quorvane::SDK::RenameResult::Ignored;
+}
+
+/// A name may hold no tab, but a new one that is refused for it must not break the columns.
+void AppendCell(std::wstring& line, std::wstring_view text) {
+    const size_t begin = line.size();
+    AppendOnOneLine(line, text);
+    std::replace(line.begin() + static_cast<ptrdiff_t>(begin), line.end(), L'\t', L' ');
+}
+
+}  // namespace
+
+void AppendOutcome(std::wstring& text, const BatchRenameItem& row, uint32_t code, std::wstring_view reason,
+                   const wchar_t* word) {
+    AppendCell(text, row.currentName);
+    text += L'\t';
+    AppendCell(text, row.newName);
+    text += L'\t';
+    text += IsFailure(code) ? L"failed" : code == Quorvane::SDK::RenameResult::Ignored ? L"ignored" : word;
+    if (reason.empty()) return;
+    text += L": ";
+    AppendCell(text, reason);
+}
+
+RenameHost::RenameHost(const HostOptions& options, HostEnvironment& environment, Output& output)
+    : m_state(MakeHostState(options, environment, output)),
+      m_services(m_state, 0, BatchRenameRecord()),
+      m_files(m_services, Quorvane::SDK::ServiceNumber::FileOperations),
+      m_libraryPath(LibraryPath(options, environment)),
+      m_isStopped(environment.progressWatch.isCancelled) {}
+
+UndoStore& RenameHost::Journal() {
+    if (!m_journal) m_journal.emplace().SetFolder(Win32::JoinPath(m_state.configurationFolder, L"Undo"));
+    return *m_journal;
+}
+
+RunSurroundings RenameHost::Surroundings(bool isRecorded) {
+    return {.host = *m_files.Get(),
+            .list = ListFolderOnDisk,
+            .journal = isRecorded ? &Journal() : nullptr,
+            .isStopped = m_isStopped,
+            .needsRecord = true};
+}
+
+bool RenameHost::IsRecorded() {
+    if (!m_journal || m_journal->LastError() == ERROR_SUCCESS) return true;
+    m_state.output.Note(L"qvhost: the renames could not be recorded for undo: " +
+                        DescribeError(m_journal->LastError()));
+    return false;
+}
+
+bool RenameHost::GetProperty(const BatchRenameItem& row, const std::wstring& name, const std::wstring& format,
+                             std::wstring& value) {
+    wchar_t buffer[kPropertyCapacity] = {};
+    const std::wstring path = Win32::JoinPath(row.location, row.currentName);
+    const auto ask = [&] {
+        return m_files->GetPropertyText(path.c_str(), name.c_str(), format.c_str(), buffer, kPropertyCapacity);
+    };
+    bool isKnown = ask();
+    if (!isKnown && !m_hasTriedProviders) {
+        LoadProviders();
+        isKnown = ask();
+    }
+    value = buffer;
+    return isKnown;
+}
+
+void RenameHost::LoadProviders() {
+    m_hasTriedProviders = true;
+    try {
+        m_providers = std::make_unique<LoadedProviders>(m_state, m_libraryPath);
+    } catch (const HostError& error) {
+        // Then nobody knows the property, which each row will say.
+        m_state.output.Note(L"qvhost: " + FromUtf8(error.what()).value_or(L""));
+    }
+}
+
+bool RenameHost::PrintOutcomes(const RenameItems& rows, const std::vector<RowOutcome>& outcomes, const wchar_t* word) {
+    bool isDone = true;
+    for (size_t row = 0; row < rows.size(); ++row) {
+        const RowOutcome& outcome = outcomes[row];
+        std::wstring line;
+        AppendOutcome(line, *rows[row], outcome.code, outcome.reason, word);
+        m_state.output.Line(line);
+        isDone = isDone && !IsFailure(outcome.code);
+    }
+    return isDone;
+}
+
+}  // namespace QVHost

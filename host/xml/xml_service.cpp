@@ -1,0 +1,151 @@
+#include "host/xml/xml_service.h"
+
+#include <string>
+
+#include "host/app/host_text.h"
+#include "host/app/unix_paths.h"
+#include "host/contract/host_boundary.h"
+#include "host/contract/whole_file.h"
+#include "host/xml/bstr.h"
+#include "host/xml/memory_stream.h"
+#include "host/xml/xml_document.h"
+#include "host/xml/xml_fault.h"
+#include "host/xml/xml_layout.h"
+
+namespace QVHost {
+namespace {
+
+constexpr uint32_t kIndented = 1;
+
+// The compiler's headers stop short of version 6; its numbers are public.
+constexpr CLSID kDomDocument60 = {0x88D96A05, 0xF192, 0x11D4, {0xA6, 0x5F, 0x00, 0x40, 0x96, 0x32, 0x51, 0xE5}};
+constexpr IID kDomDocument2 = {0x2933BF95, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
+
+Win32::ComPointer<IXMLDOMDocument2> NewDocument() {
+    auto document = Win32::MakeComObject<IXMLDOMDocument2>(kDomDocument60, kDomDocument2);
+    if (!document) return document;
+    document->put_async(VARIANT_FALSE);
+    document->put_validateOnParse(VARIANT_FALSE);
+    document->put_resolveExternals(VARIANT_FALSE);
+    // Else a text of blanks alone, or blanks at a text's ends, would be lost.
+    document->put_preserveWhiteSpace(VARIANT_TRUE);
+    return document;
+}
+
+/// Loads `text` into `document`, which is new.
+bool LoadText(IXMLDOMDocument2& document, const std::string& text) {
+    const Win32::ComPointer<IStream> stream = StreamOf(text);
+    VARIANT_BOOL isLoaded = VARIANT_FALSE;
+    return stream && document.load(ObjectVariant(stream.Get()), &isLoaded) == S_OK && isLoaded == VARIANT_TRUE;
+}
+
+/// What the parser has made of a document, as text.
+std::string TextOf(IXMLDOMDocument2& document) {
+    Bstr text;
+    document.get_xml(text.Receive());
+    return ToUtf8(text.View());
+}
+
+/// True when two documents differ in nothing but blanks that count as nothing. Whether anything else differs is looked
+/// at by itself: that must not depend on what this program thinks an element is.
+bool HoldTheSame(IXMLDOMDocument2& one, IXMLDOMDocument2& other) {
+    std::string first = TextOf(one);
+    std::string second = TextOf(other);
+    if (ContentOfXml(first) != ContentOfXml(second)) return false;
+    const auto isBlank = [](char byte) { return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n'; };
+    std::erase_if(first, isBlank);
+    std::erase_if(second, isBlank);
+    return !first.empty() && first == second;
+}
+
+}  // namespace
+
+XmlService::XmlService(Shelf<XmlService>& shelf, Output& output) : m_shelf(shelf), m_output(output) {}
+
+XmlService::~XmlService() = default;
+
+void XmlService::StartCom() {
+    if (!m_com) m_com.emplace();
+}
+
+Quorvane::SDK::IXmlDocument* XmlService::CreateDocument() {
+    return Guarded<Quorvane::SDK::IXmlDocument*>(nullptr, [&]() -> Quorvane::SDK::IXmlDocument* {
+        StartCom();
+        Win32::ComPointer<IXMLDOMDocument2> document = NewDocument();
+        if (!document) return nullptr;
+        DecodedXml nothingYet;
+        nothingYet.text = R"(<?xml version="1.0" encoding="UTF-8"?>)";
+        return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document), std::move(nothingYet)));
+    });
+}
+
+Quorvane::SDK::IXmlDocument* XmlService::Load(const wchar_t* path, uint32_t) {
+    return Guarded<Quorvane::SDK::IXmlDocument*>(nullptr, [&]() -> Quorvane::SDK::IXmlDocument* {
+        if (!path || !*path) return nullptr;
+        const std::wstring file = FullUserPath(path);
+        std::string bytes;
+        if (const uint32_t error = ReadWholeFile(file, bytes)) {
+            // That there is none is an answer, and for a document that is kept between runs the usual one at first.
+            const bool isMissing = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+            if (!isMissing) m_output.Note(L"[xml] " + file + L": " + DescribeError(error));
+            return nullptr;
+        }
+        StartCom();
+        Win32::ComPointer<IXMLDOMDocument2> document = NewDocument();
+        if (!document) return nullptr;
+        std::wstring why;
+        std::optional<DecodedXml> source = DecodeXml(bytes, why);
+        if (!source) {
+            m_output.Note(L"[xml] " + file + L": " + why);
+            return nullptr;
+        }
+        const std::string text = WithoutDeclaredEncoding(source->text);
+        if (!LoadText(*document, text)) {
+            const std::wstring fault = FaultOf(*document, text);
+            m_output.Note(L"[xml] " + file + (fault.empty() ? L": it holds no XML" : L", " + fault));
+            return nullptr;
+        }
+        return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document), *std::move(source)));
+    });
+}
+
+uint32_t XmlService::Check(const XmlDocument& document, std::string_view bytes) const {
+    std::wstring why;
+    const std::optional<DecodedXml> again = DecodeXml(bytes, why);
+    const Win32::ComPointer<IXMLDOMDocument2> parsed = again ? NewDocument() : Win32::ComPointer<IXMLDOMDocument2>();
+    if (!parsed || !LoadText(*parsed, WithoutDeclaredEncoding(again->text))) return ERROR_INVALID_DATA;
+    // An element that got an empty text is written in another way than one that was read so.
+    if (document.IsChanged()) return ERROR_SUCCESS;
+    return HoldTheSame(*parsed, *document.Document()) ? ERROR_SUCCESS : ERROR_INVALID_DATA;
+}
+
+bool XmlService::Save(Quorvane::SDK::IXmlDocument* document, const wchar_t* path, uint32_t mode, const wchar_t*) {
+    return Guarded(false, [&] {
+        const std::shared_ptr<XmlDocument> known = m_documents.Find(document);
+        if (!known || !path || !*path) return false;
+        const std::wstring target = FullUserPath(path);
+        std::string bytes;
+        uint32_t error = known->ToBytes(mode == kIndented, bytes);
+        if (error == ERROR_SUCCESS) error = Check(*known, bytes);
+        if (error == ERROR_SUCCESS) error = ReplaceWholeFile(target, bytes);
+        if (error == ERROR_SUCCESS) return true;
+        // The answer is a plain no: the reason is for whoever reads along.
+        m_output.Note(L"[xml] " + target + L": " + DescribeError(error));
+        return false;
+    });
+}
+
+uint32_t XmlService::ReadText(Quorvane::SDK::IXmlDocument* document, wchar_t* buffer, uint32_t capacity) {
+    return Guarded(0u, [&] {
+        const std::shared_ptr<XmlDocument> known = m_documents.Find(document);
+        std::string text;
+        if (known) known->ToText(text);
+        return CopyText(FromUtf8(text).value_or(L""), buffer, capacity);
+    });
+}
+
+void XmlService::Release() {
+    GuardedCall([&] { m_shelf.Remove(this); });
+}
+
+}  // namespace QVHost

@@ -1,0 +1,70 @@
+#include "batchrename/dialogs/add_tag_dlg.h"
+
+#include "batchrename/dialogs/batchrename_resource.h"
+#include "batchrename/dialogs/numbers.h"
+#include "batchrename/dialogs/tags.h"
+#include "ui/controls.h"
+
+namespace BatchRename {
+namespace {
+
+constexpr WPARAM kLongestNumber = 9;  // digits
+constexpr WPARAM kLongestProperty = 255;
+
+}  // namespace
+
+BatchRenameAddTag::BatchRenameAddTag(std::vector<std::wstring> properties)
+    : Dialog(IDD_ADD_TAG), m_properties(std::move(properties)) {}
+
+std::optional<std::wstring> BatchRenameAddTag::Show(HWND owner) {
+    return ShowModal(owner) == IDOK ? std::optional(m_tag) : std::nullopt;
+}
+
+bool BatchRenameAddTag::OnInit() {
+    for (const std::wstring& name : m_properties)
+        SendMessageW(Item(IDC_PROPERTY), CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
+    SendMessageW(Item(IDC_PROPERTY), CB_SETCURSEL, 0, 0);
+    SendMessageW(Item(IDC_PROPERTY), CB_LIMITTEXT, kLongestProperty, 0);
+    for (const int edit : {IDC_SUB_START, IDC_SUB_LENGTH}) SendMessageW(Item(edit), EM_LIMITTEXT, kLongestNumber, 0);
+    Ui::SetChecked(Item(IDC_COMPLETE), true);
+    Ui::SetTextOf(Item(IDC_SUB_START), L"1");
+    Ui::SetTextOf(Item(IDC_SUB_LENGTH), L"1");
+    Refresh(0);
+    return true;
+}
+
+bool BatchRenameAddTag::OnCommand(int id, int notification) {
+    if (id == IDCANCEL) return false;
+    if (id == IDOK) {
+        Refresh(0);
+        if (!m_tag.empty()) End(IDOK);
+        return true;
+    }
+    if (id == IDC_TAG_TEXT) return false;
+    if (notification == BN_CLICKED || notification == EN_CHANGE || notification == CBN_EDITCHANGE ||
+        notification == CBN_SELCHANGE)
+        Refresh(notification);
+    return true;
+}
+
+std::wstring BatchRenameAddTag::Property(int notification) const {
+    const HWND combo = Item(IDC_PROPERTY);
+    const LRESULT chosen = SendMessageW(combo, CB_GETCURSEL, 0, 0);
+    if (notification == CBN_SELCHANGE && chosen >= 0) return m_properties[static_cast<size_t>(chosen)];
+    return Ui::TextOf(combo);
+}
+
+void BatchRenameAddTag::Refresh(int notification) {
+    const bool isPart = Ui::IsChecked(Item(IDC_SUB_STRING));
+    Ui::EnableWithLabel(Item(IDC_SUB_START), isPart);
+    Ui::EnableWithLabel(Item(IDC_SUB_LENGTH), isPart);
+    const std::wstring property = Property(notification);
+    const SubString part = {NumberOf(Ui::TextOf(Item(IDC_SUB_START))), NumberOf(Ui::TextOf(Item(IDC_SUB_LENGTH)))};
+    // These would end the name, or the tag, too early.
+    const bool isName = !property.empty() && property.find_first_of(L"[],{}") == std::wstring::npos;
+    m_tag = isName ? PropertyTag(property, isPart ? &part : nullptr) : std::wstring();
+    Ui::SetTextOf(Item(IDC_TAG_TEXT), m_tag);
+    EnableWindow(Item(IDOK), isName);
+}
+
+}  // namespace BatchRename

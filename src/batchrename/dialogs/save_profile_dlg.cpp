@@ -1,0 +1,46 @@
+#include "batchrename/dialogs/save_profile_dlg.h"
+
+#include <algorithm>
+
+#include "batchrename/dialogs/batchrename_resource.h"
+#include "ui/controls.h"
+
+namespace BatchRename {
+
+SaveProfileDlg::SaveProfileDlg(const std::vector<RenameProfile>& profiles)
+    : Dialog(IDD_SAVE_PROFILE), m_profiles(profiles) {}
+
+std::optional<std::wstring> SaveProfileDlg::Show(HWND owner) {
+    return ShowModal(owner) == IDOK ? std::optional(m_name) : std::nullopt;
+}
+
+bool SaveProfileDlg::OnInit() {
+    const HWND combo = Item(IDC_PROFILE_NAME);
+    SendMessageW(combo, CB_LIMITTEXT, kLongestProfileText, 0);
+    for (const RenameProfile& profile : m_profiles)
+        SendMessageW(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(profile.name.c_str()));
+    EnableWindow(Item(IDOK), FALSE);
+    return true;
+}
+
+bool SaveProfileDlg::OnCommand(int id, int notification) {
+    if (id == IDCANCEL) return false;
+    if (id == IDOK) {
+        m_name = Ui::TextOf(Item(IDC_PROFILE_NAME));
+        if (!m_name.empty() && MayTake(m_name)) End(IDOK);
+        return true;
+    }
+    // A choice from the list is in the field only after this notification.
+    const bool hasName = notification == CBN_SELCHANGE || !Ui::TextOf(Item(IDC_PROFILE_NAME)).empty();
+    EnableWindow(Item(IDOK), hasName);
+    return true;
+}
+
+bool SaveProfileDlg::MayTake(const std::wstring& name) {
+    if (std::ranges::find(m_profiles, name, &RenameProfile::name) == m_profiles.end()) return true;
+    const std::wstring question = L"There is a profile \"" + name + L"\" already. Replace it?";
+    return MessageBoxW(GetWindow(), question.c_str(), L"Save profile", MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) ==
+           IDYES;
+}
+
+}  // namespace BatchRename

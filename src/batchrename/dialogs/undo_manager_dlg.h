@@ -1,0 +1,39 @@
+// undo_manager_dlg.h - the dialog over earlier sessions: shows what they renamed, deletes them, and chooses one to be
+// restored. Restoring is the window's work.
+#pragma once
+
+#include <memory>
+
+#include "batchrename/run/undo_store.h"
+#include "ui/dialog.h"
+
+namespace BatchRename {
+
+class BatchRenameUndoManagerDlg final : private Ui::Dialog {
+public:
+    /// `store` outlives the dialog.
+    explicit BatchRenameUndoManagerDlg(UndoStore& store);
+
+    /// The session to load; null when the user closes the dialog.
+    std::shared_ptr<BatchRenameUndo> Show(HWND owner);
+
+private:
+    bool OnInit() override;
+    bool OnCommand(int id, int notification) override;
+    bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void FillSessions();
+    /// What follows from the selection: the lower list, and what can be pressed.
+    void Refresh();
+    std::vector<std::shared_ptr<BatchRenameUndo>> SelectedSessions() const;
+    /// A copy: deleting changes the store's own list.
+    std::vector<std::shared_ptr<BatchRenameUndo>> AllSessions() const { return m_store.Sessions(); }
+    void DeleteAll(const std::vector<std::shared_ptr<BatchRenameUndo>>& sessions);
+
+    UndoStore& m_store;
+    std::shared_ptr<BatchRenameUndo> m_shown;  // its entries are in the lower list
+};
+
+/// When a session was recorded, by the calendar and clock of the user's settings.
+std::wstring TextOfTime(const CalendarTime& time);
+
+}  // namespace BatchRename

@@ -1,0 +1,77 @@
+#include "batchrename/model/name_fit.h"
+
+#include <algorithm>
+
+namespace BatchRename {
+namespace {
+
+constexpr std::wstring_view kEllipsis = L"\u2026";
+
+bool IsTrailing(wchar_t unit) {
+    return unit >= 0xDC00 && unit < 0xE000;
+}
+
+/// Where units begin, in pixels, and how many fit into a width.
+class Positions {
+public:
+    explicit Positions(std::span<const int> edges) : m_edges(edges) {}
+
+    int Of(size_t unit) const { return unit == 0 ? 0 : m_edges[unit - 1]; }
+    /// The last place that is at most `width` pixels behind `begin`; `begin` itself where nothing fits.
+    size_t EndFrom(size_t begin, int width) const {
+        const auto end = std::ranges::upper_bound(m_edges.subspan(begin), Of(begin) + width);
+        return static_cast<size_t>(end - m_edges.begin());
+    }
+    /// The first place from which it is at most `width` pixels to `end`.
+    size_t BeginTo(size_t end, int width) const {
+        size_t begin = end;
+        while (begin > 0 && Of(end) - Of(begin - 1) <= width) --begin;
+        return begin;
+    }
+
+private:
+    std::span<const int> m_edges;
+};
+
+struct Stretch {
+    size_t begin;
+    size_t end;
+};
+
+Stretch ShownStretch(std::wstring_view name, ChangedPart changed, const Positions& positions, int width, int ellipsis) {
+    const auto wholePairs = [&](size_t begin, size_t end) {
+        if (begin < end && IsTrailing(name[begin])) ++begin;
+        if (begin < end && end < name.size() && IsTrailing(name[end])) --end;
+        return Stretch{begin, end};
+    };
+    if (positions.Of(name.size()) <= width) return {0, name.size()};
+    const size_t end = positions.EndFrom(0, width - ellipsis);
+    if (end >= changed.end || changed.begin == 0) return wholePairs(0, end);
+    const size_t begin = positions.BeginTo(name.size(), width - ellipsis);
+    if (begin <= changed.begin) return wholePairs(begin, name.size());
+    // Cut on both sides: a little of what stands before the change, then as much as there is space for.
+    const int between = width - 2 * ellipsis;
+    const int spare = between - (positions.Of(changed.end) - positions.Of(changed.begin));
+    const size_t first = positions.BeginTo(changed.begin, spare / 2);
+    const Stretch middle = wholePairs(first, positions.EndFrom(first, between));
+    return middle.begin < middle.end ? middle : wholePairs(0, end);
+}
+
+}  // namespace
+
+std::vector<NamePiece> FitName(std::wstring_view name, ChangedPart changed, std::span<const int> edges, int width,
+                               int ellipsis) {
+    const auto [begin, end] = ShownStretch(name, changed, Positions(edges), width, ellipsis);
+    const size_t changedBegin = std::clamp(changed.begin, begin, end);
+    const size_t changedEnd = std::clamp(changed.end, begin, end);
+    std::vector<NamePiece> pieces;
+    if (begin > 0) pieces.push_back({kEllipsis});
+    if (begin < changedBegin) pieces.push_back({name.substr(begin, changedBegin - begin)});
+    if (changedBegin < changedEnd || changed.begin == changed.end)
+        pieces.push_back({name.substr(changedBegin, changedEnd - changedBegin), true});
+    if (changedEnd < end) pieces.push_back({name.substr(changedEnd, end - changedEnd)});
+    if (end < name.size()) pieces.push_back({kEllipsis});
+    return pieces;
+}
+
+}  // namespace BatchRename

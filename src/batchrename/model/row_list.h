@@ -1,0 +1,67 @@
+// row_list.h - what the list shows: rows, their new names and states, and which of them. Knows no window.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "batchrename/model/preview.h"
+#include "batchrename/model/row_status.h"
+#include "batchrename/run/run_controller.h"
+
+namespace BatchRename {
+
+enum class RowColumn : uint8_t { CurrentName, NewName, Status, Location };
+
+class RowList {
+public:
+    /// Other rows, of which nothing is known yet.
+    void SetRows(RowSnapshot rows);
+    /// Takes over the rows as well: a pass may have put them into another order.
+    void SetPreview(std::shared_ptr<const Preview> preview);
+    /// The rows as they are after a run, and what became of each.
+    void SetOutcomes(RowSnapshot rows, std::shared_ptr<const RunResult> result, bool isRestore);
+    /// Nothing that is known of new names holds any more.
+    void ForgetPreview();
+    /// Shows only rows that change or have a problem; all, while nothing is known of them.
+    void ShowChangesOnly(bool isFiltered);
+
+    const RowSnapshot& Rows() const { return m_rows; }
+    const std::shared_ptr<const Preview>& CurrentPreview() const { return m_preview; }
+    const std::shared_ptr<const RunResult>& Outcomes() const { return m_result; }
+    const RowCounts& Counts() const { return m_counts; }
+
+    // Places in the list, which are not rows while some are left out.
+    size_t PlaceCount() const { return m_isFiltered ? m_places.size() : m_rows->size(); }
+    size_t RowAt(size_t place) const { return m_isFiltered ? m_places[place] : place; }
+    /// The rows of all places; nothing while places are rows.
+    std::optional<std::vector<uint32_t>> Places() const {
+        return m_isFiltered ? std::optional(m_places) : std::nullopt;
+    }
+
+    std::wstring Text(size_t row, RowColumn column) const;
+    const std::wstring& CurrentName(size_t row) const { return (*m_rows)[row]->currentName; }
+    /// The name before and after: a row that was renamed shows what it was called before.
+    const std::wstring& OldName(size_t row) const;
+    const std::wstring& NewName(size_t row) const;
+    RowMark Mark(size_t row) const { return row < m_marks.size() ? m_marks[row] : RowMark::None; }
+    /// The marks of all places.
+    std::vector<RowMark> MarksOfPlaces() const;
+
+private:
+    void Count();
+    void Filter();
+
+    RowSnapshot m_rows = std::make_shared<const RenameItems>();
+    std::shared_ptr<const Preview> m_preview;   // null: nothing is known
+    std::shared_ptr<const RunResult> m_result;  // after a run
+    bool m_isRestore = false;
+    bool m_wantsChangesOnly = false;
+    bool m_isFiltered = false;
+    std::vector<RowMark> m_marks;
+    std::vector<uint32_t> m_places;
+    RowCounts m_counts;
+};
+
+}  // namespace BatchRename

@@ -1,0 +1,55 @@
+// rename_run.h - carries out a plan: hands its steps to the host, keeps the undo session true, and says for each row
+// what became of it. The order of the steps is the planner's; the renames themselves are the host's.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "batchrename/run/rename_results.h"
+#include "batchrename/run/undo_store.h"
+#include "rename/rename_item.h"
+#include "rename/rename_plan.h"
+#include "rename/restore_rows.h"
+#include "sdk/services.h"
+
+namespace BatchRename {
+
+/// What became of a row.
+struct RowOutcome {
+    uint32_t code = 0;    // RenameResult, else a Windows error code
+    std::wstring reason;  // in words; "" for a row that was renamed
+    std::wstring name;    // under which the item is now
+};
+
+struct RunSurroundings {
+    Quorvane::SDK::IFileOperations& host;
+    ListFolder list;
+    UndoStore* journal = nullptr;                  // null: the run is not recorded
+    const std::atomic<bool>* isStopped = nullptr;  // looked at between rows, never inside a ring
+    std::function<void()> onStep = {};             // after each rename that the host has carried out
+    bool needsRecord = false;                      // a run whose record cannot be begun renames nothing
+};
+
+/// Lists a folder of this machine.
+FolderNames ListFolderOnDisk(const std::wstring& folder);
+
+/// Renames the rows. Each gets exactly one result, by its number in `rows`, through `results`, its state code, and an
+/// outcome here. `time`: of the session in the journal. Before the first rename the session with all planned rows is
+/// written; afterwards it is rewritten with those that were renamed, or deleted when none was. A run that needs its
+/// record and cannot have it fails all the rows that it would have renamed.
+std::vector<RowOutcome> RunRenames(const RenameItems& rows, const CalendarTime& time, const RunSurroundings& around,
+                                   CRenameResultCallback& results);
+
+/// Gives the items of a session their old names back; the outcomes go by `restore.rows`. The session counts as restored
+/// when something was and all its items have their old names. A session that the journal knows is written anew, unless
+/// there was nothing to do.
+std::vector<RowOutcome> RunRestore(BatchRenameUndo& session, const RestoreRows& restore, const RunSurroundings& around,
+                                   CRenameResultCallback& results);
+
+/// "2 Renamed, 1 Ignored, 3 Failed": only what is not 0. "Restored" for a restore.
+std::wstring RunStatusText(const CRenameResultCallback& results, bool isRestore);
+
+}  // namespace BatchRename

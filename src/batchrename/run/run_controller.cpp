@@ -1,0 +1,103 @@
+#include "batchrename/run/run_controller.h"
+
+#include <utility>
+
+#include "sdk/boundary.h"
+#include "sdk/owners.h"
+#include "win32/path.h"
+#include "win32/windows.h"
+
+namespace BatchRename {
+
+using namespace Quorvane::SDK;
+
+namespace {
+
+constexpr ULONGLONG kProgressPause = 100;  // milliseconds between two words about progress
+/// What became of the run, for those who look when the window is closed. What was renamed is in the undo session.
+void LogRun(IHostServices& host, const RunResult& result, bool isRestore) {
+    for (size_t row = 0; row < result.outcomes.size(); ++row) {
+        const RowOutcome& outcome = result.outcomes[row];
+        if (outcome.code == RenameResult::Renamed || outcome.code == RenameResult::Ignored ||
+            outcome.code == ERROR_CANCELLED)
+            continue;
+        const BatchRenameItem& item = *result.rows[row];
+        host.Log(kLogLevel, LogKind::Failure, L"[Batch Rename] - Failed : %s : %s",
+                 Win32::JoinPath(item.location, item.currentName).c_str(), outcome.reason.c_str());
+    }
+    const std::wstring counts = RunStatusText(result.counts, isRestore);
+    const uint32_t kind = result.counts.FailedCount() == 0 ? LogKind::Success : LogKind::Failure;
+    if (!counts.empty()) host.Log(kLogLevel, kind, L"[Batch Rename] - %s", counts.c_str());
+    if (!result.error.empty()) host.Log(kLogLevel, LogKind::Failure, L"[Batch Rename] - %s", result.error.c_str());
+}
+
+constexpr wchar_t kFailed[] = L"The run failed before its end. The undo manager shows what was renamed.";
+
+}  // namespace
+
+RunController::RunController(IHostServices* services, std::atomic<bool>& isStopped,
+                             std::function<void(uint32_t)> onProgress, std::function<void()> onEnd)
+    : m_services(services), m_isStopped(isStopped), m_onProgress(std::move(onProgress)), m_onEnd(std::move(onEnd)) {}
+
+RunController::~RunController() {
+    if (!m_thread.joinable()) return;
+    m_isStopped = true;
+    m_thread.join();
+}
+
+void RunController::Start(RunRequest request) {
+    m_result.reset();
+    // Made here, with room for the words of the failure, so that the thread needs no memory to say that there is none.
+    auto result = std::make_unique<RunResult>();
+    result->error.reserve(std::size(kFailed));
+    m_thread = std::thread([this, given = std::move(request), kept = std::move(result)]() mutable {
+        ReserveExceptionRecord();
+        Run(std::move(given), std::move(kept));
+    });
+    m_isRunning = true;
+}
+
+std::unique_ptr<RunResult> RunController::Take() {
+    if (m_thread.joinable()) m_thread.join();
+    m_isRunning = false;
+    return std::move(m_result);
+}
+
+void RunController::Run(RunRequest request, std::unique_ptr<RunResult> result) {
+    try {
+        if (!m_services) throw std::runtime_error("no host");
+        const AcquiredService<IFileOperations> files(*m_services, ServiceNumber::FileOperations);
+        if (!files) throw std::runtime_error("no file operations");
+        if (request.journal) request.journal->ForgetError();
+        uint32_t stepCount = 0;
+        ULONGLONG lastWord = GetTickCount64();
+        const RunSurroundings around = {*files.Get(), ListFolderOnDisk, request.journal, &m_isStopped, [&] {
+                                            ++stepCount;
+                                            const ULONGLONG now = GetTickCount64();
+                                            if (now - lastWord < kProgressPause) return;
+                                            lastWord = now;
+                                            m_onProgress(stepCount);
+                                        }};
+        if (request.session)
+            result->outcomes =
+                RunRestore(*request.session, {request.rows, std::move(request.entries)}, around, result->counts);
+        else
+            result->outcomes = RunRenames(request.rows, request.time, around, result->counts);
+        if (request.journal && request.journal->LastError() != ERROR_SUCCESS)
+            result->error = L"The renames could not be recorded for undo (error " +
+                            std::to_wstring(request.journal->LastError()) + L").";
+    } catch (...) {
+        // What was renamed until then is in the undo session.
+        result->error = kFailed;
+    }
+    result->rows = std::move(request.rows);
+    if (m_services)
+        AtBoundary(false, [&] {
+            LogRun(*m_services, *result, request.session != nullptr);
+            return true;
+        });
+    m_result = std::move(result);
+    m_onEnd();
+}
+
+}  // namespace BatchRename

@@ -1,0 +1,60 @@
+// run_controller.h - one rename or restore run on a thread of its own. What is renamed to what is the planner's word;
+// this only starts the run, says how far it is, and keeps its result.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include "batchrename/run/rename_run.h"
+#include "sdk/host_services.h"
+
+namespace BatchRename {
+
+struct RunRequest {
+    RenameItems rows;  // with new names; the run has them for itself
+    CalendarTime time;
+    std::shared_ptr<BatchRenameUndo> session;  // null: a rename run; else the session that is restored
+    std::vector<size_t> entries;               // of a restore: the entry of each row
+    UndoStore* journal = nullptr;
+};
+
+struct RunResult {
+    RenameItems rows;
+    std::vector<RowOutcome> outcomes;  // one for each row; empty when the run could not begin
+    std::wstring error;
+    CRenameResultCallback counts;
+};
+
+class RunController {
+public:
+    /// `isStopped` may be set by any thread. `onProgress` and `onEnd` are called on the run's thread.
+    RunController(Quorvane::SDK::IHostServices* services, std::atomic<bool>& isStopped,
+                  std::function<void(uint32_t stepCount)> onProgress, std::function<void()> onEnd);
+    /// Stops a run that is under way, behind its current row or ring, and waits for it.
+    ~RunController();
+    RunController(const RunController&) = delete;
+    RunController& operator=(const RunController&) = delete;
+
+    /// @throws std::system_error when there is no thread to be had: nothing is running then
+    void Start(RunRequest request);
+    void Stop() { m_isStopped = true; }
+    bool IsRunning() const { return m_isRunning; }
+    /// After onEnd, once; waits for the last moments of the run's thread.
+    std::unique_ptr<RunResult> Take();
+
+private:
+    void Run(RunRequest request, std::unique_ptr<RunResult> result);
+
+    Quorvane::SDK::IHostServices* m_services;
+    std::atomic<bool>& m_isStopped;
+    std::function<void(uint32_t)> m_onProgress;
+    std::function<void()> m_onEnd;
+    bool m_isRunning = false;  // of the thread that owns this object
+    std::unique_ptr<RunResult> m_result;
+    std::thread m_thread;
+};
+
+}  // namespace BatchRename

@@ -1,0 +1,421 @@
+#include "batchrename/window/main_frame.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include "batchrename/dialogs/batchrename_resource.h"
+#include "batchrename/host_properties.h"
+#include "batchrename/qv_batch_rename.h"
+#include "batchrename/window/frame_messages.h"
+#include "sdk/boundary.h"
+#include "ui/activation_context.h"
+
+namespace BatchRename {
+namespace {
+
+constexpr wchar_t kSection[] = L"QVBatcheRename";  // spelled so in everybody's settings
+constexpr wchar_t kPositionKey[] = L"WinPos";
+constexpr uint32_t kPositionCapacity = 256;  // units
+constexpr int kSplitterHeight = 6;           // these are pixels at 96 to the inch
+constexpr int kSplitterStep = 16;            // by which a key moves the bar
+constexpr int kSmallestList = 100;
+constexpr int kUsualWidth = 960;
+constexpr int kUsualHeight = 640;
+
+[[noreturn]] void ThrowLastError(const char* what) {
+    throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
+}
+
+void RegisterFrameClass(WNDPROC procedure) {
+    WNDCLASSEXW description = {};
+    description.cbSize = sizeof(description);
+    description.lpfnWndProc = procedure;
+    description.hInstance = Ui::OwnModule();
+    description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    description.hIcon = LoadIconW(nullptr, IDI_APPLICATION);
+    description.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
+    description.lpszClassName = kFrameClass;
+    if (!RegisterClassExW(&description) && GetLastError() != ERROR_CLASS_ALREADY_EXISTS)
+        ThrowLastError("The window's class cannot be registered");
+}
+
+RECT ClientOf(HWND window) {
+    RECT rect = {};
+    GetClientRect(window, &rect);
+    return rect;
+}
+
+int HeightOf(HWND window) {
+    RECT rect = {};
+    GetWindowRect(window, &rect);
+    return rect.bottom - rect.top;
+}
+
+/// Whatever dialog of this thread is open is told that it was cancelled.
+BOOL CALLBACK CancelDialog(HWND window, LPARAM) {
+    wchar_t name[16] = {};
+    GetClassNameW(window, name, static_cast<int>(std::size(name)));
+    if (std::wstring_view(name) == L"#32770") EndDialog(window, IDCANCEL);
+    return TRUE;
+}
+
+}  // namespace
+
+BatchRenameMainFrame::BatchRenameMainFrame(FrameSurroundings around)
+    : m_around(std::move(around)),
+      m_list(m_rows, {.onHeader = [this](RowKey key) { OnHeader(key); },
+                      .onRemove = [this] { RemoveSelectedRows(); },
+                      .onMove = [this](bool isUp) { MoveSelectedRows(isUp); }}) {}
+
+BatchRenameMainFrame::~BatchRenameMainFrame() {
+    CloseWindow();
+    // A class whose procedure is in unloaded code would end the next program that uses its name.
+    UnregisterClassW(kFrameClass, Ui::OwnModule());
+}
+
+void BatchRenameMainFrame::Create() {
+    RegisterFrameClass(Procedure);
+    const HWND window = CreateWindowExW(WS_EX_CONTROLPARENT | WS_EX_APPWINDOW, kFrameClass, kFrameTitle,
+                                        WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
+                                        kUsualWidth, kUsualHeight, nullptr, nullptr, Ui::OwnModule(), this);
+    if (!window) ThrowLastError("The window cannot be made");
+    RestorePosition();
+    SetForegroundWindow(m_window);
+    SetFocus(m_panel->Button(IDC_NAME_TEMPLATE));
+    SendMessageW(m_panel->Button(IDC_NAME_TEMPLATE), EM_SETSEL, 0, -1);
+}
+
+BatchRenameMainFrame* BatchRenameMainFrame::Of(HWND window) {
+    return window ? reinterpret_cast<BatchRenameMainFrame*>(GetWindowLongPtrW(window, GWLP_USERDATA)) : nullptr;
+}
+
+LRESULT CALLBACK BatchRenameMainFrame::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
+    if (message == WM_NCCREATE) {
+        auto* const self =
+            static_cast<BatchRenameMainFrame*>(reinterpret_cast<const CREATESTRUCTW*>(lParam)->lpCreateParams);
+        self->m_window = window;
+        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(self));
+    }
+    auto* const self = reinterpret_cast<BatchRenameMainFrame*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (!self) return DefWindowProcW(window, message, wParam, lParam);
+    if (message == WM_NCDESTROY) {
+        SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+        self->m_window = nullptr;
+        return DefWindowProcW(window, message, wParam, lParam);
+    }
+    try {
+        return self->OnMessage(message, wParam, lParam);
+    } catch (...) {
+        // Nothing can be thrown through the system. A window that could not be made ends; otherwise what was asked for
+        // was not done (memory has run out, most likely), and everything else still works.
+        return message == WM_CREATE ? -1 : 0;
+    }
+}
+
+LRESULT BatchRenameMainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_CREATE: OnCreate(); return 0;
+        case WM_SIZE: Layout(); return 0;
+        case WM_DPICHANGED: OnScaleChange(LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam)); return 0;
+        case WM_GETMINMAXINFO: LimitSize(*reinterpret_cast<MINMAXINFO*>(lParam)); return 0;
+        case WM_SETFOCUS:
+            if (m_lastFocus) SetFocus(m_lastFocus);
+            return 0;
+        case WM_ACTIVATE:
+            if (LOWORD(wParam) == WA_INACTIVE && IsChild(m_window, GetFocus())) m_lastFocus = GetFocus();
+            break;
+        case WM_NEXTDLGCTL: MoveFocus(wParam, LOWORD(lParam) != 0); return 0;
+        case WM_SYSCOLORCHANGE:
+            if (m_list.GetWindow()) m_list.Recolour();
+            break;
+        case WM_NOTIFY: {
+            auto& header = *reinterpret_cast<NMHDR*>(lParam);
+            if (header.hwndFrom == m_list.GetWindow())
+                if (const std::optional<LRESULT> answer = m_list.OnNotify(header)) return *answer;
+            break;
+        }
+        case WM_SETCURSOR:
+        case WM_LBUTTONDOWN:
+        case WM_MOUSEMOVE:
+        case WM_LBUTTONUP:
+        case WM_CAPTURECHANGED:
+            if (OnSplitter(message, lParam)) return TRUE;
+            break;
+        case WM_COMMAND:
+            if (LOWORD(wParam) != kRenameCommand) return 0;
+            if (IsIconic(m_window)) ShowWindow(m_window, SW_RESTORE);
+            SetForegroundWindow(m_window);
+            return 0;
+        case FrameMessage::PreviewReady: OnPreview(); return 0;
+        case FrameMessage::RunProgress:
+            if (m_run && m_run->IsRunning())
+                SetStatus((m_session ? L"Restoring: " : L"Renaming: ") + std::to_wstring(wParam) + L" of " +
+                          std::to_wstring(m_rows.Counts().changes));
+            return 0;
+        case FrameMessage::RunEnded: OnRunEnd(); return 0;
+        case WM_CLOSE: OnClose(); return 0;
+        case WM_DESTROY: OnDestroy(); return 0;
+        default: break;
+    }
+    return DefWindowProcW(m_window, message, wParam, lParam);
+}
+
+void BatchRenameMainFrame::OnCreate() {
+    m_dotsPerInch = Ui::DotsPerInch(m_window);
+    m_panel = std::make_unique<RulePanel>([this](Quorvane::SDK::TextId id) { return Text(id); },
+                                          RulePanel::Owner{
+                                              .onRuleChanged = [this] { OnRuleChanged(); },
+                                              .onButton = [this](int id) { OnButton(id); },
+                                              .rows = [this] { return m_rows.Rows(); },
+                                              .properties =
+                                                  [this] {
+                                                      return m_around.services ? PropertyNamesOf(*m_around.services)
+                                                                               : std::vector<std::wstring>();
+                                                  },
+                                              .modal =
+                                                  [this](const std::function<void()>& body) {
+                                                      {
+                                                          const ModalScope scope(*this);
+                                                          body();
+                                                      }
+                                                      m_around.takeRows();
+                                                  },
+                                          });
+    // Made first: the list comes before the panel in the order of tabs, but shares the panel's font.
+    m_panel->Create(m_window);
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(m_panel->GetWindow(), WM_GETFONT, 0, 0));
+    m_list.Create(m_window, IDC_ROWS, font);
+    SetWindowPos(m_list.GetWindow(), HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    m_statusBar =
+        CreateWindowExW(0, STATUSCLASSNAMEW, L"", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0, m_window,
+                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_STATUS_BAR)), Ui::OwnModule(), nullptr);
+    SendMessageW(m_statusBar, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+    m_panelHeight = m_panel->NaturalSize().cy;
+    // The window's handle, not the window: it may be gone when a thread has something to say.
+    const HWND window = m_window;
+    m_preview = std::make_unique<PreviewWorker>(m_around.services,
+                                                [window] { PostMessageW(window, FrameMessage::PreviewReady, 0, 0); });
+    m_run = std::make_unique<RunController>(
+        m_around.services, m_around.context.isStopped,
+        [window](uint32_t count) { PostMessageW(window, FrameMessage::RunProgress, count, 0); },
+        [window] { PostMessageW(window, FrameMessage::RunEnded, 0, 0); });
+    m_panel->SetRule(m_around.context.rule);
+    m_time = LocalTimeNow();
+    RefreshState();
+}
+
+void BatchRenameMainFrame::MoveFocus(WPARAM where, bool isControl) {
+    // The system's dialogs do this by themselves; keys of labels and Tab count on it in every window.
+    const HWND control =
+        isControl ? reinterpret_cast<HWND>(where) : GetNextDlgTabItem(m_window, GetFocus(), where != 0);
+    if (!control) return;
+    SetFocus(control);
+    if (SendMessageW(control, WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL) SendMessageW(control, EM_SETSEL, 0, -1);
+}
+
+void BatchRenameMainFrame::OnClose() {
+    if (m_modalDepth > 0) {
+        // The dialog's code is still on this thread's stack and needs the window: the dialog ends first. A shutdown
+        // follows with a quit message, behind which the window goes too.
+        if (m_around.isClosing) EndModalWindows();
+        return;
+    }
+    if (m_run && m_run->IsRunning() && !m_around.isClosing) {
+        m_closesAfterRun = true;
+        m_run->Stop();
+        SetStatus(L"Stopping behind the current file...");
+        return;
+    }
+    CloseWindow();
+}
+
+void BatchRenameMainFrame::CloseWindow() {
+    if (!m_window) return;
+    SavePosition();  // while it is seen: a host may take a window that is not for the end
+    DestroyWindow(m_window);
+}
+
+void BatchRenameMainFrame::EndModalWindows() {
+    EndMenu();
+    EnumThreadWindows(GetCurrentThreadId(), CancelDialog, 0);
+}
+
+void BatchRenameMainFrame::OnDestroy() {
+    // Both wait for their threads; the run's ends behind its current row.
+    m_run.reset();
+    m_preview.reset();
+    PostQuitMessage(0);
+}
+
+int BatchRenameMainFrame::SplitterTop() const {
+    return ClientOf(m_window).bottom - HeightOf(m_statusBar) - m_panelHeight - Scaled(kSplitterHeight);
+}
+
+void BatchRenameMainFrame::Layout() {
+    if (!m_statusBar || IsIconic(m_window)) return;
+    SendMessageW(m_statusBar, WM_SIZE, 0, 0);
+    const RECT client = ClientOf(m_window);
+    const int room = client.bottom - HeightOf(m_statusBar) - Scaled(kSplitterHeight);
+    const int natural = m_panel->NaturalSize().cy;
+    m_panelHeight = std::clamp(m_panelHeight, natural, std::max(natural, room - Scaled(kSmallestList)));
+    const int top = SplitterTop();
+    HDWP moves = BeginDeferWindowPos(2);
+    const auto place = [&](HWND window, int y, int height) {
+        if (moves)
+            moves = DeferWindowPos(moves, window, nullptr, 0, y, client.right, std::max(height, 0),
+                                   SWP_NOZORDER | SWP_NOACTIVATE);
+    };
+    place(m_list.GetWindow(), 0, top);
+    place(m_panel->GetWindow(), top + Scaled(kSplitterHeight), m_panelHeight);
+    if (moves) EndDeferWindowPos(moves);
+    m_list.FillWidth();
+}
+
+bool BatchRenameMainFrame::OnSplitter(UINT message, LPARAM lParam) {
+    POINT mouse = {};
+    GetCursorPos(&mouse);
+    ScreenToClient(m_window, &mouse);
+    const bool isOver = m_isDragging || (mouse.y >= SplitterTop() && mouse.y < SplitterTop() + Scaled(kSplitterHeight));
+    switch (message) {
+        case WM_SETCURSOR:
+            if (LOWORD(lParam) != HTCLIENT || !isOver) return false;
+            SetCursor(LoadCursorW(nullptr, IDC_SIZENS));
+            return true;
+        case WM_LBUTTONDOWN:
+            if (!isOver) return false;
+            m_isDragging = true;
+            SetCapture(m_window);
+            return true;
+        case WM_MOUSEMOVE:
+            if (!m_isDragging) return false;
+            m_panelHeight = ClientOf(m_window).bottom - HeightOf(m_statusBar) - mouse.y - Scaled(kSplitterHeight) / 2;
+            Layout();
+            return true;
+        case WM_LBUTTONUP:
+            if (m_isDragging) ReleaseCapture();
+            return m_isDragging;
+        default: m_isDragging = false; return false;
+    }
+}
+
+int BatchRenameMainFrame::Scaled(int pixels) const {
+    return MulDiv(pixels, static_cast<int>(m_dotsPerInch), USER_DEFAULT_SCREEN_DPI);
+}
+
+void BatchRenameMainFrame::OnScaleChange(UINT dotsPerInch, const RECT& suggested) {
+    m_panelHeight = MulDiv(m_panelHeight, static_cast<int>(dotsPerInch), static_cast<int>(m_dotsPerInch));
+    m_dotsPerInch = dotsPerInch;
+    m_panel->Rescale(dotsPerInch);
+    SetWindowPos(m_window, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
+                 suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    Layout();
+}
+
+void BatchRenameMainFrame::SwitchPane() {
+    const HWND focus = GetFocus();
+    const HWND list = m_list.GetWindow();
+    if (focus == list) {
+        SetFocus(m_focusInRule ? m_focusInRule : m_panel->Button(IDC_NAME_TEMPLATE));
+        return;
+    }
+    m_focusInRule = focus;
+    SetFocus(list);
+}
+
+void BatchRenameMainFrame::MoveSplitter(bool isUp) {
+    m_panelHeight += isUp ? Scaled(kSplitterStep) : -Scaled(kSplitterStep);
+    Layout();
+}
+
+void BatchRenameMainFrame::LimitSize(MINMAXINFO& limits) const {
+    if (!m_panel || !m_statusBar) return;
+    RECT rect = {0, 0, m_panel->NaturalSize().cx,
+                 Scaled(kSmallestList + kSplitterHeight) + m_panel->NaturalSize().cy + HeightOf(m_statusBar)};
+    AdjustWindowRectEx(&rect, WS_OVERLAPPEDWINDOW, FALSE, 0);
+    limits.ptMinTrackSize = {rect.right - rect.left, rect.bottom - rect.top};
+}
+
+void BatchRenameMainFrame::RestorePosition() {
+    std::optional<WindowPosition> position;
+    wchar_t text[kPositionCapacity] = {};
+    Quorvane::SDK::ISettings* const settings = m_around.services ? m_around.services->GetSettings() : nullptr;
+    if (settings && settings->GetString(1, kSection, kPositionKey, text, kPositionCapacity))
+        position = ParseWindowPosition(text);
+    if (position) {
+        // The screen it was on may be gone, or smaller than it was.
+        const RECT wanted = {position->left, position->top, position->right, position->bottom};
+        MONITORINFO monitor = {};
+        monitor.cbSize = sizeof(monitor);
+        GetMonitorInfoW(MonitorFromRect(&wanted, MONITOR_DEFAULTTONEAREST), &monitor);
+        const RECT& work = monitor.rcWork;
+        position = FitIntoScreen(*position, work.left, work.top, work.right, work.bottom);
+        SetWindowPos(m_window, nullptr, position->left, position->top, position->right - position->left,
+                     position->bottom - position->top, SWP_NOZORDER | SWP_NOACTIVATE);
+        m_panelHeight = std::max(position->panelHeight, m_panelHeight);
+        Layout();
+    } else {
+        SetWindowPos(m_window, nullptr, 0, 0, Scaled(kUsualWidth), Scaled(kUsualHeight), SWP_NOMOVE | SWP_NOZORDER);
+    }
+    ShowWindow(m_window, position && position->isMaximised ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL);
+}
+
+void BatchRenameMainFrame::SavePosition() const noexcept {
+    // Guarded, since a window that cannot remember where it was must close all the same.
+    Quorvane::SDK::AtBoundary(false, [&] {
+        WINDOWPLACEMENT placement = {};
+        placement.length = sizeof(placement);
+        Quorvane::SDK::ISettings* const settings = m_around.services ? m_around.services->GetSettings() : nullptr;
+        if (!settings || !GetWindowPlacement(m_window, &placement)) return false;
+        const RECT& normal = placement.rcNormalPosition;
+        const bool isMaximised = IsZoomed(m_window) != FALSE;
+        const WindowPosition position = {normal.left,   normal.top,  normal.right,
+                                         normal.bottom, isMaximised, m_panelHeight};
+        return settings->SetString(1, kSection, kPositionKey, FormatWindowPosition(position).c_str()) != 0;
+    });
+}
+
+bool BatchRenameMainFrame::PreTranslate(MSG& message) {
+    if (!m_window || (message.hwnd != m_window && !IsChild(m_window, message.hwnd))) return false;
+    if (OnKey(message)) return true;
+    // A letter without Alt is its control's alone: on a button the system would take it for the key of another.
+    return message.message != WM_CHAR && IsDialogMessageW(m_window, &message);
+}
+
+bool BatchRenameMainFrame::OnKey(const MSG& message) {
+    const bool isShift = GetKeyState(VK_SHIFT) < 0;
+    if (message.message == WM_KEYDOWN && message.wParam == VK_F8) {
+        if (!m_list.GoToProblem(isShift)) MessageBeep(MB_OK);
+        return true;
+    }
+    if (message.message == WM_KEYDOWN && message.wParam == VK_F5) {
+        if (!m_run->IsRunning() && !m_isDone) RequestPreview(0, true);
+        return true;
+    }
+    if (message.message == WM_KEYDOWN && message.wParam == VK_F6) {
+        SwitchPane();
+        return true;
+    }
+    const bool isArrow = message.wParam == VK_UP || message.wParam == VK_DOWN;
+    if (message.message == WM_KEYDOWN && isArrow && isShift && GetKeyState(VK_CONTROL) < 0) {
+        MoveSplitter(message.wParam == VK_UP);
+        return true;
+    }
+    if (message.message == WM_SYSKEYDOWN && isArrow && message.hwnd == m_list.GetWindow()) {
+        MoveSelectedRows(message.wParam == VK_UP);
+        return true;
+    }
+    return false;
+}
+
+void BatchRenameMainFrame::SetStatus(const std::wstring& text) {
+    // Setting it tells screen readers, so the same text is not set twice.
+    if (Ui::TextOf(m_statusBar) != text)
+        SendMessageW(m_statusBar, SB_SETTEXTW, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+int BatchRenameMainFrame::AskBox(const std::wstring& text, UINT style) {
+    const ModalScope scope(*this);
+    return MessageBoxW(m_window, text.c_str(), kFrameTitle, style);
+}
+
+}  // namespace BatchRename

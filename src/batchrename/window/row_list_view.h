@@ -1,0 +1,88 @@
+// row_list_view.h - the list control over a RowList: an owner-data list, so it holds no text and no row of its own, and
+// a hundred thousand rows cost it nothing. Draws the new names with their changed part in bold.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "batchrename/model/row_list.h"
+#include "batchrename/model/row_order.h"
+#include "batchrename/window/row_icons.h"
+
+namespace BatchRename {
+
+struct FontTraits {
+    using Raw = HFONT;
+    static Raw Empty() noexcept { return nullptr; }
+    static void Close(Raw raw) noexcept { DeleteObject(raw); }
+};
+using FontHandle = Win32::UniqueHandle<FontTraits>;
+
+class RowListView {
+public:
+    struct Owner {
+        std::function<void(RowKey)> onHeader;
+        std::function<void()> onRemove;         // of the selected rows
+        std::function<void(bool isUp)> onMove;  // of the selected rows
+    };
+    RowListView(const RowList& rows, Owner owner) : m_rows(rows), m_owner(std::move(owner)) {}
+
+    /// @throws std::system_error
+    void Create(HWND parent, int id, HFONT font);
+    HWND GetWindow() const { return m_window; }
+
+    /// The rows, or what is known of them, are others: their number, and all that is on the screen, is taken anew. The
+    /// selection stays with its rows, also over a moment in which there are none. `areInPlace`: each row stands for the
+    /// one that had its number before, whatever it is called now.
+    void Refresh(bool areInPlace = false);
+    /// The list is wider or narrower: the columns of names share what width the others leave, beyond their own.
+    void FillWidth();
+    /// The header over the new names tells when they are not up to date.
+    void ShowOutdated(bool isOutdated);
+    void ShowOrder(const RowOrder& order);
+    void Recolour();
+
+    struct Range {
+        size_t first = 0;
+        size_t count = 0;
+    };
+    Range VisibleRows() const;
+    /// By row, true for the selected ones.
+    std::vector<bool> SelectedRows() const;
+    void Select(const std::vector<bool>& isSelected);
+    /// Goes to the next or previous row with a problem; false when there is none.
+    bool GoToProblem(bool isBack);
+    void SelectAll();
+    void CopySelection() const;
+
+    /// The answer to a WM_NOTIFY of this list; nothing when the default is wanted.
+    std::optional<LRESULT> OnNotify(NMHDR& header);
+
+private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
+    void FillItem(LVITEMW& item) const;
+    void OnKey(WORD key);
+    LRESULT FindByText(const NMLVFINDITEMW& search) const;
+    /// By row of those that are shown: the selected ones, or the one with the focus.
+    std::vector<bool> ShownRowsWith(WPARAM state) const;
+    void SetStates(const std::vector<bool>& isSelected, const std::vector<bool>& isFocused);
+    LRESULT OnDraw(NMLVCUSTOMDRAW& draw);
+    void DrawNewName(HDC context, size_t place);
+
+    const RowList& m_rows;
+    Owner m_owner;
+    HWND m_window = nullptr;
+    WNDPROC m_control = nullptr;  // the system's
+    // What the control's places stand for, and what was selected in it when it was emptied.
+    RowSnapshot m_shownRows = std::make_shared<const RenameItems>();
+    std::optional<std::vector<uint32_t>> m_shownPlaces;
+    std::vector<bool> m_keptSelection;
+    std::vector<bool> m_keptFocus;
+    std::array<int, 2> m_spareWidths = {};  // pixels that each column of names has beyond its own
+    ImageListHandle m_icons;
+    FontHandle m_bold;
+};
+
+}  // namespace BatchRename

@@ -1,0 +1,278 @@
+#include "batchrename/window/rule_panel.h"
+
+#include <utility>
+
+#include "batchrename/dialogs/add_tag_dlg.h"
+#include "batchrename/dialogs/batchrename_resource.h"
+#include "batchrename/dialogs/find_replace_dlg.h"
+#include "batchrename/dialogs/numbers.h"
+#include "batchrename/dialogs/popup_menus.h"
+#include "batchrename/profiles.h"
+#include "batchrename/window/list_columns.h"
+
+#include <commctrl.h>
+
+namespace BatchRename {
+
+using namespace Quorvane::SDK;
+
+namespace {
+
+// The entries' item data are the rule's case bits.
+constexpr Ui::ListEntry kCases[] = {
+    {330_d, 0},
+    {331_d, RenameOption::LowerBoth},
+    {332_d, RenameOption::UpperBoth},
+    {333_d, RenameOption::LowerName},
+    {334_d, RenameOption::UpperName},
+    {335_d, RenameOption::LowerExtension},
+    {336_d, RenameOption::UpperExtension},
+    {337_d, RenameOption::CapitaliseWords},
+    {338_d, RenameOption::Sentence},
+};
+constexpr Ui::ListEntry kScopes[] = {
+    {340_d, RenameOption::ScopeBoth}, {341_d, RenameOption::ScopeName}, {342_d, RenameOption::ScopeExtension}};
+constexpr Ui::OptionBox kBoxes[] = {
+    {IDC_REGEX, RenameOption::RegularExpression},
+    {IDC_REPLACE_ALL_MATCHES, RenameOption::ReplaceAll},
+    {IDC_CASE_SENSITIVE, RenameOption::CaseSensitive},
+};
+constexpr int kEdits[] = {IDC_NAME_TEMPLATE, IDC_EXTENSION_TEMPLATE, IDC_COUNTER_START, IDC_COUNTER_STEP,
+                          IDC_COUNTER_DIGITS};
+// Everything that is the rule's, with the labels, in the order of tabs: disabled while the rule is not used.
+constexpr int kRuleControls[] = {
+    IDC_NAME_TEMPLATE_LABEL,
+    IDC_NAME_TEMPLATE,
+    IDC_NAME_TAGS,
+    IDC_EXTENSION_TEMPLATE_LABEL,
+    IDC_EXTENSION_TEMPLATE,
+    IDC_EXTENSION_TAGS,
+    IDC_CASE_LABEL,
+    IDC_CASE,
+    IDC_COUNTER_START_LABEL,
+    IDC_COUNTER_START,
+    IDC_COUNTER_STEP_LABEL,
+    IDC_COUNTER_STEP,
+    IDC_COUNTER_DIGITS_LABEL,
+    IDC_COUNTER_DIGITS,
+    IDC_ITEMS_LABEL,
+    IDC_ITEMS,
+    IDC_REGEX,
+    IDC_CASE_SENSITIVE,
+    IDC_SCOPE_LABEL,
+    IDC_SCOPE,
+    IDC_PROFILES,
+    IDC_LIVE_PREVIEW,
+};
+
+constexpr ListColumn kItemColumns[] = {{L"Find", 336}, {L"Replace with", 336}};
+
+constexpr Ui::Anchor kAnchors[] = {
+    {IDC_ITEMS, 0, 0, 100, 100},          {IDC_ITEM_NEW, 100, 0, 100, 0},
+    {IDC_ITEM_EDIT, 100, 0, 100, 0},      {IDC_ITEM_REMOVE, 100, 0, 100, 0},
+    {IDC_ITEM_UP, 100, 0, 100, 0},        {IDC_ITEM_DOWN, 100, 0, 100, 0},
+    {IDC_REGEX, 0, 100, 0, 100},          {IDC_REPLACE_ALL_MATCHES, 0, 100, 0, 100},
+    {IDC_CASE_SENSITIVE, 0, 100, 0, 100}, {IDC_SCOPE_LABEL, 0, 100, 0, 100},
+    {IDC_SCOPE, 0, 100, 0, 100},          {IDC_START, 100, 0, 100, 0},
+    {IDC_UNDO, 100, 0, 100, 0},           {IDC_PROFILES, 100, 0, 100, 0},
+    {IDC_RESET_LIST, 100, 0, 100, 0},     {IDC_CLOSE, 100, 100, 100, 100},
+};
+
+/// The first entry that stands for the bits; case bits are honoured from the lowest on.
+void SelectEntry(HWND combo, std::span<const Ui::ListEntry> entries, uint32_t options, int otherwise) {
+    int selected = otherwise;
+    for (size_t index = entries.size(); index-- > 0;)
+        if (entries[index].bit & options) selected = static_cast<int>(index);
+    SendMessageW(combo, CB_SETCURSEL, static_cast<WPARAM>(selected), 0);
+}
+
+}  // namespace
+
+RulePanel::RulePanel(Ui::HostTexts texts, Owner owner)
+    : Dialog(IDD_RULE_PANEL), m_texts(std::move(texts)), m_owner(std::move(owner)) {}
+
+void RulePanel::Create(HWND parent) {
+    m_parent = parent;
+    ShowModeless(parent);
+}
+
+bool RulePanel::OnInit() {
+    RECT rect = {};
+    GetWindowRect(GetWindow(), &rect);
+    m_naturalSize = {rect.right - rect.left, rect.bottom - rect.top};
+    m_dotsPerInch = Ui::DotsPerInch(GetWindow());
+    MakeResizable(kAnchors);
+    for (const int edit : kEdits) SendMessageW(Item(edit), EM_LIMITTEXT, kLongestProfileText, 0);
+    Ui::FillCombo(Item(IDC_CASE), m_texts, kCases, 0, 0);
+    Ui::FillCombo(Item(IDC_SCOPE), m_texts, kScopes, 0, RenameOption::ScopeBoth);
+    AddColumns(Item(IDC_ITEMS), kItemColumns);
+    Ui::SetChecked(Item(IDC_LIVE_PREVIEW), true);
+    Ui::SetChecked(Item(IDC_SAVE_UNDO), true);
+    SetRule({});
+    return false;  // the window decides where the focus goes
+}
+
+void RulePanel::Rescale(UINT dotsPerInch) {
+    for (LONG* const length : {&m_naturalSize.cx, &m_naturalSize.cy})
+        *length = MulDiv(*length, static_cast<int>(dotsPerInch), static_cast<int>(m_dotsPerInch));
+    m_dotsPerInch = dotsPerInch;
+    RescaleControls(dotsPerInch);
+}
+
+uint32_t RulePanel::Options() const {
+    return Ui::SelectedBit(Item(IDC_CASE)) | Ui::SelectedBit(Item(IDC_SCOPE)) | Ui::BitsOfBoxes(GetWindow(), kBoxes);
+}
+
+RuleDefinition RulePanel::Rule() const {
+    RuleDefinition rule;
+    rule.nameTemplate = Ui::TextOf(Item(IDC_NAME_TEMPLATE));
+    rule.extensionTemplate = Ui::TextOf(Item(IDC_EXTENSION_TEMPLATE));
+    rule.counter = {NumberOf(Ui::TextOf(Item(IDC_COUNTER_START))), NumberOf(Ui::TextOf(Item(IDC_COUNTER_STEP))),
+                    NumberOf(Ui::TextOf(Item(IDC_COUNTER_DIGITS)))};
+    rule.items = std::make_shared<const SearchAndReplaceItems>(m_items);
+    rule.options = Options();
+    return rule;
+}
+
+void RulePanel::SetRule(const RuleDefinition& rule) {
+    m_isSetting = true;
+    Ui::SetTextOf(Item(IDC_NAME_TEMPLATE), rule.nameTemplate);
+    Ui::SetTextOf(Item(IDC_EXTENSION_TEMPLATE), rule.extensionTemplate);
+    Ui::SetTextOf(Item(IDC_COUNTER_START), std::to_wstring(rule.counter.start));
+    Ui::SetTextOf(Item(IDC_COUNTER_STEP), std::to_wstring(rule.counter.step));
+    Ui::SetTextOf(Item(IDC_COUNTER_DIGITS), std::to_wstring(rule.counter.digits));
+    SelectEntry(Item(IDC_CASE), kCases, rule.options, 0);
+    SelectEntry(Item(IDC_SCOPE), kScopes, rule.options, 0);
+    Ui::SetBoxes(GetWindow(), kBoxes, rule.options);
+    m_items = rule.items ? *rule.items : SearchAndReplaceItems();
+    ShowItems(m_items.empty() ? -1 : 0);
+    m_isSetting = false;
+    RefreshButtons();
+}
+
+bool RulePanel::IsLive() const {
+    return Ui::IsChecked(Item(IDC_LIVE_PREVIEW));
+}
+bool RulePanel::SavesUndo() const {
+    return Ui::IsChecked(Item(IDC_SAVE_UNDO));
+}
+bool RulePanel::ShowsChangesOnly() const {
+    return Ui::IsChecked(Item(IDC_CHANGES_ONLY));
+}
+
+void RulePanel::SetState(const PanelState& state) {
+    const bool wasRunning = std::exchange(m_state, state).isRunning;
+    const bool isIdle = !state.isRunning;
+    const HWND focus = GetFocus();
+    for (const int id : kRuleControls) EnableWindow(Item(id), isIdle && !state.isRestoring);
+    for (const int id : {IDC_UNDO, IDC_RESET_LIST}) EnableWindow(Item(id), isIdle);
+    EnableWindow(Item(IDC_SAVE_UNDO), isIdle && !state.isRestoring);  // restores are not recorded
+    EnableWindow(Item(IDC_START), state.isRunning || state.canStart);
+    if (wasRunning != state.isRunning) SetWindowTextW(Item(IDC_START), state.isRunning ? L"&Stop" : L"&Start");
+    RefreshButtons();
+    // A disabled control would keep the focus and no key would arrive anywhere.
+    if (focus && IsChild(GetWindow(), focus) && !IsWindowEnabled(focus))
+        SetFocus(GetDlgItem(GetParent(GetWindow()), IDC_ROWS));
+}
+
+bool RulePanel::OnCommand(int id, int notification) {
+    // Enter and Escape that no control wants: neither starts a run nor closes the window.
+    if (id == IDOK || id == IDCANCEL) return true;
+    if (m_isSetting) return true;
+    const bool isClick = notification == BN_CLICKED;
+    if (isClick && id == IDC_NAME_TAGS) InsertTag(id, IDC_NAME_TEMPLATE);
+    if (isClick && id == IDC_EXTENSION_TAGS) InsertTag(id, IDC_EXTENSION_TEMPLATE);
+    if (isClick && id >= IDC_ITEM_NEW && id <= IDC_ITEM_DOWN) OnItemButton(id);
+    if (isClick && ((id >= IDC_START && id <= IDC_CLOSE) || id == IDC_LIVE_PREVIEW || id == IDC_CHANGES_ONLY))
+        m_owner.onButton(id);
+    const bool isBox = isClick && id >= IDC_REGEX && id <= IDC_CASE_SENSITIVE;
+    if (isBox) RefreshButtons();
+    if (isBox || notification == EN_CHANGE || notification == CBN_SELCHANGE) m_owner.onRuleChanged();
+    return true;
+}
+
+bool RulePanel::OnMessage(UINT message, WPARAM, LPARAM lParam) {
+    if (message != WM_NOTIFY) return false;
+    const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
+    if (header.idFrom != IDC_ITEMS) return false;
+    if (header.code == LVN_ITEMCHANGED && !m_isSetting) RefreshButtons();
+    if (header.code == NM_DBLCLK) OnItemButton(SelectedRow(Item(IDC_ITEMS)) < 0 ? IDC_ITEM_NEW : IDC_ITEM_EDIT);
+    if (header.code == LVN_KEYDOWN) {
+        const WORD key = reinterpret_cast<const NMLVKEYDOWN*>(lParam)->wVKey;
+        if (key == VK_DELETE) OnItemButton(IDC_ITEM_REMOVE);
+        if (key == VK_INSERT) OnItemButton(IDC_ITEM_NEW);
+        if (key == VK_F2) OnItemButton(IDC_ITEM_EDIT);
+    }
+    return false;
+}
+
+void RulePanel::InsertTag(int button, int edit) {
+    std::optional<std::wstring> tag;
+    m_owner.modal([&] {
+        tag = PickTag(GetWindow(), Item(button), m_texts);
+        if (tag && tag->empty()) tag = BatchRenameAddTag(m_owner.properties()).Show(GetAncestor(GetWindow(), GA_ROOT));
+    });
+    if (!tag) return;
+    SetFocus(Item(edit));
+    SendMessageW(Item(edit), EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(tag->c_str()));
+}
+
+void RulePanel::OnItemButton(int id) {
+    const int selected = SelectedRow(Item(IDC_ITEMS));
+    if (id == IDC_ITEM_NEW) return EditItem(true);
+    if (selected < 0 || static_cast<size_t>(selected) >= m_items.size()) return;
+    if (id == IDC_ITEM_EDIT) return EditItem(false);
+    const int last = static_cast<int>(m_items.size()) - 1;
+    int next = id == IDC_ITEM_UP ? selected - 1 : selected + 1;
+    if (id == IDC_ITEM_REMOVE) {
+        m_items.erase(m_items.begin() + selected);
+        next = std::min(selected, last - 1);
+    } else {
+        if (next < 0 || next > last) return;
+        std::swap(m_items[static_cast<size_t>(selected)], m_items[static_cast<size_t>(next)]);
+    }
+    ShowItems(next);
+    m_owner.onRuleChanged();
+}
+
+void RulePanel::EditItem(bool isNew) {
+    const int selected = SelectedRow(Item(IDC_ITEMS));
+    const size_t place = isNew ? m_items.size() : static_cast<size_t>(selected);
+    BatchRenameFindReplaceDlg dialog(isNew ? SearchAndReplaceItem() : m_items[place], Options(), m_owner.rows());
+    std::optional<SearchAndReplaceItem> item;
+    m_owner.modal([&] { item = dialog.Show(GetAncestor(GetWindow(), GA_ROOT)); });
+    if (!item) return;
+    if (isNew)
+        m_items.push_back(std::move(*item));
+    else
+        m_items[place] = std::move(*item);
+    ShowItems(static_cast<int>(place));
+    m_owner.onRuleChanged();
+}
+
+void RulePanel::ShowItems(int selected) {
+    const HWND list = Item(IDC_ITEMS);
+    SendMessageW(list, LVM_DELETEALLITEMS, 0, 0);
+    int row = 0;
+    for (const SearchAndReplaceItem& item : m_items) {
+        SetListText(list, row, 0, item.find);
+        SetListText(list, row++, 1, item.replaceWith);
+    }
+    if (selected >= 0) SelectRow(list, selected);
+    RefreshButtons();
+}
+
+void RulePanel::RefreshButtons() {
+    const bool isUsable = !m_state.isRunning && !m_state.isRestoring;
+    const int selected = SelectedRow(Item(IDC_ITEMS));
+    const int last = static_cast<int>(m_items.size()) - 1;
+    EnableWindow(Item(IDC_ITEM_NEW), isUsable);
+    EnableWindow(Item(IDC_ITEM_EDIT), isUsable && selected >= 0);
+    EnableWindow(Item(IDC_ITEM_REMOVE), isUsable && selected >= 0);
+    EnableWindow(Item(IDC_ITEM_UP), isUsable && selected > 0);
+    EnableWindow(Item(IDC_ITEM_DOWN), isUsable && selected >= 0 && selected < last);
+    // An expression always replaces every match.
+    EnableWindow(Item(IDC_REPLACE_ALL_MATCHES), isUsable && !Ui::IsChecked(Item(IDC_REGEX)));
+}
+
+}  // namespace BatchRename

@@ -1,0 +1,62 @@
+#include "fileutils/access/grant_access_command.h"
+
+#include "fileutils/access/account_picker.h"
+#include "fileutils/access/change_access_dlg.h"
+#include "fileutils/access/security_work.h"
+#include "security/account_names.h"
+#include "security/ntfs_tools.h"
+
+namespace FileUtils {
+namespace {
+
+using namespace Quorvane::SDK;
+
+SecurityChange Grant(const std::wstring& account, uint32_t mask) {
+    return [account, mask](const std::wstring& path) { return Security::NTFSTools().GrantAccess(path, account, mask); };
+}
+
+bool AccountExists(const std::wstring& account) {
+    return Security::NTFSTools().CheckAccount(account) == ERROR_SUCCESS;
+}
+
+std::optional<Ui::AccessChoice> AskForAccess(IHostServices& host, const std::wstring& account) {
+    const auto texts = [&](TextId id) {
+        if (static_cast<char>(id & 0xFF) != 'g') return HostText(host, id);
+        // General words are not this extension's own: module 0 has them.
+        const wchar_t* const text = host.GetModuleText(0, id);
+        return text ? text : L"";
+    };
+    Ui::ChangeAccessDlg dialog(texts, account, AccountExists, PickAccount);
+    const HWND active = GetActiveWindow();
+    return dialog.Show(active ? active : host.GetMainWindow());
+}
+
+}  // namespace
+
+uint32_t RunGrantAccess(IHostServices& host, uint32_t) {
+    const std::wstring account = Security::CurrentAccountName();
+    const SecuritySelection selection = GatherSecuritySelection(host);
+    if (selection.items.empty()) return 1;
+    const std::optional<Ui::AccessChoice> chosen = AskForAccess(host, account);
+    if (!chosen) return 1;
+    RunSecurityWork(host, selection,
+                    {.requestId = kGrantAccessRequest,
+                     .failureText = 120_e,
+                     .done = L"Access granted to " + chosen->account,
+                     .writeRequest =
+                         [&](IRequestWriter& writer) {
+                             WriteAccessGrant(writer, {chosen->mask, chosen->account, selection.paths});
+                         },
+                     .change = Grant(chosen->account, chosen->mask)});
+    return 1;
+}
+
+uint32_t AnswerGrantAccessRequest(IHostServices& host, IRequestMessage& message) {
+    const std::optional<AccessGrant> grant = ReadMessage(message, ReadAccessGrant);
+    const uint32_t error = grant ? ChangeUntilFailure(host, grant->paths, Grant(grant->account, grant->mask))
+                                 : uint32_t{ERROR_INVALID_PARAMETER};
+    message.Reply(1, error, 0, 0);
+    return 1;
+}
+
+}  // namespace FileUtils

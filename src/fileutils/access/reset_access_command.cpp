@@ -1,0 +1,35 @@
+#include "fileutils/access/reset_access_command.h"
+
+#include "fileutils/access/security_work.h"
+#include "security/ntfs_tools.h"
+
+namespace FileUtils {
+namespace {
+
+using namespace Quorvane::SDK;
+
+uint32_t Reset(const std::wstring& path) {
+    return Security::NTFSTools().RemoveAllEntries(path);
+}
+
+}  // namespace
+
+uint32_t RunResetAccess(IHostServices& host, uint32_t) {
+    if (host.MessageBox(HostText(host, 251_d), HostText(host, 250_d), MB_YESNO | MB_ICONINFORMATION) != IDYES) return 1;
+    const SecuritySelection selection = GatherSecuritySelection(host);
+    RunSecurityWork(host, selection,
+                    {.requestId = kResetAccessRequest,
+                     .failureText = 125_e,
+                     .done = L"Access reset to inherited",
+                     .writeRequest = [&](IRequestWriter& writer) { WritePaths(writer, selection.paths); },
+                     .change = Reset});
+    return 1;
+}
+
+uint32_t AnswerResetAccessRequest(IHostServices& host, IRequestMessage& message) {
+    const std::optional<Paths> paths = ReadMessage(message, ReadPaths);
+    message.Reply(1, paths ? ChangeUntilFailure(host, *paths, Reset) : uint32_t{ERROR_INVALID_PARAMETER}, 0, 0);
+    return 1;
+}
+
+}  // namespace FileUtils

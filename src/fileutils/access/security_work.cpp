@@ -1,0 +1,71 @@
+#include "fileutils/access/security_work.h"
+
+#include "sdk/owners.h"
+#include "sdk/text_format.h"
+#include "win32/windows.h"
+
+namespace FileUtils {
+namespace {
+
+using namespace Quorvane::SDK;
+
+void ShowFailure(IHostServices& host, uint32_t error, TextId failureText) {
+    if (error == ERROR_ACCESS_DENIED) {
+        host.MessageBox(HostText(host, 100_e), HostText(host, 10_e), MB_ICONERROR);
+        return;
+    }
+    const std::wstring message = FormatText(HostText(host, failureText), {error});
+    host.MessageBox(message.c_str(), HostText(host, 11_e), MB_ICONERROR);
+}
+
+/// The message that people get has room for the code alone; the log says which path it was.
+uint32_t Change(IHostServices& host, const SecurityChange& change, const std::wstring& path) {
+    const uint32_t error = change(path);
+    if (error != ERROR_SUCCESS)
+        host.Log(kLogLevel, LogKind::Failure, L"[Security] - Failed (Error : %d) : %s", error, path.c_str());
+    return error;
+}
+
+/// The reply; nothing when the work is to be done in this process.
+std::optional<uint32_t> AskElevated(IHostServices& host, const SecuritySelection& selection, const SecurityWork& work) {
+    if (!host.CanElevate() || host.IsElevated()) return std::nullopt;
+    return SendElevated(host, work.requestId, selection.paths.front(), work.writeRequest);
+}
+
+}  // namespace
+
+SecuritySelection GatherSecuritySelection(IHostServices& host) {
+    SecuritySelection selection;
+    selection.list = GatherSelection(host, SelectionFlags::Access);
+    if (!selection.list) return selection;
+    for (IFileItem* const item : ItemsOf(*selection.list)) {
+        std::wstring path = PathOf(*item);
+        if (path.empty()) continue;
+        selection.items.push_back(item);
+        selection.paths.push_back(std::move(path));
+    }
+    return selection;
+}
+
+bool RunSecurityWork(IHostServices& host, const SecuritySelection& selection, const SecurityWork& work) {
+    if (selection.items.empty()) return true;
+    const std::optional<uint32_t> reply = AskElevated(host, selection, work);
+    for (size_t at = 0; at < selection.items.size(); ++at) {
+        const uint32_t error = reply ? *reply : Change(host, work.change, selection.paths[at]);
+        if (error != ERROR_SUCCESS) {
+            ShowFailure(host, error, work.failureText);
+            return !reply;
+        }
+        host.Log(kLogLevel, LogKind::Success, L"[Security] - %s : %s", work.done.c_str(), selection.paths[at].c_str());
+        if (work.onChanged) work.onChanged(*selection.items[at]);
+    }
+    return true;
+}
+
+uint32_t ChangeUntilFailure(IHostServices& host, const Paths& paths, const SecurityChange& change) {
+    for (const std::wstring& path : paths)
+        if (const uint32_t error = Change(host, change, path)) return error;
+    return ERROR_SUCCESS;
+}
+
+}  // namespace FileUtils

@@ -1,0 +1,185 @@
+#include "fileutils/conversions/base64_command.h"
+
+#include <algorithm>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "fileutils/conversions/base64.h"
+#include "fileutils/conversions/mime_header.h"
+#include "sdk/owners.h"
+#include "sdk/text_format.h"
+#include "textio/data_reader.h"
+#include "textio/data_writer.h"
+#include "textio/target_name.h"
+#include "win32/code_page.h"
+#include "win32/files.h"
+#include "win32/link_check.h"
+#include "win32/path.h"
+#include "win32/windows.h"
+
+namespace FileUtils {
+namespace {
+
+using namespace Quorvane::SDK;
+using QVUtils::QVUtilsException;
+
+constexpr uint32_t kEncodeId = 30210;
+
+// Text is cut into lines by the blocks it was encoded in, so their size is part of the format. Many of them are read
+// and written at once.
+constexpr uint32_t kEncodeBlock = 3072;
+constexpr uint32_t kBlocksAtOnce = 64;
+constexpr uint32_t kDecodeBlock = 256 * 1024;
+
+/// Reads until `size` bytes are there or the file ends.
+uint32_t ReadFully(QVUtils::DataReader& reader, void* buffer, uint32_t size) {
+    uint32_t total = 0;
+    for (;;) {
+        uint32_t read = 0;
+        if (total < size) reader.Read(static_cast<uint8_t*>(buffer) + total, size - total, read);
+        total += read;
+        if (read == 0) return total;
+    }
+}
+
+/// The name in the thread's code page, "?" in place of what it cannot hold. Such a name is none when it is read again,
+/// so that the decoded file is called after the encoded one and nothing else.
+std::string HeaderName(std::wstring_view name) {
+    if (const auto whole = Win32::ToCodePage(name, Win32::kThreadCodePage)) return *whole;
+    std::string result;
+    for (size_t at = 0; at < name.size(); ++at) {
+        const auto unit = Win32::ToCodePage(name.substr(at, 1), Win32::kThreadCodePage);
+        result += unit ? *unit : "?";
+    }
+    return result;
+}
+
+void Encode(QVUtils::DataReader& source, const std::wstring& sourceName, QVUtils::DataWriter& target) {
+    constexpr size_t kText = CBase64::EncodedSize(kEncodeBlock);
+    const std::string header = MimeHeader(HeaderName(sourceName));
+    QVUtils::WriteAll(target, header.data(), header.size());
+    const auto data = std::make_unique_for_overwrite<uint8_t[]>(kEncodeBlock * kBlocksAtOnce);
+    const auto lines = std::make_unique_for_overwrite<char[]>(Base64Lines::LargestResult(kText) * kBlocksAtOnce);
+    char text[kText];
+    Base64Lines cutter;
+    for (;;) {
+        const uint32_t size = ReadFully(source, data.get(), kEncodeBlock * kBlocksAtOnce);
+        if (size == 0) return;
+        char* out = lines.get();
+        for (uint32_t at = 0; at < size; at += kEncodeBlock) {
+            const size_t length = CBase64::Encode(data.get() + at, std::min(kEncodeBlock, size - at), text);
+            out += cutter.Put(text, length, out);
+        }
+        QVUtils::WriteAll(target, lines.get(), static_cast<uint64_t>(out - lines.get()));
+    }
+}
+
+/// Gives the number of characters that are no Base64 text.
+/// @throws QVUtilsException also when the text ends in the middle of a byte, and when it is none at all
+uint64_t Decode(QVUtils::DataReader& source, QVUtils::DataWriter& target) {
+    const auto text = std::make_unique_for_overwrite<char[]>(kDecodeBlock);
+    const auto data = std::make_unique_for_overwrite<uint8_t[]>(CBase64::LargestDecoded(kDecodeBlock));
+    CBase64 decoder;
+    uint32_t size = ReadFully(source, text.get(), kDecodeBlock);
+    size_t begin = HeaderSize({text.get(), size});
+    uint64_t total = 0;
+    for (; size > 0; begin = 0, size = ReadFully(source, text.get(), kDecodeBlock)) {
+        const size_t decoded = decoder.Decode(text.get() + begin, size - begin, data.get());
+        QVUtils::WriteAll(target, data.get(), decoded);
+        total += decoded;
+    }
+    const size_t last = decoder.Finish(data.get());
+    QVUtils::WriteAll(target, data.get(), last);
+    if (!decoder.IsWhole()) throw QVUtilsException(ERROR_INVALID_DATA, "The Base64 text is cut off");
+    if (total + last == 0 && decoder.StrangerCount() > 0)
+        throw QVUtilsException(
+            ERROR_INVALID_DATA,
+            "There is no Base64 text, " + std::to_string(decoder.StrangerCount()) + " characters were ignored");
+    return decoder.StrangerCount();
+}
+
+/// The name in the file's header, when it has one that can be used; else "".
+/// @throws QVUtilsException when the file cannot be read: it must not be decoded under a name that is not its own
+std::wstring NameFromHeaderOf(const std::wstring& path) {
+    QVUtils::FileDataReader reader(path, QVUtils::FileSharing::Read);
+    char bytes[kNameArea];
+    const uint32_t size = ReadFully(reader, bytes, kNameArea);
+    std::wstring name = Win32::FromCodePage(NameInHeader({bytes, size}), Win32::kThreadCodePage);
+    return QVUtils::IsPlainFileName(name) ? name : std::wstring();
+}
+
+/// ".b64" follows the whole name: a.txt and a.doc must not become one file, and a decoded file without a name in its
+/// header gets its own extension back. @throws QVUtilsException
+std::wstring TargetOf(const std::wstring& path, bool encodes) {
+    if (encodes) return path + L".b64";
+    std::wstring name = NameFromHeaderOf(path);
+    if (name.empty()) name = Win32::SplitName(Win32::FileNameOf(path)).stem;
+    return Win32::JoinPath(Win32::FolderOf(path), name);
+}
+
+void LogFailure(IHostServices& host, bool encodes, const std::wstring& path, const char* reason, uint32_t error) {
+    const std::string what = reason;
+    host.Log(kLogLevel, LogKind::Failure, L"[Base64] - Failed to %s file : %s ( %s, ErrorCode : %d )",
+             encodes ? L"encode" : L"decode", path.c_str(), std::wstring(what.begin(), what.end()).c_str(), error);
+}
+
+/// The source is open before the target is touched, and nobody writes to either meanwhile: a file that is sent must be
+/// whole. What was written of a target stays when the rest fails: the bytes decoded so far may be all that is left of a
+/// damaged file.
+/// Gives the number of characters that were ignored. @throws QVUtilsException
+uint64_t Convert(bool encodes, const std::wstring& path, const std::wstring& target, bool overwrites) {
+    QVUtils::FileDataReader reader(path, QVUtils::FileSharing::Read);
+    QVUtils::FileDataWriter writer;
+    writer.Open(target, overwrites, QVUtils::FileSharing::Read);
+    uint64_t ignored = 0;
+    if (encodes)
+        Encode(reader, std::wstring(Win32::FileNameOf(path)), writer);
+    else
+        ignored = Decode(reader, writer);
+    writer.Close();
+    return ignored;
+}
+
+/// @throws QVUtilsException
+void ConvertFile(IHostServices& host, bool encodes, const std::wstring& path) {
+    const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
+    if (!files || !files->Exists(path.c_str())) return;
+    const std::wstring target = TargetOf(path, encodes);
+    // By whatever name: writing the target would empty the file before it is read.
+    if (_wcsicmp(target.c_str(), path.c_str()) == 0 || Win32::IsSameFile(path, target))
+        throw QVUtilsException(ERROR_INVALID_PARAMETER, "Source and target are the same file");
+    // The name may come from a stranger's file, and what it leads to may lie anywhere.
+    if (Win32::IsLink(target)) throw QVUtilsException(ERROR_CANT_ACCESS_FILE, "The target is a link");
+    // A name that is free must stay so until the file is made: a link that leads nowhere looks like one.
+    const bool overwrites = files->Exists(target.c_str());
+    if (overwrites) {
+        const std::wstring question = FormatText(HostText(host, 210_e), {target});
+        const wchar_t* const caption = HostText(host, encodes ? 2240_m : 2241_m);
+        if (host.MessageBox(question.c_str(), caption, MB_YESNO | MB_ICONQUESTION) != IDYES) return;
+    }
+    if (const uint64_t ignored = Convert(encodes, path, target, overwrites))
+        host.Log(kLogLevel, LogKind::Success,
+                 L"[Base64] - Note : %s characters were ignored (no Base64 text, or after its end) : %s",
+                 std::to_wstring(ignored).c_str(), path.c_str());
+}
+
+}  // namespace
+
+uint32_t RunBase64(IHostServices& host, uint32_t id) {
+    const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Files);
+    if (!list) return 1;
+    const bool encodes = id == kEncodeId;
+    for (const std::wstring& path : PathsOf(*list)) {
+        try {
+            ConvertFile(host, encodes, path);
+        } catch (const QVUtilsException& error) {
+            LogFailure(host, encodes, path, error.what(), error.GetErrorCode());
+        } catch (const std::bad_alloc&) {
+            LogFailure(host, encodes, path, "Out of memory", QVUtils::ErrorCode::OutOfMemory);
+        }
+    }
+    return 1;
+}
+
+}  // namespace FileUtils

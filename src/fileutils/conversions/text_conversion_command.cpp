@@ -1,0 +1,155 @@
+#include "fileutils/conversions/text_conversion_command.h"
+
+#include <algorithm>
+#include <ctime>
+#include <new>
+#include <optional>
+
+#include "fileutils/conversions/text_conversion.h"
+#include "sdk/owners.h"
+#include "sdk/text_format.h"
+#include "textio/data_reader.h"
+#include "textio/data_writer.h"
+#include "textio/replace_file.h"
+#include "win32/files.h"
+#include "win32/path.h"
+#include "win32/windows.h"
+
+namespace FileUtils {
+namespace {
+
+using namespace Quorvane::SDK;
+using QVUtils::QVUtilsException;
+
+constexpr uint32_t kBlockSize = 128 * 1024;  // bytes
+constexpr uint32_t kLargestChoice = 8;
+constexpr uint32_t kProposedChoice = 3;  // the fourth: a tab is 4 spaces
+constexpr uint32_t kTabWidthLimit = 21;  // a host that returns such a number did not show our choices
+
+struct ConversionOfId {
+    uint32_t id;
+    TextConversion conversion;
+};
+constexpr ConversionOfId kConversions[] = {
+    {30101, TextConversion::ToLf},
+    {30102, TextConversion::ToCrLf},
+    {30103, TextConversion::ToCr},
+    {30110, TextConversion::TabsToSpaces},
+};
+
+template <size_t capacity>
+void CopyText(const wchar_t* text, wchar_t (&field)[capacity]) {
+    const size_t length = std::char_traits<wchar_t>::length(text);
+    std::copy_n(text, std::min(length, capacity - 1), field);
+}
+
+/// The number of spaces for a tab; nothing when the choice was cancelled.
+std::optional<uint32_t> AskForTabWidth(IHostServices& host) {
+    const Owned<IChoiceList> choices(host.CreateChoiceList());
+    if (!choices) return std::nullopt;
+    for (uint32_t width = 1; width <= kLargestChoice; ++width) choices->AddChoice(std::to_wstring(width).c_str());
+    ChoiceRequest request = {};
+    CopyText(HostText(host, 16_c), request.prompt);
+    CopyText(HostText(host, 17_c), request.title);
+    request.choices = choices.get();
+    request.position = kProposedChoice;
+    if (!host.ShowChoiceDialog(&request)) return std::nullopt;
+    const wchar_t* const chosen = choices->GetChoice(request.position);
+    const unsigned long width = chosen ? std::wcstoul(chosen, nullptr, 10) : kTabWidthLimit;
+    if (width >= kTabWidthLimit) return std::nullopt;
+    return static_cast<uint32_t>(width);
+}
+
+void ConvertBytes(QVUtils::DataReader& reader, TextConverter converter, QVUtils::DataWriter& writer) {
+    const auto block = std::make_unique_for_overwrite<char[]>(kBlockSize);
+    const auto result = std::make_unique_for_overwrite<char[]>(converter.LargestResult(kBlockSize));
+    for (;;) {
+        uint32_t size = 0;
+        reader.Read(block.get(), kBlockSize, size);
+        if (size == 0) return;
+        QVUtils::WriteAll(writer, result.get(), converter.Convert(block.get(), size, result.get()));
+    }
+}
+
+/// The converted form of a file, under a name of its own beside it. Removed again unless it is to stay.
+class ConvertedForm {
+public:
+    explicit ConvertedForm(const std::wstring& path)
+        : m_path(Win32::ExtendedPath(path + L".temp" + std::to_wstring(std::time(nullptr)))) {}
+    ConvertedForm(const ConvertedForm&) = delete;
+    ConvertedForm& operator=(const ConvertedForm&) = delete;
+    ~ConvertedForm() {
+        if (m_isOurs) Win32::RemoveWhenClosed(m_writer.GetSystemHandle());
+        m_writer.Abandon();
+        if (m_isOurs) Win32::RemoveFileAt(m_path.c_str());
+    }
+
+    const std::wstring& Path() const { return m_path; }
+    void Keep() { m_isOurs = false; }
+
+    /// Gives the file that was converted. @throws QVUtilsException, also when a file of that name is there
+    Win32::FileState Write(const std::wstring& path, const TextConverter& converter) {
+        QVUtils::FileDataReader reader(path);
+        Win32::FileState original = QVUtils::OriginalOf(reader, path);
+        m_writer.Adopt(Win32::CreateSuccessor(m_path, original));
+        m_isOurs = true;
+        ConvertBytes(reader, converter, m_writer);
+        if (const uint32_t error = Win32::CopyStreams(path, m_path, Win32::NamedStreamsOf(path)))
+            throw QVUtilsException(error, "Unable to carry over the named streams");
+        Win32::CarryOverAttributes(original, m_writer.GetSystemHandle());
+        m_writer.Close();
+        return original;
+    }
+
+private:
+    std::wstring m_path;
+    QVUtils::FileDataWriter m_writer;
+    bool m_isOurs = false;
+};
+
+/// Converts one file. The converted form is complete on disk before the file is touched, and takes its place in one
+/// step of the system, so that at no moment there is neither. When the file cannot be replaced (it is in use, or
+/// read-only) both stay: the work is done, and whoever frees the file can put it in place. When another program has
+/// saved the file meanwhile, its content stays and the converted form of the old one goes.
+void ConvertFile(IHostServices& host, const std::wstring& path, const TextConverter& converter) try {
+    ConvertedForm converted(path);
+    const Win32::FileState original = converted.Write(path, converter);
+    uint32_t error = QVUtils::LookAgain(original);
+    if (error == ERROR_SUCCESS) error = Win32::MoveFileOver(converted.Path(), original.path);
+    converted.Keep();
+    if (error != ERROR_SUCCESS)
+        host.Log(kLogLevel, LogKind::Failure,
+                 L"[Convert text] - Failed to replace file : %s ( ErrorCode : %d ), its converted form is %s",
+                 path.c_str(), error, converted.Path().c_str());
+} catch (const QVUtilsException& error) {
+    const std::string what = error.what();
+    host.Log(kLogLevel, LogKind::Failure, L"[Convert text] - Failed to convert file : %s ( %s, ErrorCode : %d )",
+             path.c_str(), std::wstring(what.begin(), what.end()).c_str(), error.GetErrorCode());
+} catch (const std::bad_alloc&) {
+    host.Log(kLogLevel, LogKind::Failure, L"[Convert text] - Failed to convert file : %s ( ErrorCode : %d )",
+             path.c_str(), QVUtils::ErrorCode::OutOfMemory);
+}
+
+}  // namespace
+
+uint32_t RunTextConversion(IHostServices& host, uint32_t id) {
+    const auto row = std::ranges::find(kConversions, id, &ConversionOfId::id);
+    if (row == std::end(kConversions)) return 0;
+    const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Files);
+    if (!list || list->GetCount() == 0) return 1;
+    const std::wstring question = FormatText(HostText(host, 15_c), {list->GetCount()});
+    if (host.MessageBox(question.c_str(), HostText(host, 14_c), MB_YESNO | MB_ICONQUESTION) != IDYES) return 1;
+    uint32_t tabWidth = 0;
+    if (row->conversion == TextConversion::TabsToSpaces) {
+        const std::optional<uint32_t> chosen = AskForTabWidth(host);
+        if (!chosen) return 1;
+        tabWidth = *chosen;
+    }
+    for (const std::wstring& path : PathsOf(*list)) {
+        const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
+        if (files && files->Exists(path.c_str())) ConvertFile(host, path, TextConverter(row->conversion, tabWidth));
+    }
+    return 1;
+}
+
+}  // namespace FileUtils

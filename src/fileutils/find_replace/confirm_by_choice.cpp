@@ -1,0 +1,70 @@
+#include "fileutils/find_replace/confirm_by_choice.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "sdk/owners.h"
+#include "win32/path.h"
+
+namespace FileUtils {
+namespace {
+
+using namespace Quorvane::SDK;
+using QVFindAndReplace::ConfirmQuestion;
+namespace Answer = QVFindAndReplace::Answer;
+
+struct ChoiceRow {
+    const wchar_t* text;
+    uint32_t answer;
+};
+constexpr ChoiceRow kChoices[] = {
+    {L"Replace", Answer::Replace},
+    {L"Replace All", Answer::ReplaceAll},
+    {L"Find Next", Answer::FindNext},
+    {L"Cancel", Answer::Cancel},
+};
+
+/// Copies as much as fits with the closing zero.
+template <size_t Capacity>
+void CopyText(wchar_t (&target)[Capacity], std::wstring_view text) {
+    const size_t length = text.copy(target, Capacity - 1);
+    target[length] = 0;
+}
+
+}  // namespace
+
+std::wstring DescribeMatch(const ConfirmQuestion& question, size_t capacity) {
+    constexpr size_t kAround = 30;
+    constexpr size_t kPart = 60;
+    const std::wstring_view context = question.context;
+    const size_t start = std::min<size_t>(question.match.contextOffset, context.size());
+    const size_t end = std::min<size_t>(start + question.match.contextLength, context.size());
+    const size_t lineStart = context.substr(0, start).find_last_of(L"\r\n") + 1;  // npos + 1 is 0
+    const size_t from = std::max(lineStart, start > kAround ? start - kAround : 0);
+    const size_t lineEnd = std::min(context.find_first_of(L"\r\n", end), context.size());
+
+    std::wstring text(Win32::FileNameOf(question.fileName));
+    text += L" (line " + std::to_wstring(question.match.startLine + 1) + L"): ";
+    text += context.substr(from, start - from);
+    text += L'[';
+    text += context.substr(start, std::min(end - start, kPart));
+    text += L']';
+    text += context.substr(end, std::min(lineEnd - end, kAround));
+    text += L" -> [" + question.replacement.substr(0, kPart) + L']';
+    text.resize(std::min(text.size(), capacity - 1));
+    return text;
+}
+
+uint32_t ConfirmByChoice::Ask(const ConfirmQuestion& question) {
+    const Owned<IChoiceList> choices(m_host.CreateChoiceList());
+    if (!choices) return Answer::Cancel;
+    for (const ChoiceRow& row : kChoices) choices->AddChoice(row.text);
+    ChoiceRequest request = {};
+    CopyText(request.prompt, DescribeMatch(question, std::size(request.prompt)));
+    CopyText(request.title, L"Find and Replace");
+    request.choices = choices.get();
+    if (!m_host.ShowChoiceDialog(&request) || request.position >= std::size(kChoices)) return Answer::Cancel;
+    return kChoices[request.position].answer;
+}
+
+}  // namespace FileUtils

@@ -1,0 +1,179 @@
+#include "fileutils/find_replace/confirm_replace_dlg.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
+#include "fileutils/fileutils_resource.h"
+#include "ui/controls.h"
+#include "win32/code_page.h"
+
+namespace Ui {
+namespace {
+
+using QVFindAndReplace::ConfirmQuestion;
+using QVUtils::EncodingKind;
+namespace Answer = QVFindAndReplace::Answer;
+
+constexpr size_t kBeforeMatch = 60;  // units of the match's line that are shown before it
+constexpr size_t kAfterMatch = 120;  // and behind it
+constexpr size_t kLongestMatch = 400;
+constexpr size_t kLongestLine = 200;  // of the lines around it
+constexpr size_t kLongestReplacement = 4000;
+constexpr wchar_t kEllipsis = L'\u2026';
+
+constexpr Anchor kAnchors[] = {
+    {IDC_MATCH_FILE, 0, 0, 100, 0},
+    {IDC_MATCH_CONTEXT, 0, 0, 100, 60},
+    {IDC_MATCH_REPLACEMENT_LABEL, 0, 60, 100, 60},
+    {IDC_MATCH_REPLACEMENT, 0, 60, 100, 100},
+    {IDOK, 0, 100, 0, 100},
+    {IDC_ANSWER_REPLACE_ALL, 0, 100, 0, 100},
+    {IDC_ANSWER_FIND_NEXT, 0, 100, 0, 100},
+    {IDCANCEL, 0, 100, 0, 100},
+    {IDC_SWITCH_UTF8, 100, 100, 100, 100},
+};
+
+struct AnswerRow {
+    INT_PTR button;
+    uint32_t answer;
+};
+constexpr AnswerRow kAnswers[] = {
+    {IDOK, Answer::Replace},
+    {IDC_ANSWER_REPLACE_ALL, Answer::ReplaceAll},
+    {IDC_ANSWER_FIND_NEXT, Answer::FindNext},
+    {IDCANCEL, Answer::Cancel},
+};
+
+bool IsLowSurrogate(wchar_t unit) {
+    return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
+/// A cut at `at` would leave half a character: the cut one unit earlier does not.
+size_t CutBefore(std::wstring_view text, size_t at) {
+    return at > 0 && at < text.size() && IsLowSurrogate(text[at]) ? at - 1 : at;
+}
+
+std::wstring Head(std::wstring_view text, size_t longest) {
+    if (text.size() <= longest) return std::wstring(text);
+    return std::wstring(text.substr(0, CutBefore(text, longest))) + kEllipsis;
+}
+
+std::wstring Tail(std::wstring_view text, size_t longest) {
+    if (text.size() <= longest) return std::wstring(text);
+    return kEllipsis + std::wstring(text.substr(CutBefore(text, text.size() - longest)));
+}
+
+/// The texts as they are to be read, whole.
+MatchView Decoded(const ConfirmQuestion& question, bool asUtf8) {
+    if (question.kind == EncodingKind::Utf16 || !asUtf8)
+        return {question.context, question.match.contextOffset, question.match.contextLength, question.replacement};
+    const std::string_view raw = question.rawContext;
+    const size_t offset = std::min<size_t>(question.rawOffset, raw.size());
+    const auto decode = [](std::string_view bytes) { return Win32::FromCodePage(bytes, Win32::kUtf8CodePage); };
+    MatchView view;
+    view.context = decode(raw.substr(0, offset));
+    view.matchOffset = view.context.size();
+    const std::wstring match = decode(raw.substr(offset, question.rawLength));
+    view.matchLength = match.size();
+    view.context += match;
+    if (raw.size() - offset > question.rawLength) view.context += decode(raw.substr(offset + question.rawLength));
+    view.replacement = decode(question.rawReplacement);
+    return view;
+}
+
+/// Adds `lines` (parts between CR LF), each cut at its end.
+void AddLines(std::wstring& text, std::wstring_view lines) {
+    while (!lines.empty()) {
+        const size_t end = std::min(lines.find(L"\r\n"), lines.size());
+        text += Head(lines.substr(0, end), kLongestLine);
+        if (end == lines.size()) return;
+        text += L"\r\n";
+        lines.remove_prefix(end + 2);
+    }
+}
+
+}  // namespace
+
+MatchView ViewOf(const ConfirmQuestion& question, bool asUtf8) {
+    const MatchView whole = Decoded(question, asUtf8);
+    const std::wstring_view context = whole.context;
+    const size_t start = std::min(whole.matchOffset, context.size());
+    const size_t end = start + std::min(whole.matchLength, context.size() - start);
+    const size_t lineBreak = context.substr(0, start).rfind(L"\r\n");
+    const size_t lineStart = lineBreak == std::wstring_view::npos ? 0 : lineBreak + 2;
+    const size_t lineEnd = std::min(context.find(L"\r\n", end), context.size());
+
+    MatchView view;
+    AddLines(view.context, context.substr(0, lineStart));
+    view.context += Tail(context.substr(lineStart, start - lineStart), kBeforeMatch);
+    view.matchOffset = view.context.size();
+    view.context += Head(context.substr(start, end - start), kLongestMatch);
+    view.matchLength = view.context.size() - view.matchOffset;
+    view.context += Head(context.substr(end, lineEnd - end), kAfterMatch);
+    AddLines(view.context, context.substr(lineEnd));
+    view.replacement = Head(whole.replacement, kLongestReplacement);
+    return view;
+}
+
+ConfirmReplaceDlg::ConfirmReplaceDlg(HWND mainWindow) : Dialog(IDD_CONFIRM_REPLACE), m_mainWindow(mainWindow) {}
+
+uint32_t ConfirmReplaceDlg::Ask(const ConfirmQuestion& question) {
+    m_question = &question;
+    // Each file begins as what it was found to be.
+    m_showsUtf8 = question.kind == EncodingKind::Utf8;
+    const HWND active = GetActiveWindow();
+    const INT_PTR button = ShowModal(active ? active : m_mainWindow);
+    // By button and not by answer: a dialog that the system does not show may end with 0, which would be "Replace".
+    const auto* const row = std::ranges::find(kAnswers, button, &AnswerRow::button);
+    return row == std::end(kAnswers) ? Answer::Cancel : row->answer;
+}
+
+bool ConfirmReplaceDlg::OnInit() {
+    MakeResizable(kAnchors);
+    if (m_place)
+        MoveWindow(GetWindow(), m_place->left, m_place->top, m_place->right - m_place->left,
+                   m_place->bottom - m_place->top, FALSE);
+    SetTextOf(Item(IDC_MATCH_FILE), m_question->fileName);
+    // Of a path that is too long, its end says more.
+    SendMessageW(Item(IDC_MATCH_FILE), EM_SETSEL, m_question->fileName.size(),
+                 static_cast<LPARAM>(m_question->fileName.size()));
+    SendMessageW(Item(IDC_MATCH_FILE), EM_SCROLLCARET, 0, 0);
+    SetTextOf(Item(IDC_MATCH_CONTEXT_LABEL),
+              L"&Match in line " + std::to_wstring(m_question->match.startLine + 1) + L":");
+    // UTF-16 can be read in one way only.
+    EnableWindow(Item(IDC_SWITCH_UTF8), m_question->kind != EncodingKind::Utf16);
+    ShowMatch();
+    SetFocus(Item(IDOK));
+    return false;
+}
+
+void ConfirmReplaceDlg::ShowMatch() {
+    const MatchView view = ViewOf(*m_question, m_showsUtf8);
+    const HWND context = Item(IDC_MATCH_CONTEXT);
+    SetTextOf(context, view.context);
+    // From its end to its start: the caret goes to the start, which is what must be in sight.
+    SendMessageW(context, EM_SETSEL, view.matchOffset + view.matchLength, static_cast<LPARAM>(view.matchOffset));
+    SendMessageW(context, EM_SCROLLCARET, 0, 0);
+    SetTextOf(Item(IDC_MATCH_REPLACEMENT), WithEditBreaks(view.replacement));
+}
+
+bool ConfirmReplaceDlg::OnCommand(int id, int) {
+    if (id == IDC_SWITCH_UTF8) {
+        m_showsUtf8 = !m_showsUtf8;
+        ShowMatch();
+        return true;
+    }
+    if (std::ranges::find(kAnswers, id, &AnswerRow::button) == std::end(kAnswers)) return false;
+    End(id);
+    return true;
+}
+
+bool ConfirmReplaceDlg::OnMessage(UINT message, WPARAM, LPARAM) {
+    if (message != WM_DESTROY) return false;
+    RECT rect = {};
+    if (GetWindowRect(GetWindow(), &rect)) m_place = rect;
+    return false;
+}
+
+}  // namespace Ui

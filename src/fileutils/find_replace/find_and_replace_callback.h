@@ -1,0 +1,43 @@
+// find_and_replace_callback.h - reports a run's errors to the host and its questions to the user.
+#pragma once
+
+#include <string>
+
+#include "fileutils/find_replace/confirm_replace.h"
+#include "findreplace/options.h"
+#include "sdk/host_services.h"
+
+namespace QVFindAndReplace {
+
+class FindAndReplaceCallback final : public IFindAndReplaceCallback {
+public:
+    /// `options`: the run's option word as it stands. Both other arguments must outlive the object.
+    FindAndReplaceCallback(Quorvane::SDK::IHostServices& host, uint32_t options, IConfirmReplace& confirmation)
+        : m_host(host), m_options(options), m_confirmation(confirmation) {}
+
+    /// The option word: with Option::ReplaceAll once the user wants no more questions.
+    uint32_t GetOptions() const noexcept { return m_options; }
+
+    void SetCurrentFile(const wchar_t* fileName) override { m_fileName = fileName ? fileName : L""; }
+    void EndOfFile() override {}
+    /// Logs the error and, unless the run is silent, shows it.
+    void ReportErrorW(const wchar_t* text, uint32_t code) override;
+    void ReportErrorA(const char* text, uint32_t code) override;
+    uint32_t ConfirmW(const wchar_t* context, QVUtils::EncodingKind kind, const Match& match,
+                      const wchar_t* replacement, uint32_t replacementLength) override;
+    uint32_t ConfirmA(const char* context, QVUtils::EncodingKind kind, const Match& match, const char* replacement,
+                      uint32_t replacementLength) override;
+    bool IsCancelled() override { return m_isCancelled; }
+
+private:
+    bool AsksNobody() const { return (m_options & (Option::ReplaceAll | Option::Silent)) != 0; }
+    uint32_t Ask(ConfirmQuestion question);
+
+    Quorvane::SDK::IHostServices& m_host;
+    uint32_t m_options;
+    IConfirmReplace& m_confirmation;
+    std::wstring m_fileName;
+    bool m_isCancelled = false;
+};
+
+}  // namespace QVFindAndReplace

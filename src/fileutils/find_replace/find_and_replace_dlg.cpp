@@ -1,0 +1,162 @@
+#include "fileutils/find_replace/find_and_replace_dlg.h"
+
+#include "fileutils/fileutils_resource.h"
+#include "fileutils/target_pattern.h"
+#include "findreplace/request.h"
+#include "findreplace/wildcard.h"
+#include "win32/code_page.h"
+
+namespace Ui {
+namespace {
+
+using namespace Quorvane::SDK;
+namespace Option = QVFindAndReplace::Option;
+using QVFindAndReplace::Mode;
+
+constexpr ListEntry kTargets[] = {
+    {508_d, Option::SaveAs},
+    {428_d, Option::KeepBackup},
+    {429_d, Option::DropBackup},
+};
+constexpr ListEntry kModes[] = {
+    {511_d, Option::ModeOne},
+    {512_d, Option::ModeMany},
+    {513_d, Option::ModeManySame},
+    {514_d, Option::ModeMultiline},
+};
+
+// Keeps the extension, lies beside the original, and cannot be the original itself.
+constexpr wchar_t kProposal[] = L"*_new.*";
+
+constexpr OptionBox kBoxes[] = {
+    {IDC_REGULAR_EXPRESSION, Option::RegularExpression},
+    {IDC_WILDCARD, Option::Wildcard},
+    {IDC_IGNORE_CASE, Option::IgnoreCase},
+    {IDC_FORCE_UTF8, Option::ForceUtf8},
+    {IDC_SILENT, Option::Silent},
+    // Hidden and disabled on purpose, and a box all the same: a stored option word comes out as it went in.
+    {IDC_REPLACE_ALL, Option::ReplaceAll},
+};
+
+constexpr Anchor kAnchors[] = {
+    {IDC_HEADING, 0, 0, 100, 0},
+    {IDC_FILES, 0, 0, 100, 40},
+    {IDC_TARGET_LABEL, 0, 40, 0, 40},
+    {IDC_TARGET, 0, 40, 0, 40},
+    {IDC_FILE_NAME_LABEL, 0, 40, 0, 40},
+    {IDC_FILE_NAME, 0, 40, 100, 40},
+    {IDC_FIND_LABEL, 0, 40, 50, 40},
+    {IDC_FIND, 0, 40, 50, 100},
+    {IDC_REPLACEMENT_LABEL, 50, 40, 100, 40},
+    {IDC_REPLACEMENT, 50, 40, 100, 100},
+    {IDC_MODE_LABEL, 0, 100, 0, 100},
+    {IDC_MODE, 0, 100, 0, 100},
+    {IDC_REGULAR_EXPRESSION, 0, 100, 0, 100},
+    {IDC_WILDCARD, 0, 100, 0, 100},
+    {IDC_IGNORE_CASE, 0, 100, 0, 100},
+    {IDC_FORCE_UTF8, 50, 100, 50, 100},
+    {IDC_SILENT, 50, 100, 50, 100},
+    {IDC_REPLACE_ALL, 50, 100, 50, 100},
+    {IDC_REASON, 0, 100, 100, 100},
+    {IDOK, 100, 100, 100, 100},
+    {IDCANCEL, 100, 100, 100, 100},
+};
+
+/// The wildcards of a request that cannot be read. Multiline looks for plain text whatever the box says.
+std::wstring FindWildcardFault(const FindAndReplaceRequest& request) {
+    const Mode mode = QVFindAndReplace::ModeOf(request.options);
+    if (!(request.options & Option::Wildcard) || mode == Mode::Multiline) return {};
+    std::vector<std::wstring> patterns = QVFindAndReplace::SplitItems(request.find);
+    if (mode == Mode::One && patterns.size() > 1) patterns.resize(1);
+    for (const std::wstring& pattern : patterns) {
+        try {
+            QVFindAndReplace::MakeWildcardMatcher(pattern, (request.options & Option::IgnoreCase) != 0);
+        } catch (const std::regex_error&) {
+            return L"This wildcard cannot be read (braces hold a count, as in x{2}): " + pattern;
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+std::wstring WhyNotStart(const FindAndReplaceRequest& request) {
+    // The engine's own messages: what the dialog says beforehand is what a run would fail with.
+    if (const char* const fault =
+            QVFindAndReplace::Request(request.options, request.find, request.replacement, {}).FindFault())
+        return Win32::FromCodePage(fault, Win32::kUtf8CodePage);
+    // A run in the mode One that looks for nothing does nothing, and says nothing about it. Here it can be said.
+    const std::vector<std::wstring> items = QVFindAndReplace::SplitItems(request.find);
+    if (QVFindAndReplace::ModeOf(request.options) == Mode::One && (items.empty() || items.front().empty()))
+        return L"There is no text to find in the first line.";
+    std::wstring reason = FindWildcardFault(request);
+    if (reason.empty() && TakesFileName(request.options)) reason = WhyNotAFileName(request.targetPattern);
+    return reason;
+}
+
+FindAndReplaceDlg::FindAndReplaceDlg(HostTexts texts, std::vector<std::wstring> files, FindAndReplaceRequest request)
+    : Dialog(IDD_FIND_AND_REPLACE),
+      m_texts(std::move(texts)),
+      m_files(std::move(files)),
+      m_request(std::move(request)) {}
+
+std::optional<FindAndReplaceRequest> FindAndReplaceDlg::Show(HWND owner) {
+    return ShowModal(owner) == IDOK ? std::optional(m_request) : std::nullopt;
+}
+
+bool FindAndReplaceDlg::OnInit() {
+    MakeResizable(kAnchors);
+    FillList(Item(IDC_FILES), m_files);
+    // A target must be one: without any the files would be written over with no backup.
+    FillCombo(Item(IDC_TARGET), m_texts, kTargets, m_request.options, Option::KeepBackup);
+    FillCombo(Item(IDC_MODE), m_texts, kModes, m_request.options, Option::ModeOne);
+    SetBoxes(GetWindow(), kBoxes, m_request.options);
+    for (const int edit : {IDC_FIND, IDC_REPLACEMENT}) SendMessageW(Item(edit), EM_LIMITTEXT, kLongestFindText, 0);
+    SetTextOf(Item(IDC_FIND), WithEditBreaks(m_request.find));
+    SetTextOf(Item(IDC_REPLACEMENT), WithEditBreaks(m_request.replacement));
+    SetTextOf(Item(IDC_FILE_NAME), m_request.targetPattern);
+    ProposeFileName();
+    Refresh();
+    SetFocus(Item(IDC_FIND));
+    SendMessageW(Item(IDC_FIND), EM_SETSEL, 0, -1);
+    return false;
+}
+
+bool FindAndReplaceDlg::OnCommand(int id, int notification) {
+    if (id == IDOK) {
+        FindAndReplaceRequest request = FromControls();
+        if (!WhyNotStart(request).empty()) return true;
+        m_request = std::move(request);
+        End(IDOK);
+        return true;
+    }
+    if (id == IDC_TARGET && notification == CBN_SELCHANGE) ProposeFileName();
+    if (notification != BN_CLICKED && notification != CBN_SELCHANGE && notification != EN_CHANGE) return false;
+    if (id == IDCANCEL || id == IDC_FILES) return false;
+    Refresh();
+    return true;
+}
+
+FindAndReplaceRequest FindAndReplaceDlg::FromControls() const {
+    FindAndReplaceRequest request;
+    request.options = SelectedBit(Item(IDC_TARGET)) | SelectedBit(Item(IDC_MODE)) | BitsOfBoxes(GetWindow(), kBoxes);
+    request.find = TextOf(Item(IDC_FIND));
+    request.replacement = TextOf(Item(IDC_REPLACEMENT));
+    request.targetPattern = TextOf(Item(IDC_FILE_NAME));
+    return request;
+}
+
+void FindAndReplaceDlg::ProposeFileName() {
+    const bool savesAs = TakesFileName(SelectedBit(Item(IDC_TARGET)));
+    SetTextOf(Item(IDC_FILE_NAME), ProposedFileName(savesAs, TextOf(Item(IDC_FILE_NAME)), kProposal));
+}
+
+void FindAndReplaceDlg::Refresh() {
+    const FindAndReplaceRequest request = FromControls();
+    EnableWithLabel(Item(IDC_FILE_NAME), TakesFileName(request.options));
+    const std::wstring reason = WhyNotStart(request);
+    SetTextOf(Item(IDC_REASON), reason);
+    EnableWindow(Item(IDOK), reason.empty());
+}
+
+}  // namespace Ui

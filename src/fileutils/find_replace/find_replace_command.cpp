@@ -1,0 +1,128 @@
+#include "fileutils/find_replace/find_replace_command.h"
+
+#include <string>
+
+#include "fileutils/find_replace/confirm_by_choice.h"
+#include "fileutils/find_replace/confirm_replace_dlg.h"
+#include "fileutils/find_replace/find_and_replace_dlg.h"
+#include "fileutils/find_replace/find_replace_run.h"
+#include "fileutils/find_replace/find_replace_settings.h"
+#include "sdk/owners.h"
+#include "textio/qvutils_exception.h"
+#include "win32/code_page.h"
+
+namespace FileUtils {
+namespace {
+
+using namespace Quorvane::SDK;
+namespace Option = QVFindAndReplace::Option;
+
+struct ModeName {
+    const wchar_t* name;
+    uint32_t option;
+};
+constexpr ModeName kModeNames[] = {
+    {L"One", Option::ModeOne},
+    {L"Many", Option::ModeMany},
+    {L"ManySame", Option::ModeManySame},
+    {L"Multiline", Option::ModeMultiline},
+};
+
+struct SwitchOption {
+    const char* name;
+    uint32_t option;
+};
+// "IGNORECASE" is registered and not here: runs from scripts have always told upper from lower case, and stay so.
+constexpr SwitchOption kSwitches[] = {
+    {"FORCEUTF8", Option::ForceUtf8},   {"WILDCARD", Option::Wildcard}, {"OVERWRITE", Option::Overwrite},
+    {"REPLACEALL", Option::ReplaceAll}, {"SILENT", Option::Silent},
+};
+
+std::wstring TextParameter(ICustomCommandCall& call, const char* name) {
+    const wchar_t* const text = call.HasParameter(name) ? call.GetTextParameter(name) : nullptr;
+    return text ? text : L"";
+}
+
+/// A script cannot hold a line break, so the two characters backslash and n stand for one.
+std::wstring WithLineBreaks(std::wstring text) {
+    for (size_t at = 0; (at = text.find(L"\\n", at)) != std::wstring::npos; ++at) text.replace(at, 2, L"\n");
+    return text;
+}
+
+uint32_t OptionsOf(ICustomCommandCall& call) {
+    uint32_t options = Option::ModeOne;
+    const std::wstring mode = TextParameter(call, "MODE");
+    for (const ModeName& row : kModeNames)
+        if (_wcsicmp(mode.c_str(), row.name) == 0) options = row.option;
+    for (const SwitchOption& row : kSwitches)
+        if (call.HasParameter(row.name)) options |= row.option;
+    if (call.HasParameter("KEEPBACKUP"))
+        options |= Option::KeepBackup;
+    else
+        options |= call.HasParameter("DELETE") ? Option::DropBackup : Option::SaveAs;
+    return options;
+}
+
+QVFindAndReplace::Converted<char> ToNarrow(const std::wstring& text, QVUtils::EncodingKind kind) {
+    const bool isUtf8 = kind == QVUtils::EncodingKind::Utf8;
+    return Win32::ToCodePage(text, isUtf8 ? Win32::kUtf8CodePage : Win32::kThreadCodePage);
+}
+
+}  // namespace
+
+uint32_t RunFindAndReplaceCommand(IHostServices& host, ICustomCommandCall& call) {
+    if (!call.HasParameter("FILE")) return 0;
+    const std::wstring fileName = TextParameter(call, "FILE");
+    const std::wstring find = WithLineBreaks(TextParameter(call, "FIND"));
+    const std::wstring replacement = WithLineBreaks(TextParameter(call, "REPLACEWITH"));
+    if (find.empty() || replacement.empty()) return 0;
+
+    const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
+    const Owned<IFileItem> item(files ? files->CreateFileItem(fileName.c_str(), 1) : nullptr);
+    if (!item) {
+        host.Log(kLogLevel, LogKind::Failure, L"[Custom Cmd - FindAndReplace] - FILE : %s not found", fileName.c_str());
+        return 0;
+    }
+    const Owned<IFileList> list(host.CreateFileList());
+    if (!list || !list->AddItem(item.get())) return 0;
+
+    QVFindAndReplace::Request request(OptionsOf(call), find, replacement, ToNarrow);
+    // A host without a main window is driven by a script or from a command line: a window of ours would wait there for
+    // somebody who may not exist. Such a host asks in its own way, or answers by itself.
+    ConfirmByChoice choice(host);
+    Ui::ConfirmReplaceDlg dialog(host.GetMainWindow());
+    QVFindAndReplace::IConfirmReplace* confirmation = &choice;
+    if (host.GetMainWindow()) confirmation = &dialog;
+    std::wstring pattern = TextParameter(call, "TARGET");
+    const bool isTargetUnused = !(request.GetOptions() & Option::SaveAs) && !pattern.empty();
+    if (pattern.empty()) pattern = L"*.*";
+    // The target lies in the file's own folder: a script names the file by its path, and the target by a name.
+    const auto result = QVFindAndReplace::RunOverFiles(host, list.get(), {request, pattern, L"", *confirmation});
+    if (isTargetUnused)
+        host.Log(kLogLevel, LogKind::Success,
+                 L"[Find and Replace] - Note : TARGET is not used together with KEEPBACKUP or DELETE");
+    if (result.isCancelled) call.SetResultCode(QVUtils::ErrorCode::Cancelled);
+    return 1;
+}
+
+uint32_t RunFindAndReplaceDialog(IHostServices& host, uint32_t) {
+    const Owned<IFileList> files = GatherSelection(host, SelectionFlags::Files);
+    if (!files || files->GetCount() == 0) return 1;
+
+    FindReplaceSettings settings;
+    LoadFindReplaceSettings(host.GetSettings(), settings);
+    Ui::FindAndReplaceDlg dialog([&](TextId id) { return HostText(host, id); }, PathsOf(*files),
+                                 {settings.find, settings.replacement, settings.options, L""});
+    const auto chosen = dialog.Show(host.GetMainWindow());
+    if (!chosen) return 1;
+    SaveFindReplaceSettings(host.GetSettings(), {chosen->find, chosen->replacement, chosen->options});
+
+    QVFindAndReplace::Request request(chosen->options, chosen->find, chosen->replacement, ToNarrow);
+    // Whoever pressed Start sits in front of the screen, so the matches are shown there even by a host without a
+    // window.
+    Ui::ConfirmReplaceDlg confirmation(host.GetMainWindow());
+    QVFindAndReplace::RunOverFiles(host, files.get(), {request, chosen->targetPattern, L"", confirmation});
+    return 1;
+}
+
+}  // namespace FileUtils

@@ -1,0 +1,53 @@
+#include "fileutils/links/create_links_command.h"
+
+#include "fileutils/links/create_links_dlg.h"
+#include "fileutils/links/link_creation.h"
+#include "fileutils/links/link_rules.h"
+#include "fileutils/names/rename_items.h"
+#include "sdk/owners.h"
+
+namespace FileUtils {
+namespace {
+
+using namespace Quorvane::SDK;
+
+std::vector<Ui::LinkTarget> TargetsOf(IFileList& list) {
+    std::vector<Ui::LinkTarget> targets;
+    for (IFileItem* const item : ItemsOf(list)) {
+        std::wstring path = PathOf(*item);
+        if (!path.empty()) targets.push_back({std::move(path), IsFolder(*item)});
+    }
+    return targets;
+}
+
+}  // namespace
+
+uint32_t RunCreateLinks(IHostServices& host, uint32_t) {
+    const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Files);
+    if (!list) return 1;
+    const std::vector<Ui::LinkTarget> targets = TargetsOf(*list);
+    if (targets.empty()) return 1;
+    const bool canElevate = host.CanElevate() && !host.IsElevated();
+    LinkRules rules;
+    Ui::CreateLinksDlg dialog(targets, canElevate,
+                              [&](uint32_t type, const std::wstring& link, const Ui::LinkTarget& target) {
+                                  return rules.WhyNot(type, link, target.path, target.isFolder);
+                              });
+    const auto chosen = dialog.Show(host.GetMainWindow());
+    if (!chosen) return 1;
+    size_t failed = 0;
+    for (size_t at = 0; at < targets.size(); ++at) {
+        const LinkRequest request = {chosen->type, chosen->links[at], targets[at].path, targets[at].isFolder};
+        const uint32_t error =
+            chosen->asAdministrator ? CreateLinkElevated(host, request) : CreateLinkHere(host, request);
+        if (error != ERROR_SUCCESS) ++failed;
+    }
+    if (failed > 0) {
+        const std::wstring message = std::to_wstring(failed) + L" of " + std::to_wstring(targets.size()) +
+                                     L" links could not be created. The log says why.";
+        host.MessageBox(message.c_str(), L"Create links", MB_ICONWARNING);
+    }
+    return 1;
+}
+
+}  // namespace FileUtils

@@ -1,0 +1,64 @@
+#include "fileutils/links/link_system.h"
+
+#include <shlobj.h>
+
+#include "win32/com.h"
+#include "win32/handle.h"
+#include "win32/module.h"
+#include "win32/path.h"
+
+namespace FileUtils {
+namespace {
+
+constexpr DWORD kSetReparsePoint = 0x900A4;  // FSCTL_SET_REPARSE_POINT
+
+uint32_t LastErrorUnless(bool succeeded) {
+    return succeeded ? ERROR_SUCCESS : GetLastError();
+}
+
+uint32_t MakeHardLink(const std::wstring& link, const std::wstring& target) {
+    return LastErrorUnless(
+        CreateHardLinkW(Win32::ExtendedPath(link).c_str(), Win32::ExtendedPath(target).c_str(), nullptr) != FALSE);
+}
+
+uint32_t MakeSymbolicLink(const std::wstring& link, const std::wstring& target, uint32_t flags) {
+    using Function = BOOLEAN(WINAPI*)(LPCWSTR, LPCWSTR, DWORD);
+    const Win32::Module kernel = Win32::LoadSystemModule(L"kernel32.dll");
+    const auto create = Win32::FindFunction<Function>(kernel, "CreateSymbolicLinkW");
+    if (!create) return GetLastError();
+    // The target is stored as it stands: a relative one is meant to be seen from the link's folder.
+    return LastErrorUnless(create(Win32::ExtendedPath(link).c_str(), target.c_str(), flags) != FALSE);
+}
+
+uint32_t SetReparsePoint(const std::wstring& folder, const ReparseBuffer& buffer) {
+    // Not shared: nobody else may put a file into the folder while it turns into a junction.
+    const Win32::FileHandle handle(CreateFileW(Win32::ExtendedPath(folder).c_str(), GENERIC_READ | GENERIC_WRITE, 0,
+                                               nullptr, OPEN_EXISTING,
+                                               FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    if (!handle) return GetLastError();
+    std::vector<uint8_t> bytes = buffer.bytes;
+    DWORD returned = 0;
+    return LastErrorUnless(DeviceIoControl(handle.Get(), kSetReparsePoint, bytes.data(), buffer.usedSize, nullptr, 0,
+                                           &returned, nullptr) != FALSE);
+}
+
+uint32_t SaveShortcut(const std::wstring& link, const std::wstring& target, const std::wstring& workingFolder,
+                      const wchar_t* description) {
+    const Win32::ComApartment apartment;
+    const auto shortcut = Win32::MakeComObject<IShellLinkW>(CLSID_ShellLink, IID_IShellLinkW);
+    const auto file = shortcut.As<IPersistFile>(IID_IPersistFile);
+    if (!file) return ERROR_PATH_NOT_FOUND;
+    const bool isSaved = SUCCEEDED(shortcut->SetPath(target.c_str())) &&
+                         (workingFolder.empty() || SUCCEEDED(shortcut->SetWorkingDirectory(workingFolder.c_str()))) &&
+                         SUCCEEDED(shortcut->SetDescription(description)) && SUCCEEDED(file->Save(link.c_str(), TRUE));
+    return isSaved ? ERROR_SUCCESS : ERROR_PATH_NOT_FOUND;
+}
+
+}  // namespace
+
+const LinkSystem& ThisSystem() {
+    static constexpr LinkSystem kSystem = {MakeHardLink, MakeSymbolicLink, SetReparsePoint, SaveShortcut};
+    return kSystem;
+}
+
+}  // namespace FileUtils

@@ -1,0 +1,61 @@
+#include "fileutils/names/quick_rename.h"
+
+#include <algorithm>
+
+#include "win32/letter_case.h"
+
+namespace FileUtils {
+namespace {
+
+struct Replacement {
+    uint32_t id;
+    wchar_t from;
+    wchar_t to;
+};
+constexpr Replacement kReplacements[] = {
+    {30003, L'_', L' '}, {30004, L'_', L'.'}, {30005, L' ', L'_'},
+    {30006, L' ', L'.'}, {30007, L'.', L'_'}, {30008, L'.', L' '},
+};
+
+std::wstring UpperCaseAToZ(std::wstring name) {
+    for (wchar_t& unit : name)
+        if (unit >= L'a' && unit <= L'z') unit = static_cast<wchar_t>(unit - L'a' + L'A');
+    return name;
+}
+
+/// Where a file's extension begins, its dot included; the end for a folder and for a name without a dot.
+size_t ExtensionOf(std::wstring_view name, bool isFolder) {
+    return isFolder ? name.size() : std::min(name.rfind(L'.'), name.size());
+}
+
+std::wstring WithCapitalWords(std::wstring_view name, bool isFolder) {
+    const std::wstring upper = Win32::ToUpperCase(name);
+    std::wstring result = Win32::ToLowerCase(name);
+    const size_t extension = ExtensionOf(name, isFolder);
+    bool beginsWord = true;
+    for (size_t at = 0; at < result.size(); ++at) {
+        if (beginsWord) result[at] = upper[at];
+        beginsWord = name[at] == L' ' || name[at] == L'_' || (name[at] == L'.' && at != extension);
+    }
+    return result;
+}
+
+}  // namespace
+
+std::wstring QuickRenamed(uint32_t id, std::wstring_view name, bool isFolder) {
+    std::wstring result(name);
+    switch (id) {
+        case 30000: return UpperCaseAToZ(std::move(result));
+        case 30001: return Win32::ToLowerCase(name);
+        case 30002: return WithCapitalWords(name, isFolder);
+        default: break;
+    }
+    const auto row = std::ranges::find(kReplacements, id, &Replacement::id);
+    if (row != std::end(kReplacements)) {
+        const auto end = result.begin() + static_cast<std::ptrdiff_t>(ExtensionOf(name, isFolder));
+        std::replace(result.begin(), end, row->from, row->to);
+    }
+    return result;
+}
+
+}  // namespace FileUtils

@@ -1,0 +1,189 @@
+#include "fileutils/sort_lines/sort_lines_command.h"
+
+#include <limits>
+#include <optional>
+#include <string>
+
+#include "fileutils/sort_lines/sort_lines_dlg.h"
+#include "fileutils/sort_lines/sort_lines_run.h"
+#include "fileutils/sort_lines/sort_lines_settings.h"
+#include "linesorter/sort_request.h"
+#include "sdk/owners.h"
+
+namespace FileUtils {
+namespace {
+
+using namespace Quorvane::SDK;
+using QVLineSorter::SortRequest;
+namespace Option = QVLineSorter::SortOption;
+namespace ErrorCode = QVUtils::ErrorCode;
+
+struct SwitchOption {
+    const char* name;
+    uint32_t option;
+};
+constexpr SwitchOption kSwitches[] = {
+    {"SKIPLEADINGSPACE", Option::SkipLeadingSpaces},
+    {"ENDATWHITESPACE", Option::EndAtWhiteSpace},
+    {"IGNORECASE", Option::IgnoreCase},
+    {"LANGUAGEORDER", Option::LanguageOrder},
+    {"NATRUALNUMORDER", Option::NaturalNumbers},
+    {"REVERSE", Option::Reverse},
+    {"OVERWRITE", Option::Overwrite},
+    {"SILENT", Option::Silent},
+};
+
+struct NamedOption {
+    const wchar_t* name;
+    uint32_t option;
+};
+constexpr NamedOption kSortBy[] = {
+    {L"line", Option::EntireLine}, {L"substring", Option::Substring}, {L"item", Option::Item}};
+constexpr NamedOption kSortAs[] = {{L"text", Option::AsText}, {L"num", Option::AsNumber}, {L"date", Option::AsDate}};
+
+/// A parameter that cannot be used. The reason is written to stand behind the parameter's name.
+struct BadParameter {
+    const char* name;
+    std::wstring reason;
+};
+
+/// Reads the parameters of one call. What is not given leaves the request alone; what is given wrongly throws.
+class SortParameters {
+public:
+    explicit SortParameters(ICustomCommandCall& call) : m_call(call) {}
+
+    SortRequest Read() {
+        SortRequest request;
+        request.options = ReadName("SORTBY", kSortBy, 0) | ReadName("SORTAS", kSortAs, Option::AsText);
+        for (const SwitchOption& row : kSwitches)
+            if (m_call.HasParameter(row.name)) request.options |= row.option;
+        if (m_call.HasParameter("KEEPBACKUP"))
+            request.options |= Option::KeepBackup;
+        else
+            request.options |= m_call.HasParameter("DELETE") ? Option::DeleteBackup : Option::SaveAs;
+        request.saveAsName = Text("TARGET").value_or(L"");
+
+        request.keepTop = ReadNumber("KEEPTOP");
+        request.keepBottom = ReadNumber("KEEPBOTTOM");
+        request.lineOffset = ReadNumber("LINEOFFSET");
+        if (request.lineOffset > 0) --request.lineOffset;  // scripts count positions from 1
+        request.substringLength = ReadNumberText("SUBSTRLEN");
+        request.itemNumber = ReadNumberText("ITEM");
+
+        const std::optional<wchar_t> endCharacter = ReadSeparator("ENDCHAR");
+        const std::optional<wchar_t> itemSeparator = ReadSeparator("ITEMSEP");
+        if (endCharacter) request.options |= Option::EndAtCharacter;
+        // A request has one separator. Both are given only by mistake; then the one that the key's kind uses counts.
+        const bool wantsItem = request.Has(Option::Item);
+        request.separator =
+            (wantsItem ? itemSeparator : endCharacter).value_or((wantsItem ? endCharacter : itemSeparator).value_or(0));
+
+        request.dateFormat = Text("DATEFORMAT").value_or(L"");
+        if (const auto fault = QVLineSorter::CheckRequest(request))
+            throw BadParameter{NameOf(fault->field), fault->reason};
+        return request;
+    }
+
+private:
+    static const char* NameOf(QVLineSorter::RequestField field) {
+        return field == QVLineSorter::RequestField::SubstringLength ? "SUBSTRLEN" : "DATEFORMAT";
+    }
+
+    std::optional<std::wstring> Text(const char* name) {
+        const wchar_t* const text = m_call.HasParameter(name) ? m_call.GetTextParameter(name) : nullptr;
+        return text ? std::optional<std::wstring>(text) : std::nullopt;
+    }
+
+    template <size_t count>
+    uint32_t ReadName(const char* name, const NamedOption (&rows)[count], uint32_t whenAbsent) {
+        const std::optional<std::wstring> text = Text(name);
+        if (!text) return whenAbsent;
+        std::wstring names;
+        for (const NamedOption& row : rows) {
+            if (*text == row.name) return row.option;
+            names += (names.empty() ? L"" : L", ") + std::wstring(row.name);
+        }
+        throw BadParameter{name, L'"' + *text + L"\" is none of " + names};
+    }
+
+    uint32_t ReadNumber(const char* name) {
+        uint32_t number = 0;
+        if (m_call.HasParameter(name) && !m_call.GetNumberParameter(name, &number))
+            throw BadParameter{name, L"is not a number of 0 or more"};
+        return number;
+    }
+
+    uint32_t ReadNumberText(const char* name) {
+        const std::optional<std::wstring> text = Text(name);
+        if (!text) return 0;
+        const bool isNumber = !text->empty() && text->find_first_not_of(L"0123456789") == std::wstring::npos;
+        if (!isNumber) throw BadParameter{name, L'"' + *text + L"\" is not a number of 0 or more"};
+        uint64_t number = 0;
+        for (const wchar_t digit : *text) {
+            number = number * 10 + static_cast<uint64_t>(digit - L'0');
+            if (number > std::numeric_limits<uint32_t>::max())
+                throw BadParameter{name, L'"' + *text + L"\" is too large"};
+        }
+        return static_cast<uint32_t>(number);
+    }
+
+    std::optional<wchar_t> ReadSeparator(const char* name) {
+        const std::optional<std::wstring> text = Text(name);
+        if (!text) return std::nullopt;
+        const std::optional<wchar_t> separator = QVLineSorter::SeparatorFromText(*text);
+        if (!separator) throw BadParameter{name, L'"' + *text + L"\" is not one character (\\t stands for a tab)"};
+        return separator;
+    }
+
+    ICustomCommandCall& m_call;
+};
+
+uint32_t SortOneFile(IHostServices& host, ICustomCommandCall& call, IFileItem& item, SortRequest request) {
+    const Owned<IFileList> list(host.CreateFileList());
+    if (!list || !list->AddItem(&item)) return 0;
+    const bool isTargetUnused = !request.Has(Option::SaveAs) && !request.saveAsName.empty();
+    const QVLineSorter::SortRunResult result = QVLineSorter::SortFiles(host, *list, std::move(request));
+    if (isTargetUnused)
+        host.Log(kLogLevel, LogKind::Success,
+                 L"[SortLines] - Note : TARGET is not used together with KEEPBACKUP or DELETE");
+    call.SetResultCode(result.isCancelled ? ErrorCode::Cancelled : result.lastErrorCode);
+    return result.sorted > 0 ? 1 : 0;
+}
+
+}  // namespace
+
+uint32_t RunSortLinesCommand(IHostServices& host, ICustomCommandCall& call) {
+    const wchar_t* const file = call.HasParameter("FILE") ? call.GetTextParameter("FILE") : nullptr;
+    if (!file) return 0;
+    const std::wstring fileName = file;
+    try {
+        SortRequest request = SortParameters(call).Read();
+        const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
+        const Owned<IFileItem> item(files ? files->CreateFileItem(fileName.c_str(), 1) : nullptr);
+        if (item) return SortOneFile(host, call, *item, std::move(request));
+        host.Log(kLogLevel, LogKind::Failure, L"[Custom Cmd - SortLines] - FILE : %s not found", fileName.c_str());
+        call.SetResultCode(ErrorCode::FileNotFound);
+    } catch (const BadParameter& bad) {
+        const std::wstring name(bad.name, bad.name + std::char_traits<char>::length(bad.name));
+        host.Log(kLogLevel, LogKind::Failure, L"[Custom Cmd - SortLines] - %s : %s", name.c_str(), bad.reason.c_str());
+        call.SetResultCode(ErrorCode::InvalidParameter);
+    }
+    return 0;
+}
+
+uint32_t RunSortLinesDialog(IHostServices& host, uint32_t) {
+    const Owned<IFileList> files = GatherSelection(host, SelectionFlags::Files);
+    if (!files || files->GetCount() == 0) return 1;
+
+    SortRequest last;
+    last.itemNumber = 1;  // until somebody asks for another item
+    LoadSortLinesSettings(host.GetSettings(), last);
+    Ui::SortLinesDlg dialog([&](TextId id) { return HostText(host, id); }, PathsOf(*files), std::move(last));
+    auto chosen = dialog.Show(host.GetMainWindow());
+    if (!chosen) return 1;
+    SaveSortLinesSettings(host.GetSettings(), *chosen);
+    QVLineSorter::SortFiles(host, *files, std::move(*chosen));
+    return 1;
+}
+
+}  // namespace FileUtils

@@ -1,0 +1,138 @@
+#include "fileutils/find_replace/find_and_replace_dlg.h"
+
+#include <gtest/gtest.h>
+
+#include "fileutils/fileutils_resource.h"
+#include "support/dialog_driver.h"
+#include "ui/host_texts.h"
+
+namespace {
+
+using QVTest::DrivenDialog;
+using Ui::FindAndReplaceRequest;
+namespace Option = QVFindAndReplace::Option;
+
+/// Shows the dialog to `person`; gives what it returns.
+std::optional<FindAndReplaceRequest> Show(const FindAndReplaceRequest& first,
+                                          const std::function<void(const DrivenDialog&)>& person) {
+    std::optional<FindAndReplaceRequest> result;
+    Ui::FindAndReplaceDlg dialog(QVTest::EchoTexts(), {L"C:\\a.txt", L"C:\\b.txt"}, first);
+    QVTest::WhileShown(L"Find and Replace in file(s)", person, [&] { result = dialog.Show(nullptr); });
+    return result;
+}
+
+TEST(FindAndReplaceRules, SayWhyARequestCannotStart) {
+    const wchar_t* const kShort = L"Find match are too short. Atleast one character need";
+    const wchar_t* const kFew = L"To few find items. Atleast one must be set";
+    const struct {
+        const char* why;
+        FindAndReplaceRequest request;
+        std::wstring reason;  // how it begins; "" when it can start
+    } cases[] = {
+        {"a text is enough", {L"a", L"", Option::ModeOne, L""}, L""},
+        {"nothing to find", {L"", L"", Option::ModeOne, L""}, kShort},
+        {"nothing to find, and the run would say nothing", {L"", L"b", Option::ModeOne, L""}, L"There is no text"},
+        {"one looks for the first line", {L"\r\na", L"b", Option::ModeOne, L""}, L"There is no text"},
+        {"many without any", {L"", L"b", Option::ModeMany, L""}, kFew},
+        {"counts differ", {L"a\r\nb", L"x", Option::ModeMany, L""}, L"Find and Replace item do not match"},
+        {"counts agree, a last break opens no item", {L"a\r\nb\r\n", L"x\r\ny", Option::ModeMany, L""}, L""},
+        {"many to one", {L"a\r\nb", L"x", Option::ModeManySame, L""}, L""},
+        {"lines", {L"", L"x", Option::ModeMultiline, L""}, kFew},
+        {"a bad wildcard", {L"x{2", L"y", Option::ModeOne | Option::Wildcard, L""}, L"This wildcard"},
+        {"braces are text without wildcards", {L"x{2", L"y", Option::ModeOne, L""}, L""},
+        {"a good wildcard", {L"x{2}?*", L"y", Option::ModeOne | Option::Wildcard, L""}, L""},
+        {"one uses the first line only", {L"a\r\n{", L"y", Option::ModeOne | Option::Wildcard, L""}, L""},
+        {"many use each", {L"a\r\n{", L"y\r\nz", Option::ModeMany | Option::Wildcard, L""}, L"This wildcard"},
+        {"lines are plain text", {L"{", L"y", Option::ModeMultiline | Option::Wildcard, L""}, L""},
+        {"no name to save as", {L"a", L"", Option::ModeOne | Option::SaveAs, L""}, L"Save as needs"},
+        {"a path is no name", {L"a", L"", Option::ModeOne | Option::SaveAs, L"x\\*.*"}, L"A file name has none"},
+        {"a pattern is one", {L"a", L"", Option::ModeOne | Option::SaveAs, L"*_new.*"}, L""},
+        {"other targets take no name", {L"a", L"", Option::ModeOne | Option::KeepBackup, L"?"}, L""},
+    };
+    for (const auto& c : cases) {
+        const std::wstring reason = Ui::WhyNotStart(c.request);
+        EXPECT_EQ(reason.substr(0, c.reason.size()), c.reason) << c.why;
+        EXPECT_EQ(reason.empty(), c.reason.empty()) << c.why;
+    }
+}
+
+TEST(FindAndReplaceDlg, OpensWithTheRequestAndGivesItBack) {
+    const uint32_t options = Option::DropBackup | Option::ModeMany | Option::Wildcard | Option::IgnoreCase |
+                             Option::ForceUtf8 | Option::Silent | Option::RegularExpression | Option::ReplaceAll;
+    const auto result = Show({L"a\nb", L"x\r\ny", options, L"n.*"}, [](const DrivenDialog& dialog) {
+        EXPECT_EQ(dialog.Entries(IDC_TARGET), (std::vector<std::wstring>{L"508d", L"428d", L"429d"}));
+        EXPECT_EQ(dialog.Entries(IDC_MODE), (std::vector<std::wstring>{L"511d", L"512d", L"513d", L"514d"}));
+        EXPECT_EQ(dialog.Selected(IDC_TARGET), 2);
+        EXPECT_EQ(dialog.Selected(IDC_MODE), 1);
+        EXPECT_EQ(dialog.Text(IDC_FIND), L"a\r\nb");
+        EXPECT_FALSE(dialog.IsEnabled(IDC_FILE_NAME));
+        EXPECT_FALSE(dialog.IsVisible(IDC_REPLACE_ALL));
+        EXPECT_EQ(dialog.Focus(), IDC_FIND);
+        dialog.PressAndClose(IDOK);
+    });
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->options, options);
+    EXPECT_EQ(result->find, L"a\r\nb");
+    EXPECT_EQ(result->replacement, L"x\r\ny");
+}
+
+TEST(FindAndReplaceDlg, EachControlSetsItsBit) {
+    const struct {
+        int target, mode, box;  // -1: left as it is
+        uint32_t options;
+    } cases[] = {
+        {0, 0, IDC_WILDCARD, Option::SaveAs | Option::ModeOne | Option::Wildcard},
+        {1, 1, IDC_IGNORE_CASE, Option::KeepBackup | Option::ModeMany | Option::IgnoreCase},
+        {2, 2, IDC_FORCE_UTF8, Option::DropBackup | Option::ModeManySame | Option::ForceUtf8},
+        {-1, 3, IDC_SILENT, Option::KeepBackup | Option::ModeMultiline | Option::Silent},
+        {1, -1, IDC_SILENT, Option::KeepBackup | Option::ModeOne | Option::Silent},
+    };
+    for (const auto& c : cases) {
+        const auto result = Show({L"find", L"new", 0, L""}, [&](const DrivenDialog& dialog) {
+            if (c.target >= 0) dialog.Select(IDC_TARGET, c.target);
+            if (c.mode >= 0) dialog.Select(IDC_MODE, c.mode);
+            dialog.Check(c.box, true);
+            dialog.PressAndClose(IDOK);
+        });
+        ASSERT_TRUE(result);
+        EXPECT_EQ(result->options, c.options);
+    }
+}
+
+TEST(FindAndReplaceDlg, ProposesAFileNameForSaveAsAndTakesOneOnlyThen) {
+    const auto result = Show({L"a", L"", Option::KeepBackup, L""}, [](const DrivenDialog& dialog) {
+        dialog.Select(IDC_TARGET, 0);
+        EXPECT_TRUE(dialog.IsEnabled(IDC_FILE_NAME));
+        EXPECT_EQ(dialog.Text(IDC_FILE_NAME), L"*_new.*");
+        dialog.Enter(IDC_FILE_NAME, L"");
+        EXPECT_FALSE(dialog.IsEnabled(IDOK));
+        EXPECT_NE(dialog.Text(IDC_REASON), L"");
+        dialog.Enter(IDC_FILE_NAME, L"mine.txt");
+        dialog.Select(IDC_TARGET, 1);
+        EXPECT_FALSE(dialog.IsEnabled(IDC_FILE_NAME));
+        dialog.Select(IDC_TARGET, 0);
+        EXPECT_EQ(dialog.Text(IDC_FILE_NAME), L"mine.txt");
+        dialog.PressAndClose(IDOK);
+    });
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->targetPattern, L"mine.txt");
+}
+
+TEST(FindAndReplaceDlg, StartWaitsForARequestThatCanRun) {
+    const auto result = Show({}, [](const DrivenDialog& dialog) {
+        EXPECT_FALSE(dialog.IsEnabled(IDOK));
+        EXPECT_EQ(dialog.Text(IDC_REASON), L"Find match are too short. Atleast one character need");
+        SendMessageW(dialog.Window(), WM_COMMAND, IDOK, 0);  // a disabled button is no reason to trust
+        EXPECT_TRUE(IsWindow(dialog.Window()));
+        dialog.Enter(IDC_FIND, L"a{");
+        EXPECT_TRUE(dialog.IsEnabled(IDOK));
+        EXPECT_EQ(dialog.Text(IDC_REASON), L"");
+        dialog.Check(IDC_WILDCARD, true);
+        EXPECT_FALSE(dialog.IsEnabled(IDOK));
+        dialog.Key(VK_ESCAPE);
+        dialog.WaitUntilClosed();
+    });
+    EXPECT_FALSE(result);
+}
+
+}  // namespace

@@ -1,0 +1,132 @@
+#include "fileutils/sort_lines/sort_form.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using QVLineSorter::SortRequest;
+using Ui::SortForm;
+namespace Option = QVLineSorter::SortOption;
+
+constexpr uint32_t kPlain = Option::EntireLine | Option::AsText | Option::KeepBackup;
+
+SortForm FormWith(uint32_t options) {
+    SortRequest request;
+    request.options = options;
+    return Ui::FormOf(request);
+}
+
+TEST(SortForm, ShowsPositionsCountedFromOneAndFillsWhatIsMissing) {
+    SortRequest request;
+    request.lineOffset = 4;
+    request.keepTop = 2;
+    request.separator = L'\t';
+    request.options = Option::Item | Option::Silent | Option::Overwrite;
+    const SortForm form = Ui::FormOf(request);
+    EXPECT_EQ(form.linePosition, L"5");
+    EXPECT_EQ(form.keepTop, L"2");
+    EXPECT_EQ(form.itemSeparator, L"\\t");
+    EXPECT_EQ(form.endCharacter, L"");
+    EXPECT_EQ(form.options, Option::Item | Option::AsText | Option::KeepBackup);
+    EXPECT_EQ(FormWith(0).options, kPlain);
+    request.lineOffset = 0xFFFFFFFF;
+    EXPECT_EQ(Ui::FormOf(request).linePosition, L"4294967296");
+}
+
+TEST(SortForm, EnablesWhatTheOptionsUse) {
+    const struct {
+        const char* why;
+        uint32_t options;
+        Ui::SortEnabling enabled;
+    } cases[] = {
+        {"plain", kPlain, {.ignoreCase = true}},
+        {"a language has its own way with case", Option::LanguageOrder, {.naturalNumbers = true}},
+        {"substring", Option::Substring, {.substring = true, .ignoreCase = true}},
+        {"item", Option::Item, {.item = true, .ignoreCase = true}},
+        {"save as", Option::SaveAs, {.fileName = true, .ignoreCase = true}},
+        {"dates", Option::AsDate, {.dateFormat = true, .ignoreCase = true}},
+    };
+    for (const auto& c : cases) EXPECT_EQ(Ui::EnabledFor(c.options), c.enabled) << c.why;
+}
+
+TEST(SortForm, NaturalOrderAndCaseCountOnlyWithoutALanguage) {
+    const uint32_t both = Option::NaturalNumbers | Option::IgnoreCase;
+    EXPECT_EQ(Ui::RequestOf(FormWith(kPlain | both), {}).request.options, kPlain | both);
+    EXPECT_EQ(Ui::RequestOf(FormWith(kPlain | both | Option::LanguageOrder), {}).request.options,
+              kPlain | Option::LanguageOrder);
+}
+
+TEST(SortForm, SaysWhatCannotBeUsed) {
+    const uint32_t item = Option::Item | Option::AsText | Option::KeepBackup;
+    const uint32_t substring = Option::Substring | Option::AsText | Option::KeepBackup;
+    const struct {
+        const char* why;
+        uint32_t options;
+        std::wstring SortForm::*field;
+        const wchar_t* text;
+        std::wstring fault;  // how it begins; "" for none
+    } cases[] = {
+        {"no number", kPlain, &SortForm::keepTop, L"2x", L"Start Line is a number"},
+        {"nothing is 0", kPlain, &SortForm::keepTop, L"", L""},
+        {"too large", kPlain, &SortForm::keepBottom, L"4294967296", L"End Line is a number"},
+        {"a position", kPlain, &SortForm::linePosition, L"-1", L"Start at line position is a number"},
+        {"position 0 is the first too", kPlain, &SortForm::linePosition, L"0", L""},
+        {"an unused field does not matter", kPlain, &SortForm::substringLength, L"x", L""},
+        {"a used one does", substring, &SortForm::substringLength, L"x", L"Substring lenght is a number"},
+        {"two characters", substring, &SortForm::endCharacter, L"ab", L"End character is one character"},
+        {"a tab is one", substring, &SortForm::endCharacter, L"\\t", L""},
+        {"no separator", item, &SortForm::itemSeparator, L"", L"Item Separator is one character"},
+        {"items count from 1", item, &SortForm::itemNumber, L"0", L"Item is a number of 1 or more"},
+        {"no name", kPlain | Option::SaveAs, &SortForm::saveAsName, L"", L"Save as needs"},
+        {"no format", kPlain | Option::AsDate, &SortForm::dateFormat, L"", L"Dates need a format"},
+        {"a bad format", kPlain | Option::AsDate, &SortForm::dateFormat, L"%Z", L"The date format uses %Z"},
+        {"a number key that is too long", substring | Option::AsNumber, &SortForm::substringLength, L"64",
+         L"Substring lenght is above 63"},
+    };
+    for (const auto& c : cases) {
+        SortForm form = FormWith(c.options);
+        form.itemSeparator = L";";
+        form.itemNumber = L"1";
+        form.saveAsName = L"x";
+        form.dateFormat = L"%Y";
+        form.*c.field = c.text;
+        const std::wstring fault = Ui::RequestOf(form, {}).fault;
+        EXPECT_EQ(fault.substr(0, c.fault.size()), c.fault) << c.why;
+        EXPECT_EQ(fault.empty(), c.fault.empty()) << c.why;
+    }
+}
+
+TEST(SortForm, TheLengthThatIsShownEndsTheNumbersOfItems) {
+    SortRequest before;
+    before.options = Option::Item | Option::AsNumber | Option::KeepBackup;
+    before.separator = L';';
+    before.itemNumber = 1;
+    before.substringLength = 64;
+    SortForm form = Ui::FormOf(before);
+    EXPECT_NE(Ui::RequestOf(form, before).fault, L"");
+    form.substringLength = L"3";
+    EXPECT_EQ(Ui::RequestOf(form, before).fault, L"");
+    EXPECT_EQ(Ui::RequestOf(form, before).request.substringLength, 3u);
+    EXPECT_NE(Ui::RequestOf(form, before).hint, L"");
+    form.substringLength = L"0";
+    EXPECT_EQ(Ui::RequestOf(form, before).hint, L"");
+    form.options = Option::EntireLine | Option::AsNumber | Option::KeepBackup;
+    EXPECT_EQ(Ui::RequestOf(form, before).fault, L"");
+    EXPECT_NE(Ui::RequestOf(form, before).hint, L"") << "entire lines are texts";
+}
+
+TEST(SortForm, KeepsWhatTheChoicesDoNotUse) {
+    SortRequest before;
+    before.options = Option::Item | Option::AsDate | Option::KeepBackup;
+    before.separator = L';';
+    before.itemNumber = 3;
+    before.dateFormat = L"%Y";
+    SortForm form = Ui::FormOf(before);
+    form.options = kPlain;
+    const SortRequest after = Ui::RequestOf(form, before).request;
+    EXPECT_EQ(after.separator, L';');
+    EXPECT_EQ(after.itemNumber, 3u);
+    EXPECT_EQ(after.dateFormat, L"%Y");
+}
+
+}  // namespace

@@ -1,0 +1,42 @@
+#include "rename/name_check.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace BatchRename;
+
+TEST(CheckName, FindsWhatCannotBeAName) {
+    const struct {
+        std::wstring name;
+        NameFault fault;
+        size_t position;
+    } cases[] = {
+        {L" a.txt", NameFault::None, 0},
+        {L"\xD83D\xDE00", NameFault::None, 0},
+        {L"", NameFault::Empty, 0},
+        {L"a\\b?", NameFault::InvalidCharacter, 1},
+        {L"a\tb", NameFault::InvalidCharacter, 1},
+        {L"a\xD83D", NameFault::LoneSurrogate, 1},
+        {L"\xDE00\xD83D", NameFault::LoneSurrogate, 0},
+        {L"PRN.txt", NameFault::Reserved, 0},
+        {L"COM1", NameFault::Reserved, 0},
+        {L"LPT\u00B3.log", NameFault::Reserved, 0},
+        {L"nul .a.b", NameFault::Reserved, 0},
+        {L"COM0", NameFault::None, 0},
+        {L"COM10", NameFault::None, 0},
+        {L"a.", NameFault::TrailingDotOrBlank, 1},
+        {L"a ", NameFault::TrailingDotOrBlank, 1},
+        {std::wstring(255, L'a'), NameFault::None, 0},
+        {std::wstring(256, L'a'), NameFault::TooLong, 255},
+    };
+    for (const auto& c : cases) {
+        const NameCheck check = CheckName(c.name);
+        EXPECT_EQ(check.fault, c.fault) << c.name;
+        EXPECT_EQ(check.position, c.position) << c.name;
+        EXPECT_EQ(DescribeNameFault(c.name, check).empty(), c.fault == NameFault::None) << c.name;
+    }
+    EXPECT_EQ(DescribeNameFault(L"\x07", CheckName(L"\x07")), L"the character U+0007 cannot be in a name");
+}
+
+}  // namespace
