@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "batchrename/batchrename_texts.h"
 #include "batchrename/extension_state.h"
 #include "batchrename/gui_thread.h"
 #include "batchrename/row_collection.h"
@@ -15,8 +16,6 @@ using namespace Quorvane::SDK;
 namespace {
 
 constexpr uint32_t kRenameCommandFlags = 0x201;
-constexpr TextId kMenuText = 2006_m;
-constexpr TextId kRenameCommandText = 10_c;
 
 // Milliseconds.
 constexpr DWORD kPauseAtStart = 1000;
@@ -45,9 +44,9 @@ uint32_t QVBatchRename::Init(IHostServices* services) {
         IMenuBuilder* const builder = services->GetMenuBuilder();
         ICommandFactory* const factory = services->GetCommandFactory();
         if (!builder || !factory) return 1u;
-        Menu* const menu = builder->CreateRootMenu(kMenuText, 1, 0);
-        Command* const command = factory->CreateCommand(kRenameCommand, kRenameCommandFlags, kRenameCommandText,
-                                                        kRenameCommandText, kNoShortcut, 0);
+        Menu* const menu = builder->CreateRootMenu(Text::Menu, 1, 0);
+        Command* const command =
+            factory->CreateCommand(kRenameCommand, kRenameCommandFlags, Text::Command, Text::Command, kNoShortcut, 0);
         if (menu && command) builder->AddCommand(menu, command, 1, 0);
         return 1u;
     });

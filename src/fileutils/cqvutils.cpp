@@ -4,7 +4,8 @@
 
 #include "fileutils/command_table.h"
 #include "fileutils/control_panel/control_panel.h"
-#include "fileutils/extension_ids.h"
+#include "fileutils/ids.h"
+#include "fileutils/fileutils_texts.h"
 #include "sdk/boundary.h"
 
 namespace FileUtils {
@@ -16,7 +17,7 @@ void BuildMenus(IHostServices& host) {
     IMenuBuilder* const builder = host.GetMenuBuilder();
     ICommandFactory* const factory = host.GetCommandFactory();
     if (!builder || !factory) return;
-    Menu* const root = builder->CreateRootMenu(kRootMenuText, 1, 0);
+    Menu* const root = builder->CreateRootMenu(Text::RootMenu, 1, 0);
     TextId openText = kNoText;
     Menu* open = nullptr;
     for (const CommandRow& row : MenuCommands()) {

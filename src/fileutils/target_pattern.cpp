@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace Ui {
+namespace FileUtils {
 
 std::wstring WhyNotAFileName(const std::wstring& pattern) {
     if (pattern.empty()) return L"Save as needs a file name, such as *_new.*";
@@ -18,4 +18,4 @@ std::wstring ProposedFileName(bool savesAs, const std::wstring& present, const w
     return savesAs && present.empty() ? proposal : present;
 }
 
-}  // namespace Ui
+}  // namespace FileUtils

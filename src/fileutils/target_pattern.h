@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace Ui {
+namespace FileUtils {
 
 /// Why this cannot be the file name of "Save as", for people to read; "" when it can.
 std::wstring WhyNotAFileName(const std::wstring& pattern);
@@ -11,4 +11,4 @@ std::wstring WhyNotAFileName(const std::wstring& pattern);
 /// What the field should hold when a target is chosen: what is there, and for "Save as" without any a proposal.
 std::wstring ProposedFileName(bool savesAs, const std::wstring& present, const wchar_t* proposal);
 
-}  // namespace Ui
+}  // namespace FileUtils

@@ -6,7 +6,7 @@
 
 #include "batchrename/qv_batch_rename.h"
 #include "fileutils/cqvutils.h"
-#include "fileutils/extension_ids.h"
+#include "fileutils/ids.h"
 #include "security/ntfs_prop.h"
 
 namespace Plugin {

@@ -54,13 +54,12 @@ struct Column {
     TextId name;
     Value (*compute)(IFileItem& item, const std::wstring& path);
 };
-constexpr TextId kGroupName = 100_p;
 constexpr Column kColumns[] = {
     // id                  key          type          width flags        name   value
-    {Property::Owner, L"owner", kTextValue, 110, kTextColumn, 111_p, OwnerOf},
-    {Property::Access, L"access", kTextValue, 100, kTextColumn, 112_p, AccessOf},
-    {Property::StreamCount, L"ADScount", kNumberValue, 60, kNumberColumn, 113_p, StreamCountOf},
-    {Property::StreamSize, L"ADSsize", kNumberValue, 60, kNumberColumn, 114_p, StreamSizeOf},
+    {Property::Owner, L"owner", kTextValue, 110, kTextColumn, PropertyText::Owner, OwnerOf},
+    {Property::Access, L"access", kTextValue, 100, kTextColumn, PropertyText::Access, AccessOf},
+    {Property::StreamCount, L"ADScount", kNumberValue, 60, kNumberColumn, PropertyText::StreamCount, StreamCountOf},
+    {Property::StreamSize, L"ADSsize", kNumberValue, 60, kNumberColumn, PropertyText::StreamSize, StreamSizeOf},
 };
 
 /// The number by which the host knows this extension, the same for all objects of the process; kNoModule until Init.
@@ -95,7 +94,7 @@ uint32_t NTFSProp::Init(IHostServices* services) {
         {
             const AcquiredService<IPropertySet> set(*services, ServiceNumber::PropertySet);
             if (set) {
-                set->SetExtension(kNtfsPropId, services->GetText(kGroupName));
+                set->SetExtension(kNtfsPropId, services->GetText(PropertyText::Group));
                 for (const Column& column : kColumns) {
                     const PropertyDefinition definition = {column.id,    column.width, column.type,
                                                            column.flags, column.key,   services->GetText(column.name)};

@@ -5,6 +5,17 @@
 
 namespace Security {
 
+/// Texts in the host's language files: the group of the columns, and each column's heading.
+namespace PropertyText {
+using namespace Quorvane::SDK::TextIdLiterals;
+inline constexpr Quorvane::SDK::TextId Group = 100_p;
+inline constexpr Quorvane::SDK::TextId Owner = 111_p;
+inline constexpr Quorvane::SDK::TextId Access = 112_p;
+inline constexpr Quorvane::SDK::TextId StreamCount = 113_p;
+inline constexpr Quorvane::SDK::TextId StreamSize = 114_p;
+inline constexpr Quorvane::SDK::TextId kAll[] = {Group, Owner, Access, StreamCount, StreamSize};
+}  // namespace PropertyText
+
 inline constexpr char kNtfsPropId[] = "9A4C1E7F2B3D4E5F8A6B7C0D1E2F3A4B";
 
 /// The ids of the columns.

@@ -41,14 +41,14 @@ ConfirmQuestion NarrowQuestion() {
 }
 
 /// What the dialog answers when `person` sits in front of it.
-uint32_t Ask(Ui::ConfirmReplaceDlg& dialog, const ConfirmQuestion& question,
+uint32_t Ask(FileUtils::ConfirmReplaceDlg& dialog, const ConfirmQuestion& question,
              const std::function<void(const DrivenDialog&)>& person) {
     uint32_t answer = 0;
     QVTest::WhileShown(L"Confirm Replace", person, [&] { answer = dialog.Ask(question); });
     return answer;
 }
 
-std::wstring MatchIn(const Ui::MatchView& view) {
+std::wstring MatchIn(const FileUtils::MatchView& view) {
     return view.context.substr(view.matchOffset, view.matchLength);
 }
 
@@ -71,7 +71,7 @@ TEST(MatchView, CutsLongLinesAroundTheMatchAndNotAtIt) {
         {"characters of two units stay whole", L"a" + pairs, L"m", L"", L"\u2026" + pairs.substr(0, 60) + L"m", L"m"},
     };
     for (const auto& c : cases) {
-        const Ui::MatchView view = Ui::ViewOf(Question(c.before, c.match, c.after), false);
+        const FileUtils::MatchView view = FileUtils::ViewOf(Question(c.before, c.match, c.after), false);
         EXPECT_EQ(view.context, c.context) << c.why;
         EXPECT_EQ(MatchIn(view), c.marked) << c.why;
     }
@@ -79,11 +79,11 @@ TEST(MatchView, CutsLongLinesAroundTheMatchAndNotAtIt) {
 
 TEST(MatchView, ReadsBytesAsUtf8OrInTheCodePage) {
     const ConfirmQuestion utf8 = NarrowQuestion();
-    EXPECT_EQ(MatchIn(Ui::ViewOf(utf8, true)), L"\u00E9t\u00E9");
-    EXPECT_EQ(MatchIn(Ui::ViewOf(utf8, false)), L"\u00C3\u00A9t\u00C3\u00A9");
+    EXPECT_EQ(MatchIn(FileUtils::ViewOf(utf8, true)), L"\u00E9t\u00E9");
+    EXPECT_EQ(MatchIn(FileUtils::ViewOf(utf8, false)), L"\u00C3\u00A9t\u00C3\u00A9");
     ConfirmQuestion cut = utf8;  // a zero byte ended the context before the match
     cut.rawContext.resize(3);
-    EXPECT_EQ(MatchIn(Ui::ViewOf(cut, true)), L"");
+    EXPECT_EQ(MatchIn(FileUtils::ViewOf(cut, true)), L"");
 }
 
 TEST(ConfirmReplaceDlg, EachButtonIsAnAnswerAndSoAreEnterAndEscape) {
@@ -96,7 +96,7 @@ TEST(ConfirmReplaceDlg, EachButtonIsAnAnswerAndSoAreEnterAndEscape) {
         {IDCANCEL, 0, Answer::Cancel},   {IDC_ANSWER_FIND_NEXT, 0, Answer::FindNext},
         {0, VK_RETURN, Answer::Replace}, {0, VK_ESCAPE, Answer::Cancel},
     };
-    Ui::ConfirmReplaceDlg dialog(nullptr);
+    FileUtils::ConfirmReplaceDlg dialog(nullptr);
     for (const auto& c : cases) {
         const auto person = [&](const DrivenDialog& shown) {
             c.button ? shown.PressLater(c.button) : shown.Key(c.key);
@@ -107,7 +107,7 @@ TEST(ConfirmReplaceDlg, EachButtonIsAnAnswerAndSoAreEnterAndEscape) {
 }
 
 TEST(ConfirmReplaceDlg, ShowsTheMatchSelectedWhateverHasTheFocus) {
-    Ui::ConfirmReplaceDlg dialog(nullptr);
+    FileUtils::ConfirmReplaceDlg dialog(nullptr);
     Ask(dialog, Question(L"one\r\nthe ", L"match", L" here"), [](const DrivenDialog& shown) {
         EXPECT_EQ(shown.Text(IDC_MATCH_FILE), L"C:\\letters\\order.txt");
         EXPECT_EQ(shown.Text(IDC_MATCH_CONTEXT_LABEL), L"&Match in line 12:");
@@ -122,7 +122,7 @@ TEST(ConfirmReplaceDlg, ShowsTheMatchSelectedWhateverHasTheFocus) {
 }
 
 TEST(ConfirmReplaceDlg, SwitchesTheReadingOfBytesAndStaysOpen) {
-    Ui::ConfirmReplaceDlg dialog(nullptr);
+    FileUtils::ConfirmReplaceDlg dialog(nullptr);
     const auto person = [](const DrivenDialog& shown) {
         EXPECT_EQ(shown.Text(IDC_MATCH_CONTEXT), kAsUtf8);
         shown.Press(IDC_SWITCH_UTF8);
@@ -136,7 +136,7 @@ TEST(ConfirmReplaceDlg, SwitchesTheReadingOfBytesAndStaysOpen) {
 }
 
 TEST(ConfirmReplaceDlg, OpensAgainWhereItWas) {
-    Ui::ConfirmReplaceDlg dialog(nullptr);
+    FileUtils::ConfirmReplaceDlg dialog(nullptr);
     RECT moved = {};
     Ask(dialog, Question(L"", L"b", L""), [&](const DrivenDialog& shown) {
         GetWindowRect(shown.Window(), &moved);

@@ -14,12 +14,12 @@ using namespace QVTest;
 constexpr wchar_t kTitle[] = L"Create links";
 
 TEST(LinkNames, AreProposedBesideAndElsewhere) {
-    EXPECT_EQ(Ui::ProposedLinkName({L"C:\\a\\b.tar.gz", false}, L"C:\\x"), L"b.tar.gz");
-    EXPECT_EQ(Ui::ProposedLinkName({L"C:\\a\\b.tar.gz", false}, L"c:\\A\\"), L"b.tar - link.gz");
-    EXPECT_EQ(Ui::ProposedLinkName({L"C:\\a\\b.c", true}, L"C:\\a"), L"b.c - link");
-    EXPECT_EQ(Ui::LinkPath(4, L"C:\\a", L"b.txt"), L"C:\\a\\b.txt.lnk");
-    EXPECT_EQ(Ui::LinkPath(4, L"C:\\a\\", L"b.LNK"), L"C:\\a\\b.LNK");
-    EXPECT_EQ(Ui::LinkPath(3, L"C:\\a", L"b"), L"C:\\a\\b");
+    EXPECT_EQ(FileUtils::ProposedLinkName({L"C:\\a\\b.tar.gz", false}, L"C:\\x"), L"b.tar.gz");
+    EXPECT_EQ(FileUtils::ProposedLinkName({L"C:\\a\\b.tar.gz", false}, L"c:\\A\\"), L"b.tar - link.gz");
+    EXPECT_EQ(FileUtils::ProposedLinkName({L"C:\\a\\b.c", true}, L"C:\\a"), L"b.c - link");
+    EXPECT_EQ(FileUtils::LinkPath(4, L"C:\\a", L"b.txt"), L"C:\\a\\b.txt.lnk");
+    EXPECT_EQ(FileUtils::LinkPath(4, L"C:\\a\\", L"b.LNK"), L"C:\\a\\b.LNK");
+    EXPECT_EQ(FileUtils::LinkPath(3, L"C:\\a", L"b"), L"C:\\a\\b");
 }
 
 TEST(LinkRules, RefuseWhatCannotWork) {
@@ -89,14 +89,14 @@ TEST(CreateLinksCommand, OffersAdministratorRightsAndUsesThem) {
 }
 
 TEST(CreateLinksDlg, AsksAboutALinkOnlyWhenItIsAnother) {
-    std::vector<Ui::LinkTarget> targets;
+    std::vector<FileUtils::LinkTarget> targets;
     for (int number = 0; number < 20000; ++number) targets.push_back({L"C:\\t\\" + std::to_wstring(number), false});
     size_t asked = 0;
-    Ui::CreateLinksDlg dialog(targets, false, [&](uint32_t, const std::wstring&, const Ui::LinkTarget&) {
+    FileUtils::CreateLinksDlg dialog(targets, false, [&](uint32_t, const std::wstring&, const FileUtils::LinkTarget&) {
         ++asked;
         return std::wstring();
     });
-    std::optional<Ui::CreateLinksRequest> request;
+    std::optional<FileUtils::CreateLinksRequest> request;
     const auto person = [&](const DrivenDialog& open) {
         EXPECT_EQ(std::exchange(asked, 0), targets.size());
         open.Enter(IDC_LINK_NAME, L"19999 - LINK");

@@ -8,15 +8,15 @@
 
 namespace {
 
+using FileUtils::FindAndReplaceRequest;
 using QVTest::DrivenDialog;
-using Ui::FindAndReplaceRequest;
 namespace Option = QVFindAndReplace::Option;
 
 /// Shows the dialog to `person`; gives what it returns.
 std::optional<FindAndReplaceRequest> Show(const FindAndReplaceRequest& first,
                                           const std::function<void(const DrivenDialog&)>& person) {
     std::optional<FindAndReplaceRequest> result;
-    Ui::FindAndReplaceDlg dialog(QVTest::EchoTexts(), {L"C:\\a.txt", L"C:\\b.txt"}, first);
+    FileUtils::FindAndReplaceDlg dialog(QVTest::EchoTexts(), {L"C:\\a.txt", L"C:\\b.txt"}, first);
     QVTest::WhileShown(L"Find and Replace in file(s)", person, [&] { result = dialog.Show(nullptr); });
     return result;
 }
@@ -50,7 +50,7 @@ TEST(FindAndReplaceRules, SayWhyARequestCannotStart) {
         {"other targets take no name", {L"a", L"", Option::ModeOne | Option::KeepBackup, L"?"}, L""},
     };
     for (const auto& c : cases) {
-        const std::wstring reason = Ui::WhyNotStart(c.request);
+        const std::wstring reason = FileUtils::WhyNotStart(c.request);
         EXPECT_EQ(reason.substr(0, c.reason.size()), c.reason) << c.why;
         EXPECT_EQ(reason.empty(), c.reason.empty()) << c.why;
     }

@@ -8,15 +8,15 @@
 
 namespace {
 
+using FileUtils::NamePart;
 using FileUtils::WithTextReplaced;
-using Ui::NamePart;
 using namespace QVTest;
 
 constexpr wchar_t kTitle[] = L"Replace text in names";
 
 TEST(ReplaceInNames, MakesTheseNames) {
     const struct {
-        Ui::NameReplacement request;
+        FileUtils::NameReplacement request;
         const wchar_t* name;
         const wchar_t* file;
         const wchar_t* folder;

@@ -5,15 +5,12 @@
 #include <gtest/gtest.h>
 
 #include "fileutils/access/change_access_dlg.h"
-#include "fileutils/access/grant_access_command.h"
 #include "fileutils/access/picked_account.h"
-#include "fileutils/access/reset_access_command.h"
 #include "fileutils/access/security_work.h"
-#include "fileutils/access/take_ownership_command.h"
 #include "fileutils/command_runner.h"
+#include "fileutils/commands.h"
 #include "fileutils/elevated_path.h"
 #include "fileutils/fileutils_resource.h"
-#include "fileutils/links/create_link_command.h"
 #include "host/elevated/request_fields.h"
 #include "security/account_names.h"
 #include "support/fake_panel.h"
@@ -359,8 +356,8 @@ TEST(ChangeAccessDlg, TakesTheAccountThatWasFound) {
     const auto texts = [](SDK::TextId) { return L"text"; };
     const auto exists = [](const std::wstring& account) { return account == L"D\\found"; };
     std::wstring picked = L"";
-    Ui::ChangeAccessDlg dialog(texts, L"", exists, [&](HWND) { return std::exchange(picked, L"D\\found"); });
-    std::optional<Ui::AccessChoice> choice;
+    FileUtils::ChangeAccessDlg dialog(texts, L"", exists, [&](HWND) { return std::exchange(picked, L"D\\found"); });
+    std::optional<FileUtils::AccessChoice> choice;
     const auto person = [](const DrivenDialog& open) {
         EXPECT_FALSE(open.IsEnabled(IDOK));
         open.Press(IDC_ACCESS_FIND);

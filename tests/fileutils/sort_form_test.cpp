@@ -4,8 +4,8 @@
 
 namespace {
 
+using FileUtils::SortForm;
 using QVLineSorter::SortRequest;
-using Ui::SortForm;
 namespace Option = QVLineSorter::SortOption;
 
 constexpr uint32_t kPlain = Option::EntireLine | Option::AsText | Option::KeepBackup;
@@ -13,7 +13,7 @@ constexpr uint32_t kPlain = Option::EntireLine | Option::AsText | Option::KeepBa
 SortForm FormWith(uint32_t options) {
     SortRequest request;
     request.options = options;
-    return Ui::FormOf(request);
+    return FileUtils::FormOf(request);
 }
 
 TEST(SortForm, ShowsPositionsCountedFromOneAndFillsWhatIsMissing) {
@@ -22,7 +22,7 @@ TEST(SortForm, ShowsPositionsCountedFromOneAndFillsWhatIsMissing) {
     request.keepTop = 2;
     request.separator = L'\t';
     request.options = Option::Item | Option::Silent | Option::Overwrite;
-    const SortForm form = Ui::FormOf(request);
+    const SortForm form = FileUtils::FormOf(request);
     EXPECT_EQ(form.linePosition, L"5");
     EXPECT_EQ(form.keepTop, L"2");
     EXPECT_EQ(form.itemSeparator, L"\\t");
@@ -30,14 +30,14 @@ TEST(SortForm, ShowsPositionsCountedFromOneAndFillsWhatIsMissing) {
     EXPECT_EQ(form.options, Option::Item | Option::AsText | Option::KeepBackup);
     EXPECT_EQ(FormWith(0).options, kPlain);
     request.lineOffset = 0xFFFFFFFF;
-    EXPECT_EQ(Ui::FormOf(request).linePosition, L"4294967296");
+    EXPECT_EQ(FileUtils::FormOf(request).linePosition, L"4294967296");
 }
 
 TEST(SortForm, EnablesWhatTheOptionsUse) {
     const struct {
         const char* why;
         uint32_t options;
-        Ui::SortEnabling enabled;
+        FileUtils::SortEnabling enabled;
     } cases[] = {
         {"plain", kPlain, {.ignoreCase = true}},
         {"a language has its own way with case", Option::LanguageOrder, {.naturalNumbers = true}},
@@ -46,13 +46,13 @@ TEST(SortForm, EnablesWhatTheOptionsUse) {
         {"save as", Option::SaveAs, {.fileName = true, .ignoreCase = true}},
         {"dates", Option::AsDate, {.dateFormat = true, .ignoreCase = true}},
     };
-    for (const auto& c : cases) EXPECT_EQ(Ui::EnabledFor(c.options), c.enabled) << c.why;
+    for (const auto& c : cases) EXPECT_EQ(FileUtils::EnabledFor(c.options), c.enabled) << c.why;
 }
 
 TEST(SortForm, NaturalOrderAndCaseCountOnlyWithoutALanguage) {
     const uint32_t both = Option::NaturalNumbers | Option::IgnoreCase;
-    EXPECT_EQ(Ui::RequestOf(FormWith(kPlain | both), {}).request.options, kPlain | both);
-    EXPECT_EQ(Ui::RequestOf(FormWith(kPlain | both | Option::LanguageOrder), {}).request.options,
+    EXPECT_EQ(FileUtils::RequestOf(FormWith(kPlain | both), {}).request.options, kPlain | both);
+    EXPECT_EQ(FileUtils::RequestOf(FormWith(kPlain | both | Option::LanguageOrder), {}).request.options,
               kPlain | Option::LanguageOrder);
 }
 
@@ -90,7 +90,7 @@ TEST(SortForm, SaysWhatCannotBeUsed) {
         form.saveAsName = L"x";
         form.dateFormat = L"%Y";
         form.*c.field = c.text;
-        const std::wstring fault = Ui::RequestOf(form, {}).fault;
+        const std::wstring fault = FileUtils::RequestOf(form, {}).fault;
         EXPECT_EQ(fault.substr(0, c.fault.size()), c.fault) << c.why;
         EXPECT_EQ(fault.empty(), c.fault.empty()) << c.why;
     }
@@ -102,17 +102,17 @@ TEST(SortForm, TheLengthThatIsShownEndsTheNumbersOfItems) {
     before.separator = L';';
     before.itemNumber = 1;
     before.substringLength = 64;
-    SortForm form = Ui::FormOf(before);
-    EXPECT_NE(Ui::RequestOf(form, before).fault, L"");
+    SortForm form = FileUtils::FormOf(before);
+    EXPECT_NE(FileUtils::RequestOf(form, before).fault, L"");
     form.substringLength = L"3";
-    EXPECT_EQ(Ui::RequestOf(form, before).fault, L"");
-    EXPECT_EQ(Ui::RequestOf(form, before).request.substringLength, 3u);
-    EXPECT_NE(Ui::RequestOf(form, before).hint, L"");
+    EXPECT_EQ(FileUtils::RequestOf(form, before).fault, L"");
+    EXPECT_EQ(FileUtils::RequestOf(form, before).request.substringLength, 3u);
+    EXPECT_NE(FileUtils::RequestOf(form, before).hint, L"");
     form.substringLength = L"0";
-    EXPECT_EQ(Ui::RequestOf(form, before).hint, L"");
+    EXPECT_EQ(FileUtils::RequestOf(form, before).hint, L"");
     form.options = Option::EntireLine | Option::AsNumber | Option::KeepBackup;
-    EXPECT_EQ(Ui::RequestOf(form, before).fault, L"");
-    EXPECT_NE(Ui::RequestOf(form, before).hint, L"") << "entire lines are texts";
+    EXPECT_EQ(FileUtils::RequestOf(form, before).fault, L"");
+    EXPECT_NE(FileUtils::RequestOf(form, before).hint, L"") << "entire lines are texts";
 }
 
 TEST(SortForm, KeepsWhatTheChoicesDoNotUse) {
@@ -121,9 +121,9 @@ TEST(SortForm, KeepsWhatTheChoicesDoNotUse) {
     before.separator = L';';
     before.itemNumber = 3;
     before.dateFormat = L"%Y";
-    SortForm form = Ui::FormOf(before);
+    SortForm form = FileUtils::FormOf(before);
     form.options = kPlain;
-    const SortRequest after = Ui::RequestOf(form, before).request;
+    const SortRequest after = FileUtils::RequestOf(form, before).request;
     EXPECT_EQ(after.separator, L';');
     EXPECT_EQ(after.itemNumber, 3u);
     EXPECT_EQ(after.dateFormat, L"%Y");

@@ -18,8 +18,9 @@ using Person = std::function<void(DialogDriver&, const DrivenDialog&)>;
 
 std::optional<SortRequest> Show(const SortRequest& first, const Person& person) {
     std::optional<SortRequest> result;
-    QVTest::WhileDriving([&](DialogDriver& driver) { person(driver, driver.WaitFor(L"Sort Lines")); },
-                         [&] { result = Ui::SortLinesDlg(QVTest::EchoTexts(), {L"C:\\a.txt"}, first).Show(nullptr); });
+    QVTest::WhileDriving(
+        [&](DialogDriver& driver) { person(driver, driver.WaitFor(L"Sort Lines")); },
+        [&] { result = FileUtils::SortLinesDlg(QVTest::EchoTexts(), {L"C:\\a.txt"}, first).Show(nullptr); });
     return result;
 }
 

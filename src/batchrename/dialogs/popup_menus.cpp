@@ -1,5 +1,6 @@
 #include "batchrename/dialogs/popup_menus.h"
 
+#include "batchrename/batchrename_texts.h"
 #include "batchrename/dialogs/tags.h"
 
 namespace BatchRename {
@@ -7,11 +8,6 @@ namespace BatchRename {
 using namespace Quorvane::SDK;
 
 namespace {
-
-constexpr TextId kPropertyText = 310_m;
-constexpr TextId kSaveAsText = 320_m;
-constexpr TextId kDeleteText = 321_m;
-constexpr TextId kNoProfilesText = 322_m;
 
 /// A name as a menu shows it: "&" would mark a key, a tab would begin another column.
 std::wstring Escaped(const std::wstring& name) {
@@ -67,7 +63,7 @@ std::optional<std::wstring> PickTag(HWND owner, HWND button, const Ui::HostTexts
         menu.Add(texts(entry.text));
         tags.push_back(entry.tag);
     }
-    const int property = menu.Add(texts(kPropertyText));
+    const int property = menu.Add(texts(Text::PropertyTag));
     const int chosen = menu.Show(owner, button);
     if (chosen < 0) return std::nullopt;
     return chosen == property ? std::wstring() : tags[static_cast<size_t>(chosen)];
@@ -82,10 +78,10 @@ std::optional<ProfileChoice> PickProfile(HWND owner, HWND button, const std::vec
         menu.Add(names.back());
     }
     const int count = static_cast<int>(profiles.size());
-    if (profiles.empty()) menu.Add(texts(kNoProfilesText), false);
+    if (profiles.empty()) menu.Add(texts(Text::NoProfiles), false);
     menu.AddSeparator();
-    const int saveAs = menu.Add(texts(kSaveAsText));
-    const int firstDelete = menu.AddList(texts(kDeleteText), names);
+    const int saveAs = menu.Add(texts(Text::SaveProfile));
+    const int firstDelete = menu.AddList(texts(Text::DeleteProfile), names);
     const int chosen = menu.Show(owner, button);
     if (chosen < 0) return std::nullopt;
     if (chosen == saveAs) return ProfileChoice{ProfileAction::SaveAs, {}};

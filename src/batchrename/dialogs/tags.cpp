@@ -1,14 +1,17 @@
 #include "batchrename/dialogs/tags.h"
 
+#include "batchrename/batchrename_texts.h"
+
 namespace BatchRename {
 namespace {
 
 using namespace Quorvane::SDK;
 
 constexpr TagEntry kTags[] = {
-    {L"[N]", 300_m}, {L"[E]", 301_m}, {L"[C]", 302_m},    {L"[F]", 303_m},    {nullptr, kNoText},
-    {L"[Y]", 304_m}, {L"[M]", 305_m}, {L"[D]", 306_m},    {nullptr, kNoText}, {L"[h]", 307_m},
-    {L"[m]", 308_m}, {L"[s]", 309_m}, {nullptr, kNoText},
+    {L"[N]", Text::NameTag}, {L"[E]", Text::ExtensionTag}, {L"[C]", Text::CounterTag}, {L"[F]", Text::FolderTag},
+    {nullptr, kNoText},      {L"[Y]", Text::YearTag},      {L"[M]", Text::MonthTag},   {L"[D]", Text::DayTag},
+    {nullptr, kNoText},      {L"[h]", Text::HourTag},      {L"[m]", Text::MinuteTag},  {L"[s]", Text::SecondTag},
+    {nullptr, kNoText},
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "batchrename/batchrename_texts.h"
 #include "batchrename/dialogs/add_tag_dlg.h"
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/dialogs/find_replace_dlg.h"
@@ -20,18 +21,19 @@ namespace {
 
 // The entries' item data are the rule's case bits.
 constexpr Ui::ListEntry kCases[] = {
-    {330_d, 0},
-    {331_d, RenameOption::LowerBoth},
-    {332_d, RenameOption::UpperBoth},
-    {333_d, RenameOption::LowerName},
-    {334_d, RenameOption::UpperName},
-    {335_d, RenameOption::LowerExtension},
-    {336_d, RenameOption::UpperExtension},
-    {337_d, RenameOption::CapitaliseWords},
-    {338_d, RenameOption::Sentence},
+    {Text::CaseUnchanged, 0},
+    {Text::CaseLowerBoth, RenameOption::LowerBoth},
+    {Text::CaseUpperBoth, RenameOption::UpperBoth},
+    {Text::CaseLowerName, RenameOption::LowerName},
+    {Text::CaseUpperName, RenameOption::UpperName},
+    {Text::CaseLowerExtension, RenameOption::LowerExtension},
+    {Text::CaseUpperExtension, RenameOption::UpperExtension},
+    {Text::CaseWords, RenameOption::CapitaliseWords},
+    {Text::CaseSentence, RenameOption::Sentence},
 };
-constexpr Ui::ListEntry kScopes[] = {
-    {340_d, RenameOption::ScopeBoth}, {341_d, RenameOption::ScopeName}, {342_d, RenameOption::ScopeExtension}};
+constexpr Ui::ListEntry kScopes[] = {{Text::ScopeBoth, RenameOption::ScopeBoth},
+                                     {Text::ScopeName, RenameOption::ScopeName},
+                                     {Text::ScopeExtension, RenameOption::ScopeExtension}};
 constexpr Ui::OptionBox kBoxes[] = {
     {IDC_REGEX, RenameOption::RegularExpression},
     {IDC_REPLACE_ALL_MATCHES, RenameOption::ReplaceAll},

@@ -1,18 +1,21 @@
 #include "fileutils/access/change_access_dlg.h"
 
 #include "fileutils/fileutils_resource.h"
+#include "fileutils/fileutils_texts.h"
 
-namespace Ui {
+namespace FileUtils {
 namespace {
+
+using namespace Ui;
 
 using namespace Quorvane::SDK;
 
 constexpr uint32_t kReadAndExecute = 0x1200A9;
 constexpr ListEntry kRights[] = {
-    {210_d, kReadAndExecute},
-    {211_d, 0x1201BF},  // read, write and execute
-    {212_d, 0x1301BF},  // and delete
-    {213_d, 0x1F01FF},  // everything that can be done with a file
+    {Text::ReadAndExecute, kReadAndExecute},
+    {Text::ReadWriteAndExecute, 0x1201BF},  // read, write and execute
+    {Text::Modify, 0x1301BF},               // and delete
+    {Text::AllRights, 0x1F01FF},            // everything that can be done with a file
 };
 
 struct ControlText {
@@ -20,8 +23,9 @@ struct ControlText {
     TextId text;
 };
 constexpr ControlText kTexts[] = {
-    {IDC_ACCESS_ACCOUNT_LABEL, 202_d}, {IDC_ACCESS_FIND, 203_d}, {IDC_ACCESS_RIGHTS_LABEL, 204_d}, {IDOK, 205_d},
-    {IDC_ACCESS_NOTE, 207_d},          {IDCANCEL, 3_g},
+    {IDC_ACCESS_ACCOUNT_LABEL, Text::Account},     {IDC_ACCESS_FIND, Text::FindAccount},
+    {IDC_ACCESS_RIGHTS_LABEL, Text::AccessRights}, {IDOK, Text::GrantPermissions},
+    {IDC_ACCESS_NOTE, Text::AccessNote},           {IDCANCEL, Text::Cancel},
 };
 
 constexpr Anchor kAnchors[] = {
@@ -51,7 +55,7 @@ std::optional<AccessChoice> ChangeAccessDlg::Show(HWND owner) {
 
 bool ChangeAccessDlg::OnInit() {
     MakeResizable(kAnchors);
-    SetWindowTextW(GetWindow(), m_texts(200_d));
+    SetWindowTextW(GetWindow(), m_texts(Text::AccessDialog));
     for (const ControlText& text : kTexts) SetWindowTextW(Item(text.control), m_texts(text.text));
     FillCombo(Item(IDC_ACCESS_RIGHTS), m_texts, kRights, m_choice.mask, kReadAndExecute);
     SetTextOf(Item(IDC_ACCESS_ACCOUNT), m_choice.account);
@@ -95,4 +99,4 @@ void ChangeAccessDlg::Pick() {
     if (!account.empty()) SetTextOf(Item(IDC_ACCESS_ACCOUNT), account);
 }
 
-}  // namespace Ui
+}  // namespace FileUtils

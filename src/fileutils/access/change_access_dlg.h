@@ -10,7 +10,7 @@
 #include "ui/controls.h"
 #include "ui/dialog.h"
 
-namespace Ui {
+namespace FileUtils {
 
 struct AccessChoice {
     std::wstring account;  // `DOMAIN\name` or `name`
@@ -22,10 +22,10 @@ using AccountExists = std::function<bool(const std::wstring& account)>;
 /// Lets a person choose an account; "" when none was chosen.
 using AccountPicker = std::function<std::wstring(HWND owner)>;
 
-class ChangeAccessDlg final : private Dialog {
+class ChangeAccessDlg final : private Ui::Dialog {
 public:
     /// `account` is what the dialog begins with.
-    ChangeAccessDlg(HostTexts texts, std::wstring account, AccountExists exists, AccountPicker pick);
+    ChangeAccessDlg(Ui::HostTexts texts, std::wstring account, AccountExists exists, AccountPicker pick);
 
     /// Nothing when the user cancels. The account exists.
     std::optional<AccessChoice> Show(HWND owner);
@@ -37,10 +37,10 @@ private:
     void Accept();
     void Pick();
 
-    HostTexts m_texts;
+    Ui::HostTexts m_texts;
     AccountExists m_exists;
     AccountPicker m_pick;
     AccessChoice m_choice;
 };
 
-}  // namespace Ui
+}  // namespace FileUtils

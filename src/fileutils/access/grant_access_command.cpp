@@ -1,8 +1,10 @@
-#include "fileutils/access/grant_access_command.h"
+#include "fileutils/commands.h"
+#include "fileutils/ids.h"
 
 #include "fileutils/access/account_picker.h"
 #include "fileutils/access/change_access_dlg.h"
 #include "fileutils/access/security_work.h"
+#include "fileutils/fileutils_texts.h"
 #include "security/account_names.h"
 #include "security/ntfs_tools.h"
 
@@ -19,14 +21,14 @@ bool AccountExists(const std::wstring& account) {
     return Security::NTFSTools().CheckAccount(account) == ERROR_SUCCESS;
 }
 
-std::optional<Ui::AccessChoice> AskForAccess(IHostServices& host, const std::wstring& account) {
+std::optional<AccessChoice> AskForAccess(IHostServices& host, const std::wstring& account) {
     const auto texts = [&](TextId id) {
         if (static_cast<char>(id & 0xFF) != 'g') return HostText(host, id);
         // General words are not this extension's own: module 0 has them.
         const wchar_t* const text = host.GetModuleText(0, id);
         return text ? text : L"";
     };
-    Ui::ChangeAccessDlg dialog(texts, account, AccountExists, PickAccount);
+    ChangeAccessDlg dialog(texts, account, AccountExists, PickAccount);
     const HWND active = GetActiveWindow();
     return dialog.Show(active ? active : host.GetMainWindow());
 }
@@ -37,11 +39,11 @@ uint32_t RunGrantAccess(IHostServices& host, uint32_t) {
     const std::wstring account = Security::CurrentAccountName();
     const SecuritySelection selection = GatherSecuritySelection(host);
     if (selection.items.empty()) return 1;
-    const std::optional<Ui::AccessChoice> chosen = AskForAccess(host, account);
+    const std::optional<AccessChoice> chosen = AskForAccess(host, account);
     if (!chosen) return 1;
     RunSecurityWork(host, selection,
-                    {.requestId = kGrantAccessRequest,
-                     .failureText = 120_e,
+                    {.requestId = RequestId::GrantAccess,
+                     .failureText = Text::GrantAccessFailed,
                      .done = L"Access granted to " + chosen->account,
                      .writeRequest =
                          [&](IRequestWriter& writer) {

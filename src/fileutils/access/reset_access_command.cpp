@@ -1,6 +1,8 @@
-#include "fileutils/access/reset_access_command.h"
+#include "fileutils/commands.h"
+#include "fileutils/ids.h"
 
 #include "fileutils/access/security_work.h"
+#include "fileutils/fileutils_texts.h"
 #include "security/ntfs_tools.h"
 
 namespace FileUtils {
@@ -15,11 +17,13 @@ uint32_t Reset(const std::wstring& path) {
 }  // namespace
 
 uint32_t RunResetAccess(IHostServices& host, uint32_t) {
-    if (host.MessageBox(HostText(host, 251_d), HostText(host, 250_d), MB_YESNO | MB_ICONINFORMATION) != IDYES) return 1;
+    if (host.MessageBox(HostText(host, Text::ResetAccessQuestion), HostText(host, Text::ResetAccessTitle),
+                        MB_YESNO | MB_ICONINFORMATION) != IDYES)
+        return 1;
     const SecuritySelection selection = GatherSecuritySelection(host);
     RunSecurityWork(host, selection,
-                    {.requestId = kResetAccessRequest,
-                     .failureText = 125_e,
+                    {.requestId = RequestId::ResetAccess,
+                     .failureText = Text::ResetAccessFailed,
                      .done = L"Access reset to inherited",
                      .writeRequest = [&](IRequestWriter& writer) { WritePaths(writer, selection.paths); },
                      .change = Reset});

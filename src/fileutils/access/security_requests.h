@@ -9,10 +9,6 @@
 
 namespace FileUtils {
 
-inline constexpr uint32_t kTakeOwnershipRequest = 5000;
-inline constexpr uint32_t kGrantAccessRequest = 5001;
-inline constexpr uint32_t kResetAccessRequest = 5003;
-
 using Paths = std::vector<std::wstring>;
 
 /// Taking ownership and resetting need the paths alone: their number, then each of them. A path of anything but a file

@@ -1,5 +1,6 @@
 #include "fileutils/access/security_work.h"
 
+#include "fileutils/fileutils_texts.h"
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
 #include "win32/windows.h"
@@ -11,11 +12,11 @@ using namespace Quorvane::SDK;
 
 void ShowFailure(IHostServices& host, uint32_t error, TextId failureText) {
     if (error == ERROR_ACCESS_DENIED) {
-        host.MessageBox(HostText(host, 100_e), HostText(host, 10_e), MB_ICONERROR);
+        host.MessageBox(HostText(host, Text::AccessDenied), HostText(host, Text::AccessDeniedTitle), MB_ICONERROR);
         return;
     }
     const std::wstring message = FormatText(HostText(host, failureText), {error});
-    host.MessageBox(message.c_str(), HostText(host, 11_e), MB_ICONERROR);
+    host.MessageBox(message.c_str(), HostText(host, Text::FailureTitle), MB_ICONERROR);
 }
 
 /// The message that people get has room for the code alone; the log says which path it was.

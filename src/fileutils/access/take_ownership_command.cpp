@@ -1,8 +1,10 @@
-#include "fileutils/access/take_ownership_command.h"
+#include "fileutils/commands.h"
+#include "fileutils/ids.h"
 
 #include <array>
 
 #include "fileutils/access/security_work.h"
+#include "fileutils/fileutils_texts.h"
 #include "security/account_names.h"
 #include "security/ntfs_prop.h"
 #include "security/ntfs_tools.h"
@@ -43,8 +45,8 @@ uint32_t RunTakeOwnership(IHostServices& host, uint32_t) {
     const Security::ScopedPrivilege privilege(SE_TAKE_OWNERSHIP_NAME);
     const bool goesOn =
         RunSecurityWork(host, selection,
-                        {.requestId = kTakeOwnershipRequest,
-                         .failureText = 126_e,
+                        {.requestId = RequestId::TakeOwnership,
+                         .failureText = Text::TakeOwnershipFailed,
                          .done = L"Ownership taken",
                          .writeRequest = [&](IRequestWriter& writer) { WritePaths(writer, selection.paths); },
                          .change = [&](const std::wstring& path) { return MakeOwner(path, user); },

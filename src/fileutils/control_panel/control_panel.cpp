@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "fileutils/ids.h"
 #include "sdk/owners.h"
 
 #include <shellapi.h>
@@ -139,7 +140,7 @@ void BuildControlPanelMenu(IHostServices& host, IMenuBuilder& builder, Menu* roo
         if (!menu) continue;
         for (const ControlPanelItem& item : kItems) {
             if (item.category != category.number || !IsWanted(item, useColumnD, useColumnE)) continue;
-            Command* const command = factory->CreateCommand(kFirstControlPanelCommand + item.index, kCommandFlags,
+            Command* const command = factory->CreateCommand(CommandId::FirstControlPanel + item.index, kCommandFlags,
                                                             item.text, kNoText, kNoShortcut, 0);
             if (command) builder.AddCommand(menu, command, 1, 0);
         }
@@ -155,7 +156,7 @@ void OpenControlPanelItem(uint32_t index, LaunchProgram launch) {
 }
 
 uint32_t RunControlPanelCommand(IHostServices&, uint32_t id) {
-    OpenControlPanelItem(id - kFirstControlPanelCommand);
+    OpenControlPanelItem(id - CommandId::FirstControlPanel);
     return 1;
 }
 

@@ -5,13 +5,10 @@
 #include <span>
 
 #include "fileutils/command_table.h"
+#include "fileutils/ids.h"
 #include "sdk/host_services.h"
 
 namespace FileUtils {
-
-/// Commands of the control panel, this one and the last included; each is this number and an item's index.
-inline constexpr uint32_t kFirstControlPanelCommand = 6100;
-inline constexpr uint32_t kLastControlPanelCommand = 7100;
 
 /// The menus have the texts; display names are for readers of the table.
 struct ControlPanelCategory {
@@ -50,7 +47,7 @@ using LaunchProgram = void (*)(const wchar_t* program, const wchar_t* arguments)
 /// Opens the item with this index, through the shell unless `launch` is given. Does nothing for an index that is none.
 void OpenControlPanelItem(uint32_t index, LaunchProgram launch = nullptr);
 
-/// A command from kFirstControlPanelCommand to kLastControlPanelCommand. Always handled, with or without a menu.
+/// A command from CommandId::FirstControlPanel to CommandId::LastControlPanel. Always handled, with or without a menu.
 uint32_t RunControlPanelCommand(Quorvane::SDK::IHostServices& host, uint32_t id);
 
 }  // namespace FileUtils

@@ -1,4 +1,5 @@
-#include "fileutils/conversions/base64_command.h"
+#include "fileutils/commands.h"
+#include "fileutils/ids.h"
 
 #include <algorithm>
 #include <memory>
@@ -7,6 +8,7 @@
 
 #include "fileutils/conversions/base64.h"
 #include "fileutils/conversions/mime_header.h"
+#include "fileutils/fileutils_texts.h"
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
 #include "textio/data_reader.h"
@@ -23,8 +25,6 @@ namespace {
 
 using namespace Quorvane::SDK;
 using QVUtils::QVUtilsException;
-
-constexpr uint32_t kEncodeId = 30210;
 
 // Text is cut into lines by the blocks it was encoded in, so their size is part of the format. Many of them are read
 // and written at once.
@@ -154,8 +154,8 @@ void ConvertFile(IHostServices& host, bool encodes, const std::wstring& path) {
     // A name that is free must stay so until the file is made: a link that leads nowhere looks like one.
     const bool overwrites = files->Exists(target.c_str());
     if (overwrites) {
-        const std::wstring question = FormatText(HostText(host, 210_e), {target});
-        const wchar_t* const caption = HostText(host, encodes ? 2240_m : 2241_m);
+        const std::wstring question = FormatText(HostText(host, Text::DecodedFileExists), {target});
+        const wchar_t* const caption = HostText(host, encodes ? Text::EncodeBase64 : Text::DecodeBase64);
         if (host.MessageBox(question.c_str(), caption, MB_YESNO | MB_ICONQUESTION) != IDYES) return;
     }
     if (const uint64_t ignored = Convert(encodes, path, target, overwrites))
@@ -169,7 +169,7 @@ void ConvertFile(IHostServices& host, bool encodes, const std::wstring& path) {
 uint32_t RunBase64(IHostServices& host, uint32_t id) {
     const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Files);
     if (!list) return 1;
-    const bool encodes = id == kEncodeId;
+    const bool encodes = id == CommandId::EncodeBase64;
     for (const std::wstring& path : PathsOf(*list)) {
         try {
             ConvertFile(host, encodes, path);

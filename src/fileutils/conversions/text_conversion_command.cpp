@@ -1,4 +1,5 @@
-#include "fileutils/conversions/text_conversion_command.h"
+#include "fileutils/commands.h"
+#include "fileutils/ids.h"
 
 #include <algorithm>
 #include <ctime>
@@ -6,6 +7,7 @@
 #include <optional>
 
 #include "fileutils/conversions/text_conversion.h"
+#include "fileutils/fileutils_texts.h"
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
 #include "textio/data_reader.h"
@@ -31,10 +33,10 @@ struct ConversionOfId {
     TextConversion conversion;
 };
 constexpr ConversionOfId kConversions[] = {
-    {30101, TextConversion::ToLf},
-    {30102, TextConversion::ToCrLf},
-    {30103, TextConversion::ToCr},
-    {30110, TextConversion::TabsToSpaces},
+    {CommandId::LineEndsToLf, TextConversion::ToLf},
+    {CommandId::LineEndsToCrLf, TextConversion::ToCrLf},
+    {CommandId::LineEndsToCr, TextConversion::ToCr},
+    {CommandId::TabsToSpaces, TextConversion::TabsToSpaces},
 };
 
 template <size_t capacity>
@@ -49,8 +51,8 @@ std::optional<uint32_t> AskForTabWidth(IHostServices& host) {
     if (!choices) return std::nullopt;
     for (uint32_t width = 1; width <= kLargestChoice; ++width) choices->AddChoice(std::to_wstring(width).c_str());
     ChoiceRequest request = {};
-    CopyText(HostText(host, 16_c), request.prompt);
-    CopyText(HostText(host, 17_c), request.title);
+    CopyText(HostText(host, Text::TabWidthPrompt), request.prompt);
+    CopyText(HostText(host, Text::TabWidthTitle), request.title);
     request.choices = choices.get();
     request.position = kProposedChoice;
     if (!host.ShowChoiceDialog(&request)) return std::nullopt;
@@ -137,8 +139,9 @@ uint32_t RunTextConversion(IHostServices& host, uint32_t id) {
     if (row == std::end(kConversions)) return 0;
     const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Files);
     if (!list || list->GetCount() == 0) return 1;
-    const std::wstring question = FormatText(HostText(host, 15_c), {list->GetCount()});
-    if (host.MessageBox(question.c_str(), HostText(host, 14_c), MB_YESNO | MB_ICONQUESTION) != IDYES) return 1;
+    const std::wstring question = FormatText(HostText(host, Text::ConvertQuestion), {list->GetCount()});
+    if (host.MessageBox(question.c_str(), HostText(host, Text::ConvertTitle), MB_YESNO | MB_ICONQUESTION) != IDYES)
+        return 1;
     uint32_t tabWidth = 0;
     if (row->conversion == TextConversion::TabsToSpaces) {
         const std::optional<uint32_t> chosen = AskForTabWidth(host);

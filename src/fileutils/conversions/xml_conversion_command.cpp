@@ -1,4 +1,5 @@
-#include "fileutils/conversions/xml_conversion_command.h"
+#include "fileutils/commands.h"
+#include "fileutils/ids.h"
 
 #include "sdk/owners.h"
 #include "win32/windows.h"
@@ -8,7 +9,6 @@ namespace {
 
 using namespace Quorvane::SDK;
 
-constexpr uint32_t kReadableId = 30200;
 constexpr uint32_t kTextCapacity = 100;  // units that the host's writer wants of a document's beginning
 
 void ConvertDocument(IHostServices& host, const std::wstring& path, uint32_t mode) {
@@ -31,7 +31,7 @@ void ConvertDocument(IHostServices& host, const std::wstring& path, uint32_t mod
 uint32_t RunXmlConversion(IHostServices& host, uint32_t id) {
     const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Files);
     if (!list) return 1;
-    for (const std::wstring& path : PathsOf(*list)) ConvertDocument(host, path, id == kReadableId ? 1 : 0);
+    for (const std::wstring& path : PathsOf(*list)) ConvertDocument(host, path, id == CommandId::ReadableXml ? 1 : 0);
     return 1;
 }
 

@@ -8,8 +8,10 @@
 #include "ui/controls.h"
 #include "win32/code_page.h"
 
-namespace Ui {
+namespace FileUtils {
 namespace {
+
+using namespace Ui;
 
 using QVFindAndReplace::ConfirmQuestion;
 using QVUtils::EncodingKind;
@@ -176,4 +178,4 @@ bool ConfirmReplaceDlg::OnMessage(UINT message, WPARAM, LPARAM) {
     return false;
 }
 
-}  // namespace Ui
+}  // namespace FileUtils

@@ -7,7 +7,7 @@
 #include "fileutils/find_replace/confirm_replace.h"
 #include "ui/dialog.h"
 
-namespace Ui {
+namespace FileUtils {
 
 /// What is shown of one question.
 struct MatchView {
@@ -23,7 +23,7 @@ struct MatchView {
 MatchView ViewOf(const QVFindAndReplace::ConfirmQuestion& question, bool asUtf8);
 
 /// One for each run. Between questions it remembers the window's place and nothing else.
-class ConfirmReplaceDlg final : public QVFindAndReplace::IConfirmReplace, private Dialog {
+class ConfirmReplaceDlg final : public QVFindAndReplace::IConfirmReplace, private Ui::Dialog {
 public:
     /// `mainWindow`: the owner while this thread has no active window; may be null.
     explicit ConfirmReplaceDlg(HWND mainWindow);
@@ -43,4 +43,4 @@ private:
     std::optional<RECT> m_place;
 };
 
-}  // namespace Ui
+}  // namespace FileUtils

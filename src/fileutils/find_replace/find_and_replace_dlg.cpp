@@ -1,28 +1,31 @@
 #include "fileutils/find_replace/find_and_replace_dlg.h"
 
 #include "fileutils/fileutils_resource.h"
+#include "fileutils/fileutils_texts.h"
 #include "fileutils/target_pattern.h"
 #include "findreplace/request.h"
 #include "findreplace/wildcard.h"
 #include "win32/code_page.h"
 
-namespace Ui {
+namespace FileUtils {
 namespace {
+
+using namespace Ui;
 
 using namespace Quorvane::SDK;
 namespace Option = QVFindAndReplace::Option;
 using QVFindAndReplace::Mode;
 
 constexpr ListEntry kTargets[] = {
-    {508_d, Option::SaveAs},
-    {428_d, Option::KeepBackup},
-    {429_d, Option::DropBackup},
+    {Text::SaveAs, Option::SaveAs},
+    {Text::WriteAndKeepBackup, Option::KeepBackup},
+    {Text::WriteAndDeleteBackup, Option::DropBackup},
 };
 constexpr ListEntry kModes[] = {
-    {511_d, Option::ModeOne},
-    {512_d, Option::ModeMany},
-    {513_d, Option::ModeManySame},
-    {514_d, Option::ModeMultiline},
+    {Text::ModeOne, Option::ModeOne},
+    {Text::ModeMany, Option::ModeMany},
+    {Text::ModeManySame, Option::ModeManySame},
+    {Text::ModeMultiline, Option::ModeMultiline},
 };
 
 // Keeps the extension, lies beside the original, and cannot be the original itself.
@@ -159,4 +162,4 @@ void FindAndReplaceDlg::Refresh() {
     EnableWindow(Item(IDOK), reason.empty());
 }
 
-}  // namespace Ui
+}  // namespace FileUtils

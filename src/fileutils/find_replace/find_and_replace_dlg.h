@@ -10,7 +10,7 @@
 #include "ui/controls.h"
 #include "ui/dialog.h"
 
-namespace Ui {
+namespace FileUtils {
 
 struct FindAndReplaceRequest {
     std::wstring find;
@@ -30,11 +30,11 @@ constexpr bool TakesFileName(uint32_t options) {
     return (options & QVFindAndReplace::Option::SaveAs) != 0;
 }
 
-class FindAndReplaceDlg final : private Dialog {
+class FindAndReplaceDlg final : private Ui::Dialog {
 public:
     /// `files`: full paths, for show. The first shown state is `request`; where its options name no target or no mode,
     /// that is a backup that is kept, and the mode One.
-    FindAndReplaceDlg(HostTexts texts, std::vector<std::wstring> files, FindAndReplaceRequest request);
+    FindAndReplaceDlg(Ui::HostTexts texts, std::vector<std::wstring> files, FindAndReplaceRequest request);
 
     /// The request as it stands when the user presses Start; nothing when the user cancels.
     std::optional<FindAndReplaceRequest> Show(HWND owner);
@@ -47,9 +47,9 @@ private:
     /// What follows from the state of the controls: what is enabled, and the reason line.
     void Refresh();
 
-    HostTexts m_texts;
+    Ui::HostTexts m_texts;
     std::vector<std::wstring> m_files;
     FindAndReplaceRequest m_request;
 };
 
-}  // namespace Ui
+}  // namespace FileUtils

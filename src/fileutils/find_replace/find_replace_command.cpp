@@ -1,4 +1,5 @@
-#include "fileutils/find_replace/find_replace_command.h"
+#include "fileutils/commands.h"
+#include "fileutils/ids.h"
 
 #include <string>
 
@@ -34,8 +35,9 @@ struct SwitchOption {
 };
 // "IGNORECASE" is registered and not here: runs from scripts have always told upper from lower case, and stay so.
 constexpr SwitchOption kSwitches[] = {
-    {"FORCEUTF8", Option::ForceUtf8},   {"WILDCARD", Option::Wildcard}, {"OVERWRITE", Option::Overwrite},
-    {"REPLACEALL", Option::ReplaceAll}, {"SILENT", Option::Silent},
+    {Parameter::ForceUtf8, Option::ForceUtf8}, {Parameter::Wildcard, Option::Wildcard},
+    {Parameter::Overwrite, Option::Overwrite}, {Parameter::ReplaceAll, Option::ReplaceAll},
+    {Parameter::Silent, Option::Silent},
 };
 
 std::wstring TextParameter(ICustomCommandCall& call, const char* name) {
@@ -51,15 +53,15 @@ std::wstring WithLineBreaks(std::wstring text) {
 
 uint32_t OptionsOf(ICustomCommandCall& call) {
     uint32_t options = Option::ModeOne;
-    const std::wstring mode = TextParameter(call, "MODE");
+    const std::wstring mode = TextParameter(call, Parameter::Mode);
     for (const ModeName& row : kModeNames)
         if (_wcsicmp(mode.c_str(), row.name) == 0) options = row.option;
     for (const SwitchOption& row : kSwitches)
         if (call.HasParameter(row.name)) options |= row.option;
-    if (call.HasParameter("KEEPBACKUP"))
+    if (call.HasParameter(Parameter::KeepBackup))
         options |= Option::KeepBackup;
     else
-        options |= call.HasParameter("DELETE") ? Option::DropBackup : Option::SaveAs;
+        options |= call.HasParameter(Parameter::Delete) ? Option::DropBackup : Option::SaveAs;
     return options;
 }
 
@@ -71,10 +73,10 @@ QVFindAndReplace::Converted<char> ToNarrow(const std::wstring& text, QVUtils::En
 }  // namespace
 
 uint32_t RunFindAndReplaceCommand(IHostServices& host, ICustomCommandCall& call) {
-    if (!call.HasParameter("FILE")) return 0;
-    const std::wstring fileName = TextParameter(call, "FILE");
-    const std::wstring find = WithLineBreaks(TextParameter(call, "FIND"));
-    const std::wstring replacement = WithLineBreaks(TextParameter(call, "REPLACEWITH"));
+    if (!call.HasParameter(Parameter::File)) return 0;
+    const std::wstring fileName = TextParameter(call, Parameter::File);
+    const std::wstring find = WithLineBreaks(TextParameter(call, Parameter::Find));
+    const std::wstring replacement = WithLineBreaks(TextParameter(call, Parameter::ReplaceWith));
     if (find.empty() || replacement.empty()) return 0;
 
     const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
@@ -90,10 +92,10 @@ uint32_t RunFindAndReplaceCommand(IHostServices& host, ICustomCommandCall& call)
     // A host without a main window is driven by a script or from a command line: a window of ours would wait there for
     // somebody who may not exist. Such a host asks in its own way, or answers by itself.
     ConfirmByChoice choice(host);
-    Ui::ConfirmReplaceDlg dialog(host.GetMainWindow());
+    ConfirmReplaceDlg dialog(host.GetMainWindow());
     QVFindAndReplace::IConfirmReplace* confirmation = &choice;
     if (host.GetMainWindow()) confirmation = &dialog;
-    std::wstring pattern = TextParameter(call, "TARGET");
+    std::wstring pattern = TextParameter(call, Parameter::Target);
     const bool isTargetUnused = !(request.GetOptions() & Option::SaveAs) && !pattern.empty();
     if (pattern.empty()) pattern = L"*.*";
     // The target lies in the file's own folder: a script names the file by its path, and the target by a name.
@@ -111,8 +113,8 @@ uint32_t RunFindAndReplaceDialog(IHostServices& host, uint32_t) {
 
     FindReplaceSettings settings;
     LoadFindReplaceSettings(host.GetSettings(), settings);
-    Ui::FindAndReplaceDlg dialog([&](TextId id) { return HostText(host, id); }, PathsOf(*files),
-                                 {settings.find, settings.replacement, settings.options, L""});
+    FindAndReplaceDlg dialog([&](TextId id) { return HostText(host, id); }, PathsOf(*files),
+                             {settings.find, settings.replacement, settings.options, L""});
     const auto chosen = dialog.Show(host.GetMainWindow());
     if (!chosen) return 1;
     SaveFindReplaceSettings(host.GetSettings(), {chosen->find, chosen->replacement, chosen->options});
@@ -120,7 +122,7 @@ uint32_t RunFindAndReplaceDialog(IHostServices& host, uint32_t) {
     QVFindAndReplace::Request request(chosen->options, chosen->find, chosen->replacement, ToNarrow);
     // Whoever pressed Start sits in front of the screen, so the matches are shown there even by a host without a
     // window.
-    Ui::ConfirmReplaceDlg confirmation(host.GetMainWindow());
+    ConfirmReplaceDlg confirmation(host.GetMainWindow());
     QVFindAndReplace::RunOverFiles(host, files.get(), {request, chosen->targetPattern, L"", confirmation});
     return 1;
 }

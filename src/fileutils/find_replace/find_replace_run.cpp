@@ -1,5 +1,6 @@
 #include "fileutils/find_replace/find_replace_run.h"
 
+#include "fileutils/fileutils_texts.h"
 #include "fileutils/find_replace/find_and_replace_callback.h"
 #include "findreplace/process_file.h"
 #include "sdk/owners.h"
@@ -13,11 +14,7 @@ namespace QVFindAndReplace {
 namespace {
 
 using namespace Quorvane::SDK;
-
-constexpr TextId kTitleText = 521_d;
-constexpr TextId kOverwriteText = 522_d;    // one argument: the target's path
-constexpr TextId kSummaryOneText = 523_d;   // two arguments: changes, files
-constexpr TextId kSummaryManyText = 524_d;  // likewise
+namespace Text = FileUtils::Text;
 
 class FileRun {
 public:
@@ -28,7 +25,7 @@ public:
           m_options(run.request.GetOptions()),
           m_done(host.CreateFileList()),
           m_failed(host.CreateFileList()),
-          m_progress(host.OpenProgress(HostText(host, kTitleText), files.GetCount())) {}
+          m_progress(host.OpenProgress(HostText(host, Text::FindReplaceTitle), files.GetCount())) {}
 
     RunResult Execute() {
         const std::vector<IFileItem*> items = ItemsOf(m_files);
@@ -122,8 +119,9 @@ private:
         if (!Win32::Exists(target)) return TargetCheck::GoOn;
         const bool mayOverwrite = (m_options & Option::Overwrite) != 0;
         if (IsSilent() || mayOverwrite) return mayOverwrite ? TargetCheck::GoOn : TargetCheck::Skip;
-        const std::wstring question = FormatText(HostText(m_host, kOverwriteText), {target});
-        switch (m_host.MessageBox(question.c_str(), HostText(m_host, kTitleText), MB_YESNOCANCEL | MB_ICONQUESTION)) {
+        const std::wstring question = FormatText(HostText(m_host, Text::FindReplaceOverwrite), {target});
+        switch (m_host.MessageBox(question.c_str(), HostText(m_host, Text::FindReplaceTitle),
+                                  MB_YESNOCANCEL | MB_ICONQUESTION)) {
             case IDYES: m_options |= Option::Overwrite; return TargetCheck::GoOn;
             case IDNO: return TargetCheck::Skip;
             default: m_result.isCancelled = true; return TargetCheck::GoOn;
@@ -131,9 +129,9 @@ private:
     }
 
     void ShowSummary() {
-        const TextId text = m_result.done == 1 ? kSummaryOneText : kSummaryManyText;
+        const TextId text = m_result.done == 1 ? Text::FindReplaceDoneOne : Text::FindReplaceDoneMany;
         const std::wstring summary = FormatText(HostText(m_host, text), {m_result.changes, m_result.done});
-        m_host.MessageBox(summary.c_str(), HostText(m_host, kTitleText), MB_OK | MB_ICONINFORMATION);
+        m_host.MessageBox(summary.c_str(), HostText(m_host, Text::FindReplaceTitle), MB_OK | MB_ICONINFORMATION);
     }
 
     void LogLine(uint32_t kind, const wchar_t* format, const std::wstring& path) {

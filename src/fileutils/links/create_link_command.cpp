@@ -1,4 +1,5 @@
-#include "fileutils/links/create_link_command.h"
+#include "fileutils/commands.h"
+#include "fileutils/ids.h"
 
 #include <optional>
 #include <string>
@@ -15,12 +16,12 @@ using namespace Quorvane::SDK;
 
 /// The request of a call; nothing when a parameter is missing or the target does not exist.
 std::optional<LinkRequest> RequestOf(ICustomCommandCall& call) {
-    for (const char* name : {"LNKSRC", "LNKTRG", "LNKTYPE"})
+    for (const char* name : {Parameter::LinkPath, Parameter::LinkTarget, Parameter::LinkType})
         if (!call.HasParameter(name)) return std::nullopt;
-    const wchar_t* const link = call.GetTextParameter("LNKSRC");
-    const wchar_t* const target = call.GetTextParameter("LNKTRG");
+    const wchar_t* const link = call.GetTextParameter(Parameter::LinkPath);
+    const wchar_t* const target = call.GetTextParameter(Parameter::LinkTarget);
     LinkRequest request;
-    if (!link || !target || !call.GetNumberParameter("LNKTYPE", &request.type)) return std::nullopt;
+    if (!link || !target || !call.GetNumberParameter(Parameter::LinkType, &request.type)) return std::nullopt;
     request.link = link;
     request.target = target;
     const DWORD attributes = GetFileAttributesW(Win32::ExtendedPath(request.target).c_str());
@@ -53,7 +54,7 @@ LinkRequest ReadRequest(RequestFields& fields) {
 uint32_t RunCreateLinkCommand(IHostServices& host, ICustomCommandCall& call) {
     const std::optional<LinkRequest> request = RequestOf(call);
     if (!request) return 0;
-    if (call.HasParameter("ASADMIN")) {
+    if (call.HasParameter(Parameter::AsAdministrator)) {
         // An elevated host could make the link by itself, and still makes none: scripts rely on this switch meaning the
         // second process and nothing else.
         if (!host.CanElevate() || host.IsElevated()) return 0;

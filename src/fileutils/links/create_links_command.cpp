@@ -1,4 +1,4 @@
-#include "fileutils/links/create_links_command.h"
+#include "fileutils/commands.h"
 
 #include "fileutils/links/create_links_dlg.h"
 #include "fileutils/links/link_creation.h"
@@ -11,8 +11,8 @@ namespace {
 
 using namespace Quorvane::SDK;
 
-std::vector<Ui::LinkTarget> TargetsOf(IFileList& list) {
-    std::vector<Ui::LinkTarget> targets;
+std::vector<LinkTarget> TargetsOf(IFileList& list) {
+    std::vector<LinkTarget> targets;
     for (IFileItem* const item : ItemsOf(list)) {
         std::wstring path = PathOf(*item);
         if (!path.empty()) targets.push_back({std::move(path), IsFolder(*item)});
@@ -25,14 +25,13 @@ std::vector<Ui::LinkTarget> TargetsOf(IFileList& list) {
 uint32_t RunCreateLinks(IHostServices& host, uint32_t) {
     const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Files);
     if (!list) return 1;
-    const std::vector<Ui::LinkTarget> targets = TargetsOf(*list);
+    const std::vector<LinkTarget> targets = TargetsOf(*list);
     if (targets.empty()) return 1;
     const bool canElevate = host.CanElevate() && !host.IsElevated();
     LinkRules rules;
-    Ui::CreateLinksDlg dialog(targets, canElevate,
-                              [&](uint32_t type, const std::wstring& link, const Ui::LinkTarget& target) {
-                                  return rules.WhyNot(type, link, target.path, target.isFolder);
-                              });
+    CreateLinksDlg dialog(targets, canElevate, [&](uint32_t type, const std::wstring& link, const LinkTarget& target) {
+        return rules.WhyNot(type, link, target.path, target.isFolder);
+    });
     const auto chosen = dialog.Show(host.GetMainWindow());
     if (!chosen) return 1;
     size_t failed = 0;

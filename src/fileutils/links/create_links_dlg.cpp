@@ -8,8 +8,10 @@
 #include "win32/letter_case.h"
 #include "win32/path.h"
 
-namespace Ui {
+namespace FileUtils {
 namespace {
+
+using namespace Ui;
 
 constexpr uint32_t kJunction = 2;
 constexpr uint32_t kSymbolicLink = 3;
@@ -56,7 +58,7 @@ std::wstring LinkPath(uint32_t type, const std::wstring& folder, const std::wstr
     return path;
 }
 
-CreateLinksDlg::CreateLinksDlg(std::vector<LinkTarget> targets, bool canElevate, WhyNoLink whyNot)
+CreateLinksDlg::CreateLinksDlg(std::vector<LinkTarget> targets, bool canElevate, LinkCheck whyNot)
     : Dialog(IDD_CREATE_LINKS),
       m_targets(std::move(targets)),
       m_names(m_targets.size()),
@@ -185,4 +187,4 @@ void CreateLinksDlg::Refresh() {
     EnableWindow(Item(IDOK), fault.empty());
 }
 
-}  // namespace Ui
+}  // namespace FileUtils

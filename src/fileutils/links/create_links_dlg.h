@@ -10,7 +10,7 @@
 
 #include "ui/dialog.h"
 
-namespace Ui {
+namespace FileUtils {
 
 struct LinkTarget {
     std::wstring path;
@@ -24,7 +24,7 @@ struct CreateLinksRequest {
 };
 
 /// Why the dialog cannot end with this link; "" when it can.
-using WhyNoLink = std::function<std::wstring(uint32_t type, const std::wstring& link, const LinkTarget& target)>;
+using LinkCheck = std::function<std::wstring(uint32_t type, const std::wstring& link, const LinkTarget& target)>;
 
 /// The name for a link in `folder`: the target's own, or "a - link.txt" where that name is the target itself.
 std::wstring ProposedLinkName(const LinkTarget& target, const std::wstring& folder);
@@ -32,10 +32,10 @@ std::wstring ProposedLinkName(const LinkTarget& target, const std::wstring& fold
 /// The full path of a link. A shortcut gets ".lnk" unless its name ends so.
 std::wstring LinkPath(uint32_t type, const std::wstring& folder, const std::wstring& name);
 
-class CreateLinksDlg final : private Dialog {
+class CreateLinksDlg final : private Ui::Dialog {
 public:
     /// `targets` has at least one. Without `canElevate` administrator rights are not offered.
-    CreateLinksDlg(std::vector<LinkTarget> targets, bool canElevate, WhyNoLink whyNot);
+    CreateLinksDlg(std::vector<LinkTarget> targets, bool canElevate, LinkCheck whyNot);
 
     /// Nothing when the user cancels.
     std::optional<CreateLinksRequest> Show(HWND owner);
@@ -67,8 +67,8 @@ private:
     std::vector<bool> m_isTyped;        // by the person; the others follow the folder
     std::vector<Checked> m_checked;
     bool m_canElevate;
-    WhyNoLink m_whyNot;
+    LinkCheck m_whyNot;
     CreateLinksRequest m_request;
 };
 
-}  // namespace Ui
+}  // namespace FileUtils

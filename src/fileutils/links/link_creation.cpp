@@ -7,6 +7,7 @@
 #include <shlwapi.h>
 
 #include "fileutils/elevated_request.h"
+#include "fileutils/ids.h"
 #include "sdk/owners.h"
 #include "win32/files.h"
 #include "win32/path.h"
@@ -140,7 +141,7 @@ uint32_t SendRequest(IHostServices& host, const LinkRequest& request) {
         writer.WriteString(target.c_str());
         writer.WriteNumber(request.targetIsFolder ? 1 : 0);
     };
-    return SendElevated(host, kCreateLinkRequest, request.link, write).value_or(ERROR_ACCESS_DENIED);
+    return SendElevated(host, RequestId::CreateLink, request.link, write).value_or(ERROR_ACCESS_DENIED);
 }
 
 }  // namespace

@@ -17,8 +17,6 @@ inline constexpr uint32_t SymbolicLink = 3;
 inline constexpr uint32_t Shortcut = 4;
 }  // namespace LinkType
 
-inline constexpr uint32_t kCreateLinkRequest = 5004;
-
 struct LinkRequest {
     uint32_t type = 0;  // any number: those that are no LinkType fail
     std::wstring link;  // the new name

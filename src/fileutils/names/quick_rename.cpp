@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "fileutils/ids.h"
 #include "win32/letter_case.h"
 
 namespace FileUtils {
@@ -13,8 +14,9 @@ struct Replacement {
     wchar_t to;
 };
 constexpr Replacement kReplacements[] = {
-    {30003, L'_', L' '}, {30004, L'_', L'.'}, {30005, L' ', L'_'},
-    {30006, L' ', L'.'}, {30007, L'.', L'_'}, {30008, L'.', L' '},
+    {CommandId::UnderscoreToBlank, L'_', L' '}, {CommandId::UnderscoreToDot, L'_', L'.'},
+    {CommandId::BlankToUnderscore, L' ', L'_'}, {CommandId::BlankToDot, L' ', L'.'},
+    {CommandId::DotToUnderscore, L'.', L'_'},   {CommandId::DotToBlank, L'.', L' '},
 };
 
 std::wstring UpperCaseAToZ(std::wstring name) {
@@ -45,9 +47,9 @@ std::wstring WithCapitalWords(std::wstring_view name, bool isFolder) {
 std::wstring QuickRenamed(uint32_t id, std::wstring_view name, bool isFolder) {
     std::wstring result(name);
     switch (id) {
-        case 30000: return UpperCaseAToZ(std::move(result));
-        case 30001: return Win32::ToLowerCase(name);
-        case 30002: return WithCapitalWords(name, isFolder);
+        case CommandId::UpperCaseNames: return UpperCaseAToZ(std::move(result));
+        case CommandId::LowerCaseNames: return Win32::ToLowerCase(name);
+        case CommandId::CapitaliseNames: return WithCapitalWords(name, isFolder);
         default: break;
     }
     const auto row = std::ranges::find(kReplacements, id, &Replacement::id);

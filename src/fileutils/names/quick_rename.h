@@ -7,10 +7,6 @@
 
 namespace FileUtils {
 
-/// The commands from first to last; each stands for one way to make a name.
-inline constexpr uint32_t kFirstQuickRename = 30000;
-inline constexpr uint32_t kLastQuickRename = 30008;
-
 /// The name that command `id` gives to a file or folder called `name`. An id that is none leaves the name as it is.
 ///
 /// - 30000 turns a to z into upper case and nothing else: names with other letters keep them, on purpose.

@@ -1,4 +1,4 @@
-#include "fileutils/names/quick_rename_command.h"
+#include "fileutils/commands.h"
 
 #include "fileutils/names/quick_rename.h"
 #include "fileutils/names/rename_items.h"

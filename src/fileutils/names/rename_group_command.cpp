@@ -1,8 +1,9 @@
-#include "fileutils/names/rename_group_command.h"
+#include "fileutils/commands.h"
 
 #include <algorithm>
 #include <optional>
 
+#include "fileutils/fileutils_texts.h"
 #include "fileutils/names/rename_items.h"
 #include "sdk/owners.h"
 #include "win32/path.h"
@@ -30,7 +31,7 @@ std::vector<IFileItem*> FilesCalled(IFileList& list, const std::wstring& stem) {
 std::optional<std::wstring> AskForStem(IHostServices& host, const std::wstring& stem) {
     std::wstring buffer(kNameCapacity, L'\0');
     stem.copy(buffer.data(), kNameCapacity - 1);
-    if (!host.ShowInputDialog(12_c, buffer.data(), kNameCapacity)) return std::nullopt;
+    if (!host.ShowInputDialog(Text::NewGroupName, buffer.data(), kNameCapacity)) return std::nullopt;
     buffer.back() = L'\0';
     buffer.resize(std::char_traits<wchar_t>::length(buffer.c_str()));
     if (buffer.empty()) return std::nullopt;

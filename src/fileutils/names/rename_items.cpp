@@ -1,5 +1,6 @@
 #include "fileutils/names/rename_items.h"
 
+#include "fileutils/fileutils_texts.h"
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
 #include "win32/windows.h"
@@ -10,8 +11,10 @@ using namespace Quorvane::SDK;
 
 void AskAndRename(IHostServices& host, const std::vector<ItemRename>& renames) {
     if (renames.empty()) return;
-    const std::wstring question = FormatText(HostText(host, 11_c), {static_cast<uint64_t>(renames.size())});
-    if (host.MessageBox(question.c_str(), HostText(host, 10_c), MB_OKCANCEL | MB_ICONQUESTION) == IDCANCEL) return;
+    const std::wstring question =
+        FormatText(HostText(host, Text::RenameQuestion), {static_cast<uint64_t>(renames.size())});
+    if (host.MessageBox(question.c_str(), HostText(host, Text::RenameTitle), MB_OKCANCEL | MB_ICONQUESTION) == IDCANCEL)
+        return;
     RenameItems(host, renames);
 }
 

@@ -3,8 +3,10 @@
 #include "fileutils/fileutils_resource.h"
 #include "ui/controls.h"
 
-namespace Ui {
+namespace FileUtils {
 namespace {
+
+using namespace Ui;
 
 constexpr size_t kLongestPreview = 100;  // names; more than anybody reads
 constexpr WPARAM kLongestText = 255;     // units of a name
@@ -82,4 +84,4 @@ bool CReplaceDlg::Refresh() {
     return count > 0;
 }
 
-}  // namespace Ui
+}  // namespace FileUtils

@@ -9,7 +9,7 @@
 
 #include "ui/dialog.h"
 
-namespace Ui {
+namespace FileUtils {
 
 /// The part of a name in which text is replaced. The extension is what follows a file's last "."; a folder has none.
 enum class NamePart { Name, Extension, Both };
@@ -26,7 +26,7 @@ struct NameChange {
     std::wstring to;
 };
 
-class CReplaceDlg final : private Dialog {
+class CReplaceDlg final : private Ui::Dialog {
 public:
     /// The names that a request changes, in the order of the selection. Called at every change in the dialog.
     using Changes = std::function<std::vector<NameChange>(const NameReplacement&)>;
@@ -46,4 +46,4 @@ private:
     NameReplacement m_request;
 };
 
-}  // namespace Ui
+}  // namespace FileUtils

@@ -6,7 +6,7 @@
 namespace FileUtils {
 namespace {
 
-std::wstring Replaced(const Ui::NameReplacement& replacement, std::wstring_view text) {
+std::wstring Replaced(const NameReplacement& replacement, std::wstring_view text) {
     // Lower case has the length of the text itself, so that places found in one are places of the other.
     const std::wstring folded = replacement.ignoreCase ? Win32::ToLowerCase(text) : std::wstring(text);
     const std::wstring wanted = replacement.ignoreCase ? Win32::ToLowerCase(replacement.find) : replacement.find;
@@ -22,13 +22,13 @@ std::wstring Replaced(const Ui::NameReplacement& replacement, std::wstring_view 
 
 }  // namespace
 
-std::wstring WithTextReplaced(const Ui::NameReplacement& replacement, std::wstring_view name, bool isFolder) {
+std::wstring WithTextReplaced(const NameReplacement& replacement, std::wstring_view name, bool isFolder) {
     if (replacement.find.empty()) return std::wstring(name);
     // In both parts the dot between them counts as text like any other.
-    if (replacement.part == Ui::NamePart::Both) return Replaced(replacement, name);
+    if (replacement.part == NamePart::Both) return Replaced(replacement, name);
     const Win32::NameParts parts = isFolder ? Win32::NameParts{name, {}, false} : Win32::SplitName(name);
     std::wstring result;
-    const bool inName = replacement.part == Ui::NamePart::Name;
+    const bool inName = replacement.part == NamePart::Name;
     result += inName ? Replaced(replacement, parts.stem) : std::wstring(parts.stem);
     if (parts.hasDot) result += L'.';
     result += inName ? std::wstring(parts.extension) : Replaced(replacement, parts.extension);

@@ -10,6 +10,6 @@ namespace FileUtils {
 
 /// `name` with every place where the text to find stands replaced, from left to right; what was put in is not looked
 /// at again. An empty text to find changes nothing. Ignoring case follows the system's table of letters.
-std::wstring WithTextReplaced(const Ui::NameReplacement& replacement, std::wstring_view name, bool isFolder);
+std::wstring WithTextReplaced(const NameReplacement& replacement, std::wstring_view name, bool isFolder);
 
 }  // namespace FileUtils

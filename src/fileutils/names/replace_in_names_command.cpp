@@ -1,4 +1,4 @@
-#include "fileutils/names/replace_in_names_command.h"
+#include "fileutils/commands.h"
 
 #include "fileutils/names/rename_items.h"
 #include "fileutils/names/replace_dlg.h"
@@ -29,15 +29,15 @@ uint32_t RunReplaceInNames(IHostServices& host, uint32_t) {
     const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Names);
     if (!list || list->GetCount() == 0) return 1;
     const std::vector<NamedItem> items = NamedItemsOf(*list);
-    Ui::CReplaceDlg dialog([&](const Ui::NameReplacement& request) {
-        std::vector<Ui::NameChange> changes;
+    CReplaceDlg dialog([&](const NameReplacement& request) {
+        std::vector<NameChange> changes;
         for (const NamedItem& item : items) {
             std::wstring name = WithTextReplaced(request, item.name, item.isFolder);
             if (name != item.name) changes.push_back({item.name, std::move(name)});
         }
         return changes;
     });
-    const std::optional<Ui::NameReplacement> request = dialog.Show(host.GetMainWindow());
+    const std::optional<NameReplacement> request = dialog.Show(host.GetMainWindow());
     if (!request) return 1;
     std::vector<ItemRename> renames;
     for (const NamedItem& item : items) {

@@ -5,8 +5,10 @@
 #include "fileutils/target_pattern.h"
 #include "ui/controls.h"
 
-namespace Ui {
+namespace FileUtils {
 namespace {
+
+using namespace Ui;
 
 using QVLineSorter::SortRequest;
 namespace Option = QVLineSorter::SortOption;
@@ -151,4 +153,4 @@ SortReading RequestOf(const SortForm& form, const SortRequest& before) {
     return FormReader(form, before).Read();
 }
 
-}  // namespace Ui
+}  // namespace FileUtils

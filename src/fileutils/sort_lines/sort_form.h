@@ -7,7 +7,7 @@
 
 #include "linesorter/sort_request.h"
 
-namespace Ui {
+namespace FileUtils {
 
 /// The fields as a person sees them: numbers and separators are still texts.
 struct SortForm {
@@ -50,4 +50,4 @@ struct SortReading {
 /// that it is there again the next time.
 SortReading RequestOf(const SortForm& form, const QVLineSorter::SortRequest& before);
 
-}  // namespace Ui
+}  // namespace FileUtils

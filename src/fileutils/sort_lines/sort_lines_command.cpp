@@ -1,4 +1,5 @@
-#include "fileutils/sort_lines/sort_lines_command.h"
+#include "fileutils/commands.h"
+#include "fileutils/ids.h"
 
 #include <limits>
 #include <optional>
@@ -23,14 +24,14 @@ struct SwitchOption {
     uint32_t option;
 };
 constexpr SwitchOption kSwitches[] = {
-    {"SKIPLEADINGSPACE", Option::SkipLeadingSpaces},
-    {"ENDATWHITESPACE", Option::EndAtWhiteSpace},
-    {"IGNORECASE", Option::IgnoreCase},
-    {"LANGUAGEORDER", Option::LanguageOrder},
-    {"NATRUALNUMORDER", Option::NaturalNumbers},
-    {"REVERSE", Option::Reverse},
-    {"OVERWRITE", Option::Overwrite},
-    {"SILENT", Option::Silent},
+    {Parameter::SkipLeadingSpace, Option::SkipLeadingSpaces},
+    {Parameter::EndAtWhiteSpace, Option::EndAtWhiteSpace},
+    {Parameter::IgnoreCase, Option::IgnoreCase},
+    {Parameter::LanguageOrder, Option::LanguageOrder},
+    {Parameter::NaturalNumberOrder, Option::NaturalNumbers},
+    {Parameter::Reverse, Option::Reverse},
+    {Parameter::Overwrite, Option::Overwrite},
+    {Parameter::Silent, Option::Silent},
 };
 
 struct NamedOption {
@@ -54,31 +55,32 @@ public:
 
     SortRequest Read() {
         SortRequest request;
-        request.options = ReadName("SORTBY", kSortBy, 0) | ReadName("SORTAS", kSortAs, Option::AsText);
+        request.options =
+            ReadName(Parameter::SortBy, kSortBy, 0) | ReadName(Parameter::SortAs, kSortAs, Option::AsText);
         for (const SwitchOption& row : kSwitches)
             if (m_call.HasParameter(row.name)) request.options |= row.option;
-        if (m_call.HasParameter("KEEPBACKUP"))
+        if (m_call.HasParameter(Parameter::KeepBackup))
             request.options |= Option::KeepBackup;
         else
-            request.options |= m_call.HasParameter("DELETE") ? Option::DeleteBackup : Option::SaveAs;
-        request.saveAsName = Text("TARGET").value_or(L"");
+            request.options |= m_call.HasParameter(Parameter::Delete) ? Option::DeleteBackup : Option::SaveAs;
+        request.saveAsName = Text(Parameter::Target).value_or(L"");
 
-        request.keepTop = ReadNumber("KEEPTOP");
-        request.keepBottom = ReadNumber("KEEPBOTTOM");
-        request.lineOffset = ReadNumber("LINEOFFSET");
+        request.keepTop = ReadNumber(Parameter::KeepTop);
+        request.keepBottom = ReadNumber(Parameter::KeepBottom);
+        request.lineOffset = ReadNumber(Parameter::LineOffset);
         if (request.lineOffset > 0) --request.lineOffset;  // scripts count positions from 1
-        request.substringLength = ReadNumberText("SUBSTRLEN");
-        request.itemNumber = ReadNumberText("ITEM");
+        request.substringLength = ReadNumberText(Parameter::SubstringLength);
+        request.itemNumber = ReadNumberText(Parameter::ItemNumber);
 
-        const std::optional<wchar_t> endCharacter = ReadSeparator("ENDCHAR");
-        const std::optional<wchar_t> itemSeparator = ReadSeparator("ITEMSEP");
+        const std::optional<wchar_t> endCharacter = ReadSeparator(Parameter::EndCharacter);
+        const std::optional<wchar_t> itemSeparator = ReadSeparator(Parameter::ItemSeparator);
         if (endCharacter) request.options |= Option::EndAtCharacter;
         // A request has one separator. Both are given only by mistake; then the one that the key's kind uses counts.
         const bool wantsItem = request.Has(Option::Item);
         request.separator =
             (wantsItem ? itemSeparator : endCharacter).value_or((wantsItem ? endCharacter : itemSeparator).value_or(0));
 
-        request.dateFormat = Text("DATEFORMAT").value_or(L"");
+        request.dateFormat = Text(Parameter::DateFormat).value_or(L"");
         if (const auto fault = QVLineSorter::CheckRequest(request))
             throw BadParameter{NameOf(fault->field), fault->reason};
         return request;
@@ -86,7 +88,8 @@ public:
 
 private:
     static const char* NameOf(QVLineSorter::RequestField field) {
-        return field == QVLineSorter::RequestField::SubstringLength ? "SUBSTRLEN" : "DATEFORMAT";
+        return field == QVLineSorter::RequestField::SubstringLength ? Parameter::SubstringLength
+                                                                    : Parameter::DateFormat;
     }
 
     std::optional<std::wstring> Text(const char* name) {
@@ -153,7 +156,7 @@ uint32_t SortOneFile(IHostServices& host, ICustomCommandCall& call, IFileItem& i
 }  // namespace
 
 uint32_t RunSortLinesCommand(IHostServices& host, ICustomCommandCall& call) {
-    const wchar_t* const file = call.HasParameter("FILE") ? call.GetTextParameter("FILE") : nullptr;
+    const wchar_t* const file = call.HasParameter(Parameter::File) ? call.GetTextParameter(Parameter::File) : nullptr;
     if (!file) return 0;
     const std::wstring fileName = file;
     try {
@@ -178,7 +181,7 @@ uint32_t RunSortLinesDialog(IHostServices& host, uint32_t) {
     SortRequest last;
     last.itemNumber = 1;  // until somebody asks for another item
     LoadSortLinesSettings(host.GetSettings(), last);
-    Ui::SortLinesDlg dialog([&](TextId id) { return HostText(host, id); }, PathsOf(*files), std::move(last));
+    SortLinesDlg dialog([&](TextId id) { return HostText(host, id); }, PathsOf(*files), std::move(last));
     auto chosen = dialog.Show(host.GetMainWindow());
     if (!chosen) return 1;
     SaveSortLinesSettings(host.GetSettings(), *chosen);

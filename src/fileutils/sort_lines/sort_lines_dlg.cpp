@@ -1,24 +1,27 @@
 #include "fileutils/sort_lines/sort_lines_dlg.h"
 
 #include "fileutils/fileutils_resource.h"
+#include "fileutils/fileutils_texts.h"
 #include "fileutils/target_pattern.h"
 #include "win32/handle.h"
 
-namespace Ui {
+namespace FileUtils {
 namespace {
+
+using namespace Ui;
 
 using namespace Quorvane::SDK;
 namespace Option = QVLineSorter::SortOption;
 
 constexpr ListEntry kTargets[] = {
-    {427_d, Option::SaveAs},
-    {428_d, Option::KeepBackup},
-    {429_d, Option::DeleteBackup},
+    {Text::SortSaveAs, Option::SaveAs},
+    {Text::WriteAndKeepBackup, Option::KeepBackup},
+    {Text::WriteAndDeleteBackup, Option::DeleteBackup},
 };
 constexpr ListEntry kMethods[] = {
-    {440_d, Option::AsText},
-    {442_d, Option::AsNumber},
-    {443_d, Option::AsDate},
+    {Text::SortAsText, Option::AsText},
+    {Text::SortAsNumber, Option::AsNumber},
+    {Text::SortAsDate, Option::AsDate},
 };
 
 // Radio buttons answer as boxes do.
@@ -224,4 +227,4 @@ void SortLinesDlg::Refresh() {
     EnableWindow(Item(IDOK), reading.fault.empty());
 }
 
-}  // namespace Ui
+}  // namespace FileUtils

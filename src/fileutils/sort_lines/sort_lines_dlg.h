@@ -10,12 +10,12 @@
 #include "ui/controls.h"
 #include "ui/dialog.h"
 
-namespace Ui {
+namespace FileUtils {
 
-class SortLinesDlg final : private Dialog {
+class SortLinesDlg final : private Ui::Dialog {
 public:
     /// `files`: full paths, for show.
-    SortLinesDlg(HostTexts texts, std::vector<std::wstring> files, QVLineSorter::SortRequest request);
+    SortLinesDlg(Ui::HostTexts texts, std::vector<std::wstring> files, QVLineSorter::SortRequest request);
 
     /// The request as it stands when the user presses OK; nothing when the user cancels.
     std::optional<QVLineSorter::SortRequest> Show(HWND owner);
@@ -30,9 +30,9 @@ private:
     /// What follows from the state of the controls: what is enabled, and the reason line.
     void Refresh();
 
-    HostTexts m_texts;
+    Ui::HostTexts m_texts;
     std::vector<std::wstring> m_files;
     QVLineSorter::SortRequest m_request;
 };
 
-}  // namespace Ui
+}  // namespace FileUtils

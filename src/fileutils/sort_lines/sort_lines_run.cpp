@@ -1,5 +1,6 @@
 #include "fileutils/sort_lines/sort_lines_run.h"
 
+#include "fileutils/fileutils_texts.h"
 #include "linesorter/sort_file.h"
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
@@ -13,11 +14,7 @@ namespace QVLineSorter {
 namespace {
 
 using namespace Quorvane::SDK;
-
-constexpr TextId kTitle = 571_d;
-constexpr TextId kOverwriteQuestion = 575_d;  // may name the target
-constexpr TextId kAllSorted = 573_d;          // takes the number of files
-constexpr TextId kSomeNotSorted = 581_d;      // takes the number of files that failed or were skipped
+namespace Text = FileUtils::Text;
 
 /// The sorter's own log lines are written at this level, and those about a file with the kind of a success, whatever
 /// became of it: log readers filter for them so. Only the line with the reason is of the failure kind.
@@ -29,7 +26,7 @@ public:
         : m_host(host),
           m_files(files),
           m_request(std::move(request)),
-          m_title(HostText(host, kTitle)),
+          m_title(HostText(host, Text::SortTitle)),
           m_sorted(host.CreateFileList()),
           m_failed(host.CreateFileList()),
           m_skipped(host.CreateFileList()) {}
@@ -59,9 +56,9 @@ public:
         if (IsSilent()) return;
         const uint32_t notSorted = m_result.failed + m_result.skipped;
         if (notSorted > 0)
-            ShowSummary(kSomeNotSorted, notSorted, MB_ICONERROR);
+            ShowSummary(Text::SortFailed, notSorted, MB_ICONERROR);
         else
-            ShowSummary(kAllSorted, m_result.sorted, MB_ICONINFORMATION);
+            ShowSummary(Text::SortDone, m_result.sorted, MB_ICONINFORMATION);
     }
 
 private:
@@ -111,7 +108,7 @@ private:
         // run.
         if (m_request.Has(SortOption::Overwrite)) return TargetAnswer::Write;
         if (IsSilent()) return TargetAnswer::Skip;
-        const std::wstring question = FormatText(HostText(m_host, kOverwriteQuestion), {target});
+        const std::wstring question = FormatText(HostText(m_host, Text::SortOverwrite), {target});
         switch (m_host.MessageBox(question.c_str(), m_title.c_str(), MB_YESNOCANCEL | MB_ICONQUESTION)) {
             case IDYES: m_request.options |= SortOption::Overwrite; return TargetAnswer::Write;
             case IDNO: return TargetAnswer::Skip;

@@ -1,0 +1,244 @@
+// fileutils_texts.h - the texts of File Utils that the host's language files hold, each number in this one place. Those
+// of the control panel's menu stand in its table.
+#pragma once
+
+#include "sdk/text_id.h"
+
+namespace FileUtils::Text {
+
+using namespace Quorvane::SDK::TextIdLiterals;
+using Quorvane::SDK::TextId;
+
+// Menus, in the order in which they are built.
+inline constexpr TextId RootMenu = 2004_m;
+inline constexpr TextId NamesMenu = 2001_m;
+inline constexpr TextId TextMenu = 2002_m;
+inline constexpr TextId EncodingMenu = 2003_m;
+inline constexpr TextId SecurityMenu = 2300_m;
+inline constexpr TextId LinksMenu = 2400_m;
+
+// Menu commands.
+inline constexpr TextId UpperCaseNames = 2100_m;
+inline constexpr TextId LowerCaseNames = 2101_m;
+inline constexpr TextId CapitaliseNames = 2102_m;
+inline constexpr TextId ReplaceInNames = 2110_m;
+inline constexpr TextId RenameGroup = 2120_m;
+inline constexpr TextId LineEndsToLf = 2201_m;
+inline constexpr TextId LineEndsToCrLf = 2202_m;
+inline constexpr TextId LineEndsToCr = 2203_m;
+inline constexpr TextId TabsToSpaces = 2204_m;
+inline constexpr TextId ReadableXml = 2210_m;
+inline constexpr TextId CompactXml = 2211_m;
+inline constexpr TextId SortLines = 2220_m;
+inline constexpr TextId FindAndReplace = 2221_m;
+inline constexpr TextId EncodeBase64 = 2240_m;  // also the caption of its question
+inline constexpr TextId DecodeBase64 = 2241_m;  // likewise
+inline constexpr TextId TakeOwnership = 2301_m;
+inline constexpr TextId ResetAccess = 2310_m;
+inline constexpr TextId GrantAccess = 2311_m;
+inline constexpr TextId CreateLinks = 2401_m;
+
+// Custom commands and their parameters.
+inline constexpr TextId CreateLinkCommand = 50_c;
+inline constexpr TextId LinkType = 51_c;
+inline constexpr TextId LinkPath = 52_c;
+inline constexpr TextId LinkTarget = 53_c;
+inline constexpr TextId AsAdministrator = 54_c;
+inline constexpr TextId SortLinesCommand = 60_c;
+inline constexpr TextId FileToSort = 61_c;
+inline constexpr TextId Target = 62_c;
+inline constexpr TextId SortBy = 63_c;
+inline constexpr TextId KeepTop = 64_c;
+inline constexpr TextId KeepBottom = 65_c;
+inline constexpr TextId LineOffset = 66_c;
+inline constexpr TextId SkipLeadingSpace = 67_c;
+inline constexpr TextId IgnoreCase = 68_c;
+inline constexpr TextId LanguageOrder = 69_c;
+inline constexpr TextId NaturalNumberOrder = 70_c;
+inline constexpr TextId Reverse = 71_c;
+inline constexpr TextId Overwrite = 72_c;
+inline constexpr TextId SortAs = 73_c;
+inline constexpr TextId DateFormat = 74_c;
+inline constexpr TextId ItemSeparator = 75_c;
+inline constexpr TextId ItemNumber = 76_c;
+inline constexpr TextId SubstringLength = 77_c;
+inline constexpr TextId EndCharacter = 78_c;
+inline constexpr TextId EndAtWhiteSpace = 79_c;
+inline constexpr TextId KeepBackup = 80_c;
+inline constexpr TextId DeleteBackup = 81_c;
+inline constexpr TextId Silent = 82_c;
+inline constexpr TextId FindAndReplaceCommand = 90_c;
+inline constexpr TextId FileToChange = 91_c;
+inline constexpr TextId FindText = 92_c;
+inline constexpr TextId ReplaceWith = 93_c;
+inline constexpr TextId ReplaceAll = 94_c;
+inline constexpr TextId FindMode = 95_c;
+inline constexpr TextId ForceUtf8 = 96_c;
+inline constexpr TextId Wildcard = 97_c;
+
+// Renaming from the panel.
+inline constexpr TextId RenameTitle = 10_c;
+inline constexpr TextId RenameQuestion = 11_c;  // one argument: the number of items
+inline constexpr TextId NewGroupName = 12_c;
+
+// Conversions.
+inline constexpr TextId ConvertTitle = 14_c;
+inline constexpr TextId ConvertQuestion = 15_c;  // one argument: the number of files
+inline constexpr TextId TabWidthPrompt = 16_c;
+inline constexpr TextId TabWidthTitle = 17_c;
+inline constexpr TextId DecodedFileExists = 210_e;  // one argument: its name
+
+// Access rights.
+inline constexpr TextId AccessDialog = 200_d;
+inline constexpr TextId Account = 202_d;
+inline constexpr TextId FindAccount = 203_d;
+inline constexpr TextId AccessRights = 204_d;
+inline constexpr TextId GrantPermissions = 205_d;
+inline constexpr TextId AccessNote = 207_d;
+inline constexpr TextId ReadAndExecute = 210_d;
+inline constexpr TextId ReadWriteAndExecute = 211_d;
+inline constexpr TextId Modify = 212_d;
+inline constexpr TextId AllRights = 213_d;
+inline constexpr TextId ResetAccessTitle = 250_d;
+inline constexpr TextId ResetAccessQuestion = 251_d;
+inline constexpr TextId Cancel = 3_g;
+inline constexpr TextId AccessDeniedTitle = 10_e;
+inline constexpr TextId FailureTitle = 11_e;
+inline constexpr TextId AccessDenied = 100_e;
+inline constexpr TextId GrantAccessFailed = 120_e;    // one argument: the error code
+inline constexpr TextId ResetAccessFailed = 125_e;    // likewise
+inline constexpr TextId TakeOwnershipFailed = 126_e;  // likewise
+
+// The dialogs over files.
+inline constexpr TextId SortSaveAs = 427_d;
+inline constexpr TextId WriteAndKeepBackup = 428_d;
+inline constexpr TextId WriteAndDeleteBackup = 429_d;
+inline constexpr TextId SortAsText = 440_d;
+inline constexpr TextId SortAsNumber = 442_d;
+inline constexpr TextId SortAsDate = 443_d;
+inline constexpr TextId SaveAs = 508_d;
+inline constexpr TextId ModeOne = 511_d;
+inline constexpr TextId ModeMany = 512_d;
+inline constexpr TextId ModeManySame = 513_d;
+inline constexpr TextId ModeMultiline = 514_d;
+
+// Runs over files.
+inline constexpr TextId FindReplaceTitle = 521_d;
+inline constexpr TextId FindReplaceOverwrite = 522_d;  // one argument: the path of the target
+inline constexpr TextId FindReplaceDoneOne = 523_d;    // two arguments: changes, files
+inline constexpr TextId FindReplaceDoneMany = 524_d;   // likewise
+inline constexpr TextId SortTitle = 571_d;
+inline constexpr TextId SortDone = 573_d;       // one argument: the number of files
+inline constexpr TextId SortOverwrite = 575_d;  // one argument: the path of the target
+inline constexpr TextId SortFailed = 581_d;     // one argument: the files that failed or were skipped
+
+/// All of them, so that a test can look for each in the language files.
+inline constexpr TextId kAll[] = {RootMenu,
+                                  NamesMenu,
+                                  TextMenu,
+                                  EncodingMenu,
+                                  SecurityMenu,
+                                  LinksMenu,
+                                  UpperCaseNames,
+                                  LowerCaseNames,
+                                  CapitaliseNames,
+                                  ReplaceInNames,
+                                  RenameGroup,
+                                  LineEndsToLf,
+                                  LineEndsToCrLf,
+                                  LineEndsToCr,
+                                  TabsToSpaces,
+                                  ReadableXml,
+                                  CompactXml,
+                                  SortLines,
+                                  FindAndReplace,
+                                  EncodeBase64,
+                                  DecodeBase64,
+                                  TakeOwnership,
+                                  ResetAccess,
+                                  GrantAccess,
+                                  CreateLinks,
+                                  CreateLinkCommand,
+                                  LinkType,
+                                  LinkPath,
+                                  LinkTarget,
+                                  AsAdministrator,
+                                  SortLinesCommand,
+                                  FileToSort,
+                                  Target,
+                                  SortBy,
+                                  KeepTop,
+                                  KeepBottom,
+                                  LineOffset,
+                                  SkipLeadingSpace,
+                                  IgnoreCase,
+                                  LanguageOrder,
+                                  NaturalNumberOrder,
+                                  Reverse,
+                                  Overwrite,
+                                  SortAs,
+                                  DateFormat,
+                                  ItemSeparator,
+                                  ItemNumber,
+                                  SubstringLength,
+                                  EndCharacter,
+                                  EndAtWhiteSpace,
+                                  KeepBackup,
+                                  DeleteBackup,
+                                  Silent,
+                                  FindAndReplaceCommand,
+                                  FileToChange,
+                                  FindText,
+                                  ReplaceWith,
+                                  ReplaceAll,
+                                  FindMode,
+                                  ForceUtf8,
+                                  Wildcard,
+                                  RenameTitle,
+                                  RenameQuestion,
+                                  NewGroupName,
+                                  ConvertTitle,
+                                  ConvertQuestion,
+                                  TabWidthPrompt,
+                                  TabWidthTitle,
+                                  DecodedFileExists,
+                                  AccessDialog,
+                                  Account,
+                                  FindAccount,
+                                  AccessRights,
+                                  GrantPermissions,
+                                  AccessNote,
+                                  ReadAndExecute,
+                                  ReadWriteAndExecute,
+                                  Modify,
+                                  AllRights,
+                                  ResetAccessTitle,
+                                  ResetAccessQuestion,
+                                  Cancel,
+                                  AccessDeniedTitle,
+                                  FailureTitle,
+                                  AccessDenied,
+                                  GrantAccessFailed,
+                                  ResetAccessFailed,
+                                  TakeOwnershipFailed,
+                                  SortSaveAs,
+                                  WriteAndKeepBackup,
+                                  WriteAndDeleteBackup,
+                                  SortAsText,
+                                  SortAsNumber,
+                                  SortAsDate,
+                                  SaveAs,
+                                  ModeOne,
+                                  ModeMany,
+                                  ModeManySame,
+                                  ModeMultiline,
+                                  FindReplaceTitle,
+                                  FindReplaceOverwrite,
+                                  FindReplaceDoneOne,
+                                  FindReplaceDoneMany,
+                                  SortTitle,
+                                  SortDone,
+                                  SortOverwrite,
+                                  SortFailed};
+
+}  // namespace FileUtils::Text
