@@ -7,6 +7,7 @@
 
 #include "fuzz/input.h"
 #include "win32/path.h"
+#include "win32/text.h"
 
 namespace QVFuzz {
 namespace {
@@ -20,14 +21,16 @@ public:
     }
     std::optional<size_t> Find(const std::wstring& folder, const std::wstring& name) const {
         for (size_t at = 0; at < m_items.size(); ++at)
-            if (IsSameName(m_items[at].first, folder) && IsSameName(m_items[at].second, name)) return at;
+            if (Win32::EqualIgnoringCase(m_items[at].first, folder) &&
+                Win32::EqualIgnoringCase(m_items[at].second, name))
+                return at;
         return std::nullopt;
     }
     FolderNames List(const std::wstring& folder) const {
         FolderNames names;
         names.folder = folder;
         for (const auto& item : m_items)
-            if (IsSameName(item.first, folder)) names.names.Add(item.second);
+            if (Win32::EqualIgnoringCase(item.first, folder)) names.names.Add(item.second);
         return names;
     }
     void Rename(const std::wstring& folder, const std::wstring& from, const std::wstring& to) {

@@ -5,35 +5,6 @@
 #include "win32/handle.h"
 
 namespace QVHost {
-namespace {
-
-constexpr size_t kMostBytesOfAUnit = 3;  // a character beyond 16 bits has two units and four bytes
-
-}  // namespace
-
-std::string ToUtf8(std::wstring_view text) {
-    if (text.empty()) return {};
-    std::string bytes(kMostBytesOfAUnit * text.size(), '\0');
-    const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(),
-                                         static_cast<int>(bytes.size()), nullptr, nullptr);
-    bytes.resize(static_cast<size_t>(size));
-    return bytes;
-}
-
-bool FromUtf8(std::string_view bytes, std::wstring& text) {
-    text.resize(bytes.size());  // no character has more units than bytes
-    if (bytes.empty()) return true;
-    const int units = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(), static_cast<int>(bytes.size()),
-                                          text.data(), static_cast<int>(text.size()));
-    text.resize(static_cast<size_t>(units));
-    return units != 0;
-}
-
-std::optional<std::wstring> FromUtf8(std::string_view bytes) {
-    std::wstring text;
-    return FromUtf8(bytes, text) ? std::optional(std::move(text)) : std::nullopt;
-}
-
 uint32_t CopyText(std::wstring_view text, wchar_t* buffer, uint32_t capacity) {
     if (buffer && capacity > 0) {
         const size_t copied = std::min<size_t>(text.size(), capacity - 1);
@@ -72,13 +43,6 @@ void AppendOnOneLine(std::wstring& line, std::wstring_view text) {
     }
 }
 
-bool EqualIgnoringCase(std::wstring_view left, std::wstring_view right) {
-    // The system's comparison takes no empty text.
-    if (left.empty() || right.empty()) return left.empty() && right.empty();
-    return CompareStringOrdinal(left.data(), static_cast<int>(left.size()), right.data(),
-                                static_cast<int>(right.size()), TRUE) == CSTR_EQUAL;
-}
-
 std::vector<std::string_view> LinesOf(std::string_view bytes) {
     constexpr std::string_view kMark = "\xEF\xBB\xBF";
     if (bytes.starts_with(kMark)) bytes.remove_prefix(kMark.size());
@@ -101,9 +65,7 @@ std::wstring DescribeError(uint32_t code) {
                        nullptr, code, 0, reinterpret_cast<wchar_t*>(&raw), 0, nullptr);
     const Win32::LocalMemory owner(raw);
     if (length == 0) return description;
-    std::wstring_view text(raw, length);
-    while (!text.empty() && text.back() <= L' ') text.remove_suffix(1);
-    std::wstring line = OnOneLine(text);
+    std::wstring line = OnOneLine(Win32::Trimmed({raw, length}));
     // Some of the system's texts leave a place for the name, which stands in front of ours.
     if (const size_t place = line.find(L"%1"); place != std::wstring::npos) line.replace(place, 2, L"the file");
     return description + L" (" + line + L")";

@@ -1,4 +1,4 @@
-// host_text.h - short helpers for texts: UTF-8 in and out, copies into an extension's buffers.
+// host_text.h - short helpers for texts: lines, error texts, copies into an extension's buffers.
 #pragma once
 
 #include <cstdint>
@@ -7,15 +7,13 @@
 #include <string_view>
 #include <vector>
 
+#include "win32/text.h"
+
 namespace QVHost {
 
-/// For showing: a lone surrogate comes out as the replacement character.
-std::string ToUtf8(std::wstring_view text);
-
-/// Nothing when `bytes` are not valid UTF-8.
-std::optional<std::wstring> FromUtf8(std::string_view bytes);
-/// The same into a text that serves again for many; false when they are not.
-bool FromUtf8(std::string_view bytes, std::wstring& text);
+using Win32::EqualIgnoringCase;
+using Win32::FromUtf8;
+using Win32::ToUtf8;
 
 /// Copies as the contract says: at most `capacity` units with the closing zero. The result is the whole text's length
 /// in units; a null buffer or no capacity only asks for it.
@@ -32,9 +30,6 @@ std::wstring TextOrEmpty(const wchar_t* text);
 std::wstring OnOneLine(std::wstring_view text);
 /// Appends the same.
 void AppendOnOneLine(std::wstring& line, std::wstring_view text);
-
-/// Without regard to upper and lower case, by the system's own table (the one for file names).
-bool EqualIgnoringCase(std::wstring_view left, std::wstring_view right);
 
 /// The lines of a text file's bytes: LF or CR LF ends a line, a final one opens none, a UTF-8 mark is skipped.
 std::vector<std::string_view> LinesOf(std::string_view bytes);

@@ -66,7 +66,7 @@ void ForEachSelectedPath(const std::vector<std::wstring>& given, const std::opti
     const auto takeFull = [&](const std::wstring& path) {
         std::wstring& full = fullPath(path);
         // A folder written with its separator is the folder; the item's name is what stands before it.
-        while (full.size() > 3 && full.back() == L'\\') full.pop_back();
+        full.resize(Win32::WithoutSeparator(full).size());
         take(path, full);
     };
     for (const std::wstring& typed : given) TakeTyped(typed, takeFull);

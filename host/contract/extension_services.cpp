@@ -6,6 +6,7 @@
 #include "host/app/host_text.h"
 #include "host/contract/host_boundary.h"
 #include "host/contract/whole_file.h"
+#include "win32/folder.h"
 
 namespace QVHost {
 namespace {
@@ -145,7 +146,7 @@ ISettings* HostServices::GetSettings() {
 
 uint32_t HostServices::GetConfigurationFolder(wchar_t* buffer, uint32_t capacity) {
     // Whoever asks means to keep something there. Where the folder cannot be made, that is what will fail and say so.
-    GuardedCall([&] { MakeFolders(m_state.configurationFolder.substr(0, m_state.configurationFolder.size() - 1)); });
+    GuardedCall([&] { Win32::MakeFolders(m_state.configurationFolder); });
     return CopyText(m_state.configurationFolder, buffer, capacity);
 }
 

@@ -10,9 +10,7 @@ namespace {
 
 /// The folder of a path as a person writes it: `C:\folder`, but `C:\`.
 std::wstring_view LocationOf(std::wstring_view path) {
-    std::wstring_view folder = Win32::FolderOf(path);
-    if (folder.size() > 3) folder.remove_suffix(1);
-    return folder;
+    return Win32::WithoutSeparator(Win32::FolderOf(path));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "host/contract/whole_file.h"
 #include "win32/code_page.h"
 #include "win32/files.h"
+#include "win32/folder.h"
 #include "win32/path.h"
 #include "win32/windows.h"
 
@@ -111,9 +112,7 @@ bool SettingsFile::SetNumber(const std::wstring& extension, const wchar_t* secti
 bool SettingsFile::Save() {
     const std::lock_guard lock(m_mutex);
     if (!m_isChanged || !m_mayWrite) return true;
-    std::wstring folder(Win32::FolderOf(m_path));
-    while (folder.size() > 1 && folder.back() == L'\\') folder.pop_back();
-    uint32_t error = MakeFolders(folder);
+    uint32_t error = Win32::MakeFolders(Win32::FolderOf(m_path));
     if (error == ERROR_SUCCESS) error = ReplaceWholeFile(m_path, m_values.dump(kIndent) + "\n");
     if (error != ERROR_SUCCESS) {
         m_output.Note(L"[settings] " + m_path + L" cannot be saved: " + DescribeError(error));

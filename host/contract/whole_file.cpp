@@ -88,17 +88,4 @@ uint32_t ReplaceWholeFile(const std::wstring& path, std::string_view bytes) {
     return error;
 }
 
-uint32_t MakeFolders(const std::wstring& folder) {
-    if (Win32::Exists(folder)) return ERROR_SUCCESS;
-    std::wstring_view above = Win32::FolderOf(folder);
-    while (!above.empty() && (above.back() == L'\\' || above.back() == L'/')) above.remove_suffix(1);
-    if (above.size() > 2 && above.size() < folder.size()) {
-        const uint32_t error = MakeFolders(std::wstring(above));
-        if (error != ERROR_SUCCESS) return error;
-    }
-    if (CreateDirectoryW(Win32::ExtendedPath(folder).c_str(), nullptr)) return ERROR_SUCCESS;
-    const DWORD error = GetLastError();
-    return error == ERROR_ALREADY_EXISTS ? ERROR_SUCCESS : error;
-}
-
 }  // namespace QVHost

@@ -15,7 +15,4 @@ uint32_t ReadWholeFile(const std::wstring& path, std::string& bytes);
 /// 0 for success.
 uint32_t ReplaceWholeFile(const std::wstring& path, std::string_view bytes);
 
-/// Makes the folder and those above it. Windows error code, 0 when it is there afterwards.
-uint32_t MakeFolders(const std::wstring& folder);
-
 }  // namespace QVHost

@@ -8,8 +8,8 @@
 #include "host/app/host_text.h"
 #include "host/panel/panel_texts.h"
 #include "sdk/file_list.h"
-#include "win32/letter_case.h"
 #include "win32/path.h"
+#include "win32/text.h"
 
 namespace QVHost {
 namespace {

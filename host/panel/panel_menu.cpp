@@ -4,7 +4,7 @@
 
 #include "host/app/host_text.h"
 #include "host/panel/panel_texts.h"
-#include "win32/letter_case.h"
+#include "win32/text.h"
 
 namespace QVHost {
 namespace {

@@ -10,6 +10,7 @@
 #include "host/panel/common_controls.h"
 #include "sdk/text_format.h"
 #include "win32/path.h"
+#include "win32/window_text.h"
 
 #include <shlobj.h>
 #include <shlwapi.h>
@@ -45,12 +46,6 @@ HWND MakeChild(HWND frame, const wchar_t* windowClass, const std::wstring& text,
                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
     SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(look.Font()), FALSE);
     return child;
-}
-
-std::wstring WindowText(HWND window) {
-    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
-    text.resize(static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
-    return text;
 }
 
 std::wstring SizeText(uint64_t bytes) {
@@ -318,7 +313,7 @@ void PanelWindow::OnActivate(bool isActive) {
 }
 
 void PanelWindow::OnAddress() {
-    const std::wstring typed = FromUnixPath(WindowText(m_content->address));
+    const std::wstring typed = FromUnixPath(Win32::WindowText(m_content->address));
     const std::wstring& folder = m_content->list.Folder();
     // A name alone is looked for in the folder that is shown.
     const bool isRelative = !folder.empty() && PathIsRelativeW(typed.c_str());
@@ -391,8 +386,7 @@ bool PanelWindow::GoTo(const std::wstring& path) {
 }
 
 bool PanelWindow::ShowFolder(const std::wstring& folder, const std::wstring& focused, Way way) {
-    std::wstring shown = folder;
-    while (shown.size() > 3 && shown.back() == L'\\') shown.pop_back();
+    const std::wstring shown(Win32::WithoutSeparator(folder));
     const std::wstring before = m_content->list.Folder();
     if (const uint32_t error = m_content->list.Open(shown, focused)) {
         ShowLine(FormatText(Text(PanelText::CannotOpen), {shown, DescribeError(error)}), Tone::Failure);

@@ -4,6 +4,7 @@
 #include <cwchar>
 
 #include "host/app/host_text.h"
+#include "win32/text.h"
 
 namespace QVHost {
 namespace {
@@ -133,9 +134,8 @@ std::optional<uint32_t> ConsoleAnswers::Choose(const ChoiceQuestion& question) {
         m_output.Prompt(L"1 to " + std::to_wstring(question.choices.size()) + L", nothing to cancel: ");
         const std::optional<std::wstring> line = m_readLine();
         if (!line || line->empty() || EqualIgnoringCase(*line, kCancelWord)) return std::nullopt;
-        wchar_t* end = nullptr;
-        const unsigned long number = std::wcstoul(line->c_str(), &end, 10);
-        if (*end == L'\0' && number >= 1 && number <= question.choices.size()) return static_cast<uint32_t>(number - 1);
+        const uint32_t number = Win32::WholeNumber<uint32_t>(*line).value_or(0);
+        if (number >= 1 && number <= question.choices.size()) return number - 1;
         if (const auto position = FindChoice(question.choices, *line)) return position;
     }
 }

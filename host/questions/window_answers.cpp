@@ -2,6 +2,7 @@
 
 #include "host/contract/host_boundary.h"
 #include "host/questions/dialog_template.h"
+#include "win32/window_text.h"
 
 namespace QVHost {
 namespace {
@@ -50,9 +51,7 @@ bool TakeOver(HWND dialog, DialogState& state) {
         state.position = static_cast<uint32_t>(position);
         return position != LB_ERR;
     }
-    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(field)) + 1, L'\0');
-    text.resize(static_cast<size_t>(GetWindowTextW(field, text.data(), static_cast<int>(text.size()))));
-    state.text = std::move(text);
+    state.text = Win32::WindowText(field);
     return true;
 }
 

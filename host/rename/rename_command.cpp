@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "batchrename/local_time.h"
 #include "batchrename/profiles.h"
 #include "batchrename/run/rename_run.h"
 #include "host/app/host_error.h"
@@ -14,6 +15,7 @@
 #include "host/rename/rename_preview.h"
 #include "host/rename/selected_rows.h"
 #include "rename/rename_rule.h"
+#include "win32/text.h"
 
 namespace QVHost {
 namespace {
@@ -56,15 +58,14 @@ uint32_t BitsOf(const NamedBits (&choices)[Count], const wchar_t* option, const 
 /// START[,STEP[,DIGITS]]; what is left out stays as it is.
 CounterSettings ReadCounter(const std::wstring& text, CounterSettings counter) {
     int32_t* const fields[] = {&counter.start, &counter.step, &counter.digits};
-    const wchar_t* at = text.c_str();
+    std::wstring_view rest = text;
     for (int32_t* const field : fields) {
-        wchar_t* end = nullptr;
-        const long long number = std::wcstoll(at, &end, 10);
-        if (end == at || number < INT32_MIN || number > INT32_MAX) break;
-        *field = static_cast<int32_t>(number);
-        if (*end == L'\0') return counter;
-        if (*end != L',') break;
-        at = end + 1;
+        const size_t end = std::min(rest.find(L','), rest.size());
+        const std::optional<int32_t> number = Win32::WholeNumber<int32_t>(rest.substr(0, end));
+        if (!number) break;
+        *field = *number;
+        if (end == rest.size()) return counter;
+        rest.remove_prefix(end + 1);
     }
     throw UsageError(L"--counter takes START,STEP,DIGITS, three numbers of 32 bits, not \"" + text + L"\"");
 }

@@ -2,6 +2,7 @@
 
 #include "host/app/selection.h"
 #include "win32/path.h"
+#include "win32/text.h"
 #include "win32/windows.h"
 
 namespace QVHost {
@@ -25,7 +26,7 @@ uint32_t SelectedRows::LocationNumberOf(std::wstring_view path) {
     if (!m_locationOf.empty() && m_locations[m_locationOf.back()].path == path) return m_locationOf.back();
     const auto [number, isNew] = m_locationNumbers.emplace(path, static_cast<uint32_t>(m_locations.size()));
     if (!isNew) return number->second;
-    const auto [folder, isNewFolder] = m_folderNumbers.emplace(BatchRename::FoldedName(path), m_listings.Count());
+    const auto [folder, isNewFolder] = m_folderNumbers.emplace(Win32::ToUpperCase(path), m_listings.Count());
     m_locations.push_back({std::wstring(path), folder->second});
     if (isNewFolder) m_listings.Add(m_locations.back().path);
     return number->second;

@@ -7,6 +7,7 @@
 #include "host/xml/bstr.h"
 #include "host/xml/memory_stream.h"
 #include "host/xml/xml_layout.h"
+#include "win32/text.h"
 
 namespace QVHost {
 namespace {
@@ -15,11 +16,11 @@ namespace {
 bool IsXmlText(std::wstring_view text) {
     for (size_t at = 0; at < text.size(); ++at) {
         const wchar_t unit = text[at];
-        if (unit >= 0xD800 && unit <= 0xDBFF) {
-            if (++at == text.size() || text[at] < 0xDC00 || text[at] > 0xDFFF) return false;
+        if (Win32::IsHighSurrogate(unit)) {
+            if (++at == text.size() || !Win32::IsLowSurrogate(text[at])) return false;
             continue;
         }
-        const bool isHalfPair = unit >= 0xDC00 && unit <= 0xDFFF;
+        const bool isHalfPair = Win32::IsLowSurrogate(unit);
         const bool isControl = unit < L' ' && unit != L'\t' && unit != L'\n' && unit != L'\r';
         if (isHalfPair || isControl || unit == 0xFFFE || unit == 0xFFFF) return false;
     }

@@ -7,6 +7,7 @@
 #include "sdk/owners.h"
 #include "win32/files.h"
 #include "win32/path.h"
+#include "win32/text.h"
 #include "win32/windows.h"
 
 namespace BatchRename {
@@ -39,7 +40,7 @@ std::wstring TextOf(IXmlElement& element) {
 
 /// 0 for a missing attribute and for one that is no number.
 int32_t NumberOf(IXmlElement& element, const wchar_t* name) {
-    return static_cast<int32_t>(std::wcstol(AttributeOf(element, name).c_str(), nullptr, 10));
+    return Win32::LeadingNumber<int32_t>(AttributeOf(element, name));
 }
 
 uint32_t ReadSearchOptions(IXmlElement& search) {

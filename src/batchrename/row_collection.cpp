@@ -1,6 +1,7 @@
 #include "batchrename/row_collection.h"
 
 #include "sdk/owners.h"
+#include "win32/path.h"
 #include "win32/windows.h"
 
 namespace BatchRename {
@@ -10,11 +11,6 @@ using namespace Quorvane::SDK;
 namespace {
 
 constexpr uint32_t kLongestPath = 32768;  // units, with the closing zero
-
-std::wstring_view WithoutSeparator(std::wstring_view folder) {
-    while (folder.size() > 3 && (folder.ends_with(L'\\') || folder.ends_with(L'/'))) folder.remove_suffix(1);
-    return folder;
-}
 
 }  // namespace
 
@@ -31,7 +27,7 @@ RowSnapshot CollectRows(IHostServices& services) {
             row->currentName = buffer.c_str();
             buffer[0] = L'\0';
             item->GetLocation(buffer.data(), kLongestPath);
-            row->location = WithoutSeparator(buffer.c_str());
+            row->location = Win32::WithoutSeparator(buffer.c_str());
             const uint32_t attributes = item->GetAttributes();
             row->isFolder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
             row->hostOrder = static_cast<uint32_t>(rows.size());

@@ -3,10 +3,10 @@
 #include "fileutils/access/security_requests.h"
 #include "fileutils/commands.h"
 #include "fileutils/control_panel/control_panel.h"
+#include "fileutils/fileutils_texts.h"
 #include "fileutils/ids.h"
 #include "fileutils/links/link_creation.h"
 #include "fileutils/names/quick_rename.h"
-#include "fileutils/fileutils_texts.h"
 
 namespace FileUtils {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "fileutils/command_table.h"
 #include "fileutils/control_panel/control_panel.h"
-#include "fileutils/ids.h"
 #include "fileutils/fileutils_texts.h"
+#include "fileutils/ids.h"
 #include "sdk/boundary.h"
 
 namespace FileUtils {

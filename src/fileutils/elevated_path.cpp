@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "textio/target_name.h"
+#include "win32/text.h"
 
 namespace FileUtils {
 namespace {
@@ -16,13 +17,10 @@ bool IsSeparator(wchar_t unit) {
     return unit == L'\\' || unit == L'/';
 }
 
-wchar_t Upper(wchar_t unit) {
-    return unit >= L'a' && unit <= L'z' ? static_cast<wchar_t>(unit - L'a' + L'A') : unit;
-}
-
 bool IsOneOf(std::wstring_view name, std::initializer_list<std::wstring_view> upperCaseNames) {
-    return std::ranges::any_of(upperCaseNames,
-                               [&](std::wstring_view each) { return std::ranges::equal(name, each, {}, Upper); });
+    return std::ranges::any_of(upperCaseNames, [&](std::wstring_view each) {
+        return std::ranges::equal(name, each, {}, Win32::UpperAscii<wchar_t>);
+    });
 }
 
 /// Takes the next name and the separator after it.
@@ -55,7 +53,8 @@ ShareName TakeShare(std::wstring_view& path) {
 std::optional<std::wstring_view> RestAfterRoot(std::wstring_view path) {
     std::wstring_view drive = path;
     if (drive.starts_with(kLongPrefix)) drive.remove_prefix(kLongPrefix.size());
-    const bool hasDrive = drive.size() > 2 && Upper(drive[0]) >= L'A' && Upper(drive[0]) <= L'Z' && drive[1] == L':';
+    const bool hasDrive = drive.size() > 2 && Win32::UpperAscii(drive[0]) >= L'A' &&
+                          Win32::UpperAscii(drive[0]) <= L'Z' && drive[1] == L':';
     if (hasDrive && IsSeparator(drive[2])) return drive.substr(3);
     const ShareName name = TakeShare(path);
     const bool isMachine = !name.server.empty() && !IsOneOf(name.server, {L".", L"?"});

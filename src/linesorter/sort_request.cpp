@@ -1,6 +1,7 @@
 #include "linesorter/sort_request.h"
 
 #include "linesorter/date_key.h"
+#include "win32/text.h"
 
 namespace QVLineSorter {
 
@@ -19,8 +20,7 @@ std::optional<RequestFault> CheckRequest(const SortRequest& request) {
 std::optional<wchar_t> SeparatorFromText(std::wstring_view text) {
     if (text == L"\\t") return L'\t';
     if (text.size() != 1) return std::nullopt;
-    const bool isSurrogate = text[0] >= 0xD800 && text[0] <= 0xDFFF;
-    return isSurrogate ? std::nullopt : std::optional(text[0]);
+    return Win32::IsSurrogate(text[0]) ? std::nullopt : std::optional(text[0]);
 }
 
 std::wstring TextFromSeparator(wchar_t separator) {

@@ -2,8 +2,6 @@
 
 #include <chrono>
 
-#include "win32/windows.h"
-
 namespace BatchRename {
 namespace {
 
@@ -12,12 +10,6 @@ constexpr int kLastYear = 30827;
 constexpr int64_t kSecondsADay = 24 * 60 * 60;
 
 }  // namespace
-
-CalendarTime LocalTimeNow() {
-    SYSTEMTIME now = {};
-    GetLocalTime(&now);
-    return {now.wYear, now.wMonth, now.wDayOfWeek, now.wDay, now.wHour, now.wMinute, now.wSecond, now.wMilliseconds};
-}
 
 int64_t SecondsOf(const CalendarTime& time) {
     const std::chrono::year_month_day date(std::chrono::year(time.year),

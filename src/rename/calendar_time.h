@@ -18,9 +18,6 @@ struct CalendarTime {
     bool operator==(const CalendarTime&) const = default;
 };
 
-/// The machine's local time.
-CalendarTime LocalTimeNow();
-
 /// Seconds since 1970-01-01 00:00:00, the fields taken as they stand, without a time zone. 0 for fields that are no
 /// date of the years 1601 to 30827, which is what the system can convert.
 int64_t SecondsOf(const CalendarTime& time);

@@ -10,8 +10,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "rename/case_conversion.h"
 #include "rename/rename_item.h"
+#include "win32/text.h"
 
 namespace BatchRename {
 
@@ -51,7 +51,7 @@ public:
         bool operator==(const char_class_type& other) const { return base == other.base; }
     };
 
-    wchar_t translate_nocase(wchar_t unit) const { return LowerAscii(unit); }
+    wchar_t translate_nocase(wchar_t unit) const { return Win32::LowerAscii(unit); }
     /// A locale of LocaleThatIgnoresCase() makes back references ignore case too.
     locale_type imbue(locale_type locale);
     /// What a back reference compares: the engine asks traits that are not its own for this, whatever the case.
@@ -59,7 +59,7 @@ public:
     string_type transform(Iterator first, Iterator last) const {
         string_type units(first, last);
         if (m_ignoresCase)
-            for (wchar_t& unit : units) unit = LowerAscii(unit);
+            for (wchar_t& unit : units) unit = Win32::LowerAscii(unit);
         return units;
     }
     bool isctype(wchar_t unit, const char_class_type& of) const {

@@ -3,25 +3,17 @@
 #include <algorithm>
 #include <array>
 
-#include "rename/case_conversion.h"
+#include "win32/text.h"
 
 namespace BatchRename {
 namespace {
 
-bool IsHighSurrogate(wchar_t unit) {
-    return unit >= 0xD800 && unit <= 0xDBFF;
-}
-
-bool IsLowSurrogate(wchar_t unit) {
-    return unit >= 0xDC00 && unit <= 0xDFFF;
-}
-
 /// The place of the first half pair; npos when every surrogate has its partner.
 size_t FindLoneSurrogate(std::wstring_view name) {
     for (size_t at = 0; at < name.size(); ++at) {
-        if (IsHighSurrogate(name[at]) && at + 1 < name.size() && IsLowSurrogate(name[at + 1]))
+        if (Win32::IsHighSurrogate(name[at]) && at + 1 < name.size() && Win32::IsLowSurrogate(name[at + 1]))
             ++at;
-        else if (IsHighSurrogate(name[at]) || IsLowSurrogate(name[at]))
+        else if (Win32::IsSurrogate(name[at]))
             return at;
     }
     return std::wstring_view::npos;
@@ -33,7 +25,7 @@ bool IsReserved(std::wstring_view name) {
     while (base.ends_with(L' ')) base.remove_suffix(1);
     if (base.size() < 3 || base.size() > 7) return false;
     std::wstring upper(base);
-    std::ranges::transform(upper, upper.begin(), UpperAscii);
+    std::ranges::transform(upper, upper.begin(), Win32::UpperAscii<wchar_t>);
     for (const wchar_t* device : {L"CON", L"PRN", L"AUX", L"NUL", L"CONIN$", L"CONOUT$"})
         if (upper == device) return true;
     if (upper.size() != 4 || (!upper.starts_with(L"COM") && !upper.starts_with(L"LPT"))) return false;
@@ -42,7 +34,7 @@ bool IsReserved(std::wstring_view name) {
 }
 
 std::wstring Shown(wchar_t unit) {
-    if (unit >= L' ' && (unit < 0xD800 || unit > 0xDFFF)) return std::wstring(L"\"") + unit + L"\"";
+    if (unit >= L' ' && !Win32::IsSurrogate(unit)) return std::wstring(L"\"") + unit + L"\"";
     constexpr wchar_t kDigits[] = L"0123456789ABCDEF";
     std::wstring text = L"U+";
     for (int shift = 12; shift >= 0; shift -= 4) text += kDigits[(unit >> shift) & 0xF];

@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <limits>
 
+#include "win32/text.h"
+
 namespace BatchRename {
 namespace {
 
@@ -12,23 +14,10 @@ constexpr size_t kLongestField = 80;      // units
 constexpr size_t kLongestBraceText = 80;  // units
 constexpr int32_t kWidestNumber = 4096;
 
-bool IsDigit(wchar_t unit) {
-    return unit >= L'0' && unit <= L'9';
-}
-
 /// Too large a number counts as the largest one.
 int32_t Clamp(int64_t value) {
     return static_cast<int32_t>(
         std::clamp<int64_t>(value, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
-}
-
-/// The decimal number that `text` begins with, 0 when it begins with none.
-int32_t ReadNumber(std::wstring_view text) {
-    const bool isNegative = text.starts_with(L'-');
-    int64_t value = 0;
-    for (size_t at = isNegative ? 1 : 0; at < text.size() && IsDigit(text[at]); ++at)
-        value = std::min<int64_t>(value * 10 + (text[at] - L'0'), std::numeric_limits<int64_t>::max() / 20);
-    return Clamp(isNegative ? -value : value);
 }
 
 int32_t Negated(int32_t value) {
@@ -46,13 +35,14 @@ Fields ReadFields(std::wstring_view text) {
     Fields fields;
     wchar_t lastSeparator = 0;
     for (size_t at = 0; at < text.size() && fields.count < 2;) {
-        if (!IsDigit(text[at]) && text[at] != L'-') {
+        if (!Win32::IsDigit(text[at]) && text[at] != L'-') {
             ++at;
             continue;
         }
         const size_t end = std::min(text.find_first_of(L",-", at + 1), text.size());
         if (fields.count == 1) fields.separator = lastSeparator;
-        fields.values[fields.count++] = ReadNumber(text.substr(at, std::min(end - at, kLongestField)));
+        fields.values[fields.count++] =
+            Win32::LeadingNumber<int32_t>(text.substr(at, std::min(end - at, kLongestField)));
         if (end < text.size()) lastSeparator = text[end];
         at = end + 1;
     }
@@ -89,10 +79,10 @@ void ReadCounterParameters(std::wstring_view text, Token& token) {
     int32_t values[3] = {};
     size_t at = 0;
     for (int32_t& value : values) {
-        while (at < text.size() && !IsDigit(text[at])) ++at;
+        while (at < text.size() && !Win32::IsDigit(text[at])) ++at;
         const size_t begin = at;
-        while (at < text.size() && IsDigit(text[at])) ++at;
-        value = ReadNumber(text.substr(begin, at - begin));
+        while (at < text.size() && Win32::IsDigit(text[at])) ++at;
+        value = Win32::LeadingNumber<int32_t>(text.substr(begin, at - begin));
     }
     token.start = values[0];
     token.end = values[1];

@@ -4,9 +4,9 @@
 #include <bit>
 #include <unordered_map>
 
-#include "rename/case_conversion.h"
 #include "rename/name_check.h"
 #include "rename/rename_rule.h"
+#include "win32/text.h"
 
 namespace BatchRename {
 namespace {
@@ -24,7 +24,7 @@ constexpr uint32_t kNameTooLong = 206;
 /// FNV-1a over the folded units.
 uint64_t HashOf(std::wstring_view name, uint64_t seed) {
     uint64_t hash = 0xCBF29CE484222325 ^ seed;
-    for (const wchar_t unit : name) hash = (hash ^ UpperWide(unit)) * 0x100000001B3;
+    for (const wchar_t unit : name) hash = (hash ^ Win32::UpperWide(unit)) * 0x100000001B3;
     return hash ^ (hash >> 32);
 }
 
@@ -51,7 +51,7 @@ uint32_t TableHash(uint32_t folder, std::wstring_view name) {
     for (; !name.empty(); name.remove_prefix(std::min(kUnits, name.size()))) {
         const std::wstring_view piece = name.substr(0, kUnits);
         const uint64_t units = Packed(piece, [](wchar_t unit) { return unit; });
-        const uint64_t folded = (units & kNotAscii) == 0 ? UpperAsciiUnits(units) : Packed(piece, UpperWide);
+        const uint64_t folded = (units & kNotAscii) == 0 ? UpperAsciiUnits(units) : Packed(piece, Win32::UpperWide);
         hash = (hash ^ folded) * 0xD6E8FEB86659FD93;
         hash ^= hash >> 32;
     }
@@ -108,7 +108,7 @@ private:
         for (; m_slots[at].place != kNone; at = (at + 1) & mask) {
             if (m_slots[at].hash != hash) continue;
             const Place& place = m_places[m_slots[at].place];
-            if (place.folder == folder && IsSameName(place.name, name)) break;
+            if (place.folder == folder && Win32::EqualIgnoringCase(place.name, name)) break;
         }
         return at;
     }
@@ -128,14 +128,15 @@ class FolderNumbers {
 public:
     uint32_t NumberOf(const std::wstring& location) {
         if (m_last != kNone && *m_lastLocation == location) return m_last;
-        const auto [entry, isNew] = m_numbers.emplace(FoldedName(location), static_cast<uint32_t>(m_numbers.size()));
+        const auto [entry, isNew] =
+            m_numbers.emplace(Win32::ToUpperCase(location), static_cast<uint32_t>(m_numbers.size()));
         if (isNew) m_locations.push_back(&location);
         m_last = entry->second;
         m_lastLocation = &location;
         return m_last;
     }
     uint32_t Find(const std::wstring& location) const {
-        const auto entry = m_numbers.find(FoldedName(location));
+        const auto entry = m_numbers.find(Win32::ToUpperCase(location));
         return entry == m_numbers.end() ? kNone : entry->second;
     }
     const std::vector<const std::wstring*>& Locations() const { return m_locations; }
@@ -354,18 +355,6 @@ std::wstring TemporaryNameFor(std::wstring_view location, std::wstring_view name
     std::wstring result = L"~qvbr";
     for (int shift = 28; shift >= 0; shift -= 4) result += kDigits[(hash >> shift) & 0xF];
     return result;
-}
-
-bool IsSameName(std::wstring_view left, std::wstring_view right) {
-    return left == right || std::ranges::equal(left, right, [](wchar_t first, wchar_t second) {
-               return first == second || UpperWide(first) == UpperWide(second);
-           });
-}
-
-std::wstring FoldedName(std::wstring_view name) {
-    std::wstring folded(name);
-    std::ranges::transform(folded, folded.begin(), UpperWide);
-    return folded;
 }
 
 }  // namespace BatchRename

@@ -91,10 +91,4 @@ std::wstring DescribeRowPlan(const BatchRenameItem& row, const RowPlan& plan);
 /// `attempt`: 0, or more when the names before are taken.
 std::wstring TemporaryNameFor(std::wstring_view location, std::wstring_view name, uint32_t attempt);
 
-/// True when the file system takes both for one name.
-bool IsSameName(std::wstring_view left, std::wstring_view right);
-
-/// The name as a key that is equal for all spellings which the file system takes for one.
-std::wstring FoldedName(std::wstring_view name);
-
 }  // namespace BatchRename

@@ -6,6 +6,7 @@
 #include <unordered_set>
 
 #include "win32/path.h"
+#include "win32/text.h"
 
 namespace BatchRename {
 namespace {
@@ -20,7 +21,7 @@ public:
     /// In exactly this spelling, or, when `anyCase`, in any.
     bool Has(const std::wstring& folder, const std::wstring& name, bool anyCase = true) {
         const Names& names = NamesIn(folder);
-        return anyCase ? names.folded.contains(FoldedName(name)) : names.exact.contains(name);
+        return anyCase ? names.folded.contains(Win32::ToUpperCase(name)) : names.exact.contains(name);
     }
 
     bool HasAny(const std::wstring& folder) { return !NamesIn(folder).exact.empty(); }
@@ -32,11 +33,11 @@ private:
     };
 
     const Names& NamesIn(const std::wstring& folder) {
-        const auto [entry, isNew] = m_folders.try_emplace(FoldedName(folder));
+        const auto [entry, isNew] = m_folders.try_emplace(Win32::ToUpperCase(folder));
         if (!isNew) return entry->second;
         const Win32::NameList names = m_list(folder).names;
         for (size_t name = 0; name < names.Count(); ++name) {
-            entry->second.folded.insert(FoldedName(names[name]));
+            entry->second.folded.insert(Win32::ToUpperCase(names[name]));
             entry->second.exact.emplace(names[name]);
         }
         return entry->second;
@@ -46,13 +47,8 @@ private:
     std::unordered_map<std::wstring, Names> m_folders;
 };
 
-std::wstring WithoutSeparator(std::wstring_view folder) {
-    while (folder.size() > 3 && (folder.ends_with(L'\\') || folder.ends_with(L'/'))) folder.remove_suffix(1);
-    return std::wstring(folder);
-}
-
 std::wstring KeyOf(std::wstring_view folder, std::wstring_view name) {
-    return FoldedName(Win32::JoinPath(WithoutSeparator(folder), name));
+    return Win32::ToUpperCase(Win32::JoinPath(Win32::WithoutSeparator(folder), name));
 }
 
 class Restorer {
@@ -136,7 +132,8 @@ private:
     bool IsAtOldName(size_t entry) {
         const UndoEntry& recorded = m_session.entries[entry];
         const WhereNow& place = m_places[entry];
-        if (IsSameName(place.name, recorded.oldName)) return m_listings.Has(place.folder, recorded.oldName, false);
+        if (Win32::EqualIgnoringCase(place.name, recorded.oldName))
+            return m_listings.Has(place.folder, recorded.oldName, false);
         const bool isHomeByRecord = m_session.haveRestored && !m_session.isUnfinished;
         const bool isGone = isHomeByRecord || !m_listings.Has(place.folder, place.name);
         return isGone && m_listings.Has(place.folder, recorded.oldName);
@@ -167,19 +164,19 @@ private:
     /// The recorded folder. A location that ends in the item's own name may be its full path: it is when nothing is in
     /// a folder of that name, whatever that is called now.
     std::wstring FolderOf(const UndoEntry& entry) {
-        std::wstring folder = WithoutSeparator(entry.location);
+        std::wstring folder(Win32::WithoutSeparator(entry.location));
         if (Win32::FileNameOf(folder) != entry.oldName || Win32::FolderOf(folder).size() < 3) return folder;
         const bool isFolder = m_listings.HasAny(FolderNow(folder)) || m_session.isUnfinished;
-        return isFolder ? folder : WithoutSeparator(Win32::FolderOf(folder));
+        return isFolder ? folder : std::wstring(Win32::WithoutSeparator(Win32::FolderOf(folder)));
     }
 
     /// What a folder of the time of the run is called now.
     std::wstring FolderNow(const std::wstring& folder) {
-        std::wstring plain = WithoutSeparator(folder);
-        const auto moved = m_movedFolders.find(FoldedName(plain));
+        std::wstring plain(Win32::WithoutSeparator(folder));
+        const auto moved = m_movedFolders.find(Win32::ToUpperCase(plain));
         if (moved != m_movedFolders.end())
             return Win32::JoinPath(m_places[moved->second].folder, m_places[moved->second].name);
-        const std::wstring above = WithoutSeparator(Win32::FolderOf(plain));
+        const std::wstring above(Win32::WithoutSeparator(Win32::FolderOf(plain)));
         if (above.empty() || above.size() >= plain.size()) return plain;
         return Win32::JoinPath(FolderNow(above), Win32::FileNameOf(plain));
     }

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "rename/case_conversion.h"
 #include "rename/rename_options.h"
+#include "win32/text.h"
 
 namespace BatchRename {
 namespace {
@@ -14,7 +14,7 @@ namespace {
 constexpr int kMostFaults = 8;
 
 std::wstring Folded(std::wstring text) {
-    std::ranges::transform(text, text.begin(), LowerAscii);
+    std::ranges::transform(text, text.begin(), Win32::LowerAscii<wchar_t>);
     return text;
 }
 
@@ -90,8 +90,9 @@ RuleFault SearchAndReplace::ApplyPlain(const Item& item, std::wstring& text) {
 /// Without case only A to Z are folded, as in the regular expressions: both ways of searching find the same.
 size_t SearchAndReplace::FindPlain(const std::wstring& find, const std::wstring& text, size_t from) const {
     if (m_isCaseSensitive) return text.find(find, from);
-    const auto found = std::search(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(), find.begin(),
-                                   find.end(), [](wchar_t unit, wchar_t folded) { return LowerAscii(unit) == folded; });
+    const auto found =
+        std::search(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(), find.begin(), find.end(),
+                    [](wchar_t unit, wchar_t folded) { return Win32::LowerAscii(unit) == folded; });
     return found == text.end() ? std::wstring::npos : static_cast<size_t>(found - text.begin());
 }
 

@@ -8,6 +8,7 @@
 
 #include "rename/name_template.h"
 #include "win32/code_page.h"
+#include "win32/text.h"
 
 namespace BatchRename {
 namespace {
@@ -20,23 +21,11 @@ constexpr std::wstring_view kStep = L"#> ";
 constexpr std::wstring_view kFailedStep = L"#= ";
 constexpr std::wstring_view kLineEnd = L"\r\n";
 
-std::wstring_view Trimmed(std::wstring_view text) {
-    constexpr std::wstring_view kBlanks = L" \r\t\n";
-    const size_t begin = text.find_first_not_of(kBlanks);
-    if (begin == std::wstring_view::npos) return {};
-    return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
-}
-
-/// A decimal number with trailing text allowed; 0 when there is none.
-int64_t ReadNumber(std::wstring_view text) {
-    return std::wcstoll(std::wstring(text).c_str(), nullptr, 10);
-}
-
 /// An entry's number at the beginning of `text`, which is cut off with the "|" behind it; nothing when there is none.
 std::optional<size_t> TakeEntryNumber(std::wstring_view& text, size_t entryCount) {
     const size_t end = std::min(text.find_first_not_of(L"0123456789"), text.size());
     if (end == 0 || end > 9) return std::nullopt;
-    const auto number = static_cast<size_t>(ReadNumber(text.substr(0, end)));
+    const auto number = static_cast<size_t>(Win32::LeadingNumber<int64_t>(text.substr(0, end)));
     text.remove_prefix(std::min(end + 1, text.size()));
     if (number >= entryCount) return std::nullopt;
     return number;
@@ -65,7 +54,7 @@ private:
             if (isWhole) ReadProgress(line);
             return;
         }
-        line = Trimmed(line);
+        line = Win32::Trimmed(line);
         if (line == kInfo)
             m_section = Section::Info;
         else if (line == kFiles)
@@ -79,10 +68,10 @@ private:
     void ReadInfo(std::wstring_view line) {
         const size_t colon = line.find(L':');
         if (colon == std::wstring_view::npos) return;
-        const std::wstring_view key = Trimmed(line.substr(0, colon));
-        const std::wstring_view value = Trimmed(line.substr(colon + 1));
-        if (key == L"Date") m_session.time = TimeOfSeconds(ReadNumber(value));
-        if (key == L"HaveRestored") m_session.haveRestored = ReadNumber(value) != 0;
+        const std::wstring_view key = Win32::Trimmed(line.substr(0, colon));
+        const std::wstring_view value = Win32::Trimmed(line.substr(colon + 1));
+        if (key == L"Date") m_session.time = TimeOfSeconds(Win32::LeadingNumber<int64_t>(value));
+        if (key == L"HaveRestored") m_session.haveRestored = Win32::LeadingNumber<int64_t>(value) != 0;
     }
 
     void ReadEntry(std::wstring_view line) {

@@ -3,6 +3,8 @@
 #include <string_view>
 #include <vector>
 
+#include "win32/text.h"
+
 namespace Security {
 namespace {
 
@@ -31,7 +33,7 @@ std::wstring Ask(const std::wstring& drive, const SecuritySystem& system) {
 
 bool UniversalNames::Find(const std::wstring& path, const SecuritySystem& system, std::wstring& name) {
     if (path.size() < 2 || path[1] != L':') return false;
-    const wchar_t letter = path[0] >= L'a' && path[0] <= L'z' ? static_cast<wchar_t>(path[0] - L'a' + L'A') : path[0];
+    const wchar_t letter = Win32::UpperAscii(path[0]);
     {
         const std::lock_guard lock(m_mutex);
         const auto known = m_names.find(letter);

@@ -4,6 +4,7 @@
 #include "win32/files.h"
 #include "win32/handle.h"
 #include "win32/path.h"
+#include "win32/text.h"
 
 namespace QVUtils {
 namespace {
@@ -33,7 +34,7 @@ Win32::FileState OriginalOf(const FileDataReader& reader, const std::wstring& pa
 
 std::optional<Win32::FileState> OriginalOf(const FileDataReader& reader, const std::wstring& path,
                                            const std::wstring& target) {
-    if (_wcsicmp(path.c_str(), target.c_str()) != 0) return std::nullopt;
+    if (!Win32::EqualIgnoringCase(path, target)) return std::nullopt;
     return OriginalOf(reader, path);
 }
 

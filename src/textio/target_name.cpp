@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "win32/text.h"
+
 namespace QVUtils {
 namespace {
 
@@ -27,8 +29,7 @@ std::wstring_view BaseOf(std::wstring_view name) {
 
 bool IsDeviceName(std::wstring_view name) {
     std::wstring base(BaseOf(name));
-    for (wchar_t& unit : base)
-        if (unit >= L'a' && unit <= L'z') unit = static_cast<wchar_t>(unit - L'a' + L'A');
+    std::ranges::transform(base, base.begin(), Win32::UpperAscii<wchar_t>);
     for (const wchar_t* device : {L"CON", L"PRN", L"AUX", L"NUL", L"CONIN$", L"CONOUT$", L"CLOCK$"})
         if (base == device) return true;
     // COM and LPT with a digit, of which the system knows three written small and high up too.

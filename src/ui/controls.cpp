@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <limits>
 
+#include "win32/text.h"
+#include "win32/window_text.h"
+
 namespace Ui {
 namespace {
 
@@ -38,14 +41,8 @@ private:
 
 }  // namespace
 
-std::wstring TextOf(HWND control) {
-    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(control)) + 1, L'\0');
-    text.resize(static_cast<size_t>(GetWindowTextW(control, text.data(), static_cast<int>(text.size()))));
-    return text;
-}
-
 void SetTextOf(HWND control, const std::wstring& text) {
-    if (TextOf(control) != text) SetWindowTextW(control, text.c_str());
+    if (Win32::WindowText(control) != text) SetWindowTextW(control, text.c_str());
 }
 
 bool IsChecked(HWND box) {
@@ -135,13 +132,7 @@ std::optional<uint32_t> NumberFromText(std::wstring_view text) {
     const auto isBlank = [](wchar_t unit) { return unit == L' ' || unit == L'\t'; };
     while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
     while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
-    uint64_t number = 0;
-    for (const wchar_t digit : text) {
-        if (digit < L'0' || digit > L'9') return std::nullopt;
-        number = number * 10 + static_cast<uint64_t>(digit - L'0');
-        if (number > std::numeric_limits<uint32_t>::max()) return std::nullopt;
-    }
-    return static_cast<uint32_t>(number);
+    return text.empty() ? 0 : Win32::WholeNumber<uint32_t>(text);
 }
 
 void EnableWithLabel(HWND control, bool isEnabled) {

@@ -16,8 +16,6 @@ namespace Ui {
 /// The host's text for an id, valid while the dialog is shown.
 using HostTexts = std::function<const wchar_t*(Quorvane::SDK::TextId)>;
 
-/// The whole text, of any length.
-std::wstring TextOf(HWND control);
 /// Sets the text unless it is there already: setting it again would move the caret and tell of a change.
 void SetTextOf(HWND control, const std::wstring& text);
 

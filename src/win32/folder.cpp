@@ -4,6 +4,7 @@
 #include <memory>
 #include <string_view>
 
+#include "win32/files.h"
 #include "win32/handle.h"
 #include "win32/path.h"
 
@@ -93,6 +94,19 @@ uint32_t ListFolder(const std::wstring& folder, const std::wstring& pattern, std
 uint32_t ListFolder(const std::wstring& folder,
                     const std::function<void(std::wstring_view name, uint32_t attributes)>& take) {
     return ForEachEntry(folder, L"*", [&](const SeenEntry& entry) { take(entry.name, entry.attributes); });
+}
+
+uint32_t MakeFolders(std::wstring_view folder) {
+    const std::wstring path(WithoutSeparator(folder));
+    if (path.empty() || Exists(path)) return ERROR_SUCCESS;
+    const std::wstring_view above = FolderOf(path);
+    if (above.size() < path.size()) {
+        const uint32_t error = MakeFolders(above);
+        if (error != ERROR_SUCCESS) return error;
+    }
+    if (CreateDirectoryW(ExtendedPath(path).c_str(), nullptr)) return ERROR_SUCCESS;
+    const DWORD error = GetLastError();
+    return error == ERROR_ALREADY_EXISTS ? ERROR_SUCCESS : error;
 }
 
 }  // namespace Win32

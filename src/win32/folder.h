@@ -27,4 +27,7 @@ uint32_t ListFolder(const std::wstring& folder, const std::wstring& pattern, std
 uint32_t ListFolder(const std::wstring& folder,
                     const std::function<void(std::wstring_view name, uint32_t attributes)>& take);
 
+/// Makes the folder, with or without a separator at its end, and those above it that are missing. 0 when it is there.
+uint32_t MakeFolders(std::wstring_view folder);
+
 }  // namespace Win32

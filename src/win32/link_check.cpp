@@ -2,6 +2,7 @@
 
 #include "win32/handle.h"
 #include "win32/path.h"
+#include "win32/text.h"
 
 namespace Win32 {
 namespace {
@@ -30,7 +31,7 @@ bool IsLink(const std::wstring& path) {
     // Not every system marks a link. Names are not compared: one of 8 characters has a longer one as well.
     const std::wstring file = FinalPath(path);
     const std::wstring folder = FinalPath(std::wstring(FolderOf(FullPath(path))));
-    return !file.empty() && !folder.empty() && _wcsicmp(JoinPath(folder, FileNameOf(file)).c_str(), file.c_str()) != 0;
+    return !file.empty() && !folder.empty() && !EqualIgnoringCase(JoinPath(folder, FileNameOf(file)), file);
 }
 
 }  // namespace Win32

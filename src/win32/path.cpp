@@ -58,6 +58,12 @@ NameParts SplitName(std::wstring_view fileName) {
     return {fileName.substr(0, dot), fileName.substr(dot + 1), true};
 }
 
+std::wstring_view WithoutSeparator(std::wstring_view folder) {
+    constexpr size_t kDrive = 3;  // "C:\\"
+    while (folder.size() > kDrive && (folder.back() == L'\\' || folder.back() == L'/')) folder.remove_suffix(1);
+    return folder;
+}
+
 std::wstring JoinPath(std::wstring_view folder, std::wstring_view name) {
     std::wstring path;
     path.reserve(folder.size() + 1 + name.size());

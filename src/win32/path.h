@@ -28,6 +28,9 @@ struct NameParts {
 };
 NameParts SplitName(std::wstring_view fileName);
 
+/// `folder` without the separators at its end; "C:\\" keeps its own.
+std::wstring_view WithoutSeparator(std::wstring_view folder);
+
 /// `folder` and `name` with exactly one separator between them; an empty folder adds none.
 std::wstring JoinPath(std::wstring_view folder, std::wstring_view name);
 

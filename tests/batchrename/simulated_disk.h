@@ -11,6 +11,7 @@
 #include "rename/rename_plan.h"
 #include "rename/restore_rows.h"
 #include "sdk/services.h"
+#include "win32/text.h"
 
 namespace QVTest {
 
@@ -47,7 +48,7 @@ public:
             BatchRename::FolderNames names;
             names.folder = folder;
             for (const DiskItem& item : items)
-                if (BatchRename::IsSameName(item.location, folder)) names.names.Add(item.name);
+                if (Win32::EqualIgnoringCase(item.location, folder)) names.names.Add(item.name);
             return names;
         };
     }
@@ -78,12 +79,12 @@ private:
     uint32_t Rename(const std::wstring& path, const std::wstring& newName) {
         DiskItem* found = nullptr;
         for (DiskItem& item : items)
-            if (BatchRename::IsSameName(item.location + L"\\" + item.name, path)) found = &item;
+            if (Win32::EqualIgnoringCase(item.location + L"\\" + item.name, path)) found = &item;
         if (!found) return 2;
         if (locked.contains(found->content)) return 32;
         for (const DiskItem& item : items)
-            if (&item != found && BatchRename::IsSameName(item.location, found->location) &&
-                BatchRename::IsSameName(item.name, newName))
+            if (&item != found && Win32::EqualIgnoringCase(item.location, found->location) &&
+                Win32::EqualIgnoringCase(item.name, newName))
                 return 183;
         const std::wstring before = found->location + L"\\" + found->name;
         found->name = newName;

@@ -7,6 +7,7 @@
 #include "host/app/output.h"
 #include "host/contract/whole_file.h"
 #include "host_runner.h"
+#include "win32/folder.h"
 #include "win32/path.h"
 #include "win32/windows.h"
 
@@ -118,7 +119,7 @@ TEST(QvHost, TakesPathsOfAnyLengthAndScript) {
     std::wstring folder = host.Folder().Path();
     for (int level = 0; level < 3; ++level) {
         folder = Win32::JoinPath(folder, std::wstring(100, L'd'));
-        ASSERT_EQ(QVHost::MakeFolders(folder), 0u);
+        ASSERT_EQ(Win32::MakeFolders(folder), 0u);
     }
     const std::wstring name = L"\u65E5\u672C \U0001F600.txt";
     const std::wstring path = Win32::JoinPath(folder, name);

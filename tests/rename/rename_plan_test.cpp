@@ -11,6 +11,7 @@
 #include "rename/name_check.h"
 #include "rows.h"
 #include "simulated_disk.h"
+#include "win32/text.h"
 
 namespace {
 
@@ -90,19 +91,19 @@ std::vector<bool> ReferenceVerdicts(const RenameItems& rows, const std::vector<D
     std::map<std::wstring, int> wanted;
     std::set<std::wstring> onDisk;
     std::map<std::wstring, size_t> holders;
-    for (const DiskItem& item : disk) onDisk.insert(FoldedName(item.name));
+    for (const DiskItem& item : disk) onDisk.insert(Win32::ToUpperCase(item.name));
     for (size_t row = 0; row < rows.size(); ++row) {
-        const bool isFirst = holders.emplace(FoldedName(rows[row]->currentName), row).second;
+        const bool isFirst = holders.emplace(Win32::ToUpperCase(rows[row]->currentName), row).second;
         const bool isChange = rows[row]->newName != rows[row]->currentName;
         moves[row] = isFirst && isChange && CheckName(rows[row]->newName).fault == NameFault::None &&
-                     onDisk.contains(FoldedName(rows[row]->currentName));
-        if (moves[row] || (isFirst && !isChange)) ++wanted[FoldedName(rows[row]->newName)];
+                     onDisk.contains(Win32::ToUpperCase(rows[row]->currentName));
+        if (moves[row] || (isFirst && !isChange)) ++wanted[Win32::ToUpperCase(rows[row]->newName)];
     }
     for (bool isChanged = true; isChanged;) {
         isChanged = false;
         for (size_t row = 0; row < rows.size(); ++row) {
             if (!moves[row]) continue;
-            const std::wstring target = FoldedName(rows[row]->newName);
+            const std::wstring target = Win32::ToUpperCase(rows[row]->newName);
             const auto holder = holders.find(target);
             const bool isBlocked = onDisk.contains(target) && (holder == holders.end() || !moves[holder->second]);
             if (wanted[target] == 1 && !isBlocked) continue;
@@ -122,7 +123,7 @@ TEST(RunRenames, LosesNothingInManySmallWorlds) {
         SimulatedDisk disk;
         std::set<std::wstring> used;
         for (size_t count = 1 + pick(6); count > 0; --count)
-            if (const std::wstring& name = names[pick(7)]; used.insert(FoldedName(name)).second)
+            if (const std::wstring& name = names[pick(7)]; used.insert(Win32::ToUpperCase(name)).second)
                 disk.Add(kFolder, name);
         RenameItems rows;
         std::vector<int> contents;
@@ -145,7 +146,7 @@ TEST(RunRenames, LosesNothingInManySmallWorlds) {
         ASSERT_EQ(results.DoneCount() + results.IgnoredCount() + results.FailedCount(), rows.size());
         ASSERT_EQ(disk.items.size(), before.size());
         std::set<std::wstring> after;
-        for (const DiskItem& item : disk.items) ASSERT_TRUE(after.insert(FoldedName(item.name)).second);
+        for (const DiskItem& item : disk.items) ASSERT_TRUE(after.insert(Win32::ToUpperCase(item.name)).second);
         for (const DiskItem& item : before) {
             const auto row = std::ranges::find(contents, item.content);
             const DiskItem* const now = disk.Find(item.content);

@@ -10,6 +10,7 @@
 #include "ui/activation_context.h"
 #include "ui/controls.h"
 #include "ui/dialog.h"
+#include "win32/window_text.h"
 
 namespace {
 
@@ -106,7 +107,7 @@ wchar_t AccessKeyOf(const std::wstring& text) {
 }
 
 std::string Name(WORD dialog, WORD points, HWND control) {
-    const std::wstring text = Ui::TextOf(control);
+    const std::wstring text = Win32::WindowText(control);
     return "dialog " + std::to_string(dialog) + ", " + std::to_string(points) + " points, control " +
            std::to_string(GetDlgCtrlID(control)) + " \"" + std::string(text.begin(), text.end()) + "\"";
 }
@@ -128,7 +129,7 @@ TEST(Layout, EverythingFitsAndNothingOverlaps) {
                     << Name(dialog, points, control) << " leaves the dialog";
                 const std::wstring windowClass = ClassOf(control);
                 if (windowClass == L"Button" || windowClass == L"Static") {
-                    const SIZE text = SizeOfText(control, Ui::TextOf(control));
+                    const SIZE text = SizeOfText(control, Win32::WindowText(control));
                     EXPECT_LE(text.cx + Frame(control), rect.right - rect.left) << Name(dialog, points, control);
                     EXPECT_LE(text.cy, rect.bottom - rect.top) << Name(dialog, points, control);
                 }
@@ -173,14 +174,14 @@ TEST(Layout, EveryControlIsWithinReachOfTheKeyboard) {
                                  windowClass == L"SysListView32";
             if (isField) {
                 // Screen readers name a field by the text before it, and the text's key leads to the field.
-                EXPECT_TRUE(before && ClassOf(before) == L"Static" && !Ui::TextOf(before).empty()) << name;
+                EXPECT_TRUE(before && ClassOf(before) == L"Static" && !Win32::WindowText(before).empty()) << name;
             }
             const bool isStop = isField || (windowClass == L"Button" && !IsGroupBox(control));
             if (isStop && ButtonKind(control) != BS_AUTORADIOBUTTON) {
                 EXPECT_TRUE(GetWindowLongW(control, GWL_STYLE) & WS_TABSTOP) << name;
             }
             if (windowClass != L"Edit") {
-                if (const wchar_t key = AccessKeyOf(Ui::TextOf(control))) {
+                if (const wchar_t key = AccessKeyOf(Win32::WindowText(control))) {
                     EXPECT_TRUE(keys.emplace(key, control).second)
                         << name << " has the key of " << Name(dialog, kPointSizes[0], keys[key]);
                 }

@@ -1,9 +1,10 @@
 #include "batchrename/dialogs/add_tag_dlg.h"
 
 #include "batchrename/dialogs/batchrename_resource.h"
-#include "batchrename/dialogs/numbers.h"
 #include "batchrename/dialogs/tags.h"
 #include "ui/controls.h"
+#include "win32/text.h"
+#include "win32/window_text.h"
 
 namespace BatchRename {
 namespace {
@@ -51,7 +52,7 @@ std::wstring BatchRenameAddTag::Property(int notification) const {
     const HWND combo = Item(IDC_PROPERTY);
     const LRESULT chosen = SendMessageW(combo, CB_GETCURSEL, 0, 0);
     if (notification == CBN_SELCHANGE && chosen >= 0) return m_properties[static_cast<size_t>(chosen)];
-    return Ui::TextOf(combo);
+    return Win32::WindowText(combo);
 }
 
 void BatchRenameAddTag::Refresh(int notification) {
@@ -59,7 +60,8 @@ void BatchRenameAddTag::Refresh(int notification) {
     Ui::EnableWithLabel(Item(IDC_SUB_START), isPart);
     Ui::EnableWithLabel(Item(IDC_SUB_LENGTH), isPart);
     const std::wstring property = Property(notification);
-    const SubString part = {NumberOf(Ui::TextOf(Item(IDC_SUB_START))), NumberOf(Ui::TextOf(Item(IDC_SUB_LENGTH)))};
+    const SubString part = {Win32::LeadingNumber<int32_t>(Win32::WindowText(Item(IDC_SUB_START))),
+                            Win32::LeadingNumber<int32_t>(Win32::WindowText(Item(IDC_SUB_LENGTH)))};
     // These would end the name, or the tag, too early.
     const bool isName = !property.empty() && property.find_first_of(L"[],{}") == std::wstring::npos;
     m_tag = isName ? PropertyTag(property, isPart ? &part : nullptr) : std::wstring();

@@ -5,6 +5,7 @@
 #include "batchrename/model/name_sample.h"
 #include "batchrename/profiles.h"
 #include "ui/controls.h"
+#include "win32/window_text.h"
 
 namespace BatchRename {
 namespace {
@@ -61,7 +62,7 @@ void BatchRenameFindReplaceDlg::PickGroup() {
 }
 
 bool BatchRenameFindReplaceDlg::Refresh() {
-    m_item = {Ui::TextOf(Item(IDC_ITEM_FIND)), Ui::TextOf(Item(IDC_ITEM_REPLACE))};
+    m_item = {Win32::WindowText(Item(IDC_ITEM_FIND)), Win32::WindowText(Item(IDC_ITEM_REPLACE))};
     const ULONGLONG end = GetTickCount64() + kPatience;
     const ItemTrial trial = TryItem(m_item, m_options, *m_rows, [&] { return GetTickCount64() > end; });
     const std::wstring text = m_rows->empty() && trial.error.empty() ? L"" : TextOfTrial(trial, m_rows->size());

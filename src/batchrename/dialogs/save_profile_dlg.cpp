@@ -4,6 +4,7 @@
 
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "ui/controls.h"
+#include "win32/window_text.h"
 
 namespace BatchRename {
 
@@ -26,12 +27,12 @@ bool SaveProfileDlg::OnInit() {
 bool SaveProfileDlg::OnCommand(int id, int notification) {
     if (id == IDCANCEL) return false;
     if (id == IDOK) {
-        m_name = Ui::TextOf(Item(IDC_PROFILE_NAME));
+        m_name = Win32::WindowText(Item(IDC_PROFILE_NAME));
         if (!m_name.empty() && MayTake(m_name)) End(IDOK);
         return true;
     }
     // A choice from the list is in the field only after this notification.
-    const bool hasName = notification == CBN_SELCHANGE || !Ui::TextOf(Item(IDC_PROFILE_NAME)).empty();
+    const bool hasName = notification == CBN_SELCHANGE || !Win32::WindowText(Item(IDC_PROFILE_NAME)).empty();
     EnableWindow(Item(IDOK), hasName);
     return true;
 }

@@ -2,18 +2,9 @@
 
 #include <algorithm>
 
+#include "win32/text.h"
+
 namespace BatchRename {
-namespace {
-
-bool IsLeading(wchar_t unit) {
-    return unit >= 0xD800 && unit < 0xDC00;
-}
-bool IsTrailing(wchar_t unit) {
-    return unit >= 0xDC00 && unit < 0xE000;
-}
-
-}  // namespace
-
 ChangedPart FindChangedPart(std::wstring_view oldName, std::wstring_view newName) {
     const size_t shorter = std::min(oldName.size(), newName.size());
     size_t begin = 0;
@@ -22,8 +13,8 @@ ChangedPart FindChangedPart(std::wstring_view oldName, std::wstring_view newName
     while (kept < shorter - begin && oldName[oldName.size() - kept - 1] == newName[newName.size() - kept - 1]) ++kept;
     size_t end = newName.size() - kept;
     if (begin == end) return {begin, end};
-    if (begin > 0 && IsLeading(newName[begin - 1])) --begin;
-    if (end < newName.size() && IsTrailing(newName[end])) ++end;
+    if (begin > 0 && Win32::IsHighSurrogate(newName[begin - 1])) --begin;
+    if (end < newName.size() && Win32::IsLowSurrogate(newName[end])) ++end;
     return {begin, end};
 }
 

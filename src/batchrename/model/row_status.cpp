@@ -1,12 +1,12 @@
 #include "batchrename/model/row_status.h"
 
-#include "rename/case_conversion.h"
+#include "win32/text.h"
 
 namespace BatchRename {
 namespace {
 
 std::wstring Sentence(std::wstring text) {
-    if (!text.empty()) text.front() = UpperWide(text.front());
+    if (!text.empty()) text.front() = Win32::UpperWide(text.front());
     return text;
 }
 

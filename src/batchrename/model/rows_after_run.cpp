@@ -3,6 +3,7 @@
 #include <unordered_map>
 
 #include "win32/path.h"
+#include "win32/text.h"
 
 namespace BatchRename {
 namespace {
@@ -12,7 +13,7 @@ public:
     NewPlaces(const RenameItems& rows, const std::vector<RowOutcome>& outcomes) {
         for (size_t row = 0; row < rows.size(); ++row)
             if (rows[row]->isFolder && outcomes[row].name != rows[row]->currentName)
-                m_renamed.emplace(FoldedName(Win32::JoinPath(rows[row]->location, rows[row]->currentName)),
+                m_renamed.emplace(Win32::ToUpperCase(Win32::JoinPath(rows[row]->location, rows[row]->currentName)),
                                   outcomes[row].name);
     }
 
@@ -21,10 +22,9 @@ public:
         if (m_renamed.empty()) return folder;
         const auto known = m_folders.find(folder);
         if (known != m_folders.end()) return known->second;
-        std::wstring above(Win32::FolderOf(folder));
-        while (above.size() > 3 && (above.ends_with(L'\\') || above.ends_with(L'/'))) above.pop_back();
+        const std::wstring above(Win32::WithoutSeparator(Win32::FolderOf(folder)));
         const bool isRoot = above.empty() || above.size() >= folder.size();
-        const auto renamed = m_renamed.find(FoldedName(folder));
+        const auto renamed = m_renamed.find(Win32::ToUpperCase(folder));
         const std::wstring name =
             renamed != m_renamed.end() ? renamed->second : std::wstring(Win32::FileNameOf(folder));
         return m_folders[folder] = isRoot ? folder : Win32::JoinPath(Of(above), name);

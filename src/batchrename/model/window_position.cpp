@@ -1,13 +1,14 @@
 #include "batchrename/model/window_position.h"
 
 #include <algorithm>
-#include <cwchar>
 #include <iterator>
+
+#include "win32/text.h"
 
 namespace BatchRename {
 namespace {
 
-constexpr long kFurthest = 100000;  // pixels; no desktop is larger
+constexpr int kFurthest = 100000;  // pixels; no desktop is larger
 
 /// Moves a stretch into another and cuts what does not fit.
 void FitStretch(int& begin, int& end, int from, int to) {
@@ -27,17 +28,15 @@ std::wstring FormatWindowPosition(const WindowPosition& position) {
 }
 
 std::optional<WindowPosition> ParseWindowPosition(std::wstring_view text) {
-    const std::wstring copy(text);
-    const wchar_t* at = copy.c_str();
     int numbers[6] = {};
     for (size_t index = 0; index < std::size(numbers); ++index) {
-        wchar_t* end = nullptr;
-        const long number = std::wcstol(at, &end, 10);
         const bool isLast = index + 1 == std::size(numbers);
-        if (end == at || number < -kFurthest || number > kFurthest || *end != (isLast ? L'\0' : L','))
-            return std::nullopt;
-        numbers[index] = static_cast<int>(number);
-        at = end + 1;
+        const size_t end = isLast ? text.size() : text.find(L',');
+        if (end == std::wstring_view::npos) return std::nullopt;
+        const std::optional<int> number = Win32::WholeNumber<int>(text.substr(0, end));
+        if (!number || *number < -kFurthest || *number > kFurthest) return std::nullopt;
+        numbers[index] = *number;
+        text.remove_prefix(isLast ? end : end + 1);
     }
     if (numbers[2] <= numbers[0] || numbers[3] <= numbers[1]) return std::nullopt;
     return WindowPosition{numbers[0], numbers[1], numbers[2], numbers[3], numbers[4] != 0, std::max(numbers[5], 0)};

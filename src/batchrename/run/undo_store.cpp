@@ -4,6 +4,7 @@
 #include <random>
 #include <string_view>
 
+#include "batchrename/local_time.h"
 #include "win32/files.h"
 #include "win32/folder.h"
 #include "win32/path.h"
@@ -58,14 +59,6 @@ bool ReadAll(const std::wstring& path, std::string& bytes) {
     return true;
 }
 
-/// Makes the folder and those above it that are missing.
-void MakeFolder(std::wstring_view folder) {
-    while (folder.ends_with(L'\\') || folder.ends_with(L'/')) folder.remove_suffix(1);
-    if (folder.size() < 3 || Win32::Exists(std::wstring(folder))) return;
-    MakeFolder(Win32::FolderOf(folder));
-    CreateDirectoryW(Win32::ExtendedPath(std::wstring(folder)).c_str(), nullptr);
-}
-
 }  // namespace
 
 void UndoProgress::Step(size_t entry, std::wstring_view name) {
@@ -110,7 +103,7 @@ std::wstring UndoStore::PathOf(BatchRenameUndo& session) {
 uint32_t UndoStore::WriteFileOf(BatchRenameUndo& session, bool mayReplace) {
     // A host without a configuration folder: what has no folder would land in whichever is the current one.
     if (m_folder.empty()) return m_lastError = ERROR_PATH_NOT_FOUND;
-    MakeFolder(m_folder);
+    Win32::MakeFolders(m_folder);
     const std::wstring path = PathOf(session);
     const std::wstring beside = NameBeside(path);
     m_lastError = WriteNewFile(beside, FormatSession(session));

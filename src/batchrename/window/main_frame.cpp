@@ -5,10 +5,12 @@
 
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/host_properties.h"
+#include "batchrename/local_time.h"
 #include "batchrename/qv_batch_rename.h"
 #include "batchrename/window/frame_messages.h"
 #include "sdk/boundary.h"
 #include "ui/activation_context.h"
+#include "win32/window_text.h"
 
 namespace BatchRename {
 namespace {
@@ -409,7 +411,7 @@ bool BatchRenameMainFrame::OnKey(const MSG& message) {
 
 void BatchRenameMainFrame::SetStatus(const std::wstring& text) {
     // Setting it tells screen readers, so the same text is not set twice.
-    if (Ui::TextOf(m_statusBar) != text)
+    if (Win32::WindowText(m_statusBar) != text)
         SendMessageW(m_statusBar, SB_SETTEXTW, 0, reinterpret_cast<LPARAM>(text.c_str()));
 }
 

@@ -7,6 +7,7 @@
 #include "batchrename/dialogs/popup_menus.h"
 #include "batchrename/dialogs/save_profile_dlg.h"
 #include "batchrename/dialogs/undo_manager_dlg.h"
+#include "batchrename/local_time.h"
 #include "batchrename/model/rows_after_run.h"
 #include "batchrename/window/frame_messages.h"
 #include "batchrename/window/main_frame.h"

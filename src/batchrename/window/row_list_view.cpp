@@ -8,6 +8,7 @@
 #include "batchrename/window/list_columns.h"
 #include "ui/activation_context.h"
 #include "win32/path.h"
+#include "win32/text.h"
 
 namespace BatchRename {
 namespace {
@@ -319,7 +320,7 @@ LRESULT RowListView::FindByText(const NMLVFINDITEMW& search) const {
     for (size_t step = 0; step < count; ++step) {
         const size_t place = (from + step) % count;
         const std::wstring_view name = m_rows.CurrentName(m_rows.RowAt(place));
-        if (IsSameName(name.substr(0, wanted.size()), wanted)) return static_cast<LRESULT>(place);
+        if (Win32::EqualIgnoringCase(name.substr(0, wanted.size()), wanted)) return static_cast<LRESULT>(place);
     }
     return -1;
 }

@@ -6,10 +6,11 @@
 #include "batchrename/dialogs/add_tag_dlg.h"
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/dialogs/find_replace_dlg.h"
-#include "batchrename/dialogs/numbers.h"
 #include "batchrename/dialogs/popup_menus.h"
 #include "batchrename/profiles.h"
 #include "batchrename/window/list_columns.h"
+#include "win32/text.h"
+#include "win32/window_text.h"
 
 #include <commctrl.h>
 
@@ -127,10 +128,11 @@ uint32_t RulePanel::Options() const {
 
 RuleDefinition RulePanel::Rule() const {
     RuleDefinition rule;
-    rule.nameTemplate = Ui::TextOf(Item(IDC_NAME_TEMPLATE));
-    rule.extensionTemplate = Ui::TextOf(Item(IDC_EXTENSION_TEMPLATE));
-    rule.counter = {NumberOf(Ui::TextOf(Item(IDC_COUNTER_START))), NumberOf(Ui::TextOf(Item(IDC_COUNTER_STEP))),
-                    NumberOf(Ui::TextOf(Item(IDC_COUNTER_DIGITS)))};
+    rule.nameTemplate = Win32::WindowText(Item(IDC_NAME_TEMPLATE));
+    rule.extensionTemplate = Win32::WindowText(Item(IDC_EXTENSION_TEMPLATE));
+    rule.counter = {Win32::LeadingNumber<int32_t>(Win32::WindowText(Item(IDC_COUNTER_START))),
+                    Win32::LeadingNumber<int32_t>(Win32::WindowText(Item(IDC_COUNTER_STEP))),
+                    Win32::LeadingNumber<int32_t>(Win32::WindowText(Item(IDC_COUNTER_DIGITS)))};
     rule.items = std::make_shared<const SearchAndReplaceItems>(m_items);
     rule.options = Options();
     return rule;

@@ -2,6 +2,7 @@
 
 #include "fileutils/fileutils_resource.h"
 #include "fileutils/fileutils_texts.h"
+#include "win32/window_text.h"
 
 namespace FileUtils {
 namespace {
@@ -78,7 +79,7 @@ bool ChangeAccessDlg::OnCommand(int id, int notification) {
 }
 
 AccessChoice ChangeAccessDlg::FromControls() const {
-    return {WithoutBlanks(TextOf(Item(IDC_ACCESS_ACCOUNT))), SelectedBit(Item(IDC_ACCESS_RIGHTS))};
+    return {WithoutBlanks(Win32::WindowText(Item(IDC_ACCESS_ACCOUNT))), SelectedBit(Item(IDC_ACCESS_RIGHTS))};
 }
 
 void ChangeAccessDlg::Accept() {

@@ -2,13 +2,15 @@
 
 #include <cwchar>
 
+#include "win32/text.h"
+
 namespace FileUtils {
 namespace {
 
 constexpr std::wstring_view kPrefix = L"WinNT://";
 
 bool HasPrefix(std::wstring_view path) {
-    return path.size() >= kPrefix.size() && _wcsnicmp(path.data(), kPrefix.data(), kPrefix.size()) == 0;
+    return Win32::EqualIgnoringCase(path.substr(0, kPrefix.size()), kPrefix);
 }
 
 /// Cuts the last part off a path; it is the whole path when there is no separator.

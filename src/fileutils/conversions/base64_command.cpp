@@ -1,5 +1,6 @@
 #include "fileutils/commands.h"
 #include "fileutils/ids.h"
+#include "win32/text.h"
 
 #include <algorithm>
 #include <memory>
@@ -147,7 +148,7 @@ void ConvertFile(IHostServices& host, bool encodes, const std::wstring& path) {
     if (!files || !files->Exists(path.c_str())) return;
     const std::wstring target = TargetOf(path, encodes);
     // By whatever name: writing the target would empty the file before it is read.
-    if (_wcsicmp(target.c_str(), path.c_str()) == 0 || Win32::IsSameFile(path, target))
+    if (Win32::EqualIgnoringCase(target, path) || Win32::IsSameFile(path, target))
         throw QVUtilsException(ERROR_INVALID_PARAMETER, "Source and target are the same file");
     // The name may come from a stranger's file, and what it leads to may lie anywhere.
     if (Win32::IsLink(target)) throw QVUtilsException(ERROR_CANT_ACCESS_FILE, "The target is a link");

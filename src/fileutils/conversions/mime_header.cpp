@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "win32/text.h"
+
 namespace FileUtils {
 namespace {
 
@@ -15,13 +17,10 @@ bool TakeLine(std::string_view& rest, std::string_view& line) {
     return true;
 }
 
-char LowerCase(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
 bool BeginsWithField(std::string_view line, std::string_view field) {
     return line.size() > field.size() && line[field.size()] == ':' &&
-           std::ranges::equal(line.substr(0, field.size()), field, {}, LowerCase, LowerCase);
+           std::ranges::equal(line.substr(0, field.size()), field, {}, Win32::LowerAscii<char>,
+                              Win32::LowerAscii<char>);
 }
 
 /// A field's name is letters, digits and marks without a blank, up to the colon.

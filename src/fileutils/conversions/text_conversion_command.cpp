@@ -1,5 +1,6 @@
 #include "fileutils/commands.h"
 #include "fileutils/ids.h"
+#include "win32/text.h"
 
 #include <algorithm>
 #include <ctime>
@@ -57,9 +58,9 @@ std::optional<uint32_t> AskForTabWidth(IHostServices& host) {
     request.position = kProposedChoice;
     if (!host.ShowChoiceDialog(&request)) return std::nullopt;
     const wchar_t* const chosen = choices->GetChoice(request.position);
-    const unsigned long width = chosen ? std::wcstoul(chosen, nullptr, 10) : kTabWidthLimit;
+    const uint32_t width = chosen ? Win32::LeadingNumber<uint32_t>(chosen) : kTabWidthLimit;
     if (width >= kTabWidthLimit) return std::nullopt;
-    return static_cast<uint32_t>(width);
+    return width;
 }
 
 void ConvertBytes(QVUtils::DataReader& reader, TextConverter converter, QVUtils::DataWriter& writer) {

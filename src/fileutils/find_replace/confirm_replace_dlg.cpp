@@ -7,6 +7,7 @@
 #include "fileutils/fileutils_resource.h"
 #include "ui/controls.h"
 #include "win32/code_page.h"
+#include "win32/text.h"
 
 namespace FileUtils {
 namespace {
@@ -47,13 +48,9 @@ constexpr AnswerRow kAnswers[] = {
     {IDCANCEL, Answer::Cancel},
 };
 
-bool IsLowSurrogate(wchar_t unit) {
-    return unit >= 0xDC00 && unit <= 0xDFFF;
-}
-
 /// A cut at `at` would leave half a character: the cut one unit earlier does not.
 size_t CutBefore(std::wstring_view text, size_t at) {
-    return at > 0 && at < text.size() && IsLowSurrogate(text[at]) ? at - 1 : at;
+    return at > 0 && at < text.size() && Win32::IsLowSurrogate(text[at]) ? at - 1 : at;
 }
 
 std::wstring Head(std::wstring_view text, size_t longest) {

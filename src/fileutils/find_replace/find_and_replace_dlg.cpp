@@ -6,6 +6,7 @@
 #include "findreplace/request.h"
 #include "findreplace/wildcard.h"
 #include "win32/code_page.h"
+#include "win32/window_text.h"
 
 namespace FileUtils {
 namespace {
@@ -143,15 +144,15 @@ bool FindAndReplaceDlg::OnCommand(int id, int notification) {
 FindAndReplaceRequest FindAndReplaceDlg::FromControls() const {
     FindAndReplaceRequest request;
     request.options = SelectedBit(Item(IDC_TARGET)) | SelectedBit(Item(IDC_MODE)) | BitsOfBoxes(GetWindow(), kBoxes);
-    request.find = TextOf(Item(IDC_FIND));
-    request.replacement = TextOf(Item(IDC_REPLACEMENT));
-    request.targetPattern = TextOf(Item(IDC_FILE_NAME));
+    request.find = Win32::WindowText(Item(IDC_FIND));
+    request.replacement = Win32::WindowText(Item(IDC_REPLACEMENT));
+    request.targetPattern = Win32::WindowText(Item(IDC_FILE_NAME));
     return request;
 }
 
 void FindAndReplaceDlg::ProposeFileName() {
     const bool savesAs = TakesFileName(SelectedBit(Item(IDC_TARGET)));
-    SetTextOf(Item(IDC_FILE_NAME), ProposedFileName(savesAs, TextOf(Item(IDC_FILE_NAME)), kProposal));
+    SetTextOf(Item(IDC_FILE_NAME), ProposedFileName(savesAs, Win32::WindowText(Item(IDC_FILE_NAME)), kProposal));
 }
 
 void FindAndReplaceDlg::Refresh() {

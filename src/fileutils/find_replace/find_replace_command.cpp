@@ -1,5 +1,6 @@
 #include "fileutils/commands.h"
 #include "fileutils/ids.h"
+#include "win32/text.h"
 
 #include <string>
 
@@ -55,7 +56,7 @@ uint32_t OptionsOf(ICustomCommandCall& call) {
     uint32_t options = Option::ModeOne;
     const std::wstring mode = TextParameter(call, Parameter::Mode);
     for (const ModeName& row : kModeNames)
-        if (_wcsicmp(mode.c_str(), row.name) == 0) options = row.option;
+        if (Win32::EqualIgnoringCase(mode, row.name)) options = row.option;
     for (const SwitchOption& row : kSwitches)
         if (call.HasParameter(row.name)) options |= row.option;
     if (call.HasParameter(Parameter::KeepBackup))

@@ -5,8 +5,9 @@
 
 #include "fileutils/fileutils_resource.h"
 #include "ui/controls.h"
-#include "win32/letter_case.h"
 #include "win32/path.h"
+#include "win32/text.h"
+#include "win32/window_text.h"
 
 namespace FileUtils {
 namespace {
@@ -29,7 +30,7 @@ constexpr Anchor kAnchors[] = {
 };
 
 bool IsSamePath(const std::wstring& left, const std::wstring& right) {
-    return _wcsicmp(Win32::FullPath(left).c_str(), Win32::FullPath(right).c_str()) == 0;
+    return Win32::EqualIgnoringCase(Win32::FullPath(left), Win32::FullPath(right));
 }
 
 /// The kind that most people mean: what needs no privilege and fits all targets.
@@ -53,7 +54,8 @@ std::wstring ProposedLinkName(const LinkTarget& target, const std::wstring& fold
 std::wstring LinkPath(uint32_t type, const std::wstring& folder, const std::wstring& name) {
     std::wstring path = Win32::JoinPath(folder, name);
     const size_t length = std::size(kShortcutExtension) - 1;
-    const bool endsSo = path.size() >= length && _wcsicmp(path.c_str() + path.size() - length, kShortcutExtension) == 0;
+    const bool endsSo =
+        path.size() >= length && Win32::EqualIgnoringCase(path.substr(path.size() - length), kShortcutExtension);
     if (type == kShortcut && !name.empty() && !endsSo) path += kShortcutExtension;
     return path;
 }
@@ -76,9 +78,7 @@ bool CreateLinksDlg::OnInit() {
     for (const wchar_t* kind : kKinds)
         SendMessageW(Item(IDC_LINK_KIND), CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(kind));
     SendMessageW(Item(IDC_LINK_KIND), CB_SETCURSEL, ProposedType(m_targets) - 1, 0);
-    std::wstring folder(Win32::FolderOf(m_targets.front().path));
-    if (folder.size() > 3) folder.pop_back();  // "C:\" keeps its separator
-    SetTextOf(Item(IDC_LINK_FOLDER), folder);
+    SetTextOf(Item(IDC_LINK_FOLDER), std::wstring(Win32::WithoutSeparator(Win32::FolderOf(m_targets.front().path))));
     EnableWindow(Item(IDC_LINK_AS_ADMIN), m_canElevate);
     ProposeNames();
     ShowLinks();
@@ -107,7 +107,7 @@ bool CreateLinksDlg::OnCommand(int id, int notification) {
         if (m_names != before) ShowLinks();
         ShowSelectedName();
     } else if (id == IDC_LINK_NAME && notification == EN_CHANGE) {
-        const std::wstring name = TextOf(Item(IDC_LINK_NAME));
+        const std::wstring name = Win32::WindowText(Item(IDC_LINK_NAME));
         if (name == m_names[Selected()]) return true;
         m_names[Selected()] = name;
         m_isTyped[Selected()] = true;
@@ -129,7 +129,7 @@ size_t CreateLinksDlg::Selected() const {
 }
 
 void CreateLinksDlg::ProposeNames() {
-    const std::wstring folder = TextOf(Item(IDC_LINK_FOLDER));
+    const std::wstring folder = Win32::WindowText(Item(IDC_LINK_FOLDER));
     for (size_t row = 0; row < m_targets.size(); ++row)
         if (!m_isTyped[row]) m_names[row] = ProposedLinkName(m_targets[row], folder);
 }
@@ -160,13 +160,13 @@ void CreateLinksDlg::ShowLink(size_t row) {
 
 CreateLinksRequest CreateLinksDlg::FromControls() const {
     CreateLinksRequest request = {Type(), m_canElevate && IsChecked(Item(IDC_LINK_AS_ADMIN)), {}};
-    const std::wstring folder = TextOf(Item(IDC_LINK_FOLDER));
+    const std::wstring folder = Win32::WindowText(Item(IDC_LINK_FOLDER));
     for (const std::wstring& name : m_names) request.links.push_back(LinkPath(request.type, folder, name));
     return request;
 }
 
 std::wstring CreateLinksDlg::FaultOf(const CreateLinksRequest& request) {
-    if (TextOf(Item(IDC_LINK_FOLDER)).empty()) return L"A folder is needed.";
+    if (Win32::WindowText(Item(IDC_LINK_FOLDER)).empty()) return L"A folder is needed.";
     std::unordered_set<std::wstring> taken;
     for (size_t row = 0; row < request.links.size(); ++row) {
         if (m_names[row].empty()) return L"A link has no name: " + m_targets[row].path;

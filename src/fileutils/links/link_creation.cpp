@@ -122,9 +122,8 @@ uint32_t CreateShortcut(const LinkRequest& request, const LinkSystem& system) {
     const std::wstring target = Absolute(request.target);
     std::wstring workingFolder;
     if (!request.targetIsFolder) {
-        workingFolder = Win32::FolderOf(target);
-        // Without its separator, except behind a drive: "C:" alone is another place.
-        if (workingFolder.size() > 3) workingFolder.pop_back();
+        // "C:" alone would be another place than "C:\\".
+        workingFolder = Win32::WithoutSeparator(Win32::FolderOf(target));
     }
     const uint32_t error = system.saveShortcut(Absolute(request.link), target, workingFolder, kDescription);
     return error == ERROR_SUCCESS ? ERROR_SUCCESS : ERROR_PATH_NOT_FOUND;

@@ -4,8 +4,8 @@
 #include "textio/target_name.h"
 #include "win32/files.h"
 #include "win32/folder.h"
-#include "win32/letter_case.h"
 #include "win32/path.h"
+#include "win32/text.h"
 #include "win32/windows.h"
 
 namespace FileUtils {
@@ -51,7 +51,7 @@ std::wstring LinkRules::WhyNot(uint32_t type, const std::wstring& link, const st
         std::wstring targetFolder(Win32::FolderOf(target));
         if (m_targetFolder != targetFolder || m_targetVolume.empty()) m_targetVolume = VolumeOf(target);
         m_targetFolder = std::move(targetFolder);
-        if (_wcsicmp(m_folder.volume.c_str(), m_targetVolume.c_str()) != 0)
+        if (!Win32::EqualIgnoringCase(m_folder.volume, m_targetVolume))
             return L"A hard link cannot lead to another volume: " + target;
     }
     if (type == LinkType::Junction && !targetIsFolder) return L"A junction cannot lead to a file: " + target;

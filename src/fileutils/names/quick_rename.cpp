@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "fileutils/ids.h"
-#include "win32/letter_case.h"
+#include "win32/text.h"
 
 namespace FileUtils {
 namespace {
@@ -20,8 +20,7 @@ constexpr Replacement kReplacements[] = {
 };
 
 std::wstring UpperCaseAToZ(std::wstring name) {
-    for (wchar_t& unit : name)
-        if (unit >= L'a' && unit <= L'z') unit = static_cast<wchar_t>(unit - L'a' + L'A');
+    std::ranges::transform(name, name.begin(), Win32::UpperAscii<wchar_t>);
     return name;
 }
 

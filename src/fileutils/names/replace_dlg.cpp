@@ -2,6 +2,7 @@
 
 #include "fileutils/fileutils_resource.h"
 #include "ui/controls.h"
+#include "win32/window_text.h"
 
 namespace FileUtils {
 namespace {
@@ -66,8 +67,8 @@ bool CReplaceDlg::OnCommand(int id, int notification) {
 
 NameReplacement CReplaceDlg::FromControls() const {
     const LRESULT part = SendMessageW(Item(IDC_NAME_PART), CB_GETCURSEL, 0, 0);
-    return {TextOf(Item(IDC_NAME_FIND)), TextOf(Item(IDC_NAME_REPLACEMENT)), IsChecked(Item(IDC_NAME_IGNORE_CASE)),
-            part > 0 ? static_cast<NamePart>(part) : NamePart::Name};
+    return {Win32::WindowText(Item(IDC_NAME_FIND)), Win32::WindowText(Item(IDC_NAME_REPLACEMENT)),
+            IsChecked(Item(IDC_NAME_IGNORE_CASE)), part > 0 ? static_cast<NamePart>(part) : NamePart::Name};
 }
 
 bool CReplaceDlg::Refresh() {

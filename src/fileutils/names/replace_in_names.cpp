@@ -1,7 +1,7 @@
 #include "fileutils/names/replace_in_names.h"
 
-#include "win32/letter_case.h"
 #include "win32/path.h"
+#include "win32/text.h"
 
 namespace FileUtils {
 namespace {

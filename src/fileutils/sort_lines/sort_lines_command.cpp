@@ -1,7 +1,8 @@
 #include "fileutils/commands.h"
 #include "fileutils/ids.h"
+#include "win32/text.h"
 
-#include <limits>
+#include <algorithm>
 #include <optional>
 #include <string>
 
@@ -119,15 +120,11 @@ private:
     uint32_t ReadNumberText(const char* name) {
         const std::optional<std::wstring> text = Text(name);
         if (!text) return 0;
-        const bool isNumber = !text->empty() && text->find_first_not_of(L"0123456789") == std::wstring::npos;
+        const bool isNumber = !text->empty() && std::ranges::all_of(*text, Win32::IsDigit<wchar_t>);
         if (!isNumber) throw BadParameter{name, L'"' + *text + L"\" is not a number of 0 or more"};
-        uint64_t number = 0;
-        for (const wchar_t digit : *text) {
-            number = number * 10 + static_cast<uint64_t>(digit - L'0');
-            if (number > std::numeric_limits<uint32_t>::max())
-                throw BadParameter{name, L'"' + *text + L"\" is too large"};
-        }
-        return static_cast<uint32_t>(number);
+        const std::optional<uint32_t> number = Win32::WholeNumber<uint32_t>(*text);
+        if (!number) throw BadParameter{name, L'"' + *text + L"\" is too large"};
+        return *number;
     }
 
     std::optional<wchar_t> ReadSeparator(const char* name) {

@@ -4,6 +4,7 @@
 #include "fileutils/fileutils_texts.h"
 #include "fileutils/target_pattern.h"
 #include "win32/handle.h"
+#include "win32/window_text.h"
 
 namespace FileUtils {
 namespace {
@@ -169,7 +170,7 @@ SortForm SortLinesDlg::FromControls() const {
     SortForm form;
     form.options =
         SelectedBit(Item(IDC_TARGET)) | SelectedBit(Item(IDC_SORT_METHOD)) | BitsOfBoxes(GetWindow(), kBoxes);
-    for (const TextField& field : kTextFields) form.*field.text = TextOf(Item(field.control));
+    for (const TextField& field : kTextFields) form.*field.text = Win32::WindowText(Item(field.control));
     return form;
 }
 
@@ -191,7 +192,7 @@ bool SortLinesDlg::OnCommand(int id, int notification) {
 
 void SortLinesDlg::ProposeFileName() {
     const bool savesAs = EnabledFor(SelectedBit(Item(IDC_TARGET))).fileName;
-    SetTextOf(Item(IDC_FILE_NAME), ProposedFileName(savesAs, TextOf(Item(IDC_FILE_NAME)), kProposal));
+    SetTextOf(Item(IDC_FILE_NAME), ProposedFileName(savesAs, Win32::WindowText(Item(IDC_FILE_NAME)), kProposal));
 }
 
 void SortLinesDlg::PickDateFormat() {
