@@ -5,16 +5,9 @@
 
 #include "win32/code_page.h"
 #include "win32/files.h"
+#include "win32/path.h"
 #include "win32/stack.h"
-#include "win32/windows.h"
-
-int LCMapStringW(DWORD, DWORD flags, const wchar_t* from, int length, wchar_t* to, int) {
-    for (int at = 0; at < length; ++at) {
-        const auto unit = static_cast<std::wint_t>(from[at]);
-        to[at] = static_cast<wchar_t>(flags == LCMAP_UPPERCASE ? std::towupper(unit) : std::towlower(unit));
-    }
-    return length;
-}
+#include "win32/text.h"
 
 namespace Win32 {
 
@@ -30,6 +23,22 @@ const char* StackFloor(size_t reserve) {
         low = static_cast<const char*>(address);
     }
     return low + reserve;
+}
+
+wchar_t UpperWide(wchar_t unit) {
+    return static_cast<wchar_t>(std::towupper(static_cast<std::wint_t>(unit)));
+}
+
+wchar_t LowerWide(wchar_t unit) {
+    return static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(unit)));
+}
+
+std::wstring FullPath(const std::wstring& path) {
+    return path;
+}
+
+std::wstring ExtendedPath(const std::wstring& path) {
+    return path;
 }
 
 bool Exists(const std::wstring&) {

@@ -6,7 +6,6 @@
 
 using BOOL = int;
 using DWORD = uint32_t;
-using WORD = uint16_t;
 using HANDLE = void*;
 using HLOCAL = void*;
 using LARGE_INTEGER = union { int64_t QuadPart; };
@@ -22,10 +21,6 @@ using BOOLEAN = uint8_t;
 enum SID_NAME_USE { SidTypeUser = 1 };
 #define WINAPI
 
-struct SYSTEMTIME {
-    WORD wYear, wMonth, wDayOfWeek, wDay, wHour, wMinute, wSecond, wMilliseconds;
-};
-
 #define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(intptr_t{-1}))
 inline constexpr DWORD GENERIC_READ = 0x80000000;
 inline constexpr DWORD GENERIC_WRITE = 0x40000000;
@@ -37,10 +32,6 @@ inline constexpr DWORD CREATE_NEW = 1;
 inline constexpr DWORD ERROR_SUCCESS = 0;
 inline constexpr DWORD ERROR_ALREADY_EXISTS = 183;
 inline constexpr DWORD ERROR_MORE_DATA = 234;
-inline constexpr DWORD MAX_PATH = 260;
-inline constexpr DWORD LOCALE_INVARIANT = 0x7F;
-inline constexpr DWORD LCMAP_LOWERCASE = 0x100;
-inline constexpr DWORD LCMAP_UPPERCASE = 0x200;
 
 inline DWORD GetLastError() {
     return 5;
@@ -73,10 +64,3 @@ inline BOOL ReadFile(HANDLE, void*, DWORD, DWORD*, void*) {
 inline BOOL WriteFile(HANDLE, const void*, DWORD, DWORD*, void*) {
     return 0;
 }
-inline DWORD GetFullPathNameW(const wchar_t*, DWORD, wchar_t*, wchar_t**) {
-    return 0;
-}
-inline void GetLocalTime(SYSTEMTIME* time) {
-    *time = {1970, 1, 4, 1, 0, 0, 0, 0};
-}
-int LCMapStringW(DWORD locale, DWORD flags, const wchar_t* from, int length, wchar_t* to, int capacity);

@@ -1,13 +1,7 @@
 #include "win32/path.h"
 
-#include "win32/windows.h"
-
 namespace Win32 {
 namespace {
-
-// A folder must leave room for a short file name in it (12 units), so folders stop working before files do; taking the
-// lower limit for both is always right.
-constexpr size_t kShortPathLimit = MAX_PATH - 12;
 
 bool IsSeparator(wchar_t unit) {
     return unit == L'\\' || unit == L'/';
@@ -21,28 +15,6 @@ size_t NameBegin(std::wstring_view path) {
 }
 
 }  // namespace
-
-std::wstring FullPath(const std::wstring& path) {
-    std::wstring full(kShortPathLimit, L'\0');
-    for (;;) {
-        const DWORD length = GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
-        if (length == 0) return path;
-        const bool fits = length < full.size();
-        full.resize(length);
-        if (fits) return full;
-    }
-}
-
-std::wstring ExtendedPath(const std::wstring& path) {
-    if (path.starts_with(LR"(\\?\)") || path.starts_with(LR"(\\.\)")) return path;
-    // A short relative path can still be a long absolute one, but the system resolves and checks it by itself; only
-    // texts that are long as they stand, or become so, need the prefix.
-    if (path.size() < kShortPathLimit && path.size() >= 2 && (path[1] == L':' || IsSeparator(path[0]))) return path;
-    std::wstring full = FullPath(path);
-    if (full.size() < kShortPathLimit) return path;
-    if (full.starts_with(LR"(\\)")) return LR"(\\?\UNC)" + full.substr(1);
-    return LR"(\\?\)" + full;
-}
 
 std::wstring_view FolderOf(std::wstring_view path) {
     return path.substr(0, NameBegin(path));
