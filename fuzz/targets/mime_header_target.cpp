@@ -1,6 +1,7 @@
 // MIME headers: names that come from files never leave their folder, and sizes stay inside the bytes.
 #include "fileutils/conversions/mime_header.h"
 #include "textio/target_name.h"
+#include "win32/file_name.h"
 
 #include "fuzz/input.h"
 
@@ -15,14 +16,14 @@ void RunMimeHeader(Bytes bytes) {
         name.empty() || (name.data() >= header.data() && name.data() + name.size() <= header.data() + header.size()),
         "so does its name");
     const std::wstring wide = Widened<wchar_t>(name);
-    if (QVUtils::IsPlainFileName(wide)) {
+    if (Win32::IsFileName(wide)) {
         Require(wide.find_first_of(L"\\/:*?\"<>|") == std::wstring::npos && wide != L"." && wide != L"..",
                 "a plain name leads nowhere else");
         const std::string again = FileUtils::MimeHeader(name);
         Require(FileUtils::HeaderSize(again) == again.size() && FileUtils::NameInHeader(again) == name,
                 "our own header is read back");
     }
-    QVUtils::IsPlainFileName(Widened<wchar_t>(header));
+    Win32::IsFileName(Widened<wchar_t>(header));
 }
 
 }  // namespace QVFuzz

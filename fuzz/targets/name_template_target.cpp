@@ -2,8 +2,8 @@
 #include "rename/name_template.h"
 
 #include "fuzz/input.h"
-#include "rename/name_check.h"
 #include "rename/rename_rule.h"
+#include "win32/file_name.h"
 
 namespace QVFuzz {
 namespace {
@@ -43,9 +43,9 @@ void RunNameTemplate(Bytes bytes) {
         row.currentName = Widened<wchar_t>(input.Text());
         row.isFolder = (options & 1) != 0;
         evaluated.Compute(row);
-        const NameCheck check = CheckName(row.newName);
+        const Win32::NameCheck check = Win32::CheckFileName(row.newName);
         Require(check.position <= row.newName.size(), "a name's fault lies in it");
-        DescribeNameFault(row.newName, check);
+        Win32::DescribeNameFault(row.newName, check);
     }
 }
 

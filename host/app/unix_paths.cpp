@@ -1,7 +1,7 @@
 #include "host/app/unix_paths.h"
 
 #include "host/app/host_text.h"
-#include "host/contract/file_name.h"
+#include "win32/file_name.h"
 #include "win32/module.h"
 #include "win32/path.h"
 
@@ -44,7 +44,7 @@ std::wstring FullUserPath(const std::wstring& path) {
 std::wstring& FullUserPaths::operator()(const std::wstring& path) {
     const std::wstring_view folder = Win32::FolderOf(path);
     const std::wstring_view name = std::wstring_view(path).substr(folder.size());
-    if (folder.empty() || !IsFileName(name))
+    if (folder.empty() || !Win32::IsFileName(name))
         return m_full = FullUserPath(path);  // "..", or a name that is not taken as it is
     if (folder != m_folder) {
         m_folder = folder;

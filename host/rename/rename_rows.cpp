@@ -4,7 +4,7 @@
 #include <map>
 
 #include "host/app/host_text.h"
-#include "host/contract/file_name.h"
+#include "win32/file_name.h"
 #include "win32/files.h"
 #include "win32/folder.h"
 #include "win32/path.h"
@@ -90,7 +90,7 @@ private:
 }  // namespace
 
 uint32_t RenameOne(const std::wstring& path, const std::wstring& newName, const std::wstring& asideName) {
-    if (!IsFileName(newName)) return ERROR_INVALID_NAME;
+    if (!Win32::IsFileName(newName)) return ERROR_INVALID_NAME;
     const std::wstring folder(Win32::FolderOf(path));
     const std::wstring target = folder + newName;
     uint32_t error = Win32::MoveFileTo(path, target);
@@ -111,7 +111,7 @@ uint32_t RenameOne(const std::wstring& path, const std::wstring& newName, const 
 void RenameRows(std::vector<RenameRow>& rows) {
     for (RenameRow& row : rows) {
         row.now = row.path;
-        row.error = IsFileName(row.newName) ? ERROR_SUCCESS : ERROR_INVALID_NAME;
+        row.error = Win32::IsFileName(row.newName) ? ERROR_SUCCESS : ERROR_INVALID_NAME;
     }
     Renames renames(rows);
     for (size_t at = 0; at < rows.size(); ++at) renames.Run(at);

@@ -4,7 +4,7 @@
 #include <initializer_list>
 #include <optional>
 
-#include "textio/target_name.h"
+#include "win32/file_name.h"
 #include "win32/text.h"
 
 namespace FileUtils {
@@ -73,7 +73,7 @@ bool IsFullFilePath(std::wstring_view path) {
     std::wstring_view last;
     while (!found->empty())
         if (const std::wstring_view name = TakeName(*found); !name.empty()) last = name;
-    return last.empty() || QVUtils::IsPlainFileName(last);
+    return last.empty() || Win32::IsFileName(last);
 }
 
 bool IsRemoteRegistryKey(std::wstring_view path) {

@@ -4,8 +4,8 @@
 #include <bit>
 #include <unordered_map>
 
-#include "rename/name_check.h"
 #include "rename/rename_rule.h"
+#include "win32/file_name.h"
 #include "win32/text.h"
 
 namespace BatchRename {
@@ -207,9 +207,10 @@ private:
             ++m_places[m_from[row]].wanterCount;
             return;
         }
-        const NameCheck check = CheckName(item.newName);
-        if (check.fault != NameFault::None)
-            return Fail(row, RowReason::BadName, check.fault == NameFault::TooLong ? kNameTooLong : kInvalidName);
+        const Win32::NameCheck check = Win32::CheckFileName(item.newName);
+        if (check.fault != Win32::NameFault::None)
+            return Fail(row, RowReason::BadName,
+                        check.fault == Win32::NameFault::TooLong ? kNameTooLong : kInvalidName);
         if (item.location.size() + item.newName.size() + kPathReserve > kLongestPath)
             return Fail(row, RowReason::PathTooLong, kNameTooLong);
         if (m_folderErrors[folder] != 0) return Fail(row, RowReason::FolderError, m_folderErrors[folder]);
@@ -336,7 +337,7 @@ std::wstring DescribeRowPlan(const BatchRenameItem& row, const RowPlan& plan) {
         case RowReason::None: return {};
         case RowReason::Unchanged: return L"the name stays the same";
         case RowReason::RuleFault: return DescribeRuleFault(row.fault);
-        case RowReason::BadName: return DescribeNameFault(row.newName, CheckName(row.newName));
+        case RowReason::BadName: return Win32::DescribeNameFault(row.newName, Win32::CheckFileName(row.newName));
         case RowReason::PathTooLong: return L"the path would be too long";
         case RowReason::FolderError: return L"the folder cannot be read, error " + std::to_wstring(plan.code);
         case RowReason::Gone: return L"there is no such item any more";

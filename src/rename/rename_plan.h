@@ -27,7 +27,7 @@ enum class RowReason : uint8_t {
     None,
     Unchanged,    // the new name is exactly the current one
     RuleFault,    // see the row
-    BadName,      // CheckName says why
+    BadName,      // Win32::CheckFileName says why
     PathTooLong,  // with its folder the name is beyond what the system takes
     FolderError,  // the folder cannot be read
     Gone,         // there is no such item any more

@@ -4,10 +4,22 @@
 #include <utility>
 
 #include "rename/case_conversion.h"
-#include "rename/name_check.h"
+#include "win32/file_name.h"
 
 namespace BatchRename {
 namespace {
+
+/// Turns what no name may hold into "_": for values that come from elsewhere, which their user did not type. "\r\n" is
+/// left: the rule takes line breaks out of the whole name.
+void CleanForName(std::wstring& value) {
+    for (size_t at = 0; at < value.size(); ++at) {
+        const bool isLineBreak = value[at] == L'\r' && at + 1 < value.size() && value[at + 1] == L'\n';
+        if (isLineBreak)
+            ++at;
+        else if (Win32::IsForbiddenInNames(value[at]))
+            value[at] = L'_';
+    }
+}
 
 constexpr size_t kLongestFolderText = 4096;  // units
 

@@ -1,13 +1,7 @@
 #include "textio/target_name.h"
 
-#include <algorithm>
-
-#include "win32/text.h"
-
 namespace QVUtils {
 namespace {
-
-constexpr size_t kLongestName = 255;  // units, of every file system in use
 
 std::wstring ReplaceStars(std::wstring_view pattern, std::wstring_view replacement) {
     std::wstring result;
@@ -20,33 +14,7 @@ std::wstring ReplaceStars(std::wstring_view pattern, std::wstring_view replaceme
     return result;
 }
 
-/// What a device name is compared without: the extension, and the blanks before it.
-std::wstring_view BaseOf(std::wstring_view name) {
-    name = name.substr(0, name.find(L'.'));
-    while (name.ends_with(L' ')) name.remove_suffix(1);
-    return name;
-}
-
-bool IsDeviceName(std::wstring_view name) {
-    std::wstring base(BaseOf(name));
-    std::ranges::transform(base, base.begin(), Win32::UpperAscii<wchar_t>);
-    for (const wchar_t* device : {L"CON", L"PRN", L"AUX", L"NUL", L"CONIN$", L"CONOUT$", L"CLOCK$"})
-        if (base == device) return true;
-    // COM and LPT with a digit, of which the system knows three written small and high up too.
-    const bool hasNumber = base.starts_with(L"COM") || base.starts_with(L"LPT");
-    return hasNumber && base.size() == 4 &&
-           std::wstring_view(L"0123456789\u00B9\u00B2\u00B3").find(base[3]) != std::wstring_view::npos;
-}
-
 }  // namespace
-
-bool IsPlainFileName(std::wstring_view name) {
-    if (name.empty() || name.size() > kLongestName || name.ends_with(L'.') || name.ends_with(L' ')) return false;
-    const auto isForbidden = [](wchar_t unit) {
-        return unit < L' ' || std::wstring_view(L"<>:\"/\\|?*").find(unit) != std::wstring_view::npos;
-    };
-    return std::ranges::none_of(name, isForbidden) && !IsDeviceName(name);
-}
 
 std::wstring ExpandTargetName(std::wstring_view pattern, std::wstring_view sourceFileName) {
     if (pattern.find(L'*') == std::wstring_view::npos) return std::wstring(pattern);

@@ -7,12 +7,6 @@
 
 namespace QVUtils {
 
-/// True when a file may get this name: one name within a folder and nothing else. False for "", a separator, a drive
-/// letter or stream (a colon), another character that no name may hold, "." and "..", a name that ends in a dot or
-/// blank (the system would drop it and mean another file), a name of a device with or without extension, and one above
-/// 255 units. Names come from files that anybody may have written.
-bool IsPlainFileName(std::wstring_view name);
-
 /// The target's file name from a "Save as" pattern and the source's file name.
 ///
 /// Without a "*" the pattern is the name; an empty pattern gives an empty name. Otherwise the pattern is split at its

@@ -8,9 +8,9 @@
 #include <gtest/gtest.h>
 
 #include "batchrename/run/rename_run.h"
-#include "rename/name_check.h"
 #include "rows.h"
 #include "simulated_disk.h"
+#include "win32/file_name.h"
 #include "win32/text.h"
 
 namespace {
@@ -95,7 +95,7 @@ std::vector<bool> ReferenceVerdicts(const RenameItems& rows, const std::vector<D
     for (size_t row = 0; row < rows.size(); ++row) {
         const bool isFirst = holders.emplace(Win32::ToUpperCase(rows[row]->currentName), row).second;
         const bool isChange = rows[row]->newName != rows[row]->currentName;
-        moves[row] = isFirst && isChange && CheckName(rows[row]->newName).fault == NameFault::None &&
+        moves[row] = isFirst && isChange && Win32::IsFileName(rows[row]->newName) &&
                      onDisk.contains(Win32::ToUpperCase(rows[row]->currentName));
         if (moves[row] || (isFirst && !isChange)) ++wanted[Win32::ToUpperCase(rows[row]->newName)];
     }

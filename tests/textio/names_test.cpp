@@ -38,15 +38,3 @@ TEST(FreeBackupName, CountsFromTwoToItsLastNumber) {
     taken.insert(L"p.txt_(9999).bak");
     EXPECT_EQ(FreeBackupName(L"p.txt", exists), L"");
 }
-
-TEST(IsPlainFileName, MeansNothingOutsideTheFolder) {
-    for (const wchar_t* name : {L"a", L"a b.c", L".profile", L"CONTENT", L"COM", L"COM10", L"\u4E2D.txt", L"a..b"})
-        EXPECT_TRUE(IsPlainFileName(name)) << testing::PrintToString(name);
-    for (const wchar_t* name :
-         {L"",        L".",      L"..",  L"...",  L"a\\b",     L"a/b",       L"..\\a", L"C:", L"C:a",
-          L"a:b",     L"a?",     L"a*",  L"a|b",  L"<a",       L"a\tb",      L"a.",    L"a ", L"CON",
-          L"con.txt", L"Nul .a", L"aux", L"COM1", L"lpt9.x.y", L"COM\u00B2", L"conin$"})
-        EXPECT_FALSE(IsPlainFileName(name)) << testing::PrintToString(name);
-    EXPECT_FALSE(IsPlainFileName(std::wstring(256, L'a')));
-    EXPECT_FALSE(IsPlainFileName(std::wstring(L"a\0b", 3)));
-}

@@ -1,5 +1,6 @@
 #include "fileutils/commands.h"
 #include "fileutils/ids.h"
+#include "win32/file_name.h"
 #include "win32/text.h"
 
 #include <algorithm>
@@ -14,7 +15,6 @@
 #include "sdk/text_format.h"
 #include "textio/data_reader.h"
 #include "textio/data_writer.h"
-#include "textio/target_name.h"
 #include "win32/code_page.h"
 #include "win32/files.h"
 #include "win32/link_check.h"
@@ -107,7 +107,7 @@ std::wstring NameFromHeaderOf(const std::wstring& path) {
     char bytes[kNameArea];
     const uint32_t size = ReadFully(reader, bytes, kNameArea);
     std::wstring name = Win32::FromCodePage(NameInHeader({bytes, size}), Win32::kThreadCodePage);
-    return QVUtils::IsPlainFileName(name) ? name : std::wstring();
+    return Win32::IsFileName(name) ? name : std::wstring();
 }
 
 /// ".b64" follows the whole name: a.txt and a.doc must not become one file, and a decoded file without a name in its

@@ -7,6 +7,7 @@
 #include "sdk/text_format.h"
 #include "textio/qvutils_exception.h"
 #include "textio/target_name.h"
+#include "win32/file_name.h"
 #include "win32/files.h"
 #include "win32/path.h"
 
@@ -61,7 +62,7 @@ private:
         }
         const std::wstring target = (m_options & Option::SaveAs) ? TargetOf(source) : source;
         // Asked before anything looks at the target: a device exists, and takes whatever is written to it.
-        if (target != source && !QVUtils::IsPlainFileName(Win32::FileNameOf(target))) {
+        if (target != source && !Win32::IsFileName(Win32::FileNameOf(target))) {
             FindAndReplaceCallback(m_host, m_options, m_run.confirmation)
                 .ReportErrorW((L"The target cannot be a file name : " + target).c_str(),
                               QVUtils::ErrorCode::InvalidName);

@@ -1,7 +1,7 @@
 #include "fileutils/links/link_rules.h"
 
 #include "fileutils/links/link_creation.h"
-#include "textio/target_name.h"
+#include "win32/file_name.h"
 #include "win32/files.h"
 #include "win32/folder.h"
 #include "win32/path.h"
@@ -41,7 +41,7 @@ void LinkRules::LookAt(const std::wstring& folder) {
 std::wstring LinkRules::WhyNot(uint32_t type, const std::wstring& link, const std::wstring& target,
                                bool targetIsFolder) {
     const std::wstring name(Win32::FileNameOf(link));
-    if (!QVUtils::IsPlainFileName(name)) return L"This cannot be a name: " + name;
+    if (!Win32::IsFileName(name)) return L"This cannot be a name: " + name;
     LookAt(std::wstring(Win32::FolderOf(link)));
     const bool isTaken = m_folder.isListed ? m_folder.names.contains(Win32::ToUpperCase(name)) : Win32::Exists(link);
     if (isTaken) return L"This name is in use: " + name;

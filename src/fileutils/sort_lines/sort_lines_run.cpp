@@ -7,6 +7,7 @@
 #include "textio/qvutils_exception.h"
 #include "textio/target_name.h"
 #include "win32/code_page.h"
+#include "win32/file_name.h"
 #include "win32/files.h"
 #include "win32/path.h"
 
@@ -69,7 +70,7 @@ private:
     void SortItem(IFileItem& item, const std::wstring& path) {
         const std::wstring target = TargetOf(path, m_request);
         // Asked before anything looks at the target: a device exists, and takes whatever is written to it.
-        if (target != path && !QVUtils::IsPlainFileName(Win32::FileNameOf(target))) {
+        if (target != path && !Win32::IsFileName(Win32::FileNameOf(target))) {
             Fail(item, path, L"The target cannot be a file name : " + target, QVUtils::ErrorCode::InvalidName);
             return;
         }

@@ -1,12 +1,12 @@
-#include "rename/name_check.h"
+#include "win32/file_name.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using namespace BatchRename;
+using namespace Win32;
 
-TEST(CheckName, FindsWhatCannotBeAName) {
+TEST(CheckFileName, FindsWhatCannotBeAName) {
     const struct {
         std::wstring name;
         NameFault fault;
@@ -16,6 +16,8 @@ TEST(CheckName, FindsWhatCannotBeAName) {
         {L"\xD83D\xDE00", NameFault::None, 0},
         {L"", NameFault::Empty, 0},
         {L"a\\b?", NameFault::InvalidCharacter, 1},
+        {L"C:a", NameFault::InvalidCharacter, 1},
+        {std::wstring(L"a\0b", 3), NameFault::InvalidCharacter, 1},
         {L"a\tb", NameFault::InvalidCharacter, 1},
         {L"a\xD83D", NameFault::LoneSurrogate, 1},
         {L"\xDE00\xD83D", NameFault::LoneSurrogate, 0},
@@ -23,20 +25,23 @@ TEST(CheckName, FindsWhatCannotBeAName) {
         {L"COM1", NameFault::Reserved, 0},
         {L"LPT\u00B3.log", NameFault::Reserved, 0},
         {L"nul .a.b", NameFault::Reserved, 0},
-        {L"COM0", NameFault::None, 0},
+        {L"conin$", NameFault::Reserved, 0},
+        {L"CONTENT", NameFault::None, 0},
+        {L"COM0", NameFault::Reserved, 0},
         {L"COM10", NameFault::None, 0},
+        {L"..", NameFault::TrailingDotOrBlank, 1},
         {L"a.", NameFault::TrailingDotOrBlank, 1},
         {L"a ", NameFault::TrailingDotOrBlank, 1},
         {std::wstring(255, L'a'), NameFault::None, 0},
         {std::wstring(256, L'a'), NameFault::TooLong, 255},
     };
     for (const auto& c : cases) {
-        const NameCheck check = CheckName(c.name);
+        const NameCheck check = CheckFileName(c.name);
         EXPECT_EQ(check.fault, c.fault) << c.name;
         EXPECT_EQ(check.position, c.position) << c.name;
         EXPECT_EQ(DescribeNameFault(c.name, check).empty(), c.fault == NameFault::None) << c.name;
     }
-    EXPECT_EQ(DescribeNameFault(L"\x07", CheckName(L"\x07")), L"the character U+0007 cannot be in a name");
+    EXPECT_EQ(DescribeNameFault(L"\x07", CheckFileName(L"\x07")), L"the character U+0007 cannot be in a name");
 }
 
 }  // namespace

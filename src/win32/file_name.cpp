@@ -1,40 +1,41 @@
-#include "rename/name_check.h"
+#include "win32/file_name.h"
 
 #include <algorithm>
 #include <array>
 
 #include "win32/text.h"
 
-namespace BatchRename {
+namespace Win32 {
 namespace {
 
 /// The place of the first half pair; npos when every surrogate has its partner.
 size_t FindLoneSurrogate(std::wstring_view name) {
     for (size_t at = 0; at < name.size(); ++at) {
-        if (Win32::IsHighSurrogate(name[at]) && at + 1 < name.size() && Win32::IsLowSurrogate(name[at + 1]))
+        if (IsHighSurrogate(name[at]) && at + 1 < name.size() && IsLowSurrogate(name[at + 1]))
             ++at;
-        else if (Win32::IsSurrogate(name[at]))
+        else if (IsSurrogate(name[at]))
             return at;
     }
     return std::wstring_view::npos;
 }
 
-/// A device's name counts with any extension, with blanks before it, and with superscript digits for the ports.
+/// A device's name counts with any extension, with blanks before it, and with superscript digits for the ports. The
+/// list is that of Windows' naming conventions, with the clock of older systems.
 bool IsReserved(std::wstring_view name) {
     std::wstring_view base = name.substr(0, std::min(name.find(L'.'), name.size()));
     while (base.ends_with(L' ')) base.remove_suffix(1);
     if (base.size() < 3 || base.size() > 7) return false;
     std::wstring upper(base);
-    std::ranges::transform(upper, upper.begin(), Win32::UpperAscii<wchar_t>);
-    for (const wchar_t* device : {L"CON", L"PRN", L"AUX", L"NUL", L"CONIN$", L"CONOUT$"})
+    std::ranges::transform(upper, upper.begin(), UpperAscii<wchar_t>);
+    for (const wchar_t* device : {L"CON", L"PRN", L"AUX", L"NUL", L"CONIN$", L"CONOUT$", L"CLOCK$"})
         if (upper == device) return true;
     if (upper.size() != 4 || (!upper.starts_with(L"COM") && !upper.starts_with(L"LPT"))) return false;
     const wchar_t digit = upper[3];
-    return (digit >= L'1' && digit <= L'9') || digit == 0xB9 || digit == 0xB2 || digit == 0xB3;
+    return IsDigit(digit) || digit == 0xB9 || digit == 0xB2 || digit == 0xB3;
 }
 
 std::wstring Shown(wchar_t unit) {
-    if (unit >= L' ' && !Win32::IsSurrogate(unit)) return std::wstring(L"\"") + unit + L"\"";
+    if (unit >= L' ' && !IsSurrogate(unit)) return std::wstring(L"\"") + unit + L"\"";
     constexpr wchar_t kDigits[] = L"0123456789ABCDEF";
     std::wstring text = L"U+";
     for (int shift = 12; shift >= 0; shift -= 4) text += kDigits[(unit >> shift) & 0xF];
@@ -53,7 +54,7 @@ bool IsForbiddenInNames(wchar_t unit) {
     return unit < 0x80 && (kForbidden[unit / 64] >> (unit % 64) & 1) != 0;
 }
 
-NameCheck CheckName(std::wstring_view name) {
+NameCheck CheckFileName(std::wstring_view name) {
     if (name.empty()) return {NameFault::Empty, 0};
     const auto forbidden = std::ranges::find_if(name, IsForbiddenInNames);
     if (forbidden != name.end()) return {NameFault::InvalidCharacter, static_cast<size_t>(forbidden - name.begin())};
@@ -84,14 +85,4 @@ std::wstring DescribeNameFault(std::wstring_view name, const NameCheck& check) {
     return {};
 }
 
-void CleanForName(std::wstring& value) {
-    for (size_t at = 0; at < value.size(); ++at) {
-        const bool isLineBreak = value[at] == L'\r' && at + 1 < value.size() && value[at + 1] == L'\n';
-        if (isLineBreak)
-            ++at;
-        else if (IsForbiddenInNames(value[at]))
-            value[at] = L'_';
-    }
-}
-
-}  // namespace BatchRename
+}  // namespace Win32
