@@ -1,5 +1,5 @@
 # The system's libraries that windows, the shell and COM need are loaded with the first call of one of their functions
-# (the linker's delay loading). A command line needs none of them, and loading them takes as long as everything else
+# (the linker's delay loading). A command line needs no such library, and loading them takes as long as everything else
 # that happens before a command runs.
 #
 # Only libraries that Windows takes from its own folder whatever lies beside the program (its known DLLs) may be named

@@ -33,7 +33,7 @@ public:
     explicit Input(Bytes bytes) : m_rest(reinterpret_cast<const char*>(bytes.data()), bytes.size()) {}
 
     bool IsAtEnd() const { return m_rest.empty(); }
-    /// 0 behind the end.
+    /// 0 after the end.
     uint8_t Byte() {
         if (m_rest.empty()) return 0;
         const auto byte = static_cast<uint8_t>(m_rest.front());
@@ -71,7 +71,7 @@ std::basic_string<CharT> Widened(std::string_view text) {
     return wide;
 }
 
-/// A copy without a byte of room around it, so that a look beyond its ends is seen.
+/// A copy without a byte of space around it, so that a look beyond its ends is seen.
 template <class CharT>
 class Exact {
 public:

@@ -1,5 +1,5 @@
 // windows.h - as much of the system's header as the files around the cores need to compile where there is no Windows.
-// The cores themselves include none of it. Calls that would reach a disk fail.
+// The cores themselves do not include it. Calls that would reach a disk fail.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// Base64 both ways: blocks of any size give the same bytes, within the room that was promised.
+// Base64 both ways: blocks of any size give the same bytes, within the capacity that was promised.
 #include "fileutils/conversions/base64.h"
 
 #include "fuzz/input.h"
@@ -13,10 +13,10 @@ std::string Decoded(std::string_view text, size_t blockSize, bool& isWhole) {
     std::string bytes;
     for (size_t at = 0; at < text.size(); at += blockSize) {
         const Exact<char> block(text.substr(at, blockSize));
-        const size_t room = CBase64::LargestDecoded(block.View().size());
-        const auto data = std::make_unique<uint8_t[]>(room);
+        const size_t capacity = CBase64::LargestDecoded(block.View().size());
+        const auto data = std::make_unique<uint8_t[]>(capacity);
         const size_t size = decoder.Decode(block.View().data(), block.View().size(), data.get());
-        Require(size <= room, "the room is enough");
+        Require(size <= capacity, "the capacity is enough");
         bytes.append(reinterpret_cast<const char*>(data.get()), size);
     }
     uint8_t last[2] = {};
@@ -36,10 +36,10 @@ std::string Encoded(std::string_view bytes, size_t blockSize) {
         Require(CBase64::Encode(reinterpret_cast<const uint8_t*>(block.View().data()), block.View().size(),
                                 encoded.get()) == encodedSize,
                 "encoded text is as long as promised");
-        const size_t room = FileUtils::Base64Lines::LargestResult(encodedSize);
-        const auto out = std::make_unique<char[]>(room);
+        const size_t capacity = FileUtils::Base64Lines::LargestResult(encodedSize);
+        const auto out = std::make_unique<char[]>(capacity);
         const size_t length = lines.Put(encoded.get(), encodedSize, out.get());
-        Require(length <= room, "the lines' room is enough");
+        Require(length <= capacity, "the lines' capacity is enough");
         text.append(out.get(), length);
     }
     return text;

@@ -77,7 +77,7 @@ void SortNothing(std::string_view bytes, uint64_t expectedSize) {
     QVLineSorter::SortableLinesData<CharT> data(reader, expectedSize);
     TextWriter saved;
     QVLineSorter::WriteLines(data, saved);
-    // Unsorted lines come out as they were, but for a break behind those that had none.
+    // Unsorted lines come out as they were, but for a break after those that had none.
     size_t at = 0;
     for (const char byte : saved.text) at += at < bytes.size() && bytes[at] == byte;
     const bool losesCr = bytes.find('\r') != bytes.npos;

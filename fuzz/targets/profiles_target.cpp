@@ -12,7 +12,7 @@ namespace {
 using namespace Quorvane::SDK;
 
 uint32_t Copy(const std::wstring& text, wchar_t* buffer, uint32_t capacity) {
-    // A text that fills the room leaves no place for the closing zero, as from a host that forgets it.
+    // A text that fills the buffer leaves no place for the closing zero, as from a host that forgets it.
     const size_t length = text.copy(buffer, capacity);
     if (length < capacity) buffer[length] = 0;
     return static_cast<uint32_t>(length);

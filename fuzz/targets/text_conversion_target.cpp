@@ -1,4 +1,4 @@
-// Line ends and tabs: blocks change nothing, the room is enough, and the result is what the plain rules give.
+// Line ends and tabs: blocks change nothing, the capacity is enough, and the result is what the plain rules give.
 #include "fileutils/conversions/text_conversion.h"
 
 #include "fuzz/input.h"
@@ -13,10 +13,10 @@ std::string Converted(TextConversion conversion, uint32_t tabWidth, std::string_
     std::string result;
     for (size_t at = 0; at < text.size(); at += blockSize) {
         const Exact<char> block(text.substr(at, blockSize));
-        const size_t room = converter.LargestResult(block.View().size());
-        const auto out = std::make_unique<char[]>(room);
+        const size_t capacity = converter.LargestResult(block.View().size());
+        const auto out = std::make_unique<char[]>(capacity);
         const size_t size = converter.Convert(block.View().data(), block.View().size(), out.get());
-        Require(size <= room, "the room is enough");
+        Require(size <= capacity, "the capacity is enough");
         result.append(out.get(), size);
     }
     return result;

@@ -6,7 +6,7 @@
 
 namespace Quorvane::SDK {
 
-/// What the host's worker already knows of a property of an item. The layout behind the status is this library's
+/// What the host's worker already knows of a property of an item. The layout after the status is this library's
 /// choice; the size is the host's.
 struct StoredPropertyValue {
     int32_t status;  // negative: `text` holds the value

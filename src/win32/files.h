@@ -1,6 +1,6 @@
-// files.h - small operations on whole files that every room needs the same way: existence, moving, deleting, identity,
-// and making the file that is to take another one's place with its name, attributes, access list and named streams.
-// Paths may be of any length; open files are given by their system handle.
+// files.h - small operations on whole files that every module needs the same way: existence, moving, deleting,
+// identity, and making the file that is to take another one's place with its name, attributes, access list and named
+// streams. Paths may be of any length; open files are given by their system handle.
 #pragma once
 
 #include <cstddef>
@@ -71,7 +71,7 @@ void CarryOverAttributes(const FileState& original, void* openFile);
 /// be followed by RemoveFileAt, for what the system refuses.
 void RemoveWhenClosed(void* openFile) noexcept;
 
-/// A file's named streams, each with its colons and type (":Zone.Identifier:$DATA"); the content itself is none of
+/// A file's named streams, each with its colons and type (":Zone.Identifier:$DATA"); the content itself is not among
 /// them. None on a volume that knows no streams.
 std::vector<std::wstring> NamedStreamsOf(const std::wstring& path);
 

@@ -17,7 +17,7 @@ std::wstring ExtendedPath(const std::wstring& path);
 /// Everything up to and including the last `\` or `/`; empty when there is none.
 std::wstring_view FolderOf(std::wstring_view path);
 
-/// Everything behind the last `\` or `/`.
+/// Everything after the last `\` or `/`.
 std::wstring_view FileNameOf(std::wstring_view path);
 
 /// A file name cut at its last dot. Without a dot the extension is empty; the dot belongs to neither part.
