@@ -7,7 +7,7 @@
 
 namespace {
 
-using QVFindAndReplace::ConfirmQuestion;
+using FileUtils::ConfirmQuestion;
 using QVTest::DrivenDialog;
 using QVUtils::EncodingKind;
 namespace Answer = QVFindAndReplace::Answer;

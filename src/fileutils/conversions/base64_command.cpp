@@ -5,11 +5,11 @@
 
 #include <algorithm>
 #include <memory>
-#include <new>
 #include <string>
 
 #include "fileutils/conversions/base64.h"
 #include "fileutils/conversions/mime_header.h"
+#include "fileutils/file_run.h"
 #include "fileutils/fileutils_texts.h"
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
@@ -119,12 +119,6 @@ std::wstring TargetOf(const std::wstring& path, bool encodes) {
     return Win32::JoinPath(Win32::FolderOf(path), name);
 }
 
-void LogFailure(IHostServices& host, bool encodes, const std::wstring& path, const char* reason, uint32_t error) {
-    const std::string what = reason;
-    host.Log(kLogLevel, LogKind::Failure, L"[Base64] - Failed to %s file : %s ( %s, ErrorCode : %d )",
-             encodes ? L"encode" : L"decode", path.c_str(), std::wstring(what.begin(), what.end()).c_str(), error);
-}
-
 /// The source is open before the target is touched, and nobody writes to either meanwhile: a file that is sent must be
 /// whole. What was written of a target stays when the rest fails: the bytes decoded so far may be all that is left of a
 /// damaged file.
@@ -143,9 +137,7 @@ uint64_t Convert(bool encodes, const std::wstring& path, const std::wstring& tar
 }
 
 /// @throws QVUtilsException
-void ConvertFile(IHostServices& host, bool encodes, const std::wstring& path) {
-    const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
-    if (!files || !files->Exists(path.c_str())) return;
+void ConvertFile(IHostServices& host, IFileOperations& files, bool encodes, const std::wstring& path) {
     const std::wstring target = TargetOf(path, encodes);
     // By whatever name: writing the target would empty the file before it is read.
     if (Win32::EqualIgnoringCase(target, path) || Win32::IsSameFile(path, target))
@@ -153,7 +145,7 @@ void ConvertFile(IHostServices& host, bool encodes, const std::wstring& path) {
     // The name may come from a stranger's file, and what it leads to may lie anywhere.
     if (Win32::IsLink(target)) throw QVUtilsException(ERROR_CANT_ACCESS_FILE, "The target is a link");
     // A name that is free must stay so until the file is made: a link that leads nowhere looks like one.
-    const bool overwrites = files->Exists(target.c_str());
+    const bool overwrites = files.Exists(target.c_str());
     if (overwrites) {
         const std::wstring question = FormatText(HostText(host, Text::DecodedFileExists), {target});
         const wchar_t* const caption = HostText(host, encodes ? Text::EncodeBase64 : Text::DecodeBase64);
@@ -171,15 +163,13 @@ uint32_t RunBase64(IHostServices& host, uint32_t id) {
     const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Files);
     if (!list) return 1;
     const bool encodes = id == CommandId::EncodeBase64;
-    for (const std::wstring& path : PathsOf(*list)) {
-        try {
-            ConvertFile(host, encodes, path);
-        } catch (const QVUtilsException& error) {
-            LogFailure(host, encodes, path, error.what(), error.GetErrorCode());
-        } catch (const std::bad_alloc&) {
-            LogFailure(host, encodes, path, "Out of memory", QVUtils::ErrorCode::OutOfMemory);
-        }
-    }
+    ForEachFile(
+        host, *list, [&](const std::wstring& path, IFileOperations& files) { ConvertFile(host, files, encodes, path); },
+        [&](const std::wstring& path, const std::wstring& reason, uint32_t error) {
+            host.Log(kLogLevel, LogKind::Failure, L"[Base64] - Failed to %s file : %s ( %s, ErrorCode : %d )",
+                     encodes ? L"encode" : L"decode", path.c_str(), reason.empty() ? L"Out of memory" : reason.c_str(),
+                     error);
+        });
     return 1;
 }
 

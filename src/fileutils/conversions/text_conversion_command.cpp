@@ -4,10 +4,10 @@
 
 #include <algorithm>
 #include <ctime>
-#include <new>
 #include <optional>
 
 #include "fileutils/conversions/text_conversion.h"
+#include "fileutils/file_run.h"
 #include "fileutils/fileutils_texts.h"
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
@@ -114,7 +114,7 @@ private:
 /// step of the system, so that at no moment there is neither. When the file cannot be replaced (it is in use, or
 /// read-only) both stay: the work is done, and whoever frees the file can put it in place. When another program has
 /// saved the file meanwhile, its content stays and the converted form of the old one goes.
-void ConvertFile(IHostServices& host, const std::wstring& path, const TextConverter& converter) try {
+void ConvertFile(IHostServices& host, const std::wstring& path, const TextConverter& converter) {
     ConvertedForm converted(path);
     const Win32::FileState original = converted.Write(path, converter);
     uint32_t error = QVUtils::LookAgain(original);
@@ -124,13 +124,15 @@ void ConvertFile(IHostServices& host, const std::wstring& path, const TextConver
         host.Log(kLogLevel, LogKind::Failure,
                  L"[Convert text] - Failed to replace file : %s ( ErrorCode : %d ), its converted form is %s",
                  path.c_str(), error, converted.Path().c_str());
-} catch (const QVUtilsException& error) {
-    const std::string what = error.what();
-    host.Log(kLogLevel, LogKind::Failure, L"[Convert text] - Failed to convert file : %s ( %s, ErrorCode : %d )",
-             path.c_str(), std::wstring(what.begin(), what.end()).c_str(), error.GetErrorCode());
-} catch (const std::bad_alloc&) {
-    host.Log(kLogLevel, LogKind::Failure, L"[Convert text] - Failed to convert file : %s ( ErrorCode : %d )",
-             path.c_str(), QVUtils::ErrorCode::OutOfMemory);
+}
+
+void LogFailure(IHostServices& host, const std::wstring& path, const std::wstring& reason, uint32_t error) {
+    if (reason.empty())
+        host.Log(kLogLevel, LogKind::Failure, L"[Convert text] - Failed to convert file : %s ( ErrorCode : %d )",
+                 path.c_str(), error);
+    else
+        host.Log(kLogLevel, LogKind::Failure, L"[Convert text] - Failed to convert file : %s ( %s, ErrorCode : %d )",
+                 path.c_str(), reason.c_str(), error);
 }
 
 }  // namespace
@@ -149,10 +151,12 @@ uint32_t RunTextConversion(IHostServices& host, uint32_t id) {
         if (!chosen) return 1;
         tabWidth = *chosen;
     }
-    for (const std::wstring& path : PathsOf(*list)) {
-        const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
-        if (files && files->Exists(path.c_str())) ConvertFile(host, path, TextConverter(row->conversion, tabWidth));
-    }
+    const TextConverter converter(row->conversion, tabWidth);
+    ForEachFile(
+        host, *list, [&](const std::wstring& path, IFileOperations&) { ConvertFile(host, path, converter); },
+        [&](const std::wstring& path, const std::wstring& reason, uint32_t error) {
+            LogFailure(host, path, reason, error);
+        });
     return 1;
 }
 

@@ -10,7 +10,6 @@ namespace FileUtils {
 namespace {
 
 using namespace Quorvane::SDK;
-using QVFindAndReplace::ConfirmQuestion;
 namespace Answer = QVFindAndReplace::Answer;
 
 struct ChoiceRow {

@@ -1,11 +1,11 @@
-// confirm_replace.h - the question about one match, and whoever answers it.
+// confirm_replace.h - the question about one match, and what answers it.
 #pragma once
 
 #include <string>
 
 #include "findreplace/callback.h"
 
-namespace QVFindAndReplace {
+namespace FileUtils {
 
 /// What the user is asked. Texts of 8-bit documents come decoded from the thread's code page, and as the bytes they
 /// are, so that they can be shown as UTF-8 as well.
@@ -14,8 +14,8 @@ struct ConfirmQuestion {
     std::wstring context;  // the match with the lines around it, joined by CR LF
     std::wstring replacement;
     QVUtils::EncodingKind kind = QVUtils::EncodingKind::Utf16;
-    Match match;             // its place in the context counts units of `context`
-    std::string rawContext;  // empty for UTF-16
+    QVFindAndReplace::Match match;  // its place in the context counts units of `context`
+    std::string rawContext;         // empty for UTF-16
     std::string rawReplacement;
     uint32_t rawOffset = 0;  // the match's place in `rawContext`, in bytes
     uint32_t rawLength = 0;
@@ -30,4 +30,4 @@ protected:
     ~IConfirmReplace() = default;
 };
 
-}  // namespace QVFindAndReplace
+}  // namespace FileUtils

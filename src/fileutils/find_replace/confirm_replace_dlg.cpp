@@ -14,7 +14,6 @@ namespace {
 
 using namespace Ui;
 
-using QVFindAndReplace::ConfirmQuestion;
 using QVUtils::EncodingKind;
 namespace Answer = QVFindAndReplace::Answer;
 

@@ -20,16 +20,16 @@ struct MatchView {
 /// `asUtf8` counts for 8-bit documents only: their bytes read as UTF-8, else in the thread's code page.
 ///
 /// Of the line with the match, what stands right around the match is kept, and the match itself up to 400 units.
-MatchView ViewOf(const QVFindAndReplace::ConfirmQuestion& question, bool asUtf8);
+MatchView ViewOf(const ConfirmQuestion& question, bool asUtf8);
 
 /// One for each run. Between questions it remembers the window's place and nothing else.
-class ConfirmReplaceDlg final : public QVFindAndReplace::IConfirmReplace, private Ui::Dialog {
+class ConfirmReplaceDlg final : public IConfirmReplace, private Ui::Dialog {
 public:
     /// `mainWindow`: the owner while this thread has no active window; may be null.
     explicit ConfirmReplaceDlg(HWND mainWindow);
 
     /// Modal over the active window.
-    uint32_t Ask(const QVFindAndReplace::ConfirmQuestion& question) override;
+    uint32_t Ask(const ConfirmQuestion& question) override;
 
 private:
     bool OnInit() override;
@@ -38,7 +38,7 @@ private:
     void ShowMatch();
 
     HWND m_mainWindow;
-    const QVFindAndReplace::ConfirmQuestion* m_question = nullptr;  // while it is asked
+    const ConfirmQuestion* m_question = nullptr;  // while it is asked
     bool m_showsUtf8 = false;
     std::optional<RECT> m_place;
 };

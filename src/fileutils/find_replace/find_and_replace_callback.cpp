@@ -2,12 +2,17 @@
 
 #include "win32/code_page.h"
 
-namespace QVFindAndReplace {
+namespace FileUtils {
 namespace {
+
+using QVFindAndReplace::Match;
+namespace Answer = QVFindAndReplace::Answer;
+namespace Option = QVFindAndReplace::Option;
 
 template <class CharT>
 std::basic_string<CharT> ReplacementText(const CharT* text, uint32_t length) {
-    return length == kZeroTerminated ? std::basic_string<CharT>(text) : std::basic_string<CharT>(text, length);
+    return length == QVFindAndReplace::kZeroTerminated ? std::basic_string<CharT>(text)
+                                                       : std::basic_string<CharT>(text, length);
 }
 
 uint32_t DecodedLength(std::string_view bytes) {
@@ -60,6 +65,10 @@ uint32_t FindAndReplaceCallback::ConfirmA(const char* context, QVUtils::Encoding
     return Ask(std::move(question));
 }
 
+bool FindAndReplaceCallback::AsksNobody() const {
+    return (m_options & (Option::ReplaceAll | Option::Silent)) != 0;
+}
+
 uint32_t FindAndReplaceCallback::Ask(ConfirmQuestion question) {
     question.fileName = m_fileName;
     const uint32_t answer = m_confirmation.Ask(question);
@@ -68,4 +77,4 @@ uint32_t FindAndReplaceCallback::Ask(ConfirmQuestion question) {
     return answer;
 }
 
-}  // namespace QVFindAndReplace
+}  // namespace FileUtils

@@ -7,15 +7,15 @@
 #include "findreplace/options.h"
 #include "sdk/host_services.h"
 
-namespace QVFindAndReplace {
+namespace FileUtils {
 
-class FindAndReplaceCallback final : public IFindAndReplaceCallback {
+class FindAndReplaceCallback final : public QVFindAndReplace::IFindAndReplaceCallback {
 public:
     /// `options`: the run's option word as it stands. Both other arguments must outlive the object.
     FindAndReplaceCallback(Quorvane::SDK::IHostServices& host, uint32_t options, IConfirmReplace& confirmation)
         : m_host(host), m_options(options), m_confirmation(confirmation) {}
 
-    /// The option word: with Option::ReplaceAll once the user wants no more questions.
+    /// The option word: with QVFindAndReplace::Option::ReplaceAll once the user wants no more questions.
     uint32_t GetOptions() const noexcept { return m_options; }
 
     void SetCurrentFile(const wchar_t* fileName) override { m_fileName = fileName ? fileName : L""; }
@@ -23,14 +23,14 @@ public:
     /// Logs the error and, unless the run is silent, shows it.
     void ReportErrorW(const wchar_t* text, uint32_t code) override;
     void ReportErrorA(const char* text, uint32_t code) override;
-    uint32_t ConfirmW(const wchar_t* context, QVUtils::EncodingKind kind, const Match& match,
+    uint32_t ConfirmW(const wchar_t* context, QVUtils::EncodingKind kind, const QVFindAndReplace::Match& match,
                       const wchar_t* replacement, uint32_t replacementLength) override;
-    uint32_t ConfirmA(const char* context, QVUtils::EncodingKind kind, const Match& match, const char* replacement,
-                      uint32_t replacementLength) override;
+    uint32_t ConfirmA(const char* context, QVUtils::EncodingKind kind, const QVFindAndReplace::Match& match,
+                      const char* replacement, uint32_t replacementLength) override;
     bool IsCancelled() override { return m_isCancelled; }
 
 private:
-    bool AsksNobody() const { return (m_options & (Option::ReplaceAll | Option::Silent)) != 0; }
+    bool AsksNobody() const;
     uint32_t Ask(ConfirmQuestion question);
 
     Quorvane::SDK::IHostServices& m_host;
@@ -40,4 +40,4 @@ private:
     bool m_isCancelled = false;
 };
 
-}  // namespace QVFindAndReplace
+}  // namespace FileUtils

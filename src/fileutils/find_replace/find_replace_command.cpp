@@ -4,12 +4,16 @@
 
 #include <string>
 
+#include "fileutils/file_run.h"
+#include "fileutils/fileutils_texts.h"
 #include "fileutils/find_replace/confirm_by_choice.h"
 #include "fileutils/find_replace/confirm_replace_dlg.h"
+#include "fileutils/find_replace/find_and_replace_callback.h"
 #include "fileutils/find_replace/find_and_replace_dlg.h"
-#include "fileutils/find_replace/find_replace_run.h"
 #include "fileutils/find_replace/find_replace_settings.h"
+#include "findreplace/process_file.h"
 #include "sdk/owners.h"
+#include "sdk/text_format.h"
 #include "textio/qvutils_exception.h"
 #include "win32/code_page.h"
 
@@ -34,7 +38,8 @@ struct SwitchOption {
     const char* name;
     uint32_t option;
 };
-// "IGNORECASE" is registered and not here: runs from scripts have always told upper from lower case, and stay so.
+// "IGNORECASE" is registered and not here: runs from scripts tell upper from lower case.
+// compatibility: scripted-find-tells-case-apart
 constexpr SwitchOption kSwitches[] = {
     {Parameter::ForceUtf8, Option::ForceUtf8}, {Parameter::Wildcard, Option::Wildcard},
     {Parameter::Overwrite, Option::Overwrite}, {Parameter::ReplaceAll, Option::ReplaceAll},
@@ -71,6 +76,85 @@ QVFindAndReplace::Converted<char> ToNarrow(const std::wstring& text, QVUtils::En
     return Win32::ToCodePage(text, isUtf8 ? Win32::kUtf8CodePage : Win32::kThreadCodePage);
 }
 
+/// One request, applied file by file.
+class FindReplaceWork {
+public:
+    /// All arguments must outlive the object.
+    FindReplaceWork(IHostServices& host, QVFindAndReplace::Request& request, IConfirmReplace& confirmation)
+        : m_host(host), m_request(request), m_options(request.GetOptions()), m_confirmation(confirmation) {}
+
+    /// `targetPattern`: of "Save as", else unused.
+    FileRunResult RunOver(IFileList& files, const std::wstring& targetPattern) {
+        FileRun run;
+        run.title = Text::FindReplaceTitle;
+        run.overwriteQuestion = Text::FindReplaceOverwrite;
+        if (m_options & Option::SaveAs) run.saveAs = targetPattern;
+        run.mayOverwrite = (m_options & Option::Overwrite) != 0;
+        run.isSilent = (m_options & Option::Silent) != 0;
+        run.marksBeforeProgressEnds = true;
+        run.marks = {{MarkKind::Done, true}, {MarkKind::Failed, false}};
+        run.process = [&](const FileTask& task) { return Process(task); };
+        run.tellBadTarget = [&](const FileTask& task) {
+            FindAndReplaceCallback(m_host, m_options, m_confirmation)
+                .ReportErrorW((L"The target cannot be a file name : " + task.target).c_str(),
+                              QVUtils::ErrorCode::InvalidName);
+            LogFailure(task);
+        };
+        run.tellSkipped = [&](const FileTask& task) {
+            LogLine(LogKind::Failure, L"[Find and Replace] - File already exists. Do not overwrite : %s", task.target);
+        };
+        run.summary = [&](const FileRunResult& result) { return Summary(result); };
+        const FileRunResult result = RunOverFiles(m_host, files, run);
+        if (result.isCancelled) m_host.Log(kLogLevel, LogKind::Failure, L"[Find and Replace] - Operation cancelled");
+        return result;
+    }
+
+private:
+    FileResult Process(const FileTask& task) {
+        if (task.mayOverwrite) m_options |= Option::Overwrite;
+        FindAndReplaceCallback callback(m_host, m_options, m_confirmation);
+        QVFindAndReplace::FileNotes notes;
+        const int64_t changes =
+            QVFindAndReplace::ProcessFile(task.source, task.target, m_options, m_request, callback, notes);
+        if (changes >= 0) {
+            m_host.Log(kLogLevel, LogKind::Success, L"[Find and Replace] - %I64d changes made to file : %s", changes,
+                       task.source.c_str());
+            m_changes += changes;
+        } else {
+            LogFailure(task);
+        }
+        if (notes.looksLikeUtf8)
+            LogLine(
+                LogKind::Success,
+                L"[Find and Replace] - Note : The file looks like UTF-8 and was read in the system's code page; with "
+                L"FORCEUTF8 (Force UTF8 for plain text) it is read as UTF-8 : %s",
+                task.source);
+        // "Replace All" is an answer for the whole run.
+        m_options |= callback.GetOptions() & Option::ReplaceAll;
+        if (changes >= 0) return FileResult::Done;
+        return changes == QVFindAndReplace::kFileCancelled ? FileResult::Cancelled : FileResult::Failed;
+    }
+
+    RunSummary Summary(const FileRunResult& result) const {
+        const TextId text = result.done == 1 ? Text::FindReplaceDoneOne : Text::FindReplaceDoneMany;
+        return {FormatText(HostText(m_host, text), {m_changes, result.done}), MB_ICONINFORMATION};
+    }
+
+    void LogFailure(const FileTask& task) {
+        LogLine(LogKind::Failure, L"[Find and Replace] - Failed to Find/Replace text in : %s", task.source);
+    }
+
+    void LogLine(uint32_t kind, const wchar_t* format, const std::wstring& path) {
+        m_host.Log(kLogLevel, kind, format, path.c_str());
+    }
+
+    IHostServices& m_host;
+    QVFindAndReplace::Request& m_request;
+    uint32_t m_options;  // the run's: gains bits by the user's answers
+    IConfirmReplace& m_confirmation;
+    int64_t m_changes = 0;
+};
+
 }  // namespace
 
 uint32_t RunFindAndReplaceCommand(IHostServices& host, ICustomCommandCall& call) {
@@ -91,16 +175,16 @@ uint32_t RunFindAndReplaceCommand(IHostServices& host, ICustomCommandCall& call)
 
     QVFindAndReplace::Request request(OptionsOf(call), find, replacement, ToNarrow);
     // A host without a main window is driven by a script or from a command line: a window of ours would wait there for
-    // somebody who may not exist. Such a host asks in its own way, or answers by itself.
+    // a user who may not exist. Such a host asks in its own way, or answers by itself.
     ConfirmByChoice choice(host);
     ConfirmReplaceDlg dialog(host.GetMainWindow());
-    QVFindAndReplace::IConfirmReplace* confirmation = &choice;
+    IConfirmReplace* confirmation = &choice;
     if (host.GetMainWindow()) confirmation = &dialog;
     std::wstring pattern = TextParameter(call, Parameter::Target);
     const bool isTargetUnused = !(request.GetOptions() & Option::SaveAs) && !pattern.empty();
     if (pattern.empty()) pattern = L"*.*";
     // The target lies in the file's own folder: a script names the file by its path, and the target by a name.
-    const auto result = QVFindAndReplace::RunOverFiles(host, list.get(), {request, pattern, L"", *confirmation});
+    const FileRunResult result = FindReplaceWork(host, request, *confirmation).RunOver(*list, pattern);
     if (isTargetUnused)
         host.Log(kLogLevel, LogKind::Success,
                  L"[Find and Replace] - Note : TARGET is not used together with KEEPBACKUP or DELETE");
@@ -121,10 +205,10 @@ uint32_t RunFindAndReplaceDialog(IHostServices& host, uint32_t) {
     SaveFindReplaceSettings(host.GetSettings(), {chosen->find, chosen->replacement, chosen->options});
 
     QVFindAndReplace::Request request(chosen->options, chosen->find, chosen->replacement, ToNarrow);
-    // Whoever pressed Start sits in front of the screen, so the matches are shown there even by a host without a
+    // The user who pressed Start sits in front of the screen, so the matches are shown there even by a host without a
     // window.
     ConfirmReplaceDlg confirmation(host.GetMainWindow());
-    QVFindAndReplace::RunOverFiles(host, files.get(), {request, chosen->targetPattern, L"", confirmation});
+    FindReplaceWork(host, request, confirmation).RunOver(*files, chosen->targetPattern);
     return 1;
 }
 

@@ -6,11 +6,15 @@
 #include <optional>
 #include <string>
 
+#include "fileutils/file_run.h"
+#include "fileutils/fileutils_texts.h"
 #include "fileutils/sort_lines/sort_lines_dlg.h"
-#include "fileutils/sort_lines/sort_lines_run.h"
 #include "fileutils/sort_lines/sort_lines_settings.h"
+#include "linesorter/sort_file.h"
 #include "linesorter/sort_request.h"
 #include "sdk/owners.h"
+#include "sdk/text_format.h"
+#include "win32/code_page.h"
 
 namespace FileUtils {
 namespace {
@@ -43,7 +47,7 @@ constexpr NamedOption kSortBy[] = {
     {L"line", Option::EntireLine}, {L"substring", Option::Substring}, {L"item", Option::Item}};
 constexpr NamedOption kSortAs[] = {{L"text", Option::AsText}, {L"num", Option::AsNumber}, {L"date", Option::AsDate}};
 
-/// A parameter that cannot be used. The reason is written to stand behind the parameter's name.
+/// A parameter that cannot be used. The reason is written to follow the parameter's name.
 struct BadParameter {
     const char* name;
     std::wstring reason;
@@ -138,16 +142,91 @@ private:
     ICustomCommandCall& m_call;
 };
 
+/// The log lines about a file have this level and the kind of a success, whatever became of it: log readers filter for
+/// them so. Only the line with the reason has the failure kind. compatibility: kinds-of-the-sorter's-log-lines
+constexpr uint32_t kSorterLogLevel = 0;
+
+/// One request, applied file by file.
+class SortWork {
+public:
+    /// `host` must outlive the object.
+    SortWork(IHostServices& host, SortRequest request) : m_host(host), m_request(std::move(request)) {}
+
+    FileRunResult RunOver(IFileList& files) {
+        FileRun run;
+        run.title = Text::SortTitle;
+        run.overwriteQuestion = Text::SortOverwrite;
+        if (m_request.Has(Option::SaveAs)) run.saveAs = m_request.saveAsName.empty() ? L"*.*" : m_request.saveAsName;
+        run.mayOverwrite = m_request.Has(Option::Overwrite);
+        run.isSilent = m_request.Has(Option::Silent);
+        run.showsProgress = !run.isSilent;
+        run.marks = {{MarkKind::Done, true}, {MarkKind::Failed, true}, {MarkKind::Skipped, false}};
+        run.process = [&](const FileTask& task) { return Process(task); };
+        run.tellBadTarget = [&](const FileTask& task) {
+            TellFailure(task, L"The target cannot be a file name : " + task.target, ErrorCode::InvalidName);
+        };
+        run.tellSkipped = [&](const FileTask& task) {
+            m_lastErrorCode = ErrorCode::FileExists;
+            Log(L"[SortLines] - Skipped to sortline in file : %s", task.source.c_str());
+        };
+        run.summary = [&](const FileRunResult& result) { return Summary(result); };
+        return RunOverFiles(m_host, files, run);
+    }
+
+    /// Of the last file that failed or was skipped; else 0.
+    uint32_t GetLastErrorCode() const noexcept { return m_lastErrorCode; }
+
+private:
+    FileResult Process(const FileTask& task) {
+        if (task.mayOverwrite) m_request.options |= Option::Overwrite;
+        const QVLineSorter::SortFileResult result = QVLineSorter::SortFile(task.source, task.target, m_request);
+        if (result.errorCode != 0) {
+            TellFailure(task, Win32::FromCodePage(result.errorText, Win32::kThreadCodePage), result.errorCode);
+            return FileResult::Failed;
+        }
+        if (result.backupErrorCode != 0) LogReason(L"Unable to delete the backup of the file", result.backupErrorCode);
+        Log(L"[SortLines] - Sorted lines in file : %s (Saved as : %s)", task.source.c_str(), task.target.c_str());
+        return FileResult::Done;
+    }
+
+    RunSummary Summary(const FileRunResult& result) const {
+        const uint32_t notSorted = result.failed + result.skipped;
+        if (notSorted > 0) return {FormatText(HostText(m_host, Text::SortFailed), {notSorted}), MB_ICONERROR};
+        return {FormatText(HostText(m_host, Text::SortDone), {result.done}), MB_ICONINFORMATION};
+    }
+
+    void TellFailure(const FileTask& task, const std::wstring& reason, uint32_t errorCode) {
+        m_lastErrorCode = errorCode;
+        LogReason(reason, errorCode);
+        Log(L"[SortLines] - Failed to sortline in file : %s", task.source.c_str());
+    }
+
+    template <class... Arguments>
+    void Log(const wchar_t* format, Arguments... arguments) {
+        m_host.Log(kSorterLogLevel, LogKind::Success, format, arguments...);
+    }
+
+    void LogReason(const std::wstring& text, uint32_t errorCode) {
+        m_host.Log(kSorterLogLevel, LogKind::Failure, L"[SortLines] - Error : %s ( ErrorCode : %d )", text.c_str(),
+                   errorCode);
+    }
+
+    IHostServices& m_host;
+    SortRequest m_request;
+    uint32_t m_lastErrorCode = 0;
+};
+
 uint32_t SortOneFile(IHostServices& host, ICustomCommandCall& call, IFileItem& item, SortRequest request) {
     const Owned<IFileList> list(host.CreateFileList());
     if (!list || !list->AddItem(&item)) return 0;
     const bool isTargetUnused = !request.Has(Option::SaveAs) && !request.saveAsName.empty();
-    const QVLineSorter::SortRunResult result = QVLineSorter::SortFiles(host, *list, std::move(request));
+    SortWork work(host, std::move(request));
+    const FileRunResult result = work.RunOver(*list);
     if (isTargetUnused)
         host.Log(kLogLevel, LogKind::Success,
                  L"[SortLines] - Note : TARGET is not used together with KEEPBACKUP or DELETE");
-    call.SetResultCode(result.isCancelled ? ErrorCode::Cancelled : result.lastErrorCode);
-    return result.sorted > 0 ? 1 : 0;
+    call.SetResultCode(result.isCancelled ? ErrorCode::Cancelled : work.GetLastErrorCode());
+    return result.done > 0 ? 1 : 0;
 }
 
 }  // namespace
@@ -176,13 +255,13 @@ uint32_t RunSortLinesDialog(IHostServices& host, uint32_t) {
     if (!files || files->GetCount() == 0) return 1;
 
     SortRequest last;
-    last.itemNumber = 1;  // until somebody asks for another item
+    last.itemNumber = 1;  // until the user asks for another item
     LoadSortLinesSettings(host.GetSettings(), last);
     SortLinesDlg dialog([&](TextId id) { return HostText(host, id); }, PathsOf(*files), std::move(last));
     auto chosen = dialog.Show(host.GetMainWindow());
     if (!chosen) return 1;
     SaveSortLinesSettings(host.GetSettings(), *chosen);
-    QVLineSorter::SortFiles(host, *files, std::move(*chosen));
+    SortWork(host, std::move(*chosen)).RunOver(*files);
     return 1;
 }
 

@@ -1,0 +1,156 @@
+#include "fileutils/file_run.h"
+
+#include <algorithm>
+#include <new>
+
+#include "sdk/owners.h"
+#include "sdk/text_format.h"
+#include "textio/qvutils_exception.h"
+#include "textio/target_name.h"
+#include "win32/file_name.h"
+#include "win32/files.h"
+#include "win32/path.h"
+
+namespace FileUtils {
+namespace {
+
+using namespace Quorvane::SDK;
+
+class FileRunner {
+public:
+    FileRunner(IHostServices& host, IFileList& files, const FileRun& run)
+        : m_host(host),
+          m_files(files),
+          m_run(run),
+          m_mayOverwrite(run.mayOverwrite),
+          m_title(HostText(host, run.title)) {
+        for (const FileMark& mark : run.marks) m_lists.push_back({mark, Owned<IFileList>(host.CreateFileList())});
+    }
+
+    FileRunResult Execute() {
+        const std::vector<IFileItem*> items = ItemsOf(m_files);
+        const auto count = static_cast<uint32_t>(items.size());
+        if (m_run.showsProgress) m_progress.reset(m_host.OpenProgress(m_title.c_str(), count));
+        for (uint32_t index = 0; index < count && !m_result.isCancelled; ++index) ProcessItem(*items[index], index);
+        if (!m_result.isCancelled) Report();
+        return m_result;
+    }
+
+private:
+    enum class TargetAnswer { Write, Skip, Cancel };
+
+    struct MarkedList {
+        FileMark mark;
+        Owned<IFileList> list;
+        bool isEmpty = true;
+    };
+
+    void ProcessItem(IFileItem& item, uint32_t index) {
+        FileTask task = {PathOf(item), {}, false};
+        if (task.source.empty()) return;
+        if (m_progress) {
+            m_progress->Advance(index, task.source.c_str());
+            m_result.isCancelled = m_progress->IsCancelled();
+        }
+        if (m_result.isCancelled) return;
+        task.target = TargetOf(task.source);
+        // Asked before anything looks at the target: a device exists, and takes whatever is written to it.
+        if (task.target != task.source && !Win32::IsFileName(Win32::FileNameOf(task.target))) {
+            m_run.tellBadTarget(task);
+            Count(m_result.failed, MarkKind::Failed, item);
+            return;
+        }
+        switch (AskForTarget(task.target)) {
+            case TargetAnswer::Write: Process(task, item); break;
+            case TargetAnswer::Skip: Skip(task, item); break;
+            case TargetAnswer::Cancel: m_result.isCancelled = true; break;
+        }
+    }
+
+    std::wstring TargetOf(const std::wstring& source) const {
+        if (!m_run.saveAs) return source;
+        return Win32::JoinPath(Win32::FolderOf(source),
+                               QVUtils::ExpandTargetName(*m_run.saveAs, Win32::FileNameOf(source)));
+    }
+
+    TargetAnswer AskForTarget(const std::wstring& target) {
+        if (!m_run.saveAs || m_mayOverwrite || !Win32::Exists(target)) return TargetAnswer::Write;
+        if (m_run.isSilent) return TargetAnswer::Skip;
+        const std::wstring question = FormatText(HostText(m_host, m_run.overwriteQuestion), {target});
+        switch (m_host.MessageBox(question.c_str(), m_title.c_str(), MB_YESNOCANCEL | MB_ICONQUESTION)) {
+            case IDYES: m_mayOverwrite = true; return TargetAnswer::Write;
+            case IDNO: return TargetAnswer::Skip;
+            default: return TargetAnswer::Cancel;
+        }
+    }
+
+    void Process(FileTask& task, IFileItem& item) {
+        task.mayOverwrite = m_mayOverwrite;
+        switch (m_run.process(task)) {
+            case FileResult::Done: Count(m_result.done, MarkKind::Done, item); break;
+            case FileResult::Failed: Count(m_result.failed, MarkKind::Failed, item); break;
+            case FileResult::Cancelled: m_result.isCancelled = true; break;
+        }
+    }
+
+    void Skip(const FileTask& task, IFileItem& item) {
+        m_run.tellSkipped(task);
+        if (std::ranges::find(m_run.marks, MarkKind::Skipped, &FileMark::kind) != m_run.marks.end())
+            Count(m_result.skipped, MarkKind::Skipped, item);
+        else
+            Count(m_result.failed, MarkKind::Failed, item);
+    }
+
+    void Count(uint32_t& number, uint32_t kind, IFileItem& item) {
+        ++number;
+        for (MarkedList& marked : m_lists) {
+            if (marked.mark.kind != kind) continue;
+            if (marked.list) marked.list->AddItem(&item);
+            marked.isEmpty = false;
+        }
+    }
+
+    void Report() {
+        if (!m_run.marksBeforeProgressEnds) m_progress.reset();
+        for (const MarkedList& marked : m_lists)
+            if (marked.list && (marked.mark.alsoWhenEmpty || !marked.isEmpty))
+                m_host.RunHostCommand(HostCommand::MarkFiles, marked.list.get(), marked.mark.kind, 0);
+        m_progress.reset();
+        if (m_run.isSilent) return;
+        const RunSummary summary = m_run.summary(m_result);
+        m_host.MessageBox(summary.text.c_str(), m_title.c_str(), MB_OK | summary.icon);
+    }
+
+    IHostServices& m_host;
+    IFileList& m_files;
+    const FileRun& m_run;
+    bool m_mayOverwrite;  // set for the rest of the run when the user answers Yes
+    const std::wstring m_title;
+    std::vector<MarkedList> m_lists;
+    OwnedProgress m_progress;
+    FileRunResult m_result;
+};
+
+}  // namespace
+
+FileRunResult RunOverFiles(IHostServices& host, IFileList& files, const FileRun& run) {
+    return FileRunner(host, files, run).Execute();
+}
+
+void ForEachFile(IHostServices& host, IFileList& list,
+                 const std::function<void(const std::wstring&, IFileOperations&)>& work,
+                 const std::function<void(const std::wstring&, const std::wstring&, uint32_t)>& tellFailure) {
+    for (const std::wstring& path : PathsOf(list)) {
+        try {
+            const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
+            if (files && files->Exists(path.c_str())) work(path, *files.Get());
+        } catch (const QVUtils::QVUtilsException& error) {
+            const std::string_view reason = error.what();
+            tellFailure(path, std::wstring(reason.begin(), reason.end()), error.GetErrorCode());
+        } catch (const std::bad_alloc&) {
+            tellFailure(path, {}, QVUtils::ErrorCode::OutOfMemory);
+        }
+    }
+}
+
+}  // namespace FileUtils
