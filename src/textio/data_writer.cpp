@@ -72,8 +72,12 @@ void BufferedDataWriter::Append(const void* data, uint64_t size) {
 }
 
 void BufferedDataWriter::Flush() {
-    WriteAll(m_target, m_block.data(), m_block.size());
-    m_block.clear();
+    // Out of the member first: what a failure left unwritten is not written a second time.
+    std::vector<uint8_t> block;
+    block.swap(m_block);
+    WriteAll(m_target, block.data(), block.size());
+    block.clear();
+    m_block.swap(block);
 }
 
 }  // namespace QVUtils

@@ -24,6 +24,15 @@ Win32::FileState StateOf(void* openFile, const std::wstring& path) {
     return state;
 }
 
+/// The last look before a file is replaced. Windows error code for which it cannot be replaced now, 0 when it can.
+/// @throws QVUtilsException when another program has saved or replaced it
+uint32_t LookAgain(const Win32::FileState& original) {
+    const uint32_t error = Win32::CheckUnchanged(original);
+    if (error == ERROR_FILE_INVALID)
+        throw QVUtilsException(ErrorCode::ReadFault, "The file was changed while it was read");
+    return error;
+}
+
 }  // namespace
 
 Win32::FileState OriginalOf(const FileDataReader& reader, const std::wstring& path) {
@@ -38,14 +47,8 @@ std::optional<Win32::FileState> OriginalOf(const FileDataReader& reader, const s
     return OriginalOf(reader, path);
 }
 
-uint32_t LookAgain(const Win32::FileState& original) {
-    const uint32_t error = Win32::CheckUnchanged(original);
-    if (error == ERROR_FILE_INVALID)
-        throw QVUtilsException(ErrorCode::ReadFault, "The file was changed while it was read");
-    return error;
-}
-
 FileReplacement::~FileReplacement() {
+    if (m_isOurs && !m_isBeside && m_request.keepsPart) KeepPart();
     if (m_isOurs && m_isBeside) Win32::RemoveWhenClosed(m_file.GetSystemHandle());
     m_file.Abandon();
     if (m_isOurs) Win32::RemoveFileAt(m_path.c_str());
@@ -58,13 +61,14 @@ void FileReplacement::Begin(std::optional<Win32::FileState> original) {
     m_original = std::move(original);
     m_isBeside = exists && LookAtTarget();
     if (m_isBeside) {
-        m_path = Win32::TemporaryNameBeside(m_original->path);
+        m_path = StaysWhenNotMoved() ? Win32::ExtendedPath(m_request.temporaryPath)
+                                     : Win32::TemporaryNameBeside(m_original->path);
         m_file.Adopt(Win32::CreateSuccessor(m_path, *m_original));
         m_isOurs = true;
     } else {
         m_path = Win32::ExtendedPath(path);
         // What was not seen a moment ago may still be there: it must not be emptied.
-        m_isOurs = m_file.Open(path, exists && m_request.mayOverwrite);
+        m_isOurs = m_file.Open(path, exists && m_request.mayOverwrite, m_request.sharing);
     }
     m_buffer.emplace(m_file);
 }
@@ -72,7 +76,7 @@ void FileReplacement::Begin(std::optional<Win32::FileState> original) {
 /// Can the target be written at all, and is it a file on a disk? Asked before work is spent on its replacement. A
 /// read-only file cannot be opened for writing, but it can be moved aside.
 bool FileReplacement::LookAtTarget() {
-    if (m_original && WantsBackup()) return true;
+    if (m_original && (WantsBackup() || StaysWhenNotMoved())) return true;
     const DWORD access = READ_CONTROL | (WantsBackup() ? FILE_READ_ATTRIBUTES : GENERIC_WRITE);
     const Win32::FileHandle file(CreateFileW(Win32::ExtendedPath(m_request.target).c_str(), access,
                                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
@@ -83,27 +87,39 @@ bool FileReplacement::LookAtTarget() {
     return true;
 }
 
+void FileReplacement::KeepPart() noexcept {
+    m_isOurs = false;
+    try {
+        m_buffer->Flush();
+    } catch (const QVUtilsException&) {
+        // What could be written of it is there.
+    }
+}
+
 uint32_t FileReplacement::Commit() {
     m_buffer->Flush();
-    if (m_isBeside) Complete();
+    const uint32_t refusal = m_isBeside ? Complete() : ERROR_SUCCESS;
     m_file.Close();
-    const uint32_t backupError = m_isBeside ? TakePlace() : ERROR_SUCCESS;
+    const uint32_t error = m_isBeside && refusal == ERROR_SUCCESS ? TakePlace() : refusal;
     m_isOurs = false;
-    return backupError;
+    return error;
 }
 
 /// Gives the new file what it takes over from the target, and looks at that once more. As long as the new file is open
-/// it can be removed, whatever its access list says.
-void FileReplacement::Complete() {
+/// it can be removed, whatever its access list says. Gives the error for which it is to stay where it is.
+uint32_t FileReplacement::Complete() {
     ThrowIfFailed(Win32::CopyStreams(m_original->path, m_path, Win32::NamedStreamsOf(m_original->path)),
                   "Unable to carry over the named streams of the file");
     Win32::CarryOverAttributes(*m_original, m_file.GetSystemHandle());
-    ThrowIfFailed(LookAgain(*m_original), WantsBackup() ? kNoBackup : kNotReplaced);
+    const uint32_t error = LookAgain(*m_original);
+    if (!StaysWhenNotMoved()) ThrowIfFailed(error, WantsBackup() ? kNoBackup : kNotReplaced);
+    return error;
 }
 
 uint32_t FileReplacement::MoveOver() {
-    ThrowIfFailed(Win32::MoveFileOver(m_path, m_original->path), kNotReplaced);
-    return ERROR_SUCCESS;
+    const uint32_t error = Win32::MoveFileOver(m_path, m_original->path);
+    if (!StaysWhenNotMoved()) ThrowIfFailed(error, kNotReplaced);
+    return error;
 }
 
 /// Gives the complete file the target's name.

@@ -18,6 +18,12 @@ struct ReplaceRequest {
     bool mayOverwrite = false;  // an existing target is replaced, else it is an error (code 80)
     bool keepBackup = false;    // an existing target is moved aside, and stays there
     bool dropBackup = false;    // as keepBackup, but the backup is deleted once the new file is in its place
+    /// Path of the new content until it takes an existing target's place, and after that when it cannot: a complete
+    /// content then stays there. It must be free, and goes with no backup. Empty: a name that nobody can guess, and
+    /// nothing stays.
+    std::wstring temporaryPath = {};
+    bool keepsPart = false;  // a new target that cannot be completed stays with what was written of it
+    FileSharing sharing = FileSharing::ReadAndWrite;  // of a new target while it is written
 };
 
 /// The file at `path`, which `reader` has open, as it was when it was opened: what comes of its content may take its
@@ -28,10 +34,6 @@ Win32::FileState OriginalOf(const FileDataReader& reader, const std::wstring& pa
 std::optional<Win32::FileState> OriginalOf(const FileDataReader& reader, const std::wstring& path,
                                            const std::wstring& target);
 
-/// The last look before a file is replaced. Windows error code for which it cannot be replaced now, 0 when it can.
-/// @throws QVUtilsException "The file was changed while it was read" (30) when another program has saved or replaced it
-uint32_t LookAgain(const Win32::FileState& original);
-
 /// A new content for one file. Nothing of the old one is touched before the new one is complete:
 ///
 /// - An existing target is written beside itself, under a name that nobody can guess and with the old file's access
@@ -40,7 +42,7 @@ uint32_t LookAgain(const Win32::FileState& original);
 ///   free, the old file is replaced without a backup. So the source of the content may be the target itself, and may
 ///   still be open for reading while it is written.
 /// - A target that another program has saved or replaced meanwhile stays as that program left it.
-/// - A new target is created under its name, and removed again unless it is completed.
+/// - A new target is created under its name, and removed again unless it is completed or its part is to stay.
 /// - A target that is no ordinary file (a device) is written as it is.
 class FileReplacement {
 public:
@@ -48,7 +50,7 @@ public:
     explicit FileReplacement(ReplaceRequest request) : m_request(std::move(request)) {}
     FileReplacement(const FileReplacement&) = delete;
     FileReplacement& operator=(const FileReplacement&) = delete;
-    /// Removes what was written, unless it was committed.
+    /// Removes what was written, unless it was committed or is to stay.
     ~FileReplacement();
 
     /// Opens the file to write to. `original` is the target as it was read, when the content is made from it; without,
@@ -60,14 +62,17 @@ public:
     DataWriter& GetWriter() { return *m_buffer; }
 
     /// Puts the new content in the target's place; every other user of the target must be closed by now. Returns 0, or
-    /// the Windows error code for which a backup that was to be deleted is still there.
+    /// the Windows error code for which something stays beside the target: a backup that was to be deleted, or the
+    /// complete content under `temporaryPath`.
     /// @throws QVUtilsException whatever writing or moving reports; the old file then has its name and content
     uint32_t Commit();
 
 private:
     bool WantsBackup() const { return m_request.keepBackup || m_request.dropBackup; }
+    bool StaysWhenNotMoved() const { return !m_request.temporaryPath.empty(); }
     bool LookAtTarget();
-    void Complete();
+    void KeepPart() noexcept;
+    uint32_t Complete();
     uint32_t TakePlace();
     uint32_t MoveOver();
 

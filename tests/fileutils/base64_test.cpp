@@ -230,7 +230,11 @@ TEST(Base64Command, OpensTheSourceBeforeTheTargetAndGoesOn) {
     EXPECT_EQ(runner.Read(L"sub.b64"), "old");
     run = runner.Run({L"command", L"30211", cut}, {L"yes"});
     EXPECT_TRUE(Holds(run.out, "( The Base64 text is cut off, ErrorCode : 13 )"));
-    EXPECT_EQ(runner.Read(L"cut"), "abc");
+    EXPECT_EQ(runner.Read(L"cut"), "abc") << "what could be decoded stays";
+    runner.Write(L"cut", "old");
+    run = runner.Run({L"command", L"30211", cut}, {L"yes"});
+    EXPECT_TRUE(Holds(run.out, "( The Base64 text is cut off, ErrorCode : 13 )"));
+    EXPECT_EQ(runner.Read(L"cut"), "old") << "an existing target keeps its content until all is decoded";
     const std::wstring busy = runner.Write(L"busy", "half of i");
     const Win32::FileHandle writer(CreateFileW(busy.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                                OPEN_EXISTING, 0, nullptr));

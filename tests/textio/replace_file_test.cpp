@@ -68,6 +68,16 @@ TEST(ReplaceFileContent, KeepsTheOriginalUntilTheReplacementIsComplete) {
         {"to a new name", {L"b", false, false, false}, false, 0, {{L"a", "old"}, {L"b", "new"}}},
         {"to a new name, failing", {L"b", true, false, false}, true, 112, {{L"a", "old"}}},
         {"a backup of nothing", {L"b", false, true, false}, false, 0, {{L"a", "old"}, {L"b", "new"}}},
+        {"to a new name, keeping the part",
+         {.target = L"b", .keepsPart = true},
+         true,
+         112,
+         {{L"a", "old"}, {L"b", "ne"}}},
+        {"over it, where no part is kept",
+         {.target = L"a", .mayOverwrite = true, .keepsPart = true},
+         true,
+         112,
+         {{L"a", "old"}}},
         {"into no folder", {L"no\\b", true, false, false}, false, 3, {{L"a", "old"}}},
         {"onto a folder", {L".", true, false, false}, false, 5, {{L"a", "old"}}},
     };
@@ -77,6 +87,32 @@ TEST(ReplaceFileContent, KeepsTheOriginalUntilTheReplacementIsComplete) {
         ReplaceRequest request = c.request;
         request.target = folder / request.target;
         EXPECT_EQ(ErrorOf(request, c.fails ? WriteHalfAndFail : WriteNew), c.error) << c.why;
+        EXPECT_EQ(folder.ReadAll(), c.expected) << c.why;
+    }
+}
+
+TEST(ReplaceFileContent, AContentWithATemporaryPathStaysThereWhenItCannotTakeThePlace) {
+    const struct {
+        const char* why;
+        bool isHeld;  // the target, by another program
+        WriteContent write;
+        uint32_t error;
+        Contents expected;
+    } cases[] = {
+        {"free", false, WriteNew, 0, {{L"a", "new"}}},
+        {"held", true, WriteNew, ERROR_SHARING_VIOLATION, {{L"a", "old"}, {L"t", "new"}}},
+        {"failing", true, WriteHalfAndFail, 112, {{L"a", "old"}}},
+    };
+    for (const auto& c : cases) {
+        const TemporaryFolder folder;
+        const std::wstring path = folder.Write(L"a", "old");
+        Win32::FileState original;
+        ASSERT_EQ(Win32::GetState(path, original), 0u);
+        const Win32::FileHandle holder(
+            c.isHeld ? CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)
+                     : nullptr);
+        const ReplaceRequest request = {.target = path, .mayOverwrite = true, .temporaryPath = folder / L"t"};
+        EXPECT_EQ(ErrorOf(request, c.write, original), c.error) << c.why;
         EXPECT_EQ(folder.ReadAll(), c.expected) << c.why;
     }
 }

@@ -14,7 +14,7 @@
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
 #include "textio/data_reader.h"
-#include "textio/data_writer.h"
+#include "textio/replace_file.h"
 #include "win32/code_page.h"
 #include "win32/files.h"
 #include "win32/link_check.h"
@@ -120,19 +120,20 @@ std::wstring TargetOf(const std::wstring& path, bool encodes) {
 }
 
 /// The source is open before the target is touched, and nobody writes to either meanwhile: a file that is sent must be
-/// whole. What was written of a target stays when the rest fails: the bytes decoded so far may be all that is left of a
-/// damaged file.
+/// whole. What was written of a new target stays when the rest fails: the bytes decoded so far may be all that is left
+/// of a damaged file. One that was there before keeps its content then.
 /// Gives the number of characters that were ignored. @throws QVUtilsException
 uint64_t Convert(bool encodes, const std::wstring& path, const std::wstring& target, bool overwrites) {
     QVUtils::FileDataReader reader(path, QVUtils::FileSharing::Read);
-    QVUtils::FileDataWriter writer;
-    writer.Open(target, overwrites, QVUtils::FileSharing::Read);
     uint64_t ignored = 0;
-    if (encodes)
-        Encode(reader, std::wstring(Win32::FileNameOf(path)), writer);
-    else
-        ignored = Decode(reader, writer);
-    writer.Close();
+    QVUtils::ReplaceFileContent(
+        {.target = target, .mayOverwrite = overwrites, .keepsPart = true, .sharing = QVUtils::FileSharing::Read},
+        [&](QVUtils::DataWriter& writer) {
+            if (encodes)
+                Encode(reader, std::wstring(Win32::FileNameOf(path)), writer);
+            else
+                ignored = Decode(reader, writer);
+        });
     return ignored;
 }
 

@@ -12,17 +12,13 @@
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
 #include "textio/data_reader.h"
-#include "textio/data_writer.h"
 #include "textio/replace_file.h"
-#include "win32/files.h"
-#include "win32/path.h"
 #include "win32/windows.h"
 
 namespace FileUtils {
 namespace {
 
 using namespace Quorvane::SDK;
-using QVUtils::QVUtilsException;
 
 constexpr uint32_t kBlockSize = 128 * 1024;  // bytes
 constexpr uint32_t kLargestChoice = 8;
@@ -74,56 +70,21 @@ void ConvertBytes(QVUtils::DataReader& reader, TextConverter converter, QVUtils:
     }
 }
 
-/// The converted form of a file, under a name of its own beside it. Removed again unless it is to stay.
-class ConvertedForm {
-public:
-    explicit ConvertedForm(const std::wstring& path)
-        : m_path(Win32::ExtendedPath(path + L".temp" + std::to_wstring(std::time(nullptr)))) {}
-    ConvertedForm(const ConvertedForm&) = delete;
-    ConvertedForm& operator=(const ConvertedForm&) = delete;
-    ~ConvertedForm() {
-        if (m_isOurs) Win32::RemoveWhenClosed(m_writer.GetSystemHandle());
-        m_writer.Abandon();
-        if (m_isOurs) Win32::RemoveFileAt(m_path.c_str());
-    }
-
-    const std::wstring& Path() const { return m_path; }
-    void Keep() { m_isOurs = false; }
-
-    /// Gives the file that was converted. @throws QVUtilsException, also when a file of that name is there
-    Win32::FileState Write(const std::wstring& path, const TextConverter& converter) {
-        QVUtils::FileDataReader reader(path);
-        Win32::FileState original = QVUtils::OriginalOf(reader, path);
-        m_writer.Adopt(Win32::CreateSuccessor(m_path, original));
-        m_isOurs = true;
-        ConvertBytes(reader, converter, m_writer);
-        if (const uint32_t error = Win32::CopyStreams(path, m_path, Win32::NamedStreamsOf(path)))
-            throw QVUtilsException(error, "Unable to carry over the named streams");
-        Win32::CarryOverAttributes(original, m_writer.GetSystemHandle());
-        m_writer.Close();
-        return original;
-    }
-
-private:
-    std::wstring m_path;
-    QVUtils::FileDataWriter m_writer;
-    bool m_isOurs = false;
-};
-
-/// Converts one file. The converted form is complete on disk before the file is touched, and takes its place in one
-/// step of the system, so that at no moment there is neither. When the file cannot be replaced (it is in use, or
-/// read-only) both stay: the work is done, and whoever frees the file can put it in place. When another program has
-/// saved the file meanwhile, its content stays and the converted form of the old one goes.
+/// Converts one file. The converted form is complete on disk before it takes the file's place. When it cannot (the file
+/// is in use, or read-only) both stay: the work is done, and can be put in place once the file is free. When another
+/// program has saved the file meanwhile, its content stays and the converted form of the old one goes.
+/// @throws QVUtilsException, also when there is a file of the temporary name
 void ConvertFile(IHostServices& host, const std::wstring& path, const TextConverter& converter) {
-    ConvertedForm converted(path);
-    const Win32::FileState original = converted.Write(path, converter);
-    uint32_t error = QVUtils::LookAgain(original);
-    if (error == ERROR_SUCCESS) error = Win32::MoveFileOver(converted.Path(), original.path);
-    converted.Keep();
-    if (error != ERROR_SUCCESS)
+    const std::wstring temporary = path + L".temp" + std::to_wstring(std::time(nullptr));
+    QVUtils::FileDataReader reader(path);
+    QVUtils::FileReplacement replacement({.target = path, .mayOverwrite = true, .temporaryPath = temporary});
+    replacement.Begin(QVUtils::OriginalOf(reader, path));
+    ConvertBytes(reader, converter, replacement.GetWriter());
+    reader.Close();
+    if (const uint32_t error = replacement.Commit())
         host.Log(kLogLevel, LogKind::Failure,
                  L"[Convert text] - Failed to replace file : %s ( ErrorCode : %d ), its converted form is %s",
-                 path.c_str(), error, converted.Path().c_str());
+                 path.c_str(), error, temporary.c_str());
 }
 
 void LogFailure(IHostServices& host, const std::wstring& path, const std::wstring& reason, uint32_t error) {
