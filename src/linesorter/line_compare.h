@@ -1,11 +1,12 @@
-// line_compare.h - who of two keys comes first. The classes say it pair by pair, with the comparisons of the C runtime
-// and the system; how a whole file is sorted with them is sort_lines.h's work.
+// line_compare.h - which of two keys comes first. The classes say it pair by pair, with the comparisons of the C
+// runtime and the system; how a whole file is sorted with them is sort_lines.h's work.
 #pragma once
 
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <vector>
+
+#include "win32/text_order.h"
 
 namespace QVLineSorter {
 
@@ -21,23 +22,6 @@ public:
 
     /// True when the left key comes strictly before the right one.
     virtual bool Less(const CharT* left, uint32_t leftLength, const CharT* right, uint32_t rightLength) = 0;
-};
-
-/// A function of kernel32.dll that is looked up at run time, with the library that it lives in.
-class OptionalSystemFunction {
-public:
-    /// A library or function that is not found is no error: there is no address then. Null looks for nothing.
-    explicit OptionalSystemFunction(const char* name);
-    ~OptionalSystemFunction();
-    OptionalSystemFunction(const OptionalSystemFunction&) = delete;
-    OptionalSystemFunction& operator=(const OptionalSystemFunction&) = delete;
-
-    void* Get() const noexcept { return m_address; }
-
-private:
-    struct Library;  // keeps the system's header out of here
-    std::unique_ptr<Library> m_library;
-    void* m_address = nullptr;
 };
 
 /// Byte by byte, by the C runtime, over the length of the shorter key. A key that the other one begins with is
@@ -60,51 +44,33 @@ private:
 /// runtime's has the same rule as LineCompare_OrdinalA.
 class LineCompare_OrdinalW final : public LineCompare_TextBase<wchar_t> {
 public:
-    explicit LineCompare_OrdinalW(bool ignoreCase);
+    explicit LineCompare_OrdinalW(bool ignoreCase) : m_ignoreCase(ignoreCase) {}
     bool Less(const wchar_t* left, uint32_t leftLength, const wchar_t* right, uint32_t rightLength) override;
 
-    bool HasSystemComparison() const noexcept { return m_compareStringOrdinal.Get() != nullptr; }
+    bool HasSystemComparison() const noexcept { return m_order.IsThere(); }
 
 private:
     bool m_ignoreCase;
-    OptionalSystemFunction m_compareStringOrdinal;
+    Win32::OrdinalOrder m_order;
 };
 
-/// For each 16-bit character the one that the system's ordinal comparison takes for it when it ignores case; empty when
-/// the system does not tell.
-std::vector<wchar_t> OrdinalCaseTable();
+/// The language-aware classes always ignore case.
+inline constexpr uint32_t kLanguageRules = Win32::LanguageRule::IgnoreCaseByLanguage;
+constexpr uint32_t LanguageRules(bool digitsAsNumbers) {
+    return digitsAsNumbers ? kLanguageRules | Win32::LanguageRule::DigitsAsNumbers : kLanguageRules;
+}
 
-// The language-aware classes always ignore case. Each can also give a key's sort key: bytes whose order is the order of
+// Each of them can also give a key's sort key: bytes whose order is the order of
 // Less, with a zero byte at the end (and sometimes inside). `MakeSortKey` returns their number with the last zero byte,
 // or 0 when the system makes none or `capacity` bytes are too few; with capacity 0 it returns the number needed.
 
 /// 8-bit keys, by the system's 8-bit comparison in the user's locale.
 class LineCompare_LanguageAware_StringCompareA final : public LineCompare_TextBase<char> {
 public:
-    LineCompare_LanguageAware_StringCompareA();
     bool Less(const char* left, uint32_t leftLength, const char* right, uint32_t rightLength) override;
-    uint32_t MakeSortKey(const char* key, uint32_t length, uint8_t* buffer, uint32_t capacity) const;
-
-private:
-    uint32_t m_flags;
-    uint32_t m_locale;
-};
-
-/// The comparison of UTF-16 keys in the user's language that the classes below share: CompareStringEx, or
-/// CompareStringW where it is missing or not wanted.
-class LanguageComparison {
-public:
-    LanguageComparison(bool digitsAsNumbers, bool useCompareStringEx);
-
-    /// Below, at or above 0; below for an error.
-    int Compare(const wchar_t* left, uint32_t leftLength, const wchar_t* right, uint32_t rightLength) const;
-    uint32_t MakeSortKey(const wchar_t* key, uint32_t length, uint8_t* buffer, uint32_t capacity) const;
-
-private:
-    uint32_t m_flags;
-    uint32_t m_locale;
-    const wchar_t* m_localeName = nullptr;  // the user's
-    OptionalSystemFunction m_compareStringEx;
+    uint32_t MakeSortKey(const char* key, uint32_t length, uint8_t* buffer, uint32_t capacity) const {
+        return Win32::MakeSortKey(kLanguageRules, key, length, buffer, capacity);
+    }
 };
 
 template <class CharT>
@@ -114,14 +80,14 @@ template <>
 class LineCompare_LanguageAware_StringCompareEx<wchar_t> : public LineCompare_TextBase<wchar_t> {
 public:
     LineCompare_LanguageAware_StringCompareEx(bool digitsAsNumbers, bool useCompareStringEx)
-        : m_comparison(digitsAsNumbers, useCompareStringEx) {}
+        : m_order(LanguageRules(digitsAsNumbers), useCompareStringEx) {}
     bool Less(const wchar_t* left, uint32_t leftLength, const wchar_t* right, uint32_t rightLength) override;
     uint32_t MakeSortKey(const wchar_t* key, uint32_t length, uint8_t* buffer, uint32_t capacity) const {
-        return m_comparison.MakeSortKey(key, length, buffer, capacity);
+        return Win32::MakeSortKey(m_order.GetRules(), key, length, buffer, capacity);
     }
 
 private:
-    LanguageComparison m_comparison;
+    Win32::LanguageOrder m_order;
 };
 
 /// 8-bit keys have no such comparison of their own: a derived class converts them.
@@ -129,9 +95,9 @@ template <>
 class LineCompare_LanguageAware_StringCompareEx<char> : public LineCompare_TextBase<char> {
 protected:
     LineCompare_LanguageAware_StringCompareEx(bool digitsAsNumbers, bool useCompareStringEx)
-        : m_comparison(digitsAsNumbers, useCompareStringEx) {}
+        : m_order(LanguageRules(digitsAsNumbers), useCompareStringEx) {}
 
-    LanguageComparison m_comparison;
+    Win32::LanguageOrder m_order;
 };
 
 /// 8-bit keys converted to UTF-16, digits as numbers. The keys are in the system's code page.

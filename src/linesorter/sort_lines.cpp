@@ -109,7 +109,7 @@ void SortOrdinalUnits(const SortableLinesData<wchar_t>& data, Range lines, ReadC
 
 void SortOrdinal(const SortableLinesData<wchar_t>& data, Range lines, bool ignoreCase) {
     LineCompare_OrdinalW compare(ignoreCase);
-    const std::vector<wchar_t> caseTable = ignoreCase ? OrdinalCaseTable() : std::vector<wchar_t>();
+    const std::vector<wchar_t> caseTable = ignoreCase ? Win32::OrdinalCaseTable() : std::vector<wchar_t>();
     if (!compare.HasSystemComparison() || data.HasZeroCharacter() || (ignoreCase && caseTable.empty()))
         SortByComparing(data, lines, compare);
     else if (ignoreCase)

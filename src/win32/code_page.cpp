@@ -1,5 +1,6 @@
 #include "win32/code_page.h"
 
+#include <algorithm>
 #include <limits>
 #include <stdexcept>
 
@@ -52,8 +53,14 @@ std::wstring FromCodePage(std::string_view text, uint32_t codePage) {
     const int needed = MultiByteToWideChar(codePage, 0, text.data(), length, nullptr, 0);
     if (needed <= 0) return {};
     std::wstring result(static_cast<size_t>(needed), L'\0');
-    result.resize(static_cast<size_t>(MultiByteToWideChar(codePage, 0, text.data(), length, result.data(), needed)));
+    result.resize(FromCodePage(text, codePage, result.data(), static_cast<uint32_t>(needed)));
     return result;
+}
+
+uint32_t FromCodePage(std::string_view text, uint32_t codePage, wchar_t* buffer, uint32_t capacity) {
+    const int units = static_cast<int>(std::min<uint32_t>(capacity, std::numeric_limits<int>::max()));
+    return static_cast<uint32_t>(
+        MultiByteToWideChar(codePage, 0, text.data(), CheckedLength(text.size()), buffer, units));
 }
 
 }  // namespace Win32

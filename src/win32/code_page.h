@@ -8,6 +8,7 @@
 
 namespace Win32 {
 
+inline constexpr uint32_t kSystemCodePage = 0;  // CP_ACP: of the system, for programs without Unicode
 inline constexpr uint32_t kThreadCodePage = 3;  // CP_THREAD_ACP: follows the thread's locale
 inline constexpr uint32_t kUtf8CodePage = 65001;
 
@@ -25,5 +26,7 @@ std::optional<std::string> ToCodePage(std::wstring_view text, uint32_t codePage)
 /// `text` decoded from the code page. Bytes that mean nothing there come out as the system's replacement character:
 /// this is for showing text to people, not for text that is written back.
 std::wstring FromCodePage(std::string_view text, uint32_t codePage);
+/// The same into `capacity` units; gives the number written, 0 when they are too few.
+uint32_t FromCodePage(std::string_view text, uint32_t codePage, wchar_t* buffer, uint32_t capacity);
 
 }  // namespace Win32

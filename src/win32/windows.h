@@ -1,6 +1,10 @@
 // windows.h - the one place that includes the system's header, so that every file sees it the same way.
 #pragma once
 
+#ifdef QV_ENGINE
+#error "Engines know no system: what they need of it is an argument, or a function of win32/ without this header"
+#endif
+
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif

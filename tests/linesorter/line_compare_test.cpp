@@ -76,7 +76,7 @@ TEST(LineCompare, CaseTablesAgreeWithTheComparisons) {
             ASSERT_EQ(Less<char>(bytes, {&a, 1}, {&b, 1}), ranks[left] < ranks[right]) << left << " and " << right;
         }
     LineCompare_OrdinalW units(true);
-    const auto table = OrdinalCaseTable();
+    const auto table = Win32::OrdinalCaseTable();
     ASSERT_EQ(table.size(), 0x10000u);
     for (uint32_t left = 1; left < 0x10000; ++left)
         for (const uint32_t right : {left ^ 0x20u, left ^ 1u, uint32_t{table[left]}, left * 40503u & 0xFFFF}) {

@@ -6,14 +6,10 @@
 #include <unordered_set>
 
 #include "win32/path.h"
-#include "win32/windows.h"
+#include "win32/text_order.h"
 
 namespace BatchRename {
 namespace {
-
-#ifndef SORT_DIGITSASNUMBERS
-constexpr DWORD SORT_DIGITSASNUMBERS = 0x00000008;
-#endif
 
 const std::wstring& TextOfKey(const BatchRenameItem& row, RowKey key) {
     if (key == RowKey::NewName) return row.newName;
@@ -22,12 +18,12 @@ const std::wstring& TextOfKey(const BatchRenameItem& row, RowKey key) {
 
 /// Bytes that compare as the system compares the texts: made once a row instead of once a comparison.
 std::string SortKeyOf(const std::wstring& text) {
-    constexpr DWORD kFlags = LCMAP_SORTKEY | NORM_IGNORECASE | SORT_DIGITSASNUMBERS;
-    const int length = static_cast<int>(text.size());
-    const int size = length == 0 ? 0 : LCMapStringW(LOCALE_USER_DEFAULT, kFlags, text.c_str(), length, nullptr, 0);
-    std::string key(static_cast<size_t>(std::max(size, 0)), '\0');
-    if (size > 0)
-        LCMapStringW(LOCALE_USER_DEFAULT, kFlags, text.c_str(), length, reinterpret_cast<wchar_t*>(key.data()), size);
+    if (text.empty()) return {};
+    constexpr uint32_t kRules = Win32::LanguageRule::IgnoreCase | Win32::LanguageRule::DigitsAsNumbers;
+    const auto length = static_cast<uint32_t>(text.size());
+    std::string key(Win32::MakeSortKey(kRules, text.c_str(), length, nullptr, 0), '\0');
+    Win32::MakeSortKey(kRules, text.c_str(), length, reinterpret_cast<uint8_t*>(key.data()),
+                       static_cast<uint32_t>(key.size()));
     return key;
 }
 
