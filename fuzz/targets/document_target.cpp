@@ -5,7 +5,6 @@
 #include "findreplace/text_blocks.h"
 #include "fuzz/input.h"
 #include "linesorter/sortable_lines.h"
-#include "linesorter/write_lines.h"
 
 namespace QVFuzz {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "findreplace/wide_char.h"
+#include "findreplace/characters.h"
 #include "textio/encoding.h"
 
 namespace QVFindAndReplace {

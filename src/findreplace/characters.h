@@ -1,12 +1,19 @@
-// characters.h - where characters of several units begin and end.
+// characters.h - the characters of texts, and where those of several units begin and end.
 #pragma once
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 
-#include "findreplace/wide_char.h"
-
 namespace QVFindAndReplace {
+
+/// UTF-16 text of this platform: its wide characters on Windows, char16_t where those are larger.
+#ifdef _WIN32
+using WideChar = wchar_t;
+#else
+using WideChar = char16_t;
+#endif
+using WideString = std::basic_string<WideChar>;
 
 /// A UTF-8 character has at most this many units, a UTF-16 one fewer.
 inline constexpr size_t kMostUnits = 4;

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "findreplace/characters.h"
 #include "findreplace/options.h"
-#include "findreplace/wide_char.h"
 #include "textio/encoding.h"
 
 namespace QVFindAndReplace {

@@ -6,7 +6,6 @@
 #include "linesorter/sort_key.h"
 #include "linesorter/sort_lines.h"
 #include "linesorter/sortable_lines.h"
-#include "linesorter/write_lines.h"
 #include "textio/replace_file.h"
 #include "textio/text_file.h"
 #include "win32/code_page.h"

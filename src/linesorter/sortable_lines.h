@@ -8,13 +8,14 @@
 #include <vector>
 
 #include "textio/data_reader.h"
+#include "textio/data_writer.h"
 
 namespace QVLineSorter {
 
 /// One line, without its line break. Places and lengths count characters. Texts stay below 4 GB.
-/// There are tens of millions of these, so the
-/// text's pointer is a 32-bit place, the line break is read from the text behind the line, and number and date keys are
-/// kept by the sort that needs them: 16 bytes a line.
+///
+/// There are tens of millions of these, so the text's pointer is a 32-bit place, the line break is read from the text
+/// after the line, and number and date keys are kept by the sort that needs them: 16 bytes a line.
 struct SortableLine {
     uint32_t start = 0;
     uint32_t length = 0;
@@ -56,14 +57,14 @@ public:
     /// The first line break of the file; LF when it has none, as for a changed document.
     View PrevailingLineBreak() const noexcept { return m_prevailingLineBreak; }
 
-    /// Bytes in front of the first line and behind the last one.
+    /// Bytes before the first line and after the last one.
     std::string_view ByteOrderMark() const noexcept;
     std::string_view OddByte() const noexcept;
 
     /// True when a character of the text is zero: the C runtime ends its comparisons there.
     bool HasZeroCharacter() const;
 
-    /// At least this many bytes may be read behind the text, all of them zero.
+    /// At least this many bytes may be read after the text, all of them zero.
     static constexpr size_t kSpareBytes = 8;
 
 private:
@@ -72,10 +73,16 @@ private:
 
     std::unique_ptr<uint8_t[]> m_bytes;
     size_t m_size = 0;              // bytes read
-    const CharT* m_text = nullptr;  // behind the byte-order mark
+    const CharT* m_text = nullptr;  // after the byte-order mark
     const CharT* m_textEnd = nullptr;
     View m_prevailingLineBreak;
     std::vector<SortableLine> m_lines;
 };
+
+/// Writes the byte-order mark, every line with the line break that it was read with, and an odd last byte. Nothing is
+/// converted. A line without a break, which is the file's last one or one that a lone CR ended, gets the prevailing
+/// break: else it would run into the line that now follows it.
+template <class CharT>
+void WriteLines(const SortableLinesData<CharT>& data, QVUtils::DataWriter& writer);
 
 }  // namespace QVLineSorter

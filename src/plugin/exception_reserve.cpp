@@ -1,4 +1,6 @@
-#include "plugin/exception_reserve.h"
+// exception_reserve.cpp - what the library does when it is loaded, so that it can report that memory has run out even
+// when none at all is left.
+#include "win32/windows.h"
 
 #include <atomic>
 #include <cstddef>
@@ -20,8 +22,12 @@ extern "C" void* __wrap_malloc(size_t size) {
 }
 // NOLINTEND(clang-diagnostic-reserved-identifier)
 
-namespace Plugin {
+namespace {
 
+/// The C++ runtime keeps a reserve for exceptions. Its lock is made with the first use, by an allocation: without
+/// memory that allocation fails, which is thrown, which needs the reserve, and so on until the stack is gone. So the
+/// reserve is used once while there is memory. So is the lock of function-local statics, which the runtime makes with
+/// the first of them, without looking whether it got the memory.
 void PrepareExceptionReserve() noexcept {
     try {
         g_refusesNext = true;
@@ -32,4 +38,9 @@ void PrepareExceptionReserve() noexcept {
     [[maybe_unused]] static const bool isLockMade = g_refusesNext.exchange(false);
 }
 
-}  // namespace Plugin
+}  // namespace
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
+    if (reason == DLL_PROCESS_ATTACH) PrepareExceptionReserve();
+    return TRUE;
+}

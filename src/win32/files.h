@@ -13,9 +13,9 @@ namespace Win32 {
 /// True when the path names a file or folder whose attributes can be read.
 bool Exists(const std::wstring& path);
 
-/// Windows error code, 0 for success. A file that somebody (a scanner, an indexer) holds for a moment, or that is not
-/// quite deleted yet, is tried again for about a quarter of a second before error 32, 33 or 5 is given back. An error 5
-/// for want of rights comes back at once.
+/// Windows error code, 0 for success. A file that another program (a scanner, an indexer) holds for a moment, or that
+/// is not quite deleted yet, is tried again for about a quarter of a second before error 32, 33 or 5 is given back. An
+/// error 5 for want of rights comes back at once.
 uint32_t MoveFileTo(const std::wstring& from, const std::wstring& to);    // fails when `to` exists
 uint32_t MoveFileOver(const std::wstring& from, const std::wstring& to);  // replaces a file at `to`
 uint32_t RemoveFile(const std::wstring& path);                            // as it stands
@@ -27,6 +27,11 @@ uint32_t RemoveFileAt(const wchar_t* extendedPath) noexcept;
 /// True when both paths lead to the same file on disk (another spelling, a hard link, a link to it). False when either
 /// cannot be opened.
 bool IsSameFile(const std::wstring& left, const std::wstring& right);
+
+/// True for a symbolic link and whatever else the system follows from that name (a reparse point), also one that leads
+/// nowhere, and for a file that lies in another folder than the path says. False for a name that is free. Where the
+/// system shows a link that leads nowhere as a free name, only creating a file that must be new finds out.
+bool IsLink(const std::wstring& path);
 
 /// What tells a file from the one that stood in its place a while ago.
 struct FileStamp {

@@ -5,6 +5,7 @@
 
 #include "fileutils/command_runner.h"
 #include "fileutils/fileutils_resource.h"
+#include "fileutils/names/names_resource.h"
 
 namespace {
 

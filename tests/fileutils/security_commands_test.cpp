@@ -4,8 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include "fileutils/access/access_resource.h"
+#include "fileutils/access/account_picker.h"
 #include "fileutils/access/change_access_dlg.h"
-#include "fileutils/access/picked_account.h"
 #include "fileutils/access/security_work.h"
 #include "fileutils/command_runner.h"
 #include "fileutils/commands.h"

@@ -17,7 +17,6 @@
 #include "textio/replace_file.h"
 #include "win32/code_page.h"
 #include "win32/files.h"
-#include "win32/link_check.h"
 #include "win32/path.h"
 #include "win32/windows.h"
 

@@ -1,4 +1,4 @@
-#include "fileutils/find_replace/confirm_by_choice.h"
+#include "fileutils/find_replace/confirm_replace.h"
 
 #include <algorithm>
 #include <iterator>
@@ -30,8 +30,7 @@ void CopyText(wchar_t (&target)[Capacity], std::wstring_view text) {
     target[length] = 0;
 }
 
-}  // namespace
-
+/// The match in its line, between brackets, and what would take its place; at most `capacity` - 1 units.
 std::wstring DescribeMatch(const ConfirmQuestion& question, size_t capacity) {
     constexpr size_t kAround = 30;
     constexpr size_t kPart = 60;
@@ -53,6 +52,8 @@ std::wstring DescribeMatch(const ConfirmQuestion& question, size_t capacity) {
     text.resize(std::min(text.size(), capacity - 1));
     return text;
 }
+
+}  // namespace
 
 uint32_t ConfirmByChoice::Ask(const ConfirmQuestion& question) {
     const Owned<IChoiceList> choices(m_host.CreateChoiceList());

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "findreplace/callback.h"
+#include "sdk/host_services.h"
 
 namespace FileUtils {
 
@@ -28,6 +29,18 @@ public:
 
 protected:
     ~IConfirmReplace() = default;
+};
+
+/// Asks through the host's choice dialog.
+class ConfirmByChoice final : public IConfirmReplace {
+public:
+    explicit ConfirmByChoice(Quorvane::SDK::IHostServices& host) : m_host(host) {}
+
+    /// Cancel when the host shows no choice dialog or the user closes it.
+    uint32_t Ask(const ConfirmQuestion& question) override;
+
+private:
+    Quorvane::SDK::IHostServices& m_host;
 };
 
 }  // namespace FileUtils

@@ -3,14 +3,13 @@
 #include "win32/text.h"
 
 #include <string>
+#include <vector>
 
 #include "fileutils/file_run.h"
 #include "fileutils/fileutils_texts.h"
-#include "fileutils/find_replace/confirm_by_choice.h"
 #include "fileutils/find_replace/confirm_replace_dlg.h"
 #include "fileutils/find_replace/find_and_replace_callback.h"
 #include "fileutils/find_replace/find_and_replace_dlg.h"
-#include "fileutils/find_replace/find_replace_settings.h"
 #include "findreplace/process_file.h"
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
@@ -155,6 +154,33 @@ private:
     int64_t m_changes = 0;
 };
 
+constexpr wchar_t kSection[] = L"FindReplace";
+constexpr wchar_t kFindKey[] = L"Find";
+constexpr wchar_t kReplaceKey[] = L"ReplaceWith";
+constexpr wchar_t kOptionsKey[] = L"Options";
+
+void LoadText(ISettings& store, const wchar_t* key, std::wstring& text) {
+    // One unit more than the host is told of: the text ends there whatever the host does.
+    std::vector<wchar_t> buffer(kLongestFindText + 2);
+    if (store.GetString(1, kSection, key, buffer.data(), kLongestFindText + 1)) text = buffer.data();
+}
+
+/// The last request, as far as the store has it; a key that is missing leaves its field alone. The target's name is not
+/// kept. A null store loads and saves nothing.
+void LoadSettings(ISettings* store, FindAndReplaceRequest& request) {
+    if (!store) return;
+    LoadText(*store, kFindKey, request.find);
+    LoadText(*store, kReplaceKey, request.replacement);
+    store->GetNumber(1, kSection, kOptionsKey, &request.options);
+}
+
+void SaveSettings(ISettings* store, const FindAndReplaceRequest& request) {
+    if (!store) return;
+    store->SetString(1, kSection, kFindKey, request.find.c_str());
+    store->SetString(1, kSection, kReplaceKey, request.replacement.c_str());
+    store->SetNumber(1, kSection, kOptionsKey, request.options);
+}
+
 }  // namespace
 
 uint32_t RunFindAndReplaceCommand(IHostServices& host, ICustomCommandCall& call) {
@@ -196,13 +222,12 @@ uint32_t RunFindAndReplaceDialog(IHostServices& host, uint32_t) {
     const Owned<IFileList> files = GatherSelection(host, SelectionFlags::Files);
     if (!files || files->GetCount() == 0) return 1;
 
-    FindReplaceSettings settings;
-    LoadFindReplaceSettings(host.GetSettings(), settings);
-    FindAndReplaceDlg dialog([&](TextId id) { return HostText(host, id); }, PathsOf(*files),
-                             {settings.find, settings.replacement, settings.options, L""});
+    FindAndReplaceRequest last;
+    LoadSettings(host.GetSettings(), last);
+    FindAndReplaceDlg dialog([&](TextId id) { return HostText(host, id); }, PathsOf(*files), std::move(last));
     const auto chosen = dialog.Show(host.GetMainWindow());
     if (!chosen) return 1;
-    SaveFindReplaceSettings(host.GetSettings(), {chosen->find, chosen->replacement, chosen->options});
+    SaveSettings(host.GetSettings(), *chosen);
 
     QVFindAndReplace::Request request(chosen->options, chosen->find, chosen->replacement, ToNarrow);
     // The user who pressed Start sits in front of the screen, so the matches are shown there even by a host without a

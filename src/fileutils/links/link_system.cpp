@@ -1,4 +1,5 @@
-#include "fileutils/links/link_system.h"
+#include "fileutils/links/link_creation.h"
+#include "win32/windows.h"
 
 #include <shlobj.h>
 

@@ -1,6 +1,7 @@
 #include "fileutils/names/replace_dlg.h"
 
 #include "fileutils/fileutils_resource.h"
+#include "fileutils/names/names_resource.h"
 #include "ui/controls.h"
 #include "win32/window_text.h"
 
