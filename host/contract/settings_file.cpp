@@ -3,6 +3,7 @@
 #include "host/app/host_text.h"
 #include "host/contract/host_boundary.h"
 #include "host/contract/whole_file.h"
+#include "textio/replace_file.h"
 #include "win32/code_page.h"
 #include "win32/files.h"
 #include "win32/folder.h"
@@ -113,7 +114,7 @@ bool SettingsFile::Save() {
     const std::lock_guard lock(m_mutex);
     if (!m_isChanged || !m_mayWrite) return true;
     uint32_t error = Win32::MakeFolders(Win32::FolderOf(m_path));
-    if (error == ERROR_SUCCESS) error = ReplaceWholeFile(m_path, m_values.dump(kIndent) + "\n");
+    if (error == ERROR_SUCCESS) error = QVUtils::ReplaceRecord(m_path, m_values.dump(kIndent) + "\n", true);
     if (error != ERROR_SUCCESS) {
         m_output.Note(L"[settings] " + m_path + L" cannot be saved: " + DescribeError(error));
         return false;

@@ -11,6 +11,7 @@
 #include "host/xml/xml_document.h"
 #include "host/xml/xml_fault.h"
 #include "host/xml/xml_layout.h"
+#include "textio/replace_file.h"
 
 namespace QVHost {
 namespace {
@@ -127,7 +128,7 @@ bool XmlService::Save(Quorvane::SDK::IXmlDocument* document, const wchar_t* path
         std::string bytes;
         uint32_t error = known->ToBytes(mode == kIndented, bytes);
         if (error == ERROR_SUCCESS) error = Check(*known, bytes);
-        if (error == ERROR_SUCCESS) error = ReplaceWholeFile(target, bytes);
+        if (error == ERROR_SUCCESS) error = QVUtils::ReplaceRecord(target, bytes, true);
         if (error == ERROR_SUCCESS) return true;
         // The answer is a plain no: the reason is for whoever reads along.
         m_output.Note(L"[xml] " + target + L": " + DescribeError(error));

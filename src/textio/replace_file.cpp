@@ -59,8 +59,10 @@ void FileReplacement::Begin(std::optional<Win32::FileState> original) {
     const bool exists = original || Win32::Exists(path);
     if (exists && !m_request.mayOverwrite && !WantsBackup()) throw QVUtilsException(ErrorCode::FileExists, kCannotOpen);
     m_original = std::move(original);
-    m_isBeside = exists && LookAtTarget();
+    m_isNew = !exists;
+    m_isBeside = exists ? LookAtTarget() : m_request.isRecord;
     if (m_isBeside) {
+        if (m_isNew) m_original.emplace().path = path;
         m_path = StaysWhenNotMoved() ? Win32::ExtendedPath(m_request.temporaryPath)
                                      : Win32::TemporaryNameBeside(m_original->path);
         m_file.Adopt(Win32::CreateSuccessor(m_path, *m_original));
@@ -98,7 +100,9 @@ void FileReplacement::KeepPart() noexcept {
 
 uint32_t FileReplacement::Commit() {
     m_buffer->Flush();
-    const uint32_t refusal = m_isBeside ? Complete() : ERROR_SUCCESS;
+    if (m_isBeside && m_request.isRecord && !FlushFileBuffers(m_file.GetSystemHandle()))
+        throw QVUtilsException(GetLastError(), "Failed to write data to file");
+    const uint32_t refusal = m_isBeside && !m_isNew ? Complete() : ERROR_SUCCESS;
     m_file.Close();
     const uint32_t error = m_isBeside && refusal == ERROR_SUCCESS ? TakePlace() : refusal;
     m_isOurs = false;
@@ -116,8 +120,11 @@ uint32_t FileReplacement::Complete() {
     return error;
 }
 
-uint32_t FileReplacement::MoveOver() {
-    const uint32_t error = Win32::MoveFileOver(m_path, m_original->path);
+uint32_t FileReplacement::MoveToTarget() {
+    // Another program may have given the name to a file of its own since Begin.
+    const bool mayReplace = !m_isNew || m_request.mayOverwrite;
+    const uint32_t error =
+        mayReplace ? Win32::MoveFileOver(m_path, m_original->path) : Win32::MoveFileTo(m_path, m_original->path);
     if (!StaysWhenNotMoved()) ThrowIfFailed(error, kNotReplaced);
     return error;
 }
@@ -125,7 +132,7 @@ uint32_t FileReplacement::MoveOver() {
 /// Gives the complete file the target's name.
 uint32_t FileReplacement::TakePlace() {
     const std::wstring& target = m_original->path;
-    if (!WantsBackup()) return MoveOver();
+    if (m_isNew || !WantsBackup()) return MoveToTarget();
     // Moving is the question: asking first whether a name is free would cost another walk through the folder, and its
     // answer could be out of date.
     uint32_t moveError = ERROR_SUCCESS;
@@ -133,7 +140,7 @@ uint32_t FileReplacement::TakePlace() {
         moveError = Win32::MoveFileTo(target, name);
         return moveError == ERROR_ALREADY_EXISTS || moveError == ERROR_FILE_EXISTS;
     });
-    if (backup.empty()) return MoveOver();
+    if (backup.empty()) return MoveToTarget();
     ThrowIfFailed(moveError, kNoBackup);
     const uint32_t error = Win32::MoveFileTo(m_path, target);
     if (error != ERROR_SUCCESS) {
@@ -150,6 +157,16 @@ uint32_t ReplaceFileContent(const ReplaceRequest& request, const WriteContent& w
     replacement.Begin(std::move(original));
     write(replacement.GetWriter());
     return replacement.Commit();
+}
+
+uint32_t ReplaceRecord(const std::wstring& target, std::string_view bytes, bool mayOverwrite) {
+    try {
+        return ReplaceFileContent({.target = target, .mayOverwrite = mayOverwrite, .isRecord = true},
+                                  [&](DataWriter& writer) { WriteAll(writer, bytes.data(), bytes.size()); });
+    } catch (const QVUtilsException& failure) {
+        const uint32_t error = failure.GetErrorCode();
+        return error == ErrorCode::FileExists ? ERROR_ALREADY_EXISTS : error;
+    }
 }
 
 }  // namespace QVUtils

@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "textio/data_reader.h"
 #include "textio/data_writer.h"
@@ -24,6 +25,9 @@ struct ReplaceRequest {
     std::wstring temporaryPath = {};
     bool keepsPart = false;  // a new target that cannot be completed stays with what was written of it
     FileSharing sharing = FileSharing::ReadAndWrite;  // of a new target while it is written
+    /// For the programs' own records: a new target gets its name only when it is complete, and the bytes of any target
+    /// are on disk before.
+    bool isRecord = false;
 };
 
 /// The file at `path`, which `reader` has open, as it was when it was opened: what comes of its content may take its
@@ -42,7 +46,9 @@ std::optional<Win32::FileState> OriginalOf(const FileDataReader& reader, const s
 ///   free, the old file is replaced without a backup. So the source of the content may be the target itself, and may
 ///   still be open for reading while it is written.
 /// - A target that another program has saved or replaced meanwhile stays as that program left it.
-/// - A new target is created under its name, and removed again unless it is completed or its part is to stay.
+/// - A new target is created under its name (a record beside it), and removed again unless it is completed or its part
+/// is
+///   to stay.
 /// - A target that is no ordinary file (a device) is written as it is.
 class FileReplacement {
 public:
@@ -74,12 +80,13 @@ private:
     void KeepPart() noexcept;
     uint32_t Complete();
     uint32_t TakePlace();
-    uint32_t MoveOver();
+    uint32_t MoveToTarget();
 
     ReplaceRequest m_request;
     std::wstring m_path;    // what is written, as the system takes it at any length
     bool m_isOurs = false;  // it was created here and is not complete yet
     bool m_isBeside = false;
+    bool m_isNew = false;                        // there is no target yet
     std::optional<Win32::FileState> m_original;  // of a target beside which is written
     FileDataWriter m_file;
     std::optional<BufferedDataWriter> m_buffer;
@@ -92,5 +99,8 @@ using WriteContent = std::function<void(DataWriter&)>;
 /// FileReplacement::Commit, and what `write` throws.
 uint32_t ReplaceFileContent(const ReplaceRequest& request, const WriteContent& write,
                             std::optional<Win32::FileState> original = std::nullopt);
+
+/// Writes a record that is in memory. Windows error code, 0 for success; a target that may not be overwritten is 183.
+uint32_t ReplaceRecord(const std::wstring& target, std::string_view bytes, bool mayOverwrite);
 
 }  // namespace QVUtils

@@ -5,8 +5,8 @@
 
 #include "host/app/host_text.h"
 #include "host/app/output.h"
-#include "host/contract/whole_file.h"
 #include "host_runner.h"
+#include "textio/replace_file.h"
 #include "win32/folder.h"
 #include "win32/path.h"
 #include "win32/windows.h"
@@ -123,7 +123,7 @@ TEST(QvHost, TakesPathsOfAnyLengthAndScript) {
     }
     const std::wstring name = L"\u65E5\u672C \U0001F600.txt";
     const std::wstring path = Win32::JoinPath(folder, name);
-    ASSERT_EQ(QVHost::ReplaceWholeFile(path, "x"), 0u);
+    ASSERT_EQ(QVUtils::ReplaceRecord(path, "x", true), 0u);
     const std::string list = "\xEF\xBB\xBF" + QVHost::ToUtf8(path) + "\r\n";
     for (const HostRun& run :
          {host.Run({L"command", L"40000", path}), host.Run({L"command", L"40000", L"--files-from", L"-"}, list)}) {

@@ -239,3 +239,35 @@ TEST(ReplaceFileContent, AHardLinkToTheSourceIsNotWrittenThrough) {
     EXPECT_EQ(ErrorOf({link, true, false, false}, WriteNew), 0u);
     EXPECT_EQ(folder.ReadAll(), (Contents{{L"a", "old"}, {L"link", "new"}}));
 }
+
+/// A record is under its name whole or not at all, and never takes a name that it may not take.
+TEST(ReplaceRecord, TakesItsNameWhenItIsComplete) {
+    const struct {
+        const char* why;
+        bool mayOverwrite;
+        bool isTakenMeanwhile;
+        uint32_t error;
+        Contents expected;
+    } cases[] = {
+        {"free", false, false, 0, {{L"a", "new"}}},
+        {"taken meanwhile", false, true, ERROR_ALREADY_EXISTS, {{L"a", "other"}}},
+        {"taken meanwhile, may be overwritten", true, true, 0, {{L"a", "new"}}},
+    };
+    for (const auto& c : cases) {
+        const TemporaryFolder folder;
+        const auto write = [&](DataWriter& writer) {
+            WriteNew(writer);
+            EXPECT_FALSE(Win32::Exists(folder / L"a")) << c.why;
+            if (c.isTakenMeanwhile) folder.Write(L"a", "other");
+        };
+        EXPECT_EQ(ErrorOf({.target = folder / L"a", .mayOverwrite = c.mayOverwrite, .isRecord = true}, write), c.error)
+            << c.why;
+        EXPECT_EQ(folder.ReadAll(), c.expected) << c.why;
+    }
+    const TemporaryFolder folder;
+    folder.Write(L"a", "other");
+    EXPECT_EQ(ReplaceRecord(folder / L"a", "new", false), uint32_t{ERROR_ALREADY_EXISTS});
+    EXPECT_EQ(folder.Read(L"a"), "other");
+    EXPECT_EQ(ReplaceRecord(folder / L"a", "new", true), 0u);
+    EXPECT_EQ(folder.ReadAll(), (Contents{{L"a", "new"}}));
+}

@@ -1,10 +1,10 @@
 #include "batchrename/run/undo_store.h"
 
 #include <algorithm>
-#include <random>
 #include <string_view>
 
 #include "batchrename/local_time.h"
+#include "textio/replace_file.h"
 #include "win32/files.h"
 #include "win32/folder.h"
 #include "win32/path.h"
@@ -15,35 +15,8 @@ namespace {
 
 constexpr uint64_t kLargestFile = 256 * 1024 * 1024;  // bytes; a session of a million long paths is below
 
-bool WriteAll(HANDLE file, std::wstring_view text) {
-    std::string_view bytes(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t));
-    while (!bytes.empty()) {
-        DWORD written = 0;
-        const auto block = static_cast<DWORD>(std::min<size_t>(bytes.size(), 1 << 20));
-        if (!WriteFile(file, bytes.data(), block, &written, nullptr)) return false;
-        if (written == 0) {
-            SetLastError(ERROR_DISK_FULL);
-            return false;
-        }
-        bytes.remove_prefix(written);
-    }
-    return true;
-}
-
-/// A name beside the file of a session that nobody else has or can foresee.
-std::wstring NameBeside(const std::wstring& path) {
-    std::random_device random;
-    std::wstring name = path + L'.';
-    for (int digit = 0; digit < 16; ++digit) name += L"0123456789abcdef"[random() % 16];
-    return name + L".new";
-}
-
-/// The file is new, and its bytes are on disk when this succeeds. Windows error code, 0 for success.
-uint32_t WriteNewFile(const std::wstring& path, std::wstring_view text) {
-    const Win32::FileHandle file(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                                             CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file || !WriteAll(file.Get(), text) || !FlushFileBuffers(file.Get())) return GetLastError();
-    return ERROR_SUCCESS;
+std::string_view BytesOf(std::wstring_view text) {
+    return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t)};
 }
 
 bool ReadAll(const std::wstring& path, std::string& bytes) {
@@ -72,7 +45,9 @@ void UndoProgress::FailedStep(size_t entry) {
 /// A line that cannot be written is not worth stopping a run for: what is in the file already stays true, and the
 /// session is written anew at the end.
 void UndoProgress::Append(const std::wstring& line) {
-    WriteAll(m_file.Get(), line);
+    const std::string_view bytes = BytesOf(line);
+    DWORD written = 0;
+    WriteFile(m_file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
 }
 
 void UndoStore::SetFolder(const std::wstring& folder) {
@@ -99,19 +74,13 @@ std::wstring UndoStore::PathOf(BatchRenameUndo& session) {
     return Win32::JoinPath(m_folder, FileNameOf(session));
 }
 
-/// Beside the file and moved to its name when all is on disk: a session is there whole or not at all.
+/// A session is there whole or not at all.
 uint32_t UndoStore::WriteFileOf(BatchRenameUndo& session, bool mayReplace) {
     // A host without a configuration folder: what has no folder would land in whichever is the current one.
     if (m_folder.empty()) return m_lastError = ERROR_PATH_NOT_FOUND;
     Win32::MakeFolders(m_folder);
-    const std::wstring path = PathOf(session);
-    const std::wstring beside = NameBeside(path);
-    m_lastError = WriteNewFile(beside, FormatSession(session));
-    if (m_lastError == ERROR_FILE_EXISTS) return m_lastError;  // not ours to remove
-    if (m_lastError == ERROR_SUCCESS)
-        m_lastError = mayReplace ? Win32::MoveFileOver(beside, path) : Win32::MoveFileTo(beside, path);
-    if (m_lastError != ERROR_SUCCESS) Win32::RemoveFile(beside);
-    return m_lastError;
+    const std::wstring text = FormatSession(session);
+    return m_lastError = QVUtils::ReplaceRecord(PathOf(session), BytesOf(text), mayReplace);
 }
 
 UndoProgress UndoStore::OpenAtEnd(BatchRenameUndo& session) {
