@@ -56,7 +56,7 @@ uint32_t FileOperations::CommitRenameBatch(Quorvane::SDK::IRenameBatch* batch, u
         std::vector<RenameRow> rows;
         rows.reserve(taken.size());
         for (const RenameBatch::Row& row : taken) rows.push_back({row.item->Path(), row.newName, 0, {}});
-        QVHost::RenameRows(rows);
+        QVHost::RenameRows(rows, *this);
         uint32_t firstError = ERROR_SUCCESS;
         for (size_t at = 0; at < rows.size(); ++at) {
             taken[at].item->SetPath(rows[at].now);

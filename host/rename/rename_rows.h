@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "sdk/services.h"
+
 namespace QVHost {
 
 struct RenameRow {
@@ -15,12 +17,9 @@ struct RenameRow {
     std::wstring now;      // out: where the file or folder is afterwards
 };
 
-/// Renames what can be renamed and fills in each row's outcome.
-///
-/// A row whose new name is held by another row waits until that one is renamed. Rows that wait for each other in a
-/// circle are resolved through a name that exists nowhere; a change of case alone goes through such a name as well,
-/// because not every system does it in one step. A name in use is refused with 183, one that is no file name with 123.
-void RenameRows(std::vector<RenameRow>& rows);
+/// Renames what can be renamed, one by one through `host`, and fills in each row's outcome. Planned as every batch of
+/// renames: see PlanRenames. A row that has its new name already is a success.
+void RenameRows(std::vector<RenameRow>& rows, Quorvane::SDK::IFileOperations& host);
 
 /// Renames one file or folder within its own folder, never onto a name in use. Where the system takes a change of case
 /// alone for no change, it goes through `asideName` ("": a name of the host's). Windows error code, 0 for success;

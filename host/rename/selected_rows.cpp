@@ -6,18 +6,9 @@
 #include "win32/windows.h"
 
 namespace QVHost {
-namespace {
-
-/// A folder as rows name it: without the separator, but for a drive's.
-std::wstring_view LocationOf(std::wstring_view folder) {
-    return folder.size() > 3 ? folder.substr(0, folder.size() - 1) : folder;
-}
-
-}  // namespace
-
 void SelectedRows::Add(std::wstring_view path) {
     const std::wstring_view folder = Win32::FolderOf(path);
-    m_locationOf.push_back(LocationNumberOf(LocationOf(folder)));
+    m_locationOf.push_back(LocationNumberOf(Win32::WithoutSeparator(folder)));
     m_names.Add(path.substr(folder.size()));
 }
 

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "host_runner.h"
+#include "sdk/owners.h"
+#include "support/services_of_host.h"
 #include "win32/windows.h"
 
 namespace {
@@ -29,23 +31,27 @@ TEST(RenameRows, LetRowsTakeEachOthersNames) {
         {"a chain into a circle",
          {{L"x", L"a"}, {L"a", L"b"}, {L"b", L"a"}},
          {L"x", L"a", L"b"},
-         {L"x", L"b", L"a"},
-         {183, 0, 0}},
+         {L"x", L"a", L"b"},
+         {183, 183, 183}},
         {"a chain against a wall", {{L"a", L"b"}, {L"b", L"c"}}, {L"a", L"b", L"c"}, {L"a", L"b", L"c"}, {183, 183}},
-        {"two rows for one name", {{L"a", L"c"}, {L"b", L"c"}}, {L"a", L"b"}, {L"c", L"b"}, {0, 183}},
+        {"two rows for one name", {{L"a", L"c"}, {L"b", L"c"}}, {L"a", L"b"}, {L"a", L"b"}, {183, 183}},
         {"case alone", {{L"a", L"A"}}, {L"a"}, {L"A"}, {0}},
         {"the name it has", {{L"a", L"a"}}, {L"a"}, {L"a"}, {0}},
         {"no file name", {{L"a", L"b\\c"}, {L"b", L"c"}}, {L"a", L"b"}, {L"a", L"c"}, {123, 0}},
         {"a name that cannot be", {{L"a", L""}, {L"b", L"c:d"}}, {L"a", L"b"}, {L"a", L"b"}, {123, 123}},
+        {"a name that is too long", {{L"a", std::wstring(256, L'n')}}, {L"a"}, {L"a"}, {206}},
         {"a missing file", {{L"none", L"c"}}, {L"a"}, {L"a"}, {2}},
     };
+    ServicesOfHost host(BesideThisProgram(L"qvhost.exe"));
+    const Quorvane::SDK::AcquiredService<Quorvane::SDK::IFileOperations> files(
+        host.Services(), Quorvane::SDK::ServiceNumber::FileOperations);
     for (const auto& c : cases) {
         const TemporaryFolder folder;
         const auto contentOf = [](const std::wstring& name) { return std::string(name.begin(), name.end()); };
         for (const std::wstring& name : c.files) folder.Write(name, contentOf(name));
         std::vector<RenameRow> rows;
         for (const auto& [from, to] : c.renames) rows.push_back({folder / from, to, 0, {}});
-        RenameRows(rows);
+        RenameRows(rows, *files.Get());
         for (size_t at = 0; at < rows.size(); ++at) EXPECT_EQ(rows[at].error, c.errors[at]) << c.why << " row " << at;
         Names expected = c.after;
         std::sort(expected.begin(), expected.end());
