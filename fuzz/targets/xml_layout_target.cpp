@@ -1,5 +1,5 @@
 // The layouts of an XML document: nothing but blanks comes or goes, and the same layout again changes nothing.
-#include "host/xml/xml_layout.h"
+#include "host/xml/xml_text.h"
 
 #include "fuzz/input.h"
 

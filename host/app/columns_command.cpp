@@ -1,4 +1,4 @@
-#include "host/app/columns_command.h"
+#include "host/app/subcommands.h"
 
 #include <algorithm>
 #include <charconv>

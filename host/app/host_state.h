@@ -9,12 +9,9 @@
 #include <vector>
 
 #include "host/app/column_values.h"
-#include "host/app/log.h"
 #include "host/app/main_window.h"
 #include "host/app/output.h"
 #include "host/app/progress.h"
-#include "host/contract/choice_list.h"
-#include "host/contract/command_queue.h"
 #include "host/contract/custom_commands.h"
 #include "host/contract/file_objects.h"
 #include "host/contract/file_operations.h"

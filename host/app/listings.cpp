@@ -1,9 +1,11 @@
-#include "host/app/listings.h"
+#include "host/app/subcommands.h"
 
 #include <algorithm>
 #include <cwchar>
 
 #include "host/app/host_text.h"
+#include "host/contract/custom_commands.h"
+#include "host/contract/menus.h"
 
 namespace QVHost {
 namespace {

@@ -1,5 +1,6 @@
 // output.h - the two streams of a run, in UTF-8 with LF line ends: standard output for results and log lines, standard
-// error for everything about the run. Where there is a panel, it shows every line too. May be used from any thread.
+// error for everything about the run; and the log over them. Where there is a panel, it shows every line too. May be
+// used from any thread.
 #pragma once
 
 #include <mutex>
@@ -8,6 +9,7 @@
 #include <string_view>
 
 #include "host/contract/panel_view.h"
+#include "win32/handle.h"
 
 namespace QVHost {
 
@@ -45,6 +47,33 @@ private:
     std::string m_pending;
     bool m_isWhole = true;
     IPanelView* m_panel = nullptr;
+};
+
+/// Where the library's log lines go: standard output, unless that is to be quiet, and the end of a file.
+class Log {
+public:
+    /// `file`: "" for none; it is appended to, made when missing.
+    /// @throws HostError when the file cannot be opened
+    Log(Output& output, const std::wstring& file, bool quiet);
+    Log(const Log&) = delete;
+    Log& operator=(const Log&) = delete;
+    ~Log();
+
+    /// One line. Line breaks in it become blanks: a reader counts on one line an entry.
+    void Write(std::wstring_view text, Tone tone = Tone::Plain);
+    /// False when the file has not taken everything so far.
+    bool Flush();
+
+private:
+    void FlushFile();
+
+    Output& m_output;
+    std::wstring m_path;
+    bool m_quiet;
+    bool m_isWhole = true;
+    std::mutex m_mutex;
+    Win32::FileHandle m_file;
+    std::string m_pending;
 };
 
 }  // namespace QVHost

@@ -2,19 +2,14 @@
 
 #include <algorithm>
 
-#include "host/app/columns_command.h"
 #include "host/app/command_line.h"
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
-#include "host/app/listings.h"
 #include "host/app/message_pump.h"
 #include "host/app/nearest_name.h"
 #include "host/app/selection.h"
 #include "host/app/session.h"
-#include "host/elevated/elevated_server.h"
-#include "host/panel/panel_command.h"
-#include "host/rename/rename_command.h"
-#include "host/rename/undo_command.h"
+#include "host/app/subcommands.h"
 #include "win32/files.h"
 #include "win32/path.h"
 

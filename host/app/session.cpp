@@ -5,7 +5,7 @@
 #include "host/app/unix_paths.h"
 #include "host/contract/whole_file.h"
 #include "host/elevated/process_image.h"
-#include "host/questions/window_answers.h"
+#include "host/questions/answers.h"
 #include "win32/files.h"
 #include "win32/path.h"
 

@@ -11,6 +11,24 @@
 namespace QVHost {
 namespace {
 
+constexpr size_t kLongestLine = size_t{16} * 1024 * 1024;  // units
+
+/// A text of any length by the system's own formatting: `%s` is UTF-16, `%I64d` is known. Empty when the format cannot
+/// be formatted.
+std::wstring FormatLine(const wchar_t* format, va_list arguments) {
+    for (size_t size = 512; size <= kLongestLine; size *= 2) {
+        std::wstring line(size, L'\0');
+        va_list copy;
+        va_copy(copy, arguments);
+        const int length = _vsnwprintf(line.data(), line.size(), format, copy);
+        va_end(copy);
+        if (length < 0 || static_cast<size_t>(length) >= size) continue;
+        line.resize(static_cast<size_t>(length));
+        return line;
+    }
+    return {};
+}
+
 using namespace Quorvane::SDK;
 
 constexpr uint32_t kDone = 1;

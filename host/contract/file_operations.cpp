@@ -6,7 +6,6 @@
 #include "host/app/host_text.h"
 #include "host/app/unix_paths.h"
 #include "host/contract/host_boundary.h"
-#include "host/contract/property_texts.h"
 #include "win32/files.h"
 #include "win32/path.h"
 #include "win32/windows.h"

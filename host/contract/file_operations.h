@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,6 +17,18 @@
 #include "sdk/services.h"
 
 namespace QVHost {
+
+/// The text of a property of the file or folder at `path`; nothing for a name that is none of these. Names go without
+/// regard to case. A value that cannot be had (a folder has no size) is "".
+///
+/// - `size`: bytes. Formats: "" or "B" plain; "KB", "MB", "GB" in units of 1024, rounded up.
+/// - `modified`, `created`, `accessed`: local time. The format's yyyy, yy, MM, M, dd, d, HH, H, mm, m, ss and s stand
+///   for the parts; everything else stays as it is. "" means yyyy-MM-dd.
+std::optional<std::wstring> PropertyText(const std::wstring& path, const std::wstring& name,
+                                         const std::wstring& format);
+
+/// The name of a property, counted from 0; null beyond the last.
+const wchar_t* PropertyName(size_t index);
 
 class RenameBatch final : public Quorvane::SDK::IRenameBatch {
 public:
@@ -52,7 +65,7 @@ public:
     /// Says nothing by itself: the callback hears of each row.
     uint32_t RenameRows(const Quorvane::SDK::RenameRowInfo* rows, uint32_t count,
                         Quorvane::SDK::IRenameResultCallback* callback) override;
-    /// Knows the host's own properties (property_texts.h) and, by their keys, the columns of providers.
+    /// Knows the host's own properties (PropertyText) and, by their keys, the columns of providers.
     bool GetPropertyText(const wchar_t* path, const wchar_t* name, const wchar_t* format, wchar_t* buffer,
                          uint32_t capacity) override;
     bool GetPropertyName(uint32_t index, wchar_t* buffer, uint32_t capacity) override;

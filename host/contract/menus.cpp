@@ -1,6 +1,7 @@
 #include "host/contract/menus.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "host/contract/host_boundary.h"
 
@@ -92,6 +93,19 @@ Command* CommandFactory::CreateCommand(uint32_t id, uint32_t flags, TextId text,
         };
         return m_model.AddCommand({m_extension, id, flags, shortcut, textOf(text), textOf(tooltip)});
     });
+}
+
+void CommandQueue::Put(const QueuedCommand& command) {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_commands.push_back(command);
+    }
+    SetEvent(m_event.Get());
+}
+
+std::vector<QueuedCommand> CommandQueue::Take() {
+    const std::lock_guard lock(m_mutex);
+    return std::exchange(m_commands, {});
 }
 
 }  // namespace QVHost

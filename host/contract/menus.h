@@ -3,11 +3,13 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
 #include "host/contract/language.h"
 #include "sdk/menus_and_commands.h"
+#include "win32/handle.h"
 
 namespace Quorvane::SDK {
 
@@ -98,6 +100,28 @@ private:
     LanguageTexts& m_texts;
     std::wstring m_section;
     uint32_t m_extension;
+};
+
+struct QueuedCommand {
+    uint32_t extension = 0;
+    uint32_t id = 0;
+    uintptr_t value = 0;  // the second of the command's two further values
+};
+
+/// Commands that an extension asks for from a thread of its own. They are carried out on the host's thread, as every
+/// command is.
+class CommandQueue {
+public:
+    void Put(const QueuedCommand& command);
+    /// All of them, in order.
+    std::vector<QueuedCommand> Take();
+    /// Set when there is something to take.
+    HANDLE Event() const { return m_event.Get(); }
+
+private:
+    std::mutex m_mutex;
+    std::vector<QueuedCommand> m_commands;
+    Win32::KernelHandle m_event{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
 };
 
 }  // namespace QVHost

@@ -1,4 +1,4 @@
-#include "host/contract/property_texts.h"
+#include "host/contract/file_operations.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -16,6 +16,45 @@ std::wstring Padded(int value, size_t width) {
     std::wstring digits = std::to_wstring(value);
     if (digits.size() < width) digits.insert(0, width - digits.size(), L'0');
     return digits;
+}
+
+struct DateParts {
+    int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
+};
+
+std::wstring FormatDate(const DateParts& date, std::wstring_view format) {
+    const struct {
+        std::wstring_view letters;
+        int value;
+        size_t width;
+    } parts[] = {
+        {L"yyyy", date.year, 4}, {L"yy", date.year % 100, 2}, {L"MM", date.month, 2},  {L"M", date.month, 1},
+        {L"dd", date.day, 2},    {L"d", date.day, 1},         {L"HH", date.hour, 2},   {L"H", date.hour, 1},
+        {L"mm", date.minute, 2}, {L"m", date.minute, 1},      {L"ss", date.second, 2}, {L"s", date.second, 1},
+    };
+    if (format.empty()) format = kDefaultDate;
+    std::wstring text;
+    while (!format.empty()) {
+        const auto part =
+            std::ranges::find_if(parts, [&](const auto& each) { return format.starts_with(each.letters); });
+        if (part == std::end(parts)) {
+            text += format.front();
+            format.remove_prefix(1);
+        } else {
+            text += Padded(part->value, part->width);
+            format.remove_prefix(part->letters.size());
+        }
+    }
+    return text;
+}
+
+std::wstring FormatSize(uint64_t bytes, std::wstring_view unit) {
+    constexpr uint64_t kKilo = 1024;
+    uint64_t divisor = 1;
+    if (EqualIgnoringCase(unit, L"KB")) divisor = kKilo;
+    if (EqualIgnoringCase(unit, L"MB")) divisor = kKilo * kKilo;
+    if (EqualIgnoringCase(unit, L"GB")) divisor = kKilo * kKilo * kKilo;
+    return std::to_wstring(bytes / divisor + (bytes % divisor != 0 ? 1 : 0));
 }
 
 std::wstring LocalDate(const FILETIME& time, std::wstring_view format) {
@@ -65,41 +104,6 @@ std::optional<std::wstring> PropertyText(const std::wstring& path, const std::ws
         return isThere ? property.read(data, format) : std::wstring();
     }
     return std::nullopt;
-}
-
-std::wstring FormatDate(const DateParts& date, std::wstring_view format) {
-    const struct {
-        std::wstring_view letters;
-        int value;
-        size_t width;
-    } parts[] = {
-        {L"yyyy", date.year, 4}, {L"yy", date.year % 100, 2}, {L"MM", date.month, 2},  {L"M", date.month, 1},
-        {L"dd", date.day, 2},    {L"d", date.day, 1},         {L"HH", date.hour, 2},   {L"H", date.hour, 1},
-        {L"mm", date.minute, 2}, {L"m", date.minute, 1},      {L"ss", date.second, 2}, {L"s", date.second, 1},
-    };
-    if (format.empty()) format = kDefaultDate;
-    std::wstring text;
-    while (!format.empty()) {
-        const auto part =
-            std::ranges::find_if(parts, [&](const auto& each) { return format.starts_with(each.letters); });
-        if (part == std::end(parts)) {
-            text += format.front();
-            format.remove_prefix(1);
-        } else {
-            text += Padded(part->value, part->width);
-            format.remove_prefix(part->letters.size());
-        }
-    }
-    return text;
-}
-
-std::wstring FormatSize(uint64_t bytes, std::wstring_view unit) {
-    constexpr uint64_t kKilo = 1024;
-    uint64_t divisor = 1;
-    if (EqualIgnoringCase(unit, L"KB")) divisor = kKilo;
-    if (EqualIgnoringCase(unit, L"MB")) divisor = kKilo * kKilo;
-    if (EqualIgnoringCase(unit, L"GB")) divisor = kKilo * kKilo * kKilo;
-    return std::to_wstring(bytes / divisor + (bytes % divisor != 0 ? 1 : 0));
 }
 
 }  // namespace QVHost

@@ -1,4 +1,4 @@
-#include "host/elevated/elevated_server.h"
+#include "host/app/subcommands.h"
 
 #include "host/contract/host_boundary.h"
 #include "host/elevated/elevated_protocol.h"

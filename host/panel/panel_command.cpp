@@ -1,4 +1,5 @@
-#include "host/panel/panel_command.h"
+#include "host/app/session.h"
+#include "host/app/subcommands.h"
 
 #include "host/app/host_error.h"
 #include "host/app/message_pump.h"

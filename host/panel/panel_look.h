@@ -1,4 +1,4 @@
-// panel_look.h - the font of the panel's controls, and sizes in pixels at the screen's resolution.
+// panel_look.h - the library and the font of the panel's controls, and sizes in pixels at the screen's resolution.
 #pragma once
 
 #include "win32/windows.h"
@@ -29,5 +29,10 @@ private:
     int m_pixelsPerInch = 96;
     bool m_usesColours = true;
 };
+
+/// Makes the window classes of list views and status lines known. The version is the one that the program's manifest
+/// names. Once loaded it stays. Called when the panel opens, and not when the
+/// program starts: loading sets up the desktop, and a command line that shows no window should not wait for that.
+void LoadCommonControls();
 
 }  // namespace QVHost

@@ -7,7 +7,6 @@
 #include "host/app/host_text.h"
 #include "host/app/unix_paths.h"
 #include "host/contract/host_boundary.h"
-#include "host/panel/common_controls.h"
 #include "sdk/text_format.h"
 #include "win32/path.h"
 #include "win32/window_text.h"

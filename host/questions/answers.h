@@ -99,4 +99,12 @@ private:
     ReadLine m_readLine;
 };
 
+/// Asks a person in windows of the system, above the window of this thread that is in use.
+class WindowAnswers final : public IAnswers {
+public:
+    uint32_t AnswerBox(const BoxQuestion& question) override;
+    std::optional<uint32_t> Choose(const ChoiceQuestion& question) override;
+    std::optional<std::wstring> Enter(const InputQuestion& question) override;
+};
+
 }  // namespace QVHost

@@ -3,8 +3,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
+#include "host/contract/shelf.h"
 #include "host/questions/answers.h"
+#include "sdk/host_objects.h"
 
 namespace QVHost {
 
@@ -22,6 +27,23 @@ private:
 
     Output& m_output;
     std::unique_ptr<IAnswers> m_answers;
+};
+
+/// The entries of a choice dialog, as an extension fills them.
+class ChoiceList final : public Quorvane::SDK::IChoiceList {
+public:
+    explicit ChoiceList(Shelf<ChoiceList>& shelf) : m_shelf(shelf) {}
+
+    bool AddChoice(const wchar_t* text) override;
+    uint32_t GetCount() override;
+    const wchar_t* GetChoice(uint32_t index) override;
+    void Release() override;
+
+    const std::vector<std::wstring>& Choices() const { return m_choices; }
+
+private:
+    Shelf<ChoiceList>& m_shelf;
+    std::vector<std::wstring> m_choices;
 };
 
 }  // namespace QVHost

@@ -1,4 +1,4 @@
-#include "host/questions/window_answers.h"
+#include "host/questions/answers.h"
 
 #include "host/contract/host_boundary.h"
 #include "host/questions/dialog_template.h"

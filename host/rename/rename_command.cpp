@@ -1,4 +1,4 @@
-#include "host/rename/rename_command.h"
+#include "host/app/subcommands.h"
 
 #include <cwchar>
 #include <optional>
@@ -12,7 +12,6 @@
 #include "host/app/nearest_name.h"
 #include "host/app/selection.h"
 #include "host/rename/rename_host.h"
-#include "host/rename/rename_preview.h"
 #include "host/rename/selected_rows.h"
 #include "rename/rename_rule.h"
 #include "win32/text.h"

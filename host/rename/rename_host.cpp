@@ -5,6 +5,7 @@
 #include "batchrename/qv_batch_rename.h"
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
+#include "host/app/loaded_library.h"
 #include "host/app/session.h"
 #include "win32/path.h"
 
@@ -36,6 +37,29 @@ void AppendCell(std::wstring& line, std::wstring_view text) {
 
 }  // namespace
 
+/// The library's providers of file properties alone, for runs that need nothing else of it.
+class LoadedProviders {
+public:
+    /// Their columns join those of `state`, and are good as long as this object.
+    /// @throws HostError when the library cannot be loaded
+    LoadedProviders(HostState& state, const std::wstring& libraryPath);
+
+private:
+    LoadedLibrary m_library;
+    std::vector<std::unique_ptr<HostServices>> m_services;
+    std::vector<std::unique_ptr<LoadedExtension>> m_extensions;
+};
+
+LoadedProviders::LoadedProviders(HostState& state, const std::wstring& libraryPath) : m_library(libraryPath) {
+    for (uint32_t index = 0; index < m_library.Extensions().size(); ++index) {
+        const Quorvane::SDK::ExtensionInfo& record = m_library.Extensions()[index];
+        if ((record.TypeFlags & kTypeProperties) == 0) continue;
+        m_services.push_back(std::make_unique<HostServices>(state, index, record));
+        m_extensions.push_back(std::make_unique<LoadedExtension>(m_library, index, *m_services.back()));
+        state.columns.AddProvider(state.propertyColumns[index], *m_extensions.back()->Properties());
+    }
+}
+
 void AppendOutcome(std::wstring& text, const BatchRenameItem& row, uint32_t code, std::wstring_view reason,
                    const wchar_t* word) {
     AppendCell(text, row.currentName);
@@ -54,6 +78,8 @@ RenameHost::RenameHost(const HostOptions& options, HostEnvironment& environment,
       m_files(m_services, Quorvane::SDK::ServiceNumber::FileOperations),
       m_libraryPath(LibraryPath(options, environment)),
       m_isStopped(environment.progressWatch.isCancelled) {}
+
+RenameHost::~RenameHost() = default;
 
 UndoStore& RenameHost::Journal() {
     if (!m_journal) m_journal.emplace().SetFolder(Win32::JoinPath(m_state.configurationFolder, L"Undo"));

@@ -2,12 +2,13 @@
 // rows.
 #pragma once
 
+#include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "batchrename/run/rename_run.h"
 #include "host/app/command_line.h"
-#include "host/app/loaded_providers.h"
 #include "host/app/run.h"
 #include "host/contract/extension_services.h"
 #include "rename/rename_rule.h"
@@ -20,9 +21,13 @@ namespace QVHost {
 void AppendOutcome(std::wstring& text, const BatchRename::BatchRenameItem& row, uint32_t code, std::wstring_view reason,
                    const wchar_t* word);
 
+class LoadedProviders;
+class SelectedRows;
+
 class RenameHost final : public BatchRename::IPropertySource {
 public:
     RenameHost(const HostOptions& options, HostEnvironment& environment, Output& output);
+    ~RenameHost();
 
     HostState& State() { return m_state; }
     HostServices& Services() { return m_services; }
@@ -54,5 +59,11 @@ private:
     std::unique_ptr<LoadedProviders> m_providers;
     const std::atomic<bool>* m_isStopped;
 };
+
+/// What a rename would make of its rows, printed and not done.
+///
+/// Prints a line for each row, in their order. False when one would fail.
+/// @throws UsageError for a path that leads to nothing; then nothing is printed
+bool PrintPreview(SelectedRows& selection, BatchRename::RenameRule& rule, RenameHost& host);
 
 }  // namespace QVHost

@@ -1,4 +1,4 @@
-#include "host/rename/rename_preview.h"
+#include "host/rename/rename_host.h"
 
 #include <algorithm>
 #include <iterator>
@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/app/host_text.h"
+#include "host/rename/selected_rows.h"
 #include "rename/rename_plan.h"
 
 namespace QVHost {

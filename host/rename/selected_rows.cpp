@@ -6,6 +6,7 @@
 #include "win32/windows.h"
 
 namespace QVHost {
+
 void SelectedRows::Add(std::wstring_view path) {
     const std::wstring_view folder = Win32::FolderOf(path);
     m_locationOf.push_back(LocationNumberOf(Win32::WithoutSeparator(folder)));

@@ -1,4 +1,4 @@
-#include "host/rename/undo_command.h"
+#include "host/app/subcommands.h"
 
 #include <algorithm>
 

@@ -6,7 +6,7 @@
 #include "host/contract/host_boundary.h"
 #include "host/xml/bstr.h"
 #include "host/xml/memory_stream.h"
-#include "host/xml/xml_layout.h"
+#include "host/xml/xml_text.h"
 #include "win32/text.h"
 
 namespace QVHost {

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "host/contract/shelf.h"
-#include "host/xml/xml_encoding.h"
+#include "host/xml/xml_text.h"
 #include "sdk/host_objects.h"
 #include "win32/com.h"
 
@@ -71,5 +71,9 @@ private:
     bool m_isChanged = false;
     std::map<IXMLDOMElement*, std::unique_ptr<XmlElement>> m_elements;
 };
+
+/// "line L, column C" and the reader's reason, if it has one, of the document that could not be loaded from `bytes`.
+/// "" when that is not what is wrong.
+std::wstring FaultOf(IXMLDOMDocument2& document, std::string_view bytes);
 
 }  // namespace QVHost

@@ -1,4 +1,4 @@
-#include "host/xml/xml_encoding.h"
+#include "host/xml/xml_text.h"
 
 #include <algorithm>
 

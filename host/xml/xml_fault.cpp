@@ -1,4 +1,4 @@
-#include "host/xml/xml_fault.h"
+#include "host/xml/xml_document.h"
 
 #include <algorithm>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "host/xml/xml_layout.h"
+#include "host/xml/xml_text.h"
 
 #include <cstdint>
 #include <vector>

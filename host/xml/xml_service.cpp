@@ -9,8 +9,7 @@
 #include "host/xml/bstr.h"
 #include "host/xml/memory_stream.h"
 #include "host/xml/xml_document.h"
-#include "host/xml/xml_fault.h"
-#include "host/xml/xml_layout.h"
+#include "host/xml/xml_text.h"
 #include "textio/replace_file.h"
 
 namespace QVHost {

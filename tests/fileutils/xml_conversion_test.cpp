@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "fileutils/command_runner.h"
-#include "host/xml/xml_layout.h"
+#include "host/xml/xml_text.h"
 #include "sdk/owners.h"
 #include "support/access_list.h"
 #include "support/services_of_host.h"

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/app/columns_command.h"
+#include "host/app/subcommands.h"
 #include "security/account_names.h"
 #include "security/ntfs_prop.h"
 #include "support/services_of_host.h"

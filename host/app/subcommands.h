@@ -1,0 +1,60 @@
+// subcommands.h - the functions that carry out the host's larger subcommands, each in a file named after it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/app/column_values.h"
+#include "host/app/command_line.h"
+#include "host/app/run.h"
+#include "sdk/extension_info.h"
+#include "sdk/plugin_interface.h"
+
+namespace QVHost {
+
+class CustomCommandTable;
+class MenuModel;
+class Session;
+
+// `extensions`, `menus` and `commands`.
+void PrintExtensions(Output& output, const std::vector<Quorvane::SDK::ExtensionInfo>& records);
+void PrintMenus(Output& output, const MenuModel& menus);
+void PrintCustomCommands(Output& output, const CustomCommandTable& table);
+
+/// How `columns` prints: one row a file, one column for each property.
+enum class ColumnFormat {
+    Table,  // for people: aligned, under the columns' names
+    Csv,    // comma-separated, under the columns' keys; cells in quotes where they must be
+    Json,   // a list of objects with the columns' keys; null for a file without the value
+};
+
+/// A server may take seconds for each owner's name, so it is asked before each file whether to stop; what is printed
+/// then is whole, but holds the files so far alone. False when it was stopped.
+bool PrintColumns(Output& output, const ColumnValues& values, const std::vector<std::shared_ptr<FileItem>>& items,
+                  ColumnFormat format, const std::function<bool()>& isStopped);
+
+/// `panel`: starts the extensions, shows a folder in a window and handles messages until that is closed. The exit
+/// status.
+/// @throws HostError when there is no window, or an extension does not start
+int RunPanel(Session& session, const HostOptions& options);
+
+/// `rename` and `undo`. The exit status. Unlike every other subcommand these two do not go through the library's
+/// exports: the extension offers a window and nothing that a command line could call, so they link its modules instead.
+/// @throws UsageError
+int RunRename(const HostOptions& options, HostEnvironment& environment, Output& output);
+int RunUndo(const HostOptions& options, HostEnvironment& environment, Output& output);
+
+/// `elevated-server`: performs the requests that come through the pipe on this process's own copy of the library, one
+/// after the other, until the pipe ends.
+///
+/// Serves the pipe, if this program made it: 5 when another one did, or when the system does not say, and 87 for a name
+/// that RandomPipeName does not give. A malformed message is answered with 87, a request that the extension does not
+/// know with 1; the next one is served all the same. Returns 0 when the other side has closed the pipe, else a Windows
+/// error code.
+uint32_t ServeElevatedRequests(const std::wstring& pipeName, uint32_t extensionIndex,
+                               Quorvane::SDK::IPluginInterface& extension);
+
+}  // namespace QVHost

@@ -1,0 +1,63 @@
+// xml_text.h - XML documents as texts, without a parser: how their bytes are encoded, and the blanks between their
+// elements. Works on the text as it was written, so that whatever it holds (references, quotes, prefixes, document
+// types) comes back as it was.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace QVHost {
+
+struct XmlEncoding {
+    static constexpr uint32_t kUtf16 = 1200;
+    static constexpr uint32_t kUtf16BigEndian = 1201;
+    static constexpr uint32_t kUtf8 = 65001;
+
+    uint32_t codePage = kUtf8;
+    bool hasMark = false;  // a byte-order mark begins the file
+};
+
+struct DecodedXml {
+    XmlEncoding encoding;
+    std::string text;  // UTF-8, without the mark; the declaration stands in it as it was
+};
+
+/// The text of a document: in the encoding that its mark or its first bytes show, else in the one that it declares,
+/// else in UTF-8. Nothing, and the reason, for an encoding that is not known here and for bytes that would not come
+/// back from it as they were.
+std::optional<DecodedXml> DecodeXml(std::string_view bytes, std::wstring& why);
+
+/// A document's bytes; nothing when the encoding lacks one of its characters.
+std::optional<std::string> EncodeXml(const XmlEncoding& encoding, std::string_view text);
+
+/// The declaration that a UTF-8 text begins with, <?xml ... ?>; "" when it begins with none.
+std::string_view XmlDeclarationOf(std::string_view text);
+
+/// `text` for a parser: with blanks in place of the encoding that it declares, since it is in UTF-8 by now. All else
+/// keeps its place.
+std::string WithoutDeclaredEncoding(std::string text);
+
+// The layout of a document; UTF-8 in, UTF-8 out.
+//
+// Blanks count as nothing only in an element that has other elements and no text, and not below
+// xml:space="preserve". References and CDATA sections are text, and so are blanks without a line break that separate
+// two elements of which one holds text: "<b>Hello</b> <i>World</i>". Everything in an element with text stays as it
+// is, and so does a whole document whose document type speaks of xml:space.
+//
+// Each is nothing for a text that is no document: its brackets do not end, or its elements do not.
+
+/// Without the blanks that count as nothing.
+std::optional<std::string> CompactXml(std::string_view text);
+
+/// With a line break and tabs between the elements instead of such blanks; line breaks are like the text's first one.
+std::optional<std::string> ReadableXml(std::string_view text);
+
+/// As CompactXml, and without the blanks before and after the root: two layouts of one document become equal.
+std::optional<std::string> ContentOfXml(std::string_view text);
+
+/// The line break that a text's lines end with, as its first one; "\n" when it has none.
+std::string_view LineBreakOf(std::string_view text);
+
+}  // namespace QVHost
