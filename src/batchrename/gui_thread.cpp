@@ -11,7 +11,7 @@ namespace {
 constexpr DWORD kCollectPatience = 3000;  // milliseconds for the host to collect the selection again
 
 /// The thread's side of things: everything in it is made, used and ended on the GUI thread.
-class GuiSide final : public IMessageFilter {
+class GuiSide final : public IMessageFilter, private IFrameHost {
 public:
     explicit GuiSide(std::shared_ptr<ExtensionState> state) : m_state(std::move(state)) {
         m_state->guiThread = GetCurrentThreadId();
@@ -39,7 +39,7 @@ public:
         // host's own hooks must not make it. Those of the controls are the system's: buttons fade by them.
         if (message.message == WM_TIMER && (!message.hwnd || message.hwnd == m_frame->GetWindow())) return true;
         if (!message.hwnd && message.message == kOwnerMessage) {
-            OnOwnerMessage(message.wParam, message.lParam);
+            TakeRows();
             return true;
         }
         return m_frame->PreTranslate(message);
@@ -49,15 +49,11 @@ private:
     void ShowFrame() {
         const Ui::ActivationContext controls;
         RuleContext& context = m_state->Context();
-        m_frame = std::make_unique<BatchRenameMainFrame>(FrameSurroundings{
-            .services = &m_state->host,
-            .context = context,
-            .profiles = m_state->profiles,
-            .isClosing = m_state->isClosing,
-            .collectRows = [this] { return CollectRows(); },
-            .takeRows = [this] { TakeRows(); },
-            .onRenamed =
-                [this](const std::vector<std::wstring>& folders) { m_state->hostCallback.RefreshFolders(folders); }});
+        m_frame = std::make_unique<BatchRenameMainFrame>(FrameEnvironment{.services = &m_state->host,
+                                                                          .context = context,
+                                                                          .profiles = m_state->profiles,
+                                                                          .isClosing = m_state->isClosing,
+                                                                          .host = *this});
         // A shutdown that came before the queue was there sent its quit message to nobody.
         if (!m_state->isClosing) {
             m_frame->Create();
@@ -69,15 +65,13 @@ private:
         m_frame.reset();
     }
 
-    void OnOwnerMessage(WPARAM, LPARAM) { TakeRows(); }
-
-    void TakeRows() {
+    void TakeRows() override {
         if (!m_frame->GetWindow() || !m_frame->CanTakeRows()) return;
         if (RowSnapshot rows = m_state->rows.Take()) m_frame->SetRows(std::move(rows));
     }
 
     /// Has the host's thread collect the selection, since the host's objects are that thread's.
-    bool CollectRows() {
+    bool CollectRows() override {
         ResetEvent(m_state->collected.Get());
         const auto event = reinterpret_cast<uintptr_t>(m_state->collected.Get());
         if (m_state->host.RunHostCommand(kCollectCommand, nullptr, 0, event) == 0) return false;
@@ -92,6 +86,10 @@ private:
             PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
         }
         return false;
+    }
+
+    void ReportRenamed(const std::vector<std::wstring>& folders) override {
+        m_state->hostCallback.RefreshFolders(folders);
     }
 
     std::shared_ptr<ExtensionState> m_state;

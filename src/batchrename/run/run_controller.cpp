@@ -54,12 +54,10 @@ void RunController::Start(RunRequest request) {
         ReserveExceptionRecord();
         Run(std::move(given), std::move(kept));
     });
-    m_isRunning = true;
 }
 
 std::unique_ptr<RunResult> RunController::Take() {
     if (m_thread.joinable()) m_thread.join();
-    m_isRunning = false;
     return std::move(m_result);
 }
 

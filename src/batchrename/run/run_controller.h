@@ -41,7 +41,6 @@ public:
     /// @throws std::system_error when there is no thread to be had: nothing is running then
     void Start(RunRequest request);
     void Stop() { m_isStopped = true; }
-    bool IsRunning() const { return m_isRunning; }
     /// After onEnd, once; waits for the last moments of the run's thread.
     std::unique_ptr<RunResult> Take();
 
@@ -52,7 +51,6 @@ private:
     std::atomic<bool>& m_isStopped;
     std::function<void(uint32_t)> m_onProgress;
     std::function<void()> m_onEnd;
-    bool m_isRunning = false;  // of the thread that owns this object
     std::unique_ptr<RunResult> m_result;
     std::thread m_thread;
 };

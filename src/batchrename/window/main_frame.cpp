@@ -4,13 +4,11 @@
 #include <system_error>
 
 #include "batchrename/dialogs/batchrename_resource.h"
-#include "batchrename/host_properties.h"
 #include "batchrename/local_time.h"
 #include "batchrename/qv_batch_rename.h"
 #include "batchrename/window/frame_messages.h"
 #include "sdk/boundary.h"
 #include "ui/activation_context.h"
-#include "win32/window_text.h"
 
 namespace BatchRename {
 namespace {
@@ -53,21 +51,12 @@ int HeightOf(HWND window) {
     return rect.bottom - rect.top;
 }
 
-/// Whatever dialog of this thread is open is told that it was cancelled.
-BOOL CALLBACK CancelDialog(HWND window, LPARAM) {
-    wchar_t name[16] = {};
-    GetClassNameW(window, name, static_cast<int>(std::size(name)));
-    if (std::wstring_view(name) == L"#32770") EndDialog(window, IDCANCEL);
-    return TRUE;
-}
-
 }  // namespace
 
-BatchRenameMainFrame::BatchRenameMainFrame(FrameSurroundings around)
-    : m_around(std::move(around)),
-      m_list(m_rows, {.onHeader = [this](RowKey key) { OnHeader(key); },
-                      .onRemove = [this] { RemoveSelectedRows(); },
-                      .onMove = [this](bool isUp) { MoveSelectedRows(isUp); }}) {}
+BatchRenameMainFrame::BatchRenameMainFrame(const FrameEnvironment& environment)
+    : m_environment(environment),
+      m_model(*this, environment.context.rule, LocalTimeNow()),
+      m_list(m_model.Rows(), *this) {}
 
 BatchRenameMainFrame::~BatchRenameMainFrame() {
     CloseWindow();
@@ -148,14 +137,10 @@ LRESULT BatchRenameMainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lPar
             if (IsIconic(m_window)) ShowWindow(m_window, SW_RESTORE);
             SetForegroundWindow(m_window);
             return 0;
-        case FrameMessage::PreviewReady: OnPreview(); return 0;
-        case FrameMessage::RunProgress:
-            if (m_run && m_run->IsRunning())
-                SetStatus((m_session ? L"Restoring: " : L"Renaming: ") + std::to_wstring(wParam) + L" of " +
-                          std::to_wstring(m_rows.Counts().changes));
-            return 0;
-        case FrameMessage::RunEnded: OnRunEnd(); return 0;
-        case WM_CLOSE: OnClose(); return 0;
+        case FrameMessage::PreviewReady: m_model.OnPreview(m_preview->Take()); return 0;
+        case FrameMessage::RunProgress: m_model.OnRunProgress(static_cast<uint32_t>(wParam)); return 0;
+        case FrameMessage::RunEnded: m_model.OnRunEnd(m_run->Take()); return 0;
+        case WM_CLOSE: m_model.OnClose(m_environment.isClosing); return 0;
         case WM_DESTROY: OnDestroy(); return 0;
         default: break;
     }
@@ -165,24 +150,7 @@ LRESULT BatchRenameMainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lPar
 void BatchRenameMainFrame::OnCreate() {
     m_dotsPerInch = Ui::DotsPerInch(m_window);
     m_panel = std::make_unique<RulePanel>([this](Quorvane::SDK::TextId id) { return Text(id); },
-                                          RulePanel::Owner{
-                                              .onRuleChanged = [this] { OnRuleChanged(); },
-                                              .onButton = [this](int id) { OnButton(id); },
-                                              .rows = [this] { return m_rows.Rows(); },
-                                              .properties =
-                                                  [this] {
-                                                      return m_around.services ? PropertyNamesOf(*m_around.services)
-                                                                               : std::vector<std::wstring>();
-                                                  },
-                                              .modal =
-                                                  [this](const std::function<void()>& body) {
-                                                      {
-                                                          const ModalScope scope(*this);
-                                                          body();
-                                                      }
-                                                      m_around.takeRows();
-                                                  },
-                                          });
+                                          static_cast<IPaneListener&>(*this));
     // Made first: the list comes before the panel in the order of tabs, but shares the panel's font.
     m_panel->Create(m_window);
     const auto font = reinterpret_cast<HFONT>(SendMessageW(m_panel->GetWindow(), WM_GETFONT, 0, 0));
@@ -195,15 +163,14 @@ void BatchRenameMainFrame::OnCreate() {
     m_panelHeight = m_panel->NaturalSize().cy;
     // The window's handle, not the window: it may be gone when a thread has something to say.
     const HWND window = m_window;
-    m_preview = std::make_unique<PreviewWorker>(m_around.services,
+    m_preview = std::make_unique<PreviewWorker>(m_environment.services,
                                                 [window] { PostMessageW(window, FrameMessage::PreviewReady, 0, 0); });
     m_run = std::make_unique<RunController>(
-        m_around.services, m_around.context.isStopped,
+        m_environment.services, m_environment.context.isStopped,
         [window](uint32_t count) { PostMessageW(window, FrameMessage::RunProgress, count, 0); },
         [window] { PostMessageW(window, FrameMessage::RunEnded, 0, 0); });
-    m_panel->SetRule(m_around.context.rule);
-    m_time = LocalTimeNow();
-    RefreshState();
+    m_panel->SetRule(m_environment.context.rule);
+    m_model.ShowState();
 }
 
 void BatchRenameMainFrame::MoveFocus(WPARAM where, bool isControl) {
@@ -215,35 +182,14 @@ void BatchRenameMainFrame::MoveFocus(WPARAM where, bool isControl) {
     if (SendMessageW(control, WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL) SendMessageW(control, EM_SETSEL, 0, -1);
 }
 
-void BatchRenameMainFrame::OnClose() {
-    if (m_modalDepth > 0) {
-        // The dialog's code is still on this thread's stack and needs the window: the dialog ends first. A shutdown
-        // follows with a quit message, behind which the window goes too.
-        if (m_around.isClosing) EndModalWindows();
-        return;
-    }
-    if (m_run && m_run->IsRunning() && !m_around.isClosing) {
-        m_closesAfterRun = true;
-        m_run->Stop();
-        SetStatus(L"Stopping behind the current file...");
-        return;
-    }
-    CloseWindow();
-}
-
 void BatchRenameMainFrame::CloseWindow() {
     if (!m_window) return;
     SavePosition();  // while it is seen: a host may take a window that is not for the end
     DestroyWindow(m_window);
 }
 
-void BatchRenameMainFrame::EndModalWindows() {
-    EndMenu();
-    EnumThreadWindows(GetCurrentThreadId(), CancelDialog, 0);
-}
-
 void BatchRenameMainFrame::OnDestroy() {
-    // Both wait for their threads; the run's ends behind its current row.
+    // Both wait for their threads; the run's ends after its current row.
     m_run.reset();
     m_preview.reset();
     PostQuitMessage(0);
@@ -340,7 +286,7 @@ void BatchRenameMainFrame::LimitSize(MINMAXINFO& limits) const {
 void BatchRenameMainFrame::RestorePosition() {
     std::optional<WindowPosition> position;
     wchar_t text[kPositionCapacity] = {};
-    Quorvane::SDK::ISettings* const settings = m_around.services ? m_around.services->GetSettings() : nullptr;
+    Quorvane::SDK::ISettings* const settings = m_environment.services ? m_environment.services->GetSettings() : nullptr;
     if (settings && settings->GetString(1, kSection, kPositionKey, text, kPositionCapacity))
         position = ParseWindowPosition(text);
     if (position) {
@@ -366,7 +312,8 @@ void BatchRenameMainFrame::SavePosition() const noexcept {
     Quorvane::SDK::AtBoundary(false, [&] {
         WINDOWPLACEMENT placement = {};
         placement.length = sizeof(placement);
-        Quorvane::SDK::ISettings* const settings = m_around.services ? m_around.services->GetSettings() : nullptr;
+        Quorvane::SDK::ISettings* const settings =
+            m_environment.services ? m_environment.services->GetSettings() : nullptr;
         if (!settings || !GetWindowPlacement(m_window, &placement)) return false;
         const RECT& normal = placement.rcNormalPosition;
         const bool isMaximised = IsZoomed(m_window) != FALSE;
@@ -390,7 +337,7 @@ bool BatchRenameMainFrame::OnKey(const MSG& message) {
         return true;
     }
     if (message.message == WM_KEYDOWN && message.wParam == VK_F5) {
-        if (!m_run->IsRunning() && !m_isDone) RequestPreview(0, true);
+        m_model.OnRefresh();
         return true;
     }
     if (message.message == WM_KEYDOWN && message.wParam == VK_F6) {
@@ -403,21 +350,10 @@ bool BatchRenameMainFrame::OnKey(const MSG& message) {
         return true;
     }
     if (message.message == WM_SYSKEYDOWN && isArrow && message.hwnd == m_list.GetWindow()) {
-        MoveSelectedRows(message.wParam == VK_UP);
+        m_model.OnMoveRows(m_list.SelectedRows(), message.wParam == VK_UP);
         return true;
     }
     return false;
-}
-
-void BatchRenameMainFrame::SetStatus(const std::wstring& text) {
-    // Setting it tells screen readers, so the same text is not set twice.
-    if (Win32::WindowText(m_statusBar) != text)
-        SendMessageW(m_statusBar, SB_SETTEXTW, 0, reinterpret_cast<LPARAM>(text.c_str()));
-}
-
-int BatchRenameMainFrame::AskBox(const std::wstring& text, UINT style) {
-    const ModalScope scope(*this);
-    return MessageBoxW(m_window, text.c_str(), kFrameTitle, style);
 }
 
 }  // namespace BatchRename

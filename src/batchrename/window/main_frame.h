@@ -1,6 +1,6 @@
-// main_frame.h - the Batch Rename window. It lives on the GUI thread and ties the pieces together: the list and the
-// rule panel tell it what the user does, the preview worker and the run controller tell it what came of it. Everything
-// that takes time is theirs.
+// main_frame.h - the Batch Rename window. It lives on the GUI thread, paints and forwards: the list and the rule panel
+// tell it what the user does, the preview worker and the run controller what came of it; what follows is the model's
+// decision, and everything that takes time is done on their threads.
 #pragma once
 
 #include <atomic>
@@ -9,31 +9,44 @@
 #include <optional>
 #include <string>
 
+#include "batchrename/model/frame_model.h"
 #include "batchrename/model/preview_worker.h"
-#include "batchrename/model/row_list.h"
 #include "batchrename/model/window_position.h"
 #include "batchrename/profiles.h"
 #include "batchrename/rule_context.h"
 #include "batchrename/run/run_controller.h"
+#include "batchrename/window/pane_listener.h"
 #include "batchrename/window/row_list_view.h"
 #include "batchrename/window/rule_panel.h"
 
 namespace BatchRename {
 
-/// What the window has around it. All of it outlives the window.
-struct FrameSurroundings {
+/// What the thread around the window does for it.
+class IFrameHost {
+public:
+    /// Has the host collect its selection again; false when it did not answer in time.
+    virtual bool CollectRows() = 0;
+    /// Hands over rows that wait, when the window can take them.
+    virtual void TakeRows() = 0;
+    /// What these folders hold has changed.
+    virtual void ReportRenamed(const std::vector<std::wstring>& folders) = 0;
+
+protected:
+    ~IFrameHost() = default;
+};
+
+/// All of it outlives the window.
+struct FrameEnvironment {
     Quorvane::SDK::IHostServices* services = nullptr;
     RuleContext& context;
     ProfileStore& profiles;
-    const std::atomic<bool>& isClosing;                                       // the extension is being shut down
-    std::function<bool()> collectRows;                                        // false: the host did not answer in time
-    std::function<void()> takeRows;                                           // hands over rows that wait
-    std::function<void(const std::vector<std::wstring>& folders)> onRenamed;  // what they hold has changed
+    const std::atomic<bool>& isClosing;  // the extension is being shut down
+    IFrameHost& host;
 };
 
-class BatchRenameMainFrame {
+class BatchRenameMainFrame final : private IFrameActions, private IPaneListener {
 public:
-    explicit BatchRenameMainFrame(FrameSurroundings around);
+    explicit BatchRenameMainFrame(const FrameEnvironment& environment);
     ~BatchRenameMainFrame();
     BatchRenameMainFrame(const BatchRenameMainFrame&) = delete;
     BatchRenameMainFrame& operator=(const BatchRenameMainFrame&) = delete;
@@ -43,35 +56,19 @@ public:
     HWND GetWindow() const { return m_window; }
     /// The object behind a window of this class; null for null. To be asked on its thread.
     static BatchRenameMainFrame* Of(HWND window);
-    /// False while a run or a dialog needs the rows as they are.
-    bool CanTakeRows() const { return m_modalDepth == 0 && m_run && !m_run->IsRunning(); }
-    /// Other rows, from the host: a restore that was being prepared is given up.
-    void SetRows(RowSnapshot rows);
+    bool CanTakeRows() const { return m_model.CanTakeRows(); }
+    void SetRows(RowSnapshot rows) { m_model.SetRows(std::move(rows)); }
     /// A message of the thread's loop; true when it is eaten.
     bool PreTranslate(MSG& message);
 
 private:
-    /// While it lives a dialog or menu is open, whose loop the thread is in.
-    class ModalScope {
-    public:
-        explicit ModalScope(BatchRenameMainFrame& frame) : m_frame(frame) { ++frame.m_modalDepth; }
-        ~ModalScope() { --m_frame.m_modalDepth; }
-        ModalScope(const ModalScope&) = delete;
-        ModalScope& operator=(const ModalScope&) = delete;
-
-    private:
-        BatchRenameMainFrame& m_frame;
-    };
-
     // The window (main_frame.cpp).
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void OnCreate();
     void MoveFocus(WPARAM where, bool isControl);
-    void OnClose();
     void CloseWindow();
     void OnDestroy();
-    void EndModalWindows();
     void Layout();
     int SplitterTop() const;
     bool OnSplitter(UINT message, LPARAM lParam);
@@ -86,41 +83,50 @@ private:
     void RestorePosition();
     void SavePosition() const noexcept;
     bool OnKey(const MSG& message);
-    void SetStatus(const std::wstring& text);
-    int AskBox(const std::wstring& text, UINT style);
 
-    // What is done (main_frame_actions.cpp).
-    void OnButton(int id);
-    void OnRuleChanged();
-    void InvalidatePreview();
-    void RequestPreview(int delay, bool readsFolders = false);
-    void OnPreview();
-    /// What is wrong with the rule keeps no session from being restored: that does without the rule.
-    bool HasRuleError() const;
-    void ShowCounts();
-    void RefreshState();
-    void OnHeader(RowKey key);
-    void RemoveSelectedRows();
-    void MoveSelectedRows(bool isUp);
-    void ChangeRows(RowSnapshot rows);
-    /// Puts others in the place of the rows and what is known of them, and lets the worker end the former.
-    void Replace(const std::function<void()>& change);
-    void Start();
-    void BeginRun();
-    void OnRunEnd();
+    // What the model has done (main_frame_actions.cpp).
+    void RequestPreview(PreviewRequest request, int delay) override;
+    void CancelPreview(uint64_t generation) override { m_preview->Cancel(generation); }
+    void Dispose(std::shared_ptr<const void> object) override { m_preview->Dispose(std::move(object)); }
+    bool BeginRun(RunRequest request, bool isRecorded) override;
+    void StopRun() override { m_run->Stop(); }
+    void Ask(const std::wstring& question) override;
+    void EndDialogs() override;
+    void Close() override { CloseWindow(); }
+    void ShowStatus(const std::wstring& text) override;
+    void ShowTitle(bool isRestoring) override;
+    void ShowState(const PanelState& state) override { m_panel->SetState(state); }
+    void ShowRows(bool areInPlace) override { m_list.Refresh(areInPlace); }
+    void ShowOutdated(bool isOutdated) override { m_list.ShowOutdated(isOutdated); }
+    void ShowOrder(const RowOrder& order) override { m_list.ShowOrder(order); }
+    void SelectRows(const std::vector<bool>& isSelected) override { m_list.Select(isSelected); }
+    RowRange VisibleRows() const override { return m_list.VisibleRows(); }
+    bool CollectRows() override { return m_environment.host.CollectRows(); }
+    void TakeRows() override { m_environment.host.TakeRows(); }
+    void ReportRenamed(const std::vector<std::wstring>& folders) override { m_environment.host.ReportRenamed(folders); }
+
+    // What the panes tell (main_frame_actions.cpp).
+    void OnRuleChanged() override;
+    void OnButton(int id) override;
+    void OnHeader(RowKey key) override { m_model.OnHeader(key); }
+    void OnRemoveRows() override { m_model.OnRemoveRows(m_list.SelectedRows()); }
+    RowSnapshot Rows() const override { return m_model.Rows().Rows(); }
+    std::vector<std::wstring> PropertyNames() const override;
+    /// Rows that the host hands over meanwhile are taken afterwards.
+    void RunModal(const std::function<void()>& body) override;
+
+    int AskBox(const std::wstring& text, UINT style);
     void OpenUndoManager();
-    void LoadSession(const std::shared_ptr<BatchRenameUndo>& session);
     void OpenProfiles();
     void SaveProfile();
     void ReportProfiles();
-    void ResetFileList();
     const wchar_t* Text(Quorvane::SDK::TextId id) const;
 
-    FrameSurroundings m_around;
+    FrameEnvironment m_environment;
+    FrameModel m_model;
     HWND m_window = nullptr;
     HWND m_statusBar = nullptr;
     HWND m_lastFocus = nullptr;
-    RowList m_rows;
     RowListView m_list;
     std::unique_ptr<RulePanel> m_panel;
     std::unique_ptr<PreviewWorker> m_preview;
@@ -129,22 +135,8 @@ private:
     UINT m_dotsPerInch = USER_DEFAULT_SCREEN_DPI;
     HWND m_focusInRule = nullptr;
     int m_panelHeight = 0;
-    int m_modalDepth = 0;
     bool m_isDragging = false;
-
-    CalendarTime m_time;
-    std::wstring m_ruleError;
-    uint64_t m_generation = 0;
-    RowOrder m_order;
-    bool m_mustSort = false;         // the rows are not in this order yet
-    bool m_mustReadFolders = false;  // a run has changed what they hold
-    bool m_isUpToDate = false;       // what the list shows is what the rule makes of it
-    bool m_startsWhenReady = false;  // Start was pressed before the preview was there
-    bool m_isDone = false;           // nothing has changed since the last run
-    bool m_closesAfterRun = false;
-    ULONGLONG m_startTime = 0;
-    std::shared_ptr<BatchRenameUndo> m_session;  // being restored; null: the rule is used
-    bool m_mustLoad = false;                     // its rows are not made yet
+    ULONGLONG m_startTime = 0;  // of the last run, in milliseconds
 };
 
 }  // namespace BatchRename

@@ -233,7 +233,7 @@ void RowListView::ShowOrder(const RowOrder& order) {
     }
 }
 
-RowListView::Range RowListView::VisibleRows() const {
+RowRange RowListView::VisibleRows() const {
     const auto top = static_cast<size_t>(SendMessageW(m_window, LVM_GETTOPINDEX, 0, 0));
     const auto count = static_cast<size_t>(SendMessageW(m_window, LVM_GETCOUNTPERPAGE, 0, 0)) + 1;
     if (top >= m_rows.PlaceCount()) return {};
@@ -287,7 +287,7 @@ std::optional<LRESULT> RowListView::OnNotify(NMHDR& header) {
         case LVN_KEYDOWN: OnKey(reinterpret_cast<NMLVKEYDOWN&>(header).wVKey); return 0;
         case LVN_COLUMNCLICK: {
             const int column = reinterpret_cast<NMLISTVIEW&>(header).iSubItem;
-            if (KeyOfColumn(column) != RowKey::HostOrder) m_owner.onHeader(KeyOfColumn(column));
+            if (KeyOfColumn(column) != RowKey::HostOrder) m_listener.OnHeader(KeyOfColumn(column));
             return 0;
         }
         case NM_CUSTOMDRAW: return OnDraw(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
@@ -305,7 +305,7 @@ void RowListView::FillItem(LVITEMW& item) const {
 
 void RowListView::OnKey(WORD key) {
     const bool isControl = GetKeyState(VK_CONTROL) < 0;
-    if (key == VK_DELETE) m_owner.onRemove();
+    if (key == VK_DELETE) m_listener.OnRemoveRows();
     if (key == L'C' && isControl) CopySelection();
     if (key == VK_INSERT && isControl) CopySelection();
     if (key == L'A' && isControl) SelectAll();

@@ -3,12 +3,11 @@
 #pragma once
 
 #include <array>
-#include <functional>
 #include <optional>
 #include <vector>
 
-#include "batchrename/model/row_list.h"
-#include "batchrename/model/row_order.h"
+#include "batchrename/model/frame_model.h"
+#include "batchrename/window/pane_listener.h"
 #include "batchrename/window/row_icons.h"
 
 namespace BatchRename {
@@ -22,12 +21,8 @@ using FontHandle = Win32::UniqueHandle<FontTraits>;
 
 class RowListView {
 public:
-    struct Owner {
-        std::function<void(RowKey)> onHeader;
-        std::function<void()> onRemove;         // of the selected rows
-        std::function<void(bool isUp)> onMove;  // of the selected rows
-    };
-    RowListView(const RowList& rows, Owner owner) : m_rows(rows), m_owner(std::move(owner)) {}
+    /// Both outlive the view.
+    RowListView(const RowList& rows, IPaneListener& listener) : m_rows(rows), m_listener(listener) {}
 
     /// @throws std::system_error
     void Create(HWND parent, int id, HFONT font);
@@ -44,11 +39,7 @@ public:
     void ShowOrder(const RowOrder& order);
     void Recolour();
 
-    struct Range {
-        size_t first = 0;
-        size_t count = 0;
-    };
-    Range VisibleRows() const;
+    RowRange VisibleRows() const;
     /// By row, true for the selected ones.
     std::vector<bool> SelectedRows() const;
     void Select(const std::vector<bool>& isSelected);
@@ -72,7 +63,7 @@ private:
     void DrawNewName(HDC context, size_t place);
 
     const RowList& m_rows;
-    Owner m_owner;
+    IPaneListener& m_listener;
     HWND m_window = nullptr;
     WNDPROC m_control = nullptr;  // the system's
     // What the control's places stand for, and what was selected in it when it was emptied.

@@ -91,8 +91,8 @@ void SelectEntry(HWND combo, std::span<const Ui::ListEntry> entries, uint32_t op
 
 }  // namespace
 
-RulePanel::RulePanel(Ui::HostTexts texts, Owner owner)
-    : Dialog(IDD_RULE_PANEL), m_texts(std::move(texts)), m_owner(std::move(owner)) {}
+RulePanel::RulePanel(Ui::HostTexts texts, IPaneListener& listener)
+    : Dialog(IDD_RULE_PANEL), m_texts(std::move(texts)), m_listener(listener) {}
 
 void RulePanel::Create(HWND parent) {
     m_parent = parent;
@@ -154,14 +154,9 @@ void RulePanel::SetRule(const RuleDefinition& rule) {
     RefreshButtons();
 }
 
-bool RulePanel::IsLive() const {
-    return Ui::IsChecked(Item(IDC_LIVE_PREVIEW));
-}
-bool RulePanel::SavesUndo() const {
-    return Ui::IsChecked(Item(IDC_SAVE_UNDO));
-}
-bool RulePanel::ShowsChangesOnly() const {
-    return Ui::IsChecked(Item(IDC_CHANGES_ONLY));
+PanelChoices RulePanel::Choices() const {
+    return {Ui::IsChecked(Item(IDC_LIVE_PREVIEW)), Ui::IsChecked(Item(IDC_SAVE_UNDO)),
+            Ui::IsChecked(Item(IDC_CHANGES_ONLY))};
 }
 
 void RulePanel::SetState(const PanelState& state) {
@@ -187,11 +182,10 @@ bool RulePanel::OnCommand(int id, int notification) {
     if (isClick && id == IDC_NAME_TAGS) InsertTag(id, IDC_NAME_TEMPLATE);
     if (isClick && id == IDC_EXTENSION_TAGS) InsertTag(id, IDC_EXTENSION_TEMPLATE);
     if (isClick && id >= IDC_ITEM_NEW && id <= IDC_ITEM_DOWN) OnItemButton(id);
-    if (isClick && ((id >= IDC_START && id <= IDC_CLOSE) || id == IDC_LIVE_PREVIEW || id == IDC_CHANGES_ONLY))
-        m_owner.onButton(id);
+    if (isClick && id >= IDC_START && id <= IDC_CHANGES_ONLY) m_listener.OnButton(id);
     const bool isBox = isClick && id >= IDC_REGEX && id <= IDC_CASE_SENSITIVE;
     if (isBox) RefreshButtons();
-    if (isBox || notification == EN_CHANGE || notification == CBN_SELCHANGE) m_owner.onRuleChanged();
+    if (isBox || notification == EN_CHANGE || notification == CBN_SELCHANGE) m_listener.OnRuleChanged();
     return true;
 }
 
@@ -212,9 +206,10 @@ bool RulePanel::OnMessage(UINT message, WPARAM, LPARAM lParam) {
 
 void RulePanel::InsertTag(int button, int edit) {
     std::optional<std::wstring> tag;
-    m_owner.modal([&] {
+    m_listener.RunModal([&] {
         tag = PickTag(GetWindow(), Item(button), m_texts);
-        if (tag && tag->empty()) tag = BatchRenameAddTag(m_owner.properties()).Show(GetAncestor(GetWindow(), GA_ROOT));
+        if (tag && tag->empty())
+            tag = BatchRenameAddTag(m_listener.PropertyNames()).Show(GetAncestor(GetWindow(), GA_ROOT));
     });
     if (!tag) return;
     SetFocus(Item(edit));
@@ -236,22 +231,22 @@ void RulePanel::OnItemButton(int id) {
         std::swap(m_items[static_cast<size_t>(selected)], m_items[static_cast<size_t>(next)]);
     }
     ShowItems(next);
-    m_owner.onRuleChanged();
+    m_listener.OnRuleChanged();
 }
 
 void RulePanel::EditItem(bool isNew) {
     const int selected = SelectedRow(Item(IDC_ITEMS));
     const size_t place = isNew ? m_items.size() : static_cast<size_t>(selected);
-    BatchRenameFindReplaceDlg dialog(isNew ? SearchAndReplaceItem() : m_items[place], Options(), m_owner.rows());
+    BatchRenameFindReplaceDlg dialog(isNew ? SearchAndReplaceItem() : m_items[place], Options(), m_listener.Rows());
     std::optional<SearchAndReplaceItem> item;
-    m_owner.modal([&] { item = dialog.Show(GetAncestor(GetWindow(), GA_ROOT)); });
+    m_listener.RunModal([&] { item = dialog.Show(GetAncestor(GetWindow(), GA_ROOT)); });
     if (!item) return;
     if (isNew)
         m_items.push_back(std::move(*item));
     else
         m_items[place] = std::move(*item);
     ShowItems(static_cast<int>(place));
-    m_owner.onRuleChanged();
+    m_listener.OnRuleChanged();
 }
 
 void RulePanel::ShowItems(int selected) {

@@ -2,32 +2,18 @@
 // do, and what follows from a change, is the window's work.
 #pragma once
 
-#include <functional>
-
-#include "batchrename/model/preview.h"
+#include "batchrename/model/frame_model.h"
+#include "batchrename/window/pane_listener.h"
 #include "rename/rename_rule.h"
 #include "ui/controls.h"
 #include "ui/dialog.h"
 
 namespace BatchRename {
 
-/// What can be used at the moment.
-struct PanelState {
-    bool isRunning = false;
-    bool isRestoring = false;  // the names come from a session: the rule is not used
-    bool canStart = false;
-};
-
 class RulePanel final : private Ui::Dialog {
 public:
-    struct Owner {
-        std::function<void()> onRuleChanged;
-        std::function<void(int id)> onButton;  // and the boxes that are no part of the rule
-        std::function<RowSnapshot()> rows;     // to try a find text on
-        std::function<std::vector<std::wstring>()> properties;
-        std::function<void(const std::function<void()>&)> modal;  // runs what opens a dialog or a menu
-    };
-    RulePanel(Ui::HostTexts texts, Owner owner);
+    /// `listener` outlives the panel.
+    RulePanel(Ui::HostTexts texts, IPaneListener& listener);
 
     /// @throws std::system_error
     void Create(HWND parent);
@@ -40,9 +26,7 @@ public:
 
     RuleDefinition Rule() const;
     void SetRule(const RuleDefinition& rule);
-    bool IsLive() const;
-    bool SavesUndo() const;
-    bool ShowsChangesOnly() const;
+    PanelChoices Choices() const;
     HWND Button(int id) const { return Item(id); }
     void SetState(const PanelState& state);
 
@@ -61,7 +45,7 @@ private:
     uint32_t Options() const;
 
     Ui::HostTexts m_texts;
-    Owner m_owner;
+    IPaneListener& m_listener;
     HWND m_parent = nullptr;
     UINT m_dotsPerInch = USER_DEFAULT_SCREEN_DPI;
     SIZE m_naturalSize = {};

@@ -1,0 +1,294 @@
+#include "batchrename/model/frame_model.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "batchrename/model/rows_after_run.h"
+#include "rename/rename_options.h"
+
+namespace BatchRename {
+namespace {
+
+constexpr int kTypingPause = 150;                // milliseconds after the last key
+constexpr size_t kRowsWorthShowingEarly = 2000;  // fewer are there at once: showing part of them would only flicker
+
+std::wstring ErrorOf(const RuleDefinition& rule) {
+    if (!(rule.options & RenameOption::RegularExpression) || !rule.items) return {};
+    const ItemFault fault = CheckRegularExpressions(*rule.items, (rule.options & RenameOption::CaseSensitive) != 0);
+    if (fault.item == 0) return {};
+    return L"Expression " + std::to_wstring(fault.item) + L" is not valid: " + fault.error;
+}
+
+}  // namespace
+
+FrameModel::FrameModel(IFrameActions& actions, RuleDefinition& rule, const CalendarTime& now)
+    : m_actions(actions), m_rule(rule), m_time(now) {}
+
+void FrameModel::ShowState() {
+    PanelState state;
+    state.isRunning = IsRunning();
+    state.isRestoring = m_session != nullptr;
+    const bool hasWork = IsUpToDate() ? m_rows.Counts().changes > 0 : !m_rows.Rows()->empty();
+    state.canStart = hasWork && !IsRunning() && m_state != FrameState::Done && !HasRuleError();
+    m_actions.ShowState(state);
+}
+
+void FrameModel::ShowCounts() {
+    if (HasRuleError()) return m_actions.ShowStatus(m_ruleError);
+    if (m_rows.Rows()->empty())
+        return m_actions.ShowStatus(m_mustLoadSession ? L"Looking for the files of the session..." : L"No files");
+    if (IsUpToDate()) return m_actions.ShowStatus(TextOfCounts(m_rows.Counts(), m_session != nullptr));
+    m_actions.ShowStatus(m_choices.isLive ? L"Computing the new names..." : L"The new names are not up to date.");
+}
+
+// --- rule and preview
+
+void FrameModel::OnRuleChanged(RuleDefinition rule, const CalendarTime& now) {
+    m_ruleError = ErrorOf(rule);
+    if (!m_ruleError.empty()) {
+        // The rule as it was before stays, and so do the names that it gave.
+        m_actions.ShowStatus(m_ruleError);
+        return ShowState();
+    }
+    m_rule = std::move(rule);
+    m_time = now;
+    if (IsRunning()) return;  // the run has rows of its own
+    Invalidate();
+    if (m_choices.isLive) RequestPreview(kTypingPause);
+}
+
+void FrameModel::OnChoices(const PanelChoices& choices) {
+    const PanelChoices former = std::exchange(m_choices, choices);
+    if (choices.showsChangesOnly != former.showsChangesOnly) {
+        m_rows.ShowChangesOnly(choices.showsChangesOnly);
+        m_actions.ShowRows(false);
+    }
+    const bool becomesLive = choices.isLive && !former.isLive;
+    if (becomesLive && !IsUpToDate() && !IsRunning() && m_state != FrameState::Done) RequestPreview(0);
+}
+
+void FrameModel::OnRefresh() {
+    if (!IsRunning() && m_state != FrameState::Done) RequestPreview(0, true);
+}
+
+void FrameModel::Invalidate() {
+    m_state = FrameState::Outdated;
+    m_actions.CancelPreview(++m_generation);
+    if (!m_choices.isLive) m_actions.ShowOutdated(true);
+    ShowCounts();
+    ShowState();
+}
+
+void FrameModel::RequestPreview(int delay, bool readsFolders) {
+    // Outdated until the request is made: when memory runs out before, Start makes another.
+    const FrameState next = m_state == FrameState::Starting ? FrameState::Starting : FrameState::Computing;
+    m_state = FrameState::Outdated;
+    m_mustReadFolders = m_mustReadFolders || readsFolders;
+    PreviewRequest request;
+    request.generation = ++m_generation;
+    request.rows = m_rows.Rows();
+    request.rule = m_rule;
+    request.time = m_time;
+    request.readsFolders = m_mustReadFolders;
+    if (m_mustSort) request.order = m_order;
+    if (m_mustLoadSession) request.session = m_session;
+    if (request.rows->size() >= kRowsWorthShowingEarly && !m_choices.showsChangesOnly) {
+        const RowRange visible = m_actions.VisibleRows();
+        request.firstVisible = visible.first;
+        request.visibleCount = visible.count;
+    }
+    m_actions.RequestPreview(std::move(request), delay);
+    m_state = next;
+    m_mustReadFolders = false;
+    ShowState();
+}
+
+void FrameModel::OnPreview(std::shared_ptr<const Preview> preview) {
+    if (!preview || preview->generation != m_generation) return m_actions.Dispose(std::move(preview));
+    const FrameState before = m_state;
+    const bool isComplete = preview->IsComplete();
+    // Until the names are taken over: there may be no memory for that, and no other preview is on its way.
+    if (isComplete || !preview->error.empty()) m_state = FrameState::Outdated;
+    if (!preview->error.empty()) return m_actions.ShowStatus(preview->error);
+    Replace([&] { m_rows.SetPreview(std::move(preview)); });
+    if (isComplete) {
+        m_state = FrameState::Ready;
+        m_mustSort = false;
+        m_mustLoadSession = false;
+        m_actions.ShowOutdated(false);
+    }
+    m_actions.ShowRows(false);
+    ShowCounts();
+    ShowState();
+    if (isComplete && before == FrameState::Starting) OnStart(false);
+}
+
+// --- rows
+
+void FrameModel::SetRows(RowSnapshot rows) {
+    m_session.reset();
+    m_mustLoadSession = false;
+    m_mustSort = false;
+    m_order = {};
+    m_actions.ShowOrder(m_order);
+    m_actions.ShowTitle(false);
+    ChangeRows(std::move(rows));
+}
+
+void FrameModel::ChangeRows(RowSnapshot rows) {
+    m_state = FrameState::Outdated;
+    Replace([&] { m_rows.SetRows(std::move(rows)); });
+    m_actions.ShowRows(false);
+    Invalidate();
+    // Also where the preview is switched off: the rows themselves are what is looked at now.
+    RequestPreview(0, true);
+}
+
+/// Puts others in the place of the rows and what is known of them, and lets another thread end the former.
+template <typename Change>
+void FrameModel::Replace(const Change& change) {
+    std::shared_ptr<const void> former[] = {m_rows.CurrentPreview(), m_rows.Outcomes(), m_rows.Rows()};
+    change();
+    for (auto& object : former) m_actions.Dispose(std::move(object));
+}
+
+void FrameModel::OnHeader(RowKey key) {
+    if (IsRunning() || m_state == FrameState::Done) return;
+    m_order = NextOrder(m_order, key);
+    m_mustSort = true;
+    m_actions.ShowOrder(m_order);
+    // Sorted by what is shown: only the preview has the new names.
+    if (key == RowKey::NewName && IsUpToDate()) {
+        RowSnapshot named = std::make_shared<const RenameItems>(m_rows.CurrentPreview()->computed);
+        m_state = FrameState::Outdated;
+        m_rows.SetRows(std::move(named));
+        m_actions.ShowRows(true);
+    }
+    RequestPreview(0);
+}
+
+void FrameModel::OnRemoveRows(const std::vector<bool>& isSelected) {
+    // What a session renamed is restored whole: its record would be wrong about the rest.
+    if (IsRunning() || m_session) return;
+    const auto first = std::ranges::find(isSelected, true);
+    if (first == isSelected.end()) return;
+    const auto place = static_cast<size_t>(first - isSelected.begin());
+    ChangeRows(std::make_shared<const RenameItems>(WithoutRows(*m_rows.Rows(), isSelected)));
+    std::vector<bool> next(m_rows.Rows()->size(), false);
+    if (!next.empty()) next[std::min(place, next.size() - 1)] = true;
+    m_actions.SelectRows(next);
+}
+
+void FrameModel::OnMoveRows(std::vector<bool> isSelected, bool isUp) {
+    if (IsRunning() || m_state == FrameState::Done) return;
+    if (std::ranges::find(isSelected, true) == isSelected.end()) return;
+    m_order = {};
+    m_mustSort = false;
+    m_actions.ShowOrder(m_order);
+    ChangeRows(std::make_shared<const RenameItems>(MoveRows(*m_rows.Rows(), isSelected, isUp)));
+    m_actions.SelectRows(isSelected);
+}
+
+void FrameModel::OnResetRows() {
+    if (IsRunning()) return;
+    SetRows(std::make_shared<const RenameItems>());
+    m_actions.ShowStatus(L"Asking for the selected files...");
+    if (m_actions.CollectRows())
+        m_actions.TakeRows();
+    else
+        m_actions.ShowStatus(L"The file manager did not answer in time.");
+}
+
+void FrameModel::LoadSession(std::shared_ptr<BatchRenameUndo> session) {
+    SetRows(std::make_shared<const RenameItems>());
+    m_session = std::move(session);
+    m_mustLoadSession = true;
+    m_actions.ShowTitle(true);
+    RequestPreview(0, true);
+    ShowCounts();
+}
+
+// --- run
+
+void FrameModel::OnStart(bool isSecondClick) {
+    if (IsRunning()) {
+        if (!isSecondClick) m_actions.StopRun();
+        return;
+    }
+    // While a dialog is open: a second click that was on its way before the question disabled the button.
+    if (m_openDialogs > 0 || m_state == FrameState::Done || HasRuleError() || m_rows.Rows()->empty()) return;
+    if (m_state == FrameState::Outdated) RequestPreview(0);
+    if (!IsUpToDate()) {
+        m_state = FrameState::Starting;
+        return;
+    }
+    const RowCounts& counts = m_rows.Counts();
+    if (counts.changes == 0) return;
+    if (counts.problems == 0) return BeginRun();
+    m_state = FrameState::Asking;
+    m_actions.Ask(QuestionBeforeRun(counts));
+}
+
+void FrameModel::OnAnswer(bool isYes) {
+    if (m_state != FrameState::Asking) return;  // something has changed since: other names are computed
+    m_state = FrameState::Ready;
+    if (isYes) BeginRun();
+}
+
+void FrameModel::BeginRun() {
+    RunRequest request;
+    request.session = m_session;
+    request.rows.reserve(m_rows.Rows()->size());
+    for (const auto& row : m_rows.CurrentPreview()->computed) {
+        request.rows.push_back(std::make_shared<BatchRenameItem>(*row));
+        if (m_session) request.entries.push_back(row->hostOrder);
+    }
+    if (!m_actions.BeginRun(std::move(request), m_session || m_choices.savesUndo))
+        return m_actions.ShowStatus(L"The run could not be started; the system has no thread for it.");
+    m_state = FrameState::Running;
+    m_actions.ShowStatus(m_session ? L"Restoring..." : L"Renaming...");
+    ShowState();
+}
+
+void FrameModel::OnRunProgress(uint32_t renameCount) {
+    if (!IsRunning()) return;
+    m_actions.ShowStatus((m_session ? L"Restoring: " : L"Renaming: ") + std::to_wstring(renameCount) + L" of " +
+                         std::to_wstring(m_rows.Counts().changes));
+}
+
+void FrameModel::OnRunEnd(const std::shared_ptr<const RunResult>& result) {
+    const bool isClosing = m_state == FrameState::Stopping;
+    // First of all: whatever fails below, nothing waits for a run that is over.
+    if (IsRunning()) m_state = FrameState::Done;
+    if (result && !result->outcomes.empty()) m_actions.ReportRenamed(FoldersOf(result->rows));
+    if (isClosing) return m_actions.Close();
+    if (!result) return ShowState();
+    m_actions.CancelPreview(++m_generation);
+    m_mustReadFolders = true;
+    if (result->outcomes.empty())
+        m_rows.ForgetPreview();
+    else
+        Replace([&] {
+            m_rows.SetOutcomes(std::make_shared<const RenameItems>(RowsAfterRun(result->rows, result->outcomes)),
+                               result, m_session != nullptr);
+        });
+    m_actions.ShowRows(true);
+    m_actions.ShowStatus(TextAfterRun(result->error, result->counts, m_session != nullptr));
+    ShowState();
+    m_actions.TakeRows();
+}
+
+void FrameModel::OnClose(bool isShutdown) {
+    if (m_openDialogs > 0) {
+        // The dialog's code is still on this thread's stack and needs the window: the dialog ends first. A shutdown
+        // follows with a quit message, after which the window goes too.
+        if (isShutdown) m_actions.EndDialogs();
+        return;
+    }
+    if (!IsRunning() || isShutdown) return m_actions.Close();
+    m_state = FrameState::Stopping;
+    m_actions.StopRun();
+    m_actions.ShowStatus(L"Stopping after the current file...");
+}
+
+}  // namespace BatchRename
