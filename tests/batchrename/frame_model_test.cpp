@@ -305,12 +305,19 @@ TEST(FrameModel, KeepsForTheNextPreviewWhatTheLastDidNotDo) {
     afterRun.model.OnStart(false);
     EXPECT_EQ(afterRun.Done(), "cancel, request folders") << "a run has changed what they hold";
     EXPECT_EQ((*afterRun.request.rows)[0]->currentName, L"b2");
+    afterRun.failsRequests = true;
+    EXPECT_THROW(afterRun.model.OnRefresh(), std::bad_alloc);
+    EXPECT_EQ(afterRun.model.State(), Outdated) << "nothing is on its way any more";
 }
 
 TEST(FrameModel, RestoresWhateverTheRuleIs) {
     RecordedFrame frame;
     frame.model.OnChoices({.savesUndo = false});
+    Bring(frame, Ready);
     frame.model.OnRuleChanged(Expression(L"("), {});
+    frame.Done();
+    frame.model.OnStart(false);
+    EXPECT_EQ(frame.Done(), "");
     frame.model.LoadSession(std::make_shared<BatchRenameUndo>());
     EXPECT_TRUE(frame.isRestoring && frame.panel.isRestoring);
     frame.request.rows = Two();
