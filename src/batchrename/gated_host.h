@@ -41,7 +41,7 @@ private:
     bool Enter();
     void Leave();
 
-    // The system's lock, since it needs no memory: services are given back while there may be none.
+    // The system's lock, since it needs no memory: services are given back in destructors, when there may be none.
     SRWLOCK m_lock = SRWLOCK_INIT;
     CONDITION_VARIABLE m_isEmpty = CONDITION_VARIABLE_INIT;
     bool m_isClosed = false;

@@ -1,4 +1,6 @@
-// exclusive_lock.h - holds one of the system's own locks for as long as it lives.
+// exclusive_lock.h - holds one of the system's own locks for as long as it lives. Those need no memory: the runtime's
+// std::mutex allocates a block with its first lock and std::condition_variable six with its first wait (counted), and
+// where there is no memory for them a destructor that locks ends the process.
 #pragma once
 
 #include "win32/windows.h"

@@ -10,19 +10,21 @@
 namespace BatchRename {
 
 PreviewWorker::PreviewWorker(Quorvane::SDK::IHostServices* services, std::function<void()> notify)
-    : m_services(services), m_notify(std::move(notify)), m_folders(ListFolderOnDisk), m_thread([this] {
+    : m_services(services),
+      m_notify(std::move(notify)),
+      m_folders(ListFolderOnDisk),
+      m_thread([this](const std::stop_token& stop) {
           Quorvane::SDK::ReserveExceptionRecord();
-          Run();
+          Run(stop);
       }) {}
 
 PreviewWorker::~PreviewWorker() {
     {
         const std::lock_guard lock(m_mutex);
-        m_isEnding = true;
+        m_thread.request_stop();
         m_newest = UINT64_MAX;
     }
     m_wake.notify_one();
-    m_thread.join();
 }
 
 void PreviewWorker::Request(PreviewRequest request, int delay) {
@@ -94,9 +96,9 @@ void PreviewWorker::PublishFailure(uint64_t generation) {
     Publish(std::exchange(m_failure, nullptr));
 }
 
-void PreviewWorker::Run() {
+void PreviewWorker::Run(const std::stop_token& stop) {
     std::unique_lock lock(m_mutex);
-    while (!m_isEnding) {
+    while (!stop.stop_requested()) {
         if (!m_disposed.empty()) {
             std::vector<std::shared_ptr<const void>> disposed = std::move(m_disposed);
             m_disposed.clear();
@@ -106,13 +108,14 @@ void PreviewWorker::Run() {
             continue;
         }
         if (!m_request) {
-            m_wake.wait(lock, [&] { return m_isEnding || m_request || !m_disposed.empty(); });
+            m_wake.wait(lock, [&] { return stop.stop_requested() || m_request || !m_disposed.empty(); });
             continue;
         }
         if (const uint64_t generation = m_request->generation; m_delay > 0) {
             const auto pause = std::chrono::milliseconds(m_delay);
-            const bool isOvertaken = m_wake.wait_for(
-                lock, pause, [&] { return m_isEnding || !m_request || m_request->generation != generation; });
+            const bool isOvertaken = m_wake.wait_for(lock, pause, [&] {
+                return stop.stop_requested() || !m_request || m_request->generation != generation;
+            });
             if (isOvertaken) continue;
         }
         PreviewRequest request = std::move(*m_request);

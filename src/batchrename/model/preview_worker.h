@@ -39,7 +39,7 @@ public:
     void Dispose(std::shared_ptr<const void> object);
 
 private:
-    void Run();
+    void Run(const std::stop_token& stop);
     void Publish(std::shared_ptr<const Preview> preview);
     void MakePass(const PreviewRequest& request);
     void PublishFailure(uint64_t generation);
@@ -54,12 +54,11 @@ private:
     std::optional<PreviewRequest> m_request;
     int m_delay = 0;
     bool m_readsFolders = false;  // a request that was overtaken wanted it
-    bool m_isEnding = false;
     std::shared_ptr<const Preview> m_published;
     std::vector<std::shared_ptr<const void>> m_disposed;
     // The worker's thread's: says that memory has run out, and so is made while there is some.
     std::shared_ptr<Preview> m_failure;
-    std::thread m_thread;  // last: it uses everything above
+    std::jthread m_thread;  // last: it uses everything above
 };
 
 }  // namespace BatchRename

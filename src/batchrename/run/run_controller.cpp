@@ -13,8 +13,9 @@ using namespace Quorvane::SDK;
 
 namespace {
 
-constexpr ULONGLONG kProgressPause = 100;  // milliseconds between two words about progress
-/// What became of the run, for those who look when the window is closed. What was renamed is in the undo session.
+constexpr ULONGLONG kProgressPause = 100;  // milliseconds between two reports of progress
+
+/// What became of the run, for the time after the window is closed. What was renamed is in the undo session.
 void LogRun(IHostServices& host, const RunResult& result, bool isRestore) {
     for (size_t row = 0; row < result.outcomes.size(); ++row) {
         const RowOutcome& outcome = result.outcomes[row];
@@ -39,18 +40,12 @@ RunController::RunController(IHostServices* services, std::atomic<bool>& isStopp
                              std::function<void(uint32_t)> onProgress, std::function<void()> onEnd)
     : m_services(services), m_isStopped(isStopped), m_onProgress(std::move(onProgress)), m_onEnd(std::move(onEnd)) {}
 
-RunController::~RunController() {
-    if (!m_thread.joinable()) return;
-    m_isStopped = true;
-    m_thread.join();
-}
-
 void RunController::Start(RunRequest request) {
     m_result.reset();
-    // Made here, with room for the words of the failure, so that the thread needs no memory to say that there is none.
+    // Made here, with memory for the text of the failure, so that the thread needs none to say that there is none.
     auto result = std::make_unique<RunResult>();
     result->error.reserve(std::size(kFailed));
-    m_thread = std::thread([this, given = std::move(request), kept = std::move(result)]() mutable {
+    m_thread = std::jthread([this, given = std::move(request), kept = std::move(result)]() mutable {
         ReserveExceptionRecord();
         Run(std::move(given), std::move(kept));
     });

@@ -33,8 +33,8 @@ public:
     /// `isStopped` may be set by any thread. `onProgress` and `onEnd` are called on the run's thread.
     RunController(Quorvane::SDK::IHostServices* services, std::atomic<bool>& isStopped,
                   std::function<void(uint32_t stepCount)> onProgress, std::function<void()> onEnd);
-    /// Stops a run that is under way, behind its current row or ring, and waits for it.
-    ~RunController();
+    /// Stops a run that is under way, after its current row or ring, and waits for it.
+    ~RunController() { Stop(); }
     RunController(const RunController&) = delete;
     RunController& operator=(const RunController&) = delete;
 
@@ -52,7 +52,7 @@ private:
     std::function<void(uint32_t)> m_onProgress;
     std::function<void()> m_onEnd;
     std::unique_ptr<RunResult> m_result;
-    std::thread m_thread;
+    std::jthread m_thread;  // last: it uses everything above
 };
 
 }  // namespace BatchRename
