@@ -5,9 +5,11 @@
 #include "batchrename/batchrename_texts.h"
 #include "batchrename/extension_state.h"
 #include "batchrename/gui_thread.h"
-#include "batchrename/row_collection.h"
 #include "sdk/boundary.h"
 #include "sdk/extension_info.h"
+#include "sdk/owners.h"
+#include "win32/path.h"
+#include "win32/windows.h"
 
 namespace BatchRename {
 
@@ -22,6 +24,32 @@ constexpr DWORD kPauseAtStart = 1000;
 constexpr DWORD kWaitAtShutdown = 5000;
 constexpr DWORD kWaitAtDeletion = 4000;
 constexpr DWORD kWaitForCalls = 100;  // a thread may have passed the gate and not be in the host yet
+
+constexpr uint32_t kLongestPath = 32768;  // units, with the closing zero
+
+/// One row for each selected item, in list order; items without a name are left out.
+RowSnapshot SelectedRows(IHostServices& services) {
+    RenameItems rows;
+    if (const Owned<IFileList> list = GatherSelection(services, SelectionFlags::Names)) {
+        const std::vector<IFileItem*> items = ItemsOf(*list);
+        rows.reserve(items.size());
+        std::wstring buffer(kLongestPath, L'\0');  // one for all: there may be a hundred thousand
+        for (IFileItem* const item : items) {
+            auto row = std::make_shared<BatchRenameItem>();
+            buffer[0] = L'\0';
+            item->GetName(buffer.data(), kLongestPath);
+            row->currentName = buffer.c_str();
+            buffer[0] = L'\0';
+            item->GetLocation(buffer.data(), kLongestPath);
+            row->location = Win32::WithoutSeparator(buffer.c_str());
+            const uint32_t attributes = item->GetAttributes();
+            row->isFolder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+            row->hostOrder = static_cast<uint32_t>(rows.size());
+            if (!row->currentName.empty()) rows.push_back(std::move(row));
+        }
+    }
+    return std::make_shared<const RenameItems>(std::move(rows));
+}
 
 }  // namespace
 
@@ -109,7 +137,7 @@ uint32_t QVBatchRename::OpenWindow() {
 
 void QVBatchRename::CollectRows() {
     if (!m_services) return;
-    m_state->rows.Put(BatchRename::CollectRows(*m_services));
+    m_state->rows.Put(SelectedRows(*m_services));
     if (m_guiThread) PostThreadMessageW(m_guiThread->Id(), kOwnerMessage, 0, 0);
 }
 

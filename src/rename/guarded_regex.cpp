@@ -5,7 +5,6 @@
 #include <locale>
 #include <string_view>
 
-#include "rename/pattern_size.h"
 #include "win32/stack.h"
 
 namespace BatchRename {

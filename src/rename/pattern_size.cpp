@@ -1,8 +1,9 @@
-#include "rename/pattern_size.h"
-
+// pattern_size.cpp - counts what the standard engine makes of a regular expression.
 #include <algorithm>
 #include <string>
 #include <vector>
+
+#include "rename/guarded_regex.h"
 
 namespace BatchRename {
 namespace {

@@ -1,10 +1,10 @@
 #include "batchrename/dialogs/find_replace_dlg.h"
 
 #include "batchrename/dialogs/batchrename_resource.h"
-#include "batchrename/dialogs/popup_menus.h"
 #include "batchrename/model/name_sample.h"
 #include "batchrename/profiles.h"
 #include "ui/controls.h"
+#include "ui/popup_menu.h"
 #include "win32/window_text.h"
 
 namespace BatchRename {
@@ -53,7 +53,7 @@ bool BatchRenameFindReplaceDlg::OnCommand(int id, int notification) {
 }
 
 void BatchRenameFindReplaceDlg::PickGroup() {
-    PopupMenu menu;
+    Ui::PopupMenu menu;
     for (const Group& group : kGroups) menu.Add(group.text);
     const int chosen = menu.Show(GetWindow(), Item(IDC_ITEM_GROUPS));
     if (chosen < 0) return;

@@ -1,11 +1,21 @@
 #include "batchrename/dialogs/tags.h"
 
+#include <vector>
+
 #include "batchrename/batchrename_texts.h"
+#include "ui/popup_menu.h"
 
 namespace BatchRename {
-namespace {
 
 using namespace Quorvane::SDK;
+
+namespace {
+
+/// One line of the menu.
+struct TagEntry {
+    const wchar_t* tag;  // null: a separator
+    TextId text;
+};
 
 constexpr TagEntry kTags[] = {
     {L"[N]", Text::NameTag}, {L"[E]", Text::ExtensionTag}, {L"[C]", Text::CounterTag}, {L"[F]", Text::FolderTag},
@@ -16,8 +26,21 @@ constexpr TagEntry kTags[] = {
 
 }  // namespace
 
-std::span<const TagEntry> TagEntries() {
-    return kTags;
+std::optional<std::wstring> PickTag(HWND owner, HWND button, const Ui::HostTexts& texts) {
+    Ui::PopupMenu menu;
+    std::vector<const wchar_t*> tags;
+    for (const TagEntry& entry : kTags) {
+        if (!entry.tag) {
+            menu.AddSeparator();
+            continue;
+        }
+        menu.Add(texts(entry.text));
+        tags.push_back(entry.tag);
+    }
+    const int property = menu.Add(texts(Text::PropertyTag));
+    const int chosen = menu.Show(owner, button);
+    if (chosen < 0) return std::nullopt;
+    return chosen == property ? std::wstring() : tags[static_cast<size_t>(chosen)];
 }
 
 std::wstring PropertyTag(const std::wstring& property, const SubString* part) {

@@ -1,22 +1,16 @@
-// tags.h - the tags as the menu offers them, and the text of a property tag.
+// tags.h - the menu of the tags of a template, and the text of a property tag.
 #pragma once
 
 #include <cstdint>
-#include <span>
+#include <optional>
 #include <string>
 
-#include "sdk/text_id.h"
+#include "ui/controls.h"
 
 namespace BatchRename {
 
-/// One line of the tag menu.
-struct TagEntry {
-    const wchar_t* tag;  // null: a separator
-    Quorvane::SDK::TextId text;
-};
-
-/// In the order of the menu; the entry for property tags comes behind them.
-std::span<const TagEntry> TagEntries();
+/// What was chosen in the tag menu: a tag, or, with an empty text, the dialog for property tags.
+std::optional<std::wstring> PickTag(HWND owner, HWND button, const Ui::HostTexts& texts);
 
 /// A part of a property's value.
 struct SubString {

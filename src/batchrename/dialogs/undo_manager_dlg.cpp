@@ -1,16 +1,16 @@
 #include "batchrename/dialogs/undo_manager_dlg.h"
 
 #include "batchrename/dialogs/batchrename_resource.h"
-#include "batchrename/window/list_columns.h"
+#include "ui/list_columns.h"
 
 #include <commctrl.h>
 
 namespace BatchRename {
 namespace {
 
-constexpr ListColumn kSessionColumns[] = {
+constexpr Ui::ListColumn kSessionColumns[] = {
     {L"Date and time when files was renamed", 848}, {L"Items :", 176}, {L"State", 320}};
-constexpr ListColumn kEntryColumns[] = {{L"New name", 512}, {L"Old name", 512}, {L"Location", 720}};
+constexpr Ui::ListColumn kEntryColumns[] = {{L"New name", 512}, {L"Old name", 512}, {L"Location", 720}};
 
 constexpr Ui::Anchor kAnchors[] = {
     {IDC_SESSIONS, 0, 0, 100, 40},  {IDC_ENTRIES_LABEL, 0, 40, 0, 40}, {IDC_ENTRIES, 0, 40, 100, 100},
@@ -48,8 +48,8 @@ std::shared_ptr<BatchRenameUndo> BatchRenameUndoManagerDlg::Show(HWND owner) {
 
 bool BatchRenameUndoManagerDlg::OnInit() {
     MakeResizable(kAnchors);
-    AddColumns(Item(IDC_SESSIONS), kSessionColumns);
-    AddColumns(Item(IDC_ENTRIES), kEntryColumns);
+    Ui::AddColumns(Item(IDC_SESSIONS), kSessionColumns);
+    Ui::AddColumns(Item(IDC_ENTRIES), kEntryColumns);
     FillSessions();
     SetFocus(Item(IDC_SESSIONS));
     return false;
@@ -60,11 +60,11 @@ void BatchRenameUndoManagerDlg::FillSessions() {
     SendMessageW(list, LVM_DELETEALLITEMS, 0, 0);
     int row = 0;
     for (const auto& session : m_store.Sessions()) {
-        SetListText(list, row, 0, TextOfTime(session->time));
-        SetListText(list, row, 1, std::to_wstring(session->entries.size()));
-        SetListText(list, row++, 2, StateOf(*session));
+        Ui::SetListText(list, row, 0, TextOfTime(session->time));
+        Ui::SetListText(list, row, 1, std::to_wstring(session->entries.size()));
+        Ui::SetListText(list, row++, 2, StateOf(*session));
     }
-    if (row > 0) SelectRow(list, 0);
+    if (row > 0) Ui::SelectRow(list, 0);
     Refresh();
 }
 
@@ -91,17 +91,17 @@ bool BatchRenameUndoManagerDlg::OnMessage(UINT message, WPARAM, LPARAM lParam) {
     LVITEMW& item = reinterpret_cast<NMLVDISPINFOW*>(lParam)->item;
     if (!(item.mask & LVIF_TEXT) || static_cast<size_t>(item.iItem) >= m_shown->entries.size()) return true;
     const UndoEntry& entry = m_shown->entries[static_cast<size_t>(item.iItem)];
-    FillItemText(item.pszText, item.cchTextMax,
-                 item.iSubItem == 0   ? entry.newName
-                 : item.iSubItem == 1 ? entry.oldName
-                                      : entry.location);
+    Ui::FillItemText(item.pszText, item.cchTextMax,
+                     item.iSubItem == 0   ? entry.newName
+                     : item.iSubItem == 1 ? entry.oldName
+                                          : entry.location);
     return true;
 }
 
 std::vector<std::shared_ptr<BatchRenameUndo>> BatchRenameUndoManagerDlg::SelectedSessions() const {
     std::vector<std::shared_ptr<BatchRenameUndo>> selected;
     const HWND list = Item(IDC_SESSIONS);
-    for (int row = SelectedRow(list); row >= 0;
+    for (int row = Ui::SelectedRow(list); row >= 0;
          row = static_cast<int>(SendMessageW(list, LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED)))
         if (static_cast<size_t>(row) < m_store.Sessions().size())
             selected.push_back(m_store.Sessions()[static_cast<size_t>(row)]);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "batchrename/model/rows_after_run.h"
 #include "rename/rename_options.h"
 
 namespace BatchRename {

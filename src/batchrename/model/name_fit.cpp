@@ -2,14 +2,12 @@
 
 #include <algorithm>
 
+#include "win32/text.h"
+
 namespace BatchRename {
 namespace {
 
 constexpr std::wstring_view kEllipsis = L"\u2026";
-
-bool IsTrailing(wchar_t unit) {
-    return unit >= 0xDC00 && unit < 0xE000;
-}
 
 /// Where units begin, in pixels, and how many fit into a width.
 class Positions {
@@ -40,8 +38,8 @@ struct Stretch {
 
 Stretch ShownStretch(std::wstring_view name, ChangedPart changed, const Positions& positions, int width, int ellipsis) {
     const auto wholePairs = [&](size_t begin, size_t end) {
-        if (begin < end && IsTrailing(name[begin])) ++begin;
-        if (begin < end && end < name.size() && IsTrailing(name[end])) --end;
+        if (begin < end && Win32::IsLowSurrogate(name[begin])) ++begin;
+        if (begin < end && end < name.size() && Win32::IsLowSurrogate(name[end])) --end;
         return Stretch{begin, end};
     };
     if (positions.Of(name.size()) <= width) return {0, name.size()};
@@ -58,6 +56,19 @@ Stretch ShownStretch(std::wstring_view name, ChangedPart changed, const Position
 }
 
 }  // namespace
+
+ChangedPart FindChangedPart(std::wstring_view oldName, std::wstring_view newName) {
+    const size_t shorter = std::min(oldName.size(), newName.size());
+    size_t begin = 0;
+    while (begin < shorter && oldName[begin] == newName[begin]) ++begin;
+    size_t kept = 0;
+    while (kept < shorter - begin && oldName[oldName.size() - kept - 1] == newName[newName.size() - kept - 1]) ++kept;
+    size_t end = newName.size() - kept;
+    if (begin == end) return {begin, end};
+    if (begin > 0 && Win32::IsHighSurrogate(newName[begin - 1])) --begin;
+    if (end < newName.size() && Win32::IsLowSurrogate(newName[end])) ++end;
+    return {begin, end};
+}
 
 std::vector<NamePiece> FitName(std::wstring_view name, ChangedPart changed, std::span<const int> edges, int width,
                                int ellipsis) {

@@ -1,13 +1,25 @@
-// name_fit.h - which parts of a new name are shown where there is not enough width for all of it.
+// name_fit.h - what of a new name differs from the old one, and which parts of it are shown where there is not enough
+// width for all.
 #pragma once
 
+#include <cstddef>
 #include <span>
 #include <string_view>
 #include <vector>
 
-#include "batchrename/model/name_diff.h"
-
 namespace BatchRename {
+
+/// A stretch of the new name, in UTF-16 units.
+struct ChangedPart {
+    size_t begin = 0;
+    size_t end = 0;
+
+    bool operator==(const ChangedPart&) const = default;
+};
+
+/// The part of `newName` between what both names begin and end with. Empty for equal names, and where something was
+/// only taken out. Surrogate pairs stay whole.
+ChangedPart FindChangedPart(std::wstring_view oldName, std::wstring_view newName);
 
 /// Drawn one after the other. An empty changed piece is a place where something was only taken out.
 struct NamePiece {

@@ -64,4 +64,8 @@ private:
     RowCounts m_counts;
 };
 
+/// Copies of the rows under the names that they have now, ready for another rule. Rows within a folder that was renamed
+/// by the same run follow it.
+RenameItems RowsAfterRun(const RenameItems& rows, const std::vector<RowOutcome>& outcomes);
+
 }  // namespace BatchRename

@@ -3,8 +3,7 @@
 #include <utility>
 
 #include "batchrename/dialogs/batchrename_resource.h"
-#include "batchrename/dialogs/popup_menus.h"
-#include "batchrename/dialogs/save_profile_dlg.h"
+#include "batchrename/dialogs/profile_menu.h"
 #include "batchrename/dialogs/undo_manager_dlg.h"
 #include "batchrename/host_properties.h"
 #include "batchrename/local_time.h"

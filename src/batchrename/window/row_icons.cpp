@@ -1,7 +1,8 @@
-#include "batchrename/window/row_icons.h"
-
+// row_icons.cpp - the small pictures that stand for the state of a row: shapes first, colours only beside them.
 #include <array>
 #include <span>
+
+#include "batchrename/window/row_list_view.h"
 
 namespace BatchRename {
 namespace {

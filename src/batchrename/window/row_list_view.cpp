@@ -5,15 +5,16 @@
 #include <system_error>
 
 #include "batchrename/model/name_fit.h"
-#include "batchrename/window/list_columns.h"
 #include "ui/activation_context.h"
+#include "ui/list_columns.h"
 #include "win32/path.h"
 #include "win32/text.h"
 
 namespace BatchRename {
 namespace {
 
-constexpr ListColumn kColumns[] = {{L"Current name", 624}, {L"New name", 624}, {L"Status", 1056}, {L"Location", 528}};
+constexpr Ui::ListColumn kColumns[] = {
+    {L"Current name", 624}, {L"New name", 624}, {L"Status", 1056}, {L"Location", 528}};
 constexpr int kNewNameColumn = 1;
 constexpr wchar_t kNewNameTitle[] = L"New name";
 constexpr wchar_t kOutdatedTitle[] = L"New name (not up to date)";
@@ -119,7 +120,7 @@ void RowListView::Create(HWND parent, int id, HFONT font) {
     m_control =
         reinterpret_cast<WNDPROC>(SetWindowLongPtrW(m_window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure)));
     m_bold = BoldOf(font);
-    AddColumns(m_window, kColumns);
+    Ui::AddColumns(m_window, kColumns);
     Recolour();
 }
 
@@ -260,7 +261,7 @@ bool RowListView::GoToProblem(bool isBack) {
     const LRESULT focused = SendMessageW(m_window, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED);
     const std::optional<size_t> place = NextProblem(m_rows.MarksOfPlaces(), static_cast<size_t>(focused), isBack);
     if (!place) return false;
-    SelectRow(m_window, static_cast<int>(*place));
+    Ui::SelectRow(m_window, static_cast<int>(*place));
     SetFocus(m_window);
     return true;
 }
@@ -299,7 +300,7 @@ void RowListView::FillItem(LVITEMW& item) const {
     if (item.iItem < 0 || static_cast<size_t>(item.iItem) >= m_rows.PlaceCount()) return;
     const size_t row = m_rows.RowAt(static_cast<size_t>(item.iItem));
     if (item.mask & LVIF_TEXT)
-        FillItemText(item.pszText, item.cchTextMax, m_rows.Text(row, static_cast<RowColumn>(item.iSubItem)));
+        Ui::FillItemText(item.pszText, item.cchTextMax, m_rows.Text(row, static_cast<RowColumn>(item.iSubItem)));
     if (item.mask & LVIF_IMAGE) item.iImage = static_cast<int>(m_rows.Mark(row));
 }
 

@@ -6,9 +6,9 @@
 #include "batchrename/dialogs/add_tag_dlg.h"
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/dialogs/find_replace_dlg.h"
-#include "batchrename/dialogs/popup_menus.h"
+#include "batchrename/dialogs/tags.h"
 #include "batchrename/profiles.h"
-#include "batchrename/window/list_columns.h"
+#include "ui/list_columns.h"
 #include "win32/text.h"
 #include "win32/window_text.h"
 
@@ -68,7 +68,7 @@ constexpr int kRuleControls[] = {
     IDC_LIVE_PREVIEW,
 };
 
-constexpr ListColumn kItemColumns[] = {{L"Find", 336}, {L"Replace with", 336}};
+constexpr Ui::ListColumn kItemColumns[] = {{L"Find", 336}, {L"Replace with", 336}};
 
 constexpr Ui::Anchor kAnchors[] = {
     {IDC_ITEMS, 0, 0, 100, 100},          {IDC_ITEM_NEW, 100, 0, 100, 0},
@@ -108,7 +108,7 @@ bool RulePanel::OnInit() {
     for (const int edit : kEdits) SendMessageW(Item(edit), EM_LIMITTEXT, kLongestProfileText, 0);
     Ui::FillCombo(Item(IDC_CASE), m_texts, kCases, 0, 0);
     Ui::FillCombo(Item(IDC_SCOPE), m_texts, kScopes, 0, RenameOption::ScopeBoth);
-    AddColumns(Item(IDC_ITEMS), kItemColumns);
+    Ui::AddColumns(Item(IDC_ITEMS), kItemColumns);
     Ui::SetChecked(Item(IDC_LIVE_PREVIEW), true);
     Ui::SetChecked(Item(IDC_SAVE_UNDO), true);
     SetRule({});
@@ -194,7 +194,7 @@ bool RulePanel::OnMessage(UINT message, WPARAM, LPARAM lParam) {
     const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
     if (header.idFrom != IDC_ITEMS) return false;
     if (header.code == LVN_ITEMCHANGED && !m_isSetting) RefreshButtons();
-    if (header.code == NM_DBLCLK) OnItemButton(SelectedRow(Item(IDC_ITEMS)) < 0 ? IDC_ITEM_NEW : IDC_ITEM_EDIT);
+    if (header.code == NM_DBLCLK) OnItemButton(Ui::SelectedRow(Item(IDC_ITEMS)) < 0 ? IDC_ITEM_NEW : IDC_ITEM_EDIT);
     if (header.code == LVN_KEYDOWN) {
         const WORD key = reinterpret_cast<const NMLVKEYDOWN*>(lParam)->wVKey;
         if (key == VK_DELETE) OnItemButton(IDC_ITEM_REMOVE);
@@ -217,7 +217,7 @@ void RulePanel::InsertTag(int button, int edit) {
 }
 
 void RulePanel::OnItemButton(int id) {
-    const int selected = SelectedRow(Item(IDC_ITEMS));
+    const int selected = Ui::SelectedRow(Item(IDC_ITEMS));
     if (id == IDC_ITEM_NEW) return EditItem(true);
     if (selected < 0 || static_cast<size_t>(selected) >= m_items.size()) return;
     if (id == IDC_ITEM_EDIT) return EditItem(false);
@@ -235,7 +235,7 @@ void RulePanel::OnItemButton(int id) {
 }
 
 void RulePanel::EditItem(bool isNew) {
-    const int selected = SelectedRow(Item(IDC_ITEMS));
+    const int selected = Ui::SelectedRow(Item(IDC_ITEMS));
     const size_t place = isNew ? m_items.size() : static_cast<size_t>(selected);
     BatchRenameFindReplaceDlg dialog(isNew ? SearchAndReplaceItem() : m_items[place], Options(), m_listener.Rows());
     std::optional<SearchAndReplaceItem> item;
@@ -254,16 +254,16 @@ void RulePanel::ShowItems(int selected) {
     SendMessageW(list, LVM_DELETEALLITEMS, 0, 0);
     int row = 0;
     for (const SearchAndReplaceItem& item : m_items) {
-        SetListText(list, row, 0, item.find);
-        SetListText(list, row++, 1, item.replaceWith);
+        Ui::SetListText(list, row, 0, item.find);
+        Ui::SetListText(list, row++, 1, item.replaceWith);
     }
-    if (selected >= 0) SelectRow(list, selected);
+    if (selected >= 0) Ui::SelectRow(list, selected);
     RefreshButtons();
 }
 
 void RulePanel::RefreshButtons() {
     const bool isUsable = !m_state.isRunning && !m_state.isRestoring;
-    const int selected = SelectedRow(Item(IDC_ITEMS));
+    const int selected = Ui::SelectedRow(Item(IDC_ITEMS));
     const int last = static_cast<int>(m_items.size()) - 1;
     EnableWindow(Item(IDC_ITEM_NEW), isUsable);
     EnableWindow(Item(IDC_ITEM_EDIT), isUsable && selected >= 0);

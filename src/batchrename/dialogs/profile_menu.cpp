@@ -1,12 +1,37 @@
-#include "batchrename/dialogs/save_profile_dlg.h"
+#include "batchrename/dialogs/profile_menu.h"
 
 #include <algorithm>
 
+#include "batchrename/batchrename_texts.h"
 #include "batchrename/dialogs/batchrename_resource.h"
-#include "ui/controls.h"
+#include "ui/popup_menu.h"
 #include "win32/window_text.h"
 
 namespace BatchRename {
+
+using namespace Quorvane::SDK;
+
+std::optional<ProfileChoice> PickProfile(HWND owner, HWND button, const std::vector<RenameProfile>& profiles,
+                                         const Ui::HostTexts& texts) {
+    Ui::PopupMenu menu;
+    std::vector<std::wstring> names;
+    for (const RenameProfile& profile : profiles) {
+        names.push_back(Ui::MenuText(profile.name));
+        menu.Add(names.back());
+    }
+    const int count = static_cast<int>(profiles.size());
+    if (profiles.empty()) menu.Add(texts(Text::NoProfiles), false);
+    menu.AddSeparator();
+    const int saveAs = menu.Add(texts(Text::SaveProfile));
+    const int firstDelete = menu.AddList(texts(Text::DeleteProfile), names);
+    const int chosen = menu.Show(owner, button);
+    if (chosen < 0) return std::nullopt;
+    if (chosen == saveAs) return ProfileChoice{ProfileAction::SaveAs, {}};
+    if (chosen >= firstDelete && chosen - firstDelete < count)
+        return ProfileChoice{ProfileAction::Delete, profiles[static_cast<size_t>(chosen - firstDelete)]};
+    if (chosen < count) return ProfileChoice{ProfileAction::Load, profiles[static_cast<size_t>(chosen)]};
+    return std::nullopt;
+}
 
 SaveProfileDlg::SaveProfileDlg(const std::vector<RenameProfile>& profiles)
     : Dialog(IDD_SAVE_PROFILE), m_profiles(profiles) {}

@@ -6,7 +6,7 @@
 
 #include "win32/windows.h"
 
-namespace BatchRename {
+namespace Ui {
 
 struct ListColumn {
     const wchar_t* title;
@@ -20,7 +20,7 @@ void SetListText(HWND list, int row, int column, const std::wstring& text);
 int SelectedRow(HWND list);
 /// Selects this row alone and brings it into view.
 void SelectRow(HWND list, int row);
-/// Copies a text into the buffer that a list view offers for it, cut to its room.
-void FillItemText(LPWSTR buffer, int room, const std::wstring& text);
+/// Copies a text into the buffer that a list view offers for it, cut to its capacity.
+void FillItemText(LPWSTR buffer, int capacity, const std::wstring& text);
 
-}  // namespace BatchRename
+}  // namespace Ui

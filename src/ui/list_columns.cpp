@@ -1,10 +1,10 @@
-#include "batchrename/window/list_columns.h"
+#include "ui/list_columns.h"
 
 #include <algorithm>
 
 #include <commctrl.h>
 
-namespace BatchRename {
+namespace Ui {
 namespace {
 
 constexpr int kUnit = 16;
@@ -51,11 +51,11 @@ void SelectRow(HWND list, int row) {
     SendMessageW(list, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
 }
 
-void FillItemText(LPWSTR buffer, int room, const std::wstring& text) {
-    if (!buffer || room <= 0) return;
-    const size_t length = std::min(text.size(), static_cast<size_t>(room) - 1);
+void FillItemText(LPWSTR buffer, int capacity, const std::wstring& text) {
+    if (!buffer || capacity <= 0) return;
+    const size_t length = std::min(text.size(), static_cast<size_t>(capacity) - 1);
     std::copy_n(text.data(), length, buffer);
     buffer[length] = L'\0';
 }
 
-}  // namespace BatchRename
+}  // namespace Ui

@@ -1,15 +1,13 @@
-// popup_menus.h - the menus that open at buttons: tags for a template, and profiles.
+// popup_menu.h - a menu that opens at a button.
 #pragma once
 
-#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "batchrename/profiles.h"
-#include "ui/controls.h"
 #include "win32/handle.h"
 
-namespace BatchRename {
+namespace Ui {
 
 struct MenuTraits {
     using Raw = HMENU;
@@ -36,16 +34,7 @@ private:
     int m_count = 0;
 };
 
-/// What was chosen in the tag menu: a tag, or, with an empty text, the dialog for property tags.
-std::optional<std::wstring> PickTag(HWND owner, HWND button, const Ui::HostTexts& texts);
+/// A name as a menu shows it: "&" would mark a key, a tab would begin another column.
+std::wstring MenuText(std::wstring_view name);
 
-enum class ProfileAction { Load, SaveAs, Delete };
-struct ProfileChoice {
-    ProfileAction action = ProfileAction::Load;
-    RenameProfile profile;  // the one chosen, since others may have its name
-};
-/// The names in file order, then "Save as" and "Delete".
-std::optional<ProfileChoice> PickProfile(HWND owner, HWND button, const std::vector<RenameProfile>& profiles,
-                                         const Ui::HostTexts& texts);
-
-}  // namespace BatchRename
+}  // namespace Ui
