@@ -96,7 +96,7 @@ uint32_t QVBatchRename::SetHost(IHostServices* services) {
 bool QVBatchRename::PreTranslateMessage(MSG* message, uint32_t) {
     return AtBoundary(false, [&] {
         if (!message || GetCurrentThreadId() != m_state->guiThread) return false;
-        BatchRenameMainFrame* const frame = BatchRenameMainFrame::Of(m_state->window);
+        BatchRenameMainFrame* const frame = BatchRenameMainFrame::FromWindow(m_state->window);
         return frame && frame->PreTranslate(*message);
     });
 }

@@ -29,7 +29,7 @@ int32_t Advanced(int32_t value, int32_t step) {
 
 /// Cuts a name at its last dot. A folder, and a name that ends in a dot, have no extension: so the default templates
 /// give back every name as it was.
-std::pair<std::wstring_view, std::wstring_view> SplitName(const BatchRenameItem& row) {
+std::pair<std::wstring_view, std::wstring_view> BaseAndExtension(const BatchRenameItem& row) {
     const std::wstring_view name = row.currentName;
     const size_t dot = row.isFolder ? std::wstring_view::npos : name.rfind(L'.');
     if (dot == std::wstring_view::npos || dot + 1 == name.size()) return {name, {}};
@@ -104,7 +104,7 @@ bool RenameRule::SetRule(const RuleDefinition& definition, const CalendarTime& n
 
 bool RenameRule::Compute(BatchRenameItem& row) {
     if (row.state == RowState::Restore) return true;
-    std::tie(m_base, m_extension) = SplitName(row);
+    std::tie(m_base, m_extension) = BaseAndExtension(row);
     m_fault = RuleFault::None;
     m_newBase.clear();
     m_newExtension.clear();

@@ -14,16 +14,16 @@ class Positions {
 public:
     explicit Positions(std::span<const int> edges) : m_edges(edges) {}
 
-    int Of(size_t unit) const { return unit == 0 ? 0 : m_edges[unit - 1]; }
+    int EdgeBefore(size_t unit) const { return unit == 0 ? 0 : m_edges[unit - 1]; }
     /// The last place that is at most `width` pixels behind `begin`; `begin` itself where nothing fits.
     size_t EndFrom(size_t begin, int width) const {
-        const auto end = std::ranges::upper_bound(m_edges.subspan(begin), Of(begin) + width);
+        const auto end = std::ranges::upper_bound(m_edges.subspan(begin), EdgeBefore(begin) + width);
         return static_cast<size_t>(end - m_edges.begin());
     }
     /// The first place from which it is at most `width` pixels to `end`.
     size_t BeginTo(size_t end, int width) const {
         size_t begin = end;
-        while (begin > 0 && Of(end) - Of(begin - 1) <= width) --begin;
+        while (begin > 0 && EdgeBefore(end) - EdgeBefore(begin - 1) <= width) --begin;
         return begin;
     }
 
@@ -42,14 +42,14 @@ Stretch ShownStretch(std::wstring_view name, ChangedPart changed, const Position
         if (begin < end && end < name.size() && Win32::IsLowSurrogate(name[end])) --end;
         return Stretch{begin, end};
     };
-    if (positions.Of(name.size()) <= width) return {0, name.size()};
+    if (positions.EdgeBefore(name.size()) <= width) return {0, name.size()};
     const size_t end = positions.EndFrom(0, width - ellipsis);
     if (end >= changed.end || changed.begin == 0) return wholePairs(0, end);
     const size_t begin = positions.BeginTo(name.size(), width - ellipsis);
     if (begin <= changed.begin) return wholePairs(begin, name.size());
     // Cut on both sides: a little of what stands before the change, then as much as there is space for.
     const int between = width - 2 * ellipsis;
-    const int spare = between - (positions.Of(changed.end) - positions.Of(changed.begin));
+    const int spare = between - (positions.EdgeBefore(changed.end) - positions.EdgeBefore(changed.begin));
     const size_t first = positions.BeginTo(changed.begin, spare / 2);
     const Stretch middle = wholePairs(first, positions.EndFrom(first, between));
     return middle.begin < middle.end ? middle : wholePairs(0, end);

@@ -28,22 +28,22 @@ std::wstring DescribeCode(uint32_t code) {
 /// One run: the plan, and how far it is.
 class Run {
 public:
-    Run(const RenameItems& rows, const RunSurroundings& around, UndoProgress progress, std::vector<size_t> entries,
+    Run(const RenameItems& rows, const RunEnvironment& environment, UndoProgress progress, std::vector<size_t> entries,
         RenamePlan plan)
         : m_rows(rows),
-          m_around(around),
+          m_environment(environment),
           m_progress(std::move(progress)),
           m_entries(std::move(entries)),
           m_plan(std::move(plan)),
           m_outcomes(rows.size()) {}
 
-    std::vector<RowOutcome> Go() {
+    std::vector<RowOutcome> CarryOut() {
         for (size_t row = 0; row < m_rows.size(); ++row) EnterVerdict(row);
         for (const StepGroup& group : m_plan.groups) {
             if (group.IsRing())
-                GoRing(group);
+                RenameRing(group);
             else
-                GoChain(group);
+                RenameChain(group);
         }
         m_progress.Close();
         return std::move(m_outcomes);
@@ -88,7 +88,7 @@ private:
                 return false;
             }
             m_run.m_outcomes[move.row].name = move.to;
-            if (m_run.m_around.onStep) m_run.m_around.onStep();
+            if (m_run.m_environment.onStep) m_run.m_environment.onStep();
             ++m_doneCount;
             return true;
         }
@@ -104,7 +104,7 @@ private:
         uint32_t m_code = RenameResult::Renamed;
     };
 
-    bool IsStopped() const { return m_around.isStopped && m_around.isStopped->load(); }
+    bool IsStopped() const { return m_environment.isStopped && m_environment.isStopped->load(); }
 
     void RecordStep(const Move& move) {
         if (m_entries[move.row] != kNoEntry) m_progress.Step(m_entries[move.row], move.to);
@@ -146,10 +146,10 @@ private:
         for (const Move& move : moves)
             infos.push_back(
                 {static_cast<uint32_t>(infos.size()), 0, move.path.c_str(), move.to.c_str(), move.aside.c_str()});
-        m_around.host.RenameRows(infos.data(), static_cast<uint32_t>(infos.size()), &listener);
+        m_environment.host.RenameRows(infos.data(), static_cast<uint32_t>(infos.size()), &listener);
     }
 
-    void GoChain(const StepGroup& group) {
+    void RenameChain(const StepGroup& group) {
         const std::vector<Move> moves = MovesOf(group);
         Listener listener(*this, moves, true);
         HandOver(moves, listener);
@@ -163,7 +163,7 @@ private:
         }
     }
 
-    void GoRing(const StepGroup& group) {
+    void RenameRing(const StepGroup& group) {
         const std::vector<Move> moves = MovesOf(group);
         if (IsStopped()) {
             for (const Move& move : moves) NotBegun(move.row);
@@ -213,7 +213,7 @@ private:
     }
 
     const RenameItems& m_rows;
-    const RunSurroundings& m_around;
+    const RunEnvironment& m_environment;
     UndoProgress m_progress;
     std::vector<size_t> m_entries;  // of the undo session, by row
     RenamePlan m_plan;
@@ -242,7 +242,7 @@ void Report(const RenameItems& rows, const std::vector<RowOutcome>& outcomes, CR
 }
 
 /// The session of what was done: the rows that were renamed, and those that a ring left under another name.
-void TrueUp(BatchRenameUndo& session, const RenameItems& rows, const std::vector<RowOutcome>& outcomes) {
+void KeepWhatWasRenamed(BatchRenameUndo& session, const RenameItems& rows, const std::vector<RowOutcome>& outcomes) {
     session.entries = RecordSession(rows, true, session.time).entries;
     session.isUnfinished = false;
     for (size_t row = 0; row < rows.size(); ++row) {
@@ -275,9 +275,9 @@ FolderNames ListFolderOnDisk(const std::wstring& folder) {
     return result;
 }
 
-std::vector<RowOutcome> RunRenames(const RenameItems& rows, const CalendarTime& time, const RunSurroundings& around,
+std::vector<RowOutcome> RunRenames(const RenameItems& rows, const CalendarTime& time, const RunEnvironment& environment,
                                    CRenameResultCallback& results) {
-    RenamePlan plan = PlanNow(rows, around.list);
+    RenamePlan plan = PlanNow(rows, environment.list);
     RenameItems planned;
     std::vector<size_t> entries(rows.size(), kNoEntry);
     for (size_t row = 0; row < rows.size(); ++row) {
@@ -287,37 +287,37 @@ std::vector<RowOutcome> RunRenames(const RenameItems& rows, const CalendarTime& 
     }
     std::shared_ptr<BatchRenameUndo> session;
     UndoProgress progress;
-    if (around.journal && !planned.empty()) {
+    if (environment.journal && !planned.empty()) {
         session = std::make_shared<BatchRenameUndo>(RecordSession(planned, false, time));
-        progress = around.journal->Begin(session);
+        progress = environment.journal->Begin(session);
     }
     const bool isRecorded = static_cast<bool>(progress);
-    const bool isRefused = session && !isRecorded && around.needsRecord;
-    Run run(rows, around, std::move(progress), std::move(entries), std::move(plan));
-    std::vector<RowOutcome> outcomes = isRefused ? run.Refuse(around.journal->LastError()) : run.Go();
+    const bool isRefused = session && !isRecorded && environment.needsRecord;
+    Run run(rows, environment, std::move(progress), std::move(entries), std::move(plan));
+    std::vector<RowOutcome> outcomes = isRefused ? run.Refuse(environment.journal->LastError()) : run.CarryOut();
     Report(rows, outcomes, results);
     if (!isRecorded) return outcomes;
-    TrueUp(*session, rows, outcomes);
+    KeepWhatWasRenamed(*session, rows, outcomes);
     if (session->entries.empty())
-        around.journal->Delete(session);
+        environment.journal->Delete(session);
     else
-        around.journal->Write(*session);
+        environment.journal->Write(*session);
     return outcomes;
 }
 
-std::vector<RowOutcome> RunRestore(BatchRenameUndo& session, const RestoreRows& restore, const RunSurroundings& around,
-                                   CRenameResultCallback& results) {
-    RenamePlan plan = PlanNow(restore.rows, around.list);
+std::vector<RowOutcome> RunRestore(BatchRenameUndo& session, const RestoreRows& restore,
+                                   const RunEnvironment& environment, CRenameResultCallback& results) {
+    RenamePlan plan = PlanNow(restore.rows, environment.list);
     // Without a step to take the record stays as it is: it may know what the names alone do not tell.
     const bool changesNames = !plan.steps.empty();
     UndoProgress progress;
     if (changesNames) {
         EnterPositions(session, restore);
-        if (around.journal) progress = around.journal->BeginRestore(session);
+        if (environment.journal) progress = environment.journal->BeginRestore(session);
     }
-    const bool isRefused = changesNames && around.journal && !progress && around.needsRecord;
-    Run run(restore.rows, around, std::move(progress), restore.entries, std::move(plan));
-    std::vector<RowOutcome> outcomes = isRefused ? run.Refuse(around.journal->LastError()) : run.Go();
+    const bool isRefused = changesNames && environment.journal && !progress && environment.needsRecord;
+    Run run(restore.rows, environment, std::move(progress), restore.entries, std::move(plan));
+    std::vector<RowOutcome> outcomes = isRefused ? run.Refuse(environment.journal->LastError()) : run.CarryOut();
     Report(restore.rows, outcomes, results);
     if (!changesNames || isRefused) return outcomes;
     for (size_t row = 0; row < restore.rows.size(); ++row)
@@ -328,7 +328,7 @@ std::vector<RowOutcome> RunRestore(BatchRenameUndo& session, const RestoreRows& 
     // What was restored in part is kept as it stands: the names alone would not tell what is done.
     session.isUnfinished = !isComplete;
     session.haveRestored = session.haveRestored || isComplete;
-    if (around.journal) around.journal->Write(session);
+    if (environment.journal) environment.journal->Write(session);
     return outcomes;
 }
 

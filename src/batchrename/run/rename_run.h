@@ -24,7 +24,8 @@ struct RowOutcome {
     std::wstring name;    // under which the item is now
 };
 
-struct RunSurroundings {
+/// What a run works with; all of it outlives the run.
+struct RunEnvironment {
     Quorvane::SDK::IFileOperations& host;
     ListFolder list;
     UndoStore* journal = nullptr;                  // null: the run is not recorded
@@ -40,14 +41,14 @@ FolderNames ListFolderOnDisk(const std::wstring& folder);
 /// outcome here. `time`: of the session in the journal. Before the first rename the session with all planned rows is
 /// written; afterwards it is rewritten with those that were renamed, or deleted when none was. A run that needs its
 /// record and cannot have it fails all the rows that it would have renamed.
-std::vector<RowOutcome> RunRenames(const RenameItems& rows, const CalendarTime& time, const RunSurroundings& around,
+std::vector<RowOutcome> RunRenames(const RenameItems& rows, const CalendarTime& time, const RunEnvironment& environment,
                                    CRenameResultCallback& results);
 
 /// Gives the items of a session their old names back; the outcomes go by `restore.rows`. The session counts as restored
 /// when something was and all its items have their old names. A session that the journal knows is written anew, unless
 /// there was nothing to do.
-std::vector<RowOutcome> RunRestore(BatchRenameUndo& session, const RestoreRows& restore, const RunSurroundings& around,
-                                   CRenameResultCallback& results);
+std::vector<RowOutcome> RunRestore(BatchRenameUndo& session, const RestoreRows& restore,
+                                   const RunEnvironment& environment, CRenameResultCallback& results);
 
 /// "2 Renamed, 1 Ignored, 3 Failed": only what is not 0. "Restored" for a restore.
 std::wstring RunStatusText(const CRenameResultCallback& results, bool isRestore);

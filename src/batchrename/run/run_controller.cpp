@@ -64,18 +64,18 @@ void RunController::Run(RunRequest request, std::unique_ptr<RunResult> result) {
         if (request.journal) request.journal->ForgetError();
         uint32_t stepCount = 0;
         ULONGLONG lastWord = GetTickCount64();
-        const RunSurroundings around = {*files.Get(), ListFolderOnDisk, request.journal, &m_isStopped, [&] {
-                                            ++stepCount;
-                                            const ULONGLONG now = GetTickCount64();
-                                            if (now - lastWord < kProgressPause) return;
-                                            lastWord = now;
-                                            m_onProgress(stepCount);
-                                        }};
+        const RunEnvironment environment = {*files.Get(), ListFolderOnDisk, request.journal, &m_isStopped, [&] {
+                                                ++stepCount;
+                                                const ULONGLONG now = GetTickCount64();
+                                                if (now - lastWord < kProgressPause) return;
+                                                lastWord = now;
+                                                m_onProgress(stepCount);
+                                            }};
         if (request.session)
             result->outcomes =
-                RunRestore(*request.session, {request.rows, std::move(request.entries)}, around, result->counts);
+                RunRestore(*request.session, {request.rows, std::move(request.entries)}, environment, result->counts);
         else
-            result->outcomes = RunRenames(request.rows, request.time, around, result->counts);
+            result->outcomes = RunRenames(request.rows, request.time, environment, result->counts);
         if (request.journal && request.journal->LastError() != ERROR_SUCCESS)
             result->error = L"The renames could not be recorded for undo (error " +
                             std::to_wstring(request.journal->LastError()) + L").";

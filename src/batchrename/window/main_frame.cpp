@@ -76,7 +76,7 @@ void BatchRenameMainFrame::Create() {
     SendMessageW(m_panel->Button(IDC_NAME_TEMPLATE), EM_SETSEL, 0, -1);
 }
 
-BatchRenameMainFrame* BatchRenameMainFrame::Of(HWND window) {
+BatchRenameMainFrame* BatchRenameMainFrame::FromWindow(HWND window) {
     return window ? reinterpret_cast<BatchRenameMainFrame*>(GetWindowLongPtrW(window, GWLP_USERDATA)) : nullptr;
 }
 

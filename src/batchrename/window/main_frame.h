@@ -55,7 +55,7 @@ public:
     void Create();
     HWND GetWindow() const { return m_window; }
     /// The object behind a window of this class; null for null. To be asked on its thread.
-    static BatchRenameMainFrame* Of(HWND window);
+    static BatchRenameMainFrame* FromWindow(HWND window);
     bool CanTakeRows() const { return m_model.CanTakeRows(); }
     void SetRows(RowSnapshot rows) { m_model.SetRows(std::move(rows)); }
     /// A message of the thread's loop; true when it is eaten.

@@ -56,7 +56,7 @@ uint32_t RunRenameGroup(IHostServices& host, uint32_t) {
         const std::wstring name = NameOf(*file);
         renames.push_back({file, *newStem + name.substr(stem.size())});
     }
-    RenameItems(host, renames);
+    RenameInOneBatch(host, renames);
     return 1;
 }
 

@@ -15,10 +15,10 @@ void AskAndRename(IHostServices& host, const std::vector<ItemRename>& renames) {
         FormatText(HostText(host, Text::RenameQuestion), {static_cast<uint64_t>(renames.size())});
     if (host.MessageBox(question.c_str(), HostText(host, Text::RenameTitle), MB_OKCANCEL | MB_ICONQUESTION) == IDCANCEL)
         return;
-    RenameItems(host, renames);
+    RenameInOneBatch(host, renames);
 }
 
-void RenameItems(IHostServices& host, const std::vector<ItemRename>& renames) {
+void RenameInOneBatch(IHostServices& host, const std::vector<ItemRename>& renames) {
     if (renames.empty()) return;
     const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
     if (!files) return;

@@ -24,6 +24,6 @@ inline bool IsFolder(Quorvane::SDK::IFileItem& item) {
 void AskAndRename(Quorvane::SDK::IHostServices& host, const std::vector<ItemRename>& renames);
 
 /// The same without the question.
-void RenameItems(Quorvane::SDK::IHostServices& host, const std::vector<ItemRename>& renames);
+void RenameInOneBatch(Quorvane::SDK::IHostServices& host, const std::vector<ItemRename>& renames);
 
 }  // namespace FileUtils

@@ -44,7 +44,7 @@ uint32_t RunReplaceInNames(IHostServices& host, uint32_t) {
         std::wstring name = WithTextReplaced(*request, item.name, item.isFolder);
         if (name != item.name) renames.push_back({item.item, std::move(name)});
     }
-    RenameItems(host, renames);
+    RenameInOneBatch(host, renames);
     return 1;
 }
 
