@@ -17,7 +17,7 @@ public:
         m_state->guiThread = GetCurrentThreadId();
     }
     ~GuiSide() {
-        // Also when the window could not be made: nobody may find a window or a loop that is no more.
+        // Also when the window could not be made: a window or a loop that has ended must not be found.
         m_state->window = nullptr;
         m_state->guiThread = 0;  // the system may give the number to another
         ModuleMessageLoops().Remove(GetCurrentThreadId());
@@ -35,8 +35,9 @@ public:
     }
 
     bool OnThreadMessage(MSG& message) override {
-        // Timers of the thread and of the frame end here, on purpose: nothing in this window goes by a timer, and a
-        // host's own hooks must not make it. Those of the controls are the system's: buttons fade by them.
+        // Timers of the thread and of the frame end here: this window uses none, and a host's own hooks must not bring
+        // any. Those of the controls are the system's: buttons fade by them.
+        // compatibility: TIMERS-OF-BATCH-RENAME
         if (message.message == WM_TIMER && (!message.hwnd || message.hwnd == m_frame->GetWindow())) return true;
         if (!message.hwnd && message.message == kOwnerMessage) {
             TakeRows();

@@ -14,7 +14,7 @@ namespace BatchRename {
 inline constexpr UINT kOwnerMessage = 32810;
 
 /// The owner of the thread, on the host's side. The thread holds on to the module until its very end, so that it never
-/// runs in unloaded code, even where nobody waits for it any longer.
+/// runs in unloaded code, even where nobody waits for it.
 class BatchRenameGUIThread {
 public:
     /// Starts the thread; one that the system does not give counts as ended.

@@ -30,11 +30,6 @@ void MessageLoopTable::Remove(DWORD thread) {
     m_loops.erase(thread);
 }
 
-size_t MessageLoopTable::Count() {
-    const std::lock_guard lock(m_lock);
-    return m_loops.size();
-}
-
 MessageLoopTable& ModuleMessageLoops() {
     static MessageLoopTable table;
     return table;

@@ -34,7 +34,6 @@ class MessageLoopTable {
 public:
     void Add(DWORD thread, MessageLoop& loop);
     void Remove(DWORD thread);
-    size_t Count();
 
 private:
     std::mutex m_lock;

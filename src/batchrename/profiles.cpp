@@ -48,7 +48,8 @@ uint32_t ReadSearchOptions(IXmlElement& search) {
     if (NumberOf(search, L"replaceall") == 1) options |= RenameOption::ReplaceAll;
     if (NumberOf(search, L"casesensative") == 1) options |= RenameOption::CaseSensitive;
     if (NumberOf(search, L"regex") == 1) options |= RenameOption::RegularExpression;
-    // 3, the extension alone, is written but reads as both: on purpose, existing files have always been read so.
+    // 3, the extension alone, is written but reads as both.
+    // compatibility: SCOPE-OF-PROFILES
     options |= NumberOf(search, L"replaceparts") == kPartsName ? RenameOption::ScopeName : RenameOption::ScopeBoth;
     return options;
 }

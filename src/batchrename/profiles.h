@@ -30,7 +30,7 @@ RenameProfile ProfileOf(const std::wstring& name, const RuleDefinition& rule);
 /// The profiles of a document, in its order. What is missing or no number is empty or 0.
 std::vector<RenameProfile> ReadProfiles(Quorvane::SDK::IXmlElement& root);
 
-/// The longest text that a profile gives back whole, in UTF-16 units: the reader's buffer has room for 1,024.
+/// The longest text that a profile gives back whole, in UTF-16 units: the reader's buffer takes 1,024.
 inline constexpr size_t kLongestProfileText = 1023;
 
 class ProfileStore {

@@ -129,8 +129,9 @@ uint32_t QVBatchRename::OpenWindow() {
     context.hostValue = m_services->GetTextModule(kExtensionId);
     if (m_guiThread) return 1;
     m_guiThread = std::make_unique<BatchRenameGUIThread>(m_state);
-    // A fixed pause and no handshake, on purpose: it must stay. Whoever runs the command counts on finding the window's
-    // thread past its beginning when the command returns, and a handshake would hang with a thread that hangs.
+    // A pause and no handshake: the caller finds the window's thread past its beginning when the command returns, and
+    // a handshake would hang with a thread that hangs.
+    // compatibility: PAUSE-AT-START-OF-BATCH-RENAME
     Sleep(kPauseAtStart);
     return 1;
 }
@@ -159,7 +160,7 @@ uint32_t QVBatchRename::Shutdown() {
             m_guiThread->Wait(kWaitAtShutdown);
             m_guiThread.reset();
         }
-        // A thread that has not ended asks nothing of a host that has been let go.
+        // A thread that has not ended calls no host that has been released.
         m_state->isClosing = true;
         m_state->host.Close();
         if (IHostServices* const services = std::exchange(m_services, nullptr)) services->Release();

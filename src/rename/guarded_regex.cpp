@@ -113,7 +113,7 @@ private:
 /// best fit: a full-width dot would mean "any character", a full-width bracket would open a class.
 class ExactNarrowing : public std::ctype<wchar_t> {
 public:
-    /// Owned by whoever makes it, not by the locales that use it.
+    /// Owned by its maker, not by the locales that use it.
     ExactNarrowing() : std::ctype<wchar_t>(1) {}
 
 protected:
@@ -148,14 +148,14 @@ std::wstring DescribeFault(std::regex_constants::error_type code) {
         {error_collate, L"a name inside [: :], [. .] or [= =] is unknown"},
         {error_ctype, L"a class inside [: :] is unknown"},
         {error_escape, L"a backslash stands before a character that needs none, or at the end"},
-        {error_backref, L"a number behind a backslash names a group that is not there"},
+        {error_backref, L"a number after a backslash names a group that is not there"},
         {error_brack, L"a \"[\" has no \"]\""},
         {error_paren, L"a \"(\" or \")\" has no counterpart, or a sign such as \"*\" has nothing before it to repeat"},
         {error_brace, L"a \"{\" has no \"}\""},
         {error_badbrace, L"what stands between \"{\" and \"}\" is no count"},
         {error_range, L"a range inside [ ] runs backwards or is cut off"},
         {error_space, L"the expression is too large"},
-        {error_badrepeat, L"a \"*\", \"+\", \"?\" or \"{\" stands behind nothing that it could repeat"},
+        {error_badrepeat, L"a \"*\", \"+\", \"?\" or \"{\" stands after nothing that it could repeat"},
         {error_complexity, L"the expression is too complex"},
         {error_stack, L"the expression is nested too deeply"},
     };

@@ -19,7 +19,7 @@ namespace BatchRename {
 /// No name and no path is longer; a text that grows beyond it is refused. UTF-16 units.
 inline constexpr size_t kLongestText = 32767;
 
-/// A pattern that does not compile, in words for people.
+/// A pattern that does not compile; the text says why in words for the user.
 class RegexFault : public std::runtime_error {
 public:
     explicit RegexFault(std::wstring text)

@@ -46,8 +46,9 @@ struct TemplatePiece {
 
 /// Cuts a template into pieces. "[[" and "]]" stand for the single characters.
 ///
-/// A single "]" ends a bracketed piece whatever the piece began with. That is on purpose, and has a consequence that is
-/// kept: in text without an opening "[" the first character takes its place, so `xN]` is the name tag.
+/// A single "]" ends a bracketed piece whatever the piece began with: in text without an opening "[" the first
+/// character takes its place, so `xN]` is the name tag.
+/// compatibility: BRACKET-THAT-ENDS-A-TAG
 std::vector<TemplatePiece> SplitTemplate(std::wstring_view text);
 
 /// Compiles a template. `hasProperties`: somebody can be asked for properties; without, a property tag keeps neither

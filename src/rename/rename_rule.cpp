@@ -58,7 +58,8 @@ void CapitaliseWords(std::wstring& name) {
 
 /// Applies the lowest case bit of `options` (RenameOption) to a new name and extension. The plain conversions change
 /// only the letters A to Z, the first letters of CapitaliseWords and Sentence and the lowering of CapitaliseWords all
-/// letters. // compatibility: LETTERS-OF-CASE-OPTIONS
+/// letters.
+/// compatibility: LETTERS-OF-CASE-OPTIONS
 void ApplyCase(std::wstring& name, std::wstring& extension, uint32_t options) {
     const uint32_t choice = options & RenameOption::CaseMask;
     switch (choice & (0u - choice)) {  // the lowest bit alone
@@ -149,7 +150,7 @@ void RenameRule::AppendToken(Token& token, const BatchRenameItem& row, std::wstr
             break;
         case TokenKind::Counter: AppendCounter(token, text); break;
         case TokenKind::Year: {
-            // Two digits are meant as such: 5 for the year 2005 would sort behind 16.
+            // Two digits are meant as such: 5 for the year 2005 would sort after 16.
             const bool isShort = token.length == 2 && m_time.year > 1000;
             AppendNumber(text, isShort ? m_time.year % 100 : m_time.year, isShort ? 2 : 0);
             break;

@@ -24,7 +24,7 @@ struct CounterSettings {
     bool operator==(const CounterSettings&) const = default;
 };
 
-/// A rule as people write it.
+/// A rule as the user writes it.
 struct RuleDefinition {
     std::wstring nameTemplate = L"[N]";
     std::wstring extensionTemplate = L"[E]";
@@ -33,7 +33,7 @@ struct RuleDefinition {
     uint32_t options = 0;  // RenameOption bits
 };
 
-/// Whom property tags ask.
+/// Answers property tags.
 class IPropertySource {
 public:
     /// False when the property is unknown. One that this row does not have is "".

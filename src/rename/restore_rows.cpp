@@ -91,7 +91,7 @@ private:
 
     /// Finds the items of entries whose folders have the same depth.
     void Locate(const std::vector<size_t>& entries) {
-        std::unordered_map<std::wstring, size_t> byName;  // who should be found under this name
+        std::unordered_map<std::wstring, size_t> byName;  // the entry whose item should be found under this name
         std::vector<size_t> atOldName;
         for (const size_t entry : entries) {
             const UndoEntry& recorded = m_session.entries[entry];

@@ -18,7 +18,7 @@ struct SearchAndReplaceItem {
     bool operator==(const SearchAndReplaceItem&) const = default;
 };
 
-/// Shared by the window, the rule and the profiles; whoever changes a list makes a new one.
+/// Shared by the window, the rule and the profiles; a changed list is a new one.
 using SearchAndReplaceItems = std::vector<SearchAndReplaceItem>;
 using SharedItems = std::shared_ptr<const SearchAndReplaceItems>;
 

@@ -21,7 +21,7 @@ constexpr std::wstring_view kStep = L"#> ";
 constexpr std::wstring_view kFailedStep = L"#= ";
 constexpr std::wstring_view kLineEnd = L"\r\n";
 
-/// An entry's number at the beginning of `text`, which is cut off with the "|" behind it; nothing when there is none.
+/// An entry's number at the beginning of `text`, which is cut off with the "|" after it; nothing when there is none.
 std::optional<size_t> TakeEntryNumber(std::wstring_view& text, size_t entryCount) {
     const size_t end = std::min(text.find_first_not_of(L"0123456789"), text.size());
     if (end == 0 || end > 9) return std::nullopt;

@@ -141,7 +141,7 @@ TEST(RenameWindowWithoutMemory, RenamesWhollyOrNot) {
             window.Panel().Press(IDC_START);
             EXPECT_TRUE(window.WaitFor([&] { return memory.HasFailed() || window.Status() == L"2 Renamed"; }));
             hasFailed = memory.HasFailed();
-            // Ends a run behind its row, still without memory.
+            // Ends a run after its row, still without memory.
             window.EndHost();
             memory.Disarm();
             std::string contents;

@@ -10,7 +10,7 @@
 namespace BatchRename {
 namespace {
 
-constexpr ULONGLONG kPatience = 40;  // milliseconds for one look at the names: less than people notice
+constexpr ULONGLONG kPatience = 40;  // milliseconds for one look at the names: goes unnoticed while typing
 
 struct Group {
     const wchar_t* text;

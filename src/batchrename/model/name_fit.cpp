@@ -15,7 +15,7 @@ public:
     explicit Positions(std::span<const int> edges) : m_edges(edges) {}
 
     int EdgeBefore(size_t unit) const { return unit == 0 ? 0 : m_edges[unit - 1]; }
-    /// The last place that is at most `width` pixels behind `begin`; `begin` itself where nothing fits.
+    /// The last place that is at most `width` pixels after `begin`; `begin` itself where nothing fits.
     size_t EndFrom(size_t begin, int width) const {
         const auto end = std::ranges::upper_bound(m_edges.subspan(begin), EdgeBefore(begin) + width);
         return static_cast<size_t>(end - m_edges.begin());

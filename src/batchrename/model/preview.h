@@ -16,7 +16,7 @@
 
 namespace BatchRename {
 
-/// Rows that nobody changes any more: whoever wants others makes a new list.
+/// Rows that nobody changes: for other rows there is another list.
 using RowSnapshot = std::shared_ptr<const RenameItems>;
 
 struct PreviewRequest {

@@ -38,7 +38,7 @@ std::wstring QuestionBeforeRun(const RowCounts& counts);
 /// What the status bar says after a run: the error while there is one, else the counts of the run.
 std::wstring TextAfterRun(const std::wstring& error, const CRenameResultCallback& results, bool isRestore);
 
-/// The next place with a problem behind `from` (before it, when `isBack`), going round at the end; nothing when there
+/// The next place with a problem after `from` (before it, when `isBack`), going round at the end; nothing when there
 /// is none. `from` may be beyond the end: then the search begins at the first place, or at the last.
 std::optional<size_t> NextProblem(const std::vector<RowMark>& marks, size_t from, bool isBack);
 

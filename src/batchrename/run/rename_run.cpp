@@ -187,7 +187,7 @@ private:
     }
 
     /// Undoes the first steps of a ring, the last one first. A step that cannot be undone leaves its item where it is;
-    /// the others are tried all the same, since none of them can overwrite anything.
+    /// the others are tried all the same, since no step can overwrite anything.
     void PutBack(const StepGroup& group, size_t doneCount) {
         for (size_t at = doneCount; at-- > 0;) {
             const RenameStep& step = m_plan.steps[group.first + at];
@@ -252,7 +252,7 @@ void KeepWhatWasRenamed(BatchRenameUndo& session, const RenameItems& rows, const
     }
 }
 
-/// Where each item of a session is when its restore begins. The rows know; an item that is in none of them is where the
+/// Where each item of a session is when its restore begins: where its row says, and an item without a row where the
 /// session left it.
 void EnterPositions(BatchRenameUndo& session, const RestoreRows& restore) {
     if (!session.isUnfinished)

@@ -59,7 +59,7 @@ void UndoStore::SetFolder(const std::wstring& folder) {
         auto session = std::make_shared<BatchRenameUndo>();
         session->fileName = name;
         std::string bytes;
-        // One that cannot be read at all is listed too, without entries: people should see that it is there.
+        // One that cannot be read at all is listed too, without entries: the user should see that it is there.
         if (ReadAll(m_folder + name, bytes)) ParseSession(DecodeSession(bytes), *session);
         m_sessions.push_back(std::move(session));
     }

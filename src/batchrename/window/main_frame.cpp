@@ -13,7 +13,7 @@
 namespace BatchRename {
 namespace {
 
-constexpr wchar_t kSection[] = L"QVBatcheRename";  // spelled so in everybody's settings
+constexpr wchar_t kSection[] = L"QVBatcheRename";  // compatibility: SPELLING-OF-THE-SETTINGS-SECTION
 constexpr wchar_t kPositionKey[] = L"WinPos";
 constexpr uint32_t kPositionCapacity = 256;  // units
 constexpr int kSplitterHeight = 6;           // these are pixels at 96 to the inch
@@ -97,7 +97,7 @@ LRESULT CALLBACK BatchRenameMainFrame::Procedure(HWND window, UINT message, WPAR
     try {
         return self->OnMessage(message, wParam, lParam);
     } catch (...) {
-        // Nothing can be thrown through the system. A window that could not be made ends; otherwise what was asked for
+        // No exception may pass through the system. A window that could not be made ends; otherwise what was asked for
         // was not done (memory has run out, most likely), and everything else still works.
         return message == WM_CREATE ? -1 : 0;
     }
@@ -203,9 +203,9 @@ void BatchRenameMainFrame::Layout() {
     if (!m_statusBar || IsIconic(m_window)) return;
     SendMessageW(m_statusBar, WM_SIZE, 0, 0);
     const RECT client = ClientOf(m_window);
-    const int room = client.bottom - HeightOf(m_statusBar) - Scaled(kSplitterHeight);
+    const int available = client.bottom - HeightOf(m_statusBar) - Scaled(kSplitterHeight);
     const int natural = m_panel->NaturalSize().cy;
-    m_panelHeight = std::clamp(m_panelHeight, natural, std::max(natural, room - Scaled(kSmallestList)));
+    m_panelHeight = std::clamp(m_panelHeight, natural, std::max(natural, available - Scaled(kSmallestList)));
     const int top = SplitterTop();
     HDWP moves = BeginDeferWindowPos(2);
     const auto place = [&](HWND window, int y, int height) {

@@ -54,7 +54,7 @@ public:
     /// Makes the window and shows it where it was last. @throws std::system_error
     void Create();
     HWND GetWindow() const { return m_window; }
-    /// The object behind a window of this class; null for null. To be asked on its thread.
+    /// The object of a window of this class; null for null. To be called on its thread.
     static BatchRenameMainFrame* FromWindow(HWND window);
     bool CanTakeRows() const { return m_model.CanTakeRows(); }
     void SetRows(RowSnapshot rows) { m_model.SetRows(std::move(rows)); }

@@ -38,7 +38,7 @@ RowKey KeyOfColumn(int column) {
 /// Draws pieces of a line one after the other.
 class LineDrawing {
 public:
-    LineDrawing(HDC context, const RECT& room) : m_context(context), m_room(room) {}
+    LineDrawing(HDC context, const RECT& bounds) : m_context(context), m_bounds(bounds) {}
 
     /// Each unit is put where it was measured to be: what the system draws by itself may be narrower, and the gap
     /// before the next piece would look like a blank in the name.
@@ -49,24 +49,24 @@ public:
         SIZE size = {};
         GetTextExtentExPointW(m_context, text.data(), length, 0, nullptr, advances.data(), &size);
         std::adjacent_difference(advances.begin(), advances.end(), advances.begin());
-        const int top = (m_room.top + m_room.bottom - size.cy) / 2;
-        ExtTextOutW(m_context, m_room.left, top, ETO_CLIPPED, &m_room, text.data(), static_cast<UINT>(length),
+        const int top = (m_bounds.top + m_bounds.bottom - size.cy) / 2;
+        ExtTextOutW(m_context, m_bounds.left, top, ETO_CLIPPED, &m_bounds, text.data(), static_cast<UINT>(length),
                     advances.data());
         SelectObject(m_context, before);
-        m_room.left += size.cx;
+        m_bounds.left += size.cx;
     }
 
     /// A thin bar: here something was taken out.
     void Gap() {
-        const RECT bar = {m_room.left, m_room.top + 2, m_room.left + 2, m_room.bottom - 2};
+        const RECT bar = {m_bounds.left, m_bounds.top + 2, m_bounds.left + 2, m_bounds.bottom - 2};
         SetDCBrushColor(m_context, GetTextColor(m_context));
         FillRect(m_context, &bar, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
-        m_room.left += kGapWidth;
+        m_bounds.left += kGapWidth;
     }
 
 private:
     HDC m_context;
-    RECT m_room;
+    RECT m_bounds;
 };
 
 /// Adds the right edge of each unit of the text, which begins where the last one ends.
@@ -183,7 +183,7 @@ void RowListView::SetStates(const std::vector<bool>& isSelected, const std::vect
         SendMessageW(m_window, LVM_SETITEMSTATE, place, reinterpret_cast<LPARAM>(&item));
     };
     constexpr size_t kAll = SIZE_MAX;
-    // One word for all where it will do: there may be a hundred thousand.
+    // One message for all rows where it will do: there may be a hundred thousand.
     const bool areAll = std::ranges::find(isSelected, false) == isSelected.end();
     set(kAll, areAll ? LVIS_SELECTED : 0);
     for (size_t place = 0; place < m_rows.PlaceCount(); ++place) {
@@ -243,7 +243,7 @@ RowRange RowListView::VisibleRows() const {
 }
 
 std::vector<bool> RowListView::SelectedRows() const {
-    // Where memory ended on the way, the places still stand for other rows.
+    // Where memory ran out before, the places still stand for other rows.
     const bool areShown = m_shownRows == m_rows.Rows();
     return areShown ? ShownRowsWith(LVNI_SELECTED) : std::vector<bool>(m_rows.Rows()->size(), false);
 }
@@ -342,15 +342,15 @@ LRESULT RowListView::OnDraw(NMLVCUSTOMDRAW& draw) {
 }
 
 void RowListView::DrawNewName(HDC context, size_t place) {
-    RECT room = {};
-    room.top = kNewNameColumn;
-    room.left = LVIR_LABEL;
-    SendMessageW(m_window, LVM_GETSUBITEMRECT, place, reinterpret_cast<LPARAM>(&room));
+    RECT bounds = {};
+    bounds.top = kNewNameColumn;
+    bounds.left = LVIR_LABEL;
+    SendMessageW(m_window, LVM_GETSUBITEMRECT, place, reinterpret_cast<LPARAM>(&bounds));
     const bool isSelected = SendMessageW(m_window, LVM_GETITEMSTATE, place, LVIS_SELECTED) != 0;
     const bool hasFocus = GetFocus() == m_window;
     const int ground = !isSelected ? COLOR_WINDOW : hasFocus ? COLOR_HIGHLIGHT : COLOR_BTNFACE;
     const int ink = !isSelected ? COLOR_WINDOWTEXT : hasFocus ? COLOR_HIGHLIGHTTEXT : COLOR_BTNTEXT;
-    FillRect(context, &room, GetSysColorBrush(ground));
+    FillRect(context, &bounds, GetSysColorBrush(ground));
     SetTextColor(context, GetSysColor(static_cast<int>(ink)));
     SetBkMode(context, TRANSPARENT);
 
@@ -358,7 +358,7 @@ void RowListView::DrawNewName(HDC context, size_t place) {
     const std::wstring_view name = m_rows.NewName(row);
     const ChangedPart changed = FindChangedPart(m_rows.OldName(row), name);
     const auto font = reinterpret_cast<HFONT>(SendMessageW(m_window, WM_GETFONT, 0, 0));
-    room.left += MulDiv(kNameMargin, GetDeviceCaps(context, LOGPIXELSX), USER_DEFAULT_SCREEN_DPI);
+    bounds.left += MulDiv(kNameMargin, GetDeviceCaps(context, LOGPIXELSX), USER_DEFAULT_SCREEN_DPI);
     std::vector<int> edges;
     AddEdges(context, name.substr(0, changed.begin), font, edges);
     AddEdges(context, name.substr(changed.begin, changed.end - changed.begin), m_bold.Get(), edges);
@@ -366,8 +366,8 @@ void RowListView::DrawNewName(HDC context, size_t place) {
     std::vector<int> ellipsis;
     AddEdges(context, L"\u2026", font, ellipsis);
     const int gap = changed.begin == changed.end ? kGapWidth : 0;
-    LineDrawing line(context, room);
-    for (const NamePiece& piece : FitName(name, changed, edges, room.right - room.left - gap, ellipsis.back()))
+    LineDrawing line(context, bounds);
+    for (const NamePiece& piece : FitName(name, changed, edges, bounds.right - bounds.left - gap, ellipsis.back()))
         if (piece.text.empty())
             line.Gap();
         else
