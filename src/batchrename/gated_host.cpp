@@ -214,7 +214,7 @@ const wchar_t* GatedHost::GetModuleText(uint16_t module, TextId id) {
         const wchar_t* const found = services.GetModuleText(module, id);
         return std::wstring(found ? found : L"");
     });
-    const Win32::ExclusiveLock lock(m_textLock);
+    const std::lock_guard lock(m_textLock);
     return m_texts.emplace(std::pair(module, id), text).first->second.c_str();
 }
 

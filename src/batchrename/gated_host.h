@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <map>
+#include <mutex>
 #include <string>
 #include <utility>
 
@@ -112,7 +113,7 @@ private:
     HostGate m_gate;
     std::atomic<Quorvane::SDK::IHostServices*> m_services = nullptr;
     Settings m_settings{*this};
-    SRWLOCK m_textLock = SRWLOCK_INIT;
+    std::mutex m_textLock;
     std::map<std::pair<uint16_t, Quorvane::SDK::TextId>, std::wstring> m_texts;  // by module
 };
 

@@ -103,7 +103,7 @@ void FrameModel::RequestPreview(int delay, bool readsFolders) {
 }
 
 void FrameModel::OnPreview(std::shared_ptr<const Preview> preview) {
-    if (!preview || preview->generation != m_generation) return m_actions.Dispose(std::move(preview));
+    if (!preview || preview->generation != m_generation || IsRunning()) return m_actions.Dispose(std::move(preview));
     const FrameState before = m_state;
     const bool isComplete = preview->IsComplete();
     // Until the names are taken over: there may be no memory for that, and no other preview is on its way.
@@ -199,6 +199,7 @@ void FrameModel::OnResetRows() {
 }
 
 void FrameModel::LoadSession(std::shared_ptr<BatchRenameUndo> session) {
+    if (IsRunning()) return;
     SetRows(std::make_shared<const RenameItems>());
     m_session = std::move(session);
     m_mustLoadSession = true;

@@ -126,7 +126,7 @@ public:
     /// `result` is null when it was taken before.
     void OnRunEnd(const std::shared_ptr<const RunResult>& result);
 
-    /// Other rows, from the host: a restore that was being prepared is given up.
+    /// Other rows, from the host, while CanTakeRows: a restore that was being prepared is given up.
     void SetRows(RowSnapshot rows);
     /// The items of the session, to get their old names back.
     void LoadSession(std::shared_ptr<BatchRenameUndo> session);
