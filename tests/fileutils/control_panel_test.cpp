@@ -24,9 +24,7 @@ TEST(ControlPanelMenu, FollowsTheHostsFlags) {
         int items;
     } cases[] = {
         {{}, 0},
-        {{L"--column-d", L"--column-e"}, 0},
         {{L"--can-elevate"}, 62},
-        {{L"--can-elevate", L"--column-e"}, 62},
         {{L"--can-elevate", L"--column-d"}, 58},
         {{L"--can-elevate", L"--column-d", L"--column-e"}, 58},
     };
@@ -59,12 +57,6 @@ TEST(OpenControlPanelItem, StartsTheControlPanelWithItsName) {
         });
         EXPECT_EQ(g_launched, c.launched) << c.index;
     }
-}
-
-TEST(ControlPanelCommand, IsHandledForEveryIdOfItsRange) {
-    const CommandRunner runner;
-    for (const wchar_t* id : {L"6100", L"6163", L"7100"}) EXPECT_EQ(runner.Run({L"command", id}).status, 0) << id;
-    for (const wchar_t* id : {L"6099", L"7101"}) EXPECT_EQ(runner.Run({L"command", id}).status, 1) << id;
 }
 
 }  // namespace

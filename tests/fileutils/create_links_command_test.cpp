@@ -37,8 +37,6 @@ TEST(LinkRules, RefuseWhatCannotWork) {
     } cases[] = {
         {"in another case", 1, folder / L"FILE", file, false, L"This name is in use: FILE"},
         {"a hard link to a file", 1, link, file, false, L""},
-        {"a junction to a folder", 2, link, folder.Path(), true, L""},
-        {"a symbolic link to anything", 3, link, folder.Path(), true, L""},
         {"a name in use", 3, file, folder.Path(), true, L"This name is in use: file"},
         {"no name", 3, folder / L"a?", file, false, L"This cannot be a name: a?"},
         {"a missing folder", 4, folder / L"no\\a.lnk", file, false, L"There is no folder "},
@@ -76,22 +74,9 @@ TEST(CreateLinksCommand, MakesOneLinkForEachTarget) {
     EXPECT_TRUE(Win32::IsSameFile(second, runner / L"b - link"));
 }
 
-TEST(CreateLinksCommand, OffersAdministratorRightsAndUsesThem) {
-    const CommandRunner runner;
-    const std::wstring target = runner.Write(L"a", "1");
-    const Words words = {L"command", L"30350", target, L"--can-elevate"};
-    const HostRun run = runner.RunDriven(words, [](DialogDriver& driver) {
-        const DrivenDialog dialog = driver.WaitFor(kTitle);
-        dialog.Check(IDC_LINK_AS_ADMIN, true);
-        dialog.PressAndClose(IDOK);
-    });
-    EXPECT_TRUE(run.out.starts_with("Link Created (Hardlink) ")) << run.out << run.error;
-    EXPECT_TRUE(Win32::IsSameFile(target, runner / L"a - link"));
-}
-
 TEST(CreateLinksDlg, AsksAboutALinkOnlyWhenItIsAnother) {
     std::vector<FileUtils::LinkTarget> targets;
-    for (int number = 0; number < 20000; ++number) targets.push_back({L"C:\\t\\" + std::to_wstring(number), false});
+    for (int number = 0; number < 2000; ++number) targets.push_back({L"C:\\t\\" + std::to_wstring(number), false});
     size_t asked = 0;
     FileUtils::CreateLinksDlg dialog(targets, false, [&](uint32_t, const std::wstring&, const FileUtils::LinkTarget&) {
         ++asked;
@@ -100,26 +85,29 @@ TEST(CreateLinksDlg, AsksAboutALinkOnlyWhenItIsAnother) {
     std::optional<FileUtils::CreateLinksRequest> request;
     const auto person = [&](const DrivenDialog& open) {
         EXPECT_EQ(std::exchange(asked, 0), targets.size());
-        open.Enter(IDC_LINK_NAME, L"19999 - LINK");
-        EXPECT_EQ(open.Text(IDC_REASON), L"Two links have the same name: 19999 - link");
+        open.Enter(IDC_LINK_NAME, L"1999 - LINK");
+        EXPECT_EQ(open.Text(IDC_REASON), L"Two links have the same name: 1999 - link");
         open.Enter(IDC_LINK_NAME, L"\u00C4 - link");
         EXPECT_TRUE(open.IsEnabled(IDOK));
         EXPECT_LE(std::exchange(asked, 0), 26u) << "one for each letter";
-        EXPECT_EQ(SendMessageW(open.Control(IDC_LINK_TARGETS), LB_GETCOUNT, 0, 0), 20000);
+        EXPECT_EQ(SendMessageW(open.Control(IDC_LINK_TARGETS), LB_GETCOUNT, 0, 0), 2000);
         open.PressAndClose(IDOK);
     };
     WhileShown(kTitle, person, [&] { request = dialog.Show(nullptr); });
     ASSERT_TRUE(request);
     EXPECT_EQ(request->links.front(), L"C:\\t\\\u00C4 - link");
-    EXPECT_EQ(request->links.back(), L"C:\\t\\19999 - link");
+    EXPECT_EQ(request->links.back(), L"C:\\t\\1999 - link");
 }
 
-TEST(CreateLinksCommand, SaysHowManyLinksFailed) {
+TEST(CreateLinksCommand, SaysHowManyLinksFailedAlsoAsAdministrator) {
     const CommandRunner runner;
     // Here no junction can be made.
-    const Words words = {L"command", L"30350", runner.MakeFolder(L"sub")};
-    const HostRun run =
-        runner.RunDriven(words, [](DialogDriver& driver) { driver.WaitFor(kTitle).PressAndClose(IDOK); });
+    const Words words = {L"command", L"30350", runner.MakeFolder(L"sub"), L"--can-elevate"};
+    const HostRun run = runner.RunDriven(words, [](DialogDriver& driver) {
+        const DrivenDialog dialog = driver.WaitFor(kTitle);
+        dialog.Check(IDC_LINK_AS_ADMIN, true);
+        dialog.PressAndClose(IDOK);
+    });
     EXPECT_TRUE(run.out.starts_with("Failed to create link (Junction) (Error : 13) ")) << run.out;
     EXPECT_TRUE(Holds(run.error, "1 of 1 links could not be created."));
     EXPECT_EQ(runner.List(), Names{L"sub"});

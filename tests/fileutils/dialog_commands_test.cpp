@@ -14,20 +14,15 @@ constexpr wchar_t kFindTitle[] = L"Find and Replace in file(s)";
 constexpr wchar_t kConfirmTitle[] = L"Confirm Replace";
 constexpr wchar_t kSortTitle[] = L"Sort Lines";
 
-/// Fills the dialog of a replacement and starts.
-void Start(DialogDriver& driver, const wchar_t* find, const wchar_t* replacement) {
-    const DrivenDialog dialog = driver.WaitFor(kFindTitle);
-    dialog.Enter(IDC_FIND, find);
-    dialog.Enter(IDC_REPLACEMENT, replacement);
-    dialog.PressAndClose(IDOK);
-}
-
 TEST(FindAndReplaceCommand, AsksAboutEachMatchAndRemembersTheRequest) {
     CommandRunner host;
     const Words arguments = {L"command", L"30151", host.Write(L"a.txt", "one two one two one\r\n"),
                              host.Write(L"b.txt", "one\n"), host.Write(L"c.txt", "nothing\n")};
     const HostRun run = host.RunDriven(arguments, [](DialogDriver& driver) {
-        Start(driver, L"one", L"three");
+        const DrivenDialog dialog = driver.WaitFor(kFindTitle);
+        dialog.Enter(IDC_FIND, L"one");
+        dialog.Enter(IDC_REPLACEMENT, L"three");
+        dialog.PressAndClose(IDOK);
         driver.WaitFor(kConfirmTitle).PressAndClose(IDOK);
         driver.WaitFor(kConfirmTitle).PressAndClose(IDC_ANSWER_FIND_NEXT);
         driver.WaitFor(kConfirmTitle).PressAndClose(IDC_ANSWER_REPLACE_ALL);  // for b.txt as well
@@ -49,18 +44,6 @@ TEST(FindAndReplaceCommand, AsksAboutEachMatchAndRemembersTheRequest) {
     });
 }
 
-TEST(FindAndReplaceCommand, SaveAsWritesBesideTheOriginal) {
-    CommandRunner host;
-    host.Write(L"a.txt", "one\n");
-    host.RunDriven({L"command", L"30151", host / L"a.txt"}, [](DialogDriver& driver) {
-        const DrivenDialog dialog = driver.WaitFor(kFindTitle);
-        dialog.Select(IDC_TARGET, 0);
-        dialog.Check(IDC_SILENT, true);
-        Start(driver, L"one", L"two");
-    });
-    EXPECT_EQ(host.ReadAll(), (Contents{{L"a.txt", "one\n"}, {L"a_new.txt", "two\n"}}));
-}
-
 TEST(FindAndReplaceCommand, FromAScriptAsksInTheDialogWhereTheHostHasAWindow) {
     CommandRunner host;
     const std::wstring file = L"FILE=" + host.Write(L"a.txt", "one one\n");
@@ -75,10 +58,9 @@ TEST(FindAndReplaceCommand, FromAScriptAsksInTheDialogWhereTheHostHasAWindow) {
     EXPECT_EQ(host.Read(L"a.txt"), "two two\n");
 }
 
-TEST(FindAndReplaceCommand, WithoutASelectionShowsNothing) {
-    CommandRunner host;
-    EXPECT_EQ(host.RunDriven({L"command", L"30151"}, [](DialogDriver&) {}).status, 0);
-    EXPECT_EQ(host.RunDriven({L"command", L"30150"}, [](DialogDriver&) {}).status, 0);
+TEST(DialogCommands, WithoutASelectionShowNothing) {
+    for (const wchar_t* id : {L"30150", L"30151"})
+        EXPECT_EQ(CommandRunner().RunDriven({L"command", id}, [](DialogDriver&) {}).status, 0);
 }
 
 TEST(SortLinesCommand, SortsWhatTheDialogAsksForAndRemembersIt) {

@@ -28,13 +28,8 @@ TEST(JunctionReparseBuffer, IsTheseBytes) {
     std::vector<uint8_t> whole = expected;
     whole.resize(kReparseBufferSize);
     EXPECT_TRUE(std::ranges::equal(buffer->bytes, whole));
-}
-
-TEST(JunctionReparseBuffer, HoldsTheLongestNameThatFits) {
     const size_t longest = (kReparseBufferSize - 16) / 2 - 2;
-    const auto buffer = JunctionReparseBuffer(std::wstring(longest, L'a'));
-    ASSERT_TRUE(buffer);
-    EXPECT_EQ(buffer->usedSize, kReparseBufferSize);
+    EXPECT_EQ(JunctionReparseBuffer(std::wstring(longest, L'a')).value().usedSize, kReparseBufferSize);
     EXPECT_FALSE(JunctionReparseBuffer(std::wstring(longest + 1, L'a')));
 }
 
@@ -180,11 +175,6 @@ TEST(CreateLinkCommand, LogsAndReportsWhatBecameOfTheLink) {
     EXPECT_TRUE(Holds(run.error, "[result] 183\n"));
     EXPECT_EQ(Call(runner, L"7", target).out, "Failed to create link (Unknown) (Error : 13) " + paths);
     EXPECT_EQ(Call(runner, L"3", runner / L"missing").out, "");
-    run = runner.Run({L"call", L"CreateLink", L"LNKTYPE=4", L"LNKSRC=", L"LNKTRG=" + target});
-    EXPECT_TRUE(run.out.starts_with("Failed to create link (Unknown) (Error : 3) Link : \"\"")) << run.out;
-    run = runner.Run({L"call", L"CreateLink", L"LNKSRC=a", L"LNKTRG=" + target});
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.out, "");
 
     ASSERT_TRUE(DeleteFileW((runner / L"link").c_str()));
     EXPECT_EQ(Call(runner, L"4", target).out, "Link Created (Unknown) " + paths);
@@ -202,8 +192,7 @@ TEST(CreateLinkCommand, AsksTheElevatedProcessAndNoOther) {
     EXPECT_TRUE(run.out.starts_with("Link Created (Hardlink) ")) << run.out;
     EXPECT_TRUE(Win32::IsSameFile(target, runner / L"link"));
     run = Call(runner, L"1", target, {L"ASADMIN", L"--can-elevate"});
-    EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(run.out.starts_with("Failed to create link (Hardlink) (Error : 183) ")) << run.out;
+    EXPECT_TRUE(run.status == 1 && Holds(run.out, "Failed to create link (Hardlink) (Error : 183) ")) << run.out;
 }
 
 }  // namespace

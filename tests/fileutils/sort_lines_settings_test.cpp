@@ -42,8 +42,6 @@ TEST(SortLinesSettings, TakeWhatIsThereAndRefuseWhatCannotBe) {
     EXPECT_EQ(request.keepTop, 7u);
     EXPECT_EQ(request.separator, 0);
     EXPECT_EQ(request.dateFormat.size(), QVLineSorter::kLongestDateFormat);
-    FileUtils::LoadSortLinesSettings(nullptr, request);
-    FileUtils::SaveSortLinesSettings(nullptr, request);
 }
 
 }  // namespace

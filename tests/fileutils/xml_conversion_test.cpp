@@ -61,9 +61,7 @@ TEST(XmlConversion, ChangesNothingButBlanks) {
          "<?xml version=\"1.0\" encoding=\"windows-1252\"?>\r\n<a><b>\x80\r\n</b></a>\r\n"},
         {"a UTF-8 mark", "\xEF\xBB\xBF<a> <b>\xC3\xA4</b></a>", "\xEF\xBB\xBF<a><b>\xC3\xA4</b></a>"},
         {"UTF-16 without a mark", Utf16(wide), Utf16(wideCompact)},
-        {"with a mark", Utf16(L"\uFEFF" + wide), Utf16(L"\uFEFF" + wideCompact)},
         {"the other way round", Utf16BigEndian(wide), Utf16BigEndian(wideCompact)},
-        {"and marked", Utf16BigEndian(L"\uFEFF" + wide), Utf16BigEndian(L"\uFEFF" + wideCompact)},
         {"a prefix that nothing declares", "<a> <p:b p:c='1'/> </a>", "<a><p:b p:c='1'/></a>"},
         {"a document type", "<!DOCTYPE a [<!ENTITY % p \"<!ENTITY x '>'>\"> %p; ]>\n<a> <b>&x;&#10;</b> </a>",
          "<!DOCTYPE a [<!ENTITY % p \"<!ENTITY x '>'>\"> %p; ]>\n<a><b>&x;&#10;</b></a>"},
@@ -71,7 +69,6 @@ TEST(XmlConversion, ChangesNothingButBlanks) {
         {"two bytes of UTF-16 that are no character", Utf16(L"\uFEFF<a> <b>\xD800</b> </a>"), ""},
         {"an odd byte", Utf16(L"<a> <b/> </a>") + ' ', ""},
         {"a byte that is not in the encoding", "<?xml version=\"1.0\" encoding=\"us-ascii\"?><a> <b>\xE4</b></a>", ""},
-        {"another encoding than declared", "<?xml version=\"1.0\" encoding=\"UTF-16\"?><a> <b/> </a>", ""},
         {"an encoding that is not known", "<?xml version=\"1.0\" encoding=\"IBM037\"?><a> <b/> </a>", ""},
     };
     for (const auto& c : cases) {
@@ -117,10 +114,8 @@ TEST(XmlLayout, LeavesWhatIsTextAsItIs) {
         {"what stands around the root", "<?d?><!-- c --><a/><!-- e -->\n", "<?d?><!-- c --><a/><!-- e -->\n",
          "<?d?>\n<!-- c -->\n<a/>\n<!-- e -->\n"},
         {"a comment is no text", "<a> <!-- - --> <b/></a>", "<a><!-- - --><b/></a>", "<a>\n\t<!-- - -->\n\t<b/>\n</a>"},
-        {"text, and all that stands in it", "<a>t<b> <c/> </b></a>", "<a>t<b> <c/> </b></a>", "<a>t<b> <c/> </b></a>"},
         {"a reference is text", "<a> <b/>&#32;</a>", "<a> <b/>&#32;</a>", "<a> <b/>&#32;</a>"},
         {"no elements", "<a> <?p?> </a>", "<a> <?p?> </a>", "<a> <?p?> </a>"},
-        {"one word of two", "<a><b/> <c>x</c></a>", "<a><b/> <c>x</c></a>", "<a><b/> <c>x</c></a>"},
         {"lines of words", "<a><b>x</b>\n<c>x</c></a>", "<a><b>x</b><c>x</c></a>", "<a>\n\t<b>x</b>\n\t<c>x</c>\n</a>"},
         {"blanks that are asked for", "<a> <b c='>' xml:space = 'preserve'> <d/></b></a>",
          "<a><b c='>' xml:space = 'preserve'> <d/></b></a>", "<a>\n\t<b c='>' xml:space = 'preserve'> <d/></b>\n</a>"},
@@ -140,7 +135,6 @@ TEST(XmlConversion, LeavesABadDocumentAloneAndSaysWhere) {
     const std::pair<std::string, const char*> cases[] = {
         {"<a>\n  <b></a>\n", "bad.xml, line 2, column "},
         {"<a><b>\xC3\xA4 text", "bad.xml, line 1, column 13: "},
-        {"<a>\r\n", "bad.xml, line 2, column 1: "},
         {"<a>\n<b/><?p?>\n<b/>\n\n", "bad.xml, line 5, column 1: "},
         {"", "bad.xml: it holds no XML"},
     };
@@ -156,35 +150,23 @@ TEST(XmlConversion, LeavesABadDocumentAloneAndSaysWhere) {
     }
 }
 
-TEST(XmlConversion, KeepsNameAndAccess) {
+TEST(XmlConversion, KeepsNameAndAccessAndTakesANameForNoAddress) {
     const CommandRunner runner;
-    const std::wstring path = runner.Write(L"a.xml", "<a> <b/> </a>");
+    const std::wstring path = runner.Write(L"a%41.xml", "<a> <b/> </a>");
+    const std::wstring held = runner.Write(L"held.xml", "<a> <b/> </a>");
     const auto access = GiveAccessList(path, kNarrowList);
-    EXPECT_EQ(runner.Run({L"command", L"30201", runner / L"A.XML"}).status, 0);
-    EXPECT_EQ(runner.List(), Names{L"a.xml"});
-    EXPECT_TRUE(Holds(runner.Read(L"a.xml"), "<a><b/></a>"));
-    EXPECT_EQ(AccessListOf(path), access);
-}
-
-TEST(XmlConversion, LeavesNothingBesideAReadOnlyFileInUse) {
-    const CommandRunner runner;
-    const std::wstring path = runner.Write(L"a.xml", "<a> <b/> </a>");
-    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    runner.Write(L"aA.xml", "<a> <wrong/> </a>");
+    SetFileAttributesW(held.c_str(), FILE_ATTRIBUTE_READONLY);
     {
         const Win32::FileHandle holder(
-            CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
-        runner.Run({L"command", L"30201", path}, {L"ok"});
+            CreateFileW(held.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+        runner.Run({L"command", L"30201", held, runner / L"A%41.XML"}, {L"ok"});
     }
-    EXPECT_EQ(runner.ReadAll(), (Contents{{L"a.xml", "<a> <b/> </a>"}}));
-}
-
-TEST(XmlConversion, TakesANameForANameAndNotForAnAddress) {
-    const CommandRunner runner;
-    const std::wstring path = runner.Write(L"a%41.xml", "<a> <right/> </a>");
-    runner.Write(L"aA.xml", "<a> <wrong/> </a>");
-    runner.Run({L"command", L"30201", path});
-    EXPECT_TRUE(Holds(runner.Read(L"a%41.xml"), "<a><right/></a>"));
+    EXPECT_EQ(AccessListOf(path), access);
+    EXPECT_TRUE(Holds(runner.Read(L"a%41.xml"), "<a><b/></a>"));
+    EXPECT_EQ(runner.Read(L"held.xml"), "<a> <b/> </a>");
     EXPECT_EQ(runner.Read(L"aA.xml"), "<a> <wrong/> </a>");
+    EXPECT_EQ(runner.List(), (Names{L"a%41.xml", L"aA.xml", L"held.xml"}));
 }
 
 }  // namespace
