@@ -2,18 +2,16 @@
 #include "findreplace/wildcard.h"
 
 #include "fuzz/input.h"
-#include "tests/support/standard_wildcard.h"
+#include "fuzz/standard_wildcard.h"
 
 namespace QVFuzz {
 namespace {
 
 constexpr int kSteps = 4000;
 
-using QVTest::WildcardResult;
-
 template <class CharT>
 WildcardResult ByOurs(const std::basic_string<CharT>& pattern, bool ignoreCase, std::basic_string_view<CharT> text) {
-    return QVTest::ResultOf([&]() -> WildcardResult {
+    return ResultOf([&]() -> WildcardResult {
         const auto matcher = QVFindAndReplace::MakeWildcardMatcher<CharT>(pattern, ignoreCase);
         QVFindAndReplace::Span span;
         if (!matcher->Find(text, span)) return {};
@@ -33,9 +31,9 @@ void Compare(std::string_view patternBytes, bool ignoreCase, std::string_view te
     const std::wstring widePattern(pattern.begin(), pattern.end());
     const std::wstring wideText(text.View().begin(), text.View().end());
     try {
-        const WildcardResult standard = QVTest::SearchByTheStandard<wchar_t>(widePattern, ignoreCase, wideText, kSteps);
+        const WildcardResult standard = SearchByTheStandard<wchar_t>(widePattern, ignoreCase, wideText, kSteps);
         Require(ours == standard, "what the standard engine finds");
-    } catch (const QVTest::TooManySteps&) {
+    } catch (const TooManySteps&) {
     }
 }
 

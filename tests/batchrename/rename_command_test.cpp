@@ -99,8 +99,7 @@ TEST_F(RenameCommand, PrintsEachRowsVerdict) {
 TEST_F(RenameCommand, RenamesRingsShiftsAndCaseOnRealFilesAndRestoresThem) {
     const struct {
         const char* why;
-        Words names;
-        Words options;
+        Words names, options;
         Words after;  // names that hold, in this order, the content of `names`
     } cases[] = {
         {"a ring of three",
@@ -208,10 +207,7 @@ TEST_F(RenameCommand, SavesAndUsesProfiles) {
 
 TEST_F(RenameCommand, RefusesWhatMakesNoSense) {
     Fill({L"a"});
-    const struct {
-        Words options;
-        const char* text;
-    } cases[] = {
+    const std::pair<Words, const char*> cases[] = {
         {{L"--find", L"a"}, "needs its --replace"},
         {{L"--counter", L"1,x"}, "--counter takes"},
         {{L"--counter", L"2147483648,1,1"}, "--counter takes"},
@@ -223,10 +219,10 @@ TEST_F(RenameCommand, RefusesWhatMakesNoSense) {
         {{L"--time", L"soon"}, "--time takes"},
         {{L"--regex", L"--find", L"(", L"--replace", L""}, "no regular expression"},
     };
-    for (const auto& c : cases) {
-        const HostRun run = Rename({L"a"}, c.options);
-        EXPECT_EQ(run.status, 2) << c.text;
-        EXPECT_NE(run.error.find(c.text), std::string::npos) << run.error;
+    for (const auto& [options, text] : cases) {
+        const HostRun run = Rename({L"a"}, options);
+        EXPECT_EQ(run.status, 2) << text;
+        EXPECT_NE(run.error.find(text), std::string::npos) << run.error;
     }
     for (const Words& words : {Words{L"rename"},
                                {L"undo", L"restore"},

@@ -11,11 +11,11 @@
 #include "batchrename/window/frame_messages.h"
 #include "host/xml/xml_document.h"
 #include "host/xml/xml_service.h"
-#include "reliability/in_process_host.h"
-#include "reliability/replaced_imports.h"
 #include "support/dialog_driver.h"
 #include "support/fake_panel.h"
+#include "support/in_process_host.h"
 #include "support/own_window.h"
+#include "support/replaced_imports.h"
 #include "support/services_of_host.h"
 
 namespace {

@@ -93,8 +93,7 @@ TEST(CBase64, GivesBackWhatWasEncodedWhereverTheBlocksAreCut) {
 TEST(CBase64, SkipsWhatIsNoLetterAndStopsAtThePadding) {
     const struct {
         const char* why;
-        std::string text;
-        std::string bytes;
+        std::string text, bytes;
         bool isWhole;
     } cases[] = {
         {"line breaks in groups", "Y\r\nW\nJ j\r\n\tZ\xFFGU=\r\n", "abcde", true},
@@ -114,11 +113,7 @@ TEST(CBase64, SkipsWhatIsNoLetterAndStopsAtThePadding) {
 }
 
 TEST(MimeHeader, GivesTheNameOfItsSecondLine) {
-    const struct {
-        const char* why;
-        std::string bytes;
-        const char* name;
-    } cases[] = {
+    const std::tuple<const char*, std::string, const char*> cases[] = {
         {"our own", kHeader, "a.bin"},
         {"without an end of the second line", "x MIME-Version\nname=\"q\"", "q"},
         {"no name", "MIME-Version: 1.0\r\nContent-Type: x\r\nname=\"a\"\r\n", ""},
@@ -126,22 +121,20 @@ TEST(MimeHeader, GivesTheNameOfItsSecondLine) {
         {"cut off by the area", "MIME-Version: 1.0\r\nname=\"" + std::string(1000, 'a') + "\"", ""},
         {"empty", "", ""},
     };
-    for (const auto& c : cases) EXPECT_EQ(NameInHeader(c.bytes), c.name) << c.why;
+    for (const auto& [why, bytes, name] : cases) EXPECT_EQ(NameInHeader(bytes), name) << why;
     EXPECT_EQ(MimeHeader("a.bin"), kHeader);
 }
 
 TEST(MimeHeader, EndsAtItsEmptyLine) {
-    const struct {
-        const char* why;
-        std::string header;
-    } cases[] = {
+    const std::pair<const char*, std::string> cases[] = {
         {"our own", kHeader},
         {"of another writer, another order",
          "Content-Type: text/plain;\n\tcharset=x\nMIME-Version: 1.0\ncontent-transfer-encoding: base64\n\n"},
         {"lines that are no fields", "MIME-Version 1\r\nname=\"a\"\r\nsomething\r\n\r\n"},
         {"many fields", "MIME-Version: 1.0\n" + std::string(5000, 'X') + ": y\nA: b\nA: b\nA: b\nA: b\nA: b\n\n"},
     };
-    for (const auto& c : cases) EXPECT_EQ(HeaderSize(c.header + "YWJj\r\n\r\nYWJj\r\n"), c.header.size()) << c.why;
+    for (const auto& [why, header] : cases)
+        EXPECT_EQ(HeaderSize(header + "YWJj\r\n\r\nYWJj\r\n"), header.size()) << why;
     for (const char* none : {"", "YWJj\r\n\r\n", "\r\nYWJj", "Note: no MIME here\r\n\r\nYWJj", "MIME-Version: 1.0\r\n"})
         EXPECT_EQ(HeaderSize(none), 0u) << none;
 }

@@ -19,30 +19,24 @@ std::ptrdiff_t Count(const std::string& text, const char* expression) {
 
 TEST(ControlPanelMenu, FollowsTheHostsFlags) {
     const CommandRunner runner;
-    const struct {
-        std::vector<std::wstring> options;
-        int items;
-    } cases[] = {
+    const std::pair<std::vector<std::wstring>, int> cases[] = {
         {{}, 0},
         {{L"--can-elevate"}, 62},
         {{L"--can-elevate", L"--column-d"}, 58},
         {{L"--can-elevate", L"--column-d", L"--column-e"}, 58},
     };
-    for (const auto& c : cases) {
-        const std::string listing = runner.Run(QVTest::Joined({L"menus"}, c.options)).out;
-        EXPECT_EQ(Count(listing, R"(\n +61\d\d )"), c.items) << listing;
-        EXPECT_EQ(Count(listing, "Control panel"), c.items > 0 ? 1 : 0);
-        EXPECT_EQ(Count(listing, "SideShow"), c.items == 62 ? 1 : 0);
+    for (const auto& [options, items] : cases) {
+        const std::string listing = runner.Run(QVTest::Joined({L"menus"}, options)).out;
+        EXPECT_EQ(Count(listing, R"(\n +61\d\d )"), items) << listing;
+        EXPECT_EQ(Count(listing, "Control panel"), items > 0 ? 1 : 0);
+        EXPECT_EQ(Count(listing, "SideShow"), items == 62 ? 1 : 0);
     }
 }
 
 std::vector<std::wstring> g_launched;
 
 TEST(OpenControlPanelItem, StartsTheControlPanelWithItsName) {
-    const struct {
-        uint32_t index;
-        std::vector<std::wstring> launched;
-    } cases[] = {
+    const std::pair<uint32_t, std::vector<std::wstring>> cases[] = {
         {61, {L"Control.exe", L"/name Microsoft.FileHistory"}},
         {10, {L"Control.exe", L"/name Microsoft.DefaultLocation"}},
         {26, {L"Control.exe", L"/name Microsoft.iSCSIInitiator"}},
@@ -50,12 +44,12 @@ TEST(OpenControlPanelItem, StartsTheControlPanelWithItsName) {
         {63, {}},
         {1000, {}},
     };
-    for (const auto& c : cases) {
+    for (const auto& [index, launched] : cases) {
         g_launched.clear();
-        OpenControlPanelItem(c.index, [](const wchar_t* program, const wchar_t* words) {
+        OpenControlPanelItem(index, [](const wchar_t* program, const wchar_t* words) {
             g_launched = {program, words};
         });
-        EXPECT_EQ(g_launched, c.launched) << c.index;
+        EXPECT_EQ(g_launched, launched) << index;
     }
 }
 

@@ -30,8 +30,7 @@ TEST(LinkRules, RefuseWhatCannotWork) {
     const struct {
         const char* why;
         uint32_t type;
-        std::wstring link;
-        std::wstring target;
+        std::wstring link, target;
         bool targetIsFolder;
         const wchar_t* reason;  // its beginning; "": none
     } cases[] = {

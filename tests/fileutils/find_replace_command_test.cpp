@@ -16,11 +16,7 @@ HostRun Replace(const CommandRunner& folder, const wchar_t* name, const Words& p
 
 TEST(FindAndReplace, TakesItsParametersAsScriptsGiveThem) {
     const CommandRunner folder;
-    const struct {
-        const char* why;
-        Words parameters;
-        std::string expected;
-    } cases[] = {
+    const std::tuple<const char*, Words, std::string> cases[] = {
         {"one by default", {L"FIND=a", L"REPLACEWITH=x"}, "x B [b,c] x\nb\n"},
         {"brackets and commas are text", {L"FIND=[b,c]", L"REPLACEWITH=[c,b]"}, "a B [c,b] a\nb\n"},
         {"blanks and equal signs too", {L"FIND= a", L"REPLACEWITH= = "}, "a B [b,c] = \nb\n"},
@@ -30,19 +26,18 @@ TEST(FindAndReplace, TakesItsParametersAsScriptsGiveThem) {
         {"case counts, whatever is asked", {L"FIND=b", L"REPLACEWITH=x", L"IGNORECASE"}, "a B [x,c] a\nx\n"},
         {"wildcards", {L"FIND=B*", L"REPLACEWITH=x", L"WILDCARD"}, "a x\nb\n"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.why);
+    for (const auto& [why, parameters, expected] : cases) {
+        SCOPED_TRACE(why);
         folder.Write(L"f.txt", "a B [b,c] a\nb\n");
-        EXPECT_EQ(Replace(folder, L"f.txt", Joined(c.parameters, {L"DELETE", L"SILENT"})).status, 0);
-        EXPECT_EQ(folder.ReadAll(), (Contents{{L"f.txt", c.expected}}));
+        EXPECT_EQ(Replace(folder, L"f.txt", Joined(parameters, {L"DELETE", L"SILENT"})).status, 0);
+        EXPECT_EQ(folder.ReadAll(), (Contents{{L"f.txt", expected}}));
     }
 }
 
 // What becomes of targets and backups is held by the tests of the one writer.
 TEST(FindAndReplace, WritesWhereItIsToldAndAsksBeforeATargetIsOverwritten) {
     const struct {
-        Words parameters;
-        Words answers;
+        Words parameters, answers;
         int status;
         Contents expected;  // where it differs from what was there
     } cases[] = {
@@ -138,8 +133,7 @@ TEST(FindAndReplace, AsksAboutMatchesAndTakesTheAnswer) {
     const struct {
         Words answers;
         int status;
-        std::string expected;
-        std::string log;
+        std::string expected, log;
     } cases[] = {
         {{L"replace"}, 0, "b b\nb\n", "[Find and Replace] - 3 changes made to file"},
         {{L"find-next", L"replace-all"}, 0, "a b\nb\n", "[Find and Replace] - 2 changes made to file"},

@@ -13,9 +13,7 @@ using namespace QVTest;
 TEST(QuickRename, MakesTheseNames) {
     const struct {
         uint32_t id;
-        const wchar_t* name;
-        const wchar_t* file;
-        const wchar_t* folder;
+        const wchar_t *name, *file, *folder;
     } cases[] = {
         {30000, L"az \u00E4\u044F.txt", L"AZ \u00E4\u044F.TXT", L"AZ \u00E4\u044F.TXT"},
         {30001, L"AZ \u00C4\u042F.TXT", L"az \u00E4\u044F.txt", L"az \u00E4\u044F.txt"},
@@ -60,23 +58,19 @@ TEST(QuickRename, RenamesTheSelectionAfterOneQuestion) {
 }
 
 TEST(RenameGroup, GivesEachFileTheNewNameWithItsOwnExtension) {
-    const struct {
-        const char* why;
-        std::wstring answer;
-        Names after;
-    } cases[] = {
+    const std::tuple<const char*, std::wstring, Names> cases[] = {
         {"all of the name", L"new", {L"a.b", L"b.txt", L"new", L"new.jpg", L"new.txt"}},
         {"cancelled", L"cancel", {L"a", L"a.b", L"a.jpg", L"a.txt", L"b.txt"}},
         {"the same name", L"a", {L"a", L"a.b", L"a.jpg", L"a.txt", L"b.txt"}},
     };
-    for (const auto& c : cases) {
+    for (const auto& [why, answer, after] : cases) {
         const CommandRunner runner;
         Words words = {L"command", L"30020"};
         for (const wchar_t* name : {L"a.txt", L"a.jpg", L"a", L"b.txt"}) words.push_back(runner.Write(name, "x"));
         words.push_back(runner.MakeFolder(L"a.b"));
-        const HostRun run = runner.Run(words, {c.answer});
-        EXPECT_EQ(run.status, 0) << c.why << run.error;
-        EXPECT_EQ(runner.List(), c.after) << c.why;
+        const HostRun run = runner.Run(words, {answer});
+        EXPECT_EQ(run.status, 0) << why << run.error;
+        EXPECT_EQ(runner.List(), after) << why;
     }
 }
 

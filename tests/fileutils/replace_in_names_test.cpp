@@ -18,9 +18,7 @@ constexpr wchar_t kTitle[] = L"Replace text in names";
 TEST(ReplaceInNames, MakesTheseNames) {
     const struct {
         FileUtils::NameReplacement request;
-        const wchar_t* name;
-        const wchar_t* file;
-        const wchar_t* folder;
+        const wchar_t *name, *file, *folder;
     } cases[] = {
         {{L"a", L"b", false, NamePart::Name}, L"aA.a", L"bA.a", L"bA.b"},
         {{L"a", L"b", true, NamePart::Name}, L"aA.a", L"bb.a", L"bb.b"},

@@ -138,11 +138,7 @@ TEST(ElevatedRequests, AreCarriedOutWhenTheyAreWholeAndNotOtherwise) {
 }
 
 TEST(ElevatedPaths, AreThoseOfFilesAndFolders) {
-    const struct {
-        const wchar_t* path;
-        bool isFull;
-        bool isSymbolicLinkTarget;
-    } cases[] = {
+    const std::tuple<const wchar_t*, bool, bool> cases[] = {
         {LR"(C:\)", true, true},
         {LR"(c:/a\..\b.txt)", true, true},
         {LR"(\\server\share\a b)", true, true},
@@ -154,7 +150,7 @@ TEST(ElevatedPaths, AreThoseOfFilesAndFolders) {
         {L"", false, false},
         {L"C:a", false, false},
         {LR"(1:\a)", false, false},
-        {LR"(C:\a:stream)", false, false},
+        {LR"(C:\a:stream\b)", false, false},
         {L"a::$DATA", false, false},
         {LR"(C:\a\NUL)", false, false},
         {LR"(\\.\PhysicalDrive0)", false, false},
@@ -166,9 +162,9 @@ TEST(ElevatedPaths, AreThoseOfFilesAndFolders) {
         {LR"(\\server\ipc$)", false, false},
         {LR"(\\server)", false, false},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(IsFullFilePath(c.path), c.isFull) << testing::PrintToString(c.path);
-        EXPECT_EQ(IsSymbolicLinkTarget(c.path), c.isSymbolicLinkTarget) << testing::PrintToString(c.path);
+    for (const auto& [path, isFull, isSymbolicLinkTarget] : cases) {
+        EXPECT_EQ(IsFullFilePath(path), isFull) << testing::PrintToString(path);
+        EXPECT_EQ(IsSymbolicLinkTarget(path), isSymbolicLinkTarget) << testing::PrintToString(path);
     }
 }
 
@@ -304,10 +300,7 @@ TEST(ResetAccess, AsksFirstAndThenTakesBackWhatWasGranted) {
 }
 
 TEST(AccountOfSelection, IsDomainAndName) {
-    const struct {
-        const wchar_t* path;
-        const wchar_t* account;
-    } cases[] = {
+    const std::pair<const wchar_t*, const wchar_t*> cases[] = {
         {L"WinNT://OFFICE/editor", L"OFFICE\\editor"},
         {L"WinNT://WORKGROUP/DESK/editor,user", L"DESK\\editor"},
         {L"WinNT://Everyone", L"Everyone"},
@@ -315,7 +308,7 @@ TEST(AccountOfSelection, IsDomainAndName) {
         {L"LDAP://CN=editor,DC=office", L"name"},
         {L"", L"name"},
     };
-    for (const auto& c : cases) EXPECT_EQ(AccountOfSelection(c.path, L"name"), c.account);
+    for (const auto& [path, account] : cases) EXPECT_EQ(AccountOfSelection(path, L"name"), account);
 }
 
 TEST(ChangeAccessDlg, TakesTheAccountThatWasFound) {

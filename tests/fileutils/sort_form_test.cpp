@@ -34,11 +34,7 @@ TEST(SortForm, ShowsPositionsCountedFromOneAndFillsWhatIsMissing) {
 }
 
 TEST(SortForm, EnablesWhatTheOptionsUse) {
-    const struct {
-        const char* why;
-        uint32_t options;
-        FileUtils::SortEnabling enabled;
-    } cases[] = {
+    const std::tuple<const char*, uint32_t, FileUtils::SortEnabling> cases[] = {
         {"plain", kPlain, {.ignoreCase = true}},
         {"a language has its own way with case", Option::LanguageOrder, {.naturalNumbers = true}},
         {"substring", Option::Substring, {.substring = true, .ignoreCase = true}},
@@ -46,7 +42,7 @@ TEST(SortForm, EnablesWhatTheOptionsUse) {
         {"save as", Option::SaveAs, {.fileName = true, .ignoreCase = true}},
         {"dates", Option::AsDate, {.dateFormat = true, .ignoreCase = true}},
     };
-    for (const auto& c : cases) EXPECT_EQ(FileUtils::EnabledFor(c.options), c.enabled) << c.why;
+    for (const auto& [why, options, enabled] : cases) EXPECT_EQ(FileUtils::EnabledFor(options), enabled) << why;
 }
 
 TEST(SortForm, SaysWhatCannotBeUsed) {

@@ -13,11 +13,7 @@ HostRun Sort(const CommandRunner& runner, const Words& parameters, const Words& 
 }
 
 TEST(SortLinesCommand, SortsByEveryParameter) {
-    const struct {
-        Words parameters;
-        const char* before;
-        const char* after;
-    } cases[] = {
+    const std::tuple<Words, const char*, const char*> cases[] = {
         {{}, "b\nA\na\n", "A\na\nb\n"},
         {{L"IGNORECASE", L"REVERSE"}, "b\na\nA\n", "b\nA\na\n"},
         {{L"LANGUAGEORDER"}, "b\nB\na\nA\n", "a\nA\nb\nB\n"},
@@ -35,21 +31,18 @@ TEST(SortLinesCommand, SortsByEveryParameter) {
          "01/02/2020\n02/01/2020\n31/12/2019\n",
          "31/12/2019\n02/01/2020\n01/02/2020\n"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [parameters, before, after] : cases) {
         const CommandRunner runner;
-        runner.Write(L"a.txt", c.before);
-        const HostRun run = Sort(runner, Joined(c.parameters, {L"OVERWRITE", L"SILENT"}));
+        runner.Write(L"a.txt", before);
+        const HostRun run = Sort(runner, Joined(parameters, {L"OVERWRITE", L"SILENT"}));
         EXPECT_EQ(run.status, 0) << run.out << run.error;
-        EXPECT_EQ(runner.Read(L"a.txt"), c.after) << testing::PrintToString(c.parameters);
+        EXPECT_EQ(runner.Read(L"a.txt"), after) << testing::PrintToString(parameters);
         EXPECT_TRUE(Holds(run.out, "[SortLines] - Sorted lines in file : "));
     }
 }
 
 TEST(SortLinesCommand, LeavesTheFileAloneForABadParameterAndSaysWhich) {
-    const struct {
-        Words parameters;
-        const char* logged;
-    } cases[] = {
+    const std::pair<Words, const char*> cases[] = {
         {{L"SORTBY=word"}, "SORTBY : \"word\" is none of line, substring, item"},
         {{L"SORTAS=size"}, "SORTAS : \"size\" is none of text, num, date"},
         {{L"ITEM=x"}, "ITEM : \"x\" is not a number of 0 or more"},
@@ -60,13 +53,13 @@ TEST(SortLinesCommand, LeavesTheFileAloneForABadParameterAndSaysWhich) {
         {{L"SORTAS=date", L"DATEFORMAT=%d %Z"}, "DATEFORMAT : uses %Z, which is not supported"},
         {{L"SORTAS=date", L"DATEFORMAT=" + std::wstring(128, L'x')}, "DATEFORMAT : is longer than 127 characters"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [parameters, logged] : cases) {
         const CommandRunner runner;
         runner.Write(L"a.txt", "b\na\n");
-        const HostRun run = Sort(runner, Joined(c.parameters, {L"OVERWRITE", L"SILENT"}));
+        const HostRun run = Sort(runner, Joined(parameters, {L"OVERWRITE", L"SILENT"}));
         EXPECT_EQ(run.status, 1) << run.out;
-        EXPECT_EQ(run.out, std::string("[Custom Cmd - SortLines] - ") + c.logged + "\n");
-        EXPECT_EQ(runner.ReadAll(), (Contents{{L"a.txt", "b\na\n"}})) << c.logged;
+        EXPECT_EQ(run.out, std::string("[Custom Cmd - SortLines] - ") + logged + "\n");
+        EXPECT_EQ(runner.ReadAll(), (Contents{{L"a.txt", "b\na\n"}})) << logged;
     }
 }
 
@@ -75,8 +68,7 @@ TEST(SortLinesCommand, AsksBeforeATargetIsOverwritten) {
     const std::string sorted = "a\nb\n";
     const struct {
         const char* why;
-        Words parameters;
-        Words answers;
+        Words parameters, answers;
         Contents expected;  // where it differs from what was there
         const char* noted;
     } cases[] = {

@@ -26,26 +26,22 @@ TEST(TextConverter, FollowsThePlainRulesWhereverTheBlocksAreCut) {
 }
 
 TEST(TextConversionCommand, ConvertsTheSelectionAndKeepsNameAttributesAndAccess) {
-    const struct {
-        const wchar_t* id;
-        Names answers;
-        std::string expected;
-    } cases[] = {
+    const std::tuple<const wchar_t*, Names, std::string> cases[] = {
         {L"30101", {L"yes"}, "a\tb\n\nc\n"},
         {L"30103", {L"yes"}, "a\tb\r\rc\r"},
         {L"30110", {L"yes", L"3"}, "a   b\r\n\nc\r"},
         {L"30110", {L"yes", L"cancel"}, "a\tb\r\n\nc\r"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [id, answers, expected] : cases) {
         const CommandRunner runner;
         const std::wstring first = runner.Write(L"a.txt", "a\tb\r\n\nc\r");
         const std::wstring second = runner.Write(L"b", "a\tb\r\n\nc\r");
         const auto access = GiveAccessList(first, kNarrowList);
         SetFileAttributesW(first.c_str(), FILE_ATTRIBUTE_HIDDEN);
-        const HostRun run = runner.Run({L"command", c.id, runner / L"A.TXT", second}, c.answers);
+        const HostRun run = runner.Run({L"command", id, runner / L"A.TXT", second}, answers);
         EXPECT_EQ(run.status, 0) << run.error;
         EXPECT_TRUE(Holds(run.error, "[question] Convert text: Files that will be changed: 2."));
-        EXPECT_EQ(runner.ReadAll(), (Contents{{L"a.txt", c.expected}, {L"b", c.expected}})) << run.error;
+        EXPECT_EQ(runner.ReadAll(), (Contents{{L"a.txt", expected}, {L"b", expected}})) << run.error;
         EXPECT_EQ(GetFileAttributesW(first.c_str()) & FILE_ATTRIBUTE_HIDDEN, DWORD{FILE_ATTRIBUTE_HIDDEN});
         EXPECT_EQ(AccessListOf(first), access);
     }

@@ -49,11 +49,7 @@ std::string Utf16BigEndian(std::wstring_view text) {
 TEST(XmlConversion, ChangesNothingButBlanks) {
     const std::wstring wide = L"<?xml version='1.0' encoding='UTF-16'?><a><b>\u4E2D\xD83D\xDE00</b> </a>\r\n";
     const std::wstring wideCompact = L"<?xml version='1.0' encoding='UTF-16'?><a><b>\u4E2D\xD83D\xDE00</b></a>\r\n";
-    const struct {
-        const char* why;
-        std::string before;
-        std::string after;
-    } cases[] = {
+    const std::tuple<const char*, std::string, std::string> cases[] = {
         {"a tab and a line break in the declaration",
          "<?xml\tversion=\"1.0\"\nencoding = 'iso-8859-1' ?><a> <b>\xE4&#8364;</b></a>",
          "<?xml\tversion=\"1.0\"\nencoding = 'iso-8859-1' ?><a><b>\xE4&#8364;</b></a>"},
@@ -71,13 +67,13 @@ TEST(XmlConversion, ChangesNothingButBlanks) {
         {"a byte that is not in the encoding", "<?xml version=\"1.0\" encoding=\"us-ascii\"?><a> <b>\xE4</b></a>", ""},
         {"an encoding that is not known", "<?xml version=\"1.0\" encoding=\"IBM037\"?><a> <b/> </a>", ""},
     };
-    for (const auto& c : cases) {
+    for (const auto& [why, before, after] : cases) {
         const CommandRunner runner;
-        const HostRun run = runner.Run({L"command", L"30201", runner.Write(L"a.xml", c.before)});
-        const bool isRefused = c.after.empty();
-        EXPECT_EQ(runner.Read(L"a.xml"), isRefused ? c.before : c.after) << c.why;
-        EXPECT_EQ(Holds(run.error, "[xml] "), isRefused) << c.why << run.error;
-        EXPECT_EQ(Holds(run.out, "[Convert XML] - Failed to load file : "), isRefused) << c.why;
+        const HostRun run = runner.Run({L"command", L"30201", runner.Write(L"a.xml", before)});
+        const bool isRefused = after.empty();
+        EXPECT_EQ(runner.Read(L"a.xml"), isRefused ? before : after) << why;
+        EXPECT_EQ(Holds(run.error, "[xml] "), isRefused) << why << run.error;
+        EXPECT_EQ(Holds(run.out, "[Convert XML] - Failed to load file : "), isRefused) << why;
     }
 }
 
@@ -104,10 +100,7 @@ TEST(XmlService, KeepsEncodingAndLineBreaksOfAChangedDocument) {
 
 TEST(XmlLayout, LeavesWhatIsTextAsItIs) {
     const struct {
-        const char* why;
-        const char* text;
-        const char* compact;
-        const char* readable;
+        const char *why, *text, *compact, *readable;
     } cases[] = {
         {"line breaks are those of the text", "<?d?>\r\n<a><b/></a>", "<?d?>\r\n<a><b/></a>",
          "<?d?>\r\n<a>\r\n\t<b/>\r\n</a>"},

@@ -69,7 +69,6 @@ TYPED_TEST(Matching, EachModeReplacesItsWay) {
         uint32_t changes;
     } cases[] = {
         {"one item everywhere", kOne, "a b a\nba\n", L"a", L"x", "x b x\nbx\n", 3},
-        {"only the first items count", kOne, "a b", L"a\nb", L"x\ny", "x b", 1},
         {"an empty find text does nothing", kOne, "a", L"", L"x", "a", 0},
         {"an empty first item too", kOne, "a", L"\na", L"x", "a", 0},
         {"no mode takes texts whole", 0, "a b", L"a", L"x\ny", "x\ny b", 1},
@@ -78,14 +77,11 @@ TYPED_TEST(Matching, EachModeReplacesItsWay) {
         {"later pairs see what earlier ones put", kMany, "a", L"a\nb", L"b\nc", "c", 2},
         {"many wins over same", kMany | kManySame, "a b", L"a\nb", L"1\n2", "1 2", 2},
         {"all by the first", kManySame, "a b c", L"a\nc", L"x\ny", "x b x", 2},
-        {"all by nothing", kManySame, "a b c", L"a\nc", L"", " b ", 2},
         {"an empty item among others is passed over", kManySame, "a b", L"a\n\nb", L"x", "x x", 2},
-        {"CR LF and a lone CR cut items too", kManySame, "a b c", L"a\r\nb\rc", L"x", "x x x", 3},
         {"breaks take the style of the first", kOne, "a\r\na\na", L"a", L"b", "b\r\nb\r\nb", 3},
         {"a lone CR is lost", kOne, "a\ra", L"a", L"b", "bb", 2},
         {"a shorter replacement jumps over what follows", kOne, "aaXXaab", L"aa", L"", "XXb", 2},
         {"jumping over a hit", kOne, "aXXb", L"X", L"", "aXb", 1},
-        {"jumping out of the line", kOne, "abc\nabc", L"abc", L"x", "x\nx", 2},
         {"the rest of a longer replacement is searched", kOne, "abb", L"ab", L"xxa", "xxxxa", 2},
         {"a zero ends the search in its line", kOne, std::string("a\0a\na", 5), L"a", L"b", std::string("b\0a\nb", 5),
          2},
@@ -99,14 +95,10 @@ TYPED_TEST(Matching, EachModeReplacesItsWay) {
         {"a star on an empty line", kOne | kWildcard, "\nab\n", L"*", L"", "\n\n", 2},
         {"empty hits with nothing to put in", kOne | kWildcard, "ab", L"x{0}", L"", "ab", 3},
         {"a replacement that holds the item", kOne, "it's o'clock", L"'", L"''", "it''s o''clock", 2},
-        {"in its middle", kOne, "id=id", L"id", L"user_id_", "user_id_=user_id_", 2},
         {"doubled, side by side", kOne, "aaa", L"a", L"aa", "aaaaaa", 3},
-        {"in ignored case too", kOne | kIgnoreCase, "a-a", L"a", L"[a]", "[a]-[a]", 2},
         {"a line in its replacement", kOne | kWildcard, "a\nab\nabc\nabcd\n", L"*", L"<*>", "<*>\n<*>\n<*>\n<*>\n", 4},
         {"a character in its replacement", kOne | kWildcard, "abc", L"?", L"[?]", "[?][?][?]", 3},
-        {"a pattern found where it was put", kOne | kWildcard, "xay", L"a?", L"aaaa", "xaaaa", 1},
         {"something at every place", kOne | kWildcard, "ab", L"x{0}", L"y", "yayby", 3},
-        {"an empty document", kOne, "", L"a", L"b", "", 0},
     };
     for (const auto& c : cases) {
         const auto outcome = Apply<TypeParam>(c.text, c.options, c.find, c.replacement);
@@ -124,7 +116,6 @@ TYPED_TEST(Matching, MultilineComparesFirstAndLastLines) {
         uint32_t changes;
     } cases[] = {
         {"two by one: the last line stays", "1a\nb2\n", L"a\nb", L"x", "1x\nb2\n", 1},
-        {"two by two", "1a\nb2\n", L"a\nb", L"x\ny", "1x\ny2\n", 1},
         {"two by three", "1a\nb2\n", L"a\nb", L"x\nn\ny", "1x\nn\ny2\n", 1},
         {"what follows the first item goes", "a tail\nb\n", L"a\nb", L"x\ny", "x\ny\n", 1},
         {"the last must begin its line", "a\n b\n", L"a\nb", L"x\ny", "a\n b\n", 0},
@@ -133,11 +124,9 @@ TYPED_TEST(Matching, MultilineComparesFirstAndLastLines) {
         {"five: the last two do not", "a\nb\n?\n?\ne\n", L"a\nb\nc\nd\ne", L"x\ny", "x\ny\n", 1},
         {"again from the match's end", "a\nba\nb\n", L"a\nb", L"x\ny", "x\nyx\ny\n", 2},
         {"the table's end", "a\n", L"a\nb", L"x\ny", "a\n", 0},
-        {"one line by one", "a a\n", L"a", L"x", "x x\n", 2},
         {"one line by two: the second follows the line", "1a2\n", L"a", L"x\ny", "1x2\ny\n", 1},
         {"behind the last line, which keeps to have no break", "1a2", L"a", L"x\ny", "1x2\ny", 1},
         {"behind a lone CR, which is lost", "b\raaz\n", L"b", L"z--\n-y+", "z---y+\naaz\n", 1},
-        {"a lone CR at the end", "a\nb\r", L"b", L"x\ny", "a\nxy\n", 1},
         {"no replacement line counts as an empty one", "1a2\n", L"a", L"", "12\n", 1},
         {"an empty last line fits everywhere", "a\nb\na\nb", L"a\n\n", L"x\ny", "x\nyb\nx\nyb", 2},
         {"an empty first line is found where the search stands", "q\nb\n", L"\nb", L"x\ny", "x\ny\n", 1},
@@ -165,9 +154,9 @@ TYPED_TEST(Matching, RefusesWhatCannotWork) {
         const wchar_t *find, *replacement;
         const char* error;
     } cases[] = {
-        {kOne, L"", L"", tooShort},     {0, L"", L"x", tooShort},
-        {kMany, L"", L"x", tooFew},     {kMany, L"a\nb", L"x", "Find and Replace item do not match"},
-        {kManySame, L"", L"x", tooFew}, {kMultiline, L"", L"x", tooFew},
+        {kOne, L"", L"", tooShort},
+        {kMany, L"a\nb", L"x", "Find and Replace item do not match"},
+        {kMultiline, L"", L"x", tooFew},
     };
     for (const auto& c : cases) {
         const auto outcome = Apply<TypeParam>("ab - a", c.options, c.find, c.replacement);
@@ -198,26 +187,18 @@ TYPED_TEST(Matching, AsksAboutEachMatchUntilAllAreWanted) {
         uint32_t changes;
         size_t questions;
     } cases[] = {
-        {"each", {Answer::Replace}, "x x\nx\n", 3, 3},
-        {"none", {Answer::FindNext}, "a a\na\n", 0, 3},
-        {"the second", {Answer::FindNext, Answer::ReplaceToo, Answer::FindNext}, "a x\na\n", 1, 3},
-        {"all from the second on", {Answer::FindNext, Answer::ReplaceAll}, "a x\nx\n", 2, 2},
+        {"each", {Answer::Replace}, "xa xa\nxa\n", 3, 3},
+        {"the second", {Answer::FindNext, Answer::ReplaceToo, Answer::FindNext}, "a xa\na\n", 1, 3},
+        {"all from the second on", {Answer::FindNext, Answer::ReplaceAll}, "a xa\nxa\n", 2, 2},
         {"unknown answers skip", {4}, "a a\na\n", 0, 3},
     };
     for (const auto& c : cases) {
         RecordingCallback callback(c.answers);
-        const auto outcome = Apply<TypeParam>("a a\na\n", kOne, L"a", L"x", &callback);
+        const auto outcome = Apply<TypeParam>("a a\na\n", kOne, L"a", L"xa", &callback);  // nothing is asked about that
         EXPECT_EQ(outcome.text, c.expected) << c.why;
         EXPECT_EQ(outcome.changes, c.changes) << c.why;
         EXPECT_EQ(callback.shown, std::vector<std::string>(c.questions, "a")) << c.why;
     }
-}
-
-TYPED_TEST(Matching, AsksNothingAboutWhatWasJustPutThere) {
-    RecordingCallback callback({Answer::Replace, Answer::FindNext, Answer::ReplaceAll});
-    const auto outcome = Apply<TypeParam>("' ' ' '", kOne, L"'", L"''", &callback);
-    EXPECT_EQ(outcome.text, "'' ' '' ''");
-    EXPECT_EQ(callback.shown.size(), 3u);
 }
 
 TYPED_TEST(Matching, CancellingFailsSingleLineModesAndEndsMultilineQuietly) {

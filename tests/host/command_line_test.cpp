@@ -11,11 +11,7 @@ using namespace QVHost;
 using Words = std::vector<std::wstring>;
 
 TEST(ParseCommandLine, TakesOperandsAsTheyAre) {
-    const struct {
-        const char* why;
-        Words arguments;
-        Words operands;
-    } cases[] = {
+    const std::tuple<const char*, Words, Words> cases[] = {
         {"brackets and a comma", {L"call", L"N", L"FIND=[a,b]"}, {L"N", L"FIND=[a,b]"}},
         {"a value like an option, a further equals sign", {L"call", L"N", L"FIND=-x=b"}, {L"N", L"FIND=-x=b"}},
         {"blanks and nothing", {L"call", L"N", L"A= ", L"B="}, {L"N", L"A= ", L"B="}},
@@ -24,7 +20,8 @@ TEST(ParseCommandLine, TakesOperandsAsTheyAre) {
         {"words behind two dashes", {L"command", L"1", L"--", L"-a", L"--quiet"}, {L"1", L"-a", L"--quiet"}},
         {"a single dash", {L"command", L"1", L"-"}, {L"1", L"-"}},
     };
-    for (const auto& c : cases) EXPECT_EQ(ParseCommandLine(c.arguments).operands, c.operands) << c.why;
+    for (const auto& [why, arguments, operands] : cases)
+        EXPECT_EQ(ParseCommandLine(arguments).operands, operands) << why;
 }
 
 TEST(ParseCommandLine, KeepsAnswersWholeAndInOrder) {

@@ -202,11 +202,7 @@ TEST(ElevatedServer, RefusesMalformedMessagesAndGoesOn) {
     ElevatedServer server;
     const Bytes fields = SampleFields();
     const Bytes good = EncodeRequest({7000, 0, fields});
-    const struct {
-        const char* why;
-        Bytes message;
-        uint32_t result;
-    } cases[] = {
+    const std::tuple<const char*, Bytes, uint32_t> cases[] = {
         {"a good one", good, 1002},
         {"half a header", Bytes(good.begin(), good.begin() + 10), ERROR_INVALID_PARAMETER},
         {"another extension", EncodeRequest({7000, 1, fields}), ERROR_INVALID_PARAMETER},
@@ -215,7 +211,7 @@ TEST(ElevatedServer, RefusesMalformedMessagesAndGoesOn) {
         {"more than the most", Bytes(kRequestHeaderSize + kLargestPayload + 1), ERROR_INVALID_PARAMETER},
         {"a good one after all that", good, 1002},
     };
-    for (const auto& c : cases) EXPECT_EQ(server.Ask(c.message), c.result) << c.why;
+    for (const auto& [why, message, result] : cases) EXPECT_EQ(server.Ask(message), result) << why;
     EXPECT_EQ(server.End(), 0u);
 }
 

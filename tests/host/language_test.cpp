@@ -27,16 +27,12 @@ TEST(LanguageTexts, FindsTheTextsOfAFile) {
         "nonsense\n70000m=x\n1M=x\n5d\xFF=x\n10c=again\n[Other]\n10c=mine\n");
     EXPECT_EQ(faults.size(), 5u);
     EXPECT_EQ(faults.front(), L"line 6: has no =");
-    const struct {
-        const wchar_t* section;
-        TextId id;
-        const wchar_t* text;
-    } cases[] = {
+    const std::tuple<const wchar_t*, TextId, const wchar_t*> cases[] = {
         {L"", 2100_m, L"Upper case"}, {L"", 10_c, L"one\ntwo \\ C:\\x"}, {L"", 511_d, L"a=b"},
         {L"Other", 10_c, L"mine"},    {L"Other", 511_d, L"a=b"},         {L"", 9_e, L"9e"},
         {L"", 0, L"0x00000000"},
     };
-    for (const auto& c : cases) EXPECT_STREQ(texts.Find(c.section, c.id), c.text);
+    for (const auto& [section, id, text] : cases) EXPECT_STREQ(texts.Find(section, id), text);
     EXPECT_EQ(texts.Find(L"", 2100_m), texts.Find(L"", 2100_m)) << "the pointer is kept by its reader";
     EXPECT_EQ(texts.SectionOf(texts.ModuleOf(L"Other")), L"Other");
     EXPECT_EQ(texts.SectionOf(999), L"");

@@ -22,28 +22,22 @@ bool Contains(const std::string& text, const std::string& part) {
 
 TEST(QvHost, ListsWhatTheLibraryRegisters) {
     const HostRunner host;
-    const struct {
-        const wchar_t* action;
-        const char* part;
-    } cases[] = {
+    const std::pair<const wchar_t*, const char*> cases[] = {
         {L"extensions", "0  Test Extension\n"},
         {L"extensions", "0123456789abcdef0123456789abcdef\n"},
         {L"menus", "Test\n  Sub\n    40000  Do it"},
         {L"menus", "Shortcut 0x0049+J\n"},
         {L"commands", "Echo (41000): Says it again\n  TEXT    text    required  Name:\n"},
     };
-    for (const auto& c : cases) {
-        const HostRun run = host.Run({c.action});
-        EXPECT_TRUE(run.status == 0 && Contains(run.out, c.part)) << run.out;
+    for (const auto& [action, part] : cases) {
+        const HostRun run = host.Run({action});
+        EXPECT_TRUE(run.status == 0 && Contains(run.out, part)) << run.out;
     }
 }
 
 TEST(QvHost, HandsParametersOverWhole) {
     const HostRunner host;
-    const struct {
-        Words arguments;
-        const char* logged;
-    } cases[] = {
+    const std::pair<Words, const char*> cases[] = {
         {{L"Echo", L"TEXT=[a,b]"}, "text <[a,b]> number 7 default switch off\n"},
         {{L"Echo", L"TEXT=-x=y ", L"FLAG"}, "text <-x=y > number 7 default switch on\n"},
         {{L"Echo", L"TEXT=", L"NUMBER=4294967295"}, "text <> number 4294967295 given switch off\n"},
@@ -51,9 +45,9 @@ TEST(QvHost, HandsParametersOverWhole) {
          "text <gr\xC3\xBC\xC3\x9F"
          "e \xF0\x9F\x98\x80> number 16 given switch off\n"},
     };
-    for (const auto& c : cases) {
-        const HostRun run = host.Call(c.arguments);
-        EXPECT_EQ(run.out, c.logged);
+    for (const auto& [arguments, logged] : cases) {
+        const HostRun run = host.Call(arguments);
+        EXPECT_EQ(run.out, logged);
         EXPECT_EQ(run.status, 0) << run.error;
     }
 }
@@ -138,8 +132,7 @@ TEST(QvHost, AnswersQuestionsFromTheScript) {
     const struct {
         const char* why;
         Words arguments;
-        const char* logged;
-        const char* said;
+        const char *logged, *said;
     } cases[] = {
         {"yes", {L"Ask", L"STYLE=36", L"--answer", L"Yes"}, "button 6\n", "[question] Test: Really? Sure? -> yes\n"},
         {"no such button", {L"Ask", L"STYLE=36", L"--answer", L"ok"}, "button 7\n", "Sure? -> no\n"},

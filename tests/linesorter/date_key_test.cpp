@@ -30,8 +30,7 @@ constexpr int kFails = -1;
 
 TEST(ParseDate, ReadsEveryConversionInBothWidths) {
     const struct {
-        const char* format;
-        const char* text;
+        const char *format, *text;
         int read;  // characters, or kFails
         CalendarFields expected;
     } cases[] = {
@@ -92,11 +91,7 @@ TEST(ParseDate, ReadsEveryConversionInBothWidths) {
 }
 
 TEST(DateKey, IsLocalTimeAndMinusOneForWhatIsNoDate) {
-    const struct {
-        const char* format;
-        const char* text;
-        int64_t expected;
-    } cases[] = {
+    const std::tuple<const char*, const char*, int64_t> cases[] = {
         {"%d/%m/%Y", "31/12/2023", 1703998800},                    // 05:00 UTC
         {"%Y-%m-%d %H:%M:%S", "2023-07-01 12:00:00", 1688230800},  // the daylight-saving flag stays 0
         {"%Y-%m-%d %H:%M:%S", "2023-07-01 12:00:01", 1688230801},  // the same day again
@@ -112,8 +107,8 @@ TEST(DateKey, IsLocalTimeAndMinusOneForWhatIsNoDate) {
     const TimeZone zone("EST5EDT");
     QVTest::InBothWidths([&]<class CharT>(CharT) {
         DateKeyReader reader;
-        for (const auto& c : cases) {
-            EXPECT_EQ(reader.Read<CharT>(As<CharT>(c.text), As<CharT>(c.format)), c.expected) << c.text;
+        for (const auto& [format, text, expected] : cases) {
+            EXPECT_EQ(reader.Read<CharT>(As<CharT>(text), As<CharT>(format)), expected) << text;
         }
     });
 }

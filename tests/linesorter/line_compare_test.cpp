@@ -25,7 +25,8 @@ std::string Order(LineCompare_TextBase<CharT>& compare, std::basic_string_view<C
 TEST(LineCompare, FollowsEachClassesOwnRules) {
     const struct {
         const char *left, *right;
-        const char *bytes, *bytesIgnoringCase, *units, *language, *natural;  // the orders
+        const char* bytes;  // the orders
+        const char *bytesIgnoringCase, *units, *language, *natural;
     } cases[] = {
         {"", "", "=", "=", "=", "=", "="},
         {"", "a", "<", "<", "<", "<", "<"},

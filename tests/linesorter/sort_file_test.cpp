@@ -20,11 +20,7 @@ SortRequest RequestWith(uint32_t options) {
 }
 
 TEST(SortFile, KeepsEveryByteButTheOrderOfLines) {
-    const struct {
-        const char* why;
-        std::string before;
-        std::string after;
-    } cases[] = {
+    const std::tuple<const char*, std::string, std::string> cases[] = {
         {"LF", "b\na\n", "a\nb\n"},
         {"each break goes with its line", "c\r\nb\na\r\n", "a\r\nb\nc\r\n"},
         {"a last line without a break gets the first one's", "c\r\nb\na", "a\r\nb\nc\r\n"},
@@ -38,11 +34,11 @@ TEST(SortFile, KeepsEveryByteButTheOrderOfLines) {
         {"an odd last byte stays at the end", kMark + Utf16(L"b\na\n") + "x", kMark + Utf16(L"a\nb\n") + "x"},
         {"bytes of the code page's upper half", "\xD6 ab\nz ab\n\xC4 ab\n", "z ab\n\xC4 ab\n\xD6 ab\n"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [why, before, after] : cases) {
         const TemporaryFolder folder;
-        const std::wstring path = folder.Write(L"a.txt", c.before);
-        EXPECT_EQ(SortFile(path, path, RequestWith(Option::DeleteBackup)).errorCode, 0u) << c.why;
-        EXPECT_EQ(folder.ReadAll(), (Contents{{L"a.txt", c.after}})) << c.why;
+        const std::wstring path = folder.Write(L"a.txt", before);
+        EXPECT_EQ(SortFile(path, path, RequestWith(Option::DeleteBackup)).errorCode, 0u) << why;
+        EXPECT_EQ(folder.ReadAll(), (Contents{{L"a.txt", after}})) << why;
     }
 }
 
@@ -89,8 +85,7 @@ TEST(SortFile, TakesSeparatorsInTheFilesOwnCharacters) {
     const struct {
         const char* why;
         wchar_t separator;
-        std::string before;
-        std::string after;
+        std::string before, after;
     } cases[] = {
         {"a letter of the code page", L'\xC4', "a1\xC4 2\nb \xC4 1\n", "b \xC4 1\na1\xC4 2\n"},
         {"a letter that the code page lacks matches nothing", L'\x4E2D', "b?1\na?2\n", "b?1\na?2\n"},

@@ -29,8 +29,7 @@ TEST(FindKey, CutsTheKeyThatTheRuleNames) {
     constexpr auto kSubstring = KeyRule<char>::Kind::Substring;
     constexpr auto kItem = KeyRule<char>::Kind::Item;
     const struct {
-        const char* why;
-        const char* line;
+        const char *why, *line;
         KeyRule<char> rule;
         KeySpan expected;
     } cases[] = {

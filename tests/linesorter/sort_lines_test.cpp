@@ -9,7 +9,7 @@
 #include "linesorter/line_compare.h"
 #include "linesorter/sample_lines.h"
 #include "linesorter/sort_key.h"
-#include "reliability/replaced_imports.h"
+#include "support/replaced_imports.h"
 
 namespace {
 
@@ -325,9 +325,7 @@ TEST(SortLines, KeepsTopAndBottomAndNeverOverflows) {
     const Lines<char> lines = {"d", "", "c", "b", "", "a"};
     const struct {
         const char* why;
-        uint32_t top;
-        uint32_t bottom;
-        uint32_t options;
+        uint32_t top, bottom, options;
         Lines<char> expected;
     } cases[] = {
         {"empty keys come first", 0, 0, 0, {"", "", "a", "b", "c", "d"}},

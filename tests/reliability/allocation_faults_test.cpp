@@ -1,5 +1,5 @@
-// allocation_faults_test.cpp - memory runs out at each point of each command of the built library in turn: the host
-// lives on, nothing is thrown at it, and the files are as after any other failure.
+// allocation_faults_test.cpp - memory runs out at points all over each command of the built library: the host lives on,
+// nothing is thrown at it, and the files are as after any other failure.
 #include <algorithm>
 #include <atomic>
 #include <functional>
@@ -9,106 +9,12 @@
 
 #include "reliability/failing_calls.h"
 #include "reliability/failing_memory.h"
-#include "reliability/in_process_host.h"
 #include "reliability/writing_commands.h"
+#include "support/in_process_host.h"
 #include "support/own_window.h"
 #include "support/services_of_host.h"
 
 using namespace QVTest;
-
-namespace {
-
-/// The host and the library, where memory runs out at a chosen allocation of a command.
-class HostWithoutMemory {
-public:
-    /// The host looks at the files when the extensions are there, and only then memory begins to run out: making an
-    /// extension is the one thing that may throw for want of it, for that is the contract's.
-    HostRun Run(const WorkFolder& work, size_t number, bool isLasting) {
-        static std::function<void()> begin;
-        begin = [this, number, isLasting] { memory.Arm(number, isLasting); };
-        m_calls.Arm(work.Path(), 0xFFFFFFFF, 0);
-        m_calls.OnFirstCall([] { begin(); });
-        const HostRun run = m_host.Run(work.Arguments());
-        memory.Disarm();
-        m_calls.Disarm();
-        EXPECT_EQ(m_calls.OpenHandles(), 0u) << run.Said();
-        return run;
-    }
-
-private:
-    const InProcessHost m_host;
-    FailingCalls m_calls{m_host.Library(), InProcessHost::Host()};
-
-public:
-    FailingMemory memory{m_host.Library()};
-};
-
-}  // namespace
-
-class AllocationFaults : public testing::TestWithParam<WritingCommand> {};
-
-TEST_P(AllocationFaults, LoseNothingAndEndNobody) {
-    if (FailingMemory::kLocksNeedMemory) GTEST_SKIP() << "the debug containers' locks would end the process";
-    const WritingCommand& command = GetParam();
-    HostWithoutMemory host;
-    const WorkFolder first(command);
-    ASSERT_EQ(host.Run(first, FailingMemory::kNone, false).status, 0);
-    const size_t count = host.memory.Count();
-    const Contents done = first.Read();
-    ASSERT_GT(count, 0u);
-    const size_t step = FailingMemory::IsEvery() ? 1 : std::max<size_t>(1, count / 20);
-    for (size_t number = 0; number < count; number += step)
-        for (const bool isLasting : {false, true}) {
-            const WorkFolder work(command);
-            const HostRun run = host.Run(work, number, isLasting);
-            const Contents now = work.Read();
-            SCOPED_TRACE("allocation " + std::to_string(number) + " of " + std::to_string(count) +
-                         (isLasting ? " and all others\n" : "\n") + run.Said() + testing::PrintToString(now));
-            for (const auto& [name, content] : command.files)
-                EXPECT_TRUE(IsSafe(name, content, done, now) || now == done) << "content is lost";
-            for (const auto& [name, content] : now)
-                EXPECT_TRUE(command.files.contains(name) || done.contains(name) || name.ends_with(L".bak"))
-                    << "a file is left behind";
-            EXPECT_TRUE(now == done || run.status != 0 || !run.Said().empty())
-                << "nobody says that something is not done";
-        }
-}
-
-QV_WITH_EVERY_WRITING_COMMAND(AllocationFaults);
-
-/// The calls of a host around the commands: beginning, columns, requests, end.
-TEST(AllocationFaultsOfTheContract, EndNobody) {
-    using namespace Quorvane::SDK;
-    const InProcessHost host;
-    FailingMemory memory(host.Library());
-    const WorkFolder work(WritingCommands().front());
-    for (const uint32_t index : {0u, 1u, 2u}) {
-        size_t count = 1;
-        for (size_t number = 0; number < count; ++number)
-            for (const bool isLasting : {false, true}) {
-                ServicesOfHost services(QV_HOST_PROGRAM);
-                QVHost::FileItem& item = services.Select(work.Path() + L"\\a.txt");
-                IPluginInterface* const extension = host.Create(index);
-                auto* const properties = index == 1 ? reinterpret_cast<IFileProperties*>(extension) : nullptr;
-                memory.Arm(number, isLasting);
-                if (properties) {
-                    properties->SetHost(&services.Services());
-                    properties->Init(&services.Services());
-                    wchar_t text[64] = {};
-                    for (uint16_t id = 0; id < 6; ++id) properties->GetValue(&item, text, 64, id);
-                    properties->ClearCache();
-                } else {
-                    extension->SetHost(&services.Services());
-                    extension->Init(&services.Services());
-                    extension->OnElevatedRequest(5000, nullptr);
-                    extension->Shutdown();
-                }
-                memory.Disarm();
-                count = std::max(count, memory.Count());
-                host.Delete(extension, index);
-            }
-    }
-}
 
 namespace {
 
@@ -127,8 +33,8 @@ BOOL CALLBACK FillEmptyEdit(HWND control, LPARAM) {
 }
 
 /// Fills each dialog and presses its OK; what does not close by that is cancelled.
-void AnswerDialogs(const std::atomic<bool>& isOver) {
-    while (!isOver) {
+void AnswerDialogs(const std::stop_token& isOver) {
+    while (!isOver.stop_requested()) {
         const HWND dialog = OpenDialog();
         if (!dialog) {
             Sleep(1);
@@ -141,26 +47,91 @@ void AnswerDialogs(const std::atomic<bool>& isOver) {
     }
 }
 
+/// The commands that write, and those that open a dialog first.
+std::vector<WritingCommand> AllCommands() {
+    std::vector<WritingCommand> commands = WritingCommands();
+    for (const wchar_t* const id : {L"30010", L"30150", L"30151", L"30300", L"30311", L"30350"})
+        commands.push_back({"dialog", {L"--answer", L"ok", L"command", id}, {{L"a.txt", "b\na\n"}}});
+    return commands;
+}
+
+std::function<void()> g_begin;
+
 }  // namespace
 
-/// Opened, filled and closed by OK, with one point of it all without memory.
-TEST(AllocationFaultsOfDialogs, EndNobody) {
+/// From the first few allocations, which are the command's own beginning, to the last in ever larger steps.
+TEST(AllocationFaults, LoseNothingAndEndNobody) {
     if (FailingMemory::kLocksNeedMemory) GTEST_SKIP() << "the debug containers' locks would end the process";
-    HostWithoutMemory host;
-    for (const wchar_t* const id : {L"30010", L"30150", L"30151", L"30300", L"30311", L"30350"}) {
-        const WritingCommand command = {"dialog", {L"--answer", L"ok", L"command", id}, {{L"a.txt", "b\na\n"}}};
-        for (const bool isLasting : {false, true})
-            for (size_t number = 0; number == 0 || host.memory.HasFailed();
-                 number += FailingMemory::IsEvery() ? 1 : 1 + number / 2) {
+    const InProcessHost host;
+    FailingCalls calls{host.Library(), InProcessHost::Host()};
+    FailingMemory memory(host.Library());
+    const std::jthread person(AnswerDialogs);
+    for (const WritingCommand& command : AllCommands()) {
+        const bool hasDialog = command.name == std::string_view("dialog");
+        Contents done;
+        // The host looks at the files when the extensions are there, and only then memory begins to run out: making an
+        // extension is the one thing that may throw for want of it, for that is the contract's.
+        const auto run = [&](const WorkFolder& work, size_t number, bool isLasting) {
+            g_begin = [&memory, number, isLasting] { memory.Arm(number, isLasting); };
+            calls.Arm(work.Path(), 0xFFFFFFFF, 0);
+            calls.OnFirstCall([] { g_begin(); });
+            HostRun result = host.Run(work.Arguments());
+            memory.Disarm();
+            calls.Disarm();
+            EXPECT_EQ(calls.OpenHandles(), 0u) << result.Said();
+            return result;
+        };
+        {
+            const WorkFolder work(command);
+            ASSERT_EQ(run(work, FailingMemory::kNone, false).status, 0);
+            done = work.Read();
+        }
+        bool hasFailed = true;
+        for (size_t number = 0; hasFailed; number = FailingMemory::Next(number))
+            for (const bool isLasting : {false, true}) {
                 const WorkFolder work(command);
-                std::atomic<bool> isOver = false;
-                std::thread person([&] { AnswerDialogs(isOver); });
-                const HostRun run = host.Run(work, number, isLasting);
-                isOver = true;
-                person.join();
+                const HostRun result = run(work, number, isLasting);
+                hasFailed = memory.HasFailed();
                 const Contents now = work.Read();
-                const bool isThere = std::ranges::any_of(now, [](const auto& file) { return file.second == "b\na\n"; });
-                EXPECT_TRUE(isThere || now.size() == 1) << run.Said() << testing::PrintToString(now);
+                SCOPED_TRACE(std::string(command.name) + ", allocation " + std::to_string(number) +
+                             (isLasting ? " and all others\n" : "\n") + result.Said() + testing::PrintToString(now));
+                for (const auto& [name, content] : command.files) {
+                    const bool isThere = std::ranges::count(now, content, &Contents::value_type::second) > 0;
+                    EXPECT_TRUE(isThere || IsSafe(name, content, done, now) || now == done) << "content is lost";
+                }
+                for (const auto& [name, content] : now)
+                    EXPECT_TRUE(command.files.contains(name) || done.contains(name) || name.ends_with(L".bak"))
+                        << "a file is left behind";
+                EXPECT_TRUE(now == done || result.status != 0 || !result.Said().empty() || hasDialog)
+                    << "nobody says that something is not done";
             }
     }
+}
+
+/// The calls of a host around the commands: beginning, columns, requests, end.
+TEST(AllocationFaultsOfTheContract, EndNobody) {
+    using namespace Quorvane::SDK;
+    const InProcessHost host;
+    FailingMemory memory(host.Library());
+    for (const uint32_t index : {0u, 1u, 2u})
+        for (size_t number = 0, count = 1; number < count; number = FailingMemory::Next(number)) {
+            ServicesOfHost services(QV_HOST_PROGRAM);
+            QVHost::FileItem& item = services.Select(QV_HOST_PROGRAM);
+            IPluginInterface* const extension = host.Create(index);
+            memory.Arm(number, true);
+            // The first operations are those of the columns too.
+            extension->SetHost(&services.Services());
+            extension->Init(&services.Services());
+            if (index == 1) {
+                wchar_t text[64] = {};
+                for (uint16_t id = 0; id < 6; ++id)
+                    reinterpret_cast<IFileProperties*>(extension)->GetValue(&item, text, 64, id);
+            } else {
+                extension->OnElevatedRequest(5000, nullptr);
+                extension->Shutdown();
+            }
+            memory.Disarm();
+            count = std::max(count, memory.Count());
+            host.Delete(extension, index);
+        }
 }

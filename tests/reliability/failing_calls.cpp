@@ -8,7 +8,7 @@
 
 #include <aclapi.h>
 
-#include "reliability/replaced_imports.h"
+#include "support/replaced_imports.h"
 
 namespace QVTest {
 namespace {

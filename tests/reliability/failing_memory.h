@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "reliability/replaced_imports.h"
+#include "support/replaced_imports.h"
 
 namespace QVTest {
 
@@ -33,8 +33,9 @@ public:
     static constexpr bool kLocksNeedMemory = false;
 #endif
 
-    /// Whether a long run over every allocation is asked for.
-    static bool IsEvery();
+    /// The allocation to fail after this one: steps of growing size, or of one where QV_EVERY_FAULT asks for a long
+    /// run.
+    static size_t Next(size_t number);
 
 private:
     std::vector<ReplacedImport> m_imports;

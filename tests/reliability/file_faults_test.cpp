@@ -7,9 +7,9 @@
 #include <gtest/gtest.h>
 
 #include "reliability/failing_calls.h"
-#include "reliability/in_process_host.h"
-#include "reliability/replaced_imports.h"
 #include "reliability/writing_commands.h"
+#include "support/in_process_host.h"
+#include "support/replaced_imports.h"
 #include "win32/handle.h"
 
 namespace {

@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "reliability/in_process_host.h"
 #include "sdk/host_services.h"
+#include "support/in_process_host.h"
 #include "support/services_of_host.h"
 
 namespace {
@@ -133,10 +133,30 @@ private:
     std::wstring m_link = m_file + L".lnk";
 };
 
-void MakeCustomCalls(IPluginInterface& extension, const std::wstring& file) {
-    for (const uint32_t id : {0u, 30350u, 30351u, 30352u, 30353u, 30354u, 0xFFFFFFFFu}) {
-        Call call(id, file);
-        extension.OnCustomCommand(&call);
+/// Both extensions with commands, from their making to their end. The message may be null.
+void UseExtensions(const InProcessHost& process, IHostServices* host, const std::vector<uint32_t>& commands,
+                   const std::vector<std::wstring>& files, IRequestMessage* message) {
+    for (const uint32_t index : {0u, 2u}) {
+        IPluginInterface* const extension = process.Create(index);
+        ASSERT_NE(extension, nullptr);
+        extension->SetHost(host);
+        extension->Init(host);
+        extension->PreTranslateMessage(nullptr, 0xFFFFFFFF);
+        for (const uint32_t id : commands) extension->OnCommand(id, ~uintptr_t{0}, 1);
+        for (const std::wstring& file : files)
+            for (const uint32_t id : {0u, 30350u, 30351u, 30352u, 30353u, 30354u, 0xFFFFFFFFu}) {
+                Call call(id, file);
+                extension->OnCustomCommand(&call);
+            }
+        for (uint32_t id = 4990; id < 5010; ++id) extension->OnElevatedRequest(id, message);
+        extension->OnCustomCommand(nullptr);
+        extension->Shutdown();
+        extension->OnCommand(30101, 0, 0);  // after its end
+        extension->SetHost(nullptr);
+        extension->Init(nullptr);
+        extension->OnCommand(30101, 0, 0);
+        extension->Shutdown();
+        process.Delete(extension, index);
     }
 }
 
@@ -150,28 +170,12 @@ TEST(HostThatGivesNothing, GetsAnAnswerToEveryCall) {
     const InProcessHost process;
     OddObject<IHostServices> host = {};
     OddObject<IRequestMessage> message = {{2, Most}, {3, ExpectFailure}};  // its size, and the reply
-    for (const uint32_t index : {0u, 2u}) {
-        IPluginInterface* const extension = process.Create(index);
-        ASSERT_NE(extension, nullptr);
-        extension->SetHost(host.Get());
-        extension->Init(host.Get());
-        extension->PreTranslateMessage(nullptr, 0xFFFFFFFF);
-        // All ids but those that open a panel of the system; the end of the extension comes last.
-        for (uint32_t id = 0; id <= 40000; ++id)
-            if ((id < 6100 || id > 7100) && id != kCommandShutdown) extension->OnCommand(id, ~uintptr_t{0}, 1);
-        MakeCustomCalls(*extension, {});
-        for (uint32_t id = 4990; id < 5010; ++id) {
-            extension->OnElevatedRequest(id, message.Get());
-            extension->OnElevatedRequest(id, nullptr);
-        }
-        extension->OnCustomCommand(nullptr);
-        extension->SetHost(nullptr);
-        extension->OnCommand(30101, 0, 0);
-        extension->Init(nullptr);
-        extension->Shutdown();
-        extension->Shutdown();
-        process.Delete(extension, index);
-    }
+    // All ids but those that open a panel of the system; the end of the extension comes last.
+    std::vector<uint32_t> commands;
+    for (uint32_t id = 0; id <= 40000; ++id)
+        if ((id < 6100 || id > 7100) && id != kCommandShutdown) commands.push_back(id);
+    UseExtensions(process, host.Get(), commands, {L""}, message.Get());
+    UseExtensions(process, host.Get(), {}, {}, nullptr);
 }
 
 TEST(OddItems, GetNoMoreTextThanThereIsRoomFor) {
@@ -207,8 +211,8 @@ TEST(HostWithOneOddSlot, IsServedByEveryCommandAllTheSame) {
     for (const size_t slot : {2,   4,   7,   15,  16,  32,  34,  35,  36,  42,  44,  45,  63, 65,
                               111, 112, 113, 114, 115, 129, 130, 131, 133, 134, 138, 147, 148})
         odd.emplace_back(slot, Nothing);
-    constexpr uint32_t kCommands[] = {30000, 30001, 30002, 30003, 30005, 30020, 30101, 30102, 30103, 30110,
-                                      30200, 30201, 30210, 30211, 30310, 20500, 31001, 32000, 5,     0xFFFFFFFF};
+    const std::vector<uint32_t> commands = {30000, 30001, 30002, 30003, 30005, 30020, 30101, 30102, 30103, 30110,
+                                            30200, 30201, 30210, 30211, 30310, 20500, 31001, 32000, 5,     0xFFFFFFFF};
     for (const Slot& slot : odd) {
         SCOPED_TRACE("slot " + std::to_string(slot.at));
         const TemporaryFolder folder;
@@ -220,16 +224,7 @@ TEST(HostWithOneOddSlot, IsServedByEveryCommandAllTheSame) {
         QVHost::FileItem& item = host.Select(folder / L"a b.txt");
         host.Select(folder / L"c.b64");
         const OneSlotOdd isOdd(host.Services(), slot);
-        for (const uint32_t index : {0u, 2u}) {
-            IPluginInterface* const extension = process.Create(index);
-            extension->SetHost(&host.Services());
-            extension->Init(&host.Services());
-            for (const uint32_t id : kCommands) extension->OnCommand(id, 0, 0);
-            for (const std::wstring& file : {folder / L"a b.txt", std::wstring()}) MakeCustomCalls(*extension, file);
-            extension->Shutdown();
-            extension->OnCommand(30101, 0, 0);  // after its end
-            process.Delete(extension, index);
-        }
+        UseExtensions(process, &host.Services(), commands, {folder / L"a b.txt", L""}, nullptr);
         IFileProperties* const properties = process.CreateProperties();
         properties->SetHost(&host.Services());
         properties->Init(&host.Services());

@@ -67,14 +67,10 @@ class Kills : public testing::TestWithParam<WritingCommand> {};
 
 TEST_P(Kills, LoseNothing) {
     const WritingCommand command = Enlarged(GetParam());
-    Contents done;
-    DWORD time = 0;
-    {
-        const WorkFolder work(command);
-        time = RunToEnd(work.Arguments());
-        done = work.Read();
-        ASSERT_TRUE(done != command.files);
-    }
+    const WorkFolder undisturbed(command);
+    const DWORD time = RunToEnd(undisturbed.Arguments());
+    const Contents done = undisturbed.Read();
+    ASSERT_TRUE(done != command.files);
     for (int count = KillCount(); count > 0; --count) {
         const WorkFolder work(command);
         const DWORD moment = KillWithin(time, work);
@@ -97,12 +93,9 @@ TEST(KillsOfRenaming, CanBeUndone) {
         const std::wstring name = std::wstring(number < 10 ? L"00" : L"0") + std::to_wstring(number);
         command.files[name] = std::string(name.begin(), name.end());
     }
-    DWORD time = 0;
-    {
-        const WorkFolder work(command);
-        time = RunToEnd(work.Arguments());
-        ASSERT_TRUE(work.Read() != command.files);
-    }
+    const WorkFolder undisturbed(command);
+    const DWORD time = RunToEnd(undisturbed.Arguments());
+    ASSERT_TRUE(undisturbed.Read() != command.files);
     for (int count = KillCount(); count > 0; --count) {
         const WorkFolder work(command);
         const DWORD moment = KillWithin(time, work);

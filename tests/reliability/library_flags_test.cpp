@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "reliability/in_process_host.h"
-#include "reliability/replaced_imports.h"
+#include "support/in_process_host.h"
+#include "support/replaced_imports.h"
 
 using namespace QVTest;
 

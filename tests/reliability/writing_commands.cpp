@@ -68,10 +68,4 @@ std::vector<std::wstring> WorkFolder::Arguments() const {
     return words;
 }
 
-Contents WorkFolder::Read() const {
-    Contents contents;
-    for (const std::wstring& name : m_folder.List()) contents[name] = m_folder.Read(name);
-    return contents;
-}
-
 }  // namespace QVTest

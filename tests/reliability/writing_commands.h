@@ -2,7 +2,6 @@
 // walk.
 #pragma once
 
-#include <map>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -10,8 +9,6 @@
 #include "support/temporary_folder.h"
 
 namespace QVTest {
-
-using Contents = std::map<std::wstring, std::string>;  // of a folder, by name
 
 struct WritingCommand {
     const char* name;
@@ -48,7 +45,7 @@ public:
 
     const std::wstring& Path() const { return m_folder.Path(); }
     std::vector<std::wstring> Arguments() const;
-    Contents Read() const;
+    Contents Read() const { return m_folder.ReadAll(); }
     /// The folder with the host's settings.
     const TemporaryFolder& Settings() const { return m_settings; }
 

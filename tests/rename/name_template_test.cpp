@@ -8,17 +8,15 @@ using namespace BatchRename;
 
 TEST(SplitTemplate, CutsAtSingleBrackets) {
     // Bracketed pieces are shown between < and >.
-    const struct {
-        const wchar_t* text;
-        const wchar_t* pieces;
-    } cases[] = {{L"", L""},         {L"a[N]b", L"a|<[N]>b|"}, {L"[[N]]", L"[N]|"},        {L"[[N]", L"<[N]>"},
-                 {L"[N]]", L"[N]|"}, {L"[[[N]", L"[|<[N]>"},   {L"a[b[N]", L"a|[b|<[N]>"}, {L"xN]", L"<xN]>"},
-                 {L"]a]", L"<]a]>"}, {L"[]", L"<[]>"}};
-    for (const auto& c : cases) {
+    const std::pair<const wchar_t*, const wchar_t*> cases[] = {
+        {L"", L""},         {L"a[N]b", L"a|<[N]>b|"}, {L"[[N]]", L"[N]|"},        {L"[[N]", L"<[N]>"},
+        {L"[N]]", L"[N]|"}, {L"[[[N]", L"[|<[N]>"},   {L"a[b[N]", L"a|[b|<[N]>"}, {L"xN]", L"<xN]>"},
+        {L"]a]", L"<]a]>"}, {L"[]", L"<[]>"}};
+    for (const auto& [text, pieces] : cases) {
         std::wstring shown;
-        for (const TemplatePiece& piece : SplitTemplate(c.text))
+        for (const TemplatePiece& piece : SplitTemplate(text))
             shown += piece.isBracketed ? L"<" + piece.text + L">" : piece.text + L"|";
-        EXPECT_EQ(shown, c.pieces);
+        EXPECT_EQ(shown, pieces);
     }
 }
 
@@ -63,18 +61,16 @@ TEST(CompileTemplate, KeepsAPropertysNameAndFormatOnlyWhenSomebodyCanBeAsked) {
 }
 
 TEST(SelectPart, CountsFromEitherEnd) {
-    const struct {
-        const wchar_t* tag;
-        const wchar_t* source;
-        const wchar_t* part;
-    } cases[] = {{L"[N]", L"abcd", L"abcd"},       {L"[Nabc]", L"abcd", L"abcd"}, {L"[N3]", L"ab", L"ab"},
-                 {L"[N3]", L"abcd", L"abc"},       {L"[N5,2]", L"abc", L""},      {L"[N-2]", L"abcd", L"cd"},
-                 {L"[N2-3]", L"abcd", L"bc"},      {L"[N3-2]", L"abcd", L"c"},    {L"[N2--3]", L"abcd", L"b"},
-                 {L"[N2-9]", L"abcd", L"bcd"},     {L"[N,2]", L"abcd", L"bcd"},   {L"[N2,2]", L"abcd", L"bc"},
-                 {L"[N3,-2]", L"abcd", L"ab"},     {L"[N9,-2]", L"abcd", L""},    {L"[N-9]", L"abcd", L"abcd"},
-                 {L"[N0-2]", L"abcd", L"abcd"},    {L"[N1-2]", L"", L""},         {L"[N9999999999]", L"ab", L"ab"},
-                 {L"[N-9999999999]", L"ab", L"ab"}};
-    for (const auto& c : cases) EXPECT_EQ(SelectPart(c.source, CompileTemplate(c.tag, false).front()), c.part) << c.tag;
+    const std::tuple<const wchar_t*, const wchar_t*, const wchar_t*> cases[] = {
+        {L"[N]", L"abcd", L"abcd"},       {L"[Nabc]", L"abcd", L"abcd"}, {L"[N3]", L"ab", L"ab"},
+        {L"[N3]", L"abcd", L"abc"},       {L"[N5,2]", L"abc", L""},      {L"[N-2]", L"abcd", L"cd"},
+        {L"[N2-3]", L"abcd", L"bc"},      {L"[N3-2]", L"abcd", L"c"},    {L"[N2--3]", L"abcd", L"b"},
+        {L"[N2-9]", L"abcd", L"bcd"},     {L"[N,2]", L"abcd", L"bcd"},   {L"[N2,2]", L"abcd", L"bc"},
+        {L"[N3,-2]", L"abcd", L"ab"},     {L"[N9,-2]", L"abcd", L""},    {L"[N-9]", L"abcd", L"abcd"},
+        {L"[N0-2]", L"abcd", L"abcd"},    {L"[N1-2]", L"", L""},         {L"[N9999999999]", L"ab", L"ab"},
+        {L"[N-9999999999]", L"ab", L"ab"}};
+    for (const auto& [tag, source, part] : cases)
+        EXPECT_EQ(SelectPart(source, CompileTemplate(tag, false).front()), part) << tag;
 }
 
 TEST(AppendNumber, PadsAndNeverCuts) {

@@ -17,11 +17,7 @@ std::wstring Repeated(const std::wstring& text, int times) {
 }
 
 TEST(GuardedRegex, RefusesInWordsWhatDoesNotCompile) {
-    const struct {
-        const char* why;
-        std::wstring pattern;
-        const wchar_t* words;
-    } cases[] = {
+    const std::tuple<const char*, std::wstring, const wchar_t*> cases[] = {
         {"an open group", L"(a", L"\"(\""},
         {"an open class", L"[a", L"\"[\""},
         {"a lone escape", L"a\\", L"backslash"},
@@ -39,13 +35,13 @@ TEST(GuardedRegex, RefusesInWordsWhatDoesNotCompile) {
         {"long and nested", Repeated(L"(", 500) + std::wstring(3000, L'a') + Repeated(L")", 500),
          L"too long or nested"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [why, pattern, words] : cases) {
         try {
-            const GuardedRegex regex(c.pattern, true);
-            ADD_FAILURE() << c.why;
+            const GuardedRegex regex(pattern, true);
+            ADD_FAILURE() << why;
         } catch (const RegexFault& fault) {
             const std::wstring text = fault.Text();
-            EXPECT_NE(text.find(c.words), std::wstring::npos) << c.why << ": " << text;
+            EXPECT_NE(text.find(words), std::wstring::npos) << why << ": " << text;
         }
     }
 }
@@ -57,11 +53,7 @@ TEST(GuardedRegex, TakesThePatternsThatAreStillAllowed) {
 }
 
 TEST(GuardedRegex, StopsWhatWouldHangOrOverflow) {
-    const struct {
-        const char* why;
-        std::wstring pattern;
-        std::wstring text;
-    } cases[] = {
+    const std::tuple<const char*, std::wstring, std::wstring> cases[] = {
         {"explodes", L"(a+)+$", std::wstring(40, L'a') + L"b"},
         {"explodes", L"(.*)*(.*)*(.*)*x", std::wstring(200, L'a')},
         {"a frame for each character", L"a.*b", std::wstring(32000, L'a')},
@@ -74,27 +66,24 @@ TEST(GuardedRegex, StopsWhatWouldHangOrOverflow) {
         {"a search for each character", L"x{90000}|a", std::wstring(255, L'a')},
         {"a class of ranges", L"[" + Repeated(L"b-df-h", 650) + L"a]+!", std::wstring(250, L'a')},
     };
-    for (const auto& c : cases) {
+    for (const auto& [why, pattern, text] : cases) {
         std::wstring result;
-        const RuleFault fault = GuardedRegex(c.pattern, false).Replace(c.text, L"", result);
-        EXPECT_TRUE(fault == RuleFault::TooComplex || fault == RuleFault::TooDeep) << c.why;
+        const RuleFault fault = GuardedRegex(pattern, false).Replace(text, L"", result);
+        EXPECT_TRUE(fault == RuleFault::TooComplex || fault == RuleFault::TooDeep) << why;
     }
 }
 
 TEST(GuardedRegex, GivesUsualExpressionsWhatTheyNeed) {
-    const struct {
-        const wchar_t* pattern;
-        std::wstring text;
-    } cases[] = {
+    const std::pair<const wchar_t*, std::wstring> cases[] = {
         {L"(?:(?!foo).)*bar", std::wstring(255, L'a')},
         {L"^(?=.*\\d)(?=.*[a-z])(?=.*[A-Z]).{8,}$", std::wstring(250, L'a') + L"B1"},
         {L"^(\\d{4})[-_. ](\\d\\d)[-_. ](\\d\\d)(.*?)(?: \\((\\d+)\\))?$", L"2016-03-07 a day out (12)"},
         {L".{0,255}x", std::wstring(100, L'a')},
     };
-    for (const auto& c : cases) {
+    for (const auto& [pattern, text] : cases) {
         std::wstring result;
-        EXPECT_EQ(GuardedRegex(c.pattern, false).Replace(c.text, L"$&", result), RuleFault::None) << c.pattern;
-        EXPECT_EQ(result, c.text);
+        EXPECT_EQ(GuardedRegex(pattern, false).Replace(text, L"$&", result), RuleFault::None) << pattern;
+        EXPECT_EQ(result, text);
     }
 }
 

@@ -49,8 +49,7 @@ TEST(RenameRule, ComputesNamesFromTemplates) {
     const struct {
         const char* why;
         RuleDefinition rule;
-        const wchar_t* name;
-        const wchar_t* newName;
+        const wchar_t *name, *newName;
     } cases[] = {
         {"the default changes nothing", {}, L"a.b.txt", L"a.b.txt"},
         {"nor one with nothing but an extension", {}, L".a", L".a"},
@@ -95,11 +94,7 @@ TEST(RenameRule, LeavesRowsOfARestoreAlone) {
 
 TEST(RenameRule, ConvertsCaseByTheLowestBit) {
     using namespace RenameOption;
-    const struct {
-        uint32_t options;
-        const wchar_t* name;
-        const wchar_t* newName;
-    } cases[] = {
+    const std::tuple<uint32_t, const wchar_t*, const wchar_t*> cases[] = {
         {LowerBoth, L"\u00C4B.TXT", L"\u00C4b.txt"},
         {UpperBoth, L"\u00E4b.txt", L"\u00E4B.TXT"},
         {LowerName, L"AB.TXT", L"ab.TXT"},
@@ -111,7 +106,8 @@ TEST(RenameRule, ConvertsCaseByTheLowestBit) {
         {Sentence, L".TXT", L".TXT"},
         {UpperExtension | LowerName, L"AB.txt", L"ab.txt"},
     };
-    for (const auto& c : cases) EXPECT_EQ(Renamed(Rule(L"[N]", L"[E]", c.options), c.name), c.newName) << c.options;
+    for (const auto& [options, name, newName] : cases)
+        EXPECT_EQ(Renamed(Rule(L"[N]", L"[E]", options), name), newName) << options;
 }
 
 TEST(RenameRule, SearchesAndReplaces) {
@@ -120,8 +116,7 @@ TEST(RenameRule, SearchesAndReplaces) {
         const char* why;
         SearchAndReplaceItems items;
         uint32_t options;
-        const wchar_t* name;
-        const wchar_t* newName;
+        const wchar_t *name, *newName;
     } cases[] = {
         {"the first one", {{L"a", L"b"}}, ScopeBoth, L"aaa", L"baa"},
         {"all that do not overlap", {{L"aa", L"b"}}, ScopeBoth | ReplaceAll, L"aaaaa", L"bba"},

@@ -253,13 +253,10 @@ TEST(CACLInfo, GivesTheMaskOrOneFailure) {
 }
 
 TEST(RightsText, NeedsAllBitsOfALetter) {
-    const struct {
-        uint32_t mask;
-        const wchar_t* text;
-    } cases[] = {{0, L"   "},    {0x1F01FF, L"RWX"}, {0x1200A9, L"R X"}, {0x1, L"   "},
-                 {0x81, L"R  "}, {0x21, L"  X"},     {0xA1, L"R X"},     {0x116, L" W "},
-                 {0x16, L"   "}, {0x114, L"   "},    {0x197, L"RW "}};
-    for (const auto& c : cases) EXPECT_EQ(RightsText(c.mask), c.text) << c.mask;
+    const std::pair<uint32_t, const wchar_t*> cases[] = {
+        {0, L"   "},    {0x1F01FF, L"RWX"}, {0x1200A9, L"R X"}, {0x1, L"   "},   {0x81, L"R  "}, {0x21, L"  X"},
+        {0xA1, L"R X"}, {0x116, L" W "},    {0x16, L"   "},     {0x114, L"   "}, {0x197, L"RW "}};
+    for (const auto& [mask, text] : cases) EXPECT_EQ(RightsText(mask), text) << mask;
 }
 
 /// One named stream of 4,096 bytes on disk.

@@ -33,11 +33,7 @@ Bytes operator+(Bytes left, const Bytes& right) {
 
 TEST(FiguresOfStreams, CountAllRecordsButTheFirst) {
     constexpr uint64_t kHuge = uint64_t{1} << 63;
-    const struct {
-        const char* why;
-        Bytes block;
-        StreamFigures figures;
-    } cases[] = {
+    const std::tuple<const char*, Bytes, StreamFigures> cases[] = {
         {"no block", {}, {}},
         {"zeros: no stream, or a query that failed", Bytes(65536), {}},
         {"the content alone", Record(0, 4096), {}},
@@ -56,7 +52,7 @@ TEST(FiguresOfStreams, CountAllRecordsButTheFirst) {
         {"a record without room for a name", Record(32, 1) + Bytes(24), {1, 0}},
         {"half a header", Bytes(23, 0xFF), {}},
     };
-    for (const auto& c : cases) EXPECT_EQ(FiguresOfStreams(c.block), c.figures) << c.why;
+    for (const auto& [why, block, figures] : cases) EXPECT_EQ(FiguresOfStreams(block), figures) << why;
 }
 
 }  // namespace

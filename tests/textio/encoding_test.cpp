@@ -20,11 +20,7 @@ TEST(DetectEncoding, AppliesItsRulesInOrder) {
     constexpr auto kUtf16 = EncodingKind::Utf16;
     constexpr auto kUtf8 = EncodingKind::Utf8;
     constexpr auto kNotText = EncodingKind::NotText;
-    const struct {
-        const char* why;
-        std::string bytes;
-        EncodingKind expected;
-    } cases[] = {
+    const std::tuple<const char*, std::string, EncodingKind> cases[] = {
         {"no bytes are text", "", kCodePage},
         {"one letter", "A", kCodePage},
         {"a UTF-16 mark wins over what follows", "\xFF\xFE plain", kUtf16},
@@ -48,7 +44,7 @@ TEST(DetectEncoding, AppliesItsRulesInOrder) {
         {"the rest of it is not", "\x80\xAF\xE0\xE4\xFF", kNotText},
         {"delete is not", "\x7F", kNotText},
     };
-    for (const auto& c : cases) EXPECT_EQ(Detect(c.bytes), c.expected) << c.why;
+    for (const auto& [why, bytes, expected] : cases) EXPECT_EQ(Detect(bytes), expected) << why;
 }
 
 TEST(ByteOrderMarkSize, CountsOnlyTheMarkOfItsKind) {

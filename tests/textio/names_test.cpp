@@ -7,11 +7,7 @@
 using namespace QVUtils;
 
 TEST(ExpandTargetName, PutsNameAndExtensionInPlaceOfTheStars) {
-    const struct {
-        const wchar_t* pattern;
-        const wchar_t* source;
-        const wchar_t* expected;
-    } cases[] = {
+    const std::tuple<const wchar_t*, const wchar_t*, const wchar_t*> cases[] = {
         {L"*.*", L"a.b.txt", L"a.b.txt"},       {L"*_new.*", L"a.b.txt", L"a.b_new.txt"},
         {L"*.bak", L"a.txt", L"a.bak"},         {L"out.*", L"a.txt", L"out.txt"},
         {L"*_copy", L"a.txt", L"a.txt_copy"},   {L"*", L"a.txt", L"a.txt"},
@@ -19,8 +15,8 @@ TEST(ExpandTargetName, PutsNameAndExtensionInPlaceOfTheStars) {
         {L"*.*", L".profile", L".profile"},     {L"*-*.*", L"a.txt", L"a-a.txt"},
         {L"fixed.txt", L"a.txt", L"fixed.txt"}, {L"", L"a.txt", L""},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(ExpandTargetName(c.pattern, c.source), c.expected) << testing::PrintToString(std::wstring(c.pattern));
+    for (const auto& [pattern, source, expected] : cases)
+        EXPECT_EQ(ExpandTargetName(pattern, source), expected) << testing::PrintToString(std::wstring(pattern));
 }
 
 TEST(FreeBackupName, CountsFromTwoToItsLastNumber) {

@@ -49,13 +49,6 @@ private:
 
 }  // namespace
 
-TEST(FileDataReader, SaysWhyItCannotRead) {
-    const TemporaryFolder folder;
-    EXPECT_EQ(FailureOf([&] { FileDataReader(folder / L"missing"); }), Failure("Unable to open file", 2));
-    EXPECT_EQ(FailureOf([&] { FileDataReader(folder.Path()); }), Failure("Unable to open file", 5));
-    EXPECT_EQ(FailureOf([&] { TextFile(folder / L"missing"); }), Failure("File not found", 2));
-}
-
 TEST(SampledDataReader, GivesTheSampleAgain) {
     const std::string text(3000, 'x');
     for (const uint32_t size : {1u, 1000u, 1024u, 4000u}) {

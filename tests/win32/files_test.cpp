@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "reliability/replaced_imports.h"
+#include "support/replaced_imports.h"
 #include "support/temporary_folder.h"
 #include "win32/handle.h"
 
@@ -57,28 +57,24 @@ TEST(Files, CopyEveryNamedStreamOrSayWhichErrorStoppedThem) {
 
 TEST(Files, AHeldFileIsReplacedAsSoonAsItIsFree) {
     constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const struct {
-        const char* why;
-        DWORD sharing;
-        bool isDeleted;
-    } cases[] = {
+    const std::tuple<const char*, DWORD, bool> cases[] = {
         {"for nobody else", 0, false},
         {"for readers", FILE_SHARE_READ, false},
         {"for everybody, as scanners do", kShareAll, false},
         {"already deleted", kShareAll, true},
     };
     const auto pause = Replace("Sleep", LetGo);
-    for (const auto& c : cases) {
+    for (const auto& [why, sharing, isDeleted] : cases) {
         const QVTest::TemporaryFolder folder;
         const std::wstring from = folder.Write(L"new", "new");
         const std::wstring to = folder.Write(L"old", "old");
         g_pauses = 0;
-        g_holder.Reset(CreateFileW(to.c_str(), GENERIC_READ, c.sharing, nullptr, OPEN_EXISTING, 0, nullptr));
+        g_holder.Reset(CreateFileW(to.c_str(), GENERIC_READ, sharing, nullptr, OPEN_EXISTING, 0, nullptr));
         ASSERT_TRUE(g_holder);
-        ASSERT_TRUE(!c.isDeleted || DeleteFileW(to.c_str()));
-        EXPECT_EQ(Win32::MoveFileOver(from, to), 0u) << c.why;
-        EXPECT_EQ(g_pauses, 1) << c.why;
-        EXPECT_EQ(folder.ReadAll(), (QVTest::Contents{{L"old", "new"}})) << c.why;
+        ASSERT_TRUE(!isDeleted || DeleteFileW(to.c_str()));
+        EXPECT_EQ(Win32::MoveFileOver(from, to), 0u) << why;
+        EXPECT_EQ(g_pauses, 1) << why;
+        EXPECT_EQ(folder.ReadAll(), (QVTest::Contents{{L"old", "new"}})) << why;
     }
 }
 

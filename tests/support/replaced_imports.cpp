@@ -1,4 +1,4 @@
-#include "reliability/replaced_imports.h"
+#include "support/replaced_imports.h"
 
 #include <cstdint>
 #include <string_view>

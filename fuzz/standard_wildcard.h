@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace QVTest {
+namespace QVFuzz {
 
 /// The standard engine was about to explode.
 struct TooManySteps {};
@@ -96,4 +96,4 @@ WildcardResult SearchByTheStandard(const std::basic_string<CharT>& pattern, bool
     });
 }
 
-}  // namespace QVTest
+}  // namespace QVFuzz

@@ -11,13 +11,18 @@
 #include "sdk/plugin_interface.h"
 #include "support/host_run.h"
 #include "win32/module.h"
+#include "win32/path.h"
 
 namespace QVTest {
 
 /// The library stays loaded while the object lives.
 class InProcessHost {
 public:
-    InProcessHost();
+    InProcessHost()
+        : m_library(
+              LoadLibraryW(Win32::FullPath(std::wstring(Win32::FolderOf(QV_HOST_PROGRAM)) + L"QVUtils.dll").c_str())) {
+        if (!m_library) ADD_FAILURE() << "the library cannot be loaded, error " << GetLastError();
+    }
 
     /// A host's run, `arguments` as on its command line.
     HostRun Run(const std::vector<std::wstring>& arguments) const { return RunHost(QV_HOST_PROGRAM, arguments); }
