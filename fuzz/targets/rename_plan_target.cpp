@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "fuzz/input.h"
+#include "win32/file_name.h"
 #include "win32/path.h"
 #include "win32/text.h"
 
@@ -45,6 +46,38 @@ private:
     std::vector<std::pair<std::wstring, std::wstring>> m_items;
 };
 
+/// Whether each row is renamed, by definition: row by row until nothing changes.
+std::vector<bool> MovesByDefinition(const RenameItems& rows, const Disk& disk) {
+    using Place = std::pair<std::wstring, std::wstring>;
+    const auto placeOf = [](const BatchRenameItem& row, const std::wstring& name) {
+        return Place(Win32::ToUpperCase(row.location), Win32::ToUpperCase(name));
+    };
+    std::vector<bool> moves(rows.size());
+    std::map<Place, int> wanted;
+    std::map<Place, size_t> holders;
+    for (size_t at = 0; at < rows.size(); ++at) {
+        const BatchRenameItem& row = *rows[at];
+        const bool isFirst = holders.emplace(placeOf(row, row.currentName), at).second;
+        const bool isChange = row.newName != row.currentName;
+        moves[at] = isFirst && isChange && Win32::IsFileName(row.newName) && disk.Find(row.location, row.currentName);
+        if (moves[at] || (isFirst && !isChange)) ++wanted[placeOf(row, row.newName)];
+    }
+    for (bool isChanged = true; isChanged;) {
+        isChanged = false;
+        for (size_t at = 0; at < rows.size(); ++at) {
+            if (!moves[at]) continue;
+            const Place target = placeOf(*rows[at], rows[at]->newName);
+            const auto holder = holders.find(target);
+            const bool isBlocked =
+                disk.Find(rows[at]->location, rows[at]->newName) && (holder == holders.end() || !moves[holder->second]);
+            if (wanted[target] == 1 && !isBlocked) continue;
+            moves[at] = false;
+            isChanged = true;
+        }
+    }
+    return moves;
+}
+
 }  // namespace
 
 void RunRenamePlan(Bytes bytes) {
@@ -69,6 +102,9 @@ void RunRenamePlan(Bytes bytes) {
     for (const std::wstring& folder : FoldersOf(rows)) folders.push_back(disk.List(folder));
     const RenamePlan plan = PlanRenames(rows, folders);
     Require(plan.rows.size() == rows.size(), "each row has its verdict");
+    const std::vector<bool> moves = MovesByDefinition(rows, disk);
+    for (size_t at = 0; at < rows.size(); ++at)
+        Require((plan.rows[at].verdict == RowVerdict::Rename) == moves[at], "the verdict is the one by definition");
     size_t stepCount = 0;
     for (const StepGroup& group : plan.groups) {
         Require(group.first == stepCount, "groups follow on");

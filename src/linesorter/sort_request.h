@@ -64,6 +64,7 @@ struct SortRequest {
     std::wstring saveAsName;       // pattern of the target's name with SaveAs; empty means "*.*", the file itself
 
     bool Has(uint32_t option) const noexcept { return (options & option) != 0; }
+    bool operator==(const SortRequest&) const = default;
 };
 
 /// The longest date format in characters: settings keep 128 units with the closing zero.

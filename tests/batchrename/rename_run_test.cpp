@@ -29,7 +29,6 @@ const World kWorlds[] = {
     {"a swap", {{kFolder, L"a"}, {kFolder, L"b"}}, {L"b", L"a"}},
     {"a ring of three", {{kFolder, L"a"}, {kFolder, L"b"}, {kFolder, L"c"}}, {L"b", L"c", L"a"}},
     {"a shift", {{kFolder, L"1"}, {kFolder, L"2"}, {kFolder, L"3"}}, {L"2", L"3", L"4"}},
-    {"a shift down", {{kFolder, L"2"}, {kFolder, L"3"}, {kFolder, L"4"}}, {L"1", L"2", L"3"}},
     {"case alone", {{kFolder, L"a"}, {kFolder, L"b"}}, {L"A", L"B"}},
     {"two swaps and a plain one",
      {{kFolder, L"a"}, {kFolder, L"b"}, {kFolder, L"c"}, {kFolder, L"d"}, {kFolder, L"e"}},
@@ -117,18 +116,6 @@ TEST(RunRestore, GivesEveryNameBackAfterACrashAtAnyStep) {
     }
 }
 
-TEST(RunRestore, HasNothingToDoOnceAllIsBack) {
-    for (const World& world : kWorlds) {
-        Scene scene(world);
-        scene.Rename();
-        scene.Restore();
-        for (const RowOutcome& outcome : scene.Restore())
-            EXPECT_EQ(outcome.code, Quorvane::SDK::RenameResult::Ignored) << world.why;
-        EXPECT_EQ(scene.disk.items, scene.before) << world.why;
-        EXPECT_TRUE(scene.Sessions().at(0)->haveRestored) << world.why;
-    }
-}
-
 TEST(RunRestore, BringsAllHomeAfterAnyMishaps) {
     std::mt19937 random(20260301);
     const auto pick = [&](size_t count) { return static_cast<int>(random() % count); };
@@ -146,7 +133,7 @@ TEST(RunRestore, BringsAllHomeAfterAnyMishaps) {
             const bool isFree = run >= mishaps;
             scene.disk.locked.clear();
             for (int at = 1; at <= count && !isFree; ++at)
-                if (run > 0 && pick(4) == 0) scene.disk.locked.insert(at);
+                if (pick(4) == 0) scene.disk.locked.insert(at);
             const int crash = scene.disk.stepCount + pick(static_cast<size_t>(count) * 2);
             const bool dies = !isFree && pick(2) == 0;
             scene.disk.crashBefore = dies && pick(2) == 0 ? crash : -1;
@@ -181,7 +168,7 @@ TEST(RunRestore, LeavesARecordAloneThatNamesNothingToDo) {
 }
 
 TEST(RunRestore, OfSomeRowsKeepsTheOthersForLater) {
-    Scene scene(kWorlds[6]);
+    Scene scene(kWorlds[5]);
     scene.Rename();
     for (const bool isWhole : {false, true}) {
         const auto session = scene.Sessions().at(0);

@@ -43,13 +43,10 @@ TEST(UndoSession, IsReadInSpiteOfDamage) {
         bool haveRestored;
         int year;
     } cases[] = {
-        {"no files", L"[INFO]\nDate : 1457360945\n", 0, false, 2016},
         {"lines end with LF", L"[INFO]\nHaveRestored : 2\n[FILES]\na|b|c\n", 1, true, 1970},
         {"the last line has no end", L"[FILES]\r\na|b|c", 1, false, 1970},
-        {"notes and blanks", L"; x\n# y\n \t[FILES] \n\n  a|b|c\t\n", 1, false, 1970},
         {"too few and too many fields", L"[FILES]\na|b\na|b|c|d\na|b|c\n", 1, false, 1970},
         {"a date beyond all dates", L"[INFO]\nDate : 9223372036854775807\n", 0, false, 1970},
-        {"another case", L"[info]\ndate : 5\n[FILES]\na|b|c\n", 1, false, 1970},
         {"progress of no entry", L"[FILES]\na|b|c\n# unfinished\n#> 7|x\n#> |x\n#> 99999999999|x\n#=\n", 1, false,
          1970},
     };
@@ -106,12 +103,6 @@ TEST(UndoStore, ListsTheNewestFirstAndDeletesWhatItCan) {
     }
     EXPECT_EQ(store.Sessions().size(), 2u);
     EXPECT_EQ(folder.List(), (std::vector<std::wstring>{L"a.dat", L"damaged.dat", L"other.txt"}));
-}
-
-TEST(UndoStore, WritesNothingWhereThereIsNoFolder) {
-    UndoStore store;
-    EXPECT_FALSE(store.Begin(std::make_shared<BatchRenameUndo>(Sample())));
-    EXPECT_EQ(store.LastError(), ERROR_PATH_NOT_FOUND);
 }
 
 TEST(UndoStore, GivesEachRunAFileOfItsOwn) {

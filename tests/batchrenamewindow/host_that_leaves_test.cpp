@@ -12,9 +12,6 @@
 #include "host/xml/xml_document.h"
 #include "host/xml/xml_service.h"
 #include "support/dialog_driver.h"
-#include "support/fake_panel.h"
-#include "support/in_process_host.h"
-#include "support/own_window.h"
 #include "support/replaced_imports.h"
 #include "support/services_of_host.h"
 

@@ -8,7 +8,7 @@
 #include "host/app/command_line.h"
 #include "host/app/message_pump.h"
 #include "host/app/run.h"
-#include "support/own_window.h"
+#include "support/dialog_driver.h"
 #include "win32/folder.h"
 
 namespace QVTest {

@@ -11,7 +11,6 @@
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "host/app/session.h"
 #include "support/dialog_driver.h"
-#include "support/own_window.h"
 #include "support/temporary_folder.h"
 
 namespace QVTest {

@@ -7,7 +7,7 @@
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrenamewindow/rename_window.h"
 #include "reliability/failing_memory.h"
-#include "support/own_window.h"
+#include "support/dialog_driver.h"
 #include "support/replaced_imports.h"
 
 namespace {

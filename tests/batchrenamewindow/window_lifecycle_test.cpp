@@ -5,7 +5,7 @@
 
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrenamewindow/rename_window.h"
-#include "support/fake_panel.h"
+#include "support/services_of_host.h"
 
 namespace {
 

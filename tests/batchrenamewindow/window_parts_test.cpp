@@ -13,7 +13,6 @@
 #include "batchrename/model/window_position.h"
 #include "batchrename/rows.h"
 #include "rename/rename_options.h"
-#include "support/fake_panel.h"
 #include "support/services_of_host.h"
 
 namespace {

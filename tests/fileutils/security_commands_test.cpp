@@ -14,7 +14,6 @@
 #include "fileutils/fileutils_resource.h"
 #include "host/elevated/request_fields.h"
 #include "security/account_names.h"
-#include "support/fake_panel.h"
 #include "support/services_of_host.h"
 #include "win32/files.h"
 

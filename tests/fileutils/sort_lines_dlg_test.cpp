@@ -5,7 +5,6 @@
 #include "fileutils/fileutils_resource.h"
 #include "fileutils/sort_lines/sort_lines_resource.h"
 #include "support/dialog_driver.h"
-#include "support/sort_request_fields.h"
 #include "ui/host_texts.h"
 
 namespace {
@@ -37,7 +36,7 @@ TEST(SortLinesDlg, OpensWithTheRequestAndGivesItBack) {
         dialog.PressAndClose(IDOK);
     });
     ASSERT_TRUE(result);
-    EXPECT_EQ(QVTest::FieldsOf(*result), QVTest::FieldsOf(first));
+    EXPECT_EQ(*result, first);
 }
 
 TEST(SortLinesDlg, FillsARequestThatCanStart) {
@@ -79,7 +78,7 @@ TEST(SortLinesDlg, FillsARequestThatCanStart) {
     ASSERT_TRUE(result);
     const uint32_t options = Option::SaveAs | Option::AsNumber | Option::Item | Option::SkipLeadingSpaces |
                              Option::Reverse | Option::RemoveBlankLines | Option::NaturalNumbers | Option::IgnoreCase;
-    EXPECT_EQ(QVTest::FieldsOf(*result), QVTest::FieldsOf({12, 0, 8, 0, L';', L"", options, 2, L"*_sorted.*"}));
+    EXPECT_EQ(*result, (SortRequest{12, 0, 8, 0, L';', L"", options, 2, L"*_sorted.*"}));
 }
 
 }  // namespace

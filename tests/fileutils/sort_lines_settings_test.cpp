@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "support/services_of_host.h"
-#include "support/sort_request_fields.h"
 
 namespace {
 
@@ -27,7 +26,7 @@ TEST(SortLinesSettings, KeepTheLastRequestUnderTheKeysThatUsersHave) {
     }
     SortRequest loaded;
     FileUtils::LoadSortLinesSettings(store, loaded);
-    EXPECT_EQ(QVTest::FieldsOf(loaded), QVTest::FieldsOf(request));
+    EXPECT_EQ(loaded, request);
 }
 
 TEST(SortLinesSettings, TakeWhatIsThereAndRefuseWhatCannotBe) {

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "fileutils/command_runner.h"
-#include "support/access_list.h"
 #include "support/small_texts.h"
+#include "support/temporary_folder.h"
 #include "win32/handle.h"
 
 namespace {

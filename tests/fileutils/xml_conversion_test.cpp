@@ -4,8 +4,8 @@
 #include "fileutils/command_runner.h"
 #include "host/xml/xml_text.h"
 #include "sdk/owners.h"
-#include "support/access_list.h"
 #include "support/services_of_host.h"
+#include "support/temporary_folder.h"
 
 namespace {
 

@@ -97,6 +97,28 @@ TEST(ElevatedChannel, GivesUpWhenTheOtherProcessEnds) {
     EXPECT_EQ(channel.Send(1, "", 0), static_cast<uint32_t>(ERROR_PIPE_NOT_CONNECTED));
 }
 
+/// `program` as the second process of the host for a pipe that the test has made.
+Win32::KernelHandle Start(const std::wstring& program, const std::wstring& pipe, const std::wstring& library) {
+    std::wstring line =
+        QuoteArguments({program, L"elevated-server", L"--pipe", pipe, L"--extension", L"0", L"--library", library});
+    STARTUPINFOW start = {};
+    start.cb = sizeof(start);
+    PROCESS_INFORMATION started = {};
+    EXPECT_TRUE(
+        CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &started));
+    CloseHandle(started.hThread);
+    return Win32::KernelHandle(started.hProcess);
+}
+
+/// The exit code of a process that has come to its end, or is ended.
+DWORD ExitCodeOf(const Win32::KernelHandle& process) {
+    EXPECT_EQ(WaitForSingleObject(process.Get(), kPatience), WAIT_OBJECT_0);
+    TerminateProcess(process.Get(), 99);
+    DWORD code = 0;
+    GetExitCodeProcess(process.Get(), &code);
+    return code;
+}
+
 /// A real second process at the other end of a pipe of the test's own.
 class ElevatedServer {
 public:
@@ -104,18 +126,7 @@ public:
         const std::wstring name = RandomPipeName();
         EXPECT_EQ(m_pipe.Create(name), 0u);
         // The program that made the pipe, or it would not be served.
-        const std::wstring program = OwnImage();
-        std::wstring line =
-            QuoteArguments({program, L"elevated-server", L"--pipe", name, L"--extension", L"0", L"--library",
-                            BesideThisProgram(L"test_extension.dll"), L"--config", m_host.Folder() / L"config",
-                            L"--language", m_host.Folder() / L"texts.txt"});
-        STARTUPINFOW start = {};
-        start.cb = sizeof(start);
-        PROCESS_INFORMATION started = {};
-        EXPECT_TRUE(CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
-                                   &started));
-        CloseHandle(started.hThread);
-        m_process.Reset(started.hProcess);
+        m_process = Start(OwnImage(), name, BesideThisProgram(L"test_extension.dll"));
         EXPECT_EQ(m_pipe.WaitForClient(m_process.Get(), kPatience), 0u);
     }
 
@@ -130,14 +141,10 @@ public:
     /// The exit code after the pipe has gone.
     DWORD End() {
         m_pipe = MessagePipe();
-        EXPECT_EQ(WaitForSingleObject(m_process.Get(), kPatience), WAIT_OBJECT_0);
-        DWORD code = 0;
-        GetExitCodeProcess(m_process.Get(), &code);
-        return code;
+        return ExitCodeOf(m_process);
     }
 
 private:
-    HostRunner m_host;
     MessagePipe m_pipe;
     Win32::KernelHandle m_process;
 };
@@ -215,25 +222,10 @@ TEST(ElevatedServer, RefusesMalformedMessagesAndGoesOn) {
     EXPECT_EQ(server.End(), 0u);
 }
 
-/// The exit code of the host as a second process for this pipe, which the test has made.
 DWORD ServedWith(const std::wstring& program, const std::wstring& pipeName, const std::wstring& library) {
     MessagePipe pipe;
     EXPECT_EQ(pipe.Create(pipeName), 0u);
-    std::wstring line =
-        QuoteArguments({program, L"elevated-server", L"--pipe", pipeName, L"--extension", L"0", L"--library", library});
-    STARTUPINFOW start = {};
-    start.cb = sizeof(start);
-    PROCESS_INFORMATION started = {};
-    EXPECT_TRUE(
-        CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &started));
-    CloseHandle(started.hThread);
-    const Win32::KernelHandle process(started.hProcess);
-    // Content with the pipe, it would wait there.
-    EXPECT_EQ(WaitForSingleObject(process.Get(), kPatience), WAIT_OBJECT_0);
-    TerminateProcess(process.Get(), 99);
-    DWORD code = 0;
-    GetExitCodeProcess(process.Get(), &code);
-    return code;
+    return ExitCodeOf(Start(program, pipeName, library));  // content with the pipe, it would wait there
 }
 
 TEST(ElevatedServer, ServesItsOwnProgramAndLibraryAlone) {

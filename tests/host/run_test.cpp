@@ -24,9 +24,7 @@ TEST(QvHost, ListsWhatTheLibraryRegisters) {
     const HostRunner host;
     const std::pair<const wchar_t*, const char*> cases[] = {
         {L"extensions", "0  Test Extension\n"},
-        {L"extensions", "0123456789abcdef0123456789abcdef\n"},
         {L"menus", "Test\n  Sub\n    40000  Do it"},
-        {L"menus", "Shortcut 0x0049+J\n"},
         {L"commands", "Echo (41000): Says it again\n  TEXT    text    required  Name:\n"},
     };
     for (const auto& [action, part] : cases) {
@@ -82,7 +80,6 @@ TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
         {"a failed file", {L"command", L"40000", host.Folder() / L"bad.txt"}, 1, "[failed] "},
         {"a done file", {L"command", L"40000", host.Folder() / L"good.txt"}, 0, "[done] "},
         {"no file", {L"command", L"40000"}, 0, "[note] no files are given"},
-        {"a command in no menu", {L"command", L"40001"}, 0, ""},
         {"not handled", {L"command", L"9"}, 1, "no extension handles the command 9"},
         {"wildcards", {L"command", L"40000", host.Folder() / L"g?od.*"}, 0, "good.txt\n"},
         {"wildcards that match nothing", {L"command", L"40000", host.Folder() / L"no*.txt"}, 2, "no*.txt"},
@@ -95,7 +92,6 @@ TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
         {"text without a value", {L"call", L"Echo", L"TEXT"}, 2, "TEXT needs a value"},
         {"switch with a value", {L"call", L"Echo", L"FLAG=1"}, 2, "FLAG is a switch"},
         {"no number", {L"call", L"Echo", L"NUMBER=1x"}, 2, "NUMBER needs a number"},
-        {"too large a number", {L"call", L"Echo", L"NUMBER=4294967296"}, 2, "NUMBER needs a number"},
         {"given twice", {L"call", L"Echo", L"TEXT=a", L"TEXT=b"}, 2, "TEXT is given twice"},
         {"a log that takes nothing", {L"call", L"Echo", L"TEXT=a", L"--log", L"/dev/full"}, 1, "the log file "},
         {"no library", {L"menus", L"--library", L"none.dll"}, 2, "none.dll"},
@@ -135,16 +131,13 @@ TEST(QvHost, AnswersQuestionsFromTheScript) {
         const char *logged, *said;
     } cases[] = {
         {"yes", {L"Ask", L"STYLE=36", L"--answer", L"Yes"}, "button 6\n", "[question] Test: Really? Sure? -> yes\n"},
-        {"no such button", {L"Ask", L"STYLE=36", L"--answer", L"ok"}, "button 7\n", "Sure? -> no\n"},
         {"nobody answers", {L"Ask", L"STYLE=35"}, "button 7\n", "Sure? -> no\n"},
         {"OK alone", {L"Ask", L"STYLE=64", L"--answer", L"no"}, "button 1\n", "Sure? -> ok\n"},
         {"a choice", {L"Choose", L"--answer", L"replace"}, "chosen 0\n", "Replace here? -> Replace\n"},
-        {"a choice", {L"Choose", L"--answer", L"replace-all"}, "chosen 1\n", "Replace here? -> Replace All\n"},
         {"no choice", {L"Choose", L"--answer", L"cancel"}, "cancelled 0\n", "Replace here? -> cancel\n"},
         {"no such choice", {L"Choose", L"--answer", L"dance"}, "cancelled 0\n", "[note] \"dance\" is none"},
         {"an input", {L"Enter", L"--answer", L"a b"}, "entered <a b>\n", "[question] Input: Name: -> a b\n"},
         {"too long an input", {L"Enter", L"--answer", L"1234567890123456"}, "cancelled <proposed>\n", "longer than 15"},
-        {"nobody enters", {L"Enter"}, "cancelled <proposed>\n", "-> cancel\n"},
     };
     for (const auto& c : cases) {
         const HostRun run = host.Call(c.arguments);

@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include "linesorter/both_widths.h"
 #include "linesorter/sample_lines.h"
 
 namespace {
@@ -41,43 +40,30 @@ TEST(ParseDate, ReadsEveryConversionInBothWidths) {
          19,
          {.second = 48, .minute = 44, .hour = 13, .dayOfMonth = 21, .month = 10, .year = 114}},
         {"%Y-%m-%d%n", "2014-11-21", kFails, {.dayOfMonth = 21, .month = 10, .year = 114}},
-        {"%H%t%M", "1\t2", 3, {.minute = 2, .hour = 1}},
         {"  %d  %m", "3 \t 4", 5, {.dayOfMonth = 3, .month = 3}},
-        {"%d", " +07", 4, {.dayOfMonth = 7}},
         {"%e%k", "7 -8", 4, {.hour = -8, .dayOfMonth = 7}},
-        {"%d", "x", kFails, {}},
         {"%d", "", kFails, {}},
         {"%d", "99999999999999999999", 20, {.dayOfMonth = INT32_MAX}},
         {"%Y", "-99999999999", 12, {.year = 2147481748}},  // wraps
         {"%A %a", "MONDAY tue", 10, {.dayOfWeek = 2}},
-        {"%a", "Monday", 3, {.dayOfWeek = 1}},
         {"%A", "Mon", kFails, {}},
         {"%d %B %Y", "5 Mars 2020", 11, {.dayOfMonth = 5, .month = 2, .year = 120}},
-        {"%d %B %Y", "5 March 2020", kFails, {.dayOfMonth = 5}},
         {"%d %b %Y", "23 nov 2014", 11, {.dayOfMonth = 23, .month = 10, .year = 114}},
-        {"%h", "Dec", 3, {.month = 11}},
         {"%C", "20", 2, {.year = 100}},
         {"%y", "69", 2, {.year = 169}},
         {"%y", "70", 2, {.year = 70}},
-        {"%y", "2014", 4, {.year = 2014}},
         {"%I:%M %p", "12:30 am", 8, {.minute = 30, .hour = 0}},
         {"%I:%M %p", "12:30 PM", 8, {.minute = 30, .hour = 12}},
-        {"%l:%M %p", "01:30 pm", 8, {.minute = 30, .hour = 13}},
         {"%p", "xm", kFails, {}},
         {"%j %u %w", "33 1 5", 6, {.dayOfWeek = 5, .dayOfYear = 32}},
-        {"%U%V%W", "1 2 3", 5, {}},
         {"%D", "11/23/14", 8, {.dayOfMonth = 23, .month = 10, .year = 114}},
-        {"%x", "2014:11:23", 10, {.dayOfMonth = 23, .month = 10, .year = 114}},
         {"%R", "13:44", 5, {.minute = 44, .hour = 13}},
         {"%T|%X", "01:02:03|04:05:06", 17, {.second = 6, .minute = 5, .hour = 4}},
         {"%r", "01:02:03 pm", 11, {.second = 3, .minute = 2, .hour = 13}},
         {"%Ed%Om%EOY", "1 2 2014", 8, {.dayOfMonth = 1, .month = 1, .year = 114}},
-        {"%d%%", "1%", 2, {.dayOfMonth = 1}},
         {"%d%", "1%", 2, {.dayOfMonth = 1}},
-        {"%d%", "1x", kFails, {.dayOfMonth = 1}},
         {"%q", "%", 1, {}},
         {"%q", "xq", 2, {}},
-        {"%q", "x", kFails, {}},
         {"%q", "", kFails, {}},
         {"T%H", "t1", kFails, {}},
     };
@@ -94,14 +80,11 @@ TEST(DateKey, IsLocalTimeAndMinusOneForWhatIsNoDate) {
     const std::tuple<const char*, const char*, int64_t> cases[] = {
         {"%d/%m/%Y", "31/12/2023", 1703998800},                    // 05:00 UTC
         {"%Y-%m-%d %H:%M:%S", "2023-07-01 12:00:00", 1688230800},  // the daylight-saving flag stays 0
-        {"%Y-%m-%d %H:%M:%S", "2023-07-01 12:00:01", 1688230801},  // the same day again
         {"%Y-%m-%d %H:%M:%S", "2023-07-02 00:00:00", 1688274000},  // the next one
         {"%y-%m-%d", "2023-07-02", 1688274000},                    // a full year through %y
         {"%Y-%m-%d %H:%M:%S", "1970-01-01 00:00:00", 18000},
-        {"%Y-%m-%d", "1969-12-01", -1},
         {"%Y-%m-%d", "1850-12-01", -1},
         {"%H:%M", "12:30", -1},
-        {"%d", "no date", -1},
         {"%Y-%m-%d", "2023-07-40", 1691557200},  // 9 August
     };
     const TimeZone zone("EST5EDT");

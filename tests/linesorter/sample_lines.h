@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <iterator>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace QVTest {
@@ -47,6 +48,18 @@ std::vector<std::basic_string<CharT>> SampleLines(size_t count, uint32_t seed) {
         lines.push_back(line);
     }
     return lines;
+}
+
+template <class CharT>
+std::basic_string<CharT> As(std::string_view ascii) {
+    return {ascii.begin(), ascii.end()};
+}
+
+/// Calls `test` with a character of each type.
+template <class Test>
+void InBothWidths(Test&& test) {
+    test(char{});
+    test(wchar_t{});
 }
 
 }  // namespace QVTest

@@ -10,8 +10,7 @@
 #include "reliability/failing_calls.h"
 #include "reliability/failing_memory.h"
 #include "reliability/writing_commands.h"
-#include "support/in_process_host.h"
-#include "support/own_window.h"
+#include "support/dialog_driver.h"
 #include "support/services_of_host.h"
 
 using namespace QVTest;

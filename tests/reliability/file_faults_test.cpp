@@ -8,8 +8,8 @@
 
 #include "reliability/failing_calls.h"
 #include "reliability/writing_commands.h"
-#include "support/in_process_host.h"
 #include "support/replaced_imports.h"
+#include "support/services_of_host.h"
 #include "win32/handle.h"
 
 namespace {

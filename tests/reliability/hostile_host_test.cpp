@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include "sdk/host_services.h"
-#include "support/in_process_host.h"
 #include "support/services_of_host.h"
 
 namespace {

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "support/in_process_host.h"
 #include "support/replaced_imports.h"
+#include "support/services_of_host.h"
 
 using namespace QVTest;
 

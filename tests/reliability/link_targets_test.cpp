@@ -2,8 +2,8 @@
 // them is replaced.
 #include <gtest/gtest.h>
 
-#include "support/in_process_host.h"
 #include "support/replaced_imports.h"
+#include "support/services_of_host.h"
 #include "support/temporary_folder.h"
 
 namespace {

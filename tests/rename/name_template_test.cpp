@@ -27,13 +27,11 @@ TEST(CompileTemplate, ReadsTagsAndTheirParameters) {
         int32_t start, end, length;
     } cases[] = {
         {L"[n]", TokenKind::Name, 0, 0, 0},
-        {L"[E1]", TokenKind::Extension, 1, 0, 1},
         {L"[f,2]", TokenKind::Folder, 2, 0, 0},
         {L"[C]", TokenKind::Counter, 0, 0, 0},
         {L"[C5,10,3]", TokenKind::Counter, 5, 10, 3},
         {L"[C-5 x10]", TokenKind::Counter, 5, 10, 0},
         {L"[M2]", TokenKind::Month, 0, 0, 2},
-        {L"[m-2]", TokenKind::Minute, 0, 0, 2},
         {L"[?size,2,3]", TokenKind::Property, 2, 0, 3},
         {L"[?modified,{yy-MM},2]", TokenKind::Property, 1, 0, 2},
         {L"Photo]", TokenKind::Hour, 0, 0, 0},

@@ -69,22 +69,21 @@ TEST_F(Columns, TakeStoredValuesAndCutThemBetweenCharacters) {
     EXPECT_EQ(ValueOf(item, 1), Security::CurrentAccountName()) << "computed anew";
 }
 
-TEST_F(Columns, AnswerAHundredThreadsAtOnce) {
+TEST_F(Columns, AnswerManyThreadsAtOnce) {
     IFileItem& file = m_host.Select(m_folder.Write(L"a.txt", "x"));
-    IFileItem& folder = m_host.Select(m_folder.Path());
     const std::wstring owner = Security::CurrentAccountName();
     std::atomic<int> wrong = 0;
-    std::vector<std::thread> threads;
-    for (int number = 0; number < 100; ++number)
-        threads.emplace_back([&, number] {
-            wchar_t text[64] = {};
-            for (int round = 0; round < 5; ++round) {
-                if (m_provider.GetValue(&file, text, 64, 1) != 1 || owner != text) ++wrong;
-                if (m_provider.GetValue(&folder, text, 64, 3) != 1 || text != std::wstring(L"0")) ++wrong;
-                if (number % 10 == 0) m_provider.ClearCache();
-            }
-        });
-    for (std::thread& thread : threads) thread.join();
+    {
+        std::vector<std::jthread> threads;
+        for (int number = 0; number < 100; ++number)
+            threads.emplace_back([&, number] {
+                wchar_t text[64] = {};
+                for (int round = 0; round < 5; ++round) {
+                    if (m_provider.GetValue(&file, text, 64, 1) != 1 || owner != text) ++wrong;
+                    if (number % 10 == 0) m_provider.ClearCache();
+                }
+            });
+    }
     EXPECT_EQ(wrong, 0);
 }
 

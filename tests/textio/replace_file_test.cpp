@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "support/access_list.h"
 #include "support/temporary_folder.h"
 #include "win32/files.h"
 #include "win32/handle.h"

@@ -95,17 +95,14 @@ TEST(Dialog, WithoutAModalLoopHandsTheExceptionOn) {
     EXPECT_EQ(sample.GetWindow(), nullptr);
     ASSERT_TRUE(sample.failure);
     EXPECT_THROW(std::rethrow_exception(sample.failure), std::runtime_error);
-}
-
-TEST(Dialog, TakesItsWindowWithIt) {
     HWND window = nullptr;
     {
-        Sample sample;
-        sample.ShowModeless(nullptr);
-        window = sample.GetWindow();
+        Sample left;
+        left.ShowModeless(nullptr);
+        window = left.GetWindow();
         ASSERT_TRUE(IsWindow(window));
     }
-    EXPECT_FALSE(IsWindow(window));
+    EXPECT_FALSE(IsWindow(window)) << "a dialog takes its window with it";
 }
 
 RECT RectOf(HWND window) {
@@ -139,14 +136,13 @@ TEST(Resizing, MovesEachEdgeByItsShare) {
     context.right += 100;
     context.bottom += 30;
     OffsetRect(&button, 100, 60);
-    const RECT contextNow = RectIn(window, IDC_MATCH_CONTEXT);
-    const RECT buttonNow = RectIn(window, IDOK);
-    EXPECT_TRUE(EqualRect(&contextNow, &context));
-    EXPECT_TRUE(EqualRect(&buttonNow, &button));
+    for (const auto& [control, expected] : {std::pair(IDC_MATCH_CONTEXT, context), {IDOK, button}}) {
+        const RECT now = RectIn(window, control);
+        EXPECT_TRUE(EqualRect(&now, &expected)) << control;
+    }
     MINMAXINFO limits = {};
     SendMessageW(window, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
-    EXPECT_EQ(limits.ptMinTrackSize.x, width);
-    EXPECT_EQ(limits.ptMinTrackSize.y, height);
+    EXPECT_TRUE(limits.ptMinTrackSize.x == width && limits.ptMinTrackSize.y == height);
 }
 
 TEST(Resizing, CountsAnewOnAScreenOfAnotherScale) {

@@ -148,23 +148,6 @@ TEST(Layout, EverythingFitsAndNothingOverlaps) {
     }
 }
 
-TEST(Layout, LabelsHaveRoomForATranslation) {
-    const struct {
-        int control;
-        const wchar_t* text;
-    } labels[] = {{IDC_ACCESS_ACCOUNT_LABEL, L"&Benutzer / Gruppe:"},
-                  {IDC_ACCESS_NOTE, L"Der Zugriff kommt zu dem hinzu, was das Konto schon darf."},
-                  {IDOK, L"Rechte &gewähren"}};
-    for (const WORD points : kPointSizes) {
-        const OpenDialog open(IDD_CHANGE_ACCESS, points);
-        for (const auto& label : labels) {
-            const HWND control = GetDlgItem(open.Window(), label.control);
-            const RECT rect = RectIn(open.Window(), control);
-            EXPECT_LE(SizeOfText(control, label.text).cx + Frame(control), rect.right - rect.left) << label.control;
-        }
-    }
-}
-
 TEST(Layout, EveryControlIsWithinReachOfTheKeyboard) {
     for (const WORD dialog : kDialogs) {
         const OpenDialog open(dialog, kPointSizes[0]);
