@@ -221,14 +221,17 @@ TEST(RenameWindow, KeepsTheSelectionOnItsRows) {
 }
 
 TEST(RenameWindow, LoadsTheProfileChosenAmongNamesakes) {
-    RenameWindow window({L"a"},
+    RenameWindow window({L"a", L"b"},
                         "<BatchRename><profile name=\"twin\"><filename>first</filename></profile>"
                         "<profile name=\"twin\"><filename>second</filename></profile></BatchRename>");
     window.Open({L"a"});
     window.Panel().PressLater(IDC_PROFILES);
     const HWND menu = DialogDriver(window.Thread()).WaitForMenu();
+    window.RunCommand({L"a", L"b"});  // its rows wait until the menu is closed
+    EXPECT_EQ(window.Column(0), Words{L"a"});
     for (const WPARAM key : {VK_DOWN, VK_DOWN, VK_RETURN}) PostMessageW(menu, WM_KEYDOWN, key, 1);
     EXPECT_TRUE(window.WaitFor([&] { return window.Panel().Text(IDC_NAME_TEMPLATE) == L"second"; }));
+    EXPECT_TRUE(window.WaitFor([&] { return window.Column(0) == Words{L"a", L"b"}; }));
 }
 
 TEST(RenameWindow, AnswersWhileAHundredThousandRowsArePreviewed) {
