@@ -65,7 +65,7 @@ int HeaderFormat(int format, bool isSorted, bool isDescending) {
 }
 
 std::wstring StemOf(const std::wstring& name) {
-    return std::wstring(Win32::SplitName(name).stem);
+    return std::wstring(Win32::SplitAtLastDot(name).stem);
 }
 
 }  // namespace

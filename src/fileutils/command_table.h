@@ -48,8 +48,6 @@ struct ElevatedRow {
     ElevatedHandler handler;
 };
 
-inline constexpr Quorvane::SDK::TextId kRootMenuText = Quorvane::SDK::MakeTextId(2004, 'm');
-
 /// Commands that are handled whether or not a menu has them, by ranges of ids.
 struct CommandRange {
     uint32_t firstId;

@@ -20,7 +20,7 @@ std::optional<uint32_t> SendElevated(Quorvane::SDK::IHostServices& host, uint32_
                                      const WriteFields& write);
 
 /// The same over a channel at hand. It is connected and, whatever `write` throws, closed again; the writer is released
-/// behind that.
+/// after that.
 std::optional<uint32_t> SendOver(Quorvane::SDK::IElevatedChannel& channel, uint32_t requestId,
                                  const WriteFields& write);
 

@@ -1,4 +1,4 @@
-// callback.h - how the engine and the work on one file talk to whoever runs them.
+// callback.h - how the engine and the work on one file talk to what runs them.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 namespace QVFindAndReplace {
 
 /// A match: lines count from 0 in the line table, columns in characters (bytes or UTF-16 units) in the line as it
-/// stands; the end lies behind the match.
+/// stands; the end is after the match.
 struct Match {
     uint32_t startLine = 0;
     uint32_t startColumn = 0;

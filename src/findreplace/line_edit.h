@@ -14,14 +14,14 @@ namespace QVFindAndReplace {
 
 /// A position in a line cuts it in two: what lies before it is final, what lies ahead of it is still searched.
 ///
-/// After a match the position moves behind it as it was found, applied to the line as it then stands. So a longer
-/// replacement is itself searched from there on, and a shorter one lets the position jump over text behind it; behind
+/// After a match the position moves to its end as it was found, applied to the line as it then stands. So a longer
+/// replacement is itself searched from there on, and a shorter one lets the position jump over text after it; after
 /// the line's end there is nothing to find. After an empty match it moves one character further, at the line's end out
 /// of the line.
 ///
 /// Some replacements would be found in themselves for ever by that: "'" by "''", "id" by "user_id", "*" by "<*>". So a
 /// match inside of what the last replacement put there, or an empty one beside it, is left alone, and the position
-/// moves behind it. For a plain item such a match is the sign that there would be no end, so nothing else changes.
+/// moves to its end. For a plain item such a match is the sign that there would be no end, so nothing else changes.
 ///
 /// The text ahead is kept in one piece with free room in front of it, so that what a longer replacement pushes back in
 /// front costs its own length only: any number of replacements in a line takes time in proportion to the text.
@@ -52,10 +52,10 @@ public:
     /// At most `length` characters of the line as it stands, from column `from` on.
     std::basic_string<CharT> GetPart(size_t from, size_t length) const;
 
-    /// Moves the position behind a match without changing it.
+    /// Moves the position to the end of a match without changing it.
     void Skip(Span match);
 
-    /// True for a match in what the last replacement put there, with the position moved behind it.
+    /// True for a match in what the last replacement put there, with the position moved to its end.
     bool PassReplacement(Span match);
 
     /// Replaces a match of `matcher`.
@@ -72,7 +72,7 @@ private:
     size_t m_passed = 0;        // while nothing is changed, the units of m_line that are done
     std::vector<CharT> m_done;  // from the first change on
     View m_ahead;
-    // Holds m_ahead at its end once something was pushed back. Its front is memory that nobody touched yet.
+    // Holds m_ahead at its end once something was pushed back. Its front is memory that was not touched yet.
     std::unique_ptr<CharT[]> m_room;
     size_t m_roomSize = 0;
     size_t m_put = 0;                    // units at the front of m_ahead that the last replacement put there

@@ -52,7 +52,7 @@ protected:
 
     const std::basic_string<CharT> m_item;
     const bool m_foldsCase;
-    const bool m_stepsBack;  // after a hit that came to nothing the search goes on behind its first character
+    const bool m_stepsBack;  // after a hit that came to nothing the search goes on after its first character
 };
 
 template <class CharT>

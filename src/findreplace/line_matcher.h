@@ -14,7 +14,7 @@ struct Span {
     size_t length = 0;
 };
 
-/// Finds one item. A hit never depends on what stands before the place where the search begins, so a line can be
+/// Finds one item. A hit never depends on what is before the place where the search begins, so a line can be
 /// searched on from anywhere by giving the rest of it.
 template <class CharT>
 class LineMatcher {
@@ -33,16 +33,16 @@ public:
     /// and may be wrong in the other direction: the place's own line need not have a hit.
     virtual const CharT* FindCandidate(View lines) const = 0;
 
-    /// False when no hit can begin in `text` while `following` stands behind it. True says nothing.
+    /// False when no hit can begin in `text` while `following` comes after it. True says nothing.
     virtual bool MayBeginIn(View text, View following) = 0;
 };
 
 /// The matcher for plain text. An empty item has no hits.
 ///
 /// Without `ignoreCase`: the item's characters as they are; a zero character at a place where a hit could begin ends
-/// the search. With it: a scan that goes on behind the character that did not fit and never steps back, so it misses
-/// "ab" in "aab". In 16-bit text the scan folds A to Z; in 8-bit text it folds nothing. All of this is meant: the same
-/// request must find the same matches in existing files as it always did.
+/// the search. With it: a scan that goes on after the character that did not fit and never steps back, so it misses
+/// "ab" in "aab". In 16-bit text the scan folds A to Z; in 8-bit text it folds nothing: one
+/// request finds the same matches from version to version. compatibility: plain-search-never-steps-back
 template <class CharT>
 std::unique_ptr<LineMatcher<CharT>> MakePlainMatcher(std::basic_string<CharT> item, bool ignoreCase);
 

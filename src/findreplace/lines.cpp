@@ -21,10 +21,10 @@ CharT* TextArena<CharT>::Allocate(size_t length) {
         m_next = m_blocks.back().get();
         m_left = kBlockUnits;
     }
-    CharT* const room = m_next;
+    CharT* const place = m_next;
     m_next += length;
     m_left -= length;
-    return room;
+    return place;
 }
 
 template <class CharT>
@@ -152,7 +152,7 @@ void Lines<CharT>::Save(QVUtils::DataWriter& writer, LineBreak& style, uint32_t 
             if (hasBreak(record)) writer.WriteNewLine();
         }
         if (!record.hasInsertedLines) continue;
-        // An added line ends in a break. Only behind the file's last line, when that has none, the break stands between
+        // An added line ends in a break. Only after the file's last line, when that has none, the break stands between
         // them. A lone CR ends a line too, and is lost as everywhere: what follows it joins on, an added line as well.
         const bool isEnd = !hasBreak(record) && record.text + record.length == m_text.data() + m_text.size();
         for (const auto& text : m_inserted.at(line)) {
@@ -175,9 +175,9 @@ uint32_t Lines<CharT>::FindLineOf(const CharT* at, uint32_t first, uint32_t last
     }
     const auto begin = records.begin() + first;
     const auto end = records.begin() + std::min(last, first + step);
-    const auto behind = std::upper_bound(
+    const auto after = std::upper_bound(
         begin, end, at, [](const CharT* place, const LineRecord<CharT>& record) { return place < record.text; });
-    return static_cast<uint32_t>(behind - records.begin()) - 1;
+    return static_cast<uint32_t>(after - records.begin()) - 1;
 }
 
 template class TextArena<char>;

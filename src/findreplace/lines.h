@@ -82,7 +82,7 @@ public:
     void SetLine(uint32_t line, std::vector<CharT>&& text);
     /// The line is searched and written no more.
     void RemoveLine(uint32_t line);
-    /// Adds a line behind `line` and behind those added there before. Added lines are written, never searched: that
+    /// Adds a line after `line` and after those added there before. Added lines are written, never searched: that
     /// they came from the replacement is reason enough not to replace in them again.
     void InsertLine(uint32_t line, View text);
 
@@ -92,8 +92,8 @@ public:
     /// @throws QVUtilsException what the writer throws
     void Save(QVUtils::DataWriter& writer, QVUtils::LineBreak& style, uint32_t end = kAllLines) const;
 
-    /// Puts the lines from `first` on behind `text`, as they now stand, each with the break that it had. None of them
-    /// may be removed or have lines added behind it.
+    /// Appends the lines from `first` on to `text`, as they now stand, each with the break that it had. None of them
+    /// may be removed or have lines added after it.
     void CopyFrom(uint32_t first, std::vector<CharT>& text) const;
 
     /// The line of an untouched stretch [first, last) of the table in which the text position `at` lies. Fast when it

@@ -57,7 +57,7 @@ private:
     struct Pair {
         std::unique_ptr<LineMatcher<CharT>> matcher;
         const Text* replacement;     // null when the encoding cannot hold it
-        std::vector<Text> inserted;  // lines added behind the line for each hit
+        std::vector<Text> inserted;  // lines added after the line for each hit
         Text shown;                  // the replacement as a question shows it
     };
 
@@ -144,7 +144,7 @@ private:
         return false;
     }
 
-    /// Lines ahead of a search are touched by nobody while it runs, so a stretch found once stays one.
+    /// Nothing touches the lines ahead of a search while it runs, so a stretch found once stays one.
     void FindStretchEnd(uint32_t line) {
         if (line < m_stretchEnd) return;
         m_stretchEnd = m_lines.GetCount();
@@ -217,14 +217,14 @@ private:
             }
             column = 0;
             ++line;
-            // Only the line where the search stood may be touched; the lines behind it are not.
+            // Only the line where the search stood may be touched; the lines after it are not.
             if (!find.front().empty() && !NextLine(matcher, line)) return false;
         }
         return false;
     }
 
-    /// Do the find lines behind the first fit behind `line`? Of those in the middle the last two are never compared,
-    /// and with four find lines or fewer none is: this is how it has always matched, and is kept so.
+    /// Do the find lines after the first fit after `line`? Of those in the middle the last two are never compared,
+    /// and with four find lines or fewer no line is. compatibility: middle-lines-of-multiline-are-not-all-compared
     bool RestFits(const std::vector<Text>& find, uint32_t line) const {
         const size_t count = m_lines.GetCount();
         const size_t last = line + find.size() - 1;
@@ -328,7 +328,7 @@ private:
     }
 
     /// Wildcards stand for single units, so a match may begin or end inside of a character. Replaced, it would leave a
-    /// part of one that means nothing. In a code page nobody knows where characters begin.
+    /// part of one that means nothing. In a code page it is not known where characters begin.
     void RefuseCut(uint32_t line, size_t column) const {
         if (m_document.GetKind() == QVUtils::EncodingKind::CodePage) return;
         const size_t before = std::min(column, kMostUnits);

@@ -50,7 +50,7 @@ public:
     const Items<WideChar>& GetItems(QVUtils::EncodingKind kind, WideChar);
 
     /// Nothing when the request can run in its mode. Else the message that the engine would fail with (code 87): shown
-    /// to people exactly so, odd spellings included.
+    /// to the user exactly so, odd spellings included.
     const char* FindFault() const;
 
 private:

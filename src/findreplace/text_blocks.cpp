@@ -18,7 +18,7 @@ TextBlocks<CharT>::TextBlocks(QVUtils::DataReader& reader, uint32_t markSize, si
       m_markSize(markSize),
       m_blockSize(blockSize) {
     QVUtils::RefuseOversizedText(expectedSize);
-    // One chunk more than is needed: the last read, which finds the end, needs room too.
+    // One chunk more than is needed: the last read, which finds the end, needs one too.
     m_capacity = std::min<size_t>(static_cast<size_t>(expectedSize), blockSize) + chunkSize;
     m_buffer = std::make_unique_for_overwrite<uint8_t[]>(m_capacity);
 }
@@ -75,7 +75,7 @@ bool TextBlocks<CharT>::Fill() {
     return !m_isAtEnd;
 }
 
-/// Where the last line that is sure to be complete ends; null when no line ends behind the first `searched` bytes. A CR
+/// Where the last line that is sure to be complete ends; null when no line ends after the first `searched` bytes. A CR
 /// at the very end may be half of a break.
 template <class CharT>
 const uint8_t* TextBlocks<CharT>::EndOfLastLine(size_t searched) const {

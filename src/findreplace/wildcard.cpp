@@ -38,7 +38,7 @@ using Program = std::vector<State<CharT>>;
 constexpr uint32_t kUnbounded = std::numeric_limits<uint32_t>::max();
 constexpr size_t kMaxStates = 100'000;
 
-/// How often the term before it stands: at least `least` times, at most `most`.
+/// How often the term before it is repeated: at least `least` times, at most `most`.
 struct Quantifier {
     uint32_t least;
     uint32_t most;
@@ -178,7 +178,7 @@ public:
                 if (thread.state == m_program.size()) {
                     found = {thread.start, position - thread.start};
                     isFound = true;
-                    break;  // the ways behind it would have been tried later
+                    break;  // the ways after it would have been tried later
                 }
                 if (position < text.size() && Accepts(m_program[thread.state], text[position]))
                     Follow(m_next, thread.state + 1, thread.start, position + 1);
@@ -238,7 +238,8 @@ private:
 };
 
 /// What stands between two stars: characters and question marks, of fixed length. Searched by its longest run of
-/// characters. A question mark stands for whatever there is: whoever needs a hit gives a text without line breaks.
+/// characters. A question mark stands for whatever there is: a text in which a hit must end with the line is given
+/// without line breaks.
 template <class CharT>
 class Segment {
 public:

@@ -42,9 +42,9 @@ private:
 /// Puts each key that others begin with to its place among them.
 ///
 /// Such a key equals every one of them, while these differ from each other, so no comparison of two can say where it
-/// stands. It goes in front of the first of them, in their order, that follows it in the file, and behind all of them
+/// stands. It goes in front of the first of them, in their order, that follows it in the file, and after all of them
 /// when none does. That keeps "abcd", "abc" as they are, leaves every key that is less than another in front of it, and
-/// gives the same order again when the result is sorted once more. An empty key is nobody's beginning.
+/// gives the same order again when the result is sorted once more. An empty key is the beginning of no other.
 ///
 /// `entries` come sorted, each key before those that it is the beginning of, equal ones by index. `keyOf(index)` gives
 /// a key's text. A line is moved at most once for each different beginning of it that is a key too, so all takes time

@@ -22,7 +22,7 @@ inline uint64_t LoadBytes(const void* from) {
 struct KeyedIndex {
     uint64_t key = 0;
     uint32_t index = 0;
-    uint32_t tail = 0;  // the four bytes behind the key, for those who know them; 0: not known
+    uint32_t tail = 0;  // the four bytes after the key, where they are known; 0: not known
 };
 static_assert(sizeof(KeyedIndex) == 16);
 
@@ -34,7 +34,7 @@ inline void SortByKeyThenIndex(std::span<KeyedIndex> entries) {
 }
 
 /// Whether of two keys that were equal up to a chunk, and whose chunks are `left` < `right`, the right one goes on
-/// where the left one ends. 8-bit keys without zero bytes. An empty key counts as nobody's beginning.
+/// where the left one ends. 8-bit keys without zero bytes. An empty key counts as the beginning of no other.
 constexpr bool IsBeginningOf(uint64_t left, uint64_t right, uint32_t depth) {
     if (left == 0) return depth > 0;
     const int unusedBits = std::countr_zero(left) & ~7;
@@ -44,7 +44,7 @@ constexpr bool IsBeginningOf(uint64_t left, uint64_t right, uint32_t depth) {
 /// Sorts the entries by their keys, equal keys by index, and a key before those that it is the beginning of.
 ///
 /// `chunkAt(index, depth)` gives the bytes from 8 * depth on of a line's key as a big-endian number, filled up with
-/// zero bytes behind the key's end; no character of a key is zero. The entries come with the chunk of depth 0.
+/// zero bytes after the key's end; no character of a key is zero. The entries come with the chunk of depth 0.
 /// `lastCharacter` masks the last character of a chunk: a chunk whose last character is zero is a key's last one.
 ///
 /// Of 8-bit keys it tells whether one that is not empty is the beginning of another one. In the sorted order the two

@@ -87,7 +87,7 @@ private:
 };
 
 /// A format that one letter stands for, or "".
-constexpr std::string_view FormatBehind(char letter) {
+constexpr std::string_view FormatOfLetter(char letter) {
     switch (letter) {
         case 'D': return "%m/%d/%y";
         case 'R': return "%H:%M";
@@ -117,7 +117,8 @@ bool ReadConversion(DateText<CharT>& text, FormatCharT letter, CalendarFields& f
     };
     const bool isAscii = letter == (letter & 0x7F);
     const char ascii = isAscii ? static_cast<char>(letter) : '\0';
-    if (const std::string_view behind = FormatBehind(ascii); !behind.empty()) return ReadByFormat(text, behind, fields);
+    if (const std::string_view format = FormatOfLetter(ascii); !format.empty())
+        return ReadByFormat(text, format, fields);
     switch (ascii) {
         case '%': return text.Take(CharT('%'));
         case 'n': return text.Take(CharT('\n'));
@@ -227,7 +228,7 @@ int64_t DateKeyReader::Read(std::basic_string_view<CharT> text, std::basic_strin
 }
 
 int64_t DateKeyReader::TimeOf(const CalendarFields& fields) {
-    // The daylight-saving flag is always 0, so a day's times all lie the same distance behind its midnight. Only for
+    // The daylight-saving flag is always 0, so a day's times all lie the same distance after its midnight. Only for
     // usual values, far from the ends of what the runtime converts, may the sum stand for its answer.
     const auto within = [](int32_t value, int32_t first, int32_t last) { return value >= first && value <= last; };
     const bool isUsual = within(fields.year, 71, 1000) && within(fields.month, 0, 11) &&

@@ -21,7 +21,7 @@ struct CalendarFields {
     bool operator==(const CalendarFields&) const = default;
 };
 
-/// The conversion letter for which a format must be refused before anything is sorted ('Z' or 'c', also behind the
+/// The conversion letter for which a format must be refused before anything is sorted ('Z' or 'c', also after the
 /// modifiers E and O), or 0.
 wchar_t FindUnsupportedConversion(std::wstring_view format);
 

@@ -12,7 +12,7 @@
 
 namespace QVLineSorter {
 
-/// `chunk` without what lies behind its first `characters` characters.
+/// `chunk` without what follows its first `characters` characters.
 template <class CharT>
 uint64_t CutChunk(uint64_t chunk, size_t characters) {
     constexpr size_t kBits = 8 * sizeof(CharT);
@@ -20,7 +20,7 @@ uint64_t CutChunk(uint64_t chunk, size_t characters) {
 }
 
 // Four ways to read the chunk at `from`, where the key has `characters` characters left. They take eight bytes whatever
-// is left of the key: behind the text there are spare ones.
+// is left of the key: after the text there are spare ones.
 
 /// 8-bit characters by their values.
 struct PlainBytes {
@@ -78,8 +78,8 @@ size_t CommonBeginning(const SortableLinesData<CharT>& data, Range lines) {
     return common < shortest ? common : shortest - 1;
 }
 
-/// The chunk of a line's key at a depth, read by one of the functions above; 0 behind the key's end. Depths count from
-/// behind what all keys begin with.
+/// The chunk of a line's key at a depth, read by one of the functions above; 0 after the key's end. Depths count from
+/// the end of what all keys begin with.
 template <class CharT, class ReadChunk>
 class KeyChunks {
 public:

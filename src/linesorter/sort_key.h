@@ -73,7 +73,7 @@ struct KeySpan {
 template <class CharT>
 KeySpan FindKey(std::basic_string_view<CharT> line, const KeyRule<CharT>& rule);
 
-/// The number key: what ParseInteger reads from the first `longest` characters (0: from all) behind the key's start.
+/// The number key: what ParseInteger reads from the first `longest` characters (0: from all) after the key's start.
 /// The key's own length does not matter. 0 when there is no number.
 template <class CharT>
 int64_t NumberKey(std::basic_string_view<CharT> fromKey, uint32_t longest) {

@@ -27,7 +27,7 @@ public:
     ///
     /// Some bytes inside a key are zero too, while chunks take a zero for the end. So 0 is kept as 1 1 and 1 as 1 2,
     /// which changes the order of no two keys. Behind the end there are enough zero bytes for a chunk that begins
-    /// inside the key, and for the half chunk behind the first one of the shortest key.
+    /// inside the key, and for the half chunk after the first one of the shortest key.
     template <class Make>
     const uint8_t* Add(Make&& make) {
         uint32_t size = make(m_scratch.data(), static_cast<uint32_t>(m_scratch.size()));
@@ -114,7 +114,7 @@ public:
 
 private:
     // Characters. A letter weighs two bytes. Of letters that weigh together there are four at most (a Hungarian double
-    // consonant): nothing behind the seventh letter can change the fourth weight, and nothing behind the ninth the
+    // consonant): nothing after the seventh letter can change the fourth weight, and nothing after the ninth the
     // sixth.
     static constexpr size_t kForChunk = 7;
     static constexpr size_t kForTail = 9;

@@ -74,7 +74,7 @@ void SortOrdinalBytes(const SortableLinesData<char>& data, Range lines, const By
     ApplyOrder(lines, entries);
 }
 
-/// Chunks cannot tell a zero character from a key's end. To the runtime's comparisons a key ends behind its first zero.
+/// Chunks cannot tell a zero character from a key's end. To the runtime's comparisons a key ends with its first zero.
 void SortOrdinalBytesWithZeros(const SortableLinesData<char>& data, Range lines, const ByteOrder& order) {
     const auto keyOf = [&](uint32_t index) {
         const std::string_view key = data.KeyText(lines[index]);

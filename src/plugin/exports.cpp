@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::wstring_view kAuthor = L"The QVUtils maintainers";
 constexpr std::wstring_view kHomePage = L"https://qvutils.example/";
-constexpr size_t kDescriptionUnits = 160;  // written; the field has more room
+constexpr size_t kDescriptionUnits = 160;  // written; the field is larger
 
 struct CatalogueRow {
     std::wstring_view name;

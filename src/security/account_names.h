@@ -1,4 +1,4 @@
-// account_names.h - between accounts as people write them and the identifiers in security descriptors.
+// account_names.h - between accounts as users write them and the identifiers in security descriptors.
 #pragma once
 
 #include <array>

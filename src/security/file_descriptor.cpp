@@ -8,7 +8,7 @@ bool FileDescriptor::Read(const SecuritySystem& system, const std::wstring& path
     const std::wstring file = Win32::ExtendedPath(path);
     m_larger.reset();
     DWORD needed = 0;
-    if (system.getFileSecurity(file.c_str(), parts, m_room.data(), kRoom, &needed)) return true;
+    if (system.getFileSecurity(file.c_str(), parts, m_buffer.data(), kUsualSize, &needed)) return true;
     if (GetLastError() != ERROR_INSUFFICIENT_BUFFER || needed == 0) return false;
     m_larger = std::make_unique_for_overwrite<std::byte[]>(needed);
     return system.getFileSecurity(file.c_str(), parts, m_larger.get(), needed, &needed) != FALSE;

@@ -10,17 +10,17 @@
 
 namespace Security {
 
-/// Most descriptors are small: they are read by one call into room of the object's own. Only larger ones are asked for
-/// their size and read again.
+/// Most descriptors are small: they are read by one call into a buffer of the object's own. Only larger ones are asked
+/// for their size and read again.
 class FileDescriptor {
 public:
     /// False when the file has none or may not be read. `parts`: OWNER_SECURITY_INFORMATION and its like.
     bool Read(const SecuritySystem& system, const std::wstring& path, SECURITY_INFORMATION parts);
-    PSECURITY_DESCRIPTOR Get() { return m_larger ? m_larger.get() : m_room.data(); }
+    PSECURITY_DESCRIPTOR Get() { return m_larger ? m_larger.get() : m_buffer.data(); }
 
 private:
-    static constexpr size_t kRoom = 1024;  // bytes
-    alignas(void*) std::array<std::byte, kRoom> m_room;
+    static constexpr size_t kUsualSize = 1024;  // bytes
+    alignas(void*) std::array<std::byte, kUsualSize> m_buffer;
     std::unique_ptr<std::byte[]> m_larger;
 };
 

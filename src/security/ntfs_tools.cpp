@@ -100,7 +100,7 @@ SE_OBJECT_TYPE ObjectTypeOf(const std::wstring& path) {
     if (path.empty()) return SE_UNKNOWN_OBJECT_TYPE;
     if (HasDrive(path)) return SE_FILE_OBJECT;
     // On purpose, a path on a share included: the type is a registry key's, and the system refuses a name that is none.
-    // So access lists on servers are never changed from here; whoever needs that works on a mapped drive.
+    // So access lists on servers are never changed from here; there the way is a mapped drive.
     return SE_REGISTRY_KEY;
 }
 
@@ -157,7 +157,7 @@ uint32_t NTFSTools::RemoveAllEntries(const std::wstring& path) const {
     if (const uint32_t error = ReadAccessList(m_system, path, list)) return error;
     NewAccessList empty(sizeof(ACL));
     if (!list.entries) {
-        // No list at all would stay what it is, access for everybody; an empty one makes room for what is inherited.
+        // No list at all would stay what it is, access for everybody; an empty one is filled with what is inherited.
         if (!empty.Initialize()) return GetLastError();
         list.entries = empty.Get();
     }

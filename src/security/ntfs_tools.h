@@ -18,7 +18,7 @@ public:
     NTFSTools& operator=(const NTFSTools&) = delete;
 
     /// The owner as `DOMAIN\name`. With `remotely` the machine that holds the file is asked for the name: the server of
-    /// a share, also of one behind a drive letter. False when there is no owner, or none with a name.
+    /// a share, also of one that a drive letter leads to. False when there is no owner, or none with a name.
     bool GetOwnerName(const std::wstring& path, bool remotely, std::wstring& owner) const;
     /// 0 when the account exists.
     uint32_t CheckAccount(const std::wstring& account) const;
@@ -29,7 +29,7 @@ public:
     /// Empties the access list and lets the file inherit again. The result of the last write.
     uint32_t RemoveAllEntries(const std::wstring& path) const;
     uint32_t ResetInheritance(const std::wstring& path) const;
-    /// The share behind a drive. False when there is none.
+    /// The share that a drive leads to. False when there is none.
     bool GetUniversalName(const std::wstring& drivePath, std::wstring& name) const;
 
     /// Forgets the shares and account names that this process has looked up.

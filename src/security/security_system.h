@@ -1,4 +1,4 @@
-// security_system.h - the system calls behind this room, as a table in which a test can replace a single one: not every
+// security_system.h - the system calls of this module, as a table in which a test can replace a single one: not every
 // system that this library is tested on has them all.
 #pragma once
 

@@ -14,7 +14,7 @@ struct StreamFigures {
     bool operator==(const StreamFigures&) const = default;
 };
 
-/// `block` holds records one behind the other, all numbers little-endian: offset of the next record from this one (4
+/// `block` holds records one after the other, all numbers little-endian: offset of the next record from this one (4
 /// bytes, 0 in the last), length of the name in bytes (4), size of the data (8), size on disk (8), name in UTF-16. A
 /// block of zeros is a file without named streams.
 ///

@@ -13,7 +13,7 @@ constexpr size_t kShortestShare = 4;  // units
 constexpr DWORD kUsualSize = 1024;    // bytes
 constexpr std::wstring_view kLongShare = LR"(\\?\UNC\)";
 
-/// UNIVERSAL_NAME_INFOW, whose text stands behind it in the same buffer.
+/// UNIVERSAL_NAME_INFOW, whose text follows it in the same buffer.
 struct UniversalName {
     const wchar_t* text;
 };

@@ -1,4 +1,4 @@
-// universal_names.h - the shares behind mapped drives, asked for once and kept.
+// universal_names.h - the shares of mapped drives, asked for once and kept.
 #pragma once
 
 #include <map>
@@ -12,7 +12,7 @@ namespace Security {
 /// May be used from any thread.
 class UniversalNames {
 public:
-    /// The share (`\\server\share`) behind `path`, a drive or a path on it. False for a drive that is none of a
+    /// The share (`\\server\share`) that `path` leads to, a drive or a path on it. False for a drive that is none of a
     /// network; that is asked again the next time, since a drive may be mapped at any moment.
     bool Find(const std::wstring& path, const SecuritySystem& system, std::wstring& name);
     void Clear();

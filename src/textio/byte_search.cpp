@@ -155,7 +155,7 @@ const CharT* FindSequence(const CharT* begin, const CharT* end, const CharT* ite
 template <class CharT>
 const CharT* FindLastSequence(const CharT* begin, const CharT* end, const CharT* item, size_t length, bool ignoreCase) {
     if (length == 0 || static_cast<size_t>(end - begin) < length) return end;
-    const CharT* after = end - length + 1;  // one behind the places still to be looked at
+    const CharT* after = end - length + 1;  // one after the places still to be looked at
 #ifdef __SSE2__
     using B = Block<CharT>;
     const UnitTest<CharT> first(item[0], ignoreCase);

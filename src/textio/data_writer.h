@@ -20,7 +20,7 @@ public:
     DataWriter(const DataWriter&) = delete;
     DataWriter& operator=(const DataWriter&) = delete;
 
-    /// Hooks around a whole text; no writer needs them so far.
+    /// Hooks around a whole text, without effect here.
     virtual void BeginText() {}
     virtual void EndText() {}
 
@@ -104,8 +104,8 @@ public:
     }
 
     uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* bytesWritten) override {
-        const auto room = static_cast<size_t>(m_end - m_cursor);
-        const auto taken = static_cast<uint32_t>(size < room ? size : room);
+        const auto free = static_cast<size_t>(m_end - m_cursor);
+        const auto taken = static_cast<uint32_t>(size < free ? size : free);
         if (taken > 0) std::memcpy(m_cursor, buffer, taken);
         m_cursor += taken;
         if (bytesWritten) *bytesWritten = taken;
@@ -129,7 +129,7 @@ private:
 };
 
 /// Collects small writes into blocks for another writer; large ones go through as they are. The line break is taken
-/// from the other writer when this one is made. Whoever writes through it calls Flush at the end; a buffer that is
+/// from the other writer when this one is made. The user of it calls Flush at the end; a buffer that is
 /// destroyed without it (after a failure) drops what it holds.
 class BufferedDataWriter final : public DataWriter {
 public:

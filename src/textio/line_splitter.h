@@ -18,7 +18,7 @@ enum class LineBreak : uint8_t {
 /// One line cut from a text. Pointers lead into the text.
 template <class CharT>
 struct LineEnd {
-    const CharT* textEnd;   // behind the line's last character
+    const CharT* textEnd;   // after the line's last character
     const CharT* nextLine;  // where the next line begins; the text's end after the last one
     uint8_t breakLength;    // units
     LineBreak lineBreak;

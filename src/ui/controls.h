@@ -1,4 +1,4 @@
-// controls.h - values in and out of controls: texts, checks, lists with a number behind each entry, numbers.
+// controls.h - values in and out of controls: texts, checks, lists with a number for each entry, numbers.
 #pragma once
 
 #include <cstdint>

@@ -24,7 +24,7 @@ std::wstring_view FileNameOf(std::wstring_view path) {
     return path.substr(NameBegin(path));
 }
 
-NameParts SplitName(std::wstring_view fileName) {
+NameParts SplitAtLastDot(std::wstring_view fileName) {
     const size_t dot = fileName.rfind(L'.');
     if (dot == std::wstring_view::npos) return {fileName, {}, false};
     return {fileName.substr(0, dot), fileName.substr(dot + 1), true};

@@ -26,7 +26,7 @@ struct NameParts {
     std::wstring_view extension;
     bool hasDot = false;  // tells "name." from "name"
 };
-NameParts SplitName(std::wstring_view fileName);
+NameParts SplitAtLastDot(std::wstring_view fileName);
 
 /// `folder` without the separators at its end; "C:\\" keeps its own.
 std::wstring_view WithoutSeparator(std::wstring_view folder);

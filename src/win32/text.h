@@ -1,4 +1,4 @@
-// text.h - what texts need in every module: letter case, numbers, surrogates, UTF-8. Each rule stands here once.
+// text.h - what texts need in every module: letter case, numbers, surrogates, UTF-8. Each rule is here once.
 #pragma once
 
 #include <charconv>

@@ -19,7 +19,7 @@ void ShowFailure(IHostServices& host, uint32_t error, TextId failureText) {
     host.MessageBox(message.c_str(), HostText(host, Text::FailureTitle), MB_ICONERROR);
 }
 
-/// The message that people get has room for the code alone; the log says which path it was.
+/// The message that the user gets takes the code alone; the log says which path it was.
 uint32_t Change(IHostServices& host, const SecurityChange& change, const std::wstring& path) {
     const uint32_t error = change(path);
     if (error != ERROR_SUCCESS)

@@ -21,7 +21,7 @@ struct ControlPanelCategory {
 struct ControlPanelItem {
     const wchar_t* displayName;
     const wchar_t* canonicalName;  // without "Microsoft.", see flagA
-    bool flagA;                    // the canonical name goes behind "Microsoft."
+    bool flagA;                    // the canonical name follows "Microsoft."
     bool flagB;
     bool flagC;
     bool flagD;  // in the menu of a host that uses column D

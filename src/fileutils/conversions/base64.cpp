@@ -37,7 +37,7 @@ constexpr std::array<uint8_t, 256> MakeValues() {
 }
 constexpr std::array<uint8_t, 256> kValues = MakeValues();
 
-constexpr uint32_t kNoGroup = 0xFF000000;  // the byte behind a group's three
+constexpr uint32_t kNoGroup = 0xFF000000;  // the byte after a group's three
 
 /// What a letter at one of a group's four places adds to the group's bytes, as they lie in memory: the four values of a
 /// group joined by "or" are its three bytes, and a fourth that is not 0 when one was no letter.

@@ -27,7 +27,7 @@ public:
     /// The text is over: the bytes of a last group without its padding, at most two.
     size_t Finish(uint8_t* data);
 
-    /// False after Finish when the text was cut in the middle of a byte: a single letter stood behind the last group.
+    /// False after Finish when the text was cut in the middle of a byte: a single letter followed the last group.
     bool IsWhole() const noexcept { return m_isWhole; }
 
     /// Characters that were skipped or ignored though a text of this kind has none of them: all but blanks, line
@@ -44,11 +44,11 @@ private:
     bool m_isWhole = true;
 };
 
-/// Cuts encoded text into lines of 76 characters, each with CR LF behind it.
+/// Cuts encoded text into lines of 76 characters, each with CR LF after it.
 ///
 /// The text is given in the blocks that it was encoded in. Of each block, what is not longer than a line goes out in
-/// one piece, whatever stands in the line already. So the last line of a text can have up to 144 characters, and a line
-/// shorter than 76 gets no CR LF: that is how these files have always looked, and it is kept to the byte.
+/// one piece, whatever is in the line already. So the last line of a text can have up to 144 characters, and a line
+/// shorter than 76 gets no CR LF. compatibility: last-line-of-base64
 class Base64Lines {
 public:
     static constexpr size_t kLineLength = 76;

@@ -114,7 +114,7 @@ std::wstring NameFromHeaderOf(const std::wstring& path) {
 std::wstring TargetOf(const std::wstring& path, bool encodes) {
     if (encodes) return path + L".b64";
     std::wstring name = NameFromHeaderOf(path);
-    if (name.empty()) name = Win32::SplitName(Win32::FileNameOf(path)).stem;
+    if (name.empty()) name = Win32::SplitAtLastDot(Win32::FileNameOf(path)).stem;
     return Win32::JoinPath(Win32::FolderOf(path), name);
 }
 

@@ -11,7 +11,7 @@ namespace {
 constexpr char kCr = '\r';
 constexpr char kLf = '\n';
 
-/// Copies [begin, end) and gives the place behind the copy.
+/// Copies [begin, end) and gives the place after the copy.
 char* Copy(const char* begin, const char* end, char* out) {
     const auto size = static_cast<size_t>(end - begin);
     std::memcpy(out, begin, size);

@@ -18,7 +18,7 @@ using QVUtils::EncodingKind;
 namespace Answer = QVFindAndReplace::Answer;
 
 constexpr size_t kBeforeMatch = 60;  // units of the match's line that are shown before it
-constexpr size_t kAfterMatch = 120;  // and behind it
+constexpr size_t kAfterMatch = 120;  // and after it
 constexpr size_t kLongestMatch = 400;
 constexpr size_t kLongestLine = 200;  // of the lines around it
 constexpr size_t kLongestReplacement = 4000;

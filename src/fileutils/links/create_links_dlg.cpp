@@ -46,7 +46,7 @@ uint32_t ProposedType(const std::vector<LinkTarget>& targets) {
 std::wstring ProposedLinkName(const LinkTarget& target, const std::wstring& folder) {
     std::wstring name(Win32::FileNameOf(target.path));
     if (!IsSamePath(Win32::JoinPath(folder, name), target.path)) return name;
-    const Win32::NameParts parts = target.isFolder ? Win32::NameParts{name, {}, false} : Win32::SplitName(name);
+    const Win32::NameParts parts = target.isFolder ? Win32::NameParts{name, {}, false} : Win32::SplitAtLastDot(name);
     std::wstring proposed = std::wstring(parts.stem) + L" - link";
     if (parts.hasDot) proposed += L'.' + std::wstring(parts.extension);
     return proposed;

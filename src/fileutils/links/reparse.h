@@ -14,7 +14,7 @@ namespace FileUtils {
 inline constexpr size_t kReparseBufferSize = 16 * 1024;  // bytes
 
 struct ReparseBuffer {
-    std::vector<uint8_t> bytes;  // kReparseBufferSize of them, zero behind what is used
+    std::vector<uint8_t> bytes;  // kReparseBufferSize of them, zero after what is used
     uint32_t usedSize = 0;       // what is handed to the system
 };
 

@@ -16,7 +16,7 @@ using namespace Quorvane::SDK;
 constexpr uint32_t kNameCapacity = 1024;  // units; the host's input dialog gets no more
 
 std::wstring StemOf(IFileItem& item) {
-    return std::wstring(Win32::SplitName(NameOf(item)).stem);
+    return std::wstring(Win32::SplitAtLastDot(NameOf(item)).stem);
 }
 
 /// The files of the list that are called `stem`, in its order.

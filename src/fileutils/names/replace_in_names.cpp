@@ -26,7 +26,7 @@ std::wstring WithTextReplaced(const NameReplacement& replacement, std::wstring_v
     if (replacement.find.empty()) return std::wstring(name);
     // In both parts the dot between them counts as text like any other.
     if (replacement.part == NamePart::Both) return Replaced(replacement, name);
-    const Win32::NameParts parts = isFolder ? Win32::NameParts{name, {}, false} : Win32::SplitName(name);
+    const Win32::NameParts parts = isFolder ? Win32::NameParts{name, {}, false} : Win32::SplitAtLastDot(name);
     std::wstring result;
     const bool inName = replacement.part == NamePart::Name;
     result += inName ? Replaced(replacement, parts.stem) : std::wstring(parts.stem);

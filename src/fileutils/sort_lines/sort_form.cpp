@@ -39,7 +39,7 @@ public:
         ReadNumber(m_form.keepBottom, L"End Line", request.keepBottom);
         uint32_t position = 0;
         ReadNumber(m_form.linePosition, L"Start at line position", position);
-        request.lineOffset = position > 0 ? position - 1 : 0;  // people count positions from 1; 0 is as good as 1
+        request.lineOffset = position > 0 ? position - 1 : 0;  // users count positions from 1; 0 is as good as 1
         ReadKey(request);
         if (request.Has(Option::AsDate)) ReadDateFormat(request);
         Fail(FaultOfEngine(request));
@@ -47,9 +47,8 @@ public:
     }
 
 private:
-    /// The pairing is deliberate: the box of natural numbers can be set only while the order is a language's, and
-    /// counts only while it is not. So from the dialog it never takes effect, and sorts that people repeat come out as
-    /// before.
+    /// The box of natural numbers can be set only while the order is a language's, and counts only while it is not. So
+    /// from the dialog it never takes effect. compatibility: natural-numbers-of-the-sort-dialog
     static uint32_t OptionsOf(uint32_t shown) {
         uint32_t options = shown & kFormBits;
         if (options & Option::LanguageOrder) options &= ~(Option::NaturalNumbers | Option::IgnoreCase);
