@@ -49,12 +49,13 @@ std::string Transcript(FileRun run, const std::vector<std::wstring>& answers, bo
     const FileRunResult result = RunOverFiles(host.Services(), *list, run);
     list->Release();
     if (result.isCancelled) told += "cancelled ";
-    // What the host was handed to mark.
+    // What the host was asked, and handed to mark.
     std::istringstream notes(host.Notes());
-    for (std::string line; std::getline(notes, line);)
-        for (const char* mark : {"done", "failed", "skipped"})
-            if (line.starts_with("[" + std::string(mark) + "]"))
-                told += mark + (' ' + line.substr(line.rfind('\\') + 1)) + ' ';
+    for (std::string line; std::getline(notes, line);) {
+        if (line.starts_with("[question]")) told += "? ";
+        for (const std::string mark : {"done", "failed", "skipped"})
+            if (line.starts_with('[' + mark + ']')) told += mark + ' ' + line.substr(line.rfind('\\') + 1) + ' ';
+    }
     return told;
 }
 
@@ -77,7 +78,7 @@ TEST(RunOverFiles, AsksTellsAndMarks) {
          false,
          two,
          {L"ok"},
-         inPlace + "do c.txt>c.txt do d.txt>d.txt summary 3 1 0 done a.txt done c.txt done d.txt failed b.txt "},
+         inPlace + "do c.txt>c.txt do d.txt>d.txt summary 3 1 0 done a.txt done c.txt done d.txt failed b.txt ? "},
         {"silently: what exists stays, and no list is for it",
          L"*.x",
          false,
@@ -94,7 +95,7 @@ TEST(RunOverFiles, AsksTellsAndMarks) {
          three,
          {L"no", L"no", L"ok"},
          "do a.txt>a.x do b.txt>b.x skip c.txt>c.x skip d.txt>d.x summary 1 1 2 "
-         "done a.txt failed b.txt skipped c.txt skipped d.txt "},
+         "? ? done a.txt failed b.txt skipped c.txt skipped d.txt ? "},
         {"yes holds for the rest",
          L"*.x",
          false,
@@ -103,8 +104,8 @@ TEST(RunOverFiles, AsksTellsAndMarks) {
          two,
          {L"yes", L"ok"},
          "do a.txt>a.x do b.txt>b.x do c.txt>c.x! do d.txt>d.x! summary 3 1 0 "
-         "done a.txt done c.txt done d.txt failed b.txt "},
-        {"cancel ends it", L"*.x", false, false, false, two, {L"cancel"}, "do a.txt>a.x do b.txt>b.x cancelled "},
+         "? done a.txt done c.txt done d.txt failed b.txt ? "},
+        {"cancel ends it", L"*.x", false, false, false, two, {L"cancel"}, "do a.txt>a.x do b.txt>b.x cancelled ? "},
         {"so does the progress display", nullptr, false, false, true, two, {}, "do a.txt>a.txt cancelled "},
         {"overwriting asks nothing",
          L"*.x",
