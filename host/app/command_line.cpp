@@ -12,126 +12,58 @@
 namespace QVHost {
 namespace {
 
-/// The options that take a value: their value is known by its place and may itself begin with `-`.
-constexpr std::wstring_view kValueOptions[] = {L"--library", L"--config",     L"--language", L"--log",
-                                               L"--answer",  L"--files-from", L"--pipe",     L"--extension"};
-
 constexpr wchar_t kServerAction[] = L"elevated-server";
-
-/// The options of `rename` that take a value. Their values never meet the option parser: an empty one, and one that
-/// looks like an option or a list, are names and templates like any other.
-struct RenameValueOption {
-    const wchar_t* name;
-    std::optional<std::wstring> RenameOptions::*single;  // the last one counts
-    std::vector<std::wstring> RenameOptions::*list;      // or: all, in order
-    const char* typeName;
-    const char* description;
-};
-constexpr RenameValueOption kRenameValueOptions[] = {
-    {L"--name", &RenameOptions::nameTemplate, nullptr, "TEMPLATE",
-     "The new names: [N] name, [C] counter, [F] folder..."},
-    {L"--extension", &RenameOptions::extensionTemplate, nullptr, "TEMPLATE", "The new extensions: [E] extension..."},
-    {L"--counter", &RenameOptions::counter, nullptr, "START,STEP,DIGITS", "How [C] counts (1,1,2)"},
-    {L"--case", &RenameOptions::caseName, nullptr, "CASE",
-     "lower, upper, name-lower, name-upper, extension-lower, extension-upper, words or sentence"},
-    {L"--find", nullptr, &RenameOptions::find, "TEXT", "Found in the new names; with its --replace, repeatable"},
-    {L"--replace", nullptr, &RenameOptions::replace, "TEXT", "What takes its place"},
-    {L"--scope", &RenameOptions::scope, nullptr, "SCOPE", "Where to find: both, name or extension"},
-    {L"--profile", &RenameOptions::profile, nullptr, "NAME", "Begins with a saved rule"},
-    {L"--save-profile", &RenameOptions::saveProfile, nullptr, "NAME", "Saves the rule"},
-    {L"--time", &RenameOptions::time, nullptr, "YYYY-MM-DDThh:mm:ss", "What date and time tags give (now)"},
-};
-
-/// The command line in parts: what the option parser sees, and the rest, which it never gets to interpret.
-struct SplitArguments {
-    std::vector<std::string> options;
-    RenameOptions rename;
-    bool hasRenameValues = false;
-    std::optional<std::wstring> action;
-    std::vector<std::wstring> operands;
-};
-
-/// Takes the word at `at`, and its value behind it or behind its "=", when it is such an option.
-bool TakeRenameValue(const std::vector<std::wstring>& arguments, size_t& at, SplitArguments& split) {
-    const std::wstring& word = arguments[at];
-    const size_t equals = word.find(L'=');
-    const auto option =
-        std::ranges::find(kRenameValueOptions, std::wstring_view(word).substr(0, equals), &RenameValueOption::name);
-    if (option == std::end(kRenameValueOptions)) return false;
-    if (equals == std::wstring::npos && at + 1 == arguments.size()) throw UsageError(word + L" needs a value");
-    std::wstring value = equals == std::wstring::npos ? arguments[++at] : word.substr(equals + 1);
-    if (option->single)
-        split.rename.*option->single = std::move(value);
-    else
-        (split.rename.*option->list).push_back(std::move(value));
-    split.hasRenameValues = true;
-    return true;
-}
-
-SplitArguments Split(const std::vector<std::wstring>& arguments) {
-    SplitArguments split;
-    // The elevated server has an --extension of its own.
-    const bool isRename = std::ranges::find(arguments, L"rename") != arguments.end();
-    bool onlyOperands = false;
-    for (size_t at = 0; at < arguments.size(); ++at) {
-        const std::wstring& word = arguments[at];
-        const bool isOption = !onlyOperands && word.size() > 1 && word.front() == L'-';
-        if (isOption && word == L"--") {
-            onlyOperands = true;
-        } else if (isOption && isRename && TakeRenameValue(arguments, at, split)) {
-            continue;
-        } else if (isOption && std::ranges::find(kValueOptions, word) != std::end(kValueOptions)) {
-            if (at + 1 == arguments.size()) throw UsageError(word + L" needs a value");
-            if (arguments[++at].empty()) throw UsageError(word + L" needs a value that is not empty");
-            split.options.push_back(ToUtf8(word + L"=" + arguments[at]));
-        } else if (isOption) {
-            split.options.push_back(ToUtf8(word));
-        } else if (!split.action) {
-            split.action = word;
-            split.options.push_back(ToUtf8(word));
-        } else {
-            split.operands.push_back(word);
-        }
-    }
-    return split;
-}
 
 std::wstring Wide(const std::string& text) {
     return FromUtf8(text).value_or(L"");
 }
 
-/// What the option parser fills; texts are UTF-8.
-struct RawOptions {
-    std::string library, config, language, log, filesFrom, pipe;
-    std::vector<std::string> answers;
-};
+void Store(std::wstring& target, std::wstring value) {
+    target = std::move(value);
+}
+void Store(std::optional<std::wstring>& target, std::wstring value) {
+    target = std::move(value);
+}
+void Store(std::vector<std::wstring>& target, std::wstring value) {
+    target.push_back(std::move(value));
+}
 
-void AddOptions(CLI::App& app, RawOptions& raw, HostOptions& options) {
+/// An option with a value, which is taken as it is: the parser's own conversions read brackets, "{}" and "%%" as lists.
+/// Of several values a list gets all, in order, anything else the last.
+template <class Target>
+CLI::Option* AddValue(CLI::App& app, const char* name, const char* typeName, Target& target, const char* description) {
+    const auto take = [&target](const CLI::results_t& values) {
+        for (const std::string& value : values) Store(target, Wide(value));
+        return true;
+    };
+    return app.add_option(name, CLI::callback_t(take), description)
+        ->type_name(typeName)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+void AddOptions(CLI::App& app, HostOptions& options) {
+    const auto notEmpty = [](const std::string& value) {
+        return value.empty() ? std::string("needs a value that is not empty") : std::string();
+    };
     app.set_version_flag("--version", "qvhost " QV_VERSION, "Print the version and exit");
-    app.add_option("--library", raw.library, "The library to load (default: QVUtils.dll beside this program)")
-        ->type_name("FILE")
-        ->take_last();
-    app.add_option("--config", raw.config, "Where settings are kept (default: per user)")
-        ->type_name("FOLDER")
-        ->take_last();
-    app.add_option("--language", raw.language, "The texts (default: qvhost-english.txt beside this program)")
-        ->type_name("FILE")
-        ->take_last();
-    app.add_option("--log", raw.log, "Appends the log lines to a file as well")->type_name("FILE")->take_last();
+    AddValue(app, "--library", "FILE", options.library,
+             "The library to load (default: QVUtils.dll beside this program)")
+        ->check(notEmpty);
+    AddValue(app, "--config", "FOLDER", options.config, "Where settings are kept (default: per user)")->check(notEmpty);
+    AddValue(app, "--language", "FILE", options.language, "The texts (default: qvhost-english.txt beside this program)")
+        ->check(notEmpty);
+    AddValue(app, "--log", "FILE", options.log, "Appends the log lines to a file as well")->check(notEmpty);
     app.add_flag("--quiet", options.isQuiet, "No log lines on standard output");
-    // A list that takes no extra words: only so is an answer such as [a,b] one answer.
-    app.add_option("--answer", raw.answers,
-                   "Answers the next question: yes, no, cancel, ok, replace, replace-all, find-next, or the text to "
-                   "choose or to enter. Repeat it for further questions; the last one repeats")
-        ->type_name("ANSWER")
-        ->allow_extra_args(false);
+    AddValue(app, "--answer", "ANSWER", options.answers,
+             "Answers the next question: yes, no, cancel, ok, replace, replace-all, find-next, or the text to "
+             "choose or to enter. Repeat it for further questions; the last one repeats")
+        ->check(notEmpty);
     app.add_flag("--windows", options.asksInWindows,
                  "Asks questions in windows, and shows progress in one where there is no terminal");
-    app.add_option("--files-from", raw.filesFrom,
-                   "Further paths, one a line, UTF-8; - for standard input. A call is made for each path, "
-                   "which stands where its arguments say {}")
-        ->type_name("FILE")
-        ->take_last();
+    AddValue(app, "--files-from", "FILE", options.filesFrom,
+             "Further paths, one a line, UTF-8; - for standard input. A call is made for each path, "
+             "which stands where its arguments say {}")
+        ->check(notEmpty);
     app.add_flag("--can-elevate", options.canElevate, "The host can start an elevated second process");
     app.add_flag("--elevated", options.isElevated, "The host counts as elevated");
     app.add_flag("--column-d", options.usesColumnD, "The control-panel menu leaves out what column D excludes");
@@ -139,9 +71,17 @@ void AddOptions(CLI::App& app, RawOptions& raw, HostOptions& options) {
 }
 
 void AddRename(CLI::App& app, RenameOptions& rename) {
-    // For the help alone: these never get here.
-    for (const RenameValueOption& option : kRenameValueOptions)
-        app.add_option(ToUtf8(option.name), option.description)->type_name(option.typeName);
+    AddValue(app, "--name", "TEMPLATE", rename.nameTemplate, "The new names: [N] name, [C] counter, [F] folder...");
+    AddValue(app, "--extension", "TEMPLATE", rename.extensionTemplate, "The new extensions: [E] extension...");
+    AddValue(app, "--counter", "START,STEP,DIGITS", rename.counter, "How [C] counts (1,1,2)");
+    AddValue(app, "--case", "CASE", rename.caseName,
+             "lower, upper, name-lower, name-upper, extension-lower, extension-upper, words or sentence");
+    AddValue(app, "--find", "TEXT", rename.find, "Found in the new names; with its --replace, repeatable");
+    AddValue(app, "--replace", "TEXT", rename.replace, "What takes its place");
+    AddValue(app, "--scope", "SCOPE", rename.scope, "Where to find: both, name or extension");
+    AddValue(app, "--profile", "NAME", rename.profile, "Begins with a saved rule");
+    AddValue(app, "--save-profile", "NAME", rename.saveProfile, "Saves the rule");
+    AddValue(app, "--time", "YYYY-MM-DDThh:mm:ss", rename.time, "What date and time tags give (now)");
     app.add_flag("--regex", rename.isRegex, "The find texts are regular expressions");
     app.add_flag("--replace-all", rename.replacesAll, "Replaces every occurrence, not the first one alone");
     app.add_flag("--case-sensitive", rename.isCaseSensitive, "Finds in exactly this case");
@@ -149,7 +89,7 @@ void AddRename(CLI::App& app, RenameOptions& rename) {
     app.add_flag("--no-undo", rename.noUndo, "Records nothing for undo");
 }
 
-void AddActions(CLI::App& app, RawOptions& raw, HostOptions& options) {
+void AddActions(CLI::App& app, HostOptions& options) {
     const auto add = [&](const char* name, const char* description, Action action) {
         CLI::App* const sub = app.add_subcommand(name, description);
         sub->fallthrough();
@@ -171,9 +111,48 @@ void AddActions(CLI::App& app, RawOptions& raw, HostOptions& options) {
     CLI::App* const server =
         add(ToUtf8(kServerAction).c_str(), "The second process; started by the first", Action::ElevatedServer);
     server->group("");  // not in the help: nobody starts it by hand
-    server->add_option("--pipe", raw.pipe);
+    AddValue(*server, "--pipe", "NAME", options.pipe, "The pipe to serve");
     server->add_option("--extension", options.extension);
     app.require_subcommand(1);
+}
+
+bool TakesValue(const CLI::App& app, const std::string& option) {
+    if (const CLI::Option* const known = app.get_option_no_throw(option)) return known->get_items_expected_min() > 0;
+    const auto subcommands = app.get_subcommands([](const CLI::App*) { return true; });
+    return std::ranges::any_of(subcommands, [&](const CLI::App* each) { return TakesValue(*each, option); });
+}
+
+/// The command line in parts: what the parser sees, and the operands.
+struct SplitArguments {
+    std::optional<std::wstring> action;
+    std::vector<std::string> options;  // with their values, each in a word of its own
+    std::vector<std::wstring> operands;
+};
+
+/// Operands never meet the parser: it would take one such as [a,b] for a list, and words after `--` for options once
+/// it is in a subcommand. Nor does an option with "=", since the parser would take the next word for an empty value.
+SplitArguments Split(const CLI::App& app, const std::vector<std::wstring>& arguments) {
+    SplitArguments split;
+    bool onlyOperands = false;
+    for (size_t at = 0; at < arguments.size(); ++at) {
+        const std::wstring& word = arguments[at];
+        if (!onlyOperands && word == L"--") {
+            onlyOperands = true;
+        } else if (!onlyOperands && word.size() > 1 && word.front() == L'-') {
+            const size_t equals = word.find(L'=');
+            const bool takesValue = TakesValue(app, ToUtf8(word.substr(0, equals)));
+            split.options.push_back(ToUtf8(takesValue ? word.substr(0, equals) : word));
+            if (takesValue && equals != std::wstring::npos)
+                split.options.push_back(ToUtf8(word.substr(equals + 1)));
+            else if (takesValue && at + 1 < arguments.size())
+                split.options.push_back(ToUtf8(arguments[++at]));
+        } else if (!split.action) {
+            split.action = word;
+        } else {
+            split.operands.push_back(word);
+        }
+    }
+    return split;
 }
 
 /// @throws UsageError for an action that there is not; the parser would only miss one
@@ -206,15 +185,15 @@ void CheckOperands(const HostOptions& options) {
 }  // namespace
 
 HostOptions ParseCommandLine(const std::vector<std::wstring>& arguments) {
-    SplitArguments split = Split(arguments);
     HostOptions options;
-    RawOptions raw;
     CLI::App app("Loads QVUtils.dll, or another library for the file manager, and runs its commands.", "qvhost");
-    AddOptions(app, raw, options);
-    AddActions(app, raw, options);
+    AddOptions(app, options);
+    AddActions(app, options);
+    SplitArguments split = Split(app, arguments);
     CheckAction(app, split.action);
     try {
         std::ranges::reverse(split.options);  // the parser takes them from the back
+        if (split.action) split.options.push_back(ToUtf8(*split.action));
         app.parse(split.options);
     } catch (const CLI::Success& success) {
         std::ostringstream help;
@@ -226,23 +205,7 @@ HostOptions ParseCommandLine(const std::vector<std::wstring>& arguments) {
     } catch (const CLI::Error& error) {
         throw UsageError(Wide(error.what()));
     }
-    if (split.hasRenameValues && options.action != Action::Rename)
-        throw UsageError(L"there are options here that go with rename alone");
-    // The parser has filled in the switches, the split the values.
-    for (const RenameValueOption& option : kRenameValueOptions) {
-        if (option.single)
-            options.rename.*option.single = std::move(split.rename.*option.single);
-        else
-            options.rename.*option.list = std::move(split.rename.*option.list);
-    }
     options.operands = std::move(split.operands);
-    options.library = Wide(raw.library);
-    options.config = Wide(raw.config);
-    options.language = Wide(raw.language);
-    options.log = Wide(raw.log);
-    options.pipe = Wide(raw.pipe);
-    if (!raw.filesFrom.empty()) options.filesFrom = Wide(raw.filesFrom);
-    for (const std::string& answer : raw.answers) options.answers.push_back(Wide(answer));
     CheckOperands(options);
     if (options.action == Action::Panel) options.asksInWindows = true;
     return options;

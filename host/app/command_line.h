@@ -31,7 +31,7 @@ struct RenameOptions {
 
 struct HostOptions {
     Action action = Action::Extensions;
-    std::vector<std::wstring> operands;  // what stands behind the action's name, as given
+    std::vector<std::wstring> operands;  // what stands after the action's name, as given
     std::wstring library;                // "": beside the program; so are the next two
     std::wstring config;
     std::wstring language;
@@ -58,8 +58,8 @@ struct HelpText {
 
 /// `arguments` without the program's name.
 ///
-/// Options may stand before or behind the action. Everything else behind the action is an operand and taken as it is:
-/// blanks, brackets, commas and further equals signs mean nothing here. Behind `--` even words that begin with `-` are
+/// Options may stand before or after the action. Everything else after the action is an operand and taken as it is:
+/// blanks, brackets, commas and further equals signs mean nothing here. After `--` even words that begin with `-` are
 /// operands.
 /// @throws UsageError
 /// @throws HelpText for --help and --version
