@@ -9,6 +9,7 @@
 
 namespace QVHost {
 
+/// The compiler's own owners (comutil.h) call functions that it has no library for.
 class Bstr {
 public:
     Bstr() = default;

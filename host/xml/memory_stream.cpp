@@ -4,9 +4,11 @@
 
 namespace QVHost {
 
-Win32::ComPointer<IStream> StreamOf(std::string_view bytes) {
+Win32::ComPtr<IStream> StreamOf(std::string_view bytes) {
     const auto* const first = reinterpret_cast<const BYTE*>(bytes.data());
-    return Win32::ComPointer<IStream>(SHCreateMemStream(first, static_cast<UINT>(bytes.size())));
+    Win32::ComPtr<IStream> stream;
+    *stream.GetAddressOf() = SHCreateMemStream(first, static_cast<UINT>(bytes.size()));
+    return stream;
 }
 
 uint32_t ReadStream(IStream& stream, std::string& bytes) {

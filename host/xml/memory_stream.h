@@ -13,7 +13,7 @@
 namespace QVHost {
 
 /// A stream that holds a copy of `bytes` and stands at their beginning; none where memory has run out.
-Win32::ComPointer<IStream> StreamOf(std::string_view bytes);
+Win32::ComPtr<IStream> StreamOf(std::string_view bytes);
 
 /// All that `stream` holds, wherever it stands. A Windows error code, 0 for success.
 uint32_t ReadStream(IStream& stream, std::string& bytes);

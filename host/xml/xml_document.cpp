@@ -51,27 +51,27 @@ uint32_t XmlElement::GetName(wchar_t* buffer, uint32_t capacity) {
     return Guarded(0u, [&] { return CopyText(NameOf(m_node.Get()), buffer, capacity); });
 }
 
-Quorvane::SDK::IXmlElement* XmlElement::FirstNamed(Win32::ComPointer<IXMLDOMNode> node, const wchar_t* name) {
+Quorvane::SDK::IXmlElement* XmlElement::FirstNamed(Win32::ComPtr<IXMLDOMNode> node, const wchar_t* name) {
     while (node && !(IsElement(node.Get()) && (!name || NameOf(node.Get()) == name))) {
-        Win32::ComPointer<IXMLDOMNode> next;
-        node->get_nextSibling(next.Receive());
+        Win32::ComPtr<IXMLDOMNode> next;
+        node->get_nextSibling(&next);
         node = std::move(next);
     }
-    return m_document.ElementOf(node.As<IXMLDOMElement>(IID_IXMLDOMElement));
+    return m_document.ElementOf(Win32::InterfaceOf<IXMLDOMElement>(node, IID_IXMLDOMElement));
 }
 
 Quorvane::SDK::IXmlElement* XmlElement::FirstChild(const wchar_t* name) {
     return Guarded<Quorvane::SDK::IXmlElement*>(nullptr, [&] {
-        Win32::ComPointer<IXMLDOMNode> first;
-        m_node->get_firstChild(first.Receive());
+        Win32::ComPtr<IXMLDOMNode> first;
+        m_node->get_firstChild(&first);
         return FirstNamed(std::move(first), name);
     });
 }
 
 Quorvane::SDK::IXmlElement* XmlElement::NextSibling(const wchar_t* name) {
     return Guarded<Quorvane::SDK::IXmlElement*>(nullptr, [&] {
-        Win32::ComPointer<IXMLDOMNode> next;
-        m_node->get_nextSibling(next.Receive());
+        Win32::ComPtr<IXMLDOMNode> next;
+        m_node->get_nextSibling(&next);
         return FirstNamed(std::move(next), name);
     });
 }
@@ -80,18 +80,18 @@ uint32_t XmlElement::GetText(wchar_t* buffer, uint32_t capacity) {
     return Guarded(0u, [&] {
         // Piece by piece: the text of the element as a whole comes without the blanks at its ends.
         std::wstring text;
-        Win32::ComPointer<IXMLDOMNode> child;
-        m_node->get_firstChild(child.Receive());
+        Win32::ComPtr<IXMLDOMNode> child;
+        m_node->get_firstChild(&child);
         while (child) {
             DOMNodeType type = NODE_INVALID;
             child->get_nodeType(&type);
-            Win32::ComPointer<IXMLDOMCharacterData> piece;
+            Win32::ComPtr<IXMLDOMCharacterData> piece;
             if (type == NODE_TEXT || type == NODE_CDATA_SECTION)
-                piece = child.As<IXMLDOMCharacterData>(IID_IXMLDOMCharacterData);
+                piece = Win32::InterfaceOf<IXMLDOMCharacterData>(child, IID_IXMLDOMCharacterData);
             Bstr data;
             if (piece && SUCCEEDED(piece->get_data(data.Receive()))) text += data.View();
-            Win32::ComPointer<IXMLDOMNode> next;
-            child->get_nextSibling(next.Receive());
+            Win32::ComPtr<IXMLDOMNode> next;
+            child->get_nextSibling(&next);
             child = std::move(next);
         }
         return CopyText(text, buffer, capacity);
@@ -102,8 +102,8 @@ bool XmlElement::GetAttribute(const wchar_t* name, wchar_t* buffer, uint32_t cap
     return Guarded(false, [&] {
         if (!name) return false;
         const Bstr key(name);
-        Win32::ComPointer<IXMLDOMAttribute> attribute;
-        if (m_node->getAttributeNode(key.Get(), attribute.Receive()) != S_OK || !attribute) return false;
+        Win32::ComPtr<IXMLDOMAttribute> attribute;
+        if (m_node->getAttributeNode(key.Get(), &attribute) != S_OK || !attribute) return false;
         VARIANT value = {};
         if (FAILED(attribute->get_nodeValue(&value))) return false;
         const bool isText = value.vt == VT_BSTR;
@@ -117,7 +117,7 @@ bool XmlElement::GetAttribute(const wchar_t* name, wchar_t* buffer, uint32_t cap
 
 Quorvane::SDK::IXmlElement* XmlElement::AddChild(const wchar_t* name) {
     return Guarded<Quorvane::SDK::IXmlElement*>(nullptr, [&]() -> Quorvane::SDK::IXmlElement* {
-        Win32::ComPointer<IXMLDOMElement> child = m_document.NewElement(name);
+        Win32::ComPtr<IXMLDOMElement> child = m_document.NewElement(name);
         m_document.OnChange();
         if (!child || FAILED(m_node->appendChild(child.Get(), nullptr))) return nullptr;
         return m_document.ElementOf(std::move(child));
@@ -142,23 +142,23 @@ bool XmlElement::SetAttribute(const wchar_t* name, const wchar_t* value) {
     });
 }
 
-XmlElement* XmlDocument::ElementOf(Win32::ComPointer<IXMLDOMElement> node) {
+XmlElement* XmlDocument::ElementOf(Win32::ComPtr<IXMLDOMElement> node) {
     if (!node) return nullptr;
     std::unique_ptr<XmlElement>& element = m_elements[node.Get()];
     if (!element) element = std::make_unique<XmlElement>(*this, std::move(node));
     return element.get();
 }
 
-Win32::ComPointer<IXMLDOMElement> XmlDocument::NewElement(const wchar_t* name) {
-    Win32::ComPointer<IXMLDOMElement> element;
-    if (name && *name) m_document->createElement(Bstr(name).Get(), element.Receive());
+Win32::ComPtr<IXMLDOMElement> XmlDocument::NewElement(const wchar_t* name) {
+    Win32::ComPtr<IXMLDOMElement> element;
+    if (name && *name) m_document->createElement(Bstr(name).Get(), &element);
     return element;
 }
 
 Quorvane::SDK::IXmlElement* XmlDocument::GetRoot() {
     return Guarded<Quorvane::SDK::IXmlElement*>(nullptr, [&] {
-        Win32::ComPointer<IXMLDOMElement> root;
-        m_document->get_documentElement(root.Receive());
+        Win32::ComPtr<IXMLDOMElement> root;
+        m_document->get_documentElement(&root);
         return ElementOf(std::move(root));
     });
 }
@@ -167,7 +167,7 @@ Quorvane::SDK::IXmlElement* XmlDocument::CreateRoot(const wchar_t* name) {
     return Guarded<Quorvane::SDK::IXmlElement*>(nullptr, [&]() -> Quorvane::SDK::IXmlElement* {
         if (GetRoot()) return nullptr;
         OnChange();
-        Win32::ComPointer<IXMLDOMElement> root = NewElement(name);
+        Win32::ComPtr<IXMLDOMElement> root = NewElement(name);
         if (!root || FAILED(m_document->appendChild(root.Get(), nullptr))) return nullptr;
         return ElementOf(std::move(root));
     });
@@ -182,11 +182,11 @@ uint32_t XmlDocument::ToText(std::string& text) const {
         text = m_source.text;
         return ERROR_SUCCESS;
     }
-    const Win32::ComPointer<IStream> stream = StreamOf({});
+    const Win32::ComPtr<IStream> stream = StreamOf({});
     if (!stream) return ERROR_OUTOFMEMORY;
     std::string written;
     uint32_t error = CodeOf(m_document->save(ObjectVariant(stream.Get())));
-    if (error == ERROR_SUCCESS) error = ReadStream(*stream, written);
+    if (error == ERROR_SUCCESS) error = ReadStream(*stream.Get(), written);
     if (error != ERROR_SUCCESS) return error;
     // The parser was given no encoding, so that every system's writer writes UTF-8; the declaration is the source's.
     std::string_view rest = written;

@@ -21,7 +21,7 @@ class XmlDocument;
 /// An element. Lives with its document, which owns it.
 class XmlElement final : public Quorvane::SDK::IXmlElement {
 public:
-    XmlElement(XmlDocument& document, Win32::ComPointer<IXMLDOMElement> node)
+    XmlElement(XmlDocument& document, Win32::ComPtr<IXMLDOMElement> node)
         : m_document(document), m_node(std::move(node)) {}
 
     uint32_t GetName(wchar_t* buffer, uint32_t capacity) override;
@@ -35,16 +35,16 @@ public:
 
 private:
     /// `node` or the first element behind it that has the name; null: any name.
-    Quorvane::SDK::IXmlElement* FirstNamed(Win32::ComPointer<IXMLDOMNode> node, const wchar_t* name);
+    Quorvane::SDK::IXmlElement* FirstNamed(Win32::ComPtr<IXMLDOMNode> node, const wchar_t* name);
 
     XmlDocument& m_document;
-    Win32::ComPointer<IXMLDOMElement> m_node;
+    Win32::ComPtr<IXMLDOMElement> m_node;
 };
 
 class XmlDocument final : public Quorvane::SDK::IXmlDocument {
 public:
     /// `source`: what the document was read from; of a new one the declaration.
-    XmlDocument(Shelf<XmlDocument>& shelf, Win32::ComPointer<IXMLDOMDocument2> document, DecodedXml source)
+    XmlDocument(Shelf<XmlDocument>& shelf, Win32::ComPtr<IXMLDOMDocument2> document, DecodedXml source)
         : m_shelf(shelf), m_document(std::move(document)), m_source(std::move(source)) {}
 
     Quorvane::SDK::IXmlElement* GetRoot() override;
@@ -61,12 +61,12 @@ public:
     void OnChange() { m_isChanged = true; }
     bool IsChanged() const { return m_isChanged; }
     /// The one object that stands for this node; null for null.
-    XmlElement* ElementOf(Win32::ComPointer<IXMLDOMElement> node);
-    Win32::ComPointer<IXMLDOMElement> NewElement(const wchar_t* name);
+    XmlElement* ElementOf(Win32::ComPtr<IXMLDOMElement> node);
+    Win32::ComPtr<IXMLDOMElement> NewElement(const wchar_t* name);
 
 private:
     Shelf<XmlDocument>& m_shelf;
-    Win32::ComPointer<IXMLDOMDocument2> m_document;
+    Win32::ComPtr<IXMLDOMDocument2> m_document;
     DecodedXml m_source;
     bool m_isChanged = false;
     std::map<IXMLDOMElement*, std::unique_ptr<XmlElement>> m_elements;

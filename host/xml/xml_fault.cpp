@@ -36,9 +36,9 @@ std::optional<Place> FaultPlace(std::string_view bytes) {
     using CreateReader = HRESULT(WINAPI*)(REFIID, void**, IMalloc*);
     const Win32::Module library = Win32::LoadSystemModule(L"xmllite.dll");  // first: it must go after the reader
     const auto createReader = Win32::FindFunction<CreateReader>(library, "CreateXmlReader");
-    Win32::ComPointer<IXmlReader> reader;
-    const Win32::ComPointer<IStream> stream = StreamOf(bytes);
-    if (!createReader || !stream || FAILED(createReader(kXmlReader, reader.ReceiveUntyped(), nullptr)) ||
+    Win32::ComPtr<IXmlReader> reader;
+    const Win32::ComPtr<IStream> stream = StreamOf(bytes);
+    if (!createReader || !stream || FAILED(createReader(kXmlReader, &reader, nullptr)) ||
         FAILED(reader->SetInput(stream.Get())))
         return std::nullopt;
     Place furthest(0, 0);
@@ -62,8 +62,8 @@ std::optional<Place> FaultPlace(std::string_view bytes) {
 }  // namespace
 
 std::wstring FaultOf(IXMLDOMDocument2& document, std::string_view bytes) {
-    Win32::ComPointer<IXMLDOMParseError> fault;
-    if (FAILED(document.get_parseError(fault.Receive())) || !fault) return {};
+    Win32::ComPtr<IXMLDOMParseError> fault;
+    if (FAILED(document.get_parseError(&fault)) || !fault) return {};
     LONG line = 0;
     LONG column = 0;
     Bstr reason;

@@ -21,7 +21,7 @@ constexpr uint32_t kIndented = 1;
 constexpr CLSID kDomDocument60 = {0x88D96A05, 0xF192, 0x11D4, {0xA6, 0x5F, 0x00, 0x40, 0x96, 0x32, 0x51, 0xE5}};
 constexpr IID kDomDocument2 = {0x2933BF95, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
 
-Win32::ComPointer<IXMLDOMDocument2> NewDocument() {
+Win32::ComPtr<IXMLDOMDocument2> NewDocument() {
     auto document = Win32::MakeComObject<IXMLDOMDocument2>(kDomDocument60, kDomDocument2);
     if (!document) return document;
     document->put_async(VARIANT_FALSE);
@@ -34,7 +34,7 @@ Win32::ComPointer<IXMLDOMDocument2> NewDocument() {
 
 /// Loads `text` into `document`, which is new.
 bool LoadText(IXMLDOMDocument2& document, const std::string& text) {
-    const Win32::ComPointer<IStream> stream = StreamOf(text);
+    const Win32::ComPtr<IStream> stream = StreamOf(text);
     VARIANT_BOOL isLoaded = VARIANT_FALSE;
     return stream && document.load(ObjectVariant(stream.Get()), &isLoaded) == S_OK && isLoaded == VARIANT_TRUE;
 }
@@ -71,7 +71,7 @@ void XmlService::StartCom() {
 Quorvane::SDK::IXmlDocument* XmlService::CreateDocument() {
     return Guarded<Quorvane::SDK::IXmlDocument*>(nullptr, [&]() -> Quorvane::SDK::IXmlDocument* {
         StartCom();
-        Win32::ComPointer<IXMLDOMDocument2> document = NewDocument();
+        Win32::ComPtr<IXMLDOMDocument2> document = NewDocument();
         if (!document) return nullptr;
         DecodedXml nothingYet;
         nothingYet.text = R"(<?xml version="1.0" encoding="UTF-8"?>)";
@@ -91,7 +91,7 @@ Quorvane::SDK::IXmlDocument* XmlService::Load(const wchar_t* path, uint32_t) {
             return nullptr;
         }
         StartCom();
-        Win32::ComPointer<IXMLDOMDocument2> document = NewDocument();
+        Win32::ComPtr<IXMLDOMDocument2> document = NewDocument();
         if (!document) return nullptr;
         std::wstring why;
         std::optional<DecodedXml> source = DecodeXml(bytes, why);
@@ -100,8 +100,8 @@ Quorvane::SDK::IXmlDocument* XmlService::Load(const wchar_t* path, uint32_t) {
             return nullptr;
         }
         const std::string text = WithoutDeclaredEncoding(source->text);
-        if (!LoadText(*document, text)) {
-            const std::wstring fault = FaultOf(*document, text);
+        if (!LoadText(*document.Get(), text)) {
+            const std::wstring fault = FaultOf(*document.Get(), text);
             m_output.Note(L"[xml] " + file + (fault.empty() ? L": it holds no XML" : L", " + fault));
             return nullptr;
         }
@@ -112,11 +112,11 @@ Quorvane::SDK::IXmlDocument* XmlService::Load(const wchar_t* path, uint32_t) {
 uint32_t XmlService::Check(const XmlDocument& document, std::string_view bytes) const {
     std::wstring why;
     const std::optional<DecodedXml> again = DecodeXml(bytes, why);
-    const Win32::ComPointer<IXMLDOMDocument2> parsed = again ? NewDocument() : Win32::ComPointer<IXMLDOMDocument2>();
-    if (!parsed || !LoadText(*parsed, WithoutDeclaredEncoding(again->text))) return ERROR_INVALID_DATA;
+    const Win32::ComPtr<IXMLDOMDocument2> parsed = again ? NewDocument() : Win32::ComPtr<IXMLDOMDocument2>();
+    if (!parsed || !LoadText(*parsed.Get(), WithoutDeclaredEncoding(again->text))) return ERROR_INVALID_DATA;
     // An element that got an empty text is written in another way than one that was read so.
     if (document.IsChanged()) return ERROR_SUCCESS;
-    return HoldTheSame(*parsed, *document.Document()) ? ERROR_SUCCESS : ERROR_INVALID_DATA;
+    return HoldTheSame(*parsed.Get(), *document.Document()) ? ERROR_SUCCESS : ERROR_INVALID_DATA;
 }
 
 bool XmlService::Save(Quorvane::SDK::IXmlDocument* document, const wchar_t* path, uint32_t mode, const wchar_t*) {

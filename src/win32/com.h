@@ -1,11 +1,10 @@
 // com.h - owners for COM: its use by a thread, and references to its objects.
 #pragma once
 
-#include <utility>
-
 #include "win32/windows.h"
 
 #include <objbase.h>
+#include <wrl/client.h>
 
 namespace Win32 {
 
@@ -24,50 +23,24 @@ private:
     bool m_isOurs;
 };
 
-/// Owns one reference to a COM object.
-template <class Interface>
-class ComPointer {
-public:
-    ComPointer() = default;
-    explicit ComPointer(Interface* raw) : m_raw(raw) {}
-    ComPointer(ComPointer&& other) noexcept : m_raw(std::exchange(other.m_raw, nullptr)) {}
-    ComPointer& operator=(ComPointer&& other) noexcept {
-        std::swap(m_raw, other.m_raw);
-        return *this;
-    }
-    ~ComPointer() {
-        if (m_raw) m_raw->Release();
-    }
+/// Owns one reference to a COM object. Objects are received into it (`&pointer`) and never given by Attach, which in
+/// this compiler's header adds a reference that nobody releases.
+using Microsoft::WRL::ComPtr;
 
-    explicit operator bool() const { return m_raw != nullptr; }
-    Interface* operator->() const { return m_raw; }
-    Interface& operator*() const { return *m_raw; }
-    Interface* Get() const { return m_raw; }
-
-    /// For a call that puts a new object here.
-    Interface** Receive() {
-        *this = ComPointer();
-        return &m_raw;
-    }
-    void** ReceiveUntyped() { return reinterpret_cast<void**>(Receive()); }
-
-    /// Another interface of the object; none when it has no such interface.
-    template <class Other>
-    ComPointer<Other> As(REFIID id) const {
-        ComPointer<Other> other;
-        if (m_raw) m_raw->QueryInterface(id, other.ReceiveUntyped());
-        return other;
-    }
-
-private:
-    Interface* m_raw = nullptr;
-};
+/// Another interface of `object`; none when it has no such interface, or is none itself. The header's own way needs
+/// numbers of interfaces that the compiler does not know for all.
+template <class Other, class Interface>
+ComPtr<Other> InterfaceOf(const ComPtr<Interface>& object, REFIID id) {
+    ComPtr<Other> other;
+    if (object) object->QueryInterface(id, &other);
+    return other;
+}
 
 /// A new object of a class that lives in this process; none when the system has no such class.
 template <class Interface>
-ComPointer<Interface> MakeComObject(REFCLSID classId, REFIID interfaceId) {
-    ComPointer<Interface> object;
-    CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, interfaceId, object.ReceiveUntyped());
+ComPtr<Interface> MakeComObject(REFCLSID classId, REFIID interfaceId) {
+    ComPtr<Interface> object;
+    CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, interfaceId, &object);
     return object;
 }
 

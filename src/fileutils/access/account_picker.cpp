@@ -42,7 +42,7 @@ DSOP_SCOPE_INIT_INFO ScopeOfAccounts() {
     return scope;
 }
 
-Win32::ComPointer<IDsObjectPicker> MakePicker() {
+Win32::ComPtr<IDsObjectPicker> MakePicker() {
     auto picker = Win32::MakeComObject<IDsObjectPicker>(CLSID_DsObjectPicker, IID_IDsObjectPicker);
     if (!picker) return picker;
     DSOP_SCOPE_INIT_INFO scope = ScopeOfAccounts();
@@ -90,11 +90,11 @@ std::wstring AccountOfSelection(std::wstring_view directoryPath, std::wstring_vi
 
 std::wstring PickAccount(HWND owner) {
     const Win32::ComApartment apartment;
-    const Win32::ComPointer<IDsObjectPicker> picker = MakePicker();
-    Win32::ComPointer<IDataObject> selection;
+    const Win32::ComPtr<IDsObjectPicker> picker = MakePicker();
+    Win32::ComPtr<IDataObject> selection;
     // Cancelling succeeds too, with another code.
-    if (!picker || picker->InvokeDialog(owner, selection.Receive()) != S_OK || !selection) return {};
-    return AccountIn(*selection);
+    if (!picker || picker->InvokeDialog(owner, &selection) != S_OK || !selection) return {};
+    return AccountIn(*selection.Get());
 }
 
 }  // namespace FileUtils

@@ -47,7 +47,7 @@ uint32_t SaveShortcut(const std::wstring& link, const std::wstring& target, cons
                       const wchar_t* description) {
     const Win32::ComApartment apartment;
     const auto shortcut = Win32::MakeComObject<IShellLinkW>(CLSID_ShellLink, IID_IShellLinkW);
-    const auto file = shortcut.As<IPersistFile>(IID_IPersistFile);
+    const auto file = Win32::InterfaceOf<IPersistFile>(shortcut, IID_IPersistFile);
     if (!file) return ERROR_PATH_NOT_FOUND;
     const bool isSaved = SUCCEEDED(shortcut->SetPath(target.c_str())) &&
                          (workingFolder.empty() || SUCCEEDED(shortcut->SetWorkingDirectory(workingFolder.c_str()))) &&
