@@ -2,9 +2,8 @@
 
 #include <algorithm>
 
-#include "win32/handle.h"
-
 namespace QVHost {
+
 uint32_t CopyText(std::wstring_view text, wchar_t* buffer, uint32_t capacity) {
     if (buffer && capacity > 0) {
         const size_t copied = std::min<size_t>(text.size(), capacity - 1);
@@ -55,20 +54,6 @@ std::vector<std::string_view> LinesOf(std::string_view bytes) {
         bytes.remove_prefix(std::min(end + 1, bytes.size()));
     }
     return lines;
-}
-
-std::wstring DescribeError(uint32_t code) {
-    std::wstring description = L"error " + std::to_wstring(code);
-    wchar_t* raw = nullptr;
-    const DWORD length =
-        FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-                       nullptr, code, 0, reinterpret_cast<wchar_t*>(&raw), 0, nullptr);
-    const Win32::LocalMemory owner(raw);
-    if (length == 0) return description;
-    std::wstring line = OnOneLine(Win32::Trimmed({raw, length}));
-    // Some of the system's texts leave a place for the name, which stands in front of ours.
-    if (const size_t place = line.find(L"%1"); place != std::wstring::npos) line.replace(place, 2, L"the file");
-    return description + L" (" + line + L")";
 }
 
 }  // namespace QVHost

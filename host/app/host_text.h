@@ -1,4 +1,4 @@
-// host_text.h - short helpers for texts: lines, error texts, copies into an extension's buffers.
+// host_text.h - short helpers for texts: lines, copies into an extension's buffers.
 #pragma once
 
 #include <cstdint>
@@ -7,10 +7,12 @@
 #include <string_view>
 #include <vector>
 
+#include "win32/error_text.h"
 #include "win32/text.h"
 
 namespace QVHost {
 
+using Win32::DescribeError;
 using Win32::EqualIgnoringCase;
 using Win32::FromUtf8;
 using Win32::ToUtf8;
@@ -33,8 +35,5 @@ void AppendOnOneLine(std::wstring& line, std::wstring_view text);
 
 /// The lines of a text file's bytes: LF or CR LF ends a line, a final one opens none, a UTF-8 mark is skipped.
 std::vector<std::string_view> LinesOf(std::string_view bytes);
-
-/// The system's text for a Windows error code, behind the number: "error 5 (Access denied.)".
-std::wstring DescribeError(uint32_t code);
 
 }  // namespace QVHost

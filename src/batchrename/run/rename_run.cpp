@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "win32/error_text.h"
 #include "win32/folder.h"
 #include "win32/path.h"
 #include "win32/windows.h"
@@ -17,9 +18,7 @@ constexpr size_t kNoEntry = std::numeric_limits<size_t>::max();
 
 /// The system's text for an error, or its number.
 std::wstring DescribeCode(uint32_t code) {
-    std::wstring text(512, L'\0');
-    text.resize(FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
-                               text.data(), static_cast<DWORD>(text.size()), nullptr));
+    std::wstring text = Win32::SystemErrorText(code);
     while (!text.empty() && (text.back() <= L' ' || text.back() == L'.')) text.pop_back();
     const std::wstring number = L"error " + std::to_wstring(code);
     return text.empty() ? number : number + L": " + text;
