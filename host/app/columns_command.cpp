@@ -48,7 +48,7 @@ void PrintCsvRow(Output& output, const Cells& row) {
     output.Line(line);
 }
 
-using Next = std::function<FileItem*()>;  // the next file; null behind the last one
+using Next = std::function<FileItem*()>;  // the next file; null after the last one
 
 void PrintTable(Output& output, const ColumnValues& values, const Next& next) {
     std::vector<Cells> rows = {Heading(values, kPathName, &PropertyColumns::Column::displayName)};

@@ -61,7 +61,7 @@ void LoadedExtension::Shutdown() {
 }
 
 IFileProperties* LoadedExtension::Properties() const {
-    // Create speaks of every extension as IPluginInterface; what stands behind a provider is the other table.
+    // Create speaks of every extension as IPluginInterface; a provider is the other table.
     return m_isProvider ? reinterpret_cast<IFileProperties*>(m_object) : nullptr;
 }
 

@@ -67,7 +67,7 @@ void Output::FlushLines() {
 
 void Output::ReportLoss(unsigned long error) {
     m_isWhole = false;
-    // Whoever reads has had enough, as `head` does: no news for a person.
+    // The reader has had enough, as `head` does: no news for a person.
     if (error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA || error == ERROR_PIPE_NOT_CONNECTED) return;
     std::wstring text = L"qvhost: standard output cannot be written";
     if (error != ERROR_SUCCESS) text += L": " + DescribeError(error);

@@ -29,7 +29,7 @@ public:
     void Line(std::wstring_view text, Tone tone = Tone::Plain);
     /// Lines of standard output that are in UTF-8 already; the last one has its end too.
     void Lines(std::string_view lines);
-    /// One line of standard error, behind all output so far.
+    /// One line of standard error, after all output so far.
     void Note(std::wstring_view text, Tone tone = Tone::Note);
     /// Standard error without a line end: a prompt, or a line that is written over by the next.
     void Prompt(std::wstring_view text);

@@ -56,7 +56,7 @@ void ProgressWindow::HandleInput() {
     MSG message = {};
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
         if (message.message == WM_QUIT) {
-            // Not ours to swallow; and whoever ends the thread's loop wants no more files either.
+            // Not ours to swallow; and a program that ends the thread's loop wants no more files either.
             PostQuitMessage(static_cast<int>(message.wParam));
             m_isCancelled = true;
             return;

@@ -118,7 +118,7 @@ int RunCommand(Session& session, const HostOptions& options, std::istream& in) {
     return StatusOf(state, handled, 0);
 }
 
-/// The second process has rights that whoever wrote its command line may not have.
+/// The second process has rights that the writer of its command line may lack.
 /// @throws UsageError for a library from another folder than the program's, before it is loaded
 void CheckServerLibrary(const HostOptions& options, const HostEnvironment& environment) {
     const auto folderOf = [](const std::wstring& path) { return std::wstring(Win32::FolderOf(Win32::FullPath(path))); };

@@ -108,7 +108,7 @@ private:
     std::wstring m_resultText;
 };
 
-/// A decimal number, or a hexadecimal one behind 0x, that fits 32 bits; false leaves `number` alone.
+/// A decimal number, or a hexadecimal one after 0x, that fits 32 bits; false leaves `number` alone.
 bool ParseNumber(const std::wstring& text, uint32_t& number);
 
 }  // namespace QVHost

@@ -163,7 +163,8 @@ ISettings* HostServices::GetSettings() {
 }
 
 uint32_t HostServices::GetConfigurationFolder(wchar_t* buffer, uint32_t capacity) {
-    // Whoever asks means to keep something there. Where the folder cannot be made, that is what will fail and say so.
+    // An extension that asks means to keep something there. Where the folder cannot be made, that is what will fail and
+    // say so.
     GuardedCall([&] { Win32::MakeFolders(m_state.configurationFolder); });
     return CopyText(m_state.configurationFolder, buffer, capacity);
 }
@@ -198,7 +199,7 @@ void* HostServices::AcquireService(uint32_t number, uint32_t, const wchar_t*) {
 // Extensions give either the service's number or 0 here; the pointer alone says which one is meant.
 void HostServices::ReleaseService(void* service, uint32_t) {
     GuardedCall([&] {
-        std::shared_ptr<void> last;  // ended behind the lock
+        std::shared_ptr<void> last;  // ended after the lock is released
         const std::lock_guard lock(m_mutex);
         const auto found = std::ranges::find(m_services, service, &Service::face);
         if (found == m_services.end()) return;

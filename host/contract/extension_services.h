@@ -40,7 +40,7 @@ public:
     bool ShowChoiceDialog(Quorvane::SDK::ChoiceRequest* request) override;
 
 private:
-    /// A service handed out: `face` is the pointer that the extension holds, `owner` keeps the object behind it.
+    /// A service handed out: `face` is the pointer that the extension holds, `owner` keeps the object alive.
     struct Service {
         void* face;
         std::shared_ptr<void> owner;

@@ -44,7 +44,7 @@ bool FileItem::FindStored(uint16_t propertyId, Quorvane::SDK::StoredPropertyValu
     const std::lock_guard lock(m_storedMutex);
     m_lastQueried = propertyId;
     const auto stored = m_stored.find(propertyId);
-    // The record has no room for a longer one; that is computed again each time.
+    // A longer one does not fit into the record; that is computed again each time.
     if (!value || stored == m_stored.end() || stored->second.size() >= std::size(value->text)) return false;
     value->status = -1;
     CopyText(stored->second, value->text, static_cast<uint32_t>(std::size(value->text)));

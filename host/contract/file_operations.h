@@ -18,7 +18,7 @@
 
 namespace QVHost {
 
-/// The text of a property of the file or folder at `path`; nothing for a name that is none of these. Names go without
+/// The text of a property of the file or folder at `path`; nothing for any other name. Names go without
 /// regard to case. A value that cannot be had (a folder has no size) is "".
 ///
 /// - `size`: bytes. Formats: "" or "B" plain; "KB", "MB", "GB" in units of 1024, rounded up.

@@ -1,4 +1,4 @@
-// language.h - the texts behind the text ids, from a language file.
+// language.h - the texts for the text ids, from a language file.
 //
 // The file is UTF-8, one text a line: `2100m=Upper case`. `#` begins a comment line, empty lines are skipped, `\n` in a
 // text is a line break and `\\` a backslash. A line `[QVBatchRename]` opens the section of that extension (its short

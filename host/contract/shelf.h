@@ -18,7 +18,7 @@ public:
         return raw;
     }
 
-    /// The object behind a pointer that an extension gives; null when it is none of ours, or not any more.
+    /// The object of a pointer that an extension gives; null for one that is not, or no more, on the shelf.
     std::shared_ptr<Object> Find(const void* object) {
         const std::lock_guard lock(m_mutex);
         const auto entry = m_objects.find(object);
@@ -26,7 +26,7 @@ public:
     }
 
     void Remove(const void* object) {
-        std::shared_ptr<Object> last;  // destroyed behind the lock: it may have objects of its own to end
+        std::shared_ptr<Object> last;  // destroyed after the lock is released: it may have objects of its own to end
         const std::lock_guard lock(m_mutex);
         const auto entry = m_objects.find(object);
         if (entry == m_objects.end()) return;

@@ -72,7 +72,7 @@ bool ElevatedChannel::Connect() {
         uint32_t error = m_pipe.Create(name);
         if (error == ERROR_SUCCESS) error = Start(name);
         if (error == ERROR_SUCCESS) error = m_pipe.WaitForClient(m_process.Get(), kConnectMilliseconds);
-        // Whoever else of this user's programs guessed the name: only the process started here is spoken to.
+        // Another of this user's programs may have guessed the name: only the process started here is spoken to.
         const DWORD client = error == ERROR_SUCCESS ? m_pipe.ClientProcessId() : 0;
         if (error == ERROR_SUCCESS && (client == 0 || client != GetProcessId(m_process.Get())))
             error = ERROR_ACCESS_DENIED;

@@ -27,8 +27,8 @@ public:
     explicit FieldReader(std::span<const uint8_t> bytes) : m_rest(bytes) {}
 
     bool ReadNumber(uint32_t& value);
-    /// `text` points into the bytes. False too for a text without its closing zero, or with a zero inside: whoever
-    /// reads up to the zero would get another text than was meant.
+    /// `text` points into the bytes. False too for a text without its closing zero, or with a zero inside: read
+    /// up to the zero it would be another text than was meant.
     bool ReadString(const wchar_t*& text);
 
 private:

@@ -35,14 +35,14 @@ void PanelLook::ReadContrast() {
 }
 
 void PanelLook::DrawHint(HWND list, HDC context, const wchar_t* text) const {
-    RECT room = {};
-    GetClientRect(list, &room);
+    RECT area = {};
+    GetClientRect(list, &area);
     RECT header = {};
     if (const HWND above = ListView_GetHeader(list)) GetWindowRect(above, &header);
-    room.top += header.bottom - header.top + Scaled(kHintTop);
-    room.left += Scaled(kHintTop);
-    room.right -= Scaled(kHintTop);
-    DrawTextW(context, text, -1, &room, DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);
+    area.top += header.bottom - header.top + Scaled(kHintTop);
+    area.left += Scaled(kHintTop);
+    area.right -= Scaled(kHintTop);
+    DrawTextW(context, text, -1, &area, DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);
 }
 
 PanelLook::~PanelLook() {

@@ -12,8 +12,8 @@
 
 namespace QVHost {
 
-/// The panel's own commands, as they come in WM_COMMAND. The extensions' ones come as numbers behind
-/// `FirstOfExtensions`.
+/// The panel's own commands, as they come in WM_COMMAND. Those of extensions come as numbers from
+/// `FirstOfExtensions` on.
 namespace PanelCommand {
 enum : WORD {
     OpenFolder = 100,
@@ -46,7 +46,7 @@ using UniqueKeys = Win32::UniqueHandle<KeysTraits>;
 UniqueMenu MakePanelMenu(const MenuModel& model, LanguageTexts& texts);
 UniqueKeys MakePanelKeys(const MenuModel& model);
 
-/// The extension's command behind a WM_COMMAND; null for one of the panel's own.
+/// The extension's command for a WM_COMMAND; null for one of the panel's own.
 const MenuModel::Command* CommandBehind(const MenuModel& model, WORD menuCommand);
 
 /// The command's text as a title: without the marks of a menu.

@@ -27,7 +27,7 @@ enum ControlId : int { kList = 10, kLog, kAddress, kStatus, kLabel };
 enum Message : UINT { kValuesHere = WM_APP + 1, kLinesHere, kFolderChanged, kShowStatus };
 
 constexpr UINT_PTR kRefreshTimer = 1;
-constexpr UINT kRefreshDelay = 200;  // milliseconds behind the last change
+constexpr UINT kRefreshDelay = 200;  // milliseconds after the last change
 
 constexpr int kMargin = 6;  // these are pixels at 96 to the inch
 constexpr int kBarHeight = 24;

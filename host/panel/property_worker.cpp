@@ -23,7 +23,7 @@ void PropertyWorker::Ask(Request request) {
         const std::lock_guard lock(m_mutex);
         m_requests.push_back(std::move(request));
     }
-    // Whoever never looks at a property column pays for no thread.
+    // Where no property column is shown there is no thread.
     GuardedCall([&] {
         // A thread that the system does not give is asked for again with the next row; what waits keeps waiting.
         while (m_threads.size() < kThreads) m_threads.emplace_back([this](const std::stop_token& stop) { Work(stop); });

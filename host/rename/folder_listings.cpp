@@ -18,8 +18,6 @@ FolderListings::~FolderListings() {
         m_isEnding = true;
     }
     WakeAllConditionVariable(&m_isAdded);
-    for (std::thread& thread : m_threads)
-        if (thread.joinable()) thread.join();
 }
 
 void FolderListings::Add(std::wstring folder) {
@@ -29,7 +27,7 @@ void FolderListings::Add(std::wstring folder) {
     }
     // One folder needs no second thread.
     if (m_folders.size() <= m_threads.size())
-        m_threads[m_folders.size() - 1] = std::thread([this] { ListAll(); });
+        m_threads[m_folders.size() - 1] = std::jthread([this] { ListAll(); });
     else
         WakeConditionVariable(&m_isAdded);
 }

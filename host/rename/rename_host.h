@@ -31,7 +31,7 @@ public:
 
     HostState& State() { return m_state; }
     HostServices& Services() { return m_services; }
-    /// The sessions of this host. They are read when they are asked for first: a preview needs none of them.
+    /// The sessions of this host. They are read when they are asked for first: a preview does without.
     BatchRename::UndoStore& Journal();
     /// `isRecorded`: with the undo journal, and then never without.
     BatchRename::RunEnvironment Surroundings(bool isRecorded);

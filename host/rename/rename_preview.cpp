@@ -25,7 +25,7 @@ struct FolderRows {
     RenamePlan plan;
 };
 
-/// Lines that are printed together: none of them before it is known that all can be.
+/// Lines that are printed together, once it is known that all can be.
 class HeldLines {
 public:
     /// Where a line may be appended, with its end, until this is called again.

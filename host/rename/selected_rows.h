@@ -29,7 +29,7 @@ public:
     /// @throws UsageError for a path that leads to nothing
     bool Fill(size_t row, BatchRename::BatchRenameItem& item);
 
-    /// What a folder holds, once, and behind the last of its rows.
+    /// What a folder holds, once, and after the last of its rows.
     BatchRename::FolderNames TakeNames(size_t folder);
 
 private:

@@ -34,7 +34,7 @@ public:
     bool SetAttribute(const wchar_t* name, const wchar_t* value) override;
 
 private:
-    /// `node` or the first element behind it that has the name; null: any name.
+    /// `node` or the first element after it that has the name; null: any name.
     Quorvane::SDK::IXmlElement* FirstNamed(Win32::ComPtr<IXMLDOMNode> node, const wchar_t* name);
 
     XmlDocument& m_document;

@@ -129,7 +129,7 @@ bool XmlService::Save(Quorvane::SDK::IXmlDocument* document, const wchar_t* path
         if (error == ERROR_SUCCESS) error = Check(*known, bytes);
         if (error == ERROR_SUCCESS) error = QVUtils::ReplaceRecord(target, bytes, true);
         if (error == ERROR_SUCCESS) return true;
-        // The answer is a plain no: the reason is for whoever reads along.
+        // The answer is a plain no: the reason is for the reader of standard error.
         m_output.Note(L"[xml] " + target + L": " + DescribeError(error));
         return false;
     });
