@@ -21,6 +21,7 @@ constexpr Target kTargets[] = {
     {"junction", RunJunction},
     {"xml-layout", RunXmlLayout},
 #ifdef _WIN32
+    {"sort-lines", RunSortLines},
     {"profiles", RunProfiles},
     {"elevated-request", RunElevatedRequest},
 #endif

@@ -24,6 +24,7 @@ void RunDocument(Bytes bytes);
 void RunMatching(Bytes bytes);
 void RunWildcard(Bytes bytes);
 void RunSortKeys(Bytes bytes);
+void RunSortLines(Bytes bytes);
 void RunDateKeys(Bytes bytes);
 void RunNameTemplate(Bytes bytes);
 void RunSearchAndReplace(Bytes bytes);

@@ -2,6 +2,7 @@
 #include "fileutils/conversions/base64.h"
 
 #include "fuzz/input.h"
+#include "fuzz/plain_base64.h"
 
 namespace QVFuzz {
 namespace {
@@ -56,7 +57,9 @@ void RunBase64(Bytes bytes) {
     const std::string inBlocks = Decoded(rest, blockSize, isWhole);
     Require(inBlocks == Decoded(rest, rest.size() + 1, isWholeAtOnce) && isWhole == isWholeAtOnce,
             "blocks change nothing");
-    Require(Decoded(Encoded(rest, blockSize * 3), blockSize, isWhole) == rest && isWhole, "what is encoded comes back");
+    const std::string encoded = Encoded(rest, blockSize * 3);
+    Require(encoded == Base64TextOf(std::string(rest), blockSize * 3), "the text is the one by the rules");
+    Require(Decoded(encoded, blockSize, isWhole) == rest && isWhole, "what is encoded comes back");
 }
 
 }  // namespace QVFuzz

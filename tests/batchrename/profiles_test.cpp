@@ -1,7 +1,5 @@
 #include "batchrename/profiles.h"
 
-#include <gtest/gtest.h>
-
 #include "support/services_of_host.h"
 
 namespace {

@@ -1,8 +1,6 @@
 // qvhost rename and qvhost undo, on real files, in this process.
 #include <algorithm>
 
-#include <gtest/gtest.h>
-
 #include "host_runner.h"
 #include "win32/handle.h"
 #include "win32/windows.h"
@@ -81,19 +79,6 @@ TEST_F(RenameCommand, TakesTheNameOnDiskAndEachItemOnce) {
     EXPECT_EQ(m_host.Run({L"undo", L"restore", L"last"}).status, 0);
     EXPECT_EQ(m_files.List(), (Words{L"b", L"photo.jpg"}));
     EXPECT_EQ(Preview({L"PHOTO.JPG"}, {}), "photo.jpg\tphoto.jpg\tignored: the name stays the same\n");
-}
-
-TEST_F(RenameCommand, PrintsEachRowsVerdict) {
-    const Words names = {L"a", L"b", L"c", L"taken"};
-    Fill(names);
-    const HostRun run =
-        Rename({L"a", L"b", L"c"}, {L"--find", L"a", L"--replace", L"taken", L"--find", L"c", L"--replace", L"x:y"});
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.out,
-              "a\ttaken\tfailed: \"taken\" is there already\nb\tb\tignored: the name stays the same\n"
-              "c\tx:y\tfailed: the character \":\" cannot be in a name\n");
-    EXPECT_EQ(m_files.List(), names);
-    EXPECT_EQ(m_host.Run({L"undo"}).out, "");
 }
 
 TEST_F(RenameCommand, RenamesRingsShiftsAndCaseOnRealFilesAndRestoresThem) {

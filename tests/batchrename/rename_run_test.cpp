@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <random>
 
-#include <gtest/gtest.h>
-
 #include "rows.h"
 #include "simulated_disk.h"
 #include "support/temporary_folder.h"

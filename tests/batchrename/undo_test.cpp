@@ -2,8 +2,6 @@
 #include <array>
 #include <thread>
 
-#include <gtest/gtest.h>
-
 #include "batchrename/run/undo_store.h"
 #include "rename/undo_session.h"
 #include "rows.h"

@@ -5,8 +5,6 @@
 #include <cstring>
 #include <memory>
 
-#include <gtest/gtest.h>
-
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/window/frame_messages.h"
 #include "host/xml/xml_document.h"

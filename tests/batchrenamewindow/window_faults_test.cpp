@@ -2,8 +2,6 @@
 #include <atomic>
 #include <cstdlib>
 
-#include <gtest/gtest.h>
-
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrenamewindow/rename_window.h"
 #include "reliability/failing_memory.h"

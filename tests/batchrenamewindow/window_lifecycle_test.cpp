@@ -1,8 +1,6 @@
 // The extension's life: the window is open, or in whatever it may be in, when the host shuts down and unloads.
 #include <atomic>
 
-#include <gtest/gtest.h>
-
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrenamewindow/rename_window.h"
 #include "support/services_of_host.h"

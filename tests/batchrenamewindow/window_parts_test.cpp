@@ -1,8 +1,6 @@
 // The parts of the window that need none.
 #include <thread>
 
-#include <gtest/gtest.h>
-
 #include "batchrename/dialogs/tags.h"
 #include "batchrename/extension_state.h"
 #include "batchrename/model/name_fit.h"

@@ -1,5 +1,4 @@
 // The window as a person uses it, on real files.
-#include <gtest/gtest.h>
 
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrenamewindow/rename_window.h"

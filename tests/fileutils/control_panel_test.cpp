@@ -3,8 +3,6 @@
 
 #include <regex>
 
-#include <gtest/gtest.h>
-
 #include "fileutils/command_runner.h"
 
 namespace {

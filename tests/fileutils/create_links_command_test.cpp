@@ -1,5 +1,4 @@
 // "Create links": the names proposed, what is refused beforehand, and the command with its dialog.
-#include <gtest/gtest.h>
 
 #include "fileutils/command_runner.h"
 #include "fileutils/fileutils_resource.h"

@@ -1,5 +1,4 @@
 // The commands with a dialog, from the menu to the bytes of the files.
-#include <gtest/gtest.h>
 
 #include "fileutils/command_runner.h"
 #include "fileutils/fileutils_resource.h"

@@ -1,8 +1,6 @@
 // Quick renames and the group rename: the names they make, and the commands from the selection to the folder.
 #include "fileutils/names/quick_rename.h"
 
-#include <gtest/gtest.h>
-
 #include "fileutils/command_runner.h"
 
 namespace {
@@ -11,10 +9,7 @@ using FileUtils::QuickRenamed;
 using namespace QVTest;
 
 TEST(QuickRename, MakesTheseNames) {
-    const struct {
-        uint32_t id;
-        const wchar_t *name, *file, *folder;
-    } cases[] = {
+    const std::tuple<uint32_t, const wchar_t*, const wchar_t*, const wchar_t*> cases[] = {
         {30000, L"az \u00E4\u044F.txt", L"AZ \u00E4\u044F.TXT", L"AZ \u00E4\u044F.TXT"},
         {30001, L"AZ \u00C4\u042F.TXT", L"az \u00E4\u044F.txt", L"az \u00E4\u044F.txt"},
         {30001, L"ISTANBUL", L"istanbul", L"istanbul"},
@@ -29,9 +24,9 @@ TEST(QuickRename, MakesTheseNames) {
         {30007, L".a", L".a", L"_a"},
         {30009, L"a_b c.d", L"a_b c.d", L"a_b c.d"},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(QuickRenamed(c.id, c.name, false), c.file) << c.id;
-        EXPECT_EQ(QuickRenamed(c.id, c.name, true), c.folder) << c.id;
+    for (const auto& [id, name, file, folder] : cases) {
+        EXPECT_EQ(QuickRenamed(id, name, false), file) << id;
+        EXPECT_EQ(QuickRenamed(id, name, true), folder) << id;
     }
 }
 

@@ -1,5 +1,4 @@
 // registration_test.cpp - what File Utils registers with a host, seen through the host's own listings.
-#include <gtest/gtest.h>
 
 #include <regex>
 

@@ -92,13 +92,13 @@ TEST(SortForm, TheLengthThatIsShownEndsTheNumbersOfItems) {
     SortForm form = FileUtils::FormOf(before);
     EXPECT_NE(FileUtils::RequestOf(form, before).fault, L"");
     form.substringLength = L"3";
-    EXPECT_EQ(FileUtils::RequestOf(form, before).fault, L"");
-    EXPECT_EQ(FileUtils::RequestOf(form, before).request.substringLength, 3u);
-    EXPECT_NE(FileUtils::RequestOf(form, before).hint, L"");
+    const FileUtils::SortReading shorter = FileUtils::RequestOf(form, before);
+    EXPECT_EQ(shorter.fault, L"");
+    EXPECT_EQ(shorter.request.substringLength, 3u);
+    EXPECT_NE(shorter.hint, L"");
     form.substringLength = L"0";
     EXPECT_EQ(FileUtils::RequestOf(form, before).hint, L"");
     form.options = Option::EntireLine | Option::AsNumber | Option::KeepBackup;
-    EXPECT_EQ(FileUtils::RequestOf(form, before).fault, L"");
     EXPECT_NE(FileUtils::RequestOf(form, before).hint, L"") << "entire lines are texts";
 }
 

@@ -1,5 +1,4 @@
 // The custom command "SortLines", from its parameters to the file's bytes.
-#include <gtest/gtest.h>
 
 #include "fileutils/command_runner.h"
 

@@ -10,8 +10,7 @@
 namespace {
 
 using QVLineSorter::SortRequest;
-using QVTest::DialogDriver;
-using QVTest::DrivenDialog;
+using namespace QVTest;
 namespace Option = QVLineSorter::SortOption;
 
 using Person = std::function<void(DialogDriver&, const DrivenDialog&)>;

@@ -1,7 +1,5 @@
 #include "fileutils/sort_lines/sort_lines_settings.h"
 
-#include <gtest/gtest.h>
-
 #include "support/services_of_host.h"
 
 namespace {

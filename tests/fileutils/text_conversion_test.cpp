@@ -1,8 +1,6 @@
 // Line ends and tabs: the bytes, against a plain model and at every cut, and the commands from selection to file.
 #include "fileutils/conversions/text_conversion.h"
 
-#include <gtest/gtest.h>
-
 #include "fileutils/command_runner.h"
 #include "support/small_texts.h"
 #include "support/temporary_folder.h"

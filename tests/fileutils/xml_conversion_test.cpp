@@ -1,5 +1,4 @@
 // XML documents in their readable and compact forms, through the host's XML service.
-#include <gtest/gtest.h>
 
 #include "fileutils/command_runner.h"
 #include "host/xml/xml_text.h"
@@ -99,9 +98,7 @@ TEST(XmlService, KeepsEncodingAndLineBreaksOfAChangedDocument) {
 }
 
 TEST(XmlLayout, LeavesWhatIsTextAsItIs) {
-    const struct {
-        const char *why, *text, *compact, *readable;
-    } cases[] = {
+    const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
         {"line breaks are those of the text", "<?d?>\r\n<a><b/></a>", "<?d?>\r\n<a><b/></a>",
          "<?d?>\r\n<a>\r\n\t<b/>\r\n</a>"},
         {"what stands around the root", "<?d?><!-- c --><a/><!-- e -->\n", "<?d?><!-- c --><a/><!-- e -->\n",
@@ -116,9 +113,9 @@ TEST(XmlLayout, LeavesWhatIsTextAsItIs) {
          "<!DOCTYPE a [<!ATTLIST a xml:space CDATA 'preserve'>]><a> <b/></a>",
          "<!DOCTYPE a [<!ATTLIST a xml:space CDATA 'preserve'>]>\n<a> <b/></a>"},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(QVHost::CompactXml(c.text), c.compact) << c.why;
-        EXPECT_EQ(QVHost::ReadableXml(c.text), c.readable) << c.why;
+    for (const auto& [why, text, compact, readable] : cases) {
+        EXPECT_EQ(QVHost::CompactXml(text), compact) << why;
+        EXPECT_EQ(QVHost::ReadableXml(text), readable) << why;
     }
     for (const char* none : {"<a>", "</a>", "<a></a></a>", "<a b='>", "<!-- ->", "<![CDATA[]>", "<?a>", "<!D '>", "x"})
         EXPECT_FALSE(QVHost::CompactXml(none)) << none;

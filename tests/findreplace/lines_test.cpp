@@ -1,7 +1,5 @@
 #include "findreplace/lines.h"
 
-#include <gtest/gtest.h>
-
 #include "findreplace/text_blocks.h"
 #include "support/small_texts.h"
 #include "support/temporary_folder.h"

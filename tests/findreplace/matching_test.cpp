@@ -8,8 +8,7 @@
 #include "support/string_writer.h"
 
 using namespace QVFindAndReplace;
-using QVTest::RecordingCallback;
-using QVTest::ToNarrow;
+using namespace QVTest;
 using QVUtils::EncodingKind;
 
 namespace {
@@ -149,18 +148,14 @@ TYPED_TEST(Matching, ManyMultilineMatchesStayLinear) {
 TYPED_TEST(Matching, RefusesWhatCannotWork) {
     const char* const tooShort = "Find match are too short. Atleast one character need";
     const char* const tooFew = "To few find items. Atleast one must be set";
-    const struct {
-        uint32_t options;
-        const wchar_t *find, *replacement;
-        const char* error;
-    } cases[] = {
+    const std::tuple<uint32_t, const wchar_t*, const wchar_t*, const char*> cases[] = {
         {kOne, L"", L"", tooShort},
         {kMany, L"a\nb", L"x", "Find and Replace item do not match"},
         {kMultiline, L"", L"x", tooFew},
     };
-    for (const auto& c : cases) {
-        const auto outcome = Apply<TypeParam>("ab - a", c.options, c.find, c.replacement);
-        EXPECT_EQ(outcome.error, c.error);
+    for (const auto& [options, find, replacement, error] : cases) {
+        const auto outcome = Apply<TypeParam>("ab - a", options, find, replacement);
+        EXPECT_EQ(outcome.error, error);
         EXPECT_EQ(outcome.code, 87u);
     }
     EXPECT_THROW(Apply<TypeParam>("", kOne | kWildcard, L"x{", L"y"), std::regex_error);

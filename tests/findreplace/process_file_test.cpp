@@ -2,19 +2,13 @@
 
 #include <random>
 
-#include <gtest/gtest.h>
-
 #include "findreplace/recording_callback.h"
 #include "support/temporary_folder.h"
 #include "win32/handle.h"
 
 using namespace QVFindAndReplace;
 using namespace std::string_literals;
-using QVTest::Contents;
-using QVTest::RecordingCallback;
-using QVTest::TemporaryFolder;
-using QVTest::ToNarrow;
-using QVTest::Utf16;
+using namespace QVTest;
 
 namespace {
 

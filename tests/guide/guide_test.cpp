@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <filesystem>
 
-#include <gtest/gtest.h>
-
 #include "host/app/host_text.h"
 #include "host/app/unix_paths.h"
 #include "host/contract/whole_file.h"

@@ -2,8 +2,6 @@
 #include <algorithm>
 #include <sstream>
 
-#include <gtest/gtest.h>
-
 #include "host/elevated/elevated_channel.h"
 #include "host/elevated/elevated_protocol.h"
 #include "host/elevated/message_pipe.h"

@@ -1,10 +1,7 @@
 #include "host/contract/language.h"
 
-#include <map>
 #include <regex>
 #include <set>
-
-#include <gtest/gtest.h>
 
 #include "batchrename/batchrename_texts.h"
 #include "fileutils/control_panel/control_panel.h"

@@ -1,8 +1,6 @@
 // panel_test.cpp - the panel: its parts as functions, and one story through the real window.
 #include <algorithm>
 
-#include <gtest/gtest.h>
-
 #include "host/panel/folder_rows.h"
 #include "host/panel/panel_menu.h"
 #include "host_runner.h"

@@ -6,9 +6,7 @@
 
 namespace {
 
-using QVTest::DialogDriver;
-using QVTest::DrivenDialog;
-using QVTest::WhileDriving;
+using namespace QVTest;
 
 TEST(ProgressWindow, ShowsTheFileInWorkAndTakesTheWishToStop) {
     constexpr int kTextId = 100;

@@ -1,7 +1,5 @@
 #include "host/rename/rename_rows.h"
 
-#include <gtest/gtest.h>
-
 #include "host_runner.h"
 #include "sdk/owners.h"
 #include "support/services_of_host.h"

@@ -2,8 +2,6 @@
 
 #include <sstream>
 
-#include <gtest/gtest.h>
-
 #include "host_runner.h"
 #include "win32/handle.h"
 

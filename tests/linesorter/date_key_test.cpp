@@ -3,8 +3,6 @@
 #include <cstdlib>
 #include <ctime>
 
-#include <gtest/gtest.h>
-
 #include "linesorter/sample_lines.h"
 
 namespace {

@@ -1,15 +1,11 @@
 #include "linesorter/sort_file.h"
 
-#include <gtest/gtest.h>
-
 #include "support/temporary_folder.h"
 
 namespace {
 
 using namespace QVLineSorter;
-using QVTest::Contents;
-using QVTest::TemporaryFolder;
-using QVTest::Utf16;
+using namespace QVTest;
 namespace Option = SortOption;
 const std::string kMark = "\xFF\xFE";
 
@@ -46,42 +42,33 @@ TEST(SortFile, LeavesWhatItCannotSortAsItIs) {
     bad.substringLength = 64;
     SortRequest foreign = RequestWith(Option::DeleteBackup | Option::AsDate);
     foreign.dateFormat = L"%d\x5E74";
-    const struct {
-        const char* why;
-        std::string content;
-        SortRequest request;
-        uint32_t errorCode;
-    } cases[] = {
+    const std::tuple<const char*, std::string, SortRequest, uint32_t> cases[] = {
         {"UTF-8", "\xEF\xBB\xBF" + lines, RequestWith(Option::DeleteBackup), 1630},
         {"no text", std::string("\x01\x02\x03\x04\x05\x06", 6), RequestWith(Option::DeleteBackup), 1630},
         {"a request that has a fault", lines, bad, 87},
         {"a date format that 8-bit text cannot hold", lines, foreign, 1113},
     };
-    for (const auto& c : cases) {
+    for (const auto& [why, content, request, errorCode] : cases) {
         const TemporaryFolder folder;
-        const std::wstring path = folder.Write(L"a.txt", c.content);
-        EXPECT_EQ(SortFile(path, path, c.request).errorCode, c.errorCode) << c.why;
-        EXPECT_EQ(folder.ReadAll(), (Contents{{L"a.txt", c.content}})) << c.why;
+        const std::wstring path = folder.Write(L"a.txt", content);
+        EXPECT_EQ(SortFile(path, path, request).errorCode, errorCode) << why;
+        EXPECT_EQ(folder.ReadAll(), (Contents{{L"a.txt", content}})) << why;
     }
 }
 
 TEST(SortFile, TakesSeparatorsInTheFilesOwnCharacters) {
-    const struct {
-        const char* why;
-        wchar_t separator;
-        std::string before, after;
-    } cases[] = {
+    const std::tuple<const char*, wchar_t, std::string, std::string> cases[] = {
         {"a letter of the code page", L'\xC4', "a1\xC4 2\nb \xC4 1\n", "b \xC4 1\na1\xC4 2\n"},
         {"a letter that the code page lacks matches nothing", L'\x4E2D', "b?1\na?2\n", "b?1\na?2\n"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [why, separator, before, after] : cases) {
         const TemporaryFolder folder;
-        const std::wstring path = folder.Write(L"a.txt", c.before);
+        const std::wstring path = folder.Write(L"a.txt", before);
         SortRequest request = RequestWith(Option::Item | Option::DeleteBackup);
-        request.separator = c.separator;
+        request.separator = separator;
         request.itemNumber = 2;
-        EXPECT_EQ(SortFile(path, path, request).errorCode, 0u) << c.why;
-        EXPECT_EQ(folder.Read(L"a.txt"), c.after) << c.why;
+        EXPECT_EQ(SortFile(path, path, request).errorCode, 0u) << why;
+        EXPECT_EQ(folder.Read(L"a.txt"), after) << why;
     }
 }
 

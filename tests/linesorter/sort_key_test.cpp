@@ -1,7 +1,5 @@
 #include "linesorter/sort_key.h"
 
-#include <gtest/gtest.h>
-
 #include "linesorter/sample_lines.h"
 #include "linesorter/sort_request.h"
 

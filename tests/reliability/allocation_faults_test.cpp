@@ -5,8 +5,6 @@
 #include <functional>
 #include <thread>
 
-#include <gtest/gtest.h>
-
 #include "reliability/failing_calls.h"
 #include "reliability/failing_memory.h"
 #include "reliability/writing_commands.h"

@@ -4,8 +4,6 @@
 #include <set>
 #include <utility>
 
-#include <gtest/gtest.h>
-
 #include "reliability/failing_calls.h"
 #include "reliability/writing_commands.h"
 #include "support/replaced_imports.h"

@@ -2,9 +2,6 @@
 // services that are not there, numbers out of range, texts without an end. Each call must come back.
 #include <algorithm>
 #include <array>
-#include <string_view>
-
-#include <gtest/gtest.h>
 
 #include "sdk/host_services.h"
 #include "support/services_of_host.h"
@@ -90,18 +87,15 @@ IFileList* OddList() {
 class OneSlotOdd {
 public:
     OneSlotOdd(IHostServices& services, const Slot& odd) : m_object(reinterpret_cast<void***>(&services)) {
-        m_original = *m_object;
         std::copy_n(m_original, kSlots, m_slots.begin());
         m_slots[odd.at] = odd.function;
         *m_object = m_slots.data();
     }
     ~OneSlotOdd() { *m_object = m_original; }
-    OneSlotOdd(const OneSlotOdd&) = delete;
-    OneSlotOdd& operator=(const OneSlotOdd&) = delete;
 
 private:
     void*** m_object;
-    void** m_original;
+    void** m_original = *m_object;
     std::array<void*, kSlots> m_slots = {};
 };
 

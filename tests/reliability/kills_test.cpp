@@ -2,8 +2,6 @@
 // name or its backup's, and a rename can be undone.
 #include <random>
 
-#include <gtest/gtest.h>
-
 #include "host/elevated/elevated_channel.h"
 #include "reliability/writing_commands.h"
 #include "win32/handle.h"

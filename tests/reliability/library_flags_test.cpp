@@ -1,8 +1,5 @@
 // library_flags_test.cpp - the built library as the system's loader sees it.
 #include <cctype>
-#include <string>
-
-#include <gtest/gtest.h>
 
 #include "support/replaced_imports.h"
 #include "support/services_of_host.h"

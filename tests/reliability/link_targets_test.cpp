@@ -1,6 +1,5 @@
 // link_targets_test.cpp - targets that are links to other places. None can be made here, so what the system says of
 // them is replaced.
-#include <gtest/gtest.h>
 
 #include "support/replaced_imports.h"
 #include "support/services_of_host.h"
@@ -42,23 +41,18 @@ TEST(LinkTargets, AreNotWrittenThrough) {
     const InProcessHost host;
     const TemporaryFolder settings;
     const std::string text = "MIME-Version: 1.0\r\nx; name=\"out.bin\"\r\n\r\n\r\nYWJj";
-    const struct {
-        const char* why;
-        Answers answers;
-        bool exists;
-        const char* reason;
-    } cases[] = {
+    const std::tuple<const char*, Answers, bool, const char*> cases[] = {
         {"a link", {FILE_ATTRIBUTE_REPARSE_POINT, false}, true, "The target is a link"},
         {"a link that leads nowhere", {FILE_ATTRIBUTE_REPARSE_POINT, false}, false, "The target is a link"},
         {"a link that is not marked", {0, true}, true, "The target is a link"},
         {"a name that only looks free", {INVALID_FILE_ATTRIBUTES, false}, true, "Unable to open file for writing"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [why, answers, exists, reason] : cases) {
         const TemporaryFolder folder;
         const std::wstring source = folder.Write(L"a.b64", text);
-        if (c.exists) folder.Write(L"out.bin", "old");
+        if (exists) folder.Write(L"out.bin", "old");
         const Contents before = folder.ReadAll();
-        Now() = c.answers;
+        Now() = answers;
         HostRun run;
         {
             const ReplacedImport attributes(host.Library(), "GetFileAttributesW", reinterpret_cast<void*>(Attributes));
@@ -66,9 +60,9 @@ TEST(LinkTargets, AreNotWrittenThrough) {
             const ReplacedImport path(host.Library(), "GetFinalPathNameByHandleW", reinterpret_cast<void*>(FinalPath));
             run = host.Run({L"--config", settings.Path(), L"--answer", L"yes", L"command", L"30211", source});
         }
-        EXPECT_EQ(folder.ReadAll(), before) << c.why;
-        EXPECT_NE(run.out.find(c.reason), std::string::npos) << c.why << run.out;
-        EXPECT_EQ(run.error, "") << c.why << "; nothing is asked";
+        EXPECT_EQ(folder.ReadAll(), before) << why;
+        EXPECT_NE(run.out.find(reason), std::string::npos) << why << run.out;
+        EXPECT_EQ(run.error, "") << why << "; nothing is asked";
     }
 }
 

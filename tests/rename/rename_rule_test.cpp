@@ -46,11 +46,7 @@ RuleDefinition Rule(std::wstring name, std::wstring extension = L"[E]", uint32_t
 }
 
 TEST(RenameRule, ComputesNamesFromTemplates) {
-    const struct {
-        const char* why;
-        RuleDefinition rule;
-        const wchar_t *name, *newName;
-    } cases[] = {
+    const std::tuple<const char*, RuleDefinition, const wchar_t*, const wchar_t*> cases[] = {
         {"the default changes nothing", {}, L"a.b.txt", L"a.b.txt"},
         {"nor one with nothing but an extension", {}, L".a", L".a"},
         {"no extension, no dot", Rule(L"x-[N]-y", L""), L"a.txt", L"x-a-y"},
@@ -60,7 +56,7 @@ TEST(RenameRule, ComputesNamesFromTemplates) {
         {"a property is cleaned, its line breaks go", Rule(L"[?size,{KB}]", L""), L"a<b", L"size_KBa_b"},
         {"line breaks go", Rule(L"a\r\nb"), L"x.t", L"ab.t"},
     };
-    for (const auto& c : cases) EXPECT_EQ(Renamed(c.rule, c.name), c.newName) << c.why;
+    for (const auto& [why, rule, name, newName] : cases) EXPECT_EQ(Renamed(rule, name), newName) << why;
     EXPECT_EQ(Renamed(Rule(L"[N]!", L"bak"), L"a.folder", true), L"a.folder!");
     const uint32_t expression = RenameOption::ScopeBoth | RenameOption::RegularExpression;
     EXPECT_EQ(Renamed(Rule(L"[N]", L"[E]", expression, {{L"^", L"x-"}}), L"a.folder", true), L"x-a.folder");

@@ -1,8 +1,6 @@
 // The columns as a host sees them: what is registered, stored values, values cut to their room, many threads at once.
 #include <thread>
 
-#include <gtest/gtest.h>
-
 #include "host/app/subcommands.h"
 #include "security/account_names.h"
 #include "security/ntfs_prop.h"

@@ -4,8 +4,6 @@
 
 #include <algorithm>
 
-#include <gtest/gtest.h>
-
 #include "security/account_names.h"
 #include "security/acl_info.h"
 #include "security/streams.h"
@@ -63,7 +61,6 @@ struct Replaced {
     std::wstring machine = L"(none)";  // that was asked for a name
     std::wstring universalName = L"\\\\server\\share";
     int universalQuestions = 0;
-    ACCESS_MASK rights = 0;
 };
 Replaced g_replaced;
 
@@ -105,12 +102,6 @@ BOOL WINAPI NoteMachine(LPCWSTR machine, PSID sid, LPWSTR name, LPDWORD nameSize
 BOOL WINAPI GiveDescriptorOfThisFolder(LPCWSTR, SECURITY_INFORMATION parts, PSECURITY_DESCRIPTOR descriptor, DWORD size,
                                        LPDWORD needed) {
     return GetFileSecurityW(L".", parts, descriptor, size, needed);
-}
-
-DWORD WINAPI GiveRights(PACL, PTRUSTEE_W trustee, PACCESS_MASK mask) {
-    EXPECT_STREQ(trustee->ptstrName, L"CURRENT_USER");
-    *mask = g_replaced.rights;
-    return ERROR_SUCCESS;
 }
 
 SecuritySystem SystemWithLists() {
@@ -230,19 +221,6 @@ TEST(NTFSTools, AsksTheMachineThatHoldsTheFileForTheOwnersName) {
     }
     EXPECT_EQ(g_replaced.universalQuestions, 1) << "both paths lie on one drive";
     NTFSTools::ClearCaches();
-}
-
-TEST(CACLInfo, GivesTheMaskOrOneFailure) {
-    const TemporaryFolder folder;
-    const std::wstring path = folder.Write(L"a", "x");
-    SecuritySystem system = SystemWithLists();
-    system.getEffectiveRights = GiveRights;
-    g_replaced.rights = 0x1200A9;
-    uint32_t mask = 1;
-    EXPECT_EQ(CACLInfo(path, system).GetEffectiveRights(mask), 0u);
-    EXPECT_EQ(mask, 0x1200A9u);
-    EXPECT_EQ(CACLInfo(folder / L"none", system).GetEffectiveRights(mask), 0x80004005u);
-    EXPECT_EQ(mask, 0u);
 }
 
 TEST(RightsText, NeedsAllBitsOfALetter) {

@@ -1,4 +1,3 @@
-#include <gtest/gtest.h>
 
 #include "support/string_writer.h"
 #include "support/temporary_folder.h"

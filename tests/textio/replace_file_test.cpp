@@ -1,15 +1,11 @@
 #include "textio/replace_file.h"
 
-#include <gtest/gtest.h>
-
 #include "support/temporary_folder.h"
 #include "win32/files.h"
 #include "win32/handle.h"
 
 using namespace QVUtils;
-using QVTest::AccessListOf;
-using QVTest::Contents;
-using QVTest::TemporaryFolder;
+using namespace QVTest;
 
 namespace {
 

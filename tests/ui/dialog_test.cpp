@@ -186,13 +186,6 @@ TEST(ActivationContext, GivesOurWindowsTheNewerControls) {
     EXPECT_FALSE(hasNewerEdit());
 }
 
-TEST(Controls, NumbersAreReadWholeOrNotAtAll) {
-    for (const auto& [text, number] : {std::pair(L"", 0u), {L" 12\t", 12}, {L"007", 7}, {L"4294967295", 4294967295}})
-        EXPECT_EQ(Ui::NumberFromText(text), number) << text;
-    for (const wchar_t* none : {L"4294967296", L"-1", L"1 2", L"99999999999999999999999", L"\u0661", L"x"})
-        EXPECT_EQ(Ui::NumberFromText(none), std::nullopt) << none;
-}
-
 TEST(Controls, AllLineBreaksBecomeThoseOfEdits) {
     EXPECT_EQ(Ui::WithEditBreaks(L"a\nb\rc\r\nd\r\r\n"), L"a\r\nb\r\nc\r\nd\r\n\r\n");
 }

@@ -1,7 +1,5 @@
 #include "win32/files.h"
 
-#include <gtest/gtest.h>
-
 #include "support/replaced_imports.h"
 #include "support/temporary_folder.h"
 #include "win32/handle.h"

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include <gtest/gtest.h>
-
 #include "support/temporary_folder.h"
 
 namespace {
