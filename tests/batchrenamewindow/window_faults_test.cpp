@@ -107,7 +107,7 @@ TEST(RenameWindowWithoutMemory, RenamesWhollyOrNot) {
     if (FailingMemory::kLocksNeedMemory) GTEST_SKIP() << "the debug containers' locks would end the process";
     for (const bool isLasting : {false, true}) {
         bool hasFailed = true;
-        for (size_t number = 0; hasFailed; number = 3 * FailingMemory::Next(number)) {
+        for (size_t number = 0; hasFailed; number = 9 * FailingMemory::Next(number)) {
             SCOPED_TRACE("allocation " + std::to_string(number));
             RenameWindow window(kNames);
             window.Open(kNames);

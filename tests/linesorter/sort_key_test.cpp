@@ -8,58 +8,44 @@ namespace {
 using namespace QVLineSorter;
 using QVTest::As;
 
-template <class CharT>
-KeyRule<CharT> In(const KeyRule<char>& rule) {
-    KeyRule<CharT> result;
-    result.kind = static_cast<typename KeyRule<CharT>::Kind>(rule.kind);
-    result.lineOffset = rule.lineOffset;
-    result.skipLeadingSpaces = rule.skipLeadingSpaces;
-    result.substringLength = rule.substringLength;
-    result.endAtWhiteSpace = rule.endAtWhiteSpace;
-    result.endAtCharacter = rule.endAtCharacter;
-    if (rule.separator) result.separator = static_cast<CharT>(*rule.separator);
-    result.itemNumber = rule.itemNumber;
-    return result;
-}
-
 TEST(FindKey, CutsTheKeyThatTheRuleNames) {
-    constexpr auto kFromOffset = KeyRule<char>::Kind::FromOffset;
-    constexpr auto kSubstring = KeyRule<char>::Kind::Substring;
-    constexpr auto kItem = KeyRule<char>::Kind::Item;
-    const struct {
-        const char *why, *line;
-        KeyRule<char> rule;
-        KeySpan expected;
-    } cases[] = {
-        {"the whole line has length 0", "abc", {}, {0, 0}},
-        {"from an offset", "abc", {kFromOffset, 2, false, 0, false, false, {}}, {2, 0}},
-        {"and so has a shorter one", "abc", {kFromOffset, 4000000000, false, 0, false, false, {}}, {3, 0}},
-        {"an empty line", "", {kItem, 1, true, 0, false, false, ',', 2}, {0, 0}},
-        {"spaces and tabs are skipped behind the offset",
-         "x \t b",
-         {kFromOffset, 1, true, 0, false, false, {}},
-         {4, 0}},
-        {"a substring", "abcdef", {kSubstring, 1, false, 3, false, false, {}}, {1, 3}},
-        {"a substring that reaches the end exactly", "abcd", {kSubstring, 1, false, 3, false, false, {}}, {1, 0}},
-        {"the length comes before white space", "a bcd", {kSubstring, 0, false, 3, true, false, {}}, {0, 3}},
-        {"up to a space", "ab cd", {kSubstring, 0, false, 0, true, false, {}}, {0, 2}},
-        {"up to a tab, before the end character", "ab,\tcd", {kSubstring, 0, false, 0, true, true, ','}, {0, 3}},
-        {"up to the end character", "ab,cd", {kSubstring, 0, false, 0, false, true, ','}, {0, 2}},
-        {"an end character that this width lacks", "ab,cd", {kSubstring, 0, false, 0, false, true, {}}, {0, 5}},
-        {"an empty substring means the rest", ",ab", {kSubstring, 0, false, 0, false, true, ','}, {0, 0}},
-        {"the second item", "a,bb,c", {kItem, 0, false, 0, false, false, ',', 2}, {2, 2}},
-        {"the last item", "a,b,cc", {kItem, 0, false, 0, false, false, ',', 3}, {4, 2}},
-        {"items behind an offset", "x,a,b", {kItem, 2, false, 0, false, false, ',', 2}, {4, 1}},
-        {"an empty item means the rest", "a,,c", {kItem, 0, false, 0, false, false, ',', 2}, {2, 0}},
-        {"very many items asked for", "a,b", {kItem, 0, false, 0, false, false, ',', 4294967295}, {3, 0}},
-        {"no item has number 0", "a,b", {kItem, 0, false, 0, false, false, ',', 0}, {3, 0}},
-        {"a separator that this width lacks", "a,b", {kItem, 0, false, 0, false, false, {}, 1}, {0, 3}},
-    };
-    for (const auto& c : cases)
-        QVTest::InBothWidths([&]<class CharT>(CharT) {
-            EXPECT_EQ(FindKey<CharT>(As<CharT>(c.line), In<CharT>(c.rule)), c.expected)
+    QVTest::InBothWidths([]<class CharT>(CharT) {
+        constexpr auto kFromOffset = KeyRule<CharT>::Kind::FromOffset;
+        constexpr auto kSubstring = KeyRule<CharT>::Kind::Substring;
+        constexpr auto kItem = KeyRule<CharT>::Kind::Item;
+        const struct {
+            const char *why, *line;
+            KeyRule<CharT> rule;
+            KeySpan expected;
+        } cases[] = {
+            {"the whole line has length 0", "abc", {}, {0, 0}},
+            {"from an offset", "abc", {kFromOffset, 2, false, 0, false, false, {}}, {2, 0}},
+            {"and so has a shorter one", "abc", {kFromOffset, 4000000000, false, 0, false, false, {}}, {3, 0}},
+            {"an empty line", "", {kItem, 1, true, 0, false, false, ',', 2}, {0, 0}},
+            {"spaces and tabs are skipped behind the offset",
+             "x \t b",
+             {kFromOffset, 1, true, 0, false, false, {}},
+             {4, 0}},
+            {"a substring", "abcdef", {kSubstring, 1, false, 3, false, false, {}}, {1, 3}},
+            {"a substring that reaches the end exactly", "abcd", {kSubstring, 1, false, 3, false, false, {}}, {1, 0}},
+            {"the length comes before white space", "a bcd", {kSubstring, 0, false, 3, true, false, {}}, {0, 3}},
+            {"up to a space", "ab cd", {kSubstring, 0, false, 0, true, false, {}}, {0, 2}},
+            {"up to a tab, before the end character", "ab,\tcd", {kSubstring, 0, false, 0, true, true, ','}, {0, 3}},
+            {"up to the end character", "ab,cd", {kSubstring, 0, false, 0, false, true, ','}, {0, 2}},
+            {"an end character that this width lacks", "ab,cd", {kSubstring, 0, false, 0, false, true, {}}, {0, 5}},
+            {"an empty substring means the rest", ",ab", {kSubstring, 0, false, 0, false, true, ','}, {0, 0}},
+            {"the second item", "a,bb,c", {kItem, 0, false, 0, false, false, ',', 2}, {2, 2}},
+            {"the last item", "a,b,cc", {kItem, 0, false, 0, false, false, ',', 3}, {4, 2}},
+            {"items behind an offset", "x,a,b", {kItem, 2, false, 0, false, false, ',', 2}, {4, 1}},
+            {"an empty item means the rest", "a,,c", {kItem, 0, false, 0, false, false, ',', 2}, {2, 0}},
+            {"very many items asked for", "a,b", {kItem, 0, false, 0, false, false, ',', 4294967295}, {3, 0}},
+            {"no item has number 0", "a,b", {kItem, 0, false, 0, false, false, ',', 0}, {3, 0}},
+            {"a separator that this width lacks", "a,b", {kItem, 0, false, 0, false, false, {}, 1}, {0, 3}},
+        };
+        for (const auto& c : cases)
+            EXPECT_EQ(FindKey<CharT>(As<CharT>(c.line), c.rule), c.expected)
                 << c.why << ", " << sizeof(CharT) << " bytes a character";
-        });
+    });
 }
 
 TEST(NumberKey, ReadsWhatStrtollWouldRead) {

@@ -75,6 +75,7 @@ std::string FaultOf(const WritingCommand& command, const Contents& before, const
         const bool isBackup = name.ends_with(L".bak") && before.contains(name.substr(0, name.size() - 4));
         if (!(isBeside || isBackup) || !Contains(failure.said, isBeside ? name : name.substr(0, name.size() - 4)))
             return "something is left behind: " + std::string(name.begin(), name.end());
+        if (isBackup && !Contains(failure.said, L".bak")) return "nobody says that the original is in its backup";
     }
     return {};
 }
