@@ -71,7 +71,7 @@ std::basic_string<CharT> Widened(std::string_view text) {
     return wide;
 }
 
-/// A copy without a byte of space around it, so that a look beyond its ends is seen.
+/// A copy without a spare byte around it, so that a look beyond its ends is seen.
 template <class CharT>
 class Exact {
 public:

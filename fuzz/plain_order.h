@@ -66,7 +66,7 @@ struct Row {
     size_t index;
 };
 
-/// The order of 8-bit text, a key at a time: each stands behind all that are less, and of those that it is the
+/// The order of 8-bit text, a key at a time: each comes after all that are less, and of those that it is the
 /// beginning of in front of the first that follows it in the file.
 inline std::vector<Row<char>> InOrdinalOrder(std::vector<Row<char>> rows, bool ignoreCase) {
     LineCompare_OrdinalA compare(ignoreCase);

@@ -1,4 +1,4 @@
-// Base64 both ways: blocks of any size give the same bytes, within the capacity that was promised.
+// Base64 both ways: blocks of any size give the same bytes, within the size that was promised.
 #include "fileutils/conversions/base64.h"
 
 #include "fuzz/input.h"

@@ -1,4 +1,4 @@
-// Line ends and tabs: blocks change nothing, the capacity is enough, and the result is what the plain rules give.
+// Line ends and tabs: blocks change nothing, the buffer is long enough, and the result is what the plain rules give.
 #include "fileutils/conversions/text_conversion.h"
 
 #include "fuzz/input.h"

@@ -29,7 +29,7 @@ private:
     TemporaryFolder m_settings;
 };
 
-/// `words` with more of them behind.
+/// `words`, then `more`.
 Words Joined(Words words, const Words& more);
 
 testing::AssertionResult Holds(const std::string& text, const std::string& part);

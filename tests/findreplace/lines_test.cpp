@@ -7,7 +7,7 @@
 using namespace QVFindAndReplace;
 using QVUtils::MemoryDataReader;
 
-// In blocks and chunks that end everywhere, in both widths, with a byte too many and behind a mark.
+// In blocks and chunks that end everywhere, in both widths, with a byte too many and after a mark.
 TEST(Lines, OfEverySmallTextAreCutAndSavedByThePlainRules) {
     for (const std::string& text : QVTest::SmallTexts("a\r\n")) {
         const std::string wide = QVTest::Utf16(std::wstring(text.begin(), text.end()));

@@ -141,14 +141,14 @@ TEST(ProcessFile, ReportsWhatItCannotDoAndLeavesTheFileAlone) {
     EXPECT_EQ(folder.List(), (std::vector<std::wstring>{L"binary", L"file"}));
 }
 
-// Whoever is asked gets the whole text at once, so both ways are there to be compared.
+// A callback that is asked gets the whole text at once, so the two ways can be compared.
 TEST(ProcessFile, BlocksGiveWhatTheWholeTextGives) {
     std::mt19937 random(5);
     const wchar_t* const finds[] = {L"a\nb", L"b\na\n", L"\na", L"a\n\nb", L"a\nx\ny\nb", L"ab\nx\ny\nb\nb", L"a"};
     const wchar_t* const replacements[] = {L"x", L"ab\na", L"b\n\nab\nb", L"\nb"};
     for (int round = 0; round < 40; ++round) {
         std::string text = round % 5 == 0 ? kUtf8Mark : "";
-        if (round % 10 == 0)  // the first change lies behind the first blocks
+        if (round % 10 == 0)  // the first change comes after the first blocks
             for (int line = 0; line < 30'000; ++line) text += "ccccccccc\n";
         const size_t size = text.size() + 130'000 + random() % 150'000;
         while (text.size() < size) text += "aaabb\n\n\n\r\r\n"[random() % (round % 2 ? 8 : 11)];

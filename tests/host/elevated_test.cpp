@@ -1,4 +1,5 @@
-// elevated_test.cpp - requests to the elevated second process: their bytes, and the real process behind a real pipe.
+// elevated_test.cpp - requests to the elevated second process: their bytes, and the real process at the end of a real
+// pipe.
 #include <algorithm>
 #include <sstream>
 
@@ -171,7 +172,7 @@ std::wstring OwnUser() {
     HANDLE token = nullptr;
     EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token));
     const Win32::KernelHandle owner(token);
-    TOKEN_USER user[8] = {};  // with room for the identifier behind the first
+    TOKEN_USER user[8] = {};  // the identifier follows the first
     DWORD size = 0;
     wchar_t* text = nullptr;
     EXPECT_TRUE(GetTokenInformation(token, TokenUser, user, sizeof(user), &size));

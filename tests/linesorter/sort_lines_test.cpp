@@ -59,7 +59,7 @@ TEST(SortLines, GivesThePlainOrderForEveryKeyAndOrder) {
         for (size_t i = beginnings.size(); i > 1; --i)
             std::swap(beginnings[i - 1], beginnings[random.Below(static_cast<uint32_t>(i))]);
         ExpectThePlainOrder(beginnings, "the same shuffled");
-        // A hyphen's place is weighed last, as a number whose second byte is zero here; what differs stands behind it.
+        // A hyphen's place is weighed last, as a number whose second byte is zero here; what differs comes after it.
         Lines<CharT> hyphens;
         for (size_t i = 0; i < 40; ++i) {
             std::basic_string<CharT> line(401, CharT('a'));

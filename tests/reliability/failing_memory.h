@@ -26,7 +26,7 @@ public:
     size_t Count() const;  // allocations since Arm
 
     /// The locks of the library's debug containers allocate with their first use, in destructors too, and end the
-    /// process when they cannot: whoever reaches such a first use with no memory cannot be tested in the checked build.
+    /// process when they cannot: code that reaches such a first use without memory is not tested in the checked build.
 #ifdef _GLIBCXX_DEBUG
     static constexpr bool kLocksNeedMemory = true;
 #else

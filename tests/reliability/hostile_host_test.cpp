@@ -171,7 +171,7 @@ TEST(HostThatGivesNothing, GetsAnAnswerToEveryCall) {
     UseExtensions(process, host.Get(), {}, {}, nullptr);
 }
 
-TEST(OddItems, GetNoMoreTextThanThereIsRoomFor) {
+TEST(OddItems, GetNoMoreTextThanTheirBuffersHold) {
     const InProcessHost process;
     ServicesOfHost host(QV_HOST_PROGRAM);
     QVHost::FileItem& item = host.Select(QV_HOST_PROGRAM);
@@ -183,7 +183,7 @@ TEST(OddItems, GetNoMoreTextThanThereIsRoomFor) {
             for (IFileItem* const asked : {OddItem(), static_cast<IFileItem*>(&item)}) {
                 std::vector<wchar_t> text(capacity + 1, L'#');
                 const bool isKnown = properties->GetValue(asked, text.data(), capacity, id) != 0;
-                EXPECT_EQ(text[capacity], L'#') << "one unit beyond the room";
+                EXPECT_EQ(text[capacity], L'#') << "one unit beyond the buffer";
                 EXPECT_TRUE(!isKnown || std::ranges::count(text, L'\0') > 0) << "the text has an end";
                 properties->GetValue(nullptr, text.data(), capacity, id);
                 properties->GetValue(asked, nullptr, capacity, id);

@@ -24,7 +24,7 @@ TEST(Library, IsProtectedAgainstInjectedCode) {
     }
 }
 
-// Windows, the shell and COM take as long to load as everything else a command needs, and most need none of them.
+// Windows, the shell and COM take as long to load as everything else a command needs, and most commands do without.
 TEST(Library, NeedsFewOfTheSystemsLibrariesToStart) {
     const InProcessHost host;
     const std::string known = " advapi32.dll kernel32.dll msvcrt.dll ";

@@ -1,4 +1,4 @@
-// The columns as a host sees them: what is registered, stored values, values cut to their room, many threads at once.
+// The columns as a host sees them: what is registered, stored values, values cut to their buffers, many threads at once.
 #include <thread>
 
 #include "host/app/subcommands.h"
@@ -18,11 +18,11 @@ protected:
         EXPECT_EQ(m_provider.Init(&m_host.Services()), 0u);
     }
 
-    /// "(no value)" when there is none. The room is that of `capacity` units.
+    /// "(no value)" when there is none. The buffer has `capacity` units.
     std::wstring ValueOf(IFileItem& item, uint16_t id, uint32_t capacity = 256) {
         std::vector<wchar_t> text(capacity + 1, L'#');
         const bool hasValue = m_provider.GetValue(&item, text.data(), capacity, id) == 1;
-        EXPECT_EQ(text[capacity], L'#') << "written beyond the room";
+        EXPECT_EQ(text[capacity], L'#') << "written beyond the buffer";
         return hasValue ? text.data() : L"(no value)";
     }
 

@@ -47,7 +47,7 @@ TEST(FiguresOfStreams, CountAllRecordsButTheFirst) {
         {"one that leads out of the block", Record(32, 1) + Record(33, 5), {1, 5}},
         {"backwards, as a signed number", Record(32, 1) + Record(0xFFFFFFE0, 5), {1, 5}},
         {"to a record that is cut", Record(32, 1) + Bytes(23), {}},
-        {"a record without room for a name", Record(32, 1) + Bytes(24), {1, 0}},
+        {"a record too short for a name", Record(32, 1) + Bytes(24), {1, 0}},
     };
     for (const auto& [why, block, figures] : cases) EXPECT_EQ(FiguresOfStreams(block), figures) << why;
 }

@@ -1,8 +1,8 @@
 // guarded_memory.cpp - in the checked build, memory that shows a wrong access at the very instruction: each block of a
 // test program lies at the end of pages of its own, before a page that nobody may touch, and its pages are never used
-// again. So reading or writing behind a block, or after its end, is an access violation. The two blocks of 16 bytes
+// again. So reading or writing beyond a block, or after its end, is an access violation. The two blocks of 16 bytes
 // around it are looked at when it is given back: what was written in front of it, or into the few bytes that alignment
-// leaves behind it, ends the program there.
+// leaves after it, ends the program there.
 #include <atomic>
 #include <cstdint>
 #include <cstdlib>
@@ -50,7 +50,7 @@ bool IsGuarded(const void* block) {
     return Addresses() && at >= Addresses() && at < Addresses() + kAddresses;
 }
 
-/// Null when there is no room for more of this kind.
+/// Null when there is no space for more of this kind.
 void* GuardedBlock(size_t size) {
     const size_t room = RoundedUp(size, kAlignment);
     const size_t pages = RoundedUp(sizeof(Header) + room, kPage);

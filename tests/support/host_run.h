@@ -1,4 +1,4 @@
-// host_run.h - one run of the stand-in host in the test's process. For tests that link the host's room.
+// host_run.h - one run of the stand-in host in the test's process. For tests that link the host's module.
 #pragma once
 
 #include <algorithm>

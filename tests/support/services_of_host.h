@@ -1,5 +1,5 @@
 // services_of_host.h - the stand-in host's services in the test's own process, without a library: for code of the
-// library that is called directly. For tests that link the host's room.
+// library that is called directly. For tests that link the host's module.
 #pragma once
 
 #include <functional>

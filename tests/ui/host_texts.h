@@ -9,7 +9,7 @@
 
 namespace QVTest {
 
-/// The list behind the function lives as long as its copies.
+/// The list that the function fills lives as long as its copies.
 inline Ui::HostTexts EchoTexts() {
     return [texts = std::make_shared<std::list<std::wstring>>()](Quorvane::SDK::TextId id) {
         texts->push_back(std::to_wstring(id >> 16) + static_cast<wchar_t>(id & 0xFF));

@@ -23,7 +23,7 @@ constexpr WORD kDialogs[] = {IDD_FIND_AND_REPLACE, IDD_CONFIRM_REPLACE, IDD_SORT
                              IDD_UNDO_MANAGER,     IDD_RENAME_ITEM,     IDD_SAVE_PROFILE};
 constexpr WORD kPointSizes[] = {8, 12};
 
-constexpr LONG kScreenRoom = 768 - 100;  // lines of a small screen, less a caption and a bar at its edge
+constexpr LONG kScreenHeight = 768 - 100;  // lines of a small screen, less a caption and a bar at its edge
 
 /// A copy of a dialog's template with another size of its font.
 std::vector<WORD> TemplateWithFont(WORD dialog, WORD points) {
@@ -85,7 +85,7 @@ RECT RectIn(HWND dialog, HWND control) {
     return rect;
 }
 
-/// What a text needs on the screen, in pixels, in the font of its control; the mark of an access key takes no room.
+/// What a text needs on the screen, in pixels, in the font of its control; the mark of an access key takes no space.
 SIZE SizeOfText(HWND control, const std::wstring& text) {
     const HDC context = GetDC(control);
     const HGDIOBJ before = SelectObject(context, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
@@ -123,7 +123,7 @@ TEST(Layout, EverythingFitsAndNothingOverlaps) {
             ASSERT_TRUE(open.Window());
             RECT client = {};
             GetClientRect(open.Window(), &client);
-            EXPECT_LE(client.bottom, kScreenRoom) << "dialog " << dialog << ", " << points << " points";
+            EXPECT_LE(client.bottom, kScreenHeight) << "dialog " << dialog << ", " << points << " points";
             const std::vector<HWND> controls = open.Controls();
             for (size_t i = 0; i < controls.size(); ++i) {
                 const HWND control = controls[i];
