@@ -37,7 +37,7 @@ public:
     bool OnThreadMessage(MSG& message) override {
         // Timers of the thread and of the frame end here: this window uses none, and a host's own hooks must not bring
         // any. Those of the controls are the system's: buttons fade by them.
-        // compatibility: TIMERS-OF-BATCH-RENAME
+        // compatibility: 31
         if (message.message == WM_TIMER && (!message.hwnd || message.hwnd == m_frame->GetWindow())) return true;
         if (!message.hwnd && message.message == kOwnerMessage) {
             TakeRows();

@@ -49,7 +49,7 @@ uint32_t ReadSearchOptions(IXmlElement& search) {
     if (NumberOf(search, L"casesensative") == 1) options |= RenameOption::CaseSensitive;
     if (NumberOf(search, L"regex") == 1) options |= RenameOption::RegularExpression;
     // 3, the extension alone, is written but reads as both.
-    // compatibility: SCOPE-OF-PROFILES
+    // compatibility: 27
     options |= NumberOf(search, L"replaceparts") == kPartsName ? RenameOption::ScopeName : RenameOption::ScopeBoth;
     return options;
 }

@@ -131,7 +131,7 @@ uint32_t QVBatchRename::OpenWindow() {
     m_guiThread = std::make_unique<BatchRenameGUIThread>(m_state);
     // A pause and no handshake: the caller finds the window's thread past its beginning when the command returns, and
     // a handshake would hang with a thread that hangs.
-    // compatibility: PAUSE-AT-START-OF-BATCH-RENAME
+    // compatibility: 30
     Sleep(kPauseAtStart);
     return 1;
 }

@@ -63,14 +63,14 @@ constexpr ParameterRow kSortLinesParameters[] = {
     {Parameter::SkipLeadingSpace, kSwitch, Text::SkipLeadingSpace},
     {Parameter::IgnoreCase, kSwitch, Text::IgnoreCase},
     {Parameter::LanguageOrder, kSwitch, Text::LanguageOrder},
-    {Parameter::NaturalNumberOrder, kSwitch, Text::NaturalNumberOrder},  // spelled so on purpose: scripts use it
+    {Parameter::NaturalNumberOrder, kSwitch, Text::NaturalNumberOrder},  // compatibility: 17
     {Parameter::Reverse, kSwitch, Text::Reverse},
     {Parameter::Overwrite, kSwitch, Text::Overwrite},
     {Parameter::SortAs, kText, Text::SortAs},
     {Parameter::DateFormat, kText, Text::DateFormat},
     {Parameter::ItemSeparator, kText, Text::ItemSeparator},
-    {Parameter::ItemNumber, kText, Text::ItemNumber},  // a number, yet registered as text: scripts rely on that too
-    {Parameter::SubstringLength, kText, Text::SubstringLength},  // likewise
+    {Parameter::ItemNumber, kText, Text::ItemNumber},            // compatibility: 17
+    {Parameter::SubstringLength, kText, Text::SubstringLength},  // compatibility: 17
     {Parameter::EndCharacter, kText, Text::EndCharacter},
     {Parameter::EndAtWhiteSpace, kSwitch, Text::EndAtWhiteSpace},
     {Parameter::KeepBackup, kSwitch, Text::KeepBackup},
@@ -85,7 +85,7 @@ constexpr ParameterRow kFindAndReplaceParameters[] = {
     {Parameter::ReplaceWith, kRequired | kText, Text::ReplaceWith},
     {Parameter::Mode, kText, Text::FindMode},
     {Parameter::ReplaceAll, kSwitch, Text::ReplaceAll},
-    {Parameter::IgnoreCase, kSwitch, Text::IgnoreCase},  // registered, never read: see the command
+    {Parameter::IgnoreCase, kSwitch, Text::IgnoreCase},  // compatibility: 7
     {Parameter::ForceUtf8, kSwitch, Text::ForceUtf8},
     {Parameter::Wildcard, kSwitch, Text::Wildcard},
     {Parameter::Overwrite, kSwitch, Text::Overwrite},

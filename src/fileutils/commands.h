@@ -74,8 +74,8 @@ uint32_t RunCreateLinks(IHostServices& host, uint32_t id);
 /// "CreateLink": LNKTYPE, LNKSRC (the link) and LNKTRG (what it leads to) must be given, and the target must exist;
 /// otherwise nothing happens and the result is 0. The call's result code is the link's error, 5 where the system misses
 /// a privilege (1314); without ASADMIN it is also the result text. With ASADMIN the link is made in the elevated
-/// process; in a host that cannot elevate, or is elevated already, the result is 0 and nothing is made. Nonzero when
-/// the link was made.
+/// process; in a host that cannot elevate, or is elevated already, the result is 0 and nothing is made (compatibility:
+/// 23). Nonzero when the link was made.
 uint32_t RunCreateLinkCommand(IHostServices& host, ICustomCommandCall& call);
 
 /// Replies with the link's error.

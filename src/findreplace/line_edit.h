@@ -17,7 +17,7 @@ namespace QVFindAndReplace {
 /// After a match the position moves to its end as it was found, applied to the line as it then stands. So a longer
 /// replacement is itself searched from there on, and a shorter one lets the position jump over text after it; after
 /// the line's end there is nothing to find. After an empty match it moves one character further, at the line's end out
-/// of the line.
+/// of the line. compatibility: 1
 ///
 /// Some replacements would be found in themselves for ever by that: "'" by "''", "id" by "user_id", "*" by "<*>". So a
 /// match inside of what the last replacement put there, or an empty one beside it, is left alone, and the position

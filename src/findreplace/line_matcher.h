@@ -42,7 +42,7 @@ public:
 /// Without `ignoreCase`: the item's characters as they are; a zero character at a place where a hit could begin ends
 /// the search. With it: a scan that goes on after the character that did not fit and never steps back, so it misses
 /// "ab" in "aab". In 16-bit text the scan folds A to Z; in 8-bit text it folds nothing: one
-/// request finds the same matches from version to version. compatibility: plain-search-never-steps-back
+/// request finds the same matches from version to version. compatibility: 2
 template <class CharT>
 std::unique_ptr<LineMatcher<CharT>> MakePlainMatcher(std::basic_string<CharT> item, bool ignoreCase);
 

@@ -87,7 +87,7 @@ public:
     void InsertLine(uint32_t line, View text);
 
     /// Writes the lines before `end`. Every line that had a break gets the break of the first line of the file that had
-    /// one, so that a file with mixed breaks comes back with one style; this is intended. Added lines get it too; a
+    /// one, so that a file with mixed breaks comes back with one style (compatibility: 5). Added lines get it too; a
     /// line without a break stays without. `style` holds that break, or None as long as no such line was seen.
     /// @throws QVUtilsException what the writer throws
     void Save(QVUtils::DataWriter& writer, QVUtils::LineBreak& style, uint32_t end = kAllLines) const;

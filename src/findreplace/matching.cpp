@@ -224,7 +224,7 @@ private:
     }
 
     /// Do the find lines after the first fit after `line`? Of those in the middle the last two are never compared,
-    /// and with four find lines or fewer no line is. compatibility: middle-lines-of-multiline-are-not-all-compared
+    /// and with four find lines or fewer no line is. compatibility: 3
     bool RestFits(const std::vector<Text>& find, uint32_t line) const {
         const size_t count = m_lines.GetCount();
         const size_t last = line + find.size() - 1;
@@ -238,7 +238,7 @@ private:
     }
 
     /// With a single replacement line the match's last line stays as it is: only a second one would take the place of
-    /// what was found there. On purpose, as the rest of this mode.
+    /// what was found there. compatibility: 3
     void ReplaceLines(const Match& match, const std::vector<Text>& replacement) {
         if (match.startLine >= m_lines.GetCount() || match.endLine >= m_lines.GetCount())
             throw QVUtilsException(ErrorCode::InvalidParameter, "Line index out of range");
@@ -277,8 +277,8 @@ private:
 
     bool MustAsk() const { return m_callback && !m_document.ReplacesAll(); }
 
-    /// Asks whether to replace a match. Cancelling ends a Multiline request quietly (m_isStopped), on purpose, and any
-    /// other one as a failure. @throws QVUtilsException (code 1223)
+    /// Asks whether to replace a match. Cancelling ends a Multiline request quietly (m_isStopped; compatibility: 4),
+    /// and any other one as a failure. @throws QVUtilsException (code 1223)
     bool Confirm(const Match& match, const Text& replacement) {
         const bool isMultiline = m_mode == Mode::Multiline;
         const uint32_t length = isMultiline ? kZeroTerminated : static_cast<uint32_t>(replacement.size());

@@ -78,7 +78,7 @@ public:
         const bool isOverLines = asksNobody && m_job.request.GetMode() == Mode::Multiline;
         const bool isDone = isOverLines ? ReplaceOverLines(blocks) : ReplaceInLines(blocks, callback);
         // Cancelled while over several lines: nothing is saved, yet the file counts one change and the run goes on.
-        // compatibility: a-cancelled-multiline-search-counts-one-change
+        // compatibility: 4
         if (!isDone) return 1;
         if (m_replacement.HasBegun()) Finish(blocks);
         return m_document.GetChangeCount();

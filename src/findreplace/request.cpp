@@ -60,7 +60,7 @@ const char* Request::FindFault() const {
     switch (GetMode()) {
         case Mode::None: return m_find.empty() ? "Find match are too short. Atleast one character need" : nullptr;
         case Mode::One:
-            // An empty find text with something to put in its place does nothing and says nothing, on purpose.
+            // An empty find text with something to put in its place does nothing and says nothing. compatibility: 6
             return m_find.empty() && m_replacement.empty() ? "Find match are too short. Atleast one character need"
                                                            : nullptr;
         case Mode::Many:

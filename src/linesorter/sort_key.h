@@ -69,7 +69,7 @@ struct KeySpan {
 /// Finds the key of one line (without its line break, shorter than 2^32 characters).
 ///
 /// A line that ends before the offset has an empty key at its end. A substring or an item that comes out empty, such as
-/// the one between two separators side by side, has length 0 and so runs to the end of the line: that is on purpose.
+/// the one between two separators side by side, has length 0 and so runs to the end of the line. compatibility: 13
 template <class CharT>
 KeySpan FindKey(std::basic_string_view<CharT> line, const KeyRule<CharT>& rule);
 

@@ -93,7 +93,7 @@ IPluginInterface* Create(uint32_t index) {
 
 /// Ends an object from Create. False for a null object or an unknown index. An object of another class than the index
 /// says is left alone, and the answer is true all the same - except for index 1, whose object is not checked.
-// compatibility: delete-of-another-class
+// compatibility: 36
 bool Delete(IPluginInterface* object, uint32_t index) {
     if (!object) return false;
     switch (index) {

@@ -48,7 +48,7 @@ struct TemplatePiece {
 ///
 /// A single "]" ends a bracketed piece whatever the piece began with: in text without an opening "[" the first
 /// character takes its place, so `xN]` is the name tag.
-/// compatibility: BRACKET-THAT-ENDS-A-TAG
+/// compatibility: 26
 std::vector<TemplatePiece> SplitTemplate(std::wstring_view text);
 
 /// Compiles a template. `hasProperties`: somebody can be asked for properties; without, a property tag keeps neither

@@ -59,7 +59,7 @@ void CapitaliseWords(std::wstring& name) {
 /// Applies the lowest case bit of `options` (RenameOption) to a new name and extension. The plain conversions change
 /// only the letters A to Z, the first letters of CapitaliseWords and Sentence and the lowering of CapitaliseWords all
 /// letters.
-/// compatibility: LETTERS-OF-CASE-OPTIONS
+/// compatibility: 25
 void ApplyCase(std::wstring& name, std::wstring& extension, uint32_t options) {
     const uint32_t choice = options & RenameOption::CaseMask;
     switch (choice & (0u - choice)) {  // the lowest bit alone

@@ -19,7 +19,7 @@ struct StreamFigures {
 /// block of zeros is a file without named streams.
 ///
 /// The first record is never counted: it is a file's own content. A folder has no such content, so there the first
-/// named stream goes uncounted; that is kept on purpose, for the columns of both to be computed alike.
+/// named stream goes uncounted; so the columns of both are computed alike. compatibility: 35
 ///
 /// The walk ends at a record that does not lie within the block, or lies within the one before it: what is whole up to
 /// there counts.

@@ -16,7 +16,7 @@ FileDataReader::FileDataReader(const std::wstring& path, FileSharing sharing) : 
     m_handle->file.Reset(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_READ, static_cast<DWORD>(sharing),
                                      nullptr, OPEN_EXISTING, 0, nullptr));
     if (!m_handle->file) throw QVUtilsException(GetLastError(), "Unable to open file");
-    // "filesize" is one word in this message: users search their logs for it. compatibility: filesize-is-one-word
+    // "filesize" is one word in this message: users search their logs for it. compatibility: 11
     if (const uint32_t error = Win32::GetStamp(m_handle->file.Get(), m_stamp))
         throw QVUtilsException(error, "Failed to get filesize");
 }

@@ -86,7 +86,8 @@ private:
     std::unique_ptr<Handle> m_handle;
 };
 
-/// Writes into a block of fixed size. What does not fit is dropped silently, as intended: the caller sizes the block.
+/// Writes into a block of fixed size. What does not fit is dropped silently (compatibility: 37): the caller sizes the
+/// block.
 template <class CharT>
 class MemoryDataWriter final : public DataWriter {
 public:

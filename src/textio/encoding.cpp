@@ -28,8 +28,8 @@ bool HasXmlDeclarationOfUtf8(const uint8_t* sample, size_t size) {
     return line.find("UTF-8") != std::string_view::npos;
 }
 
-/// The middle of the upper half (0xB0 to 0xDF) is accepted and the rest of it is not, on purpose: the share that this
-/// lets through is what existing selections of files were made with.
+/// The middle of the upper half (0xB0 to 0xDF) is accepted and the rest of it is not (compatibility: 10): the share
+/// that this lets through is what existing selections of files were made with.
 constexpr bool IsSuspicious(uint8_t byte) {
     const bool printable = byte >= 0x20 && byte <= 0x7E;
     const bool acceptedUpperHalf = byte >= 0xB0 && byte <= 0xDF;

@@ -8,7 +8,7 @@
 namespace BatchRename {
 namespace {
 
-// compatibility: SPELLING-OF-LABELS
+// compatibility: 11
 constexpr Ui::ListColumn kSessionColumns[] = {
     {L"Date and time when files was renamed", 848}, {L"Items :", 176}, {L"State", 320}};
 constexpr Ui::ListColumn kEntryColumns[] = {{L"New name", 512}, {L"Old name", 512}, {L"Location", 720}};

@@ -13,7 +13,7 @@
 namespace BatchRename {
 namespace {
 
-constexpr wchar_t kSection[] = L"QVBatcheRename";  // compatibility: SPELLING-OF-THE-SETTINGS-SECTION
+constexpr wchar_t kSection[] = L"QVBatcheRename";  // compatibility: 29
 constexpr wchar_t kPositionKey[] = L"WinPos";
 constexpr uint32_t kPositionCapacity = 256;  // units
 constexpr int kSplitterHeight = 6;           // these are pixels at 96 to the inch

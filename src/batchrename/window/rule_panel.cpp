@@ -270,7 +270,7 @@ void RulePanel::RefreshButtons() {
     EnableWindow(Item(IDC_ITEM_REMOVE), isUsable && selected >= 0);
     EnableWindow(Item(IDC_ITEM_UP), isUsable && selected > 0);
     EnableWindow(Item(IDC_ITEM_DOWN), isUsable && selected >= 0 && selected < last);
-    // An expression always replaces every match.
+    // An expression replaces every match. compatibility: 28
     EnableWindow(Item(IDC_REPLACE_ALL_MATCHES), isUsable && !Ui::IsChecked(Item(IDC_REGEX)));
 }
 

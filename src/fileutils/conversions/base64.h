@@ -48,7 +48,7 @@ private:
 ///
 /// The text is given in the blocks that it was encoded in. Of each block, what is not longer than a line goes out in
 /// one piece, whatever is in the line already. So the last line of a text can have up to 144 characters, and a line
-/// shorter than 76 gets no CR LF. compatibility: last-line-of-base64
+/// shorter than 76 gets no CR LF. compatibility: 21
 class Base64Lines {
 public:
     static constexpr size_t kLineLength = 76;

@@ -1,5 +1,5 @@
 // text_conversion.h - line ends and tabs of a file's bytes, block by block. Knows no encoding: the bytes of UTF-16 text
-// are converted one by one like all others, on purpose. Reading and writing files is left to the command.
+// are converted one by one like all others (compatibility: 19). Reading and writing files is left to the command.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +13,7 @@ enum class TextConversion { ToLf, ToCrLf, ToCr, TabsToSpaces };
 /// Converts one file's bytes, given in blocks of any size. The result does not depend on where the blocks are cut.
 ///
 /// - ToLf: CR LF and CR become LF.
-/// - ToCrLf: LF and CR become CR LF, CR LF stays. A CR that is the file's last byte is dropped, on purpose.
+/// - ToCrLf: LF and CR become CR LF, CR LF stays. A CR that is the file's last byte is dropped.
 /// - ToCr: LF and CR LF become CR.
 /// - TabsToSpaces: each tab becomes as many spaces as the tab width says (not up to the next tab stop); 0 removes it.
 ///

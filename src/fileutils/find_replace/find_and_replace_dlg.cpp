@@ -39,7 +39,7 @@ constexpr OptionBox kBoxes[] = {
     {IDC_IGNORE_CASE, Option::IgnoreCase},
     {IDC_FORCE_UTF8, Option::ForceUtf8},
     {IDC_SILENT, Option::Silent},
-    // Hidden and disabled on purpose, and a box all the same: a stored option word comes out as it went in.
+    // Hidden and disabled, and a box all the same. compatibility: 8
     {IDC_REPLACE_ALL, Option::ReplaceAll},
 };
 

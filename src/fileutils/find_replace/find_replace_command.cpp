@@ -38,7 +38,7 @@ struct SwitchOption {
     uint32_t option;
 };
 // "IGNORECASE" is registered and not here: runs from scripts tell upper from lower case.
-// compatibility: scripted-find-tells-case-apart
+// compatibility: 7
 constexpr SwitchOption kSwitches[] = {
     {Parameter::ForceUtf8, Option::ForceUtf8}, {Parameter::Wildcard, Option::Wildcard},
     {Parameter::Overwrite, Option::Overwrite}, {Parameter::ReplaceAll, Option::ReplaceAll},

@@ -26,7 +26,7 @@ const wchar_t* NameOfType(uint32_t type) {
         case LinkType::HardLink: return L"Hardlink";
         case LinkType::Junction: return L"Junction";
         case LinkType::SymbolicLink: return L"Symlink";
-        default: return L"Unknown";  // shortcuts too. compatibility: log-line-of-a-shortcut
+        default: return L"Unknown";  // shortcuts too. compatibility: 22
     }
 }
 

@@ -9,7 +9,7 @@ namespace FileUtils {
 
 /// The name that command `id` gives to a file or folder called `name`. An id that is none leaves the name as it is.
 ///
-/// - 30000 turns a to z into upper case and nothing else: names with other letters keep them, on purpose.
+/// - 30000 turns a to z into upper case and nothing else: names with other letters keep them. compatibility: 24
 /// - 30001 turns every letter into lower case.
 /// - 30002 makes the first letter of each word upper case and all others lower case. Words begin after a blank, "."
 /// and

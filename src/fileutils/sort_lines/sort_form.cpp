@@ -48,7 +48,7 @@ public:
 
 private:
     /// The box of natural numbers can be set only while the order is a language's, and counts only while it is not. So
-    /// from the dialog it never takes effect. compatibility: natural-numbers-of-the-sort-dialog
+    /// from the dialog it never takes effect. compatibility: 16
     static uint32_t OptionsOf(uint32_t shown) {
         uint32_t options = shown & kFormBits;
         if (options & Option::LanguageOrder) options &= ~(Option::NaturalNumbers | Option::IgnoreCase);

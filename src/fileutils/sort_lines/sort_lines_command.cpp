@@ -143,7 +143,7 @@ private:
 };
 
 /// The log lines about a file have this level and the kind of a success, whatever became of it: log readers filter for
-/// them so. Only the line with the reason has the failure kind. compatibility: kinds-of-the-sorter's-log-lines
+/// them so. Only the line with the reason has the failure kind. compatibility: 18
 constexpr uint32_t kSorterLogLevel = 0;
 
 /// One request, applied file by file.
