@@ -198,7 +198,7 @@ void CheckSize(const std::wstring& pattern, const PatternSize& size, size_t stac
 
 NameRegexTraits::locale_type NameRegexTraits::imbue(locale_type locale) {
     m_ignoresCase = locale == LocaleThatIgnoresCase();
-    locale = Base::imbue(std::move(locale));
+    locale = Base::imbue(locale);
     constexpr std::wstring_view kWord = L"w";
     m_word = LookUp(kWord.begin(), kWord.end(), false);
     return locale;
