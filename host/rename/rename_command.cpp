@@ -179,7 +179,7 @@ int RunRename(const HostOptions& options, HostEnvironment& environment, Output& 
     } else {
         const RenameItems rows = MakeRows(selection, rule);
         CRenameResultCallback results;
-        const std::vector<RowOutcome> outcomes = RunRenames(rows, now, host.Surroundings(!given.noUndo), results);
+        const std::vector<RowOutcome> outcomes = RunRenames(rows, now, host.Environment(!given.noUndo), results);
         isDone = host.PrintOutcomes(rows, outcomes, L"renamed") && isDone;
         isDone = host.IsRecorded() && isDone;
     }

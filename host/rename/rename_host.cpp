@@ -86,7 +86,7 @@ UndoStore& RenameHost::Journal() {
     return *m_journal;
 }
 
-RunEnvironment RenameHost::Surroundings(bool isRecorded) {
+RunEnvironment RenameHost::Environment(bool isRecorded) {
     return {.host = *m_files.Get(),
             .list = ListFolderOnDisk,
             .journal = isRecorded ? &Journal() : nullptr,

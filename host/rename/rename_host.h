@@ -34,7 +34,7 @@ public:
     /// The sessions of this host. They are read when they are asked for first: a preview does without.
     BatchRename::UndoStore& Journal();
     /// `isRecorded`: with the undo journal, and then never without.
-    BatchRename::RunEnvironment Surroundings(bool isRecorded);
+    BatchRename::RunEnvironment Environment(bool isRecorded);
     /// False, with a note, when the journal could not be written.
     bool IsRecorded();
 

@@ -59,7 +59,7 @@ SharedSession FindSession(RenameHost& host, const std::wstring& name) {
 int Restore(RenameHost& host, BatchRenameUndo& session) {
     const RestoreRows restore = MakeRestoreRows(session, ListFolderOnDisk);
     CRenameResultCallback results;
-    const std::vector<RowOutcome> outcomes = RunRestore(session, restore, host.Surroundings(true), results);
+    const std::vector<RowOutcome> outcomes = RunRestore(session, restore, host.Environment(true), results);
     const bool isDone = host.PrintOutcomes(restore.rows, outcomes, L"restored");
     return host.IsRecorded() && isDone ? ExitStatus::Done : ExitStatus::Failed;
 }

@@ -310,7 +310,8 @@ public:
         : m_simulation(Compiler<CharT>(pattern, ignoreCase).Compile(), ignoreCase), m_ignoreCase(ignoreCase) {
         if (pattern.find(CharT('{')) == View::npos) CutAtStars(pattern);
         for (const Segment<CharT>& segment : m_segments)
-            if (segment.Run().size() > (m_sign ? m_sign->Run().size() : 0)) m_sign = &segment;
+            if (segment.Run().size() > (m_longestSegment ? m_longestSegment->Run().size() : 0))
+                m_longestSegment = &segment;
     }
 
     /// The segments take line breaks for characters like all others, so they find no fewer hits than there are, and
@@ -326,8 +327,8 @@ public:
     }
 
     const CharT* FindCandidate(View lines) const override {
-        if (!m_sign) return lines.data();
-        const size_t at = m_sign->FindFirst(lines, 0);
+        if (!m_longestSegment) return lines.data();
+        const size_t at = m_longestSegment->FindFirst(lines, 0);
         return at == View::npos ? nullptr : lines.data() + at;
     }
 
@@ -381,7 +382,7 @@ private:
     Simulation<CharT> m_simulation;
     const bool m_ignoreCase;
     std::vector<Segment<CharT>> m_segments;  // empty when the pattern has counts
-    const Segment<CharT>* m_sign =
+    const Segment<CharT>* m_longestSegment =
         nullptr;  // the one with the longest run of characters: every hit's line must hold it
 };
 

@@ -116,8 +116,8 @@ private:
     // Characters. A letter weighs two bytes. Of letters that weigh together there are four at most (a Hungarian double
     // consonant): nothing after the seventh letter can change the fourth weight, and nothing after the ninth the
     // sixth.
-    static constexpr size_t kForChunk = 7;
-    static constexpr size_t kForTail = 9;
+    static constexpr size_t kLettersForChunk = 7;
+    static constexpr size_t kLettersForTail = 9;
     static constexpr size_t kBeginning = 24;  // how far numbers are followed
 
     const uint8_t* WholeKey(uint32_t index) {
@@ -136,7 +136,7 @@ private:
 
     std::optional<KeyedIndex> EntryOfBeginning(uint32_t index) {
         const auto text = BeginningOf(m_data.KeyText(m_lines[index]).substr(0, kBeginning));
-        if (text.size() < kForChunk) return std::nullopt;
+        if (text.size() < kLettersForChunk) return std::nullopt;
         uint8_t key[256];
         const uint32_t size = m_compare.MakeSortKey(text.data(), static_cast<uint32_t>(text.size()), key, sizeof key);
         // A byte of 1 ends the letters: accents and what else is looked at later follow.
@@ -145,7 +145,7 @@ private:
         };
         if (!areWeights(0, 8)) return std::nullopt;
         KeyedIndex entry = {.key = LoadBytes(key), .index = index};
-        if (text.size() >= kForTail && areWeights(8, 12)) entry.tail = static_cast<uint32_t>(LoadBytes(key + 4));
+        if (text.size() >= kLettersForTail && areWeights(8, 12)) entry.tail = static_cast<uint32_t>(LoadBytes(key + 4));
         return entry;
     }
 
@@ -153,7 +153,7 @@ private:
     /// or not at all.
     static std::basic_string_view<CharT> BeginningOf(std::basic_string_view<CharT> text) {
         size_t length = 0;
-        for (size_t at = 0; at < text.size() && length < kForTail && IsPlain(text[at]); ++at)
+        for (size_t at = 0; at < text.size() && length < kLettersForTail && IsPlain(text[at]); ++at)
             if (!IsDigit(text[at])) length = at + 1;
         return text.substr(0, length);
     }

@@ -109,7 +109,7 @@ static_assert(IndexesAreUnique());
 
 /// Which items the host wants in the menu.
 bool IsWanted(const ControlPanelItem& item, bool useColumnD, bool useColumnE) {
-    return !(useColumnE && !item.flagE) && !(useColumnD && !item.flagD);
+    return !(useColumnE && !item.isInMenuE) && !(useColumnD && !item.isInMenuD);
 }
 
 /// The host's call returns nothing that matters: a system without the item shows its own message.
@@ -149,9 +149,9 @@ void BuildControlPanelMenu(IHostServices& host, IMenuBuilder& builder, Menu* roo
 
 void OpenControlPanelItem(uint32_t index, LaunchProgram launch) {
     const auto item = std::ranges::find_if(
-        kItems, [&](const ControlPanelItem& candidate) { return candidate.index == index && !candidate.flagF; });
+        kItems, [&](const ControlPanelItem& candidate) { return candidate.index == index && !candidate.isClosed; });
     if (item == std::end(kItems)) return;
-    const std::wstring name = (item->flagA ? L"Microsoft." : L"") + std::wstring(item->canonicalName);
+    const std::wstring name = (item->hasPrefix ? L"Microsoft." : L"") + std::wstring(item->canonicalName);
     (launch ? launch : LaunchThroughShell)(L"Control.exe", (L"/name " + name).c_str());
 }
 

@@ -20,13 +20,13 @@ struct ControlPanelCategory {
 /// Flags B and C are kept as data: nothing depends on them.
 struct ControlPanelItem {
     const wchar_t* displayName;
-    const wchar_t* canonicalName;  // without "Microsoft.", see flagA
-    bool flagA;                    // the canonical name follows "Microsoft."
-    bool flagB;
-    bool flagC;
-    bool flagD;  // in the menu of a host that uses column D
-    bool flagE;  // in the menu of a host that uses column E
-    bool flagF;  // cannot be opened
+    const wchar_t* canonicalName;  // without "Microsoft.", see hasPrefix
+    bool hasPrefix;                // the canonical name follows "Microsoft."
+    bool unreadB;
+    bool unreadC;
+    bool isInMenuD;  // in the menu of a host that uses column D
+    bool isInMenuE;  // in the menu of a host that uses column E
+    bool isClosed;   // cannot be opened
     uint32_t index;
     uint32_t category;
     Quorvane::SDK::TextId text;
