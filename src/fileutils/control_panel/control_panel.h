@@ -17,7 +17,7 @@ struct ControlPanelCategory {
     Quorvane::SDK::TextId text;
 };
 
-/// Flags B and C are kept as data: nothing depends on them.
+/// Columns B and C of the table are data of its format: nothing reads them.
 struct ControlPanelItem {
     const wchar_t* displayName;
     const wchar_t* canonicalName;  // without "Microsoft.", see hasPrefix
