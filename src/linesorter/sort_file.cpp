@@ -90,7 +90,7 @@ SortableLinesData<CharT> LoadSorted(QVUtils::TextFile& file, const SortRequest& 
 
 template <class CharT>
 uint32_t Save(const SortableLinesData<CharT>& data, const std::wstring& target, const SortRequest& request,
-              std::optional<Win32::FileState> original) {
+              std::optional<Win32::FileState>&& original) {
     const bool mayOverwrite = request.Has(SortOption::Overwrite);
     if (request.Has(SortOption::SaveAs) && !mayOverwrite && Win32::Exists(target))
         throw QVLineSorterException(ErrorCode::FileExists, "Target file already exists");

@@ -1,4 +1,5 @@
-// The columns as a host sees them: what is registered, stored values, values cut to their buffers, many threads at once.
+// The columns as a host sees them: what is registered, stored values, values cut to their buffers, many threads at
+// once.
 #include <thread>
 
 #include "host/app/subcommands.h"
