@@ -14,7 +14,7 @@ public:
     /// Answers in order; the last one repeats.
     explicit RecordingCallback(std::vector<uint32_t> answers) : m_answers(std::move(answers)) {}
 
-    void SetCurrentFile(const wchar_t* fileName) override { currentFile = fileName; }
+    void SetCurrentFile(const wchar_t*) override {}
     void EndOfFile() override {}
     void ReportErrorW(const wchar_t* text, uint32_t code) override {
         errors.emplace_back(Win32::ToCodePage(text, Win32::kUtf8CodePage).value_or("?"), code);
@@ -31,7 +31,6 @@ public:
     }
     bool IsCancelled() override { return isCancelled; }
 
-    std::wstring currentFile;
     std::vector<std::pair<std::string, uint32_t>> errors;
     std::vector<std::string> shown;  // each match as its context shows it
     std::vector<QVFindAndReplace::Match> matches;

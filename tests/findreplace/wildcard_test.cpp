@@ -98,11 +98,8 @@ TYPED_TEST(Wildcard, LongLinesNeedNoStackAndLittleTime) {
     const WildcardResult everything = {0, true, 0, 1'000'000};
     const WildcardResult tooLarge = {static_cast<int>(std::regex_constants::error_space) + 1};
     EXPECT_EQ(find("a?*b"), nothing);
-    EXPECT_EQ(find("*a*b*c*d*z"), nothing);
     EXPECT_EQ(find("a*a"), everything);
-    EXPECT_EQ(find("a{3}b"), nothing);
     EXPECT_EQ(find("a{2,}"), everything);
-    EXPECT_EQ(find("a{99999}{99999}"), tooLarge);
     EXPECT_EQ(find("a{99999999999999999999}"), tooLarge);
 }
 

@@ -20,26 +20,20 @@ TEST(FindKey, CutsTheKeyThatTheRuleNames) {
         } cases[] = {
             {"the whole line has length 0", "abc", {}, {0, 0}},
             {"from an offset", "abc", {kFromOffset, 2, false, 0, false, false, {}}, {2, 0}},
-            {"and so has a shorter one", "abc", {kFromOffset, 4000000000, false, 0, false, false, {}}, {3, 0}},
             {"an empty line", "", {kItem, 1, true, 0, false, false, ',', 2}, {0, 0}},
             {"spaces and tabs are skipped behind the offset",
              "x \t b",
              {kFromOffset, 1, true, 0, false, false, {}},
              {4, 0}},
-            {"a substring", "abcdef", {kSubstring, 1, false, 3, false, false, {}}, {1, 3}},
             {"a substring that reaches the end exactly", "abcd", {kSubstring, 1, false, 3, false, false, {}}, {1, 0}},
             {"the length comes before white space", "a bcd", {kSubstring, 0, false, 3, true, false, {}}, {0, 3}},
-            {"up to a space", "ab cd", {kSubstring, 0, false, 0, true, false, {}}, {0, 2}},
             {"up to a tab, before the end character", "ab,\tcd", {kSubstring, 0, false, 0, true, true, ','}, {0, 3}},
-            {"up to the end character", "ab,cd", {kSubstring, 0, false, 0, false, true, ','}, {0, 2}},
             {"an end character that this width lacks", "ab,cd", {kSubstring, 0, false, 0, false, true, {}}, {0, 5}},
             {"an empty substring means the rest", ",ab", {kSubstring, 0, false, 0, false, true, ','}, {0, 0}},
             {"the second item", "a,bb,c", {kItem, 0, false, 0, false, false, ',', 2}, {2, 2}},
-            {"the last item", "a,b,cc", {kItem, 0, false, 0, false, false, ',', 3}, {4, 2}},
             {"items behind an offset", "x,a,b", {kItem, 2, false, 0, false, false, ',', 2}, {4, 1}},
             {"an empty item means the rest", "a,,c", {kItem, 0, false, 0, false, false, ',', 2}, {2, 0}},
             {"very many items asked for", "a,b", {kItem, 0, false, 0, false, false, ',', 4294967295}, {3, 0}},
-            {"no item has number 0", "a,b", {kItem, 0, false, 0, false, false, ',', 0}, {3, 0}},
             {"a separator that this width lacks", "a,b", {kItem, 0, false, 0, false, false, {}, 1}, {0, 3}},
         };
         for (const auto& c : cases)
@@ -54,14 +48,9 @@ TEST(NumberKey, ReadsWhatStrtollWouldRead) {
         uint32_t longest;
         int64_t expected;
     } cases[] = {
-        {" \t\v\f+12x", 0, 12},
-        {"-7 8", 0, -7},
         {"12345", 3, 123},
         {"  -12345", 4, -1},
-        {"9223372036854775808", 0, INT64_MAX},
-        {"-9223372036854775809", 0, INT64_MIN},
         {"99999999999999999999999999999999999999999999999999999999999999999999999999999999", 0, INT64_MAX},
-        {"0000000000000000000000000000000000000000000000000000000000000000000000000000000012", 0, 12},
     };
     for (const auto& c : cases)
         QVTest::InBothWidths([&]<class CharT>(CharT) {

@@ -1,5 +1,6 @@
 #include "textio/byte_search.h"
 
+#include <algorithm>
 #include <random>
 #include <string>
 
@@ -16,12 +17,8 @@ TYPED_TEST_SUITE(ByteSearch, Widths);
 
 template <class CharT>
 bool StandsAt(const std::basic_string<CharT>& text, size_t at, const std::basic_string<CharT>& item, bool ignoreCase) {
-    for (size_t i = 0; i < item.size(); ++i) {
-        const CharT left = ignoreCase ? FoldCase(text[at + i]) : text[at + i];
-        const CharT right = ignoreCase ? FoldCase(item[i]) : item[i];
-        if (left != right) return false;
-    }
-    return true;
+    const auto fold = [=](CharT unit) { return ignoreCase ? FoldCase(unit) : unit; };
+    return std::ranges::equal(text.substr(at, item.size()), item, {}, fold, fold);
 }
 
 template <class CharT>

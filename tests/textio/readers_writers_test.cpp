@@ -1,4 +1,6 @@
 
+#include <functional>
+
 #include "support/string_writer.h"
 #include "support/temporary_folder.h"
 #include "textio/data_reader.h"
@@ -13,14 +15,11 @@ namespace {
 using Failure = std::pair<std::string, uint32_t>;
 
 /// The text and code of what `body` throws; "" and 0 when it throws nothing.
-template <class Body>
-Failure FailureOf(Body&& body) {
-    try {
-        body();
-        return {};
-    } catch (const QVUtilsException& failure) {
-        return {failure.what(), failure.GetErrorCode()};
-    }
+Failure FailureOf(const std::function<void()>& body) try {
+    body();
+    return {};
+} catch (const QVUtilsException& failure) {
+    return {failure.what(), failure.GetErrorCode()};
 }
 
 std::string ReadAll(DataReader& reader, uint32_t size) {

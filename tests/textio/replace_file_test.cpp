@@ -46,6 +46,9 @@ void MakeOld(const std::wstring& path) {
 
 /// Every way to replace a file, with and without a failure half way: what lies in the folder afterwards.
 TEST(ReplaceFileContent, KeepsTheOriginalUntilTheReplacementIsComplete) {
+    const auto keeping = [](const wchar_t* to) -> ReplaceRequest {
+        return {.target = to, .mayOverwrite = true, .keepsPart = true};
+    };
     const struct {
         const char* why;
         ReplaceRequest request;  // the target without its folder
@@ -59,18 +62,8 @@ TEST(ReplaceFileContent, KeepsTheOriginalUntilTheReplacementIsComplete) {
         {"over it", {L"a", true, false, false}, false, 0, {{L"a", "new"}}},
         {"over it without leave", {L"a", false, false, false}, false, 80, {{L"a", "old"}}},
         {"to a new name", {L"b", false, false, false}, false, 0, {{L"a", "old"}, {L"b", "new"}}},
-        {"to a new name, failing", {L"b", true, false, false}, true, 112, {{L"a", "old"}}},
-        {"a backup of nothing", {L"b", false, true, false}, false, 0, {{L"a", "old"}, {L"b", "new"}}},
-        {"to a new name, keeping the part",
-         {.target = L"b", .keepsPart = true},
-         true,
-         112,
-         {{L"a", "old"}, {L"b", "ne"}}},
-        {"over it, where no part is kept",
-         {.target = L"a", .mayOverwrite = true, .keepsPart = true},
-         true,
-         112,
-         {{L"a", "old"}}},
+        {"to a new name, keeping the part", keeping(L"b"), true, 112, {{L"a", "old"}, {L"b", "ne"}}},
+        {"over it, where no part is kept", keeping(L"a"), true, 112, {{L"a", "old"}}},
         {"into no folder", {L"no\\b", true, false, false}, false, 3, {{L"a", "old"}}},
         {"onto a folder", {L".", true, false, false}, false, 5, {{L"a", "old"}}},
     };
