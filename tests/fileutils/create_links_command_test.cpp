@@ -19,7 +19,6 @@ TEST(LinkNames, AreProposedBesideAndElsewhere) {
     EXPECT_EQ(FileUtils::ProposedLinkName({L"C:\\a\\b.c", true}, L"C:\\a"), L"b.c - link");
     EXPECT_EQ(FileUtils::LinkPath(4, L"C:\\a", L"b.txt"), L"C:\\a\\b.txt.lnk");
     EXPECT_EQ(FileUtils::LinkPath(4, L"C:\\a\\", L"b.LNK"), L"C:\\a\\b.LNK");
-    EXPECT_EQ(FileUtils::LinkPath(3, L"C:\\a", L"b"), L"C:\\a\\b");
 }
 
 TEST(LinkRules, RefuseWhatCannotWork) {

@@ -2,6 +2,8 @@
 #include "fileutils/file_run.h"
 
 #include <atomic>
+#include <iterator>
+#include <sstream>
 
 #include <gtest/gtest.h>
 
@@ -14,9 +16,10 @@ using namespace FileUtils;
 namespace MarkKind = Quorvane::SDK::MarkKind;
 
 /// In the folder: a.txt, b.txt, and taken.x, c.x beside c.txt. Processing "b.txt" fails.
-std::string Transcript(FileRun run, const std::vector<std::wstring>& answers, bool cancelsAfterFirst = false) {
+std::string Transcript(FileRun run, const wchar_t* answers, bool cancelsAfterFirst) {
     QVHost::HostOptions options;
-    options.answers = answers;
+    std::wistringstream words(answers);
+    options.answers.assign(std::istream_iterator<std::wstring, wchar_t>(words), {});
     QVTest::ServicesOfHost host(QV_HOST_PROGRAM, std::move(options));
     const QVTest::TemporaryFolder folder;
     Quorvane::SDK::IFileList* const list = host.Services().CreateFileList();
@@ -59,80 +62,45 @@ std::string Transcript(FileRun run, const std::vector<std::wstring>& answers, bo
     return told;
 }
 
+FileRun To(const wchar_t* saveAs, const std::vector<FileMark>& marks, bool isSilent = false,
+           bool mayOverwrite = false) {
+    FileRun run;
+    if (*saveAs) run.saveAs = saveAs;
+    run.marks = marks;
+    run.isSilent = isSilent;
+    run.mayOverwrite = mayOverwrite;
+    return run;
+}
+
 TEST(RunOverFiles, AsksTellsAndMarks) {
     const std::vector<FileMark> two = {{MarkKind::Done, true}, {MarkKind::Failed, false}};
     const std::vector<FileMark> three = {{MarkKind::Done, true}, {MarkKind::Failed, true}, {MarkKind::Skipped, false}};
     const std::string inPlace = "do a.txt>a.txt do b.txt>b.txt ";
     const struct {
         const char* why;
-        const wchar_t* saveAs;  // null: none
-        bool mayOverwrite, isSilent, cancelsAfterFirst;
-        std::vector<FileMark> marks;
-        std::vector<std::wstring> answers;
+        FileRun run;
+        const wchar_t* answers;
         std::string expected;
+        bool cancelsAfterFirst = false;
     } cases[] = {
-        {"in place, where nothing is asked",
-         nullptr,
-         false,
-         false,
-         false,
-         two,
-         {L"ok"},
+        {"in place, where nothing is asked", To(L"", two), L"ok",
          inPlace + "do c.txt>c.txt do d.txt>d.txt summary 3 1 0 done a.txt done c.txt done d.txt failed b.txt ? "},
-        {"silently: what exists stays, and no list is for it",
-         L"*.x",
-         false,
-         true,
-         false,
-         two,
-         {},
+        {"silently: what exists stays, and no list is for it", To(L"*.x", two, true), L"",
          "do a.txt>a.x do b.txt>b.x skip c.txt>c.x skip d.txt>d.x done a.txt failed b.txt failed c.txt failed d.txt "},
-        {"with a list for it",
-         L"*.x",
-         false,
-         false,
-         false,
-         three,
-         {L"no", L"no", L"ok"},
+        {"with a list for it", To(L"*.x", three), L"no no ok",
          "do a.txt>a.x do b.txt>b.x skip c.txt>c.x skip d.txt>d.x summary 1 1 2 "
          "? ? done a.txt failed b.txt skipped c.txt skipped d.txt ? "},
-        {"yes holds for the rest",
-         L"*.x",
-         false,
-         false,
-         false,
-         two,
-         {L"yes", L"ok"},
+        {"yes holds for the rest", To(L"*.x", two), L"yes ok",
          "do a.txt>a.x do b.txt>b.x do c.txt>c.x! do d.txt>d.x! summary 3 1 0 "
          "? done a.txt done c.txt done d.txt failed b.txt ? "},
-        {"cancel ends it", L"*.x", false, false, false, two, {L"cancel"}, "do a.txt>a.x do b.txt>b.x cancelled ? "},
-        {"so does the progress display", nullptr, false, false, true, two, {}, "do a.txt>a.txt cancelled "},
-        {"overwriting asks nothing",
-         L"*.x",
-         true,
-         true,
-         false,
-         two,
-         {},
+        {"cancel ends it", To(L"*.x", two), L"cancel", "do a.txt>a.x do b.txt>b.x cancelled ? "},
+        {"so does the progress display", To(L"", two), L"", "do a.txt>a.txt cancelled ", true},
+        {"overwriting asks nothing", To(L"*.x", two, true, true), L"",
          "do a.txt>a.x! do b.txt>b.x! do c.txt>c.x! do d.txt>d.x! done a.txt done c.txt done d.txt failed b.txt "},
-        {"a name that no file can have",
-         L"nul",
-         false,
-         true,
-         false,
-         two,
-         {},
+        {"a name that no file can have", To(L"nul", two, true), L"",
          "bad a.txt>nul bad b.txt>nul bad c.txt>nul bad d.txt>nul "
-         "failed a.txt failed b.txt failed c.txt failed d.txt "},
-    };
-    for (const auto& c : cases) {
-        FileRun run;
-        if (c.saveAs) run.saveAs = c.saveAs;
-        run.mayOverwrite = c.mayOverwrite;
-        run.isSilent = c.isSilent;
-        run.marks = c.marks;
-        EXPECT_EQ(Transcript(run, c.answers, c.cancelsAfterFirst), c.expected) << c.why;
-    }
+         "failed a.txt failed b.txt failed c.txt failed d.txt "}};
+    for (const auto& c : cases) EXPECT_EQ(Transcript(c.run, c.answers, c.cancelsAfterFirst), c.expected) << c.why;
 }
 
 }  // namespace

@@ -17,15 +17,11 @@ TEST(QuickRename, MakesTheseNames) {
         {30001, L"AZ \u00C4\u042F.TXT", L"az \u00E4\u044F.txt", L"az \u00E4\u044F.txt"},
         {30001, L"ISTANBUL", L"istanbul", L"istanbul"},
         {30002, L"my file_name.TXT", L"My File_Name.txt", L"My File_Name.Txt"},
-        {30002, L"\u00E4B", L"\u00C4b", L"\u00C4b"},
         {30002, L"  x", L"  X", L"  X"},
         {30002, L".profile", L".profile", L".Profile"},
         {30002, L"mr. x", L"Mr. X", L"Mr. X"},
         {30003, L"a_b.c_d", L"a b.c_d", L"a b.c d"},
-        {30005, L"a b.c d", L"a_b.c d", L"a_b.c_d"},
         {30007, L"a.b.c", L"a_b.c", L"a_b_c"},
-        {30007, L".a", L".a", L"_a"},
-        {30009, L"a_b c.d", L"a_b c.d", L"a_b c.d"},
     };
     for (const auto& [id, name, file, folder] : cases) {
         EXPECT_EQ(QuickRenamed(id, name, false), file) << id;
@@ -80,9 +76,7 @@ constexpr wchar_t kTitle[] = L"Replace text in names";
 TEST(ReplaceInNames, MakesTheseNames) {
     const std::tuple<FileUtils::NameReplacement, const wchar_t*, const wchar_t*, const wchar_t*> cases[] = {
         {{L"a", L"b", false, NamePart::Name}, L"aA.a", L"bA.a", L"bA.b"},
-        {{L"a", L"b", true, NamePart::Name}, L"aA.a", L"bb.a", L"bb.b"},
         {{L"a", L"b", false, NamePart::Extension}, L"aA.a", L"aA.b", L"aA.a"},
-        {{L"A.a", L"x", false, NamePart::Both}, L"aA.a", L"ax", L"ax"},
         {{L"a", L"aa", false, NamePart::Both}, L"aba", L"aabaa", L"aabaa"},
         {{L"", L"x", false, NamePart::Both}, L"a", L"a", L"a"},
         {{L"\u00E4", L"x", true, NamePart::Name}, L"\u00C4.\u00C4", L"x.\u00C4", L"x.x"},

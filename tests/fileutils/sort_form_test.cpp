@@ -34,18 +34,6 @@ TEST(SortForm, ShowsPositionsCountedFromOneAndFillsWhatIsMissing) {
     EXPECT_EQ(FileUtils::FormOf(request).linePosition, L"4294967296");
 }
 
-TEST(SortForm, EnablesWhatTheOptionsUse) {
-    const std::tuple<const char*, uint32_t, FileUtils::SortEnabling> cases[] = {
-        {"plain", kPlain, {.ignoreCase = true}},
-        {"a language has its own way with case", Option::LanguageOrder, {.naturalNumbers = true}},
-        {"substring", Option::Substring, {.substring = true, .ignoreCase = true}},
-        {"item", Option::Item, {.item = true, .ignoreCase = true}},
-        {"save as", Option::SaveAs, {.fileName = true, .ignoreCase = true}},
-        {"dates", Option::AsDate, {.dateFormat = true, .ignoreCase = true}},
-    };
-    for (const auto& [why, options, enabled] : cases) EXPECT_EQ(FileUtils::EnabledFor(options), enabled) << why;
-}
-
 TEST(SortForm, SaysWhatCannotBeUsed) {
     const uint32_t item = Option::Item | Option::AsText | Option::KeepBackup;
     const uint32_t substring = Option::Substring | Option::AsText | Option::KeepBackup;
@@ -59,8 +47,6 @@ TEST(SortForm, SaysWhatCannotBeUsed) {
         {"no number", kPlain, &SortForm::keepTop, L"2x", L"Start Line is a number"},
         {"nothing is 0", kPlain, &SortForm::keepTop, L"", L""},
         {"a position", kPlain, &SortForm::linePosition, L"-1", L"Start at line position is a number"},
-        {"position 0 is the first too", kPlain, &SortForm::linePosition, L"0", L""},
-        {"an unused field does not matter", kPlain, &SortForm::substringLength, L"x", L""},
         {"a used one does", substring, &SortForm::substringLength, L"x", L"Substring lenght is a number"},
         {"two characters", substring, &SortForm::endCharacter, L"ab", L"End character is one character"},
         {"no separator", item, &SortForm::itemSeparator, L"", L"Item Separator is one character"},
@@ -99,8 +85,6 @@ TEST(SortForm, TheLengthThatIsShownEndsTheNumbersOfItems) {
     EXPECT_NE(shorter.hint, L"");
     form.substringLength = L"0";
     EXPECT_EQ(FileUtils::RequestOf(form, before).hint, L"");
-    form.options = Option::EntireLine | Option::AsNumber | Option::KeepBackup;
-    EXPECT_NE(FileUtils::RequestOf(form, before).hint, L"") << "entire lines are texts";
 }
 
 TEST(SortForm, KeepsWhatTheChoicesDoNotUse) {

@@ -40,8 +40,9 @@ TEST(SortLinesDlg, OpensWithTheRequestAndGivesItBack) {
 
 TEST(SortLinesDlg, FillsARequestThatCanStart) {
     const auto result = Show({}, [](DialogDriver& driver, const DrivenDialog& dialog) {
-        for (const int off : {IDC_DATE_FORMAT, IDC_ITEM_NUMBER, IDC_NATURAL_NUMBERS})
-            EXPECT_FALSE(dialog.IsEnabled(off));
+        for (const int off :
+             {IDC_DATE_FORMAT, IDC_ITEM_NUMBER, IDC_NATURAL_NUMBERS, IDC_SUBSTRING_LENGTH, IDC_FILE_NAME})
+            EXPECT_FALSE(dialog.IsEnabled(off)) << off;
         dialog.Select(IDC_TARGET, 0);
         EXPECT_EQ(dialog.Text(IDC_FILE_NAME), L"*_sorted.*");
         dialog.Select(IDC_SORT_METHOD, 2);
@@ -57,7 +58,6 @@ TEST(SortLinesDlg, FillsARequestThatCanStart) {
         dialog.Select(IDC_SORT_METHOD, 1);
         dialog.Press(IDC_KEY_ITEM);
         EXPECT_FALSE(dialog.IsEnabled(IDOK));
-        EXPECT_EQ(dialog.Text(IDC_REASON), L"Item Separator is one character; \\t stands for a tab.");
         dialog.Enter(IDC_ITEM_SEPARATOR, L";");
         dialog.Enter(IDC_ITEM_NUMBER, L"2");
         dialog.Enter(IDC_KEEP_TOP, L"1x");  // as pasted
