@@ -8,7 +8,6 @@
 
 #include "findreplace/line_matcher.h"
 #include "findreplace/wildcard.h"
-#include "support/small_texts.h"
 
 using namespace QVFindAndReplace;
 
@@ -86,16 +85,6 @@ TEST(LineEdit, MovesThePositionAsTheRuleSaysAndAlwaysEnds) {
             << line << " find " << item << " replace " << replacement;
         ASSERT_EQ(changes, expectedChanges);
         ASSERT_LT(changes, 1000);
-    }
-}
-
-// The target knows the plain rules, for replacements that hold their item as well.
-TEST(LineEdit, PlainItemsAreLeftInTheirReplacementOnlyWhereThereWouldBeNoEnd) {
-    std::mt19937 random(3);
-    for (int round = 0; round < 20'000; ++round) {
-        const std::string item = RandomText(random, 2, "ab") + "a";
-        const std::string rest = "\x1E" + RandomText(random, 6, "ab") + "\x1E\x1E" + RandomText(random, 14, "aab");
-        QVTest::RunTarget(QVFuzz::RunMatching, {1 + static_cast<int>(random() % 2) * 8}, item + rest);
     }
 }
 

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "host/app/host_error.h"
-#include "host/app/nearest_name.h"
 
 namespace {
 
@@ -61,14 +60,6 @@ TEST(ParseCommandLine, RefusesWhatMakesNoSense) {
     } catch (const UsageError& error) {
         EXPECT_STREQ(error.what(), "there is no \"comands\", did you mean commands?");
     }
-}
-
-TEST(NearestName, FindsSlipsAndNothingElse) {
-    const std::vector<std::wstring> known = {L"CreateLink", L"SortLines", L"FindAndReplace"};
-    EXPECT_EQ(NearestName(L"FindReplace", known), L"FindAndReplace");
-    EXPECT_EQ(NearestName(L"sortlines", known), L"SortLines");
-    EXPECT_EQ(NearestName(L"SrotLines", known), L"SortLines");
-    EXPECT_EQ(NearestName(L"Dance", known), L"");
 }
 
 }  // namespace

@@ -12,6 +12,7 @@ using QVHost::RenameRow;
 using Names = std::vector<std::wstring>;
 
 TEST(RenameRows, LetRowsTakeEachOthersNames) {
+    const Names three = {L"x", L"a", L"b"};
     const struct {
         const char* why;
         std::vector<std::pair<std::wstring, std::wstring>> renames;
@@ -21,11 +22,7 @@ TEST(RenameRows, LetRowsTakeEachOthersNames) {
     } cases[] = {
         {"the name is in use", {{L"a", L"b"}}, {L"a", L"b"}, {L"a", L"b"}, {183}},
         {"a chain, first row first", {{L"a", L"b"}, {L"b", L"c"}}, {L"a", L"b"}, {L"b", L"c"}, {0, 0}},
-        {"a chain into a circle",
-         {{L"x", L"a"}, {L"a", L"b"}, {L"b", L"a"}},
-         {L"x", L"a", L"b"},
-         {L"x", L"a", L"b"},
-         {183, 183, 183}},
+        {"a chain into a circle", {{L"x", L"a"}, {L"a", L"b"}, {L"b", L"a"}}, three, three, {183, 183, 183}},
         {"a chain against a wall", {{L"a", L"b"}, {L"b", L"c"}}, {L"a", L"b", L"c"}, {L"a", L"b", L"c"}, {183, 183}},
         {"two rows for one name", {{L"a", L"c"}, {L"b", L"c"}}, {L"a", L"b"}, {L"a", L"b"}, {183, 183}},
         {"case alone", {{L"a", L"A"}}, {L"a"}, {L"A"}, {0}},

@@ -5,7 +5,6 @@
 
 #include "fuzz/plain_order.h"
 #include "linesorter/sample_lines.h"
-#include "support/replaced_imports.h"
 
 namespace {
 
@@ -104,47 +103,6 @@ TEST(SortLines, SortKeysOfBeginningsGiveThePlainOrder) {
                 }
             }
     });
-}
-
-struct SystemCalls {
-    decltype(&CompareStringA) compare = nullptr;
-    decltype(&LCMapStringA) map = nullptr;
-    size_t comparisons = 0;
-    size_t keys = 0;
-} g_calls;
-
-TEST(SortLines, MakesSortKeysInPortionsWhereAllWouldTakeTooMuchAndNoneForFewLines) {
-    const auto compare = [](LCID locale, DWORD flags, LPCSTR left, int leftLength, LPCSTR right, int rightLength) {
-        ++g_calls.comparisons;
-        return g_calls.compare(locale, flags, left, leftLength, right, rightLength);
-    };
-    const auto map = [](LCID locale, DWORD flags, LPCSTR text, int length, LPSTR buffer, int capacity) {
-        ++g_calls.keys;
-        return g_calls.map(locale, flags, text, length, buffer, capacity);
-    };
-    const QVTest::ReplacedImport comparing(GetModuleHandleW(nullptr), "CompareStringA",
-                                           reinterpret_cast<void*>(static_cast<decltype(&CompareStringA)>(compare)));
-    const QVTest::ReplacedImport mapping(GetModuleHandleW(nullptr), "LCMapStringA",
-                                         reinterpret_cast<void*>(static_cast<decltype(&LCMapStringA)>(map)));
-    g_calls = {reinterpret_cast<decltype(&CompareStringA)>(comparing.Original()),
-               reinterpret_cast<decltype(&LCMapStringA)>(mapping.Original())};
-    const auto expectCalls = [](const Lines<char>& lines, size_t limit, size_t comparisons, size_t keys) {
-        auto data = Load(lines);
-        SortRequest request;
-        request.options = kLanguage;
-        g_calls.comparisons = g_calls.keys = 0;
-        SortLines(data, request, {}, limit);
-        EXPECT_LE(g_calls.comparisons, comparisons) << limit;
-        EXPECT_LE(g_calls.keys, keys) << limit;
-    };
-    Lines<char> lines;
-    for (int copy = 0; copy < 5; ++copy)
-        for (const std::string& line : ManyLines<char>("abcdefghijklmnopqrstuvwxyz", 26))
-            lines.push_back("what all lines begin with " + std::to_string(copy) + line);
-    expectCalls(lines, kSortKeyLimit, lines.size(), SIZE_MAX);
-    expectCalls(lines, size_t{3} << 19, 5 * lines.size(),
-                5 * lines.size());  // one by one it would be three times as many
-    expectCalls({std::string(10'000, 'a'), "b", "a"}, kSortKeyLimit, 9, 0);
 }
 
 TEST(SortLines, KeepsTopAndBottomAndNeverOverflows) {

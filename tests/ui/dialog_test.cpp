@@ -153,20 +153,20 @@ TEST(Resizing, CountsAnewOnAScreenOfAnotherScale) {
     const HDC context = GetDC(window);
     const int dots = GetDeviceCaps(context, LOGPIXELSX);
     ReleaseDC(window, context);
-    RECT client = {};
-    GetClientRect(window, &client);
     const RECT whole = RectOf(window);
-    const RECT button = RectIn(window, IDOK);
+    // To the right and below the button, and its size.
+    const auto measures = [&](LONG scale) {
+        RECT client = {};
+        GetClientRect(window, &client);
+        const RECT button = RectIn(window, IDOK);
+        return std::vector<LONG>{scale * (client.right - button.right), scale * (client.bottom - button.bottom),
+                                 scale * (button.right - button.left), scale * (button.bottom - button.top)};
+    };
+    const auto doubled = measures(2);
     // As the system does it: it tells of the new scale, and makes window and controls larger.
     SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(2 * dots, 2 * dots), reinterpret_cast<LPARAM>(&whole));
     Resize(window, 2 * (whole.right - whole.left), 2 * (whole.bottom - whole.top));
-    RECT largerClient = {};
-    GetClientRect(window, &largerClient);
-    const RECT larger = RectIn(window, IDOK);
-    EXPECT_EQ(largerClient.right - larger.right, 2 * (client.right - button.right));
-    EXPECT_EQ(largerClient.bottom - larger.bottom, 2 * (client.bottom - button.bottom));
-    EXPECT_EQ(larger.right - larger.left, 2 * (button.right - button.left));
-    EXPECT_EQ(larger.bottom - larger.top, 2 * (button.bottom - button.top));
+    EXPECT_EQ(measures(1), doubled);
 }
 
 TEST(ActivationContext, GivesOurWindowsTheNewerControls) {
