@@ -132,6 +132,7 @@ TEST(ElevatedRequests, AreCarriedOutWhenTheyAreWholeAndNotOtherwise) {
 TEST(ElevatedPaths, AreThoseOfFilesAndFolders) {
     const std::tuple<const wchar_t*, bool, bool> cases[] = {
         {LR"(C:\)", true, true},
+        {LR"(c:/a\..\b.txt)", true, true},
         {LR"(\\server\share\a b)", true, true},
         {LR"(\\?\C:\nul)", true, true},
         {LR"(\\?\unc\server\share\a.)", true, true},
@@ -150,6 +151,7 @@ TEST(ElevatedPaths, AreThoseOfFilesAndFolders) {
         {LR"(\\server\Pipe\a)", false, false},
         {LR"(\\?\UNC\.\share\a)", false, false},
         {LR"(\\server\ipc$)", false, false},
+        {LR"(\\server)", false, false},
     };
     for (const auto& [path, isFull, isSymbolicLinkTarget] : cases) {
         EXPECT_EQ(IsFullFilePath(path), isFull) << testing::PrintToString(path);

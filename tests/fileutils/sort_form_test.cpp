@@ -47,6 +47,7 @@ TEST(SortForm, SaysWhatCannotBeUsed) {
         {"no number", kPlain, &SortForm::keepTop, L"2x", L"Start Line is a number"},
         {"nothing is 0", kPlain, &SortForm::keepTop, L"", L""},
         {"a position", kPlain, &SortForm::linePosition, L"-1", L"Start at line position is a number"},
+        {"an unused field does not matter", kPlain, &SortForm::substringLength, L"x", L""},
         {"a used one does", substring, &SortForm::substringLength, L"x", L"Substring lenght is a number"},
         {"two characters", substring, &SortForm::endCharacter, L"ab", L"End character is one character"},
         {"no separator", item, &SortForm::itemSeparator, L"", L"Item Separator is one character"},

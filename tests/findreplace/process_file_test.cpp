@@ -42,6 +42,7 @@ TEST(ProcessFile, KeepsTheEncodingAndEveryByteAroundTheMatches) {
          "\xFF\xFE" + Utf16(L"\x4E2D \xD83D\xDE00\r\n")},
         {"UTF-16 without mark, cut in a unit", Utf16(L"abcdef\n") + "!", kBase, L"f", L"F", Utf16(L"abcdeF\n") + "!"},
         {"zero bytes", "ab\0cd\nab\n"s, kBase, L"b", L"x", "ax\0cd\nax\n"s},
+        {"empty", "", kBase, L"b", L"x", ""},
     };
     for (const auto& c : cases) {
         const TemporaryFolder folder;
@@ -63,12 +64,14 @@ TEST(ProcessFile, AMatchThatCutsACharacterFailsTheFileAndLeavesIt) {
     } cases[] = {
         {"its first byte taken", kUtf8Mark + "ab n" + e, L"n?", L"X", nullptr},
         {"from one to the next", kUtf8Mark + "\xF0\x9F\x98\x80 \xF0\x9F\x98\x80", L"?? ??", L"X", nullptr},
+        {"something put inside", kUtf8Mark + "a" + e, L"x{0}", L"-", nullptr},
         {"after a change in its line", kUtf8Mark + "nxnx n" + e, L"n?", L"a text", nullptr},
         {"in another block", kUtf8Mark + "na\n" + std::string(300'000, '\n') + "n" + e, L"n?", L"X", nullptr},
         {"half of a pair", "\xFF\xFE" + Utf16(L"a\xD83D\xDE00"), L"a?", L"X", nullptr},
         {"over lines", "\xFF\xFE" + Utf16(L"\xD83D\xDE00\nb"), L"\xDE00\nb", L"X", nullptr, Option::ModeMultiline},
         {"a whole character", kUtf8Mark + "n" + e + "n", L"n??", L"X", "\xEF\xBB\xBFXn"},
         {"bytes that are none", kUtf8Mark + "n\x80\xC3n", L"n?", L"X", "\xEF\xBB\xBFX\xC3n"},
+        {"a code page", "a word na" + e, L"na?", L"X", "a word X\xA9"},
     };
     for (const auto& c : cases) {
         const TemporaryFolder folder;

@@ -19,7 +19,9 @@ TEST(SortFile, KeepsEveryByteButTheOrderOfLines) {
     const std::tuple<const char*, std::string, std::string> cases[] = {
         {"each break goes with its line", "c\r\nb\na\r\n", "a\r\nb\nc\r\n"},
         {"a last line without a break gets the first one's", "c\r\nb\na", "a\r\nb\nc\r\n"},
+        {"one line without any break gets LF", "a", "a\n"},
         {"a lone CR ends a line and is not written", "b\ra\r\nc\n", "a\r\nb\r\nc\n"},
+        {"an empty file stays empty", "", ""},
         {"an empty line at the end is a line", "b\n\n", "\nb\n"},
         {"UTF-16 with its mark", kMark + Utf16(L"b\r\na\r\n"), kMark + Utf16(L"a\r\nb\r\n")},
         {"UTF-16 without", Utf16(L"beta1\nalpha"), Utf16(L"alpha\nbeta1\n")},

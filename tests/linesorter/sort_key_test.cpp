@@ -20,6 +20,7 @@ TEST(FindKey, CutsTheKeyThatTheRuleNames) {
         } cases[] = {
             {"the whole line has length 0", "abc", {}, {0, 0}},
             {"from an offset", "abc", {kFromOffset, 2, false, 0, false, false, {}}, {2, 0}},
+            {"and so has a shorter one", "abc", {kFromOffset, 4000000000, false, 0, false, false, {}}, {3, 0}},
             {"an empty line", "", {kItem, 1, true, 0, false, false, ',', 2}, {0, 0}},
             {"spaces and tabs are skipped behind the offset",
              "x \t b",
@@ -34,6 +35,7 @@ TEST(FindKey, CutsTheKeyThatTheRuleNames) {
             {"items behind an offset", "x,a,b", {kItem, 2, false, 0, false, false, ',', 2}, {4, 1}},
             {"an empty item means the rest", "a,,c", {kItem, 0, false, 0, false, false, ',', 2}, {2, 0}},
             {"very many items asked for", "a,b", {kItem, 0, false, 0, false, false, ',', 4294967295}, {3, 0}},
+            {"no item has number 0", "a,b", {kItem, 0, false, 0, false, false, ',', 0}, {3, 0}},
             {"a separator that this width lacks", "a,b", {kItem, 0, false, 0, false, false, {}, 1}, {0, 3}},
         };
         for (const auto& c : cases)

@@ -62,6 +62,7 @@ TEST(ReplaceFileContent, KeepsTheOriginalUntilTheReplacementIsComplete) {
         {"over it", {L"a", true, false, false}, false, 0, {{L"a", "new"}}},
         {"over it without leave", {L"a", false, false, false}, false, 80, {{L"a", "old"}}},
         {"to a new name", {L"b", false, false, false}, false, 0, {{L"a", "old"}, {L"b", "new"}}},
+        {"to a new name, failing", {L"b", true, false, false}, true, 112, {{L"a", "old"}}},
         {"to a new name, keeping the part", keeping(L"b"), true, 112, {{L"a", "old"}, {L"b", "ne"}}},
         {"over it, where no part is kept", keeping(L"a"), true, 112, {{L"a", "old"}}},
         {"into no folder", {L"no\\b", true, false, false}, false, 3, {{L"a", "old"}}},
