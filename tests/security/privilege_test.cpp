@@ -14,9 +14,7 @@ bool IsEnabled(const wchar_t* name) {
     HANDLE raw = nullptr;
     EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &raw));
     const Win32::KernelHandle token(raw);
-    PRIVILEGE_SET set = {};
-    set.PrivilegeCount = 1;
-    set.Control = PRIVILEGE_SET_ALL_NECESSARY;
+    PRIVILEGE_SET set = {.PrivilegeCount = 1, .Control = PRIVILEGE_SET_ALL_NECESSARY, .Privilege = {}};
     EXPECT_TRUE(LookupPrivilegeValueW(nullptr, name, &set.Privilege[0].Luid));
     BOOL isEnabled = FALSE;
     EXPECT_TRUE(PrivilegeCheck(token.Get(), &set, &isEnabled));

@@ -117,7 +117,7 @@ std::string Name(WORD dialog, WORD points, HWND control) {
 }
 
 TEST(Layout, EverythingFitsAndNothingOverlaps) {
-    for (const WORD dialog : kDialogs) {
+    for (const WORD dialog : kDialogs)
         for (const WORD points : kPointSizes) {
             const OpenDialog open(dialog, points);
             ASSERT_TRUE(open.Window());
@@ -145,7 +145,6 @@ TEST(Layout, EverythingFitsAndNothingOverlaps) {
                 }
             }
         }
-    }
 }
 
 TEST(Layout, EveryControlIsWithinReachOfTheKeyboard) {
@@ -159,20 +158,15 @@ TEST(Layout, EveryControlIsWithinReachOfTheKeyboard) {
             const std::wstring windowClass = ClassOf(control);
             const bool isField = windowClass == L"Edit" || windowClass == L"ComboBox" || windowClass == L"ListBox" ||
                                  windowClass == L"SysListView32";
-            if (isField) {
-                // Screen readers name a field by the text before it, and the text's key leads to the field.
-                EXPECT_TRUE(before && ClassOf(before) == L"Static" && !Win32::WindowText(before).empty()) << name;
-            }
+            // Screen readers name a field by the text before it, and the text's key leads to the field.
+            EXPECT_TRUE(!isField || (before && ClassOf(before) == L"Static" && !Win32::WindowText(before).empty()))
+                << name;
             const bool isStop = isField || (windowClass == L"Button" && !IsGroupBox(control));
-            if (isStop && ButtonKind(control) != BS_AUTORADIOBUTTON) {
-                EXPECT_TRUE(GetWindowLongW(control, GWL_STYLE) & WS_TABSTOP) << name;
-            }
-            if (windowClass != L"Edit") {
-                if (const wchar_t key = AccessKeyOf(Win32::WindowText(control))) {
-                    EXPECT_TRUE(keys.emplace(key, control).second)
-                        << name << " has the key of " << Name(dialog, kPointSizes[0], keys[key]);
-                }
-            }
+            const bool needsStop = isStop && ButtonKind(control) != BS_AUTORADIOBUTTON;
+            EXPECT_TRUE(!needsStop || (GetWindowLongW(control, GWL_STYLE) & WS_TABSTOP)) << name;
+            const wchar_t key = windowClass == L"Edit" ? L'\0' : AccessKeyOf(Win32::WindowText(control));
+            EXPECT_TRUE(!key || keys.emplace(key, control).second)
+                << name << " has the key of " << Name(dialog, kPointSizes[0], keys[key]);
             before = control;
         }
         if (dialog == IDD_RULE_PANEL) continue;  // Enter in one of its fields starts no run
