@@ -171,7 +171,7 @@ TEST(Panel, ShowsAFolderRunsACommandAndMarksWhatBecameOfTheFiles) {
             EXPECT_EQ(panel.Column(3), (Names{L"15w", L"", L"", L"", L"15w"})) << "the marks before are gone";
             panel.Select({});
             panel.ChooseFirstOfLastMenu();
-            EXPECT_EQ(panel.Log().back(), L"32w") << "nothing is selected";
+            EXPECT_TRUE(WaitUntil([&] { return panel.Log().back() == L"32w"; })) << "nothing is selected";
             folder.Write(L"rename me.txt", "");
             panel.Command(PanelCommand::Refresh);
             panel.Select({L"rename me.txt", L"sub"});
