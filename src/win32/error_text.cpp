@@ -17,7 +17,7 @@ std::wstring SystemErrorText(uint32_t code) {
 }
 
 std::wstring DescribeError(uint32_t code) {
-    const std::wstring description = L"error " + std::to_wstring(code);
+    std::wstring description = L"error " + std::to_wstring(code);
     std::wstring line = SystemErrorText(code);
     if (line.empty()) return description;
     std::erase(line, L'\r');
