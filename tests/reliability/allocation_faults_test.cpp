@@ -107,6 +107,7 @@ TEST(AllocationFaults, LoseNothingAndEndNobody) {
 
 /// The calls of a host around the commands: beginning, columns, requests, end.
 TEST(AllocationFaultsOfTheContract, EndNobody) {
+    if (FailingMemory::kLocksNeedMemory) GTEST_SKIP() << "the debug containers' locks would end the process";
     using namespace Quorvane::SDK;
     const InProcessHost host;
     FailingMemory memory(host.Library());
