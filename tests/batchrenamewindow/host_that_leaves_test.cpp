@@ -161,7 +161,7 @@ private:
 };
 
 std::vector<DWORD> waits;
-/// The library's bounded waits end at once: whoever they are for is slow.
+/// The library's bounded waits end at once: the host is slow.
 DWORD WINAPI EndBoundedWait(HANDLE object, DWORD milliseconds) {
     if (milliseconds < 1000 || milliseconds == INFINITE) return WaitForSingleObject(object, milliseconds);
     waits.push_back(milliseconds);

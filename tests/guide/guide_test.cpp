@@ -1,5 +1,5 @@
 // guide_test.cpp - runs the examples of the user guide and of the README, so that they stay true. In the guide three
-// kinds of fenced blocks count: "file NAME" gives a sample file, "console" holds commands behind "> " with lines of
+// kinds of fenced blocks count: "file NAME" gives a sample file, "console" holds commands after "> " with lines of
 // their output below them, and "show NAME" says what a file holds by then. All happens in one folder, in the order of
 // the guide.
 #include <algorithm>

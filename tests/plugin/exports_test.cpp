@@ -52,7 +52,7 @@ TEST_F(Exports, DescribeTheThreeExtensions) {
         EXPECT_STREQ(record.ShortName, cases[index].shortName);
         EXPECT_STREQ(record.ExtensionId, cases[index].id);
         EXPECT_EQ(record.Description[159], 0);
-        EXPECT_TRUE(IsMarked(record.Description + 160, 180)) << "what lies behind the text is the host's";
+        EXPECT_TRUE(IsMarked(record.Description + 160, 180)) << "what lies after the text is the host's";
         EXPECT_EQ(record.TypeFlags, cases[index].typeFlags);
         EXPECT_EQ(record.SdkVersion, 1560000u);
         EXPECT_EQ(record.OrderHint, cases[index].orderHint);

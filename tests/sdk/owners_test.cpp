@@ -42,7 +42,7 @@ public:
     bool AddItem(IFileItem*) override { return false; }
     uint32_t GetCount() override { return 0xFFFFFFFF; }
     IFileItem* GetItem(uint32_t index) override {
-        if (index >= m_items.size()) throw std::out_of_range("asked on behind the missing item");
+        if (index >= m_items.size()) throw std::out_of_range("asked on after the missing item");
         return m_items[index];
     }
     void Release() override {}
