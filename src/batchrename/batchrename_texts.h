@@ -44,33 +44,12 @@ inline constexpr TextId ScopeName = 341_d;
 inline constexpr TextId ScopeExtension = 342_d;
 
 /// All of them, so that a test can look for each in the language files.
-inline constexpr TextId kAll[] = {Menu,
-                                  Command,
-                                  NameTag,
-                                  ExtensionTag,
-                                  CounterTag,
-                                  FolderTag,
-                                  YearTag,
-                                  MonthTag,
-                                  DayTag,
-                                  HourTag,
-                                  MinuteTag,
-                                  SecondTag,
-                                  PropertyTag,
-                                  SaveProfile,
-                                  DeleteProfile,
-                                  NoProfiles,
-                                  CaseUnchanged,
-                                  CaseLowerBoth,
-                                  CaseUpperBoth,
-                                  CaseLowerName,
-                                  CaseUpperName,
-                                  CaseLowerExtension,
-                                  CaseUpperExtension,
-                                  CaseWords,
-                                  CaseSentence,
-                                  ScopeBoth,
-                                  ScopeName,
-                                  ScopeExtension};
+// clang-format off
+inline constexpr TextId kAll[] = {
+    Menu, Command, NameTag, ExtensionTag, CounterTag, FolderTag, YearTag, MonthTag, DayTag, HourTag, MinuteTag,
+    SecondTag, PropertyTag, SaveProfile, DeleteProfile, NoProfiles, CaseUnchanged, CaseLowerBoth, CaseUpperBoth,
+    CaseLowerName, CaseUpperName, CaseLowerExtension, CaseUpperExtension, CaseWords, CaseSentence, ScopeBoth,
+    ScopeName, ScopeExtension};
+// clang-format on
 
 }  // namespace BatchRename::Text

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "sdk/host_services.h"
@@ -70,5 +71,11 @@ std::wstring NameOf(IFileItem& item);
 
 /// The full paths of the list's items in its order; items without one are left out.
 std::vector<std::wstring> PathsOf(IFileList& list);
+
+/// Copies a text into a field of a record for the host, cut to what the field holds with its closing zero.
+template <size_t capacity>
+void FillField(wchar_t (&field)[capacity], std::wstring_view text) {
+    field[text.copy(field, capacity - 1)] = L'\0';
+}
 
 }  // namespace Quorvane::SDK

@@ -36,20 +36,14 @@ constexpr ConversionOfId kConversions[] = {
     {CommandId::TabsToSpaces, TextConversion::TabsToSpaces},
 };
 
-template <size_t capacity>
-void CopyText(const wchar_t* text, wchar_t (&field)[capacity]) {
-    const size_t length = std::char_traits<wchar_t>::length(text);
-    std::copy_n(text, std::min(length, capacity - 1), field);
-}
-
 /// The number of spaces for a tab; nothing when the choice was cancelled.
 std::optional<uint32_t> AskForTabWidth(IHostServices& host) {
     const Owned<IChoiceList> choices(host.CreateChoiceList());
     if (!choices) return std::nullopt;
     for (uint32_t width = 1; width <= kLargestChoice; ++width) choices->AddChoice(std::to_wstring(width).c_str());
     ChoiceRequest request = {};
-    CopyText(HostText(host, Text::TabWidthPrompt), request.prompt);
-    CopyText(HostText(host, Text::TabWidthTitle), request.title);
+    FillField(request.prompt, HostText(host, Text::TabWidthPrompt));
+    FillField(request.title, HostText(host, Text::TabWidthTitle));
     request.choices = choices.get();
     request.position = kProposedChoice;
     if (!host.ShowChoiceDialog(&request)) return std::nullopt;

@@ -23,13 +23,6 @@ constexpr ChoiceRow kChoices[] = {
     {L"Cancel", Answer::Cancel},
 };
 
-/// Copies as much as fits with the closing zero.
-template <size_t Capacity>
-void CopyText(wchar_t (&target)[Capacity], std::wstring_view text) {
-    const size_t length = text.copy(target, Capacity - 1);
-    target[length] = 0;
-}
-
 /// The match in its line, between brackets, and what would take its place; at most `capacity` - 1 units.
 std::wstring DescribeMatch(const ConfirmQuestion& question, size_t capacity) {
     constexpr size_t kAround = 30;
@@ -60,8 +53,8 @@ uint32_t ConfirmByChoice::Ask(const ConfirmQuestion& question) {
     if (!choices) return Answer::Cancel;
     for (const ChoiceRow& row : kChoices) choices->AddChoice(row.text);
     ChoiceRequest request = {};
-    CopyText(request.prompt, DescribeMatch(question, std::size(request.prompt)));
-    CopyText(request.title, L"Find and Replace");
+    FillField(request.prompt, DescribeMatch(question, std::size(request.prompt)));
+    FillField(request.title, L"Find and Replace");
     request.choices = choices.get();
     if (!m_host.ShowChoiceDialog(&request) || request.position >= std::size(kChoices)) return Answer::Cancel;
     return kChoices[request.position].answer;
