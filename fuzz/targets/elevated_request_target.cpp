@@ -1,7 +1,7 @@
 // Elevated requests as they come out of the pipe: whatever the bytes, they are read to their end or refused.
 #include "fileutils/elevated_request.h"
 
-#include "fileutils/access/security_requests.h"
+#include "fileutils/access/security_work.h"
 #include "fuzz/input.h"
 #include "host/elevated/elevated_protocol.h"
 #include "win32/windows.h"

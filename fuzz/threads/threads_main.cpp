@@ -9,7 +9,6 @@
 
 #include "batchrename/run/rename_results.h"
 #include "security/account_names.h"
-#include "security/universal_names.h"
 #include "win32/module.h"
 
 namespace Win32 {

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "host/app/column_values.h"
-#include "host/app/main_window.h"
 #include "host/app/output.h"
 #include "host/app/progress.h"
 #include "host/contract/custom_commands.h"

@@ -3,15 +3,51 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <optional>
 #include <string>
 
 #include "host/app/output.h"
-#include "host/app/progress_window.h"
 #include "host/contract/shelf.h"
 #include "sdk/host_objects.h"
+#include "win32/handle.h"
 
 namespace QVHost {
+
+struct WindowTraits {
+    using Raw = HWND;
+    static Raw Empty() noexcept { return nullptr; }
+    static void Close(Raw raw) noexcept { DestroyWindow(raw); }
+};
+using UniqueWindow = Win32::UniqueHandle<WindowTraits>;
+
+/// A window that is never shown: it only owns the dialogs of extensions, which see by it that somebody is there to
+/// answer them. To be destroyed on the same thread. Empty when the system gives none.
+UniqueWindow MakeMainWindow();
+
+/// To be made, used and destroyed on one thread, which is the one that does the work: the window is alive while Show
+/// and IsCancelled are called, that is between two files.
+class ProgressWindow {
+public:
+    /// Without a display there is no window, and every call does nothing.
+    explicit ProgressWindow(const std::wstring& title);
+    ProgressWindow(const ProgressWindow&) = delete;
+    ProgressWindow& operator=(const ProgressWindow&) = delete;
+
+    void Show(const std::wstring& text);
+    /// Cancel was pressed, or the window closed.
+    bool IsCancelled();
+
+private:
+    static INT_PTR CALLBACK OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void HandleInput();
+
+    bool m_isCancelled = false;
+    // Each has a pause of its own: else the one asked more often would leave no turn to the other.
+    ULONGLONG m_lastShown = 0;  // milliseconds
+    ULONGLONG m_lastLook = 0;   // milliseconds
+    UniqueWindow m_window;
+};
 
 /// How a run is watched and stopped.
 struct ProgressWatch {

@@ -13,7 +13,7 @@
 #include <string_view>
 #include <vector>
 
-#include "sdk/text_id.h"
+#include "sdk/text_format.h"
 
 namespace QVHost {
 

@@ -4,8 +4,8 @@
 #include <optional>
 #include <utility>
 
-#include "batchrename/local_time.h"
 #include "batchrename/profiles.h"
+#include "batchrename/rule_context.h"
 #include "batchrename/run/rename_run.h"
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"

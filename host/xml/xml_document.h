@@ -1,10 +1,13 @@
 // xml_document.h - an XML document and its elements as extensions see them, over the system's own (MSXML 6).
 #pragma once
 
+#include <msxml2.h>
+#include <objidl.h>
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "host/contract/shelf.h"
@@ -12,9 +15,13 @@
 #include "sdk/host_objects.h"
 #include "win32/com.h"
 
-#include <msxml2.h>
-
 namespace QVHost {
+
+/// A stream that holds a copy of `bytes` and stands at their beginning; none where memory has run out.
+Win32::ComPtr<IStream> StreamOf(std::string_view bytes);
+
+/// All that `stream` holds, wherever it stands. A Windows error code, 0 for success.
+uint32_t ReadStream(IStream& stream, std::string& bytes);
 
 class XmlDocument;
 

@@ -6,7 +6,6 @@
 
 #include "host/app/host_text.h"
 #include "host/xml/bstr.h"
-#include "host/xml/memory_stream.h"
 #include "win32/com.h"
 #include "win32/module.h"
 

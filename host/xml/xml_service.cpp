@@ -7,7 +7,6 @@
 #include "host/contract/host_boundary.h"
 #include "host/contract/whole_file.h"
 #include "host/xml/bstr.h"
-#include "host/xml/memory_stream.h"
 #include "host/xml/xml_document.h"
 #include "host/xml/xml_text.h"
 #include "textio/replace_file.h"

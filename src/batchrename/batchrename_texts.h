@@ -1,7 +1,7 @@
 // batchrename_texts.h - the texts of Batch Rename that the host's language files hold, each number in this one place.
 #pragma once
 
-#include "sdk/text_id.h"
+#include "sdk/text_format.h"
 
 namespace BatchRename::Text {
 

@@ -1,6 +1,6 @@
 #include "fileutils/command_table.h"
 
-#include "fileutils/access/security_requests.h"
+#include "fileutils/access/security_work.h"
 #include "fileutils/commands.h"
 #include "fileutils/control_panel/control_panel.h"
 #include "fileutils/fileutils_texts.h"

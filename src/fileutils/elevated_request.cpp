@@ -1,9 +1,93 @@
 #include "fileutils/elevated_request.h"
 
-#include "fileutils/elevated_path.h"
+#include <algorithm>
+#include <initializer_list>
+#include <optional>
+
+#include "win32/file_name.h"
+#include "win32/text.h"
 #include "win32/windows.h"
 
 namespace FileUtils {
+namespace {
+
+constexpr std::wstring_view kLongPrefix = LR"(\\?\)";
+constexpr std::wstring_view kLongShare = LR"(UNC\)";
+
+bool IsSeparator(wchar_t unit) {
+    return unit == L'\\' || unit == L'/';
+}
+
+bool IsOneOf(std::wstring_view name, std::initializer_list<std::wstring_view> upperCaseNames) {
+    return std::ranges::any_of(upperCaseNames, [&](std::wstring_view each) {
+        return std::ranges::equal(name, each, {}, Win32::UpperAscii<wchar_t>);
+    });
+}
+
+/// Takes the next name and the separator after it.
+std::wstring_view TakeName(std::wstring_view& path) {
+    const auto end = std::ranges::find_if(path, IsSeparator);
+    const std::wstring_view name(path.begin(), end);
+    path.remove_prefix(std::min(path.size(), name.size() + 1));
+    return name;
+}
+
+struct ShareName {
+    std::wstring_view server;
+    std::wstring_view share;
+};
+
+/// Takes server and share of a path that names them; both are "" for another path.
+ShareName TakeShare(std::wstring_view& path) {
+    const size_t longStart = kLongPrefix.size() + kLongShare.size();
+    if (path.starts_with(kLongPrefix) && IsOneOf(path.substr(0, longStart).substr(kLongPrefix.size()), {kLongShare}))
+        path.remove_prefix(longStart);
+    else if (path.size() > 2 && IsSeparator(path[0]) && IsSeparator(path[1]))
+        path.remove_prefix(2);
+    else
+        return {};
+    const std::wstring_view server = TakeName(path);
+    return {server, TakeName(path)};
+}
+
+/// What follows `C:\`, `\\server\share\` and the like; nothing for a path that begins with none of them.
+std::optional<std::wstring_view> RestAfterRoot(std::wstring_view path) {
+    std::wstring_view drive = path;
+    if (drive.starts_with(kLongPrefix)) drive.remove_prefix(kLongPrefix.size());
+    const bool hasDrive = drive.size() > 2 && Win32::UpperAscii(drive[0]) >= L'A' &&
+                          Win32::UpperAscii(drive[0]) <= L'Z' && drive[1] == L':';
+    if (hasDrive && IsSeparator(drive[2])) return drive.substr(3);
+    const ShareName name = TakeShare(path);
+    const bool isMachine = !name.server.empty() && !IsOneOf(name.server, {L".", L"?"});
+    const bool isShare = !name.share.empty() && !IsOneOf(name.share, {L".", L"..", L"PIPE", L"MAILSLOT", L"IPC$"});
+    const bool hasColon = name.server.find(L':') != name.server.npos || name.share.find(L':') != name.share.npos;
+    return isMachine && isShare && !hasColon ? std::optional(path) : std::nullopt;
+}
+
+}  // namespace
+
+bool IsFullFilePath(std::wstring_view path) {
+    std::optional<std::wstring_view> found = RestAfterRoot(path);
+    if (!found || found->find(L':') != found->npos) return false;
+    // With the prefix every name is just a name.
+    if (path.starts_with(kLongPrefix)) return true;
+    std::wstring_view last;
+    while (!found->empty())
+        if (const std::wstring_view name = TakeName(*found); !name.empty()) last = name;
+    return last.empty() || Win32::IsFileName(last);
+}
+
+bool IsRemoteRegistryKey(std::wstring_view path) {
+    return IsOneOf(TakeShare(path).share, {L"CLASSES_ROOT", L"CURRENT_USER", L"MACHINE", L"USERS"});
+}
+
+bool IsSymbolicLinkTarget(std::wstring_view path) {
+    if (IsFullFilePath(path)) return true;
+    const bool isRooted = !path.empty() && IsSeparator(path[0]);
+    const bool isOfSystem = isRooted && path.size() > 1 && (IsSeparator(path[1]) || path[1] == L'?');
+    return !path.empty() && !isOfSystem && path.find(L':') == path.npos;
+}
+
 namespace {
 
 using namespace Quorvane::SDK;

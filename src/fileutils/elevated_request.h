@@ -1,16 +1,29 @@
 // elevated_request.h - requests to the elevated host process, from both ends: how one is sent, and how its fields are
-// read back. What the fields mean is up to those who use them.
+// read back, and which paths it serves. What the fields mean is up to those who use them.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "sdk/owners.h"
 
 namespace FileUtils {
+
+/// True for the path of a file or folder on a drive (`C:\a`) or a share (`\\server\share\a`), either also with the
+/// prefix of long paths (`\\?\C:\a`, `\\?\UNC\server\share\a`). False for a path that depends on a current folder or
+/// drive, a key of the registry, a device (also `C:\NUL`), a pipe, and a stream of a file.
+bool IsFullFilePath(std::wstring_view path);
+
+/// True for `\\server\USERS\...` and the other names of a registry's root where a share's name stands: the system's
+/// calls for access rights take such a path for a key on that machine.
+bool IsRemoteRegistryKey(std::wstring_view path);
+
+/// True for what may stand in a symbolic link: the path of a file as above, or one seen from the link.
+bool IsSymbolicLinkTarget(std::wstring_view path);
 
 using WriteFields = std::function<void(Quorvane::SDK::IRequestWriter&)>;
 

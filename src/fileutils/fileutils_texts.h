@@ -2,7 +2,7 @@
 // of the control panel's menu stand in its table.
 #pragma once
 
-#include "sdk/text_id.h"
+#include "sdk/text_format.h"
 
 namespace FileUtils::Text {
 

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "findreplace/characters.h"
+#include "findreplace/request.h"
 #include "textio/encoding.h"
 
 namespace QVFindAndReplace {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "findreplace/characters.h"
 #include "findreplace/line_edit.h"
 #include "findreplace/line_matcher.h"
+#include "findreplace/request.h"
 #include "findreplace/wildcard.h"
 
 namespace QVFindAndReplace {

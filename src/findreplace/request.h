@@ -1,16 +1,78 @@
-// request.h - what to find and what to put in its place, cut into items and converted to each encoding once a run.
+// request.h - what to find and what to put in its place, cut into items and converted to each encoding once a run; the
+// options of a run, and the characters that a match may not cut.
 #pragma once
 
+#include <algorithm>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "findreplace/characters.h"
-#include "findreplace/options.h"
 #include "textio/encoding.h"
 
 namespace QVFindAndReplace {
+
+/// UTF-16 text of this platform: its wide characters on Windows, char16_t where those are larger.
+#ifdef _WIN32
+using WideChar = wchar_t;
+#else
+using WideChar = char16_t;
+#endif
+using WideString = std::basic_string<WideChar>;
+
+/// A UTF-8 character has at most this many units, a UTF-16 one fewer.
+inline constexpr size_t kMostUnits = 4;
+
+/// True when the place between two pieces of text lies inside of a UTF-16 character.
+inline bool CutsCharacter(std::basic_string_view<WideChar> before, std::basic_string_view<WideChar> after) {
+    if (before.empty() || after.empty()) return false;
+    return (before.back() & 0xFC00) == 0xD800 && (after.front() & 0xFC00) == 0xDC00;
+}
+
+/// The same for UTF-8. Bytes that are no whole character can be cut everywhere.
+inline bool CutsCharacter(std::string_view before, std::string_view after) {
+    const auto goesOn = [](char byte) { return (byte & 0xC0) == 0x80; };
+    if (after.empty() || !goesOn(after.front())) return false;
+    size_t passed = 0;  // units of the character in front of the place
+    while (passed < before.size() && passed < kMostUnits && goesOn(before[before.size() - 1 - passed])) ++passed;
+    if (passed == before.size()) return false;
+    const auto lead = static_cast<unsigned char>(before[before.size() - 1 - passed]);
+    ++passed;
+    const size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+    if (lead < 0xC2 || lead > 0xF4 || passed >= length || after.size() < length - passed) return false;
+    const std::string_view rest = after.substr(0, length - passed);
+    return std::all_of(rest.begin(), rest.end(), goesOn);
+}
+
+namespace Option {
+inline constexpr uint32_t ModeOne = 0x1;
+inline constexpr uint32_t ModeMany = 0x2;
+inline constexpr uint32_t ModeManySame = 0x4;
+inline constexpr uint32_t ModeMultiline = 0x8;
+inline constexpr uint32_t IgnoreCase = 0x100;
+inline constexpr uint32_t ReplaceAll = 0x200;         // no questions
+inline constexpr uint32_t RegularExpression = 0x400;  // stored, but the engine never looks at it
+inline constexpr uint32_t ForceUtf8 = 0x800;          // 8-bit text counts as UTF-8
+inline constexpr uint32_t Silent = 0x1000;            // no dialogs and no message boxes
+inline constexpr uint32_t Wildcard = 0x2000;
+inline constexpr uint32_t SaveAs = 0x10000000;  // write to a separate target
+inline constexpr uint32_t KeepBackup = 0x20000000;
+inline constexpr uint32_t DropBackup = 0x40000000;  // back up while writing, delete the backup afterwards
+inline constexpr uint32_t Overwrite = 0x80000000;   // of an existing "Save as" target
+}  // namespace Option
+
+enum class Mode { None, One, Many, ManySame, Multiline };
+
+/// The mode of an option word; when several bits are set, the most particular mode wins.
+constexpr Mode ModeOf(uint32_t options) {
+    if (options & Option::ModeMultiline) return Mode::Multiline;
+    if (options & Option::ModeMany) return Mode::Many;
+    if (options & Option::ModeManySame) return Mode::ManySame;
+    if (options & Option::ModeOne) return Mode::One;
+    return Mode::None;
+}
 
 /// A text in a document's encoding; nothing when it holds a character that the encoding does not have.
 template <class CharT>

@@ -7,7 +7,6 @@
 #include <type_traits>
 #include <vector>
 
-#include "linesorter/beginnings.h"
 #include "linesorter/chunk_sort.h"
 #include "linesorter/date_key.h"
 #include "linesorter/line_compare.h"

@@ -8,7 +8,7 @@
 #include "sdk/menus_and_commands.h"
 #include "sdk/plugin_interface.h"
 #include "sdk/services.h"
-#include "sdk/text_id.h"
+#include "sdk/text_format.h"
 
 namespace Quorvane::SDK {
 

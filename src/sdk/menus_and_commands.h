@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "sdk/text_id.h"
+#include "sdk/text_format.h"
 
 namespace Quorvane::SDK {
 

@@ -1,6 +1,7 @@
 #include "security/ntfs_prop.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <optional>
 #include <string>
@@ -8,11 +9,69 @@
 #include "sdk/boundary.h"
 #include "sdk/extension_info.h"
 #include "sdk/owners.h"
-#include "security/acl_info.h"
 #include "security/ntfs_tools.h"
-#include "security/streams.h"
+#include "security/privilege.h"
+#include "security/security_system.h"
+#include "win32/handle.h"
+#include "win32/path.h"
 
 namespace Security {
+namespace {
+
+constexpr size_t kBlockSize = 65536;  // bytes; on the stack, so that threads need neither a lock nor an allocation
+
+}  // namespace
+
+StreamFigures QueryStreamFigures(const std::wstring& path, const SecuritySystem& system) {
+    const std::wstring name = Win32::ExtendedPath(path);
+    const DWORD attributes = GetFileAttributesW(name.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return {};
+    const bool isFolder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    std::optional<ScopedPrivilege> backup;
+    // Whether it is held or not, the folder is tried.
+    if (isFolder) backup.emplace(SE_BACKUP_NAME);
+    // No access rights are asked for: the streams' names and sizes count as attributes.
+    const Win32::FileHandle file(CreateFileW(name.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                             OPEN_EXISTING, isFolder ? FILE_FLAG_BACKUP_SEMANTICS : 0, nullptr));
+    if (!file) return {};
+    alignas(uint64_t) std::array<uint8_t, kBlockSize> block = {};
+    system.queryStreams(file.Get(), block.data(), kBlockSize);
+    return FiguresOfStreams(block);
+}
+
+namespace {
+
+constexpr uint32_t kReading = FILE_READ_DATA | FILE_READ_ATTRIBUTES;
+constexpr uint32_t kWriting = FILE_WRITE_DATA | FILE_APPEND_DATA | FILE_WRITE_EA | FILE_WRITE_ATTRIBUTES;
+constexpr uint32_t kExecuting = FILE_READ_DATA | FILE_EXECUTE;
+static_assert(kReading == 0x81 && kWriting == 0x116 && kExecuting == 0x21);
+
+}  // namespace
+
+uint32_t CACLInfo::GetEffectiveRights(uint32_t& mask) const {
+    mask = 0;
+    FileDescriptor descriptor;
+    if (!descriptor.Read(m_system, m_path, DACL_SECURITY_INFORMATION)) return kNoRights;
+    BOOL isPresent = FALSE;
+    BOOL isDefault = FALSE;
+    PACL list = nullptr;
+    if (!GetSecurityDescriptorDacl(descriptor.Get(), &isPresent, &list, &isDefault) || !isPresent || !list)
+        return kNoRights;
+    wchar_t user[] = L"CURRENT_USER";
+    TRUSTEE_W trustee = {};
+    BuildTrusteeWithNameW(&trustee, user);
+    // Its result says no more than the mask: where it fails, the mask stays 0 and nothing is allowed.
+    ACCESS_MASK allowed = 0;
+    m_system.getEffectiveRights(list, &trustee, &allowed);
+    mask = allowed;
+    return ERROR_SUCCESS;
+}
+
+std::wstring RightsText(uint32_t mask) {
+    const auto letter = [&](uint32_t needed, wchar_t name) { return (mask & needed) == needed ? name : L' '; };
+    return {letter(kReading, L'R'), letter(kWriting, L'W'), letter(kExecuting, L'X')};
+}
+
 namespace {
 
 using namespace Quorvane::SDK;

@@ -1,9 +1,42 @@
 // ntfs_prop.h - the NTFS Properties extension object: four columns that a host can show of a file.
 #pragma once
 
+#include <cstdint>
+#include <string>
+
 #include "sdk/host_services.h"
+#include "security/security_system.h"
+#include "security/stream_records.h"
 
 namespace Security {
+
+/// No figures (zeros) for a path that does not exist or cannot be opened, and where the system knows no streams. Of
+/// more streams than fit into 64 KB of records those that fit are counted.
+StreamFigures QueryStreamFigures(const std::wstring& path, const SecuritySystem& system = RealSystem());
+
+/// The one failure of CACLInfo: the access list cannot be read, or there is none.
+inline constexpr uint32_t kNoRights = 0x80004005;
+
+class CACLInfo {
+public:
+    explicit CACLInfo(std::wstring path, const SecuritySystem& system = RealSystem())
+        : m_path(std::move(path)), m_system(system) {}
+    virtual ~CACLInfo() = default;
+    CACLInfo(const CACLInfo&) = delete;
+    CACLInfo& operator=(const CACLInfo&) = delete;
+
+    /// 0 and the access mask, or kNoRights and a mask of 0. Each call asks the system: nothing is kept from earlier
+    /// ones.
+    uint32_t GetEffectiveRights(uint32_t& mask) const;
+
+private:
+    std::wstring m_path;
+    const SecuritySystem& m_system;
+};
+
+/// Three characters, "RWX" with a blank for what the mask does not allow. Reading and executing need the data and the
+/// attributes, respectively the data and execution; writing also appending and both kinds of attributes.
+std::wstring RightsText(uint32_t mask);
 
 /// Texts in the host's language files: the group of the columns, and each column's heading.
 namespace PropertyText {

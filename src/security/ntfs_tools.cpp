@@ -4,9 +4,8 @@
 #include <vector>
 
 #include "security/account_names.h"
-#include "security/file_descriptor.h"
 #include "security/privilege.h"
-#include "security/universal_names.h"
+#include "security/security_system.h"
 #include "win32/handle.h"
 #include "win32/path.h"
 

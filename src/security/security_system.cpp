@@ -1,6 +1,7 @@
 #include "security/security_system.h"
 
 #include "win32/module.h"
+#include "win32/path.h"
 
 namespace Security {
 namespace {
@@ -42,6 +43,16 @@ const SecuritySystem& RealSystem() {
         LookupAccountSidW, LookupAccountNameW,    GetUniversalName,      QueryStreams,
     };
     return kSystem;
+}
+
+bool FileDescriptor::Read(const SecuritySystem& system, const std::wstring& path, SECURITY_INFORMATION parts) {
+    const std::wstring file = Win32::ExtendedPath(path);
+    m_larger.reset();
+    DWORD needed = 0;
+    if (system.getFileSecurity(file.c_str(), parts, m_buffer.data(), kUsualSize, &needed)) return true;
+    if (GetLastError() != ERROR_INSUFFICIENT_BUFFER || needed == 0) return false;
+    m_larger = std::make_unique_for_overwrite<std::byte[]>(needed);
+    return system.getFileSecurity(file.c_str(), parts, m_larger.get(), needed, &needed) != FALSE;
 }
 
 }  // namespace Security

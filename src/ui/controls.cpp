@@ -1,5 +1,6 @@
 #include "ui/controls.h"
 
+#include <commctrl.h>
 #include <algorithm>
 #include <limits>
 
@@ -139,6 +140,99 @@ void EnableWithLabel(HWND control, bool isEnabled) {
     // A key that leads to a disabled field would seem dead, so its label is disabled with it.
     EnableWindow(GetWindow(control, GW_HWNDPREV), isEnabled);
     EnableWindow(control, isEnabled);
+}
+
+namespace {
+
+constexpr int kUnit = 16;
+constexpr wchar_t kSample[] = L"abcdefghijklmnopqrstuvwxyz";
+
+}  // namespace
+
+void AddColumns(HWND list, std::span<const ListColumn> columns) {
+    SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
+    const LRESULT sample = SendMessageW(list, LVM_GETSTRINGWIDTHW, 0, reinterpret_cast<LPARAM>(kSample));
+    const int character = std::max(static_cast<int>(sample) / 26, 1);
+    int index = 0;
+    for (const ListColumn& column : columns) {
+        std::wstring title = column.title;
+        LVCOLUMNW added = {};
+        added.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_SUBITEM;
+        added.pszText = title.data();
+        added.cx = column.width * character / kUnit;
+        added.iSubItem = index;
+        SendMessageW(list, LVM_INSERTCOLUMNW, static_cast<WPARAM>(index++), reinterpret_cast<LPARAM>(&added));
+    }
+}
+
+void SetListText(HWND list, int row, int column, const std::wstring& text) {
+    std::wstring copy = text;
+    LVITEMW item = {};
+    item.mask = LVIF_TEXT;
+    item.iItem = row;
+    item.iSubItem = column;
+    item.pszText = copy.data();
+    SendMessageW(list, column == 0 ? LVM_INSERTITEMW : LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+}
+
+int SelectedRow(HWND list) {
+    return static_cast<int>(SendMessageW(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+}
+
+void SelectRow(HWND list, int row) {
+    LVITEMW state = {};
+    state.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+    SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&state));
+    state.state = state.stateMask;
+    SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&state));
+    SendMessageW(list, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+}
+
+void FillItemText(LPWSTR buffer, int capacity, const std::wstring& text) {
+    if (!buffer || capacity <= 0) return;
+    const size_t length = std::min(text.size(), static_cast<size_t>(capacity) - 1);
+    std::copy_n(text.data(), length, buffer);
+    buffer[length] = L'\0';
+}
+
+int PopupMenu::Add(const std::wstring& text, bool isEnabled) {
+    const UINT flags = MF_STRING | (isEnabled ? MF_ENABLED : MF_GRAYED);
+    AppendMenuW(m_menu.Get(), flags, static_cast<UINT_PTR>(m_count) + 1,
+                text.c_str());  // 0 means that nothing was chosen
+    return m_count++;
+}
+
+void PopupMenu::AddSeparator() {
+    AppendMenuW(m_menu.Get(), MF_SEPARATOR, 0, nullptr);
+}
+
+int PopupMenu::AddList(const std::wstring& title, const std::vector<std::wstring>& texts) {
+    const int first = m_count;
+    const HMENU list = CreatePopupMenu();
+    for (const std::wstring& text : texts)
+        AppendMenuW(list, MF_STRING, static_cast<UINT_PTR>(m_count++) + 1, text.c_str());
+    // From here on it belongs to the menu above.
+    const UINT flags = MF_POPUP | (texts.empty() ? MF_GRAYED : MF_ENABLED);
+    if (!AppendMenuW(m_menu.Get(), flags, reinterpret_cast<UINT_PTR>(list), title.c_str())) DestroyMenu(list);
+    return first;
+}
+
+int PopupMenu::Show(HWND owner, HWND button) {
+    RECT rect = {};
+    GetWindowRect(button, &rect);
+    TPMPARAMS keepClear = {sizeof(keepClear), rect};
+    return TrackPopupMenuEx(m_menu.Get(), TPM_RETURNCMD | TPM_NONOTIFY | TPM_RIGHTBUTTON | TPM_VERTICAL, rect.left,
+                            rect.bottom, owner, &keepClear) -
+           1;
+}
+
+std::wstring MenuText(std::wstring_view name) {
+    std::wstring text;
+    for (const wchar_t unit : name) {
+        if (unit == L'&') text += L'&';
+        text += unit == L'\t' ? L' ' : unit;
+    }
+    return text;
 }
 
 }  // namespace Ui

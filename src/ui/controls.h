@@ -1,4 +1,5 @@
-// controls.h - values in and out of controls: texts, checks, lists with a number for each entry, numbers.
+// controls.h - values in and out of controls: texts, checks, lists with a number for each entry, numbers, list views
+// with columns, and popup menus.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +8,10 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "sdk/text_id.h"
+#include "sdk/text_format.h"
+#include "win32/handle.h"
 #include "win32/windows.h"
 
 namespace Ui {
@@ -56,5 +59,48 @@ std::optional<uint32_t> NumberFromText(std::wstring_view text);
 
 /// Enables or disables a control and, standing right before it in the order of tabs, the label that names it.
 void EnableWithLabel(HWND control, bool isEnabled);
+
+struct ListColumn {
+    const wchar_t* title;
+    int width;  // in sixteenths of an average character of the list's font: so it grows with the font
+};
+
+/// Adds the columns, and selects whole rows.
+void AddColumns(HWND list, std::span<const ListColumn> columns);
+void SetListText(HWND list, int row, int column, const std::wstring& text);
+/// The first selected row, or -1.
+int SelectedRow(HWND list);
+/// Selects this row alone and brings it into view.
+void SelectRow(HWND list, int row);
+/// Copies a text into the buffer that a list view offers for it, cut to its capacity.
+void FillItemText(LPWSTR buffer, int capacity, const std::wstring& text);
+
+struct MenuTraits {
+    using Raw = HMENU;
+    static Raw Empty() noexcept { return nullptr; }
+    static void Close(Raw raw) noexcept { DestroyMenu(raw); }
+};
+using MenuHandle = Win32::UniqueHandle<MenuTraits>;
+
+/// A popup menu whose entries are numbered in the order in which they were added.
+class PopupMenu {
+public:
+    PopupMenu() : m_menu(CreatePopupMenu()) {}
+
+    /// The entry's number.
+    int Add(const std::wstring& text, bool isEnabled = true);
+    void AddSeparator();
+    /// Entries with the texts of a list, one level down. The number of the first.
+    int AddList(const std::wstring& title, const std::vector<std::wstring>& texts);
+    /// Opens below a button. The number of the entry chosen, or -1.
+    int Show(HWND owner, HWND button);
+
+private:
+    MenuHandle m_menu;
+    int m_count = 0;
+};
+
+/// A name as a menu shows it: "&" would mark a key, a tab would begin another column.
+std::wstring MenuText(std::wstring_view name);
 
 }  // namespace Ui

@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "batchrename/dialogs/batchrename_resource.h"
-#include "batchrename/window/frame_messages.h"
+#include "batchrename/window/main_frame.h"
 #include "host/xml/xml_document.h"
 #include "host/xml/xml_service.h"
 #include "support/dialog_driver.h"

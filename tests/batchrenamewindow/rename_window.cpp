@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "batchrename/dialogs/batchrename_resource.h"
-#include "batchrename/window/frame_messages.h"
+#include "batchrename/window/main_frame.h"
 #include "host/app/command_line.h"
 #include "host/app/message_pump.h"
 #include "host/app/run.h"

@@ -1,13 +1,12 @@
 // The parts of the window that need none.
 #include <thread>
 
-#include "batchrename/dialogs/tags.h"
+#include "batchrename/dialogs/add_tag_dlg.h"
 #include "batchrename/extension_state.h"
 #include "batchrename/model/name_fit.h"
 #include "batchrename/model/name_sample.h"
 #include "batchrename/model/row_list.h"
 #include "batchrename/model/row_order.h"
-#include "batchrename/model/row_status.h"
 #include "batchrename/model/window_position.h"
 #include "batchrename/rows.h"
 #include "rename/rename_options.h"

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "fileutils/find_replace/find_replace_resource.h"
+#include "fileutils/fileutils_resource.h"
 #include "support/dialog_driver.h"
 
 namespace {

@@ -4,7 +4,6 @@
 #include "fileutils/fileutils_resource.h"
 #include "fileutils/links/create_links_dlg.h"
 #include "fileutils/links/link_rules.h"
-#include "fileutils/links/links_resource.h"
 #include "win32/files.h"
 
 namespace {

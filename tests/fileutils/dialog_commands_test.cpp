@@ -2,8 +2,6 @@
 
 #include "fileutils/command_runner.h"
 #include "fileutils/fileutils_resource.h"
-#include "fileutils/find_replace/find_replace_resource.h"
-#include "fileutils/sort_lines/sort_lines_resource.h"
 
 namespace {
 

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "fileutils/fileutils_resource.h"
-#include "fileutils/find_replace/find_replace_resource.h"
 #include "support/dialog_driver.h"
 #include "ui/host_texts.h"
 

@@ -3,8 +3,7 @@
 
 #include "fileutils/command_runner.h"
 #include "fileutils/fileutils_resource.h"
-#include "fileutils/names/names_resource.h"
-#include "fileutils/names/replace_in_names.h"
+#include "fileutils/names/replace_dlg.h"
 
 namespace {
 

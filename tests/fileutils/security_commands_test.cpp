@@ -2,13 +2,12 @@
 // commands, and the commands with their dialog, in one process and across the real channel.
 #include <algorithm>
 
-#include "fileutils/access/access_resource.h"
 #include "fileutils/access/account_picker.h"
 #include "fileutils/access/change_access_dlg.h"
 #include "fileutils/access/security_work.h"
 #include "fileutils/command_runner.h"
 #include "fileutils/commands.h"
-#include "fileutils/elevated_path.h"
+#include "fileutils/elevated_request.h"
 #include "fileutils/fileutils_resource.h"
 #include "host/elevated/request_fields.h"
 #include "security/account_names.h"

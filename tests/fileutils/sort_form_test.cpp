@@ -1,6 +1,5 @@
 #include "fileutils/sort_lines/sort_form.h"
 
-#include "fileutils/sort_lines/sort_lines_settings.h"
 #include "support/services_of_host.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "host/app/progress_window.h"
+#include "host/app/progress.h"
 
 #include <gtest/gtest.h>
 

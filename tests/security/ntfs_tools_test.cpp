@@ -5,8 +5,7 @@
 #include <algorithm>
 
 #include "security/account_names.h"
-#include "security/acl_info.h"
-#include "security/streams.h"
+#include "security/ntfs_prop.h"
 #include "support/temporary_folder.h"
 #include "win32/handle.h"
 #include "win32/path.h"

@@ -6,11 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "batchrename/dialogs/batchrename_resource.h"
-#include "fileutils/access/access_resource.h"
-#include "fileutils/find_replace/find_replace_resource.h"
-#include "fileutils/links/links_resource.h"
-#include "fileutils/names/names_resource.h"
-#include "fileutils/sort_lines/sort_lines_resource.h"
+#include "fileutils/fileutils_resource.h"
 #include "ui/activation_context.h"
 #include "ui/controls.h"
 #include "ui/dialog.h"

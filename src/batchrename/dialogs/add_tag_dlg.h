@@ -1,13 +1,28 @@
-// add_tag_dlg.h - the dialog "Add BatchRename Tag": builds the tag of a file property.
+// add_tag_dlg.h - the menu of the tags of a template, and the dialog "Add BatchRename Tag", which builds the tag of a
+// file property.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "ui/controls.h"
 #include "ui/dialog.h"
 
 namespace BatchRename {
+
+/// What was chosen in the tag menu: a tag, or, with an empty text, the dialog for property tags.
+std::optional<std::wstring> PickTag(HWND owner, HWND button, const Ui::HostTexts& texts);
+
+/// A part of a property's value.
+struct SubString {
+    int32_t start = 1;  // counted from 1
+    int32_t length = 0;
+};
+
+/// "[?size]", or with a part "[?size,2,3]".
+std::wstring PropertyTag(const std::wstring& property, const SubString* part);
 
 class BatchRenameAddTag final : private Ui::Dialog {
 public:

@@ -4,7 +4,6 @@
 #include "batchrename/model/name_sample.h"
 #include "batchrename/profiles.h"
 #include "ui/controls.h"
-#include "ui/popup_menu.h"
 #include "win32/window_text.h"
 
 namespace BatchRename {

@@ -4,7 +4,7 @@
 
 #include "batchrename/batchrename_texts.h"
 #include "batchrename/dialogs/batchrename_resource.h"
-#include "ui/popup_menu.h"
+#include "ui/controls.h"
 #include "win32/window_text.h"
 
 namespace BatchRename {

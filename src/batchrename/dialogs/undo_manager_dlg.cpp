@@ -1,7 +1,7 @@
 #include "batchrename/dialogs/undo_manager_dlg.h"
 
 #include "batchrename/dialogs/batchrename_resource.h"
-#include "ui/list_columns.h"
+#include "ui/controls.h"
 
 #include <commctrl.h>
 

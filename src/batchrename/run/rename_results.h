@@ -4,7 +4,7 @@
 #include <atomic>
 #include <cstdint>
 
-#include "sdk/rename_result.h"
+#include "sdk/services.h"
 
 namespace BatchRename {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "batchrename/local_time.h"
+#include "batchrename/rule_context.h"
 #include "textio/replace_file.h"
 #include "win32/files.h"
 #include "win32/folder.h"

@@ -4,9 +4,8 @@
 #include <system_error>
 
 #include "batchrename/dialogs/batchrename_resource.h"
-#include "batchrename/local_time.h"
 #include "batchrename/qv_batch_rename.h"
-#include "batchrename/window/frame_messages.h"
+#include "batchrename/rule_context.h"
 #include "sdk/boundary.h"
 #include "ui/activation_context.h"
 

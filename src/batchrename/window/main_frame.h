@@ -18,8 +18,19 @@
 #include "batchrename/window/pane_listener.h"
 #include "batchrename/window/row_list_view.h"
 #include "batchrename/window/rule_panel.h"
+#include "win32/windows.h"
 
 namespace BatchRename {
+
+namespace FrameMessage {
+inline constexpr UINT PreviewReady = WM_APP + 1;
+inline constexpr UINT RunProgress = WM_APP + 2;  // first value: renames so far
+inline constexpr UINT RunEnded = WM_APP + 3;
+}  // namespace FrameMessage
+
+inline constexpr wchar_t kFrameClass[] = L"QVBatchRenameFrame";
+inline constexpr wchar_t kFrameTitle[] = L"Quorvane - BatchRename";
+inline constexpr wchar_t kRestoreTitle[] = L"Quorvane - BatchRename - Restore names";
 
 /// What the thread around the window does for it.
 class IFrameHost {

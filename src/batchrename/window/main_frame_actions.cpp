@@ -6,8 +6,7 @@
 #include "batchrename/dialogs/profile_menu.h"
 #include "batchrename/dialogs/undo_manager_dlg.h"
 #include "batchrename/host_properties.h"
-#include "batchrename/local_time.h"
-#include "batchrename/window/frame_messages.h"
+#include "batchrename/rule_context.h"
 #include "batchrename/window/main_frame.h"
 #include "win32/window_text.h"
 

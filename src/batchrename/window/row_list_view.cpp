@@ -6,7 +6,7 @@
 
 #include "batchrename/model/name_fit.h"
 #include "ui/activation_context.h"
-#include "ui/list_columns.h"
+#include "ui/controls.h"
 #include "win32/path.h"
 #include "win32/text.h"
 

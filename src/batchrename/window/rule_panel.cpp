@@ -6,9 +6,8 @@
 #include "batchrename/dialogs/add_tag_dlg.h"
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/dialogs/find_replace_dlg.h"
-#include "batchrename/dialogs/tags.h"
 #include "batchrename/profiles.h"
-#include "ui/list_columns.h"
+#include "ui/controls.h"
 #include "win32/text.h"
 #include "win32/window_text.h"
 

@@ -1,6 +1,5 @@
 #include "fileutils/access/change_access_dlg.h"
 
-#include "fileutils/access/access_resource.h"
 #include "fileutils/fileutils_resource.h"
 #include "fileutils/fileutils_texts.h"
 #include "win32/window_text.h"

@@ -1,5 +1,8 @@
 #include "fileutils/access/security_work.h"
 
+#include <algorithm>
+
+#include "fileutils/elevated_request.h"
 #include "fileutils/fileutils_texts.h"
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
@@ -67,6 +70,34 @@ uint32_t ChangeUntilFailure(IHostServices& host, const Paths& paths, const Secur
     for (const std::wstring& path : paths)
         if (const uint32_t error = Change(host, change, path)) return error;
     return ERROR_SUCCESS;
+}
+
+using namespace Quorvane::SDK;
+
+void WritePaths(IRequestWriter& writer, const Paths& paths) {
+    writer.WriteNumber(static_cast<uint32_t>(paths.size()));
+    for (const std::wstring& path : paths) writer.WriteString(path.c_str());
+}
+
+Paths ReadPaths(RequestFields& fields) {
+    Paths paths = fields.FilePaths();
+    if (std::ranges::any_of(paths, IsRemoteRegistryKey)) fields.Refuse();
+    return paths;
+}
+
+void WriteAccessGrant(IRequestWriter& writer, const AccessGrant& grant) {
+    writer.WriteNumber(grant.mask);
+    writer.WriteString(grant.account.c_str());
+    WritePaths(writer, grant.paths);
+}
+
+AccessGrant ReadAccessGrant(RequestFields& fields) {
+    AccessGrant grant;
+    grant.mask = fields.Number();
+    grant.account = fields.Text();
+    grant.paths = ReadPaths(fields);
+    if (grant.mask == 0 || (grant.mask & ~uint32_t{FILE_ALL_ACCESS}) != 0) fields.Refuse();
+    return grant;
 }
 
 }  // namespace FileUtils

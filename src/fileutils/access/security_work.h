@@ -1,5 +1,5 @@
 // security_work.h - what the security commands have in common: the selection, here or in the elevated process, the
-// first failure that ends it, and how it is shown.
+// request that the elevated process is sent, the first failure that ends it, and how it is shown.
 #pragma once
 
 #include <cstdint>
@@ -7,10 +7,27 @@
 #include <string>
 #include <vector>
 
-#include "fileutils/access/security_requests.h"
+#include "fileutils/elevated_request.h"
 #include "sdk/owners.h"
 
 namespace FileUtils {
+
+using Paths = std::vector<std::wstring>;
+
+/// Taking ownership and resetting need the paths alone: their number, then each of them. A path of anything but a file
+/// or folder is refused.
+void WritePaths(Quorvane::SDK::IRequestWriter& writer, const Paths& paths);
+Paths ReadPaths(RequestFields& fields);
+
+/// Mask, account, and the paths as above. A mask that allows nothing, or has bits that no right of a file has, is
+/// refused.
+struct AccessGrant {
+    uint32_t mask = 0;
+    std::wstring account;
+    Paths paths;
+};
+void WriteAccessGrant(Quorvane::SDK::IRequestWriter& writer, const AccessGrant& grant);
+AccessGrant ReadAccessGrant(RequestFields& fields);
 
 /// The panel's items that have a path.
 struct SecuritySelection {

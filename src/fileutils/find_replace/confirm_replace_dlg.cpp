@@ -4,7 +4,7 @@
 #include <iterator>
 #include <string_view>
 
-#include "fileutils/find_replace/find_replace_resource.h"
+#include "fileutils/fileutils_resource.h"
 #include "ui/controls.h"
 #include "win32/code_page.h"
 #include "win32/text.h"

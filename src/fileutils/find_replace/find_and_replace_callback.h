@@ -4,7 +4,7 @@
 #include <string>
 
 #include "fileutils/find_replace/confirm_replace.h"
-#include "findreplace/options.h"
+#include "findreplace/request.h"
 #include "sdk/host_services.h"
 
 namespace FileUtils {

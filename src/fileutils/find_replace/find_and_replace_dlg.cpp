@@ -2,7 +2,6 @@
 
 #include "fileutils/fileutils_resource.h"
 #include "fileutils/fileutils_texts.h"
-#include "fileutils/find_replace/find_replace_resource.h"
 #include "fileutils/target_pattern.h"
 #include "findreplace/request.h"
 #include "findreplace/wildcard.h"

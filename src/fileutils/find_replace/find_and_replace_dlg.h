@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "findreplace/options.h"
+#include "findreplace/request.h"
 #include "ui/controls.h"
 #include "ui/dialog.h"
 

@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 
-#include "fileutils/elevated_path.h"
 #include "fileutils/elevated_request.h"
 #include "fileutils/links/link_creation.h"
 #include "win32/path.h"

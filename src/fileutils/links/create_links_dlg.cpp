@@ -4,7 +4,6 @@
 #include <unordered_set>
 
 #include "fileutils/fileutils_resource.h"
-#include "fileutils/links/links_resource.h"
 #include "ui/controls.h"
 #include "win32/path.h"
 #include "win32/text.h"

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 
+#include "fileutils/commands.h"
 #include "fileutils/ids.h"
+#include "fileutils/names/rename_items.h"
+#include "sdk/owners.h"
 #include "win32/text.h"
 
 namespace FileUtils {
@@ -57,6 +60,21 @@ std::wstring QuickRenamed(uint32_t id, std::wstring_view name, bool isFolder) {
         std::replace(result.begin(), end, row->from, row->to);
     }
     return result;
+}
+
+using namespace Quorvane::SDK;
+
+uint32_t RunQuickRename(IHostServices& host, uint32_t id) {
+    const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Names);
+    if (!list) return 1;
+    std::vector<ItemRename> renames;
+    for (IFileItem* const item : ItemsOf(*list)) {
+        const std::wstring name = NameOf(*item);
+        std::wstring newName = QuickRenamed(id, name, IsFolder(*item));
+        if (newName != name) renames.push_back({item, std::move(newName)});
+    }
+    AskAndRename(host, renames);
+    return 1;
 }
 
 }  // namespace FileUtils

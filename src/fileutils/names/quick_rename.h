@@ -12,8 +12,7 @@ namespace FileUtils {
 /// - 30000 turns a to z into upper case and nothing else: names with other letters keep them. compatibility: 24
 /// - 30001 turns every letter into lower case.
 /// - 30002 makes the first letter of each word upper case and all others lower case. Words begin after a blank, "."
-/// and
-///   "_", but a file's last "." begins none, so that its extension comes out in lower case.
+///   and "_", but a file's last "." begins none, so that its extension comes out in lower case.
 /// - 30003 to 30008 put one character in another's place: in a file's name before its last ".", in the whole name of a
 ///   folder.
 std::wstring QuickRenamed(uint32_t id, std::wstring_view name, bool isFolder);

@@ -1,8 +1,12 @@
 #include "fileutils/names/replace_dlg.h"
 
+#include "fileutils/commands.h"
 #include "fileutils/fileutils_resource.h"
-#include "fileutils/names/names_resource.h"
+#include "fileutils/names/rename_items.h"
+#include "sdk/owners.h"
 #include "ui/controls.h"
+#include "win32/path.h"
+#include "win32/text.h"
 #include "win32/window_text.h"
 
 namespace FileUtils {
@@ -84,6 +88,79 @@ bool CReplaceDlg::Refresh() {
                                                      : std::to_wstring(count) + L" names will change.");
     EnableWindow(Item(IDOK), count > 0);
     return count > 0;
+}
+
+namespace {
+
+std::wstring Replaced(const NameReplacement& replacement, std::wstring_view text) {
+    // Lower case has the length of the text itself, so that places found in one are places of the other.
+    const std::wstring folded = replacement.ignoreCase ? Win32::ToLowerCase(text) : std::wstring(text);
+    const std::wstring wanted = replacement.ignoreCase ? Win32::ToLowerCase(replacement.find) : replacement.find;
+    std::wstring result;
+    size_t at = 0;
+    for (size_t found; (found = folded.find(wanted, at)) != std::wstring::npos; at = found + wanted.size()) {
+        result += text.substr(at, found - at);
+        result += replacement.replacement;
+    }
+    result += text.substr(at);
+    return result;
+}
+
+}  // namespace
+
+std::wstring WithTextReplaced(const NameReplacement& replacement, std::wstring_view name, bool isFolder) {
+    if (replacement.find.empty()) return std::wstring(name);
+    // In both parts the dot between them counts as text like any other.
+    if (replacement.part == NamePart::Both) return Replaced(replacement, name);
+    const Win32::NameParts parts = isFolder ? Win32::NameParts{name, {}, false} : Win32::SplitAtLastDot(name);
+    std::wstring result;
+    const bool inName = replacement.part == NamePart::Name;
+    result += inName ? Replaced(replacement, parts.stem) : std::wstring(parts.stem);
+    if (parts.hasDot) result += L'.';
+    result += inName ? std::wstring(parts.extension) : Replaced(replacement, parts.extension);
+    return result;
+}
+
+namespace {
+
+using namespace Quorvane::SDK;
+
+/// What the preview needs of an item, read once: it is computed at every key.
+struct NamedItem {
+    IFileItem* item;
+    std::wstring name;
+    bool isFolder;
+};
+
+std::vector<NamedItem> NamedItemsOf(IFileList& list) {
+    std::vector<NamedItem> items;
+    for (IFileItem* const item : ItemsOf(list)) items.push_back({item, NameOf(*item), IsFolder(*item)});
+    return items;
+}
+
+}  // namespace
+
+uint32_t RunReplaceInNames(IHostServices& host, uint32_t) {
+    const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Names);
+    if (!list || list->GetCount() == 0) return 1;
+    const std::vector<NamedItem> items = NamedItemsOf(*list);
+    CReplaceDlg dialog([&](const NameReplacement& request) {
+        std::vector<NameChange> changes;
+        for (const NamedItem& item : items) {
+            std::wstring name = WithTextReplaced(request, item.name, item.isFolder);
+            if (name != item.name) changes.push_back({item.name, std::move(name)});
+        }
+        return changes;
+    });
+    const std::optional<NameReplacement> request = dialog.Show(host.GetMainWindow());
+    if (!request) return 1;
+    std::vector<ItemRename> renames;
+    for (const NamedItem& item : items) {
+        std::wstring name = WithTextReplaced(*request, item.name, item.isFolder);
+        if (name != item.name) renames.push_back({item.item, std::move(name)});
+    }
+    RenameInOneBatch(host, renames);
+    return 1;
 }
 
 }  // namespace FileUtils

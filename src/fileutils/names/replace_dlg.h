@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ui/dialog.h"
@@ -45,5 +46,9 @@ private:
     Changes m_changes;
     NameReplacement m_request;
 };
+
+/// `name` with every place where the text to find stands replaced, from left to right; what was put in is not looked
+/// at again. An empty text to find changes nothing. Ignoring case follows the system's table of letters.
+std::wstring WithTextReplaced(const NameReplacement& replacement, std::wstring_view name, bool isFolder);
 
 }  // namespace FileUtils

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "linesorter/sort_request.h"
+#include "sdk/host_objects.h"
 
 namespace FileUtils {
 
@@ -49,5 +50,10 @@ struct SortReading {
 /// `before`: the request that the form was made from. What the chosen key and method do not use keeps its old value, so
 /// that it is there again the next time.
 SortReading RequestOf(const SortForm& form, const QVLineSorter::SortRequest& before);
+
+/// Loads what the store has; a key that is missing leaves its field alone. What cannot be a separator loads as none,
+/// and a date format is cut at 127 characters. The "Save as" name is not kept. A null store loads and saves nothing.
+void LoadSortLinesSettings(Quorvane::SDK::ISettings* store, QVLineSorter::SortRequest& request);
+void SaveSortLinesSettings(Quorvane::SDK::ISettings* store, const QVLineSorter::SortRequest& request);
 
 }  // namespace FileUtils

@@ -8,8 +8,8 @@
 
 #include "fileutils/file_run.h"
 #include "fileutils/fileutils_texts.h"
+#include "fileutils/sort_lines/sort_form.h"
 #include "fileutils/sort_lines/sort_lines_dlg.h"
-#include "fileutils/sort_lines/sort_lines_settings.h"
 #include "linesorter/sort_file.h"
 #include "linesorter/sort_request.h"
 #include "sdk/owners.h"

@@ -2,7 +2,6 @@
 
 #include "fileutils/fileutils_resource.h"
 #include "fileutils/fileutils_texts.h"
-#include "fileutils/sort_lines/sort_lines_resource.h"
 #include "fileutils/target_pattern.h"
 #include "win32/handle.h"
 #include "win32/window_text.h"

@@ -1,4 +1,4 @@
-#include "batchrename/local_time.h"
+#include "batchrename/rule_context.h"
 
 #include "win32/windows.h"
 
