@@ -38,11 +38,6 @@ public:
     void Add(const std::wstring& location, const std::wstring& name) {
         items.push_back({location, name, static_cast<int>(items.size()) + 1});
     }
-    const DiskItem* Find(int content) const {
-        for (const DiskItem& item : items)
-            if (item.content == content) return &item;
-        return nullptr;
-    }
     BatchRename::ListFolder Lister() {
         return [this](const std::wstring& folder) {
             BatchRename::FolderNames names;

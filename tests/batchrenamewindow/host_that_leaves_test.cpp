@@ -2,13 +2,10 @@
 // no call of it may begin. Also a host that shuts down from within a call of the window's thread.
 #include <array>
 #include <atomic>
-#include <cstring>
-#include <memory>
 
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/window/main_frame.h"
-#include "host/xml/xml_document.h"
-#include "host/xml/xml_service.h"
+#include "sdk/owners.h"
 #include "support/dialog_driver.h"
 #include "support/replaced_imports.h"
 #include "support/services_of_host.h"
@@ -39,54 +36,19 @@ uintptr_t SpecialCall(void* object, uintptr_t a, uintptr_t b, uintptr_t c, uintp
     return result;
 }
 
-/// The table of one object of the host, with slots replaced until the object's end.
-class Table {
-public:
-    Table(void* object, size_t slotCount) : m_slotCount(slotCount) {
-        void*** const place = static_cast<void***>(object);
-        m_original = *place;
-        std::memcpy(m_slots.data(), m_original - kBefore, (kBefore + slotCount) * sizeof(void*));
-        *place = m_slots.data() + kBefore;
-    }
-    Table(const Table&) = delete;
-    Table& operator=(const Table&) = delete;
-
-    template <class Function>
-    void* Replace(size_t slot, Function* function) {
-        m_slots[kBefore + slot] = reinterpret_cast<void*>(function);
-        return m_original[slot];
-    }
-    void Poison() {
-        for (size_t slot = 0; slot < m_slotCount; ++slot) Replace(slot, LateCall);
-    }
-
-private:
-    static constexpr size_t kBefore = 2;  // words of the compiler's own stand before the first slot
-    void** m_original;
-    size_t m_slotCount;
-    std::array<void*, 160> m_slots = {};
-};
-
 enum Kind : uint8_t { Services, Files, Refresh, Settings, Xml, Document, Element };
 constexpr std::array<size_t, 7> kSlotCounts = {149, 70, 1, 7, 30, 3, 8};
 
-class HostThatLeaves;
-HostThatLeaves* theHost = nullptr;
-
-/// The stand-in host, which sees to the tables of all that it gives out.
+/// The stand-in host, with the tables of all classes that it gives objects of to the window.
 class HostThatLeaves {
 public:
-    HostThatLeaves(Kind kind, size_t slot, std::function<void()> afterwards) : m_kind(kind), m_slot(slot) {
-        theHost = this;
+    HostThatLeaves(Kind kind, size_t slot, std::function<void()> afterwards)
+        : m_special(m_objects[kind], slot, SpecialCall) {
         lateCalls = 0;
-        special = {nullptr, std::move(afterwards), GetCurrentThreadId()};
+        special = {reinterpret_cast<AnySlot>(m_special.Original()), std::move(afterwards), GetCurrentThreadId()};
         m_files.Write(L"a", "a");
         m_host.Select(m_files / L"a");
         m_host.State().panel = &m_panel;
-        Table& services = *Watch(&m_host.Services(), Services);
-        services.Replace(42, &GiveXml);
-        services.Replace(44, &GiveSettings);
-        services.Replace(63, &GiveService);
         m_extension = m_process.Create(2);
         m_extension->SetHost(&m_host.Services());
     }
@@ -101,8 +63,9 @@ public:
     }
     void Delete() { m_process.Delete(m_extension, 2); }
     void TakeServicesAway() {
-        const std::lock_guard lock(m_lock);
-        for (const auto& table : m_tables) table->Poison();
+        for (const Kind kind : {Services, Files, Refresh, Settings, Xml, Document, Element})
+            for (size_t slot = 0; slot < kSlotCounts[kind]; ++slot)
+                m_poisoned.emplace_back(m_objects[kind], slot, LateCall);
     }
 
     static HWND Frame() { return FindOwnWindow(BatchRename::kFrameClass); }
@@ -111,53 +74,21 @@ public:
     static DialogDriver Driver() { return DialogDriver(GetWindowThreadProcessId(Frame(), nullptr)); }
 
 private:
-    Table* Watch(void* object, Kind kind) {
-        const std::lock_guard lock(m_lock);
-        Table& table = *m_tables.emplace_back(std::make_unique<Table>(object, kSlotCounts[kind]));
-        if (kind == m_kind) special.original = reinterpret_cast<AnySlot>(table.Replace(m_slot, SpecialCall));
-        return &table;
-    }
-    static IXmlService* GiveXml(QVHost::HostServices* services, const wchar_t* path, uint32_t mode) {
-        IXmlService* const xml = services->QVHost::HostServices::GetXmlService(path, mode);
-        theHost->Watch(xml, Xml)->Replace(1, &GiveDocument);
-        return xml;
-    }
-    static IXmlDocument* GiveDocument(QVHost::XmlService* xml) {
-        IXmlDocument* const document = xml->QVHost::XmlService::CreateDocument();
-        theHost->Watch(document, Document)->Replace(1, &GiveRoot);
-        return document;
-    }
-    static IXmlElement* GiveRoot(QVHost::XmlDocument* document, const wchar_t* name) {
-        IXmlElement* const root = document->QVHost::XmlDocument::CreateRoot(name);
-        theHost->Watch(root, Element)->Replace(5, &GiveChild);
-        return root;
-    }
-    static IXmlElement* GiveChild(QVHost::XmlElement* parent, const wchar_t* name) {
-        IXmlElement* const child = parent->QVHost::XmlElement::AddChild(name);
-        theHost->Watch(child, Element)->Replace(5, &GiveChild);
-        return child;
-    }
-    static ISettings* GiveSettings(QVHost::HostServices* services) {
-        ISettings* const settings = services->QVHost::HostServices::GetSettings();
-        if (!std::exchange(theHost->m_knowsSettings, true)) theHost->Watch(settings, Settings);
-        return settings;
-    }
-    static void* GiveService(QVHost::HostServices* services, uint32_t number, uint32_t zero, const wchar_t* path) {
-        void* const service = services->QVHost::HostServices::AcquireService(number, zero, path);
-        theHost->Watch(service, number == ServiceNumber::FileOperations ? Files : Refresh);
-        return service;
-    }
-
-    std::mutex m_lock;
-    std::vector<std::unique_ptr<Table>> m_tables;
     TemporaryFolder m_files;
     InProcessHost m_process;
     ServicesOfHost m_host{QV_HOST_PROGRAM};
+    AcquiredService<IFileOperations> m_operations{m_host.Services(), ServiceNumber::FileOperations};
+    AcquiredService<IFolderRefresh> m_refresh{m_host.Services(), ServiceNumber::FolderRefresh};
+    Owned<IXmlService> m_xml{m_host.Services().GetXmlService(nullptr, 0)};
+    Owned<IXmlDocument> m_document{m_xml->CreateDocument()};
+    const std::array<void*, 7> m_objects = {
+        &m_host.Services(), m_operations.Get(),          m_refresh.Get(), m_host.Services().GetSettings(), m_xml.get(),
+        m_document.get(),   m_document->CreateRoot(L"a")};
     FakePanel m_panel{[this] { return m_host.State().selection; }, [](const std::wstring&) {}};
     IPluginInterface* m_extension = nullptr;
-    Kind m_kind;
-    size_t m_slot;
-    bool m_knowsSettings = false;
+    // Put back in the opposite order, before the objects end.
+    ReplacedSlot m_special;
+    std::vector<ReplacedSlot> m_poisoned;
 };
 
 std::vector<DWORD> waits;

@@ -1,6 +1,5 @@
 #include "batchrenamewindow/rename_window.h"
 
-#include <algorithm>
 #include <stdexcept>
 
 #include "batchrename/dialogs/batchrename_resource.h"
@@ -9,19 +8,13 @@
 #include "host/app/message_pump.h"
 #include "host/app/run.h"
 #include "support/dialog_driver.h"
-#include "win32/folder.h"
+#include "support/host_run.h"
 
 namespace QVTest {
 
 RenameWindow::RenameWindow(const Words& names, const std::string& profiles) {
     if (!profiles.empty()) m_settings.Write(L"BatchRenameProfiles.xml", profiles);
-    m_environment = std::make_unique<QVHost::HostEnvironment>(QVHost::HostEnvironment{.out = m_out,
-                                                                                      .error = m_error,
-                                                                                      .in = m_in,
-                                                                                      .program = QV_HOST_PROGRAM,
-                                                                                      .outIsTerminal = false,
-                                                                                      .readAnswer = {},
-                                                                                      .progressWatch = {}});
+    m_environment = std::make_unique<QVHost::HostEnvironment>(EnvironmentOf(m_out, m_error, m_in, QV_HOST_PROGRAM));
     m_output = std::make_unique<QVHost::Output>(m_out, m_error, false);
     const QVHost::HostOptions options =
         QVHost::ParseCommandLine({L"--config", m_settings.Path(), L"command", L"31000"});
@@ -49,13 +42,6 @@ void RenameWindow::Open(const Words& names) {
 void RenameWindow::EndHost() {
     m_session.reset();
     m_output.reset();
-}
-
-Words RenameWindow::NamesOnDisk() const {
-    Words names;
-    Win32::ListFolder(m_files.Path(), L"*", names);
-    std::ranges::sort(names);
-    return names;
 }
 
 HWND RenameWindow::Frame() const {

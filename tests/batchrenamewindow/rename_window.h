@@ -33,7 +33,7 @@ public:
 
     const TemporaryFolder& Files() const { return m_files; }
     QVHost::HostState& Host() { return m_session->State(); }
-    Words NamesOnDisk() const;
+    Words NamesOnDisk() const { return m_files.List(); }
 
     HWND Frame() const;
     HWND List() const { return GetDlgItem(Frame(), 2000); }

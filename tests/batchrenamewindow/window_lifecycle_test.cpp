@@ -33,13 +33,6 @@ TEST(RenameWindow, EndsWithItsHostWhateverItIsAt) {
              window.Panel().PressLater(IDC_NAME_TAGS);
              DialogDriver(window.Thread()).WaitForMenu();
          }},
-        {"a preview is under way",
-         [](RenameWindow& window) { window.Panel().Enter(IDC_NAME_TEMPLATE, L"[?modified]-[C]"); }},
-        {"a run is under way",
-         [](RenameWindow& window) {
-             EnterRule(window);
-             window.Panel().PressLater(IDC_START);
-         }},
     };
     for (const auto& c : cases) {
         RenameWindow window({L"a", L"b"});

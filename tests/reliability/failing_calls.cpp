@@ -8,8 +8,6 @@
 
 #include <aclapi.h>
 
-#include "support/replaced_imports.h"
-
 namespace QVTest {
 namespace {
 
@@ -142,13 +140,9 @@ std::vector<Row> WatchedCalls() {
 
 }  // namespace
 
-struct FailingCalls::Replaced {
-    std::vector<ReplacedImport> imports;
-};
-
-FailingCalls::FailingCalls(std::initializer_list<HMODULE> modules) : m_replaced(std::make_unique<Replaced>()) {
+FailingCalls::FailingCalls(std::initializer_list<HMODULE> modules) {
     for (const Row& row : WatchedCalls())
-        for (const HMODULE module : modules) m_replaced->imports.emplace_back(module, row.name, row.replacement);
+        for (const HMODULE module : modules) m_imports.emplace_back(module, row.name, row.replacement);
 }
 
 FailingCalls::~FailingCalls() {

@@ -3,10 +3,10 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
+#include <vector>
 
-#include "win32/windows.h"
+#include "support/replaced_imports.h"
 
 namespace QVTest {
 
@@ -30,8 +30,7 @@ public:
     size_t OpenHandles() const;      // opened since Arm and not closed
 
 private:
-    struct Replaced;
-    std::unique_ptr<Replaced> m_replaced;
+    std::vector<ReplacedImport> m_imports;
 };
 
 }  // namespace QVTest

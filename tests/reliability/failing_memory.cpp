@@ -2,6 +2,9 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <string>
+
+#include <gtest/gtest.h>
 
 namespace QVTest {
 namespace {
@@ -67,9 +70,17 @@ size_t FailingMemory::Count() const {
     return g_count;
 }
 
-size_t FailingMemory::Next(size_t number) {
+void FailingMemory::Walk(const std::function<void(const Begin&)>& action) {
     const bool isEvery = GetEnvironmentVariableW(L"QV_EVERY_FAULT", nullptr, 0) > 0;
-    return isEvery ? number + 1 : 2 * number + 1;
+    for (const bool isLasting : {false, true}) {
+        g_hasFailed = true;
+        for (size_t number = 0; g_hasFailed; number = isEvery ? number + 1 : 2 * number + 1) {
+            SCOPED_TRACE("allocation " + std::to_string(number) + (isLasting ? " and all others" : ""));
+            g_hasFailed = false;
+            action([&] { Arm(number, isLasting); });
+            Disarm();
+        }
+    }
 }
 
 }  // namespace QVTest

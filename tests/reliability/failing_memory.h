@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "support/replaced_imports.h"
@@ -11,8 +11,6 @@ namespace QVTest {
 
 class FailingMemory {
 public:
-    static constexpr size_t kNone = SIZE_MAX;
-
     explicit FailingMemory(HMODULE module);
     ~FailingMemory() { Disarm(); }
     FailingMemory(const FailingMemory&) = delete;
@@ -22,8 +20,8 @@ public:
     /// thread never do: they are the runtime's own for exceptions, without which it ends the process.
     void Arm(size_t number, bool isLasting);
     void Disarm();
-    bool HasFailed() const;
-    size_t Count() const;  // allocations since Arm
+    bool HasFailed() const;  // also once disarmed
+    size_t Count() const;    // allocations since Arm
 
     /// The locks of the library's debug containers allocate with their first use, in destructors too, and end the
     /// process when they cannot: code that reaches such a first use without memory is not tested in the checked build.
@@ -33,9 +31,11 @@ public:
     static constexpr bool kLocksNeedMemory = false;
 #endif
 
-    /// The allocation to fail after this one: steps of growing size, or of one where QV_EVERY_FAULT asks for a long
-    /// run.
-    static size_t Next(size_t number);
+    /// From now on memory is to run out.
+    using Begin = std::function<void()>;
+    /// Lets memory run out for the action, once and for good: at its first allocations, then later in steps of growing
+    /// size (or at each, where QV_EVERY_FAULT asks for a long run), until it has all that it wants.
+    void Walk(const std::function<void(const Begin&)>& action);
 
 private:
     std::vector<ReplacedImport> m_imports;

@@ -175,57 +175,42 @@ TEST_P(FileFaults, AnotherProgramsSaveStays) {
 
 QV_WITH_EVERY_WRITING_COMMAND(FileFaults);
 
-class FileFaultsOfRenaming : public testing::Test {
-protected:
-    /// A ring of two names, and a name of its own.
-    const WritingCommand m_command = {
+/// A ring of two names, and a name of its own. Each call for the files fails in turn, then each for the journal.
+TEST(FileFaultsOfRenaming, LoseNothingAreToldAndCanBeUndone) {
+    const WritingCommand command = {
         "rename",
         {L"rename", L"--regex", L"--find", L"^1", L"--replace", L"x", L"--find", L"^2", L"--replace", L"1", L"--find",
          L"^x", L"--replace", L"2", L"--find", L"^a", L"--replace", L"new"},
         {{L"1.txt", "1"}, {L"2.txt", "2"}, {L"a.txt", "a"}}};
-    const Contents m_done = {{L"1.txt", "2"}, {L"2.txt", "1"}, {L"new.txt", "a"}};
-    const InProcessHost m_host;
-    FailingCalls m_calls{InProcessHost::Host()};
-
-    /// Lets each call for the files, or each for the journal, fail in turn.
-    void FailEachCall(bool isJournal) {
-        for (uint32_t number = 0, count = 1; number < count; ++number)
-            for (const auto& [error, isLasting] : FaultsOfCall(number)) {
-                const WorkFolder work(m_command);
-                m_calls.Arm(isJournal ? work.Settings() / L"Undo" : work.Path(), number, error, isLasting);
-                const HostRun run = m_host.Run(work.Arguments());
-                m_calls.Disarm();
-                count = std::max(count, m_calls.Count());
-                SCOPED_TRACE("call " + std::to_string(number) + ", " + m_calls.FailedCall() + " with " +
-                             std::to_string(error) + (isLasting ? " for good\n" : "\n") + run.Said());
-                Look(work, run, isJournal);
-            }
-    }
-
-    void Look(const WorkFolder& work, const HostRun& run, bool isJournal) {
-        EXPECT_EQ(m_calls.OpenHandles(), 0u);
+    const Contents done = {{L"1.txt", "2"}, {L"2.txt", "1"}, {L"new.txt", "a"}};
+    const InProcessHost host;
+    FailingCalls calls{InProcessHost::Host()};
+    const auto fail = [&](uint32_t number, uint32_t error, bool isLasting, bool isJournal) {
+        const WorkFolder work(command);
+        calls.Arm(isJournal ? work.Settings() / L"Undo" : work.Path(), number, error, isLasting);
+        const HostRun run = host.Run(work.Arguments());
+        calls.Disarm();
         const Contents now = work.Read();
-        SCOPED_TRACE(testing::PrintToString(now));
+        SCOPED_TRACE("call " + std::to_string(number) + ", " + calls.FailedCall() + " with " + std::to_string(error) +
+                     (isLasting ? " for good\n" : "\n") + run.Said() + testing::PrintToString(now));
+        EXPECT_EQ(calls.OpenHandles(), 0u);
         std::multiset<std::string> contents;
         for (const auto& [name, content] : now) {
             contents.insert(content);
-            EXPECT_TRUE(!name.starts_with(L"~") || Contains(run.Said(), name))
-                << "a file is stranded, and nobody says so";
+            EXPECT_TRUE(!name.starts_with(L"~") || Contains(run.Said(), name)) << "a file is stranded in silence";
         }
         EXPECT_EQ(contents, (std::multiset<std::string>{"1", "2", "a"}));
-        EXPECT_TRUE(now == m_done || !isJournal || now == m_command.files) << "all is renamed, or nothing";
-        EXPECT_TRUE(now == m_done || run.status != 0);
+        EXPECT_TRUE(now == done || !isJournal || now == command.files) << "all is renamed, or nothing";
+        EXPECT_TRUE(now == done || run.status != 0);
         // A journal that fails for good while the run goes on: said, and not to be helped.
-        if (now == m_done && run.status != 0) return;
-        const HostRun undone = m_host.Run({L"--config", work.Settings().Path(), L"undo", L"restore", L"last"});
-        EXPECT_EQ(work.Read(), m_command.files) << undone.Said();
-    }
-};
-
-TEST_F(FileFaultsOfRenaming, LoseNothingAndCanBeUndone) {
-    FailEachCall(false);
-}
-
-TEST_F(FileFaultsOfRenaming, OfTheJournalAreToldAndLeaveNothingUnrecorded) {
-    FailEachCall(true);
+        if (now == done && run.status != 0) return;
+        const HostRun undone = host.Run({L"--config", work.Settings().Path(), L"undo", L"restore", L"last"});
+        EXPECT_EQ(work.Read(), command.files) << undone.Said();
+    };
+    for (const bool isJournal : {false, true})
+        for (uint32_t number = 0, count = 1; number < count; ++number)
+            for (const auto& [error, isLasting] : FaultsOfCall(number)) {
+                fail(number, error, isLasting, isJournal);
+                count = std::max(count, calls.Count());
+            }
 }

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "sdk/host_services.h"
+#include "support/replaced_imports.h"
 #include "support/services_of_host.h"
 
 namespace {
@@ -82,22 +83,6 @@ IFileList* OddList() {
     static OddObject<IFileList> list = {{3, Most}, {4, OneItem}};
     return list.Get();
 }
-
-/// A good host's services with another function in one slot.
-class OneSlotOdd {
-public:
-    OneSlotOdd(IHostServices& services, const Slot& odd) : m_object(reinterpret_cast<void***>(&services)) {
-        std::copy_n(m_original, kSlots, m_slots.begin());
-        m_slots[odd.at] = odd.function;
-        *m_object = m_slots.data();
-    }
-    ~OneSlotOdd() { *m_object = m_original; }
-
-private:
-    void*** m_object;
-    void** m_original = *m_object;
-    std::array<void*, kSlots> m_slots = {};
-};
 
 /// A call with a file that is there, or with nonsense. It is silent, for there is nobody to close a dialog.
 class Call final : public ICustomCommandCall {
@@ -216,7 +201,7 @@ TEST(HostWithOneOddSlot, IsServedByEveryCommandAllTheSame) {
         ServicesOfHost host(QV_HOST_PROGRAM, options);
         QVHost::FileItem& item = host.Select(folder / L"a b.txt");
         host.Select(folder / L"c.b64");
-        const OneSlotOdd isOdd(host.Services(), slot);
+        const ReplacedFunction isOdd(*reinterpret_cast<void***>(&host.Services()) + slot.at, slot.function);
         UseExtensions(process, &host.Services(), commands, {folder / L"a b.txt", L""}, nullptr);
         IFileProperties* const properties = process.CreateProperties();
         properties->SetHost(&host.Services());

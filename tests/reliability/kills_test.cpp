@@ -1,5 +1,6 @@
 // kills_test.cpp - the host is killed in the middle of each command that writes: every original is there under its own
 // name or its backup's, and a rename can be undone.
+#include <functional>
 #include <random>
 
 #include "host/elevated/elevated_channel.h"
@@ -11,11 +12,6 @@ namespace {
 using namespace QVTest;
 
 constexpr DWORD kPatience = 20000;  // milliseconds
-
-int KillCount() {
-    wchar_t text[16] = {};
-    return GetEnvironmentVariableW(L"QV_KILLS", text, 16) > 0 ? _wtoi(text) : 1;
-}
 
 Win32::KernelHandle Start(std::vector<std::wstring> arguments) {
     arguments.insert(arguments.begin(), QV_HOST_PROGRAM);
@@ -38,25 +34,26 @@ DWORD RunToEnd(std::vector<std::wstring> arguments) {
     return static_cast<DWORD>(GetTickCount64() - begin);
 }
 
-/// Long texts, so that a kill has something to meet.
-WritingCommand Enlarged(WritingCommand command) {
-    for (auto& [name, content] : command.files) {
-        const bool isText = name.ends_with(L".txt");
-        for (int doubled = 0; isText && doubled < 17; ++doubled) content += content;
-    }
-    return command;
-}
-
-/// Starts the command and kills it at a moment of chance, which is given back: milliseconds, at most `time`. Whether it
-/// was done by then is chance too, and right either way.
-DWORD KillWithin(DWORD time, const WorkFolder& work) {
+/// Runs the command undisturbed, then kills it QV_KILLS times (once when that is not set) at a moment of chance and
+/// hands over what it left, with what it leaves when it is done. Whether it was done by then is chance too, and right
+/// either way.
+void Kill(const WritingCommand& command, const std::function<void(const WorkFolder&, const Contents& done)>& check) {
     static std::mt19937 random(std::random_device{}());
-    const Win32::KernelHandle process = Start(work.Arguments());
-    const DWORD moment = random() % (time + 1);
-    WaitForSingleObject(process.Get(), moment);
-    TerminateProcess(process.Get(), 1);
-    EXPECT_EQ(WaitForSingleObject(process.Get(), kPatience), WAIT_OBJECT_0);
-    return moment;
+    const WorkFolder undisturbed(command);
+    const DWORD time = RunToEnd(undisturbed.Arguments());
+    const Contents done = undisturbed.Read();
+    ASSERT_TRUE(done != command.files);
+    wchar_t kills[16] = {};
+    for (int count = GetEnvironmentVariableW(L"QV_KILLS", kills, 16) > 0 ? _wtoi(kills) : 1; count > 0; --count) {
+        const WorkFolder work(command);
+        const Win32::KernelHandle process = Start(work.Arguments());
+        const DWORD moment = random() % (time + 1);
+        SCOPED_TRACE("killed after " + std::to_string(moment) + " of " + std::to_string(time) + " ms");
+        WaitForSingleObject(process.Get(), moment);
+        TerminateProcess(process.Get(), 1);
+        EXPECT_EQ(WaitForSingleObject(process.Get(), kPatience), WAIT_OBJECT_0);
+        check(work, done);
+    }
 }
 
 }  // namespace
@@ -64,41 +61,30 @@ DWORD KillWithin(DWORD time, const WorkFolder& work) {
 class Kills : public testing::TestWithParam<WritingCommand> {};
 
 TEST_P(Kills, LoseNothing) {
-    const WritingCommand command = Enlarged(GetParam());
-    const WorkFolder undisturbed(command);
-    const DWORD time = RunToEnd(undisturbed.Arguments());
-    const Contents done = undisturbed.Read();
-    ASSERT_TRUE(done != command.files);
-    for (int count = KillCount(); count > 0; --count) {
-        const WorkFolder work(command);
-        const DWORD moment = KillWithin(time, work);
+    WritingCommand command = GetParam();
+    for (auto& [name, content] : command.files)  // long texts, so that a kill has something to meet
+        for (int doubled = 0; name.ends_with(L".txt") && doubled < 17; ++doubled) content += content;
+    Kill(command, [&](const WorkFolder& work, const Contents& done) {
         const Contents now = work.Read();
         for (const auto& [name, content] : command.files) {
             const bool isTarget = name.find(L"_2") != std::wstring::npos;
             bool isSafe = isTarget || IsSafe(name, content, done, now);
             // A renamed file is under its new name.
             for (const auto& entry : now) isSafe = isSafe || (!done.contains(name) && entry.second == content);
-            EXPECT_TRUE(isSafe) << "killed after " << moment << " of " << time << " ms: " << name << " is lost";
+            EXPECT_TRUE(isSafe) << name << " is lost";
         }
-    }
+    });
 }
 
 QV_WITH_EVERY_WRITING_COMMAND(Kills);
 
 TEST(KillsOfRenaming, CanBeUndone) {
     WritingCommand command = {"rename", {L"rename", L"--name", L"[C2,1,3]", L"--extension", L""}, {}};
-    for (int number = 1; number <= 60; ++number) {
-        const std::wstring name = std::wstring(number < 10 ? L"00" : L"0") + std::to_wstring(number);
-        command.files[name] = std::string(name.begin(), name.end());
-    }
-    const WorkFolder undisturbed(command);
-    const DWORD time = RunToEnd(undisturbed.Arguments());
-    ASSERT_TRUE(undisturbed.Read() != command.files);
-    for (int count = KillCount(); count > 0; --count) {
-        const WorkFolder work(command);
-        const DWORD moment = KillWithin(time, work);
+    for (int number = 101; number <= 160; ++number)
+        command.files[L"0" + std::to_wstring(number).substr(1)] = std::to_string(number);
+    Kill(command, [&](const WorkFolder& work, const Contents&) {
         // Without a session nothing was begun; with one everything comes back.
         RunToEnd({L"--config", work.Settings().Path(), L"undo", L"restore", L"last"});
-        EXPECT_EQ(work.Read(), command.files) << "killed after " << moment << " of " << time << " ms";
-    }
+        EXPECT_EQ(work.Read(), command.files);
+    });
 }

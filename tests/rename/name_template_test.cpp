@@ -71,20 +71,4 @@ TEST(SelectPart, CountsFromEitherEnd) {
         EXPECT_EQ(SelectPart(source, CompileTemplate(tag, false).front()), part) << tag;
 }
 
-TEST(AppendNumber, PadsAndNeverCuts) {
-    const struct {
-        int32_t value, width;
-        const wchar_t* text;
-    } cases[] = {{7, 3, L"007"}, {1234, 3, L"1234"}, {-7, 4, L"-007"},
-                 {7, -5, L"7"},  {0, 2, L"00"},      {-2147483647 - 1, 0, L"-2147483648"}};
-    for (const auto& c : cases) {
-        std::wstring text;
-        AppendNumber(text, c.value, c.width);
-        EXPECT_EQ(text, c.text);
-    }
-    std::wstring wide;
-    AppendNumber(wide, 1, 2147483647);
-    EXPECT_EQ(wide.size(), 4096u);
-}
-
 }  // namespace

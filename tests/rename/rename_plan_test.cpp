@@ -57,16 +57,6 @@ TEST(PlanRenames, FailsTheRowsOfAFolderThatCannotBeRead) {
     EXPECT_EQ(plan.rows[0].code, 5u);
 }
 
-TEST(PlanRenames, OrdersChainsFromTheFreeEndAndDeeperItemsFirst) {
-    const RenameItems rows = {Row(LR"(C:\)", L"d", L"e"), Row(kFolder, L"01", L"02"), Row(kFolder, L"02", L"03"),
-                              Row(kFolder, L"x", L"y"), Row(kFolder + LR"(\s)", L"p", L"q")};
-    const RenamePlan plan = PlanRenames(rows, {Listing(LR"(C:\)", {L"d"}), Listing(kFolder, {L"01", L"02", L"x", L"s"}),
-                                               Listing(kFolder + LR"(\s)", {L"p"})});
-    std::vector<size_t> order;
-    for (const RenameStep& step : plan.steps) order.push_back(step.row);
-    EXPECT_EQ(order, (std::vector<size_t>{4, 2, 1, 3, 0}));
-}
-
 TEST(PlanRenames, BreaksARingWithATemporaryNameThatIsFree) {
     const RenameItems rows = Rows(kFolder, {{L"a", L"b"}, {L"b", L"c"}, {L"c", L"a"}});
     const std::wstring first = TemporaryNameFor(kFolder, L"a", 0);

@@ -57,6 +57,7 @@ TEST(RenameRule, ComputesNamesFromTemplates) {
         {"line breaks go", Rule(L"a\r\nb"), L"x.t", L"ab.t"},
     };
     for (const auto& [why, rule, name, newName] : cases) EXPECT_EQ(Renamed(rule, name), newName) << why;
+    EXPECT_EQ(Renamed(Rule(L"[C1,1,2147483647]", L""), L"a").size(), 4096u);
     EXPECT_EQ(Renamed(Rule(L"[N]!", L"bak"), L"a.folder", true), L"a.folder!");
     const uint32_t expression = RenameOption::ScopeBoth | RenameOption::RegularExpression;
     EXPECT_EQ(Renamed(Rule(L"[N]", L"[E]", expression, {{L"^", L"x-"}}), L"a.folder", true), L"x-a.folder");
@@ -75,6 +76,9 @@ TEST(RenameRule, CountsRowsWithTheRuleAndWithATagOfItsOwn) {
     rule.SetRule(definition, kTime);
     EXPECT_EQ(compute(), L"01 005 02");
     EXPECT_EQ(compute(), L"03 015 04");
+    definition.counter = {-7, 1, 4};
+    rule.SetRule(definition, kTime);
+    EXPECT_EQ(compute(), L"-007 005 -006");
     definition.counter = {2147483647, 1, 0};
     rule.SetRule(definition, kTime);
     EXPECT_EQ(compute(), L"2147483647 005 -2147483648");

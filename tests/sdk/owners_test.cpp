@@ -1,7 +1,5 @@
 #include "sdk/owners.h"
 
-#include <stdexcept>
-
 #include <gtest/gtest.h>
 
 using namespace Quorvane::SDK;
@@ -35,22 +33,6 @@ private:
     std::wstring m_text;
 };
 
-/// Counts more items than it has.
-class BoastfulList final : public IFileList {
-public:
-    explicit BoastfulList(std::vector<IFileItem*> items) : m_items(std::move(items)) {}
-    bool AddItem(IFileItem*) override { return false; }
-    uint32_t GetCount() override { return 0xFFFFFFFF; }
-    IFileItem* GetItem(uint32_t index) override {
-        if (index >= m_items.size()) throw std::out_of_range("asked on after the missing item");
-        return m_items[index];
-    }
-    void Release() override {}
-
-private:
-    std::vector<IFileItem*> m_items;
-};
-
 }  // namespace
 
 TEST(PathOf, GetsTextsOfAnyLengthFromAHostThatGivesThemWholeOrNotAtAll) {
@@ -60,12 +42,4 @@ TEST(PathOf, GetsTextsOfAnyLengthFromAHostThatGivesThemWholeOrNotAtAll) {
         EXPECT_EQ(NameOf(item).size(), length);
         EXPECT_GE(item.firstCapacity, 4096u) << "less than other callers have";
     }
-}
-
-TEST(ItemsOf, EndsAtTheFirstItemThatIsMissing) {
-    StrictItem first(5);
-    StrictItem second(0);
-    BoastfulList list({&first, &second, nullptr});
-    EXPECT_EQ(ItemsOf(list), (std::vector<IFileItem*>{&first, &second}));
-    EXPECT_EQ(PathsOf(list), std::vector<std::wstring>{L"ppppp"});
 }

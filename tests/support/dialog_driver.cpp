@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "win32/handle.h"
+#include "win32/window_text.h"
 
 namespace QVTest {
 namespace {
@@ -14,33 +15,11 @@ constexpr ULONGLONG kPatience = 10000;  // milliseconds
 constexpr DWORD kStep = 5;
 constexpr DWORD kGrace = 1000;
 
-std::wstring TextOfWindow(HWND window) {
-    std::wstring text(static_cast<size_t>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0)) + 1, L'\0');
-    text.resize(static_cast<size_t>(
-        SendMessageW(window, WM_GETTEXT, static_cast<WPARAM>(text.size()), reinterpret_cast<LPARAM>(text.data()))));
-    return text;
-}
-
-struct Search {
-    const wchar_t* windowClass;
-    const std::wstring* title;  // null: any
-    HWND found;
-};
-
-BOOL CALLBACK Visit(HWND window, LPARAM parameter) {
-    auto& search = *reinterpret_cast<Search*>(parameter);
-    wchar_t name[64] = {};
-    GetClassNameW(window, name, 64);
-    const bool isWanted = IsWindowVisible(window) && std::wstring(name) == search.windowClass &&
-                          (!search.title || TextOfWindow(window) == *search.title);
-    if (isWanted) search.found = window;
-    return !isWanted;
-}
-
-HWND FindThreadWindow(DWORD thread, const wchar_t* windowClass, const std::wstring* title) {
-    Search search = {windowClass, title, nullptr};
-    EnumThreadWindows(thread, Visit, reinterpret_cast<LPARAM>(&search));
-    return search.found;
+HWND FindThreadWindow(DWORD thread, const wchar_t* windowClass, const wchar_t* title) {
+    HWND found = nullptr;
+    while ((found = FindWindowExW(nullptr, found, windowClass, title)) != nullptr)
+        if (GetWindowThreadProcessId(found, nullptr) == thread && IsWindowVisible(found)) break;
+    return found;
 }
 
 }  // namespace
@@ -61,7 +40,7 @@ HWND DrivenDialog::Control(int id) const {
 }
 
 std::wstring DrivenDialog::Text(int id) const {
-    return TextOfWindow(Control(id));
+    return Win32::WindowText(Control(id));
 }
 
 bool DrivenDialog::IsEnabled(int id) const {
@@ -140,7 +119,7 @@ void DrivenDialog::WaitUntilClosed() const {
 HWND DialogDriver::WaitForWindow(const wchar_t* windowClass, const std::wstring& title) const {
     HWND window = nullptr;
     WaitUntil([&] {
-        window = FindThreadWindow(m_thread, windowClass, title.empty() ? nullptr : &title);
+        window = FindThreadWindow(m_thread, windowClass, title.empty() ? nullptr : title.c_str());
         return window != nullptr;
     });
     if (!window) throw std::runtime_error("the window does not open: " + std::string(title.begin(), title.end()));

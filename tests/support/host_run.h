@@ -25,6 +25,18 @@ struct HostRun {
     std::string Said() const { return out + error; }
 };
 
+/// No questions are asked, and nobody watches progress.
+inline QVHost::HostEnvironment EnvironmentOf(std::ostream& out, std::ostream& error, std::istream& in,
+                                             const std::wstring& program) {
+    return {.out = out,
+            .error = error,
+            .in = in,
+            .program = program,
+            .outIsTerminal = false,
+            .readAnswer = {},
+            .progressWatch = {}};
+}
+
 /// `program` is qvhost.exe, whose neighbours are the library and the texts; `input` is on the standard input. With
 /// `lines`, questions are asked on a console that answers so and then ends.
 inline HostRun RunHost(const std::wstring& program, const std::vector<std::wstring>& arguments,
@@ -32,13 +44,7 @@ inline HostRun RunHost(const std::wstring& program, const std::vector<std::wstri
     std::ostringstream out;
     std::ostringstream error;
     std::istringstream in(input);
-    QVHost::HostEnvironment environment = {.out = out,
-                                           .error = error,
-                                           .in = in,
-                                           .program = program,
-                                           .outIsTerminal = false,
-                                           .readAnswer = {},
-                                           .progressWatch = {}};
+    QVHost::HostEnvironment environment = EnvironmentOf(out, error, in, program);
     if (lines)
         environment.readAnswer = [&, next = size_t{0}]() mutable -> std::optional<std::wstring> {
             return next < lines->size() ? std::optional((*lines)[next++]) : std::nullopt;

@@ -42,13 +42,16 @@ void Put(void** place, void* function) {
 
 }  // namespace
 
-ReplacedImport::ReplacedImport(HMODULE module, const char* name, void* replacement) : m_place(PlaceOf(module, name)) {
+ReplacedImport::ReplacedImport(HMODULE module, const char* name, void* replacement)
+    : ReplacedFunction(PlaceOf(module, name), replacement) {}
+
+ReplacedFunction::ReplacedFunction(void** place, void* replacement) : m_place(place) {
     if (!m_place) return;
     m_original = *m_place;
     Put(m_place, replacement);
 }
 
-ReplacedImport::~ReplacedImport() {
+ReplacedFunction::~ReplacedFunction() {
     if (m_place) Put(m_place, m_original);
 }
 

@@ -8,16 +8,16 @@
 
 namespace QVTest {
 
-/// One import of one module, replaced while the object lives.
-class ReplacedImport {
+/// One function in a table of loaded code, replaced while the object lives.
+class ReplacedFunction {
 public:
-    /// Does nothing when the module does not import `name`.
-    ReplacedImport(HMODULE module, const char* name, void* replacement);
-    ReplacedImport(ReplacedImport&& other) noexcept : m_place(other.m_place), m_original(other.m_original) {
+    /// Does nothing when there is no such place.
+    ReplacedFunction(void** place, void* replacement);
+    ReplacedFunction(ReplacedFunction&& other) noexcept : m_place(other.m_place), m_original(other.m_original) {
         other.m_place = nullptr;
     }
-    ReplacedImport& operator=(ReplacedImport&&) = delete;
-    ~ReplacedImport();
+    ReplacedFunction& operator=(ReplacedFunction&&) = delete;
+    ~ReplacedFunction();
 
     /// What stood there; null when nothing was replaced.
     void* Original() const { return m_original; }
@@ -25,6 +25,18 @@ public:
 private:
     void** m_place = nullptr;
     void* m_original = nullptr;
+};
+
+/// One import of one module. Does nothing when the module does not import `name`.
+struct ReplacedImport : ReplacedFunction {
+    ReplacedImport(HMODULE module, const char* name, void* replacement);
+};
+
+/// One slot in the table of a class: for all objects of the class of `object`.
+struct ReplacedSlot : ReplacedFunction {
+    template <class Function>
+    ReplacedSlot(void* object, size_t slot, Function* replacement)
+        : ReplacedFunction(*static_cast<void***>(object) + slot, reinterpret_cast<void*>(replacement)) {}
 };
 
 /// "LIBRARY.dll" names that the module imports from.

@@ -25,13 +25,7 @@ class ServicesOfHost {
 public:
     /// `options` as on the host's command line; `program` is qvhost.exe, whose neighbour has the texts.
     explicit ServicesOfHost(const std::wstring& program, QVHost::HostOptions options = {})
-        : m_environment{.out = m_out,
-                        .error = m_notes,
-                        .in = m_in,
-                        .program = program,
-                        .outIsTerminal = false,
-                        .readAnswer = {},
-                        .progressWatch = {}},
+        : m_environment(EnvironmentOf(m_out, m_notes, m_in, program)),
           m_output(m_out, m_notes, true),
           m_state(QVHost::MakeHostState(WithSettings(std::move(options)), m_environment, m_output)),
           m_services(m_state, 0, {}) {

@@ -5,38 +5,22 @@
 
 #include <gtest/gtest.h>
 
+#include "win32/folder.h"
 #include "win32/handle.h"
 #include "win32/path.h"
 
 namespace QVTest {
 namespace {
 
-struct FindTraits {
-    using Raw = HANDLE;
-    static Raw Empty() noexcept { return INVALID_HANDLE_VALUE; }
-    static void Close(Raw raw) noexcept { FindClose(raw); }
-};
-
-template <class Visit>
-void ForEachEntry(const std::wstring& folder, Visit&& visit) {
-    WIN32_FIND_DATAW entry = {};
-    const Win32::UniqueHandle<FindTraits> find(
-        FindFirstFileW(Win32::ExtendedPath(Win32::JoinPath(folder, L"*")).c_str(), &entry));
-    if (!find) return;
-    do {
-        const std::wstring name = entry.cFileName;
-        if (name != L"." && name != L"..") visit(name, entry.dwFileAttributes);
-    } while (FindNextFileW(find.Get(), &entry));
-}
-
+/// Works on names as they stand, also on those that only an extended path reaches.
 void RemoveTree(const std::wstring& folder) {
-    ForEachEntry(folder, [&](const std::wstring& name, DWORD attributes) {
-        const std::wstring path = Win32::JoinPath(folder, name);
-        SetFileAttributesW(Win32::ExtendedPath(path).c_str(), FILE_ATTRIBUTE_NORMAL);
+    Win32::ListFolder(folder, [&](std::wstring_view name, uint32_t attributes) {
+        const std::wstring path = Win32::ExtendedPath(Win32::JoinPath(folder, name));
+        SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
         if (attributes & FILE_ATTRIBUTE_DIRECTORY)
             RemoveTree(path);
         else
-            DeleteFileW(Win32::ExtendedPath(path).c_str());
+            DeleteFileW(path.c_str());
     });
     RemoveDirectoryW(Win32::ExtendedPath(folder).c_str());
 }
@@ -89,15 +73,15 @@ std::string TemporaryFolder::Read(std::wstring_view name) const {
 
 std::vector<std::wstring> TemporaryFolder::List() const {
     std::vector<std::wstring> names;
-    ForEachEntry(m_path, [&](const std::wstring& name, DWORD) { names.push_back(name); });
-    std::sort(names.begin(), names.end());
+    Win32::ListFolder(m_path, L"*", names);
+    std::ranges::sort(names);
     return names;
 }
 
 Contents TemporaryFolder::ReadAll() const {
     Contents contents;
-    ForEachEntry(m_path, [&](const std::wstring& name, DWORD attributes) {
-        contents[name] = attributes & FILE_ATTRIBUTE_DIRECTORY ? std::string() : Read(name);
+    Win32::ListFolder(m_path, [&](std::wstring_view name, uint32_t attributes) {
+        contents[std::wstring(name)] = attributes & FILE_ATTRIBUTE_DIRECTORY ? std::string() : Read(name);
     });
     return contents;
 }

@@ -78,32 +78,6 @@ TEST(ReplaceFileContent, KeepsTheOriginalUntilTheReplacementIsComplete) {
     }
 }
 
-TEST(ReplaceFileContent, AContentWithATemporaryPathStaysThereWhenItCannotTakeThePlace) {
-    const struct {
-        const char* why;
-        bool isHeld;  // the target, by another program
-        WriteContent write;
-        uint32_t error;
-        Contents expected;
-    } cases[] = {
-        {"free", false, WriteNew, 0, {{L"a", "new"}}},
-        {"held", true, WriteNew, ERROR_SHARING_VIOLATION, {{L"a", "old"}, {L"t", "new"}}},
-        {"failing", true, WriteHalfAndFail, 112, {{L"a", "old"}}},
-    };
-    for (const auto& c : cases) {
-        const TemporaryFolder folder;
-        const std::wstring path = folder.Write(L"a", "old");
-        Win32::FileState original;
-        ASSERT_EQ(Win32::GetState(path, original), 0u);
-        const Win32::FileHandle holder(
-            c.isHeld ? CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)
-                     : nullptr);
-        const ReplaceRequest request = {.target = path, .mayOverwrite = true, .temporaryPath = folder / L"t"};
-        EXPECT_EQ(ErrorOf(request, c.write, original), c.error) << c.why;
-        EXPECT_EQ(folder.ReadAll(), c.expected) << c.why;
-    }
-}
-
 TEST(ReplaceFileContent, ASecondBackupGetsANumber) {
     const TemporaryFolder folder;
     const std::wstring path = folder.Write(L"a", "old");
@@ -168,22 +142,6 @@ TEST(ReplaceFileContent, AnotherProgramsSaveEndsTheReplacement) {
                 EXPECT_EQ(ErrorOf(To(path, way), write, original), ErrorCode::ReadFault) << c.why;
                 EXPECT_EQ(folder.ReadAll(), c.expected) << c.why;
             }
-}
-
-TEST(ReplaceFileContent, ASaveBeforeTheFirstByteIsWrittenCountsToo) {
-    const TemporaryFolder folder;
-    const std::wstring path = folder.Write(L"a", "old");
-    FileDataReader reader(path);
-    {
-        const Win32::FileHandle other(CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                                  nullptr, OPEN_EXISTING, 0, nullptr));
-        DWORD written = 0;
-        ASSERT_TRUE(WriteFile(other.Get(), "er", 2, &written, nullptr));
-    }
-    const auto original = OriginalOf(reader, path, folder / L"A");
-    reader.Close();
-    EXPECT_EQ(ErrorOf(To(path, kWays[0]), WriteNew, original), ErrorCode::ReadFault);
-    EXPECT_EQ(folder.ReadAll(), (Contents{{L"a", "older"}}));
 }
 
 TEST(ReplaceFileContent, AReadOnlyFileHeldByAnotherProgramStaysAsItIsAndIsReplacedLater) {

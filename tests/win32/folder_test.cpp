@@ -14,17 +14,19 @@ std::vector<std::wstring> Sorted(std::vector<std::wstring> names) {
 // More than one call delivers; a pattern that fits every name takes the other way through the system.
 TEST(Folder, ListsTheSameEntriesAtOnceAndByAPattern) {
     const QVTest::TemporaryFolder folder;
-    for (int number = 0; number < 400; ++number)
-        folder.Write(std::wstring(150, L'n') + L"\xE4" + std::to_wstring(number) + L".txt",
-                     std::string(number % 5, 'x'));
+    std::vector<std::wstring> written;
+    for (int number = 0; number < 400; ++number) {
+        written.push_back(std::wstring(150, L'n') + L"\xE4" + std::to_wstring(number) + L".txt");
+        folder.Write(written.back(), std::string(number % 5, 'x'));
+    }
     std::vector<Win32::FolderEntry> entries;
     std::vector<std::wstring> all;
     std::vector<std::wstring> matching;
     ASSERT_EQ(Win32::ListFolder(folder.Path(), L"*", entries), 0u);
     ASSERT_EQ(Win32::ListFolder(folder.Path(), L"*", all), 0u);
     ASSERT_EQ(Win32::ListFolder(folder.Path(), L"*.txt", matching), 0u);
-    EXPECT_EQ(Sorted(all), folder.List());
-    EXPECT_EQ(Sorted(matching), folder.List());
+    EXPECT_EQ(Sorted(all), Sorted(written));
+    EXPECT_EQ(Sorted(matching), Sorted(written));
     ASSERT_EQ(entries.size(), 400u);
     uint64_t bytes = 0;
     for (const Win32::FolderEntry& entry : entries) {
