@@ -1,7 +1,6 @@
 // The parts of the window that need none.
 #include <thread>
 
-#include "batchrename/dialogs/add_tag_dlg.h"
 #include "batchrename/extension_state.h"
 #include "batchrename/model/name_fit.h"
 #include "batchrename/model/name_sample.h"
@@ -128,11 +127,6 @@ TEST(Problems, AreGoneThroughInBothDirections) {
 
 TEST(StatusText, TellsOfAFailureOfTheRunItself) {
     EXPECT_EQ(TextAfterRun(L"wrong", {}, true), L"wrong");
-}
-
-TEST(PropertyTags, AreBuiltAsTheRuleReadsThem) {
-    const SubString part = {2, 3};
-    EXPECT_EQ(PropertyTag(L"size", &part), L"[?size,2,3]");
 }
 
 TEST(WindowPosition, IsReadBackAndBroughtOntoTheScreen) {

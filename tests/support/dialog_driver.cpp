@@ -1,5 +1,6 @@
 #include "support/dialog_driver.h"
 
+#include <memory>
 #include <stdexcept>
 #include <thread>
 
@@ -137,7 +138,7 @@ HWND DialogDriver::WaitForMenu() const {
 void WhileDriving(const std::function<void(DialogDriver&)>& script, const std::function<void()>& body) {
     const DWORD thread = GetCurrentThreadId();
     const Win32::KernelHandle finished(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    std::thread person([&] {
+    std::jthread person([&] {
         DialogDriver driver(thread);
         try {
             script(driver);
@@ -156,15 +157,8 @@ void WhileDriving(const std::function<void(DialogDriver&)>& script, const std::f
             WaitUntil([&] { return !IsWindow(dialog); });
         }
     });
-    try {
-        body();
-    } catch (...) {
-        SetEvent(finished.Get());
-        person.join();
-        throw;
-    }
-    SetEvent(finished.Get());
-    person.join();
+    const std::unique_ptr<void, decltype(&SetEvent)> atEnd(finished.Get(), SetEvent);
+    body();
 }
 
 }  // namespace QVTest
