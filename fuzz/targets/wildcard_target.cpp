@@ -15,7 +15,9 @@ WildcardResult ByOurs(const std::basic_string<CharT>& pattern, bool ignoreCase, 
         const auto matcher = QVFindAndReplace::MakeWildcardMatcher<CharT>(pattern, ignoreCase);
         QVFindAndReplace::Span span;
         if (!matcher->Find(text, span)) return {};
-        Require(matcher->FindCandidate(text) != nullptr, "a hit's text is a candidate");
+        const CharT* const candidate = matcher->FindCandidate(text);
+        const size_t lineEnd = std::min(text.find(CharT('\n'), span.start + span.length), text.size());
+        Require(candidate && candidate <= text.data() + lineEnd, "no line with a hit lies before the candidate");
         return {0, true, span.start, span.length};
     });
 }

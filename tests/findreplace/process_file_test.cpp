@@ -1,5 +1,6 @@
 #include "findreplace/process_file.h"
 
+#include <optional>
 #include <random>
 
 #include "findreplace/recording_callback.h"
@@ -16,98 +17,78 @@ constexpr uint32_t kBase = Option::ModeOne | Option::DropBackup;
 const std::string kUtf8Mark = "\xEF\xBB\xBF";
 
 int64_t Process(const std::wstring& path, uint32_t options, const std::wstring& find, const std::wstring& replacement,
-                RecordingCallback& callback) {
+                RecordingCallback& callback, FileNotes* notes = nullptr) {
     Request request(options, find, replacement, ToNarrow);
-    FileNotes notes;
-    return ProcessFile(path, path, options, request, callback, notes);
+    FileNotes ignored;
+    return ProcessFile(path, path, options, request, callback, notes ? *notes : ignored);
 }
 
 }  // namespace
 
-TEST(ProcessFile, KeepsTheEncodingAndEveryByteAroundTheMatches) {
+/// In blocks, and as one text where a callback is asked.
+TEST(ProcessFile, KeepsTheEncodingAndEveryByteAroundTheMatchesOrFailsTheFile) {
+    const std::string e = "\xC3\xA9", mark16 = "\xFF\xFE";
+    constexpr uint32_t kCut = kBase | Option::Wildcard;
     const struct {
         const char* why;
         std::string content;
         uint32_t options;
         const wchar_t *find, *replacement;
-        std::string expected;
+        std::optional<std::string> expected;  // none: refused, as the match cuts a character
     } cases[] = {
         {"the thread's code page", "so gro\xDF\r\n", kBase, L"\xDF", L"ss", "so gross\r\n"},
         {"UTF-8 by its mark", kUtf8Mark + "na\xC3\xAFve\n", kBase, L"\xEF", L"\x4E2D",
          kUtf8Mark + "na\xE4\xB8\xADve\n"},
         {"UTF-8 by demand", "na\xC3\xAFve\n", kBase | Option::ForceUtf8, L"\xEF", L"i", "naive\n"},
-        {"the mark is not part of the first line", kUtf8Mark + "abc\n", kBase | Option::Wildcard, L"*", L"x",
-         kUtf8Mark + "x\n"},
-        {"UTF-16 with mark", "\xFF\xFE" + Utf16(L"\x4E2D x\r\n"), kBase, L"x", L"\xD83D\xDE00",
-         "\xFF\xFE" + Utf16(L"\x4E2D \xD83D\xDE00\r\n")},
+        {"the mark is not part of the first line", kUtf8Mark + "abc\n", kCut, L"*", L"x", kUtf8Mark + "x\n"},
+        {"UTF-16 with mark", mark16 + Utf16(L"\x4E2D x\r\n"), kBase, L"x", L"\xD83D\xDE00",
+         mark16 + Utf16(L"\x4E2D \xD83D\xDE00\r\n")},
         {"UTF-16 without mark, cut in a unit", Utf16(L"abcdef\n") + "!", kBase, L"f", L"F", Utf16(L"abcdeF\n") + "!"},
         {"zero bytes", "ab\0cd\nab\n"s, kBase, L"b", L"x", "ax\0cd\nax\n"s},
         {"empty", "", kBase, L"b", L"x", ""},
+        {"its first byte taken", kUtf8Mark + "ab n" + e, kCut, L"n?", L"X", {}},
+        {"from one to the next", kUtf8Mark + "\xF0\x9F\x98\x80 \xF0\x9F\x98\x80", kCut, L"?? ??", L"X", {}},
+        {"something put inside", kUtf8Mark + "a" + e, kCut, L"x{0}", L"-", {}},
+        {"after a change in its line", kUtf8Mark + "nxnx n" + e, kCut, L"n?", L"a text", {}},
+        {"in another block", kUtf8Mark + "na\n" + std::string(300'000, '\n') + "n" + e, kCut, L"n?", L"X", {}},
+        {"half of a pair", mark16 + Utf16(L"a\xD83D\xDE00"), kCut, L"a?", L"X", {}},
+        {"over lines",
+         mark16 + Utf16(L"\xD83D\xDE00\nb"),
+         Option::ModeMultiline | Option::DropBackup,
+         L"\xDE00\nb",
+         L"X",
+         {}},
+        {"a whole character", kUtf8Mark + "n" + e + "n", kCut, L"n??", L"X", kUtf8Mark + "Xn"},
+        {"bytes that are none", kUtf8Mark + "n\x80\xC3n", kCut, L"n?", L"X", kUtf8Mark + "X\xC3n"},
+        {"a code page", "a word na" + e, kCut, L"na?", L"X", "a word X\xA9"},
     };
-    for (const auto& c : cases) {
-        const TemporaryFolder folder;
-        RecordingCallback callback({Answer::ReplaceAll});
-        EXPECT_GE(Process(folder.Write(L"file", c.content), c.options, c.find, c.replacement, callback), 0) << c.why;
-        EXPECT_EQ(folder.ReadAll(), (Contents{{L"file", c.expected}})) << c.why;
-        EXPECT_TRUE(callback.errors.empty()) << c.why;
-    }
-}
-
-TEST(ProcessFile, AMatchThatCutsACharacterFailsTheFileAndLeavesIt) {
-    const std::string e = "\xC3\xA9";
-    const struct {
-        const char* why;
-        std::string content;
-        const wchar_t *find, *replacement;
-        const char* expected;  // null: refused
-        uint32_t options = Option::ModeOne | Option::Wildcard;
-    } cases[] = {
-        {"its first byte taken", kUtf8Mark + "ab n" + e, L"n?", L"X", nullptr},
-        {"from one to the next", kUtf8Mark + "\xF0\x9F\x98\x80 \xF0\x9F\x98\x80", L"?? ??", L"X", nullptr},
-        {"something put inside", kUtf8Mark + "a" + e, L"x{0}", L"-", nullptr},
-        {"after a change in its line", kUtf8Mark + "nxnx n" + e, L"n?", L"a text", nullptr},
-        {"in another block", kUtf8Mark + "na\n" + std::string(300'000, '\n') + "n" + e, L"n?", L"X", nullptr},
-        {"half of a pair", "\xFF\xFE" + Utf16(L"a\xD83D\xDE00"), L"a?", L"X", nullptr},
-        {"over lines", "\xFF\xFE" + Utf16(L"\xD83D\xDE00\nb"), L"\xDE00\nb", L"X", nullptr, Option::ModeMultiline},
-        {"a whole character", kUtf8Mark + "n" + e + "n", L"n??", L"X", "\xEF\xBB\xBFXn"},
-        {"bytes that are none", kUtf8Mark + "n\x80\xC3n", L"n?", L"X", "\xEF\xBB\xBFX\xC3n"},
-        {"a code page", "a word na" + e, L"na?", L"X", "a word X\xA9"},
-    };
-    for (const auto& c : cases) {
-        const TemporaryFolder folder;
-        RecordingCallback callback({});
-        const std::wstring path = folder.Write(L"file", c.content);
-        const int64_t changes =
-            Process(path, c.options | Option::DropBackup | Option::Silent, c.find, c.replacement, callback);
-        EXPECT_EQ(changes, c.expected ? 1 : kFileFailed) << c.why;
-        EXPECT_TRUE(folder.ReadAll() == (Contents{{L"file", c.expected ? c.expected : c.content}})) << c.why;
-        EXPECT_EQ(callback.errors.empty() ? 0u : callback.errors[0].second, c.expected ? 0u : 1113u) << c.why;
-    }
+    for (const auto& c : cases)
+        for (const uint32_t way : {0u, uint32_t{Option::Silent}}) {
+            const TemporaryFolder folder;
+            RecordingCallback callback({Answer::ReplaceAll});
+            const std::wstring path = folder.Write(L"file", c.content);
+            const int64_t changes = Process(path, c.options | way, c.find, c.replacement, callback);
+            EXPECT_EQ(changes == kFileFailed, !c.expected) << c.why;
+            EXPECT_TRUE(folder.ReadAll() == (Contents{{L"file", c.expected.value_or(c.content)}})) << c.why;
+            EXPECT_EQ(callback.errors.empty() ? 0u : callback.errors[0].second, c.expected ? 0u : 1113u) << c.why;
+        }
 }
 
 TEST(ProcessFile, NotesUtf8ThatNothingCallsSo) {
     const std::string words = "W\xC3\xB6rter und W\xC3\xB6rter, Text\n";
-    const struct {
-        const char* why;
-        std::string content;
-        uint32_t options;
-        const wchar_t *find, *replacement;
-        bool expected;
-    } cases[] = {
-        {"a replacement that would be put in by code page", words, kBase, L"Text", L"W\xF6rter", true},
-        {"an item that is not found", words, kBase, L"W\xF6rter", L"x", true},
-        {"a replacement that the code page lacks", words, kBase, L"Text", L"\x4E2D", true},
-        {"read as UTF-8", words, kBase | Option::ForceUtf8, L"Text", L"\xF6", false},
-        {"no UTF-8 later on", words + std::string(300'000, '\n') + "W\xF6rter", kBase, L"Text", L"\xF6", false},
+    const std::tuple<std::string, uint32_t, const wchar_t*, const wchar_t*, bool> cases[] = {
+        {words, kBase, L"Text", L"W\xF6rter", true},  // would be put in by code page
+        {words, kBase, L"W\xF6rter", L"x", true},     // is not found
+        {words, kBase, L"Text", L"\x4E2D", true},     // has no place in the code page
+        {words, kBase | Option::ForceUtf8, L"Text", L"\xF6", false},
+        {words + std::string(300'000, '\n') + "W\xF6rter", kBase, L"Text", L"\xF6", false},  // no UTF-8 later on
     };
-    for (const auto& c : cases) {
+    for (const auto& [content, options, find, replacement, expected] : cases) {
         const TemporaryFolder folder;
         RecordingCallback callback({});
-        Request request(c.options | Option::Silent, c.find, c.replacement, ToNarrow);
-        const std::wstring path = folder.Write(L"file", c.content);
         FileNotes notes;
-        ProcessFile(path, path, c.options | Option::Silent | Option::DropBackup, request, callback, notes);
-        EXPECT_EQ(notes.looksLikeUtf8, c.expected) << c.why;
+        Process(folder.Write(L"file", content), options | Option::Silent, find, replacement, callback, &notes);
+        EXPECT_EQ(notes.looksLikeUtf8, expected) << testing::PrintToString(replacement);
     }
 }
 
