@@ -22,70 +22,67 @@ TEST(FindAndReplace, TakesItsParametersAsScriptsGiveThem) {
         {"line breaks in both", {L"FIND=a\\nb", L"REPLACEWITH=1\\n2", L"MODE=Multiline"}, "1\n2\n"},
         {"case counts, whatever is asked", {L"FIND=b", L"REPLACEWITH=x", L"IGNORECASE"}, "a B [x,c] a\nx\n"},
         {"wildcards", {L"FIND=B*", L"REPLACEWITH=x", L"WILDCARD"}, "a x\nb\n"},
+        {"over itself", {L"FIND=B", L"REPLACEWITH=x", L"TARGET=*.*", L"OVERWRITE"}, "a x [b,c] a\nb\n"},
     };
     for (const auto& [why, parameters, expected] : cases) {
         SCOPED_TRACE(why);
         folder.Write(L"f.txt", "a B [b,c] a\nb\n");
-        EXPECT_EQ(Replace(folder, L"f.txt", Joined(parameters, {L"DELETE", L"SILENT"})).status, 0);
+        const Words more = parameters.back() == L"OVERWRITE" ? Words{L"SILENT"} : Words{L"DELETE", L"SILENT"};
+        EXPECT_EQ(Replace(folder, L"f.txt", Joined(parameters, more)).status, 0);
         EXPECT_EQ(folder.ReadAll(), (Contents{{L"f.txt", expected}}));
-    }
-}
-
-// What becomes of targets and backups is held by the tests of the one writer.
-TEST(FindAndReplace, WritesWhereItIsToldAndAsksBeforeATargetIsOverwritten) {
-    const struct {
-        Words parameters, answers;
-        int status;
-        Contents expected;  // where it differs from what was there
-    } cases[] = {
-        {{L"TARGET=*_2.*", L"SILENT"}, {}, 0, {{L"f_2.txt", "b"}}},
-        {{L"OVERWRITE", L"SILENT"}, {}, 0, {{L"f.txt", "b"}}},
-        {{L"SILENT"}, {}, 1, {}},
-        {{L"KEEPBACKUP", L"DELETE", L"SILENT"}, {}, 0, {{L"f.txt", "b"}, {L"f.txt.bak", "a"}}},
-        {{L"TARGET=old.txt", L"REPLACEALL"}, {L"cancel"}, 1, {}},
-        {{L"TARGET=old.txt", L"REPLACEALL"}, {L"yes"}, 0, {{L"old.txt", "b"}}},
-    };
-    for (const auto& c : cases) {
-        const CommandRunner folder;
-        folder.Write(L"f.txt", "a");
-        folder.Write(L"old.txt", "old");
-        Contents expected = c.expected;
-        expected.merge(folder.ReadAll());
-        const HostRun run = Replace(folder, L"f.txt", Joined({L"FIND=a", L"REPLACEWITH=b"}, c.parameters), c.answers);
-        EXPECT_EQ(run.status, c.status) << testing::PrintToString(c.parameters);
-        EXPECT_EQ(folder.ReadAll(), expected) << testing::PrintToString(c.parameters);
     }
 }
 
 TEST(FindAndReplace, LogsEachFileAndHandsTheListsBack) {
     const CommandRunner folder;
     folder.Write(L"f.txt", "a a\n");
-    const HostRun done = Replace(folder, L"f.txt", {L"FIND=a", L"REPLACEWITH=b", L"DELETE", L"SILENT"});
-    EXPECT_EQ(done.status, 0);
-    EXPECT_TRUE(done.out.starts_with("[Find and Replace] - 2 changes made to file : ")) << done.out;
-    EXPECT_TRUE(done.error.starts_with("[done] ")) << done.error;
-    EXPECT_EQ(done.error.find("[question]"), std::string::npos);
-
     folder.Write(L"taken.txt", "x");
-    const HostRun failed = Replace(folder, L"f.txt", {L"FIND=b", L"REPLACEWITH=c", L"TARGET=taken.txt", L"SILENT"});
-    EXPECT_EQ(failed.status, 1);
-    EXPECT_TRUE(failed.out.starts_with("[Find and Replace] - File already exists. Do not overwrite : ")) << failed.out;
-    EXPECT_TRUE(Holds(failed.error, "[failed] "));
-
-    const HostRun refused =
-        Replace(folder, L"f.txt", {L"FIND=b", L"REPLACEWITH=c", L"TARGET=NUL", L"OVERWRITE", L"SILENT"});
-    EXPECT_EQ(refused.status, 1);
-    EXPECT_TRUE(refused.out.starts_with("[Find and Replace] Error : The target cannot be a file name : "))
-        << refused.out;
-    EXPECT_TRUE(Holds(refused.out, "[Find and Replace] - Failed to Find/Replace text in : "));
-    EXPECT_EQ(folder.List().size(), 2u);
-
-    folder.Write(L"binary.bin", std::string("\x01\x02\x03\x04\x05", 5));
-    const HostRun binary = Replace(folder, L"binary.bin", {L"FIND=b", L"REPLACEWITH=c", L"DELETE", L"SILENT"});
-    EXPECT_EQ(binary.status, 0) << "done, with no changes";
-    EXPECT_TRUE(Holds(binary.out,
-                      "Unsupported file format ( ErrorCode : 11 )\n"
-                      "[Find and Replace] - 0 changes made to file : "));
+    folder.Write(L"binary.bin", "\x01\x02\x03\x04\x05");
+    const struct {
+        const wchar_t* name;
+        Words parameters, answers;
+        int status;
+        const char *logged, *last, *list;
+    } cases[] = {
+        {L"f.txt",
+         {L"TARGET=taken.txt", L"SILENT"},
+         {},
+         1,
+         "[Find and Replace] - File already exists. Do not overwrite : ",
+         "",
+         "[failed] "},
+        {L"f.txt", {L"TARGET=taken.txt", L"REPLACEALL"}, {L"no", L"ok"}, 1, "[Find and Replace] - ", "", "[question] "},
+        {L"f.txt",
+         {L"TARGET=NUL", L"OVERWRITE", L"SILENT"},
+         {},
+         1,
+         "[Find and Replace] Error : The target cannot be a file name : ",
+         "[Find and Replace] - Failed to Find/Replace text in : ",
+         "[failed] "},
+        {L"binary.bin",
+         {L"DELETE", L"SILENT"},
+         {},
+         0,
+         "",
+         "Unsupported file format ( ErrorCode : 11 )\n[Find and Replace] - 0 changes made to file : ",
+         "[done] "},
+        {L"f.txt",
+         {L"KEEPBACKUP", L"DELETE", L"SILENT"},
+         {},
+         0,
+         "[Find and Replace] - 2 changes made to file : ",
+         "",
+         "[done] "},
+    };
+    for (const auto& c : cases) {
+        const HostRun run = Replace(folder, c.name, Joined({L"FIND=a", L"REPLACEWITH=b"}, c.parameters), c.answers);
+        EXPECT_EQ(run.status, c.status) << testing::PrintToString(c.parameters);
+        EXPECT_TRUE(run.out.starts_with(c.logged)) << run.out;
+        EXPECT_TRUE(Holds(run.out, c.last));
+        EXPECT_TRUE(run.error.starts_with(c.list)) << run.error;
+    }
+    EXPECT_EQ(folder.Read(L"f.txt") + folder.Read(L"f.txt.bak") + folder.Read(L"taken.txt"), "b b\na a\nx");
+    EXPECT_EQ(folder.List().size(), 4u);
 }
 
 TEST(FindAndReplace, NotesWhatTheResultDoesNotShow) {

@@ -9,12 +9,10 @@
 #include "fileutils/commands.h"
 #include "fileutils/elevated_request.h"
 #include "fileutils/fileutils_resource.h"
-#include "host/elevated/request_fields.h"
+#include "fuzz/elevated_message.h"
 #include "security/account_names.h"
 #include "support/services_of_host.h"
 #include "win32/files.h"
-
-#include <aclapi.h>
 
 namespace {
 
@@ -25,24 +23,6 @@ namespace SDK = Quorvane::SDK;
 
 constexpr wchar_t kTitle[] = L"Add File Access";
 constexpr uint32_t kMalformed = ERROR_INVALID_PARAMETER;
-
-/// A message as it arrives in the elevated process.
-class Message final : public SDK::IRequestMessage {
-public:
-    explicit Message(Bytes bytes) : m_bytes(std::move(bytes)) {}
-    const void* GetData() override { return m_bytes.data(); }
-    uint32_t GetSize() override { return static_cast<uint32_t>(m_bytes.size()); }
-    void Reply(uint32_t, uint32_t result, uintptr_t, uintptr_t) override { m_result = result; }
-    SDK::IRequestReader* CreateReader() override {
-        return m_readers.Keep(std::make_shared<QVHost::RequestReader>(m_readers));
-    }
-    uint32_t Result() const { return m_result; }
-
-private:
-    Bytes m_bytes;
-    uint32_t m_result = 0xFFFFFFFF;
-    QVHost::Shelf<QVHost::RequestReader> m_readers;
-};
 
 /// Numbers and texts as a request holds them.
 template <class... Field>
@@ -58,21 +38,10 @@ Bytes Request(const Field&... fields) {
     return bytes;
 }
 
-/// True when the access list lets everybody write.
-bool EveryoneMayWrite(const std::wstring& path) {
-    PACL list = nullptr;
-    PSECURITY_DESCRIPTOR raw = nullptr;
-    EXPECT_EQ(GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list,
-                                    nullptr, &raw),
-              0u);
-    const Win32::LocalMemory descriptor(raw);
-    for (WORD index = 0; list && index < list->AceCount; ++index) {
-        void* entry = nullptr;
-        GetAce(list, index, &entry);
-        auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
-        if (IsWellKnownSid(&allowed->SidStart, WinWorldSid) && (allowed->Mask & FILE_WRITE_DATA)) return true;
-    }
-    return false;
+/// True when everybody may do everything, or nearly that where the system keeps fewer rights.
+bool IsOpenToAll(const std::wstring& path) {
+    const std::wstring list = TextOfAccessList(AccessListOf(path).data());
+    return list.find(L"FA;;;WD)") != list.npos || list.find(L"0x1301ff;;;WD)") != list.npos;
 }
 
 TEST(ElevatedRequests, AreCarriedOutWhenTheyAreWholeAndNotOtherwise) {
@@ -82,7 +51,7 @@ TEST(ElevatedRequests, AreCarriedOutWhenTheyAreWholeAndNotOtherwise) {
     const std::wstring link = folder / L"link";
     using Handler = uint32_t (*)(SDK::IHostServices&, SDK::IRequestMessage&);
     const auto answer = [&](Handler handler, const Bytes& bytes) {
-        Message message(bytes);
+        QVFuzz::ElevatedMessage message(bytes);
         EXPECT_EQ(handler(host.Services(), message), 1u);
         return message.Result();
     };
@@ -125,7 +94,6 @@ TEST(ElevatedRequests, AreCarriedOutWhenTheyAreWholeAndNotOtherwise) {
         EXPECT_EQ(answer(AnswerCreateLinkRequest, Request(type, link, core, 1)) == kMalformed, type != 2) << type;
     }
     EXPECT_EQ(answer(AnswerCreateLinkRequest, Request(3, link, LR"(..\a)", 0)), 0u);
-    EXPECT_FALSE(EveryoneMayWrite(file));
 }
 
 TEST(ElevatedPaths, AreThoseOfFilesAndFolders) {
@@ -231,16 +199,16 @@ TEST(GrantAndResetAccess, ChangeTheItemsBeforeTheOneThatFailsAndAskBeforeTheyTak
         const std::wstring first = runner.Write(L"a", "x"), third = runner.Write(L"c", "x");
         // Written like this, a path has no drive in front and is refused.
         const std::wstring second = L"\\\\?\\" + runner.Write(L"b", "x");
-        ASSERT_FALSE(EveryoneMayWrite(first));
+        ASSERT_FALSE(IsOpenToAll(first));
         const HostRun granted = GrantEveryoneAll(runner, Joined({first, second, third}, more));
         EXPECT_TRUE(Holds(granted.error, "The access could not be granted (error "));
-        EXPECT_FALSE(EveryoneMayWrite(third));
+        EXPECT_FALSE(IsOpenToAll(third));
         const Words reset = Joined({L"command", L"30310", first}, more);
         EXPECT_TRUE(Holds(runner.Run(reset, {L"no"}).error, "Reset access rights"));
-        EXPECT_TRUE(EveryoneMayWrite(first));
+        EXPECT_TRUE(IsOpenToAll(first));
         const HostRun run = runner.Run(reset, {L"yes"});
         EXPECT_EQ(run.status, 0) << run.error;
-        EXPECT_FALSE(EveryoneMayWrite(first));
+        EXPECT_FALSE(IsOpenToAll(first));
     }
 }
 

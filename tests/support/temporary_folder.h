@@ -54,6 +54,15 @@ inline std::vector<std::byte> AccessListOf(const std::wstring& path) {
     return state.accessList;
 }
 
+/// The access list of a descriptor in the system's text form.
+inline std::wstring TextOfAccessList(PSECURITY_DESCRIPTOR descriptor) {
+    wchar_t* text = nullptr;
+    EXPECT_TRUE(ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, SDDL_REVISION_1,
+                                                                     DACL_SECURITY_INFORMATION, &text, nullptr));
+    const Win32::LocalMemory memory(text);
+    return text ? text : L"";
+}
+
 /// `list` in the system's text form. Gives it back as the file then has it.
 inline std::vector<std::byte> GiveAccessList(const std::wstring& path, const wchar_t* list) {
     PSECURITY_DESCRIPTOR raw = nullptr;
