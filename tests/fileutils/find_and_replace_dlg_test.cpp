@@ -12,15 +12,6 @@ using FileUtils::FindAndReplaceRequest;
 using QVTest::DrivenDialog;
 namespace Option = QVFindAndReplace::Option;
 
-/// Shows the dialog to `person`; gives what it returns.
-std::optional<FindAndReplaceRequest> Show(const FindAndReplaceRequest& first,
-                                          const std::function<void(const DrivenDialog&)>& person) {
-    std::optional<FindAndReplaceRequest> result;
-    FileUtils::FindAndReplaceDlg dialog(QVTest::EchoTexts(), {L"C:\\a.txt", L"C:\\b.txt"}, first);
-    QVTest::WhileShown(L"Find and Replace in file(s)", person, [&] { result = dialog.Show(nullptr); });
-    return result;
-}
-
 TEST(FindAndReplaceRules, SayWhyARequestCannotStart) {
     const wchar_t* const kShort = L"Find match are too short. Atleast one character need";
     const wchar_t* const kFew = L"To few find items. Atleast one must be set";
@@ -51,27 +42,15 @@ TEST(FindAndReplaceRules, SayWhyARequestCannotStart) {
     }
 }
 
-TEST(FindAndReplaceDlg, OpensWithTheRequestAndGivesItBack) {
-    const uint32_t options = Option::DropBackup | Option::ModeMany | Option::Wildcard | Option::IgnoreCase |
-                             Option::ForceUtf8 | Option::Silent | Option::RegularExpression | Option::ReplaceAll;
-    const auto result = Show({L"a\nb", L"x\r\ny", options, L"n.*"}, [](const DrivenDialog& dialog) {
-        EXPECT_EQ(dialog.Entries(IDC_TARGET), (std::vector<std::wstring>{L"508d", L"428d", L"429d"}));
-        EXPECT_EQ(dialog.Entries(IDC_MODE), (std::vector<std::wstring>{L"511d", L"512d", L"513d", L"514d"}));
-        EXPECT_EQ(dialog.Selected(IDC_TARGET), 2);
-        EXPECT_EQ(dialog.Selected(IDC_MODE), 1);
-        EXPECT_EQ(dialog.Text(IDC_FIND), L"a\r\nb");
-        EXPECT_FALSE(dialog.IsEnabled(IDC_FILE_NAME));
-        EXPECT_FALSE(dialog.IsVisible(IDC_REPLACE_ALL));
-        EXPECT_EQ(dialog.Focus(), IDC_FIND);
-        dialog.PressAndClose(IDOK);
-    });
-    ASSERT_TRUE(result);
-    EXPECT_EQ(result->options, options);
-    EXPECT_EQ(result->find + result->replacement, L"a\r\nbx\r\ny");
-}
-
-TEST(FindAndReplaceDlg, FillsARequestThatCanStart) {
-    const auto result = Show({}, [](const DrivenDialog& dialog) {
+/// One dialog opens with what another gave back.
+TEST(FindAndReplaceDlg, FillsARequestThatCanStartAndOpensWithIt) {
+    std::optional<FindAndReplaceRequest> request = FindAndReplaceRequest();
+    const auto show = [&](const std::function<void(const DrivenDialog&)>& person) {
+        FileUtils::FindAndReplaceDlg dialog(QVTest::EchoTexts(), {L"C:\\a.txt", L"C:\\b.txt"}, *request);
+        QVTest::WhileShown(L"Find and Replace in file(s)", person, [&] { request = dialog.Show(nullptr); });
+        ASSERT_TRUE(request);
+    };
+    show([](const DrivenDialog& dialog) {
         EXPECT_FALSE(dialog.IsEnabled(IDOK));
         EXPECT_EQ(dialog.Text(IDC_REASON), L"Find match are too short. Atleast one character need");
         SendMessageW(dialog.Window(), WM_COMMAND, IDOK, 0);  // a disabled button is no reason to trust
@@ -91,9 +70,24 @@ TEST(FindAndReplaceDlg, FillsARequestThatCanStart) {
         for (const int target : {1, 0}) dialog.Select(IDC_TARGET, target);
         dialog.PressAndClose(IDOK);
     });
-    ASSERT_TRUE(result);
-    EXPECT_EQ(result->options, Option::SaveAs | Option::ModeMultiline | Option::Wildcard | Option::IgnoreCase);
-    EXPECT_EQ(result->targetPattern, L"mine.txt");
+    EXPECT_EQ(request->options, Option::SaveAs | Option::ModeMultiline | Option::Wildcard | Option::IgnoreCase);
+    EXPECT_EQ(request->targetPattern, L"mine.txt");
+    const uint32_t options = Option::DropBackup | Option::ModeMany | Option::Wildcard | Option::IgnoreCase |
+                             Option::ForceUtf8 | Option::Silent | Option::RegularExpression | Option::ReplaceAll;
+    request = {L"a\nb", L"x\r\ny", options, L"n.*"};
+    show([](const DrivenDialog& dialog) {
+        EXPECT_EQ(dialog.Entries(IDC_TARGET), (std::vector<std::wstring>{L"508d", L"428d", L"429d"}));
+        EXPECT_EQ(dialog.Entries(IDC_MODE), (std::vector<std::wstring>{L"511d", L"512d", L"513d", L"514d"}));
+        EXPECT_EQ(dialog.Selected(IDC_TARGET), 2);
+        EXPECT_EQ(dialog.Selected(IDC_MODE), 1);
+        EXPECT_EQ(dialog.Text(IDC_FIND), L"a\r\nb");
+        EXPECT_FALSE(dialog.IsEnabled(IDC_FILE_NAME));
+        EXPECT_FALSE(dialog.IsVisible(IDC_REPLACE_ALL));
+        EXPECT_EQ(dialog.Focus(), IDC_FIND);
+        dialog.PressAndClose(IDOK);
+    });
+    EXPECT_EQ(request->options, options);
+    EXPECT_EQ(request->find + request->replacement, L"a\r\nbx\r\ny");
 }
 
 }  // namespace

@@ -28,42 +28,29 @@ TEST(QuickRename, MakesTheseNames) {
     }
 }
 
-TEST(QuickRename, RenamesTheSelectionAfterOneQuestion) {
-    const CommandRunner runner;
-    const std::wstring changed = runner.Write(L"one_two.x_y", "1");
-    const std::wstring same = runner.Write(L"Three", "3");
-    const std::wstring folder = runner.MakeFolder(L"sub_folder.d_e");
-
-    const Words words = {L"command", L"30002", changed, same, folder};  // only the case of names changes
-    HostRun run = runner.Run(words, {L"cancel"});
-    EXPECT_EQ(run.status, 0);
-    EXPECT_TRUE(Holds(run.error, "Names that will change: 2."));
-    EXPECT_EQ(runner.List(), (Names{L"Three", L"one_two.x_y", L"sub_folder.d_e"}));
-
-    run = runner.Run(words, {L"ok"});
-    EXPECT_EQ(run.status, 0) << run.error;
-    EXPECT_EQ(runner.List(), (Names{L"One_Two.x_Y", L"Sub_Folder.D_E", L"Three"}));
-    EXPECT_EQ(run.out, "");
-
-    run = runner.Run({L"command", L"30002", same}, {L"ok"});
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.error, "");  // no name changes, so nothing is asked
-}
-
-TEST(RenameGroup, GivesEachFileTheNewNameWithItsOwnExtension) {
-    const std::tuple<const char*, std::wstring, Names> cases[] = {
-        {"all of the name", L"new", {L"a.b", L"b.txt", L"new", L"new.jpg", L"new.txt"}},
-        {"cancelled", L"cancel", {L"a", L"a.b", L"a.jpg", L"a.txt", L"b.txt"}},
-        {"the same name", L"a", {L"a", L"a.b", L"a.jpg", L"a.txt", L"b.txt"}},
+TEST(RenameCommands, RenameTheSelectionAfterOneQuestion) {
+    const struct {
+        const wchar_t *id, *answer;
+        Names after;
+        const char* asked;
+    } cases[] = {
+        {L"30002", L"cancel", {L"a_b", L"a_b.jpg", L"a_b.x_y", L"a_b.z_q", L"b_b.txt"}, "Names that will change: 5."},
+        {L"30002", L"ok", {L"A_B", L"A_B.Z_Q", L"A_B.jpg", L"A_B.x_Y", L"B_B.txt"}, "Names that will change: 5."},
+        {L"30001", L"ok", {L"a_b", L"a_b.jpg", L"a_b.x_y", L"a_b.z_q", L"b_b.txt"}, ""},  // none changes
+        {L"30020", L"new", {L"a_b.z_q", L"b_b.txt", L"new", L"new.jpg", L"new.x_y"}, "[question] "},
+        {L"30020", L"cancel", {L"a_b", L"a_b.jpg", L"a_b.x_y", L"a_b.z_q", L"b_b.txt"}, "[question] "},
     };
-    for (const auto& [why, answer, after] : cases) {
+    for (const auto& c : cases) {
         const CommandRunner runner;
-        Words words = {L"command", L"30020"};
-        for (const wchar_t* name : {L"a.txt", L"a.jpg", L"a", L"b.txt"}) words.push_back(runner.Write(name, "x"));
-        words.push_back(runner.MakeFolder(L"a.b"));
-        const HostRun run = runner.Run(words, {answer});
-        EXPECT_EQ(run.status, 0) << why << run.error;
-        EXPECT_EQ(runner.List(), after) << why;
+        Words words = {L"command", c.id};
+        for (const wchar_t* name : {L"a_b.x_y", L"a_b.jpg", L"a_b", L"b_b.txt"})
+            words.push_back(runner.Write(name, "x"));
+        words.push_back(runner.MakeFolder(L"a_b.z_q"));
+        const HostRun run = runner.Run(words, {c.answer});
+        EXPECT_EQ(run.status, 0) << run.error;
+        EXPECT_EQ(run.out, "");
+        EXPECT_TRUE(*c.asked ? Holds(run.error, c.asked) : testing::AssertionResult(run.error.empty())) << run.error;
+        EXPECT_EQ(runner.List(), c.after) << run.error;
     }
 }
 

@@ -70,39 +70,21 @@ TEST(SortForm, SaysWhatCannotBeUsed) {
     }
 }
 
-TEST(SortForm, TheLengthThatIsShownEndsTheNumbersOfItems) {
-    SortRequest before;
-    before.options = Option::Item | Option::AsNumber | Option::KeepBackup;
-    before.separator = L';';
-    before.itemNumber = 1;
-    before.substringLength = 64;
+TEST(SortForm, KeepsWhatTheChoicesDoNotUseAndLetsALengthEndTheNumbersOfItems) {
+    SortRequest before = {0, 0, 0, 64, L';', L"%Y", Option::Item | Option::AsNumber | Option::KeepBackup, 3, L""};
     SortForm form = FileUtils::FormOf(before);
     EXPECT_NE(FileUtils::RequestOf(form, before).fault, L"");
     form.substringLength = L"3";
-    const FileUtils::SortReading shorter = FileUtils::RequestOf(form, before);
-    EXPECT_EQ(shorter.fault, L"");
-    EXPECT_EQ(shorter.request.substringLength, 3u);
-    EXPECT_NE(shorter.hint, L"");
+    EXPECT_EQ(FileUtils::RequestOf(form, before).request.substringLength, 3u);
+    EXPECT_NE(FileUtils::RequestOf(form, before).hint, L"");
     form.substringLength = L"0";
     EXPECT_EQ(FileUtils::RequestOf(form, before).hint, L"");
-}
 
-TEST(SortForm, KeepsWhatTheChoicesDoNotUse) {
-    SortRequest before;
-    before.options = Option::Item | Option::AsDate | Option::KeepBackup;
-    before.separator = L';';
-    before.itemNumber = 3;
-    before.dateFormat = L"%Y";
-    SortForm form = FileUtils::FormOf(before);
     const uint32_t both = Option::NaturalNumbers | Option::IgnoreCase;  // of use without a language's order only
     form.options = kPlain | both | Option::LanguageOrder;
     EXPECT_EQ(FileUtils::RequestOf(form, before).request.options, kPlain | Option::LanguageOrder);
-    form.options = kPlain | both;
-    const SortRequest after = FileUtils::RequestOf(form, before).request;
-    EXPECT_EQ(after.options, kPlain | both);
-    EXPECT_EQ(after.separator, L';');
-    EXPECT_EQ(after.itemNumber, 3u);
-    EXPECT_EQ(after.dateFormat, L"%Y");
+    form.options = before.options = kPlain | both;
+    EXPECT_EQ(FileUtils::RequestOf(form, before).request, before);
 }
 
 TEST(SortLinesSettings, KeepTheLastRequestUnderItsKeysAndRefuseWhatCannotBe) {
