@@ -50,18 +50,4 @@ TEST(RenameRows, LetRowsTakeEachOthersNames) {
     }
 }
 
-TEST(RenameBatch, ReportsEachRowAndTheFirstError) {
-    const HostRunner host;
-    const std::wstring first = host.Folder().Write(L"first", "1");
-    const std::wstring second = host.Folder().Write(L"second", "2");
-    host.Folder().Write(L"taken", "3");
-    const HostRun run = host.Call({L"Rename", L"FILE=" + first, L"TO=taken", L"FILE2=" + second, L"TO2=third"});
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.out, "error 183\n");
-    EXPECT_NE(run.error.find("\\first -> taken: error 183"), std::string::npos) << run.error;
-    EXPECT_NE(run.error.find("\\second -> third\n"), std::string::npos) << run.error;
-    EXPECT_EQ(host.Folder().Read(L"taken"), "3");
-    EXPECT_EQ(host.Folder().Read(L"third"), "2");
-}
-
 }  // namespace

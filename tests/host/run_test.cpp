@@ -104,29 +104,30 @@ TEST(QvHost, TakesPathsOfAnyLengthAndScript) {
     }
 }
 
-TEST(QvHost, AnswersQuestionsFromTheScript) {
+TEST(QvHost, AnswersQuestionsFromTheScriptOrOnTheConsoleUntilItUnderstands) {
     const HostRunner host;
-    const std::tuple<const char*, Words, const char*, const char*> cases[] = {
+    const struct {
+        const char* why;
+        Words arguments;
+        const char *logged, *said;
+        std::optional<Words> lines = {};
+    } cases[] = {
         {"yes", {L"Ask", L"STYLE=36", L"--answer", L"Yes"}, "button 6\n", "[question] Test: Really? Sure? -> yes\n"},
         {"nobody answers", {L"Ask", L"STYLE=35"}, "button 7\n", "Sure? -> no\n"},
         {"a choice", {L"Choose", L"--answer", L"replace"}, "chosen 0\n", "Replace here? -> Replace\n"},
         {"no such choice", {L"Choose", L"--answer", L"dance"}, "cancelled 0\n", "[note] \"dance\" is none"},
         {"too long an input", {L"Enter", L"--answer", L"1234567890123456"}, "cancelled <proposed>\n", "longer than 15"},
+        {"asked again", {L"Ask", L"STYLE=35"}, "button 6\n", "", Words{L"perhaps", L"YES"}},
+        {"the console ends", {L"Ask", L"STYLE=35"}, "button 7\n", "", Words{}},
+        {"by number", {L"Choose"}, "chosen 2\n", "", Words{L"9", L"3"}},
+        {"an empty line", {L"Choose"}, "cancelled 0\n", "", Words{L""}},
+        {"which takes what is proposed", {L"Enter"}, "entered <proposed>\n", "", Words{L""}},
     };
-    for (const auto& [why, arguments, logged, said] : cases) {
-        const HostRun run = host.Call(arguments);
-        EXPECT_EQ(run.out, logged) << why;
-        EXPECT_TRUE(Contains(run.error, said)) << why << ": " << run.error;
+    for (const auto& c : cases) {
+        const HostRun run = host.Call(c.arguments, c.lines);
+        EXPECT_EQ(run.out, c.logged) << c.why;
+        EXPECT_TRUE(Contains(run.error, c.said)) << c.why << ": " << run.error;
     }
-}
-
-TEST(QvHost, AsksOnTheConsoleUntilItUnderstands) {
-    const HostRunner host;
-    EXPECT_EQ(host.Call({L"Ask", L"STYLE=35"}, Words{L"perhaps", L"YES"}).out, "button 6\n");
-    EXPECT_EQ(host.Call({L"Ask", L"STYLE=35"}, Words{}).out, "button 7\n");
-    EXPECT_EQ(host.Call({L"Choose"}, Words{L"9", L"3"}).out, "chosen 2\n");
-    EXPECT_EQ(host.Call({L"Choose"}, Words{L""}).out, "cancelled 0\n");
-    EXPECT_EQ(host.Call({L"Enter"}, Words{L""}).out, "entered <proposed>\n");
 }
 
 TEST(QvHost, KeepsLogLinesWholeAndInTheFile) {

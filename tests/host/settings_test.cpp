@@ -2,37 +2,51 @@
 
 #include <sstream>
 
-#include "host_runner.h"
-#include "win32/handle.h"
+#include "support/temporary_folder.h"
 
 namespace {
 
 using namespace QVTest;
 
-TEST(Settings, LastFromRunToRun) {
-    const HostRunner host;
-    EXPECT_EQ(host.Call({L"Settings", L"SET=gr\u00FCn \"x\"\n"}).out, "text <none> number 0\n");
-    EXPECT_EQ(host.Call({L"Settings", L"SET="}).out, "text <gr\xC3\xBCn \"x\" > number 1\n");
-    EXPECT_EQ(host.Call({L"Settings"}).out, "text <> number 2\n");
-    const std::wstring path = host.Folder() / L"config\\settings.json";
-    Win32::FileHandle lock(CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-    EXPECT_NE(host.Call({L"Settings", L"SET=y"}).error.find("stays as it is"), std::string::npos);
-    lock.Reset();
-    EXPECT_EQ(host.Call({L"Settings"}).out, "text <> number 2\n") << "a file that cannot be read is left alone";
-}
-
-TEST(Settings, KeepADamagedFileAsideAndSayIt) {
-    const HostRunner host;
-    CreateDirectoryW((host.Folder() / L"config").c_str(), nullptr);
-    for (const char* damaged : {"{ \"half\": ", "[1, 2]"}) {
-        host.Folder().Write(L"config\\settings.json", damaged);
-        const HostRun run = host.Call({L"Settings", L"SET=y"});
-        EXPECT_EQ(run.out, "text <none> number 0\n");
-        EXPECT_NE(run.error.find("is damaged; it is kept as"), std::string::npos) << run.error;
+/// What a run of the host reads, sets under "ext", "s", "text" where `value` is given, and saves.
+struct SettingsRun {
+    explicit SettingsRun(const std::wstring& path, const wchar_t* value = nullptr) {
+        QVHost::Output output(m_out, m_out, false);
+        QVHost::SettingsFile file(output, path);
+        text = file.Text(L"ext", L"s", L"text");
+        isSaved = value && file.SetText(L"ext", L"s", L"text", value) && file.Save();
+        said = m_out.str();
     }
-    EXPECT_EQ(host.Folder().Read(L"config\\settings.json.damaged"), "{ \"half\": ");
-    EXPECT_EQ(host.Folder().Read(L"config\\settings.json.damaged-2"), "[1, 2]");
-    EXPECT_EQ(host.Call({L"Settings"}).out, "text <y> number 1\n");
+
+    std::optional<std::wstring> text;
+    bool isSaved = false;
+    std::string said;
+
+private:
+    std::ostringstream m_out;
+};
+
+TEST(Settings, LastFromRunToRunAndKeepADamagedFileAside) {
+    const TemporaryFolder folder;
+    const std::wstring path = folder / L"settings.json";
+    for (const wchar_t* value : {L"gr\u00FCn \"x\"\n", L""}) {
+        EXPECT_TRUE(SettingsRun(path, value).isSaved);
+        EXPECT_EQ(SettingsRun(path).text, value);
+    }
+    {
+        const Win32::FileHandle lock(CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+        EXPECT_NE(SettingsRun(path, L"y").said.find("stays as it is"), std::string::npos);
+    }
+    EXPECT_EQ(SettingsRun(path).text, L"") << "a file that cannot be read is left alone";
+    for (const char* damaged : {"{ \"half\": ", "[1, 2]"}) {
+        folder.Write(L"settings.json", damaged);
+        const SettingsRun run(path, L"y");
+        EXPECT_EQ(run.text, std::nullopt);
+        EXPECT_NE(run.said.find("is damaged; it is kept as"), std::string::npos) << run.said;
+    }
+    EXPECT_EQ(folder.Read(L"settings.json.damaged"), "{ \"half\": ");
+    EXPECT_EQ(folder.Read(L"settings.json.damaged-2"), "[1, 2]");
+    EXPECT_EQ(SettingsRun(path).text, L"y");
 }
 
 TEST(Settings, HoldTextsAndNumbersOfTheRightKind) {

@@ -80,9 +80,9 @@ private:
     struct CommandRow {
         const char* name;
         uint32_t (TestExtension::*run)(ICustomCommandCall&);
-        ParameterRow parameters[4];
+        ParameterRow parameters[3];
     };
-    static const CommandRow kCustomCommands[9];
+    static const CommandRow kCustomCommands[7];
 
     template <class... Arguments>
     uint32_t Log(const wchar_t* format, Arguments... arguments) {
@@ -145,30 +145,6 @@ private:
         wchar_t text[16] = L"proposed";
         const bool isEntered = m_services->ShowInputDialog(2_c, text, static_cast<uint32_t>(std::size(text)));
         return Log(L"%s <%s>", isEntered ? L"entered" : L"cancelled", text);
-    }
-
-    uint32_t ReadAndWriteSettings(ICustomCommandCall& call) {
-        ISettings* const settings = m_services->GetSettings();
-        wchar_t text[64] = L"none";
-        uint32_t number = 0;
-        settings->GetString(1, L"Section", L"Text", text, static_cast<uint32_t>(std::size(text)));
-        settings->GetNumber(1, L"Section", L"Number", &number);
-        Log(L"text <%s> number %d", text, static_cast<int>(number));
-        const wchar_t* const value = call.GetTextParameter("SET");
-        return !value || (settings->SetString(1, L"Section", L"Text", value) &&
-                          settings->SetNumber(1, L"Section", L"Number", number + 1));
-    }
-
-    uint32_t Rename(ICustomCommandCall& call) {
-        const AcquiredService<IFileOperations> files(*m_services, ServiceNumber::FileOperations);
-        IRenameBatch* const batch = files->CreateRenameBatch();
-        for (const auto& [file, to] : {std::pair("FILE", "TO"), {"FILE2", "TO2"}}) {
-            const Owned<IFileItem> item(files->CreateFileItem(call.GetTextParameter(file), 1));
-            if (item) batch->AddRename(item.get(), call.GetTextParameter(to), 0);
-        }
-        const uint32_t error = files->CommitRenameBatch(batch, 0);
-        files->EndRenameBatch(batch);
-        return Log(L"error %d", static_cast<int>(error));
     }
 
     uint32_t Elevate(ICustomCommandCall& call) {
@@ -240,8 +216,6 @@ constexpr TestExtension::CommandRow TestExtension::kCustomCommands[] = {
     {"Ask", &TestExtension::Ask, {{"STYLE", Number | Required}}},
     {"Choose", &TestExtension::Choose, {}},
     {"Enter", &TestExtension::Enter, {}},
-    {"Settings", &TestExtension::ReadAndWriteSettings, {{"SET", Text}}},
-    {"Rename", &TestExtension::Rename, {{"FILE", Text}, {"TO", Text}, {"FILE2", Text}, {"TO2", Text}}},
     {"Elevate", &TestExtension::Elevate, {{"TEXT", Text}, {"REQUEST", Number}}},
     {"Result", &TestExtension::Result, {{"CODE", Number}}},
     {"Misuse", &TestExtension::Misuse, {{"FILE", Text}}},
