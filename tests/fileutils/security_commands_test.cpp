@@ -38,12 +38,6 @@ Bytes Request(const Field&... fields) {
     return bytes;
 }
 
-/// True when everybody may do everything, or nearly that where the system keeps fewer rights.
-bool IsOpenToAll(const std::wstring& path) {
-    const std::wstring list = TextOfAccessList(AccessListOf(path).data());
-    return list.find(L"FA;;;WD)") != list.npos || list.find(L"0x1301ff;;;WD)") != list.npos;
-}
-
 TEST(ElevatedRequests, AreCarriedOutWhenTheyAreWholeAndNotOtherwise) {
     ServicesOfHost host(QV_HOST_PROGRAM);
     const TemporaryFolder folder;
@@ -199,16 +193,16 @@ TEST(GrantAndResetAccess, ChangeTheItemsBeforeTheOneThatFailsAndAskBeforeTheyTak
         const std::wstring first = runner.Write(L"a", "x"), third = runner.Write(L"c", "x");
         // Written like this, a path has no drive in front and is refused.
         const std::wstring second = L"\\\\?\\" + runner.Write(L"b", "x");
-        ASSERT_FALSE(IsOpenToAll(first));
+        ASSERT_FALSE(IsOpenToAll(AccessListOf(first).data()));
         const HostRun granted = GrantEveryoneAll(runner, Joined({first, second, third}, more));
         EXPECT_TRUE(Holds(granted.error, "The access could not be granted (error "));
-        EXPECT_FALSE(IsOpenToAll(third));
+        EXPECT_FALSE(IsOpenToAll(AccessListOf(third).data()));
         const Words reset = Joined({L"command", L"30310", first}, more);
         EXPECT_TRUE(Holds(runner.Run(reset, {L"no"}).error, "Reset access rights"));
-        EXPECT_TRUE(IsOpenToAll(first));
+        EXPECT_TRUE(IsOpenToAll(AccessListOf(first).data()));
         const HostRun run = runner.Run(reset, {L"yes"});
         EXPECT_EQ(run.status, 0) << run.error;
-        EXPECT_FALSE(IsOpenToAll(first));
+        EXPECT_FALSE(IsOpenToAll(AccessListOf(first).data()));
     }
 }
 

@@ -69,7 +69,7 @@ TEST_F(Exports, DescribeTheThreeExtensions) {
     }
 }
 
-TEST_F(Exports, RefuseUnknownIndexesAndNullPointers) {
+TEST_F(Exports, RefuseUnknownIndexesNullPointersAndObjectsOfAnotherClass) {
     ExtensionInfo record = MarkedRecord();
     for (const uint32_t index : {3u, 0xFFFFFFFFu}) {
         EXPECT_FALSE(GetExtensionInfo(index, &record));
@@ -78,12 +78,8 @@ TEST_F(Exports, RefuseUnknownIndexesAndNullPointers) {
     EXPECT_TRUE(IsMarked(&record, sizeof(record)));
     EXPECT_FALSE(GetExtensionInfo(0, nullptr));
     EXPECT_FALSE(Delete(nullptr, 0));
-}
-
-TEST_F(Exports, DeleteLeavesObjectsOfAnotherClassAlone) {
     IPluginInterface* const properties = Create(1);
-    EXPECT_TRUE(Delete(properties, 0));
-    EXPECT_TRUE(Delete(properties, 2));
+    EXPECT_TRUE(Delete(properties, 0) && Delete(properties, 2));
     EXPECT_FALSE(Delete(properties, 7));
     EXPECT_STREQ(properties->GetId(), "9A4C1E7F2B3D4E5F8A6B7C0D1E2F3A4B");  // still alive
     EXPECT_TRUE(Delete(properties, 1));

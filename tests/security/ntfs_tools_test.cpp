@@ -2,8 +2,6 @@
 // or where the test must see what would be written.
 #include "security/ntfs_tools.h"
 
-#include <algorithm>
-
 #include "security/account_names.h"
 #include "security/ntfs_prop.h"
 #include "support/temporary_folder.h"
@@ -15,48 +13,11 @@ namespace {
 using namespace Security;
 using QVTest::TemporaryFolder;
 
-struct Entry {
-    BYTE type;
-    BYTE flags;
-    ACCESS_MASK mask;
-    BYTE account;  // last part of its identifier S-1-5-n, or S-1-1-0 for 0
-    bool operator==(const Entry&) const = default;
-};
-using Entries = std::vector<Entry>;
-
-Entries EntriesOf(ACL* list) {
-    Entries entries;
-    for (WORD index = 0; list && index < list->AceCount; ++index) {
-        void* raw = nullptr;
-        EXPECT_TRUE(GetAce(list, index, &raw));
-        auto* const entry = static_cast<ACCESS_ALLOWED_ACE*>(raw);
-        EXPECT_TRUE(IsValidSid(&entry->SidStart));
-        entries.push_back({entry->Header.AceType, entry->Header.AceFlags, entry->Mask,
-                           static_cast<BYTE>(*GetSidSubAuthority(&entry->SidStart, 0))});
-    }
-    return entries;
-}
-
-void AppendEntry(ACL* list, const Entry& entry) {
-    SID_IDENTIFIER_AUTHORITY authority = {{0, 0, 0, 0, 0, 5}};
-    SID sid = {SID_REVISION, 1, authority, {entry.account}};
-    const bool isAllowed = entry.type == ACCESS_ALLOWED_ACE_TYPE;
-    EXPECT_TRUE(isAllowed ? AddAccessAllowedAceEx(list, ACL_REVISION, entry.flags, entry.mask, &sid)
-                          : AddAccessDeniedAceEx(list, ACL_REVISION, entry.flags, entry.mask, &sid));
-}
-
 /// What the replaced calls give, and what they have seen.
 struct Replaced {
-    Entries given;
-    bool hasList = true;
+    const wchar_t* given = L"O:SY";  // a descriptor in the system's text form; this one has no list
     DWORD writeError = ERROR_SUCCESS;
-    struct Write {
-        SE_OBJECT_TYPE type;
-        SECURITY_INFORMATION parts;
-        bool hasList;
-        Entries entries;
-    };
-    std::vector<Write> writes;
+    std::vector<std::wstring> writes;  // the object's type, the parts, and the list
     std::wstring machine = L"(none)";  // that was asked for a name
     std::wstring universalName = L"\\\\server\\share";
     int universalQuestions = 0;
@@ -65,17 +26,24 @@ Replaced g_replaced;
 
 DWORD WINAPI GiveList(LPCWSTR, SE_OBJECT_TYPE, SECURITY_INFORMATION, PSID*, PSID*, PACL* list, PACL*,
                       PSECURITY_DESCRIPTOR* descriptor) {
+    EXPECT_TRUE(
+        ConvertStringSecurityDescriptorToSecurityDescriptorW(g_replaced.given, SDDL_REVISION_1, descriptor, nullptr));
+    BOOL isPresent = FALSE, isDefault = FALSE;
     *list = nullptr;
-    *descriptor = LocalAlloc(LPTR, 1024);
-    if (!g_replaced.hasList) return ERROR_SUCCESS;
-    *list = static_cast<ACL*>(*descriptor);
-    InitializeAcl(*list, 1024, ACL_REVISION);
-    for (const Entry& entry : g_replaced.given) AppendEntry(*list, entry);
+    EXPECT_TRUE(GetSecurityDescriptorDacl(*descriptor, &isPresent, list, &isDefault));
     return ERROR_SUCCESS;
 }
 
+std::wstring Write(SE_OBJECT_TYPE type, SECURITY_INFORMATION parts, ACL* list) {
+    SECURITY_DESCRIPTOR taken;
+    InitializeSecurityDescriptor(&taken, SECURITY_DESCRIPTOR_REVISION);
+    SetSecurityDescriptorDacl(&taken, list != nullptr, list, FALSE);
+    const std::wstring text = list ? QVTest::TextOfAccessList(&taken) : L"none";
+    return std::to_wstring(type) + L" " + std::to_wstring(parts) + L" " + text;
+}
+
 DWORD WINAPI TakeList(LPWSTR, SE_OBJECT_TYPE type, SECURITY_INFORMATION parts, PSID, PSID, PACL list, PACL) {
-    g_replaced.writes.push_back({type, parts, list != nullptr, EntriesOf(list)});
+    g_replaced.writes.push_back(Write(type, parts, list));
     return g_replaced.writeError;
 }
 
@@ -111,40 +79,35 @@ SecuritySystem SystemWithLists() {
     return system;
 }
 
-constexpr BYTE kAllow = ACCESS_ALLOWED_ACE_TYPE;
-constexpr BYTE kDeny = ACCESS_DENIED_ACE_TYPE;
 constexpr SECURITY_INFORMATION kList = DACL_SECURITY_INFORMATION;
 
 TEST(NTFSTools, GrantRewritesEveryEntryAsOneThatAllows) {
     const SecuritySystem system = SystemWithLists();
-    g_replaced.given = {{kDeny, 0, 0x2, 11}, {kAllow, INHERITED_ACE, 0x1F01FF, 18}, {kAllow, 0, 0x1, 32}};
+    PACL expected = nullptr;
+    PSECURITY_DESCRIPTOR raw = nullptr;
+    g_replaced.given = L"D:(A;OICI;0x2;;;AU)(A;OICI;FA;;;SY)(A;OICI;0x1;;;BA)(A;OICI;0x1200A9;;;WD)";
+    GiveList(nullptr, SE_FILE_OBJECT, kList, nullptr, nullptr, &expected, nullptr, &raw);
+    const Win32::LocalMemory descriptor(raw);
+    g_replaced.given = L"D:(D;;0x2;;;AU)(A;ID;FA;;;SY)(A;;0x1;;;BA)";
     EXPECT_EQ(NTFSTools(system).GrantAccess(L"C:\\a", L"Everyone", 0x1200A9), 0u);
-    ASSERT_EQ(g_replaced.writes.size(), 1u);
-    EXPECT_EQ(g_replaced.writes[0].type, SE_FILE_OBJECT);
-    EXPECT_EQ(g_replaced.writes[0].parts, kList);
-    EXPECT_EQ(
-        g_replaced.writes[0].entries,
-        (Entries{{kAllow, 3, 0x2, 11}, {kAllow, 3, 0x1F01FF, 18}, {kAllow, 3, 0x1, 32}, {kAllow, 3, 0x1200A9, 0}}));
+    EXPECT_EQ(g_replaced.writes, std::vector{Write(SE_FILE_OBJECT, kList, expected)});
     g_replaced.writeError = ERROR_ACCESS_DENIED;
     EXPECT_EQ(NTFSTools(system).GrantAccess(L"C:\\a", L"Everyone", 1), 0u) << "the list was built";
-    g_replaced.hasList = false;
+    g_replaced.given = L"O:SY";
     EXPECT_EQ(NTFSTools(system).GrantAccess(L"C:\\a", L"Everyone", 1), 87u);
     EXPECT_EQ(g_replaced.writes.size(), 2u);
 }
 
 TEST(NTFSTools, ResetInheritsBeforeTheEmptiedListIsWritten) {
-    for (const bool hasList : {true, false}) {
+    for (const wchar_t* given : {L"D:(D;;0x2;;;AU)(A;;0x1;;;SY)", L"O:SY"}) {
         const SecuritySystem system = SystemWithLists();
-        g_replaced.given = {{kDeny, 0, 0x2, 11}, {kAllow, 0, 0x1, 18}};
-        g_replaced.hasList = hasList;
+        g_replaced.given = given;
         g_replaced.writeError = ERROR_ACCESS_DENIED;
         EXPECT_EQ(NTFSTools(system).RemoveAllEntries(L"C:\\a"), 5u);
-        ASSERT_EQ(g_replaced.writes.size(), 2u);
-        EXPECT_EQ(g_replaced.writes[0].parts, kList | UNPROTECTED_DACL_SECURITY_INFORMATION);
-        EXPECT_FALSE(g_replaced.writes[0].hasList);
-        EXPECT_EQ(g_replaced.writes[1].parts, kList);
-        EXPECT_TRUE(g_replaced.writes[1].hasList) << "no list at all would be access for everybody";
-        EXPECT_TRUE(g_replaced.writes[1].entries.empty());
+        ACL empty = {ACL_REVISION, 0, sizeof(ACL), 0, 0};  // no list at all would be access for everybody
+        EXPECT_EQ(g_replaced.writes,
+                  (std::vector{Write(SE_FILE_OBJECT, kList | UNPROTECTED_DACL_SECURITY_INFORMATION, nullptr),
+                               Write(SE_FILE_OBJECT, kList, &empty)}));
     }
 }
 
@@ -176,14 +139,12 @@ TEST(NTFSTools, ChangesRealFilesOfEveryKindOfName) {
         EXPECT_TRUE(tools.GetOwnerName(path, false, owner));
         EXPECT_EQ(owner, CurrentAccountName());
         EXPECT_EQ(tools.GrantAccess(path, L"Everyone", 0x1F01FF), 0u);
-        PACL list = nullptr;
         PSECURITY_DESCRIPTOR raw = nullptr;
         ASSERT_EQ(GetNamedSecurityInfoW(Win32::ExtendedPath(path).c_str(), SE_FILE_OBJECT, kList, nullptr, nullptr,
-                                        &list, nullptr, &raw),
+                                        nullptr, nullptr, &raw),
                   0u);
         const Win32::LocalMemory descriptor(raw);
-        const Entries entries = EntriesOf(list);
-        EXPECT_TRUE(std::ranges::any_of(entries, [](const Entry& e) { return e.account == 0 && (e.mask & 0x2); }));
+        EXPECT_TRUE(QVTest::IsOpenToAll(raw));
         EXPECT_EQ(tools.RemoveAllEntries(path), 0u);
     }
     EXPECT_NE(tools.SetOwner(folder / L"none", CurrentUserName()), 0u);

@@ -63,6 +63,12 @@ inline std::wstring TextOfAccessList(PSECURITY_DESCRIPTOR descriptor) {
     return text ? text : L"";
 }
 
+/// True when everybody may do everything, or nearly that where the system keeps fewer rights.
+inline bool IsOpenToAll(PSECURITY_DESCRIPTOR descriptor) {
+    const std::wstring list = TextOfAccessList(descriptor);
+    return list.find(L"FA;;;WD)") != list.npos || list.find(L"0x1301ff;;;WD)") != list.npos;
+}
+
 /// `list` in the system's text form. Gives it back as the file then has it.
 inline std::vector<std::byte> GiveAccessList(const std::wstring& path, const wchar_t* list) {
     PSECURITY_DESCRIPTOR raw = nullptr;
