@@ -73,19 +73,17 @@ TEST(Base64Command, WritesTheseBytesAndReadsThemBack) {
     }
 }
 
-TEST(Base64Command, DecodesIntoAPlainNameOfItsOwnFolder) {
-    for (const char* name : {"y.bin", "..\\y.bin", "C:/y.bin", "y:z", "nul.txt"}) {
-        const CommandRunner runner;
-        const std::string text = MimeHeader(name) + "YWJj";
-        const HostRun run = runner.Run({L"command", L"30211", runner.Write(L"x.txt.b64", text)}, {L"no"});
-        EXPECT_EQ(run.out + run.error, "") << name;
-        const wchar_t* const target = name == std::string("y.bin") ? L"y.bin" : L"x.txt";
-        EXPECT_EQ(runner.ReadAll(), (Contents{{L"x.txt.b64", text}, {target, "abc"}})) << name;
-    }
-}
-
-TEST(Base64Command, SaysHowMuchOfATextItDidNotUse) {
-    const std::tuple<const char*, const char*, const char*> cases[] = {
+TEST(Base64Command, DecodesIntoAPlainNameOfItsOwnFolderAndSaysWhatItDidNotUse) {
+    const struct {
+        std::string text;
+        const char *said, *decoded;
+        const wchar_t* target = L"x.txt";
+    } cases[] = {
+        {MimeHeader("y.bin") + "YWJj", "", "abc", L"y.bin"},
+        {MimeHeader("..\\y.bin") + "YWJj", "", "abc"},
+        {MimeHeader("C:/y.bin") + "YWJj", "", "abc"},
+        {MimeHeader("y:z") + "YWJj", "", "abc"},
+        {MimeHeader("nul.txt") + "YWJj", "", "abc"},
         {"-_-_\r\n", "( There is no Base64 text, 4 characters were ignored, ErrorCode : 13 )", ""},
         {"Y-W\xE4Jj", "[Base64] - Note : 2 characters were ignored ", "abc"},
         {"YQ==\r\n\r\nYg==", "[Base64] - Note : 2 characters were ignored ", "a"},
@@ -94,11 +92,11 @@ TEST(Base64Command, SaysHowMuchOfATextItDidNotUse) {
         {"YWI", "", "ab"},
         {"", "", ""},
     };
-    for (const auto& [text, said, decoded] : cases) {
+    for (const auto& c : cases) {
         const CommandRunner runner;
-        const HostRun run = runner.Run({L"command", L"30211", runner.Write(L"a.b64", text)});
-        EXPECT_TRUE(*said ? Holds(run.out, said) : testing::AssertionResult(run.out.empty())) << text;
-        EXPECT_EQ(runner.Read(L"a"), decoded) << text;
+        const HostRun run = runner.Run({L"command", L"30211", runner.Write(L"x.txt.b64", c.text)}, {L"no"});
+        EXPECT_TRUE(*c.said ? Holds(run.out, c.said) : testing::AssertionResult(run.Said().empty())) << run.Said();
+        EXPECT_EQ(runner.ReadAll(), (Contents{{L"x.txt.b64", c.text}, {c.target, c.decoded}}));
     }
 }
 

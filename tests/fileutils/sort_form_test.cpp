@@ -17,20 +17,14 @@ SortForm FormWith(uint32_t options) {
 }
 
 TEST(SortForm, ShowsPositionsCountedFromOneAndFillsWhatIsMissing) {
-    SortRequest request;
-    request.lineOffset = 4;
-    request.keepTop = 2;
-    request.separator = L'\t';
-    request.options = Option::Item | Option::Silent | Option::Overwrite;
-    const SortForm form = FileUtils::FormOf(request);
-    EXPECT_EQ(form.linePosition, L"5");
+    const SortForm form =
+        FileUtils::FormOf({2, 0, 0xFFFFFFFF, 0, L'\t', L"", Option::Item | Option::Silent | Option::Overwrite, 0, L""});
+    EXPECT_EQ(form.linePosition, L"4294967296");
     EXPECT_EQ(form.keepTop, L"2");
     EXPECT_EQ(form.itemSeparator, L"\\t");
     EXPECT_EQ(form.endCharacter, L"");
     EXPECT_EQ(form.options, Option::Item | Option::AsText | Option::KeepBackup);
     EXPECT_EQ(FormWith(0).options, kPlain);
-    request.lineOffset = 0xFFFFFFFF;
-    EXPECT_EQ(FileUtils::FormOf(request).linePosition, L"4294967296");
 }
 
 TEST(SortForm, SaysWhatCannotBeUsed) {
@@ -93,16 +87,11 @@ TEST(SortLinesSettings, KeepTheLastRequestUnderItsKeysAndRefuseWhatCannotBe) {
     const std::wstring longest(QVLineSorter::kLongestDateFormat, L'x');
     const SortRequest request = {1, 2, 3, 4, L'\t', longest, 0x00161811, 5, L""};
     FileUtils::SaveSortLinesSettings(store, request);
-    for (const auto& [key, number] : {std::pair(L"KeepLinesTop", 1u),
-                                      {L"KeepLinesBottom", 2u},
-                                      {L"LineOffset", 3u},
-                                      {L"SubStringLen", 4u},
-                                      {L"LineItem", 5u},
-                                      {L"Options", 0x00161811u}}) {
-        uint32_t stored = 0;
-        EXPECT_TRUE(store->GetNumber(1, L"SortLines", key, &stored));
-        EXPECT_EQ(stored, number) << key;
-    }
+    std::vector<uint32_t> stored;
+    for (const wchar_t* key :
+         {L"KeepLinesTop", L"KeepLinesBottom", L"LineOffset", L"SubStringLen", L"LineItem", L"Options"})
+        EXPECT_TRUE(store->GetNumber(1, L"SortLines", key, &stored.emplace_back())) << key;
+    EXPECT_EQ(stored, (std::vector<uint32_t>{1, 2, 3, 4, 5, 0x00161811}));
     SortRequest loaded;
     FileUtils::LoadSortLinesSettings(store, loaded);
     EXPECT_EQ(loaded, request);

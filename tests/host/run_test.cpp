@@ -66,7 +66,6 @@ TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
         {"wildcards that match nothing", {L"command", L"40000", host.Folder() / L"no*.txt"}, 2, "no*.txt"},
         {"a missing file", {L"command", L"40000", L"none.txt"}, 2, "there is no file or folder none.txt"},
         {"no id", {L"command", L"x"}, 2, "\"x\" is no command id"},
-        {"result code", {L"call", L"Result", L"CODE=5"}, 1, "[result] that is it\n[result] error 5"},
         {"required parameter missing", {L"call", L"Echo"}, 1, "Echo needs TEXT"},
         {"unknown command", {L"call", L"Ehco"}, 2, "there is no custom command \"Ehco\", did you mean Echo?"},
         {"unknown parameter", {L"call", L"Echo", L"TXET=a"}, 2, "has no parameter \"TXET\", did you mean TEXT?"},

@@ -82,7 +82,7 @@ private:
         uint32_t (TestExtension::*run)(ICustomCommandCall&);
         ParameterRow parameters[3];
     };
-    static const CommandRow kCustomCommands[7];
+    static const CommandRow kCustomCommands[6];
 
     template <class... Arguments>
     uint32_t Log(const wchar_t* format, Arguments... arguments) {
@@ -161,14 +161,6 @@ private:
         return 1;
     }
 
-    uint32_t Result(ICustomCommandCall& call) {
-        uint32_t code = 0;
-        call.GetNumberParameter("CODE", &code);
-        call.SetResultCode(code);
-        call.SetResultText(L"that is it");
-        return 1;
-    }
-
     /// Everything that a host must survive; ends with 1 when it did.
     uint32_t Misuse(ICustomCommandCall& call) {
         IHostServices& host = *m_services;
@@ -217,7 +209,6 @@ constexpr TestExtension::CommandRow TestExtension::kCustomCommands[] = {
     {"Choose", &TestExtension::Choose, {}},
     {"Enter", &TestExtension::Enter, {}},
     {"Elevate", &TestExtension::Elevate, {{"TEXT", Text}, {"REQUEST", Number}}},
-    {"Result", &TestExtension::Result, {{"CODE", Number}}},
     {"Misuse", &TestExtension::Misuse, {{"FILE", Text}}},
 };
 

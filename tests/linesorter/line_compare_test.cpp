@@ -20,42 +20,30 @@ std::string Order(LineCompare_TextBase<CharT>& compare, std::basic_string_view<C
     return std::string(Less(compare, left, right) ? "<" : "") + (Less(compare, right, left) ? ">" : "");
 }
 
-TEST(LineCompare, FollowsEachClassesOwnRules) {
-    const struct {
-        const char *left, *right;
-        const char* bytes;  // the orders
-        const char *bytesIgnoringCase, *units, *language, *natural;
-    } cases[] = {
-        {"", "", "", "", "", "", ""},
-        {"", "a", "<", "<", "<", "<", "<"},
-        {"abc", "abcd", "", "", "<", "<", "<"},
-        {"a", "A", ">", "", ">", "", ""},
-        {"B", "a", "<", ">", "<", ">", ">"},
-        {"_", "A", ">", "<", ">", "<", "<"},
-        {"file10", "file9", "<", "<", "<", "<", ">"},
-    };
-    LineCompare_OrdinalA bytes(false);
-    LineCompare_OrdinalA bytesIgnoringCase(true);
-    LineCompare_OrdinalW units(false);
-    LineCompare_LanguageAware_StringCompareA language;
-    LineCompare_LanguageAware_WFallback natural;
-    LineCompare_LanguageAware_StringCompareEx<wchar_t> languageW(false, true);
-    LineCompare_LanguageAware_StringCompareEx<wchar_t> olderW(false, false);
-    LineCompare_LanguageAware_StringCompareEx<wchar_t> naturalW(true, true);
-    for (const auto& c : cases) {
-        const std::string_view left = c.left, right = c.right;
-        const std::wstring wideLeft(left.begin(), left.end()), wideRight(right.begin(), right.end());
-        const std::wstring_view leftW = wideLeft, rightW = wideRight;
-        SCOPED_TRACE(std::string(c.left) + " and " + c.right);
-        EXPECT_EQ(Order<char>(bytes, left, right), c.bytes);
-        EXPECT_EQ(Order<char>(bytesIgnoringCase, left, right), c.bytesIgnoringCase);
-        EXPECT_EQ(Order<wchar_t>(units, leftW, rightW), c.units);
-        EXPECT_EQ(Order<char>(language, left, right), c.language);
-        EXPECT_EQ(Order<char>(natural, left, right), c.natural);
-        EXPECT_EQ(Order<wchar_t>(languageW, leftW, rightW), c.language);
-        EXPECT_EQ(Order<wchar_t>(olderW, leftW, rightW), c.language);
-        EXPECT_EQ(Order<wchar_t>(naturalW, leftW, rightW), c.natural);
+/// The orders of some pairs, one after the other; "=" for equal ones.
+template <class CharT>
+std::string Orders(LineCompare_TextBase<CharT>&& compare) {
+    std::string orders;
+    for (const auto& [left, right] :
+         {std::pair("", ""), {"", "a"}, {"abc", "abcd"}, {"a", "A"}, {"B", "a"}, {"_", "A"}, {"file10", "file9"}}) {
+        const std::string one = left, other = right;
+        const std::basic_string<CharT> wideOne(one.begin(), one.end()), wideOther(other.begin(), other.end());
+        const std::string order = Order<CharT>(compare, wideOne, wideOther);
+        orders += order.empty() ? "=" : order;
     }
+    return orders;
+}
+
+TEST(LineCompare, FollowsEachClassesOwnRules) {
+    constexpr char kLanguage[] = "=<<=><<", kNatural[] = "=<<=><>";
+    EXPECT_EQ(Orders<char>(LineCompare_OrdinalA(false)), "=<=><><");
+    EXPECT_EQ(Orders<char>(LineCompare_OrdinalA(true)), "=<==><<");
+    EXPECT_EQ(Orders<wchar_t>(LineCompare_OrdinalW(false)), "=<<><><");
+    EXPECT_EQ(Orders<char>(LineCompare_LanguageAware_StringCompareA()), kLanguage);
+    EXPECT_EQ(Orders<char>(LineCompare_LanguageAware_WFallback()), kNatural);
+    for (const bool isNew : {true, false})
+        EXPECT_EQ(Orders<wchar_t>(LineCompare_LanguageAware_StringCompareEx<wchar_t>(false, isNew)), kLanguage);
+    EXPECT_EQ(Orders<wchar_t>(LineCompare_LanguageAware_StringCompareEx<wchar_t>(true, true)), kNatural);
 }
 
 TEST(LineCompare, OrdinalBytesEndAtAZeroByte) {

@@ -42,9 +42,12 @@ std::vector<std::basic_string<CharT>> SampleLines(size_t count, uint32_t seed, s
     return lines;
 }
 
+/// Of the characters up to U+00FF.
 template <class CharT>
-std::basic_string<CharT> As(std::string_view ascii) {
-    return {ascii.begin(), ascii.end()};
+std::basic_string<CharT> As(std::string_view latin) {
+    std::basic_string<CharT> text;
+    for (const char unit : latin) text += static_cast<CharT>(unit & 0xFF);
+    return text;
 }
 
 /// Calls `test` with a character of each type.
