@@ -149,6 +149,8 @@ TEST(ProcessFile, WritesNothingWhenCancelledOrWithoutAMatch) {
     EXPECT_EQ(Process(path, kBase, L"a", L"x", single), kFileCancelled);
     RecordingCallback multiline({Answer::Replace, Answer::Cancel});
     EXPECT_EQ(Process(path, Option::ModeMultiline | Option::DropBackup, L"a\nb", L"x\ny", multiline), 1);
+    EXPECT_EQ(multiline.lastReplacement, "x\r\ny");
+    EXPECT_EQ(multiline.lastLength, kZeroTerminated);
     RecordingCallback unasked({Answer::ReplaceAll});
     EXPECT_EQ(Process(path, Option::ModeOne | Option::KeepBackup, L"four", L"x", unasked), 0);
     EXPECT_TRUE(single.errors.empty() && multiline.errors.empty() && unasked.errors.empty());

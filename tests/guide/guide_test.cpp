@@ -38,21 +38,12 @@ std::vector<Block> BlocksOf(const std::string& guide) {
     return blocks;
 }
 
-/// The words of a command line: blanks part them, but not between double quotes.
-std::vector<std::wstring> WordsOf(const std::string& command) {
-    std::vector<std::wstring> words(1);
-    bool isQuoted = false;
-    for (const wchar_t unit : QVHost::FromUtf8(command).value_or(L"")) {
-        if (unit == L'"') isQuoted = !isQuoted;
-        if (unit == L' ' && !isQuoted) words.emplace_back();
-        if (unit != L'"' && (unit != L' ' || isQuoted)) words.back() += unit;
-    }
-    return words;
-}
-
 /// The command's output and log, then its notes.
 std::string OutputOf(const std::string& command, const std::wstring& config) {
-    std::vector<std::wstring> words = WordsOf(command);
+    int count = 0;
+    const Win32::LocalMemory memory(CommandLineToArgvW(QVHost::FromUtf8(command).value_or(L"").c_str(), &count));
+    auto* const* const first = static_cast<wchar_t* const*>(memory.Get());
+    std::vector<std::wstring> words(first, first + count);
     EXPECT_EQ(words.front(), L"qvhost") << command;
     words.front() = config;
     words.insert(words.begin(), L"--config");
