@@ -37,89 +37,81 @@ TEST(FindAndReplace, LogsEachFileAndHandsTheListsBack) {
     const CommandRunner folder;
     folder.Write(L"f.txt", "a a\n");
     folder.Write(L"taken.txt", "x");
+    folder.Write(L"utf8.txt", "a W\xC3\xB6rter\n");
     folder.Write(L"binary.bin", "\x01\x02\x03\x04\x05");
     const struct {
         const wchar_t* name;
         Words parameters, answers;
         int status;
-        const char *logged, *last, *list;
+        const char *logged, *last, *noted;
     } cases[] = {
+        {L"f.txt", {L"FIND=", L"DELETE", L"SILENT"}, {}, 1, "", "", ""},
+        {L"f.txt", {L"DELETE", L"SILENT"}, {}, 1, "", "", ""},
+        {L"none.txt", {L"FIND=a"}, {}, 1, "", "none.txt not found\n", ""},
         {L"f.txt",
-         {L"TARGET=taken.txt", L"SILENT"},
+         {L"FIND=a", L"DELETE"},
+         {L"replace", L"cancel"},
+         1,
+         "[Find and Replace] - Failed to Find/Replace text in : ",
+         "\n[Find and Replace] - Operation cancelled\n",
+         ""},
+        {L"f.txt",
+         {L"FIND=a", L"TARGET=taken.txt", L"SILENT"},
          {},
          1,
          "[Find and Replace] - File already exists. Do not overwrite : ",
          "",
          "[failed] "},
-        {L"f.txt", {L"TARGET=taken.txt", L"REPLACEALL"}, {L"no", L"ok"}, 1, "[Find and Replace] - ", "", "[question] "},
         {L"f.txt",
-         {L"TARGET=NUL", L"OVERWRITE", L"SILENT"},
+         {L"FIND=a", L"TARGET=taken.txt", L"REPLACEALL"},
+         {L"no", L"ok"},
+         1,
+         "[Find and Replace] - ",
+         "",
+         "[question] "},
+        {L"f.txt",
+         {L"FIND=a", L"TARGET=NUL", L"OVERWRITE", L"SILENT"},
          {},
          1,
          "[Find and Replace] Error : The target cannot be a file name : ",
          "[Find and Replace] - Failed to Find/Replace text in : ",
          "[failed] "},
         {L"binary.bin",
-         {L"DELETE", L"SILENT"},
+         {L"FIND=a", L"DELETE", L"SILENT"},
          {},
          0,
          "",
          "Unsupported file format ( ErrorCode : 11 )\n[Find and Replace] - 0 changes made to file : ",
          "[done] "},
+        {L"utf8.txt",
+         {L"FIND=\xF6", L"DELETE", L"SILENT"},
+         {},
+         0,
+         "[Find and Replace] - 0 changes made to file : ",
+         "\n[Find and Replace] - Note : ",
+         "[done] "},
+        {L"utf8.txt",
+         {L"FIND=\xF6", L"DELETE", L"SILENT", L"FORCEUTF8"},
+         {},
+         0,
+         "[Find and Replace] - 1 changes made to file : ",
+         "utf8.txt\n",
+         "[done] "},
         {L"f.txt",
-         {L"KEEPBACKUP", L"DELETE", L"SILENT"},
+         {L"FIND=a", L"KEEPBACKUP", L"DELETE", L"TARGET=t.txt", L"SILENT"},
          {},
          0,
          "[Find and Replace] - 2 changes made to file : ",
-         "",
+         "\n[Find and Replace] - Note : TARGET is not used",
          "[done] "},
     };
     for (const auto& c : cases) {
-        const HostRun run = Replace(folder, c.name, Joined({L"FIND=a", L"REPLACEWITH=b"}, c.parameters), c.answers);
+        const HostRun run = Replace(folder, c.name, Joined(c.parameters, {L"REPLACEWITH=b"}), c.answers);
         EXPECT_EQ(run.status, c.status) << testing::PrintToString(c.parameters);
         EXPECT_TRUE(run.out.starts_with(c.logged)) << run.out;
         EXPECT_TRUE(Holds(run.out, c.last));
-        EXPECT_TRUE(run.error.starts_with(c.list)) << run.error;
+        EXPECT_TRUE(run.error.starts_with(c.noted)) << run.error;
     }
     EXPECT_EQ(folder.Read(L"f.txt") + folder.Read(L"f.txt.bak") + folder.Read(L"taken.txt"), "b b\na a\nx");
-    EXPECT_EQ(folder.List().size(), 4u);
-}
-
-TEST(FindAndReplace, NotesWhatTheResultDoesNotShow) {
-    const CommandRunner folder;
-    const std::pair<Words, const char*> cases[] = {{{L"FIND=a", L"TARGET=t.txt"}, "TARGET is not used"},
-                                                   {{L"FIND=\xF6"}, "FORCEUTF8"},
-                                                   {{L"FIND=\xF6", L"FORCEUTF8"}, ""}};
-    for (const auto& [parameters, noted] : cases) {
-        folder.Write(L"f.txt", "a W\xC3\xB6rter\n");
-        const HostRun run = Replace(folder, L"f.txt", Joined({L"REPLACEWITH=b", L"SILENT", L"DELETE"}, parameters));
-        const std::string note = run.out.substr(run.out.find('\n') + 1);
-        EXPECT_EQ(run.status, 0) << noted;
-        EXPECT_EQ(note.starts_with("[Find and Replace] - Note : "), *noted != 0) << run.out;
-        EXPECT_TRUE(Holds(note, noted));
-    }
-}
-
-TEST(FindAndReplace, WithoutItsRequiredParametersItDoesNothing) {
-    const CommandRunner folder;
-    folder.Write(L"f.txt", "a");
-    for (const Words& words : {Words{L"REPLACEWITH=b"}, {L"FIND=", L"REPLACEWITH=b"}, {L"FIND=a", L"REPLACEWITH="}})
-        EXPECT_EQ(Replace(folder, L"f.txt", Joined(words, {L"DELETE"})).status, 1);
-    EXPECT_EQ(folder.Run({L"call", L"FindAndReplace", L"FIND=a", L"REPLACEWITH=b"}).status, 1);
-    const HostRun missing = Replace(folder, L"none.txt", {L"FIND=a", L"REPLACEWITH=b"});
-    EXPECT_TRUE(missing.status == 1 && missing.out.ends_with("none.txt not found\n")) << missing.out;
-    EXPECT_EQ(folder.Read(L"f.txt"), "a");
-}
-
-TEST(FindAndReplace, AsksAboutMatchesAndTakesTheAnswer) {
-    const CommandRunner folder;
-    folder.Write(L"f.txt", "a a\na\n");
-    const Words words = {L"FIND=a", L"REPLACEWITH=b", L"DELETE"};
-    const HostRun cancelled = Replace(folder, L"f.txt", words, {L"replace", L"cancel"});
-    EXPECT_EQ(cancelled.status, 1);
-    EXPECT_TRUE(cancelled.out.starts_with("[Find and Replace] - Failed to Find/Replace text in : ")) << cancelled.out;
-    EXPECT_TRUE(Holds(cancelled.out, "\n[Find and Replace] - Operation cancelled\n"));
-    const HostRun some = Replace(folder, L"f.txt", words, {L"find-next", L"replace-all"});
-    EXPECT_TRUE(some.status == 0 && some.out.starts_with("[Find and Replace] - 2 changes made to file")) << some.out;
-    EXPECT_EQ(folder.Read(L"f.txt"), "a b\nb\n");
+    EXPECT_EQ(folder.List().size(), 5u);
 }

@@ -12,13 +12,11 @@ using QVLineSorter::SortRequest;
 using namespace QVTest;
 namespace Option = QVLineSorter::SortOption;
 
-using Person = std::function<void(DialogDriver&, const DrivenDialog&)>;
-
-std::optional<SortRequest> Show(const SortRequest& first, const Person& person) {
+std::optional<SortRequest> Show(const SortRequest& first,
+                                const std::function<void(DialogDriver&, const DrivenDialog&)>& person) {
     std::optional<SortRequest> result;
-    QVTest::WhileDriving(
-        [&](DialogDriver& driver) { person(driver, driver.WaitFor(L"Sort Lines")); },
-        [&] { result = FileUtils::SortLinesDlg(QVTest::EchoTexts(), {L"C:\\a.txt"}, first).Show(nullptr); });
+    WhileDriving([&](DialogDriver& driver) { person(driver, driver.WaitFor(L"Sort Lines")); },
+                 [&] { result = FileUtils::SortLinesDlg(EchoTexts(), {L"C:\\a.txt"}, first).Show(nullptr); });
     return result;
 }
 
