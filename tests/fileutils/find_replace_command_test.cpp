@@ -47,6 +47,8 @@ TEST(FindAndReplace, LogsEachFileAndHandsTheListsBack) {
     } cases[] = {
         {L"f.txt", {L"FIND=", L"DELETE", L"SILENT"}, {}, 1, "", "", ""},
         {L"f.txt", {L"DELETE", L"SILENT"}, {}, 1, "", "", ""},
+        {L"f.txt", {L"FIND=a{", L"WILDCARD", L"DELETE", L"SILENT"}, {}, 1, "", " ( ErrorCode : 14 )\n", "[failed] "},
+        {L"", {L"FIND=a", L"DELETE", L"SILENT"}, {}, 1, "", "Unable to open file ( ErrorCode : 5 )\n", "[failed] "},
         {L"none.txt", {L"FIND=a"}, {}, 1, "", "none.txt not found\n", ""},
         {L"f.txt",
          {L"FIND=a", L"DELETE"},

@@ -5,7 +5,6 @@
 
 #include "findreplace/recording_callback.h"
 #include "support/temporary_folder.h"
-#include "win32/handle.h"
 
 using namespace QVFindAndReplace;
 using namespace std::string_literals;
@@ -90,31 +89,6 @@ TEST(ProcessFile, NotesUtf8ThatNothingCallsSo) {
         Process(folder.Write(L"file", content), options | Option::Silent, find, replacement, callback, &notes);
         EXPECT_EQ(notes.looksLikeUtf8, expected) << testing::PrintToString(replacement);
     }
-}
-
-TEST(ProcessFile, ReportsWhatItCannotDoAndLeavesTheFileAlone) {
-    using Error = std::pair<std::string, uint32_t>;
-    const TemporaryFolder folder;
-    const std::wstring path = folder.Write(L"file", "a\n");
-    const auto errorOf = [&](const std::wstring& source, uint32_t options, const wchar_t* find, int64_t expected) {
-        RecordingCallback callback({Answer::ReplaceAll});
-        EXPECT_EQ(Process(source, options, find, L"x", callback), expected);
-        EXPECT_EQ(callback.errors.size(), 1u);
-        return callback.errors.empty() ? Error() : callback.errors[0];
-    };
-    EXPECT_EQ(errorOf(folder / L"missing", kBase, L"a", -1), Error("File not found", 2));
-    EXPECT_EQ(errorOf(folder.Path(), kBase, L"a", -1), Error("Unable to open file", 5));
-    EXPECT_EQ(errorOf(folder.Write(L"binary", "\x01\x02\x03\x04\x05"), kBase, L"a", 0),
-              Error("File is not detected as a text file. Unsupported file format", 11));
-    EXPECT_EQ(errorOf(path, kBase | Option::Wildcard, L"a{", -1).second, 14u);
-    EXPECT_EQ(errorOf(path, Option::ModeOne | Option::SaveAs, L"a", -1), Error("Target file already exists", 80));
-    {
-        const Win32::FileHandle holder(
-            CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
-        EXPECT_EQ(errorOf(path, kBase, L"a", -1), Error("Unable to make a backup of the file", 32));
-    }
-    EXPECT_EQ(folder.Read(L"file"), "a\n");
-    EXPECT_EQ(folder.List(), (std::vector<std::wstring>{L"binary", L"file"}));
 }
 
 // A callback that is asked gets the whole text at once, so the two ways can be compared.
