@@ -1,6 +1,7 @@
 // elevated_message.h - a message as it arrives in the elevated process. For the fuzz target and the tests.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <span>
 

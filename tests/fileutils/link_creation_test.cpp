@@ -83,10 +83,8 @@ TEST_F(MakeLinkTest, AsksTheSystemForEachKind) {
         EXPECT_EQ(Make(c.type, link, c.target, c.targetIsFolder), 0u);
         EXPECT_EQ(m_asked.words, c.asked);
     }
-    for (const wchar_t* relative : {L"no such link", L"Z:no such link", L"\\no such link"}) {
-        EXPECT_EQ(Make(4, relative, m_folder.Path(), true), 0u);
-        EXPECT_EQ(m_asked.words[1], Win32::FullPath(relative)) << "the shell has no current folder";
-    }
+    EXPECT_EQ(Make(4, L"no such link", m_folder.Path(), true), 0u);
+    EXPECT_EQ(m_asked.words[1], Win32::FullPath(L"no such link")) << "the shell has no current folder";
 }
 
 TEST_F(MakeLinkTest, GivesTheseErrors) {

@@ -1,7 +1,5 @@
 // Taking ownership, resetting and granting access: messages of the elevated channel, the common frame of the three
 // commands, and the commands with their dialog, in one process and across the real channel.
-#include <algorithm>
-
 #include "fileutils/access/account_picker.h"
 #include "fileutils/access/change_access_dlg.h"
 #include "fileutils/access/security_work.h"
@@ -159,22 +157,6 @@ TEST(SecurityWork, TellsADeniedAccessInWordsAndOnce) {
     EXPECT_TRUE(Holds(host.Notes(), "Access denied: Access is denied. Administrator rights may be needed."));
 }
 
-HostRun GrantEveryoneAll(const CommandRunner& runner, const Words& items) {
-    return runner.RunDriven(Joined({L"command", L"30311"}, items), [](DialogDriver& driver) {
-        const DrivenDialog dialog = driver.WaitFor(kTitle);
-        EXPECT_EQ(dialog.Text(IDC_ACCESS_ACCOUNT), Security::CurrentAccountName());
-        EXPECT_EQ(dialog.Selected(IDC_ACCESS_RIGHTS), 0);
-        dialog.Enter(IDC_ACCESS_ACCOUNT, L"no such account");
-        dialog.Press(IDOK);
-        EXPECT_EQ(dialog.Text(IDC_REASON), L"There is no user or group of this name.");
-        dialog.Enter(IDC_ACCESS_ACCOUNT, L"");
-        EXPECT_TRUE(!dialog.IsEnabled(IDOK) && dialog.Text(IDC_REASON).empty());
-        dialog.Enter(IDC_ACCESS_ACCOUNT, L" Everyone ");
-        dialog.Select(IDC_ACCESS_RIGHTS, 3);
-        dialog.PressAndClose(IDOK);
-    });
-}
-
 TEST(GrantAndResetAccess, ChangeTheItemsBeforeTheOneThatFailsAndAskBeforeTheyTakeBack) {
     EXPECT_EQ(CommandRunner().Run({L"command", L"30311"}).status, 0) << "nothing is selected, nothing is offered";
     for (const Words& more : {Words(), {L"--can-elevate"}}) {
@@ -183,7 +165,20 @@ TEST(GrantAndResetAccess, ChangeTheItemsBeforeTheOneThatFailsAndAskBeforeTheyTak
         // Written like this, a path has no drive in front and is refused.
         const std::wstring second = L"\\\\?\\" + runner.Write(L"b", "x");
         ASSERT_FALSE(IsOpenToAll(AccessListOf(first).data()));
-        const HostRun granted = GrantEveryoneAll(runner, Joined({first, second, third}, more));
+        const HostRun granted =
+            runner.RunDriven(Joined({L"command", L"30311", first, second, third}, more), [](DialogDriver& driver) {
+                const DrivenDialog dialog = driver.WaitFor(kTitle);
+                EXPECT_EQ(dialog.Text(IDC_ACCESS_ACCOUNT), Security::CurrentAccountName());
+                EXPECT_EQ(dialog.Selected(IDC_ACCESS_RIGHTS), 0);
+                dialog.Enter(IDC_ACCESS_ACCOUNT, L"no such account");
+                dialog.Press(IDOK);
+                EXPECT_EQ(dialog.Text(IDC_REASON), L"There is no user or group of this name.");
+                dialog.Enter(IDC_ACCESS_ACCOUNT, L"");
+                EXPECT_TRUE(!dialog.IsEnabled(IDOK) && dialog.Text(IDC_REASON).empty());
+                dialog.Enter(IDC_ACCESS_ACCOUNT, L" Everyone ");
+                dialog.Select(IDC_ACCESS_RIGHTS, 3);
+                dialog.PressAndClose(IDOK);
+            });
         EXPECT_TRUE(Holds(granted.error, "The access could not be granted (error "));
         EXPECT_FALSE(IsOpenToAll(AccessListOf(third).data()));
         const Words reset = Joined({L"command", L"30310", first}, more);
