@@ -8,6 +8,7 @@
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
 #include "host/app/nearest_name.h"
+#include "host/elevated/message_pipe.h"
 
 namespace QVHost {
 namespace {
@@ -166,6 +167,18 @@ void CheckAction(const CLI::App& app, const std::optional<std::wstring>& action)
         throw UsageError(L"there is no \"" + *action + L"\"" + DidYouMean(*action, known));
 }
 
+/// This process has rights that the writer of its command line may lack: no file that the line names is opened or made.
+void CheckServer(const HostOptions& options) {
+    if (!IsRandomPipeName(options.pipe))
+        throw UsageError(L"elevated-server needs --pipe with a name as the first process makes it");
+    HostOptions allowed;
+    allowed.action = options.action;
+    allowed.library = options.library;
+    allowed.pipe = options.pipe;
+    allowed.extension = options.extension;
+    if (options != allowed) throw UsageError(L"elevated-server takes --pipe, --extension and --library alone");
+}
+
 void CheckOperands(const HostOptions& options) {
     const bool takesOperands = options.action == Action::Call || options.action == Action::Command ||
                                options.action == Action::Columns || options.action == Action::Rename ||
@@ -178,8 +191,7 @@ void CheckOperands(const HostOptions& options) {
         throw UsageError(L"command needs an id: qvhost command ID PATH...");
     if (options.action == Action::Panel && options.operands.size() > 1)
         throw UsageError(L"panel shows one folder: qvhost panel [FOLDER]");
-    if (options.action == Action::ElevatedServer && options.pipe.empty())
-        throw UsageError(L"elevated-server needs --pipe");
+    if (options.action == Action::ElevatedServer) CheckServer(options);
 }
 
 }  // namespace

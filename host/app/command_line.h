@@ -27,6 +27,8 @@ struct RenameOptions {
     bool isCaseSensitive = false;
     bool isPreview = false;
     bool noUndo = false;
+
+    bool operator==(const RenameOptions&) const = default;
 };
 
 struct HostOptions {
@@ -49,6 +51,8 @@ struct HostOptions {
     RenameOptions rename;
     std::wstring pipe;  // these two: of an elevated second process only
     uint32_t extension = 0;
+
+    bool operator==(const HostOptions&) const = default;
 };
 
 /// Nothing is to be run: the text is for standard output.

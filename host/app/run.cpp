@@ -10,8 +10,6 @@
 #include "host/app/selection.h"
 #include "host/app/session.h"
 #include "host/app/subcommands.h"
-#include "win32/files.h"
-#include "win32/path.h"
 
 namespace QVHost {
 namespace {
@@ -118,31 +116,13 @@ int RunCommand(Session& session, const HostOptions& options, std::istream& in) {
     return StatusOf(state, handled, 0);
 }
 
-/// The second process has rights that the writer of its command line may lack.
-/// @throws UsageError for a library from another folder than the program's, before it is loaded
-void CheckServerLibrary(const HostOptions& options, const HostEnvironment& environment) {
-    const auto folderOf = [](const std::wstring& path) { return std::wstring(Win32::FolderOf(Win32::FullPath(path))); };
-    const std::wstring library = LibraryPath(options, environment);
-    if (!EqualIgnoringCase(folderOf(library), folderOf(environment.program)))
-        throw UsageError(L"elevated-server loads only a library beside this program, not " + library);
-}
-
-int RunElevatedServer(Session& session, const HostOptions& options) {
-    if (options.extension >= session.Extensions().size()) throw UsageError(L"there is no such extension");
-    Quorvane::SDK::IPluginInterface* const extension = session.Extensions()[options.extension]->Commands();
-    if (!extension) throw UsageError(L"this extension handles no requests");
-    const uint32_t error = ServeElevatedRequests(options.pipe, options.extension, *extension);
-    if (error != 0) session.State().output.Note(L"[elevated] the pipe failed: " + DescribeError(error));
-    return StatusOf(session.State(), true, error);
-}
-
 int Run(const HostOptions& options, HostEnvironment& environment, Output& output) {
     constexpr Action kTakeLists[] = {Action::Call, Action::Columns, Action::Command, Action::Rename};
     if (options.filesFrom && std::ranges::find(kTakeLists, options.action) == std::end(kTakeLists))
         throw UsageError(L"--files-from goes with call, columns, command and rename alone");
     if (options.action == Action::Rename) return RunRename(options, environment, output);
     if (options.action == Action::Undo) return RunUndo(options, environment, output);
-    if (options.action == Action::ElevatedServer) CheckServerLibrary(options, environment);
+    if (options.action == Action::ElevatedServer) return RunElevatedServer(options, environment);
     Session session(options, environment, output);
     if (options.action == Action::Extensions) {
         PrintExtensions(output, session.Library().Extensions());
@@ -154,7 +134,6 @@ int Run(const HostOptions& options, HostEnvironment& environment, Output& output
         case Action::Call: return RunCall(session, options, environment.in);
         case Action::Command: return RunCommand(session, options, environment.in);
         case Action::Columns: return RunColumns(session, options, environment.in);
-        case Action::ElevatedServer: return RunElevatedServer(session, options);
         case Action::Menus: PrintMenus(output, session.State().menus); return ExitStatus::Done;
         default: PrintCustomCommands(output, session.State().customCommands); return ExitStatus::Done;
     }

@@ -4,7 +4,7 @@
 #include "host/app/host_text.h"
 #include "host/app/unix_paths.h"
 #include "host/contract/whole_file.h"
-#include "host/elevated/process_image.h"
+#include "host/elevated/message_pipe.h"
 #include "host/questions/answers.h"
 #include "win32/files.h"
 #include "win32/path.h"
@@ -30,8 +30,10 @@ std::wstring GivenOrBeside(const std::wstring& given, const std::wstring& progra
     return given.empty() ? Win32::JoinPath(Win32::FolderOf(program), name) : FullUserPath(given);
 }
 
+/// "" for an elevated second process: what it would read and write there, others without its rights can change.
 /// @throws UsageError
 std::wstring ConfigurationFolder(const HostOptions& options) {
+    if (options.action == Action::ElevatedServer) return {};
     if (!options.config.empty()) return Win32::JoinPath(FullUserPath(options.config), L"");
     const std::wstring folder = EnvironmentText(L"APPDATA");
     // The current folder is nobody's place for settings.
@@ -39,7 +41,14 @@ std::wstring ConfigurationFolder(const HostOptions& options) {
     return Win32::JoinPath(Win32::JoinPath(folder, kConfigurationName), L"");
 }
 
+std::wstring SettingsPath(const HostOptions& options) {
+    const std::wstring folder = ConfigurationFolder(options);
+    return folder.empty() ? folder : folder + kSettingsName;
+}
+
 std::unique_ptr<IAnswers> MakeAnswers(const HostOptions& options, const HostEnvironment& environment, Output& output) {
+    // Nobody sees the second process, so nobody could answer it.
+    if (options.action == Action::ElevatedServer) return std::make_unique<SafeAnswers>();
     if (!options.answers.empty()) return std::make_unique<ScriptedAnswers>(output, options.answers);
     if (options.asksInWindows) return std::make_unique<WindowAnswers>();
     if (environment.readAnswer) return std::make_unique<ConsoleAnswers>(output, environment.readAnswer);
@@ -54,15 +63,7 @@ ProgressWatch MakeProgressWatch(const HostOptions& options, const HostEnvironmen
 
 ElevatedLaunch MakeElevatedLaunch(const HostOptions& options, const HostEnvironment& environment) {
     // The same program: the second process serves no other.
-    ElevatedLaunch launch = {OwnImage(), {}};
-    const auto pass = [&](const wchar_t* option, const std::wstring& value) {
-        launch.options.insert(launch.options.end(), {option, value});
-    };
-    pass(L"--library", GivenOrBeside(options.library, environment.program, kLibraryName));
-    pass(L"--language", GivenOrBeside(options.language, environment.program, kLanguageName));
-    pass(L"--config", ConfigurationFolder(options));
-    if (!options.log.empty()) pass(L"--log", FullUserPath(options.log));
-    return launch;
+    return {OwnImage(), {L"--library", LibraryPath(options, environment)}};
 }
 
 const std::wstring& Existing(const std::wstring& file, bool mustExist) {
@@ -80,7 +81,7 @@ HostState MakeHostState(const HostOptions& options, const HostEnvironment& envir
     return {.output = output,
             .log = {output, options.log.empty() ? L"" : FullUserPath(options.log), options.isQuiet},
             .texts = {},
-            .settings = {output, ConfigurationFolder(options) + kSettingsName},
+            .settings = {output, SettingsPath(options)},
             .questions = {output, MakeAnswers(options, environment, output)},
             .progressWatch = MakeProgressWatch(options, environment),
             .elevatedLaunch = MakeElevatedLaunch(options, environment),
@@ -112,12 +113,17 @@ void Session::ReadLanguage(const std::wstring& file, bool mustExist) {
 }
 
 void Session::StartExtensions() {
-    for (uint32_t index = 0; index < m_library.Extensions().size(); ++index) {
-        m_services.push_back(std::make_unique<HostServices>(m_state, index, m_library.Extensions()[index]));
-        m_extensions.push_back(std::make_unique<LoadedExtension>(m_library, index, *m_services.back()));
-        if (Quorvane::SDK::IFileProperties* const provider = m_extensions.back()->Properties())
-            m_state.columns.AddProvider(m_state.propertyColumns[index], *provider);
-    }
+    for (uint32_t index = 0; index < m_library.Extensions().size(); ++index) StartExtension(index);
+}
+
+LoadedExtension& Session::StartExtension(uint32_t index) {
+    if (index >= m_library.Extensions().size()) throw UsageError(L"there is no such extension");
+    m_services.push_back(std::make_unique<HostServices>(m_state, index, m_library.Extensions()[index]));
+    LoadedExtension& extension =
+        *m_extensions.emplace_back(std::make_unique<LoadedExtension>(m_library, index, *m_services.back()));
+    if (Quorvane::SDK::IFileProperties* const provider = extension.Properties())
+        m_state.columns.AddProvider(m_state.propertyColumns[index], *provider);
+    return extension;
 }
 
 bool Session::RunCommand(uint32_t id) {

@@ -29,6 +29,9 @@ public:
     /// Makes and starts every extension of the library.
     /// @throws HostError when one does not start
     void StartExtensions();
+    /// One of them alone.
+    /// @throws UsageError when there is none of this index
+    LoadedExtension& StartExtension(uint32_t index);
 
     /// Gives the command to the extension that made it, or, when none did, to one after the other until it is handled:
     /// some commands have no entry in a menu. False when none handles it.
@@ -40,7 +43,7 @@ public:
 
     HostState& State() { return m_state; }
     const LoadedLibrary& Library() const { return m_library; }
-    /// In the order of the library; empty before StartExtensions.
+    /// In the order in which they were started: after StartExtensions, that of the library.
     const std::vector<std::unique_ptr<LoadedExtension>>& Extensions() const { return m_extensions; }
 
 private:

@@ -48,13 +48,13 @@ int RunRename(const HostOptions& options, HostEnvironment& environment, Output& 
 int RunUndo(const HostOptions& options, HostEnvironment& environment, Output& output);
 
 /// `elevated-server`: performs the requests that come through the pipe on this process's own copy of the library, one
-/// after the other, until the pipe ends.
+/// after the other, until the pipe ends. The exit status.
 ///
-/// Serves the pipe, if this program made it: 5 when another one did, or when the system does not say, and 87 for a name
-/// that RandomPipeName does not give. A malformed message is answered with 87, a request that the extension does not
-/// know with 1; the next one is served all the same. Returns 0 when the other side has closed the pipe, else a Windows
-/// error code.
-uint32_t ServeElevatedRequests(const std::wstring& pipeName, uint32_t extensionIndex,
-                               Quorvane::SDK::IPluginInterface& extension);
+/// Loads only a library beside this program, starts no other extension than the one asked for, keeps no settings and
+/// writes no log of its own: what there is to log goes back with the reply. Serves the pipe only if this program made
+/// it, as the user of this desktop. A malformed message is answered with 87, a request that the extension does not know
+/// with 1; the next one is served all the same.
+/// @throws UsageError, HostError
+int RunElevatedServer(const HostOptions& options, HostEnvironment& environment);
 
 }  // namespace QVHost

@@ -190,7 +190,7 @@ void* HostServices::AcquireService(uint32_t number, uint32_t, const wchar_t*) {
             case ServiceNumber::ElevatedChannel:
                 if (!m_state.canElevate) return nullptr;
                 return KeepService<IElevatedChannel>(
-                    std::make_shared<ElevatedChannel>(m_state.output, m_state.elevatedLaunch, m_extension));
+                    std::make_shared<ElevatedChannel>(m_state.log, m_state.elevatedLaunch, m_extension));
             default: return nullptr;
         }
     });

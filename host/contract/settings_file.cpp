@@ -23,6 +23,8 @@ bool IsMissing(uint32_t error) {
 }  // namespace
 
 SettingsFile::SettingsFile(Output& output, std::wstring path) : m_output(output), m_path(std::move(path)) {
+    m_mayWrite = !m_path.empty();
+    if (!m_mayWrite) return;
     std::string bytes;
     const uint32_t error = ReadWholeFile(m_path, bytes);
     if (IsMissing(error)) return;

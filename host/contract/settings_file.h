@@ -17,7 +17,8 @@ namespace QVHost {
 class SettingsFile {
 public:
     /// Reads the file when it is there. One that cannot be understood is moved aside (`.damaged`, `.damaged-2`, ...)
-    /// and the run begins without settings; one that cannot be read is left alone and never written over.
+    /// and the run begins without settings; one that cannot be read is left alone and never written over. "" for
+    /// settings that end with the run.
     SettingsFile(Output& output, std::wstring path);
 
     std::optional<std::wstring> Text(const std::wstring& extension, const wchar_t* section, const wchar_t* key);

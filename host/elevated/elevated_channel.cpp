@@ -1,5 +1,7 @@
 #include "host/elevated/elevated_channel.h"
 
+#include <algorithm>
+
 #include <shellapi.h>
 
 #include "host/app/host_text.h"
@@ -12,10 +14,9 @@ namespace {
 
 constexpr DWORD kConnectMilliseconds = 30000;  // a person answers the system's prompt before this begins
 constexpr DWORD kWriteMilliseconds = 30000;
-// For as many paths as a request holds. The other process's end is noticed at once; this is for one that hangs.
-constexpr DWORD kReplyMilliseconds = 10 * 60 * 1000;
+constexpr DWORD kSilenceMilliseconds = 15000;  // several times the distance of two signs of work
+constexpr ULONGLONG kWorkMilliseconds = 5 * 60 * 1000;
 constexpr DWORD kEndMilliseconds = 10000;
-constexpr size_t kReplyLimit = 64;  // bytes
 
 /// Starts the program through the system's elevation prompt.
 uint32_t StartWithPrompt(const std::wstring& program, const std::wstring& arguments, Win32::KernelHandle& process) {
@@ -76,9 +77,11 @@ bool ElevatedChannel::Connect() {
         const DWORD client = error == ERROR_SUCCESS ? m_pipe.ClientProcessId() : 0;
         if (error == ERROR_SUCCESS && (client == 0 || client != GetProcessId(m_process.Get())))
             error = ERROR_ACCESS_DENIED;
+        Reply ready;
+        if (error == ERROR_SUCCESS) error = AwaitReply(ready);
+        if (error == ERROR_SUCCESS) error = ready.result;
         m_isConnected = error == ERROR_SUCCESS;
-        if (!m_isConnected)
-            m_output.Note(L"[elevated] no connection to an elevated process: " + DescribeError(error), Tone::Failure);
+        if (!m_isConnected) LogLine(L"no connection to an elevated process: " + DescribeError(error), error);
         return m_isConnected;
     });
 }
@@ -106,18 +109,47 @@ uint32_t ElevatedChannel::Send(uint32_t requestId, const void* data, uint32_t si
     return Guarded<uint32_t>(ERROR_OUTOFMEMORY, [&]() -> uint32_t {
         if (!m_isConnected) return ERROR_PIPE_NOT_CONNECTED;
         if ((!data && size > 0) || size > kLargestPayload) return ERROR_INVALID_PARAMETER;
-        const Bytes message =
-            EncodeRequest({requestId, m_extension, {static_cast<const uint8_t*>(data), size_t{size}}});
-        uint32_t error = m_pipe.Write(message, m_process.Get(), kWriteMilliseconds);
-        Bytes reply;
-        if (error == ERROR_SUCCESS) error = m_pipe.Read(reply, kReplyLimit, m_process.Get(), kReplyMilliseconds);
-        if (error != ERROR_SUCCESS) {
-            // A late reply must not be taken for the answer to the next request.
-            Close();
-            return error;
-        }
-        return DecodeReply(reply).value_or(ERROR_INVALID_DATA);
+        Reply reply;
+        uint32_t error = Write(EncodeRequest({requestId, m_extension, {static_cast<const uint8_t*>(data), size}}));
+        if (error == ERROR_SUCCESS) error = AwaitReply(reply);
+        if (error == ERROR_SUCCESS) return reply.result;
+        LogLine(L"request " + std::to_wstring(requestId) + L" has no answer: " + DescribeError(error), error);
+        // A late reply must not be taken for the answer to the next request.
+        Close();
+        return error;
     });
+}
+
+/// In portions that the pipe takes.
+uint32_t ElevatedChannel::Write(std::span<const uint8_t> request) {
+    uint32_t error = ERROR_SUCCESS;
+    while (!request.empty() && error == ERROR_SUCCESS) {
+        const size_t size = std::min<size_t>(request.size(), kLargestMessage);
+        error = m_pipe.Write(request.first(size), m_process.Get(), kWriteMilliseconds);
+        request = request.subspan(size);
+    }
+    return error;
+}
+
+uint32_t ElevatedChannel::AwaitReply(Reply& reply) {
+    const ULONGLONG end = GetTickCount64() + kWorkMilliseconds;
+    Bytes message;
+    do {
+        const uint32_t error = m_pipe.Read(message, kLargestMessage, m_process.Get(), kSilenceMilliseconds);
+        if (error != ERROR_SUCCESS) return error;
+        if (IsAtWork(message)) continue;
+        std::optional<Reply> decoded = DecodeReply(message);
+        if (!decoded) return ERROR_INVALID_DATA;
+        reply = std::move(*decoded);
+        for (const std::string& text = ToUtf8(reply.log); const std::string_view line : LinesOf(text))
+            LogLine(FromUtf8(line).value_or(L""), reply.result);
+        return ERROR_SUCCESS;
+    } while (GetTickCount64() < end);
+    return ERROR_TIMEOUT;
+}
+
+void ElevatedChannel::LogLine(const std::wstring& text, uint32_t error) {
+    m_log.Write(L"[elevated] " + text, error == ERROR_SUCCESS ? Tone::Plain : Tone::Failure);
 }
 
 void ElevatedChannel::Close() {

@@ -6,22 +6,25 @@
 #include <vector>
 
 #include "host/app/output.h"
+#include "host/elevated/elevated_protocol.h"
 #include "host/elevated/message_pipe.h"
-#include "host/elevated/request_fields.h"
 #include "sdk/services.h"
 
 namespace QVHost {
 
-/// How a second, elevated process is started: this program, and the options it must share with the first.
+/// How a second, elevated process is started: this program, and the options it takes apart from the pipe.
 struct ElevatedLaunch {
     std::wstring program;
     std::vector<std::wstring> options;
 };
 
+/// Every request is logged with its answer, and with what the second process has logged meanwhile. No call waits
+/// without an end: a process that ends is noticed at once, one that hangs after seconds, and one that says that it is
+/// at work is waited for five minutes (1460, a timeout; what it has begun it may still finish).
 class ElevatedChannel final : public Quorvane::SDK::IElevatedChannel {
 public:
-    ElevatedChannel(Output& output, ElevatedLaunch launch, uint32_t extension)
-        : m_output(output), m_launch(std::move(launch)), m_extension(extension) {}
+    ElevatedChannel(Log& log, ElevatedLaunch launch, uint32_t extension)
+        : m_log(log), m_launch(std::move(launch)), m_extension(extension) {}
     ElevatedChannel(const ElevatedChannel&) = delete;
     ElevatedChannel& operator=(const ElevatedChannel&) = delete;
     ~ElevatedChannel() { Close(); }
@@ -33,8 +36,11 @@ public:
 
 private:
     uint32_t Start(const std::wstring& pipeName);
+    uint32_t Write(std::span<const uint8_t> request);
+    uint32_t AwaitReply(Reply& reply);
+    void LogLine(const std::wstring& text, uint32_t error);
 
-    Output& m_output;
+    Log& m_log;
     ElevatedLaunch m_launch;
     uint32_t m_extension;
     bool m_isConnected = false;

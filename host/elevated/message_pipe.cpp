@@ -1,9 +1,16 @@
 #include "host/elevated/message_pipe.h"
 
 #include <algorithm>
+#include <array>
+#include <memory>
 #include <random>
 
+#include "win32/files.h"
+#include "win32/text.h"
+
+#include <aclapi.h>
 #include <sddl.h>
+#include <wtsapi32.h>
 
 namespace QVHost {
 namespace {
@@ -14,9 +21,17 @@ constexpr std::wstring_view kPipeNameStart = LR"(\\.\pipe\qvhost-)";
 constexpr std::wstring_view kDigits = L"0123456789abcdef";
 constexpr size_t kPipeNameLength = kPipeNameStart.size() + 32;
 
-/// A security descriptor that admits the user of this process, administrators and nobody else; empty when it cannot be
-/// made.
-Win32::LocalMemory ThisUserAndAdministrators() {
+constexpr DWORD kLongestPath = 32768;  // units
+
+std::wstring TextOf(PSID user) {
+    wchar_t* raw = nullptr;
+    if (!ConvertSidToStringSidW(user, &raw)) return {};
+    const Win32::LocalMemory text(raw);
+    return raw;
+}
+
+/// The user of this process, "S-1-..."; "" when the system does not say.
+std::wstring OwnUser() {
     HANDLE rawToken = nullptr;
     if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &rawToken)) return {};
     const Win32::KernelHandle token(rawToken);
@@ -25,15 +40,71 @@ Win32::LocalMemory ThisUserAndAdministrators() {
     // 8-byte elements: the record begins with a pointer.
     std::vector<uint64_t> user((size + sizeof(uint64_t) - 1) / sizeof(uint64_t));
     if (user.empty() || !GetTokenInformation(token.Get(), TokenUser, user.data(), size, &size)) return {};
-    wchar_t* rawSid = nullptr;
-    if (!ConvertSidToStringSidW(reinterpret_cast<const TOKEN_USER*>(user.data())->User.Sid, &rawSid)) return {};
-    const Win32::LocalMemory sid(rawSid);
-    // A protected list: everything for the two.
-    const std::wstring list = L"D:P(A;;GA;;;" + std::wstring(rawSid) + L")(A;;GA;;;BA)";
+    return TextOf(reinterpret_cast<const TOKEN_USER*>(user.data())->User.Sid);
+}
+
+/// A security descriptor that belongs to the user of this process and admits that user, administrators and nobody else;
+/// empty when it cannot be made.
+Win32::LocalMemory ThisUserAndAdministrators() {
+    const std::wstring user = OwnUser();
+    // Named as the owner, the user can be told by the other end. A protected list: everything for the two.
+    const std::wstring text = L"O:" + user + L"D:P(A;;GA;;;" + user + L")(A;;GA;;;BA)";
     PSECURITY_DESCRIPTOR descriptor = nullptr;
-    if (!ConvertStringSecurityDescriptorToSecurityDescriptorW(list.c_str(), SDDL_REVISION_1, &descriptor, nullptr))
+    if (user.empty() ||
+        !ConvertStringSecurityDescriptorToSecurityDescriptorW(text.c_str(), SDDL_REVISION_1, &descriptor, nullptr))
         return {};
     return Win32::LocalMemory(descriptor);
+}
+
+/// Lets an elevated process look at one of another user, where elevation meant another account. Best effort: without it
+/// the look fails.
+void AllowLookingAtOtherUsers() {
+    HANDLE raw = nullptr;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES, &raw)) return;
+    const Win32::KernelHandle token(raw);
+    TOKEN_PRIVILEGES privileges = {1, {{{}, SE_PRIVILEGE_ENABLED}}};
+    if (LookupPrivilegeValueW(nullptr, SE_DEBUG_NAME, &privileges.Privileges[0].Luid))
+        AdjustTokenPrivileges(token.Get(), FALSE, &privileges, 0, nullptr, nullptr);
+}
+
+std::wstring ImageOf(DWORD processId) {
+    Win32::KernelHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId));
+    if (!process && GetLastError() == ERROR_ACCESS_DENIED) {
+        AllowLookingAtOtherUsers();
+        process.Reset(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId));
+    }
+    std::wstring path(kLongestPath, L'\0');
+    DWORD length = kLongestPath;
+    if (!process || !QueryFullProcessImageNameW(process.Get(), 0, path.data(), &length)) return {};
+    path.resize(length);
+    return path;
+}
+
+/// A text that the system has of this process's session, in lower or upper case as it likes.
+std::wstring TextOfSession(WTS_INFO_CLASS what) {
+    wchar_t* text = nullptr;
+    DWORD size = 0;
+    if (!WTSQuerySessionInformationW(WTS_CURRENT_SERVER_HANDLE, WTS_CURRENT_SESSION, what, &text, &size)) return {};
+    const std::unique_ptr<wchar_t, decltype(&WTSFreeMemory)> owner(text, WTSFreeMemory);
+    return text;
+}
+
+/// True for the user who is logged on at this desktop.
+bool IsUserOfSession(PSID user) {
+    std::array<wchar_t, 256> name = {};  // longer than the system lets accounts and domains be
+    std::array<wchar_t, 256> domain = {};
+    auto nameSize = static_cast<DWORD>(name.size());
+    auto domainSize = static_cast<DWORD>(domain.size());
+    SID_NAME_USE use = {};
+    return LookupAccountSidW(nullptr, user, name.data(), &nameSize, domain.data(), &domainSize, &use) &&
+           Win32::EqualIgnoringCase(name.data(), TextOfSession(WTSUserName)) &&
+           Win32::EqualIgnoringCase(domain.data(), TextOfSession(WTSDomainName));
+}
+
+bool IsInOwnSession(DWORD processId) {
+    DWORD own = 0;
+    DWORD other = 0;
+    return ProcessIdToSessionId(GetCurrentProcessId(), &own) && ProcessIdToSessionId(processId, &other) && own == other;
 }
 
 OVERLAPPED OperationWith(const Win32::KernelHandle& event) {
@@ -88,6 +159,19 @@ DWORD MessagePipe::ServerProcessId() const {
     return GetNamedPipeServerProcessId(m_pipe.Get(), &id) ? id : 0;
 }
 
+bool MessagePipe::IsMadeByOwnHost() const {
+    const DWORD maker = ServerProcessId();
+    if (maker == 0 || !IsInOwnSession(maker) || !Win32::IsSameFile(ImageOf(maker), OwnImage())) return false;
+    PSID user = nullptr;
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    if (GetSecurityInfo(m_pipe.Get(), SE_KERNEL_OBJECT, OWNER_SECURITY_INFORMATION, &user, nullptr, nullptr, nullptr,
+                        &descriptor) != ERROR_SUCCESS)
+        return false;
+    const Win32::LocalMemory owner(descriptor);
+    const std::wstring own = OwnUser();
+    return user && ((!own.empty() && TextOf(user) == own) || IsUserOfSession(user));
+}
+
 uint32_t MessagePipe::Write(std::span<const uint8_t> message, HANDLE process, DWORD milliseconds) {
     OVERLAPPED operation = OperationWith(m_event);
     DWORD written = 0;
@@ -130,6 +214,10 @@ uint32_t MessagePipe::Await(OVERLAPPED& operation, HANDLE process, DWORD millise
     const DWORD error = GetLastError();
     if (outcome == WAIT_TIMEOUT) return ERROR_TIMEOUT;
     return outcome == WAIT_OBJECT_0 ? error : ERROR_BROKEN_PIPE;
+}
+
+std::wstring OwnImage() {
+    return ImageOf(GetCurrentProcessId());
 }
 
 std::wstring RandomPipeName() {

@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-#include "host/elevated/request_fields.h"
+#include "host/elevated/elevated_protocol.h"
 #include "win32/handle.h"
 
 namespace QVHost {
@@ -28,11 +28,14 @@ public:
     /// and from the other one.
     DWORD ClientProcessId() const;
     DWORD ServerProcessId() const;
+    /// True when this program made the pipe, at this desktop, as this user or as the one who is logged on here: where
+    /// that one lacks the rights, the system's prompt takes an administrator's account for this process.
+    bool IsMadeByOwnHost() const;
 
     uint32_t Write(std::span<const uint8_t> message, HANDLE process, DWORD milliseconds);
     /// Reads one message. A message of more than `limit` bytes is taken from the pipe to its end and refused with 87,
     /// so that the next one can be read. `process` may be null: then only the pipe's end ends the wait, and the time,
-    /// which may be INFINITE and counts anew for each part of a long message.
+    /// which counts anew for each part of a long message.
     uint32_t Read(Bytes& message, size_t limit, HANDLE process, DWORD milliseconds);
 
 private:
@@ -41,6 +44,9 @@ private:
     Win32::FileHandle m_pipe;
     Win32::KernelHandle m_event;
 };
+
+/// Full path of the program that runs as this process; "" when the system does not say.
+std::wstring OwnImage();
 
 /// A pipe name that nobody can guess: \\.\pipe\qvhost- and 32 hexadecimal digits.
 std::wstring RandomPipeName();

@@ -8,6 +8,7 @@
 #include "fileutils/elevated_request.h"
 #include "fileutils/fileutils_resource.h"
 #include "fuzz/elevated_message.h"
+#include "host/elevated/elevated_protocol.h"
 #include "security/account_names.h"
 #include "support/services_of_host.h"
 #include "win32/files.h"

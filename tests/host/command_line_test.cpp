@@ -43,6 +43,8 @@ TEST(ParseCommandLine, TakesTheValuesOfRenameAsTheyAre) {
 }
 
 TEST(ParseCommandLine, RefusesWhatMakesNoSense) {
+    const std::wstring pipe = L"\\\\.\\pipe\\qvhost-0123456789abcdef0123456789abcdef";
+    EXPECT_NO_THROW(ParseCommandLine({L"elevated-server", L"--pipe", pipe, L"--library", L"x", L"--extension", L"1"}));
     for (const Words& arguments : {Words{},
                                    {L"call"},
                                    {L"command"},
@@ -51,7 +53,10 @@ TEST(ParseCommandLine, RefusesWhatMakesNoSense) {
                                    {L"--answer"},
                                    {L"call", L"N", L"--name", L"x"},
                                    {L"menus", L"--config", L""},
-                                   {L"elevated-server"}})
+                                   {L"elevated-server"},
+                                   {L"elevated-server", L"--pipe", pipe, L"--log", L"x"},
+                                   {L"elevated-server", L"--pipe", pipe, L"--config", L"x"},
+                                   {L"elevated-server", L"--pipe", pipe.substr(1)}})
         EXPECT_THROW(ParseCommandLine(arguments), UsageError) << arguments.size();
     for (const wchar_t* option : {L"--help", L"--version"}) EXPECT_THROW(ParseCommandLine({option}), HelpText);
     try {

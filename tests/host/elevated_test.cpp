@@ -6,7 +6,6 @@
 #include "host/elevated/elevated_channel.h"
 #include "host/elevated/elevated_protocol.h"
 #include "host/elevated/message_pipe.h"
-#include "host/elevated/process_image.h"
 #include "host_runner.h"
 
 #include <aclapi.h>
@@ -41,19 +40,35 @@ TEST(RequestFields, AreReadWhenTheyAreWhole) {
     for (const auto& [why, field] : bad) EXPECT_FALSE(FieldReader(field).ReadString(text)) << why;
 }
 
+TEST(ElevatedProtocol, TellsRepliesFromOtherMessages) {
+    const Bytes reply = EncodeReply({1314, std::wstring(kLargestMessage, L'x')});
+    EXPECT_LE(reply.size(), kLargestMessage) << "whatever is logged, the other side takes it";
+    EXPECT_EQ(DecodeReply(reply)->result, 1314u);
+    EXPECT_EQ(DecodeReply(EncodeReply({1, L"a\nb"}))->log, L"a\nb");
+    const Bytes payload = {1, 2, 3};
+    for (const Bytes& other : {EncodeRequest({7, 2, payload}), EncodeAtWork(), Bytes()})
+        EXPECT_FALSE(DecodeReply(other));
+    EXPECT_TRUE(IsAtWork(EncodeAtWork()));
+    EXPECT_FALSE(IsAtWork(reply));
+}
+
 TEST(ElevatedChannel, ReachesASecondProcess) {
     const HostRunner host;
-    const HostRun large = host.Call({L"Elevate", L"TEXT=" + std::wstring(300000, L'x'), L"--can-elevate"});
-    EXPECT_EQ(large.out, "result 301000\nresult 301000\n") << large.error;
-    EXPECT_EQ(host.Call({L"Elevate", L"TEXT=a", L"REQUEST=9", L"--can-elevate"}).out, "result 1\nresult 1\n");
+    // More than fits one message, and than one message was allowed to hold in all.
+    const HostRun large = host.Call({L"Elevate", L"TEXT=" + std::wstring(10000000, L'x'), L"--can-elevate"});
+    const std::string answered = "[elevated] request 7000, 20000030 bytes: error 10001000\nresult 10001000\n";
+    EXPECT_EQ(large.out, answered + answered) << large.error;
+    const std::string refused = "[elevated] request 9, 32 bytes: error 1 (Invalid function.)\nresult 1\n";
+    EXPECT_EQ(host.Call({L"Elevate", L"TEXT=a", L"REQUEST=9", L"--can-elevate"}).out, refused + refused);
     EXPECT_EQ(host.Call({L"Elevate", L"TEXT=a"}).out, "no channel\n") << "the host cannot elevate";
 }
 
 TEST(ElevatedChannel, GivesUpWhenTheOtherProcessEnds) {
     std::ostringstream text;
     Output output(text, text, false);
+    Log log(output, L"", false);
     // The second process finds no library and ends before it connects.
-    ElevatedChannel channel(output, {BesideThisProgram(L"qvhost.exe"), {L"--library", L"none.dll"}}, 0);
+    ElevatedChannel channel(log, {BesideThisProgram(L"qvhost.exe"), {L"--library", L"none.dll"}}, 0);
     EXPECT_FALSE(channel.Connect());
     EXPECT_EQ(channel.Send(1, "", 0), static_cast<uint32_t>(ERROR_PIPE_NOT_CONNECTED));
 }
@@ -89,14 +104,19 @@ public:
         // The program that made the pipe, or it would not be served.
         m_process = Start(OwnImage(), name, BesideThisProgram(L"test_extension.dll"));
         EXPECT_EQ(m_pipe.WaitForClient(m_process.Get(), kPatience), 0u);
+        EXPECT_EQ(Answer(), 0u) << "it is ready";
     }
 
     /// The result that comes back; nothing when no reply does.
     std::optional<uint32_t> Ask(const Bytes& message) {
-        Bytes reply;
-        if (m_pipe.Write(message, m_process.Get(), kPatience) != 0) return std::nullopt;
-        if (m_pipe.Read(reply, 64, m_process.Get(), kPatience) != 0) return std::nullopt;
-        return DecodeReply(reply);
+        return m_pipe.Write(message, m_process.Get(), kPatience) == 0 ? Answer() : std::nullopt;
+    }
+    std::optional<uint32_t> Answer() {
+        Bytes message = EncodeAtWork();
+        while (IsAtWork(message))
+            if (m_pipe.Read(message, kLargestMessage, m_process.Get(), kPatience) != 0) return std::nullopt;
+        const std::optional<Reply> reply = DecodeReply(message);
+        return reply ? std::optional(reply->result) : std::nullopt;
     }
 
     /// The exit code after the pipe has gone.
@@ -150,13 +170,17 @@ TEST(ElevatedServer, RefusesMalformedMessagesAndGoesOn) {
     ElevatedServer server;
     const Bytes fields = SampleFields();
     const Bytes good = EncodeRequest({7000, 0, fields});
+    Bytes padded = fields;
+    padded.resize(fields.size() + 5);
     const std::tuple<const char*, Bytes, uint32_t> cases[] = {
         {"a good one", good, 1002},
         {"half a header", Bytes(good.begin(), good.begin() + 10), ERROR_INVALID_PARAMETER},
         {"another extension", EncodeRequest({7000, 1, fields}), ERROR_INVALID_PARAMETER},
         {"fields cut short", EncodeRequest({7000, 0, std::span(fields).first(9)}), ERROR_INVALID_PARAMETER},
         {"an unknown request", EncodeRequest({1, 0, fields}), ERROR_INVALID_FUNCTION},
-        {"more than the most", Bytes(kRequestHeaderSize + kLargestPayload + 1), ERROR_INVALID_PARAMETER},
+        {"more than the most", Bytes(kLargestMessage + 1), ERROR_INVALID_PARAMETER},
+        {"the rest of it missing", Bytes(good.begin(), good.end() - 1), ERROR_INVALID_PARAMETER},
+        {"padding after the fields", EncodeRequest({7000, 0, padded}), 1002},
         {"a good one after all that", good, 1002},
     };
     for (const auto& [why, message, result] : cases) EXPECT_EQ(server.Ask(message), result) << why;
@@ -176,7 +200,7 @@ TEST(ElevatedServer, ServesItsOwnProgramAndLibraryAlone) {
     };
     EXPECT_EQ(servedWith(host, RandomPipeName(), library), 1u) << "this test is another program";
     EXPECT_EQ(servedWith(host, RandomPipeName(), stranger), 2u);
-    EXPECT_EQ(servedWith(OwnImage(), LR"(\\.\pipe\qvhost-0)", library), 1u);
+    EXPECT_EQ(servedWith(OwnImage(), LR"(\\.\pipe\qvhost-0)", library), 2u);
 }
 
 TEST(PipeNames, AreThoseOfARandomKind) {
