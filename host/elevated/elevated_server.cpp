@@ -63,7 +63,8 @@ private:
 /// @throws UsageError for a library from another folder than the program's, before anything is opened
 void CheckLibrary(const HostOptions& options, const HostEnvironment& environment) {
     const std::wstring library = Win32::FullPath(LibraryPath(options, environment));
-    const bool isBeside = EqualIgnoringCase(Win32::FolderOf(library), Win32::FolderOf(environment.program));
+    const bool isBeside =
+        EqualIgnoringCase(Win32::FolderOf(library), Win32::FolderOf(Win32::FullPath(environment.program)));
     // A stream of a file is no file beside it.
     if (!isBeside || !Win32::IsFileName(Win32::FileNameOf(library)))
         throw UsageError(L"elevated-server loads only a library beside this program, not " + library);

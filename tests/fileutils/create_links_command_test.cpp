@@ -104,7 +104,7 @@ TEST(CreateLinksCommand, SaysHowManyLinksFailedAlsoAsAdministrator) {
         dialog.Check(IDC_LINK_AS_ADMIN, true);
         dialog.PressAndClose(IDOK);
     });
-    EXPECT_TRUE(run.out.starts_with("Failed to create link (Junction) (Error : 13) ")) << run.out;
+    EXPECT_TRUE(Holds(run.out, "\nFailed to create link (Junction) (Error : 13) ")) << run.out;
     EXPECT_TRUE(Holds(run.error, "1 of 1 links could not be created."));
     EXPECT_EQ(runner.List(), Names{L"sub"});
 }
