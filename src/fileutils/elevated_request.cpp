@@ -37,7 +37,12 @@ struct ShareName {
     std::wstring_view share;
 };
 
-/// Takes server and share of a path that names them; both are "" for another path.
+/// The system drops dots and blanks at the end of a name.
+std::wstring_view WithoutEnd(std::wstring_view name) {
+    return name.substr(0, name.find_last_not_of(L". ") + 1);
+}
+
+/// Takes server and share of a path that names them, without what the system drops; both are "" for another path.
 ShareName TakeShare(std::wstring_view& path) {
     const size_t longStart = kLongPrefix.size() + kLongShare.size();
     if (path.starts_with(kLongPrefix) && IsOneOf(path.substr(0, longStart).substr(kLongPrefix.size()), {kLongShare}))
@@ -46,8 +51,8 @@ ShareName TakeShare(std::wstring_view& path) {
         path.remove_prefix(2);
     else
         return {};
-    const std::wstring_view server = TakeName(path);
-    return {server, TakeName(path)};
+    const std::wstring_view server = WithoutEnd(TakeName(path));
+    return {server, WithoutEnd(TakeName(path))};
 }
 
 /// What follows `C:\`, `\\server\share\` and the like; nothing for a path that begins with none of them.
@@ -58,8 +63,8 @@ std::optional<std::wstring_view> RestAfterRoot(std::wstring_view path) {
                           Win32::UpperAscii(drive[0]) <= L'Z' && drive[1] == L':';
     if (hasDrive && IsSeparator(drive[2])) return drive.substr(3);
     const ShareName name = TakeShare(path);
-    const bool isMachine = !name.server.empty() && !IsOneOf(name.server, {L".", L"?"});
-    const bool isShare = !name.share.empty() && !IsOneOf(name.share, {L".", L"..", L"PIPE", L"MAILSLOT", L"IPC$"});
+    const bool isMachine = !name.server.empty() && name.server != L"?";
+    const bool isShare = !name.share.empty() && !IsOneOf(name.share, {L"PIPE", L"MAILSLOT", L"IPC$"});
     const bool hasColon = name.server.find(L':') != name.server.npos || name.share.find(L':') != name.share.npos;
     return isMachine && isShare && !hasColon ? std::optional(path) : std::nullopt;
 }
@@ -74,7 +79,10 @@ bool IsFullFilePath(std::wstring_view path) {
     std::wstring_view last;
     while (!found->empty())
         if (const std::wstring_view name = TakeName(*found); !name.empty()) last = name;
-    return last.empty() || Win32::IsFileName(last);
+    if (last.empty()) return true;
+    // Other faults do not make a device of it: half a surrogate pair, say, stands in names that the disk has.
+    const Win32::NameFault fault = Win32::CheckFileName(last).fault;
+    return fault != Win32::NameFault::Reserved && fault != Win32::NameFault::InvalidCharacter;
 }
 
 bool IsRemoteRegistryKey(std::wstring_view path) {
