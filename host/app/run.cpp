@@ -37,6 +37,22 @@ const CustomCommand& FindCustomCommand(const CustomCommandTable& table, const st
                      L" (qvhost commands lists them)");
 }
 
+/// An extension may say by the code alone, or not at all, that it has done nothing; a person wants to know why.
+void TellNotDone(HostState& state, const CustomCommand& command, const CustomCommandCall& call) {
+    const std::wstring name = L"qvhost: " + Wide(command.Name());
+    const std::vector<std::wstring> missing = call.MissingParameters();
+    for (const std::wstring& parameter : missing) state.output.Note(name + L" needs " + parameter);
+    if (!missing.empty()) return;
+    const std::wstring reason =
+        call.ResultCode() == 0 ? L" was not done and gives no reason; it got " : L" was not done; it got ";
+    state.output.Note(name + reason + call.Describe());
+    if (call.ResultCode() != ERROR_ACCESS_DENIED) return;
+    if (state.isElevated)
+        state.output.Note(L"qvhost: this host counts as elevated, and starts no elevated process");
+    else if (!state.canElevate)
+        state.output.Note(L"qvhost: this host starts an elevated process only with --can-elevate");
+}
+
 /// One call with the arguments as they are. @throws UsageError for arguments that the command does not take
 bool CallOnce(Session& session, const CustomCommand& command, const std::vector<std::wstring>& arguments) {
     HostState& state = session.State();
@@ -48,11 +64,7 @@ bool CallOnce(Session& session, const CustomCommand& command, const std::vector<
     state.failedCount += state.loggedFailures.exchange(0);
     if (!call.ResultText().empty()) state.output.Note(L"[result] " + call.ResultText());
     if (call.ResultCode() != 0) state.output.Note(L"[result] " + DescribeError(call.ResultCode()));
-    // The extension decides what it makes of a call without them; a person wants to know why nothing happened.
-    const std::vector<std::wstring> missing = call.MissingParameters();
-    for (const std::wstring& name : missing)
-        if (!handled) state.output.Note(L"qvhost: " + Wide(command.Name()) + L" needs " + name);
-    if (!handled && missing.empty()) state.output.Note(L"qvhost: " + Wide(command.Name()) + L" was not done");
+    if (!handled) TellNotDone(state, command, call);
     return handled && call.ResultCode() == 0;
 }
 

@@ -93,10 +93,25 @@ void CustomCommandCall::SetArgument(const std::wstring& argument) {
 
 std::vector<std::wstring> CustomCommandCall::MissingParameters() const {
     std::vector<std::wstring> missing;
-    for (const CustomParameter& parameter : m_command.Parameters())
-        if (parameter.Is(ParameterFlags::Required) && !m_values.contains(parameter.name))
+    for (const CustomParameter& parameter : m_command.Parameters()) {
+        if (!parameter.Is(ParameterFlags::Required)) continue;
+        const auto value = m_values.find(parameter.name);
+        if (value == m_values.end())
             missing.push_back(Wide(parameter.name));
+        else if (value->second.text.empty() && value->second.kind != ParameterFlags::Switch)
+            missing.push_back(Wide(parameter.name) + L" with a value, not an empty one");
+    }
     return missing;
+}
+
+std::wstring CustomCommandCall::Describe() const {
+    std::wstring text;
+    for (const auto& [name, value] : m_values) {
+        text += text.empty() ? L"" : L" ";
+        text += Wide(name);
+        if (value.kind != ParameterFlags::Switch) text.append(L"=\"").append(value.text).append(L"\"");
+    }
+    return text.empty() ? L"no parameter" : text;
 }
 
 const CustomCommandCall::Value* CustomCommandCall::Find(const char* name, uint32_t kind) const {

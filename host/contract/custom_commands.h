@@ -81,8 +81,10 @@ public:
     /// Takes `KEY=VALUE` (cut at the first `=`) or the name of a switch.
     /// @throws UsageError for an unknown name, a name given twice, or a value that does not fit the kind
     void SetArgument(const std::wstring& argument);
-    /// Names of the parameters that must be given and are not.
+    /// Names of the parameters that must be given and are not, or with an empty text.
     std::vector<std::wstring> MissingParameters() const;
+    /// What was given, for a person: `KEY="VALUE"` and switches, by name.
+    std::wstring Describe() const;
     uint32_t ResultCode() const { return m_resultCode; }
     const std::wstring& ResultText() const { return m_resultText; }
 

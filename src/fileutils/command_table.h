@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 
+#include "fileutils/commands.h"
 #include "sdk/host_services.h"
 
 namespace FileUtils {
@@ -11,8 +12,9 @@ namespace FileUtils {
 /// Carries out a menu command. Nonzero when it was handled.
 using CommandHandler = uint32_t (*)(Quorvane::SDK::IHostServices& host, uint32_t id);
 
-/// Carries out a custom command. Nonzero for success.
-using CustomCommandHandler = uint32_t (*)(Quorvane::SDK::IHostServices& host, Quorvane::SDK::ICustomCommandCall& call);
+/// Carries out a custom command.
+using CustomCommandHandler = CallResult (*)(Quorvane::SDK::IHostServices& host,
+                                            Quorvane::SDK::ICustomCommandCall& call);
 
 /// Carries out the elevated side of a command. Nonzero when it was handled.
 using ElevatedHandler = uint32_t (*)(Quorvane::SDK::IHostServices& host, Quorvane::SDK::IRequestMessage& message);

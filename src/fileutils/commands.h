@@ -5,6 +5,8 @@
 // change to a malformed message.
 #pragma once
 
+#include <cstdint>
+
 #include "sdk/host_services.h"
 
 namespace FileUtils {
@@ -12,6 +14,12 @@ namespace FileUtils {
 using Quorvane::SDK::ICustomCommandCall;
 using Quorvane::SDK::IHostServices;
 using Quorvane::SDK::IRequestMessage;
+
+/// What comes of a custom command.
+struct CallResult {
+    bool isDone = false;  // what the host is answered
+    uint32_t code = 0;    // the call's result code, a Windows error code
+};
 
 // Names (names/)
 
@@ -49,9 +57,9 @@ uint32_t RunBase64(IHostServices& host, uint32_t id);
 uint32_t RunFindAndReplaceDialog(IHostServices& host, uint32_t id);
 
 /// "FindAndReplace": parameters to request, then the run over the one file. 0 when a required parameter is missing or
-/// empty (without a message) or the file is not found; else 1, whatever became of the file. A run that the user
-/// cancelled sets the call's result code to 1223.
-uint32_t RunFindAndReplaceCommand(IHostServices& host, ICustomCommandCall& call);
+/// empty (without a message) or the file is not found; else 1, whatever became of the file. The call's result code is
+/// 87 and 2 for these, 1223 when the user cancelled, else what the run met.
+CallResult RunFindAndReplaceCommand(IHostServices& host, ICustomCommandCall& call);
 
 // Sorting (sort_lines/)
 
@@ -62,9 +70,9 @@ uint32_t RunSortLinesDialog(IHostServices& host, uint32_t id);
 ///
 /// Returns 1 when the file was sorted, else 0, with the reason as the call's result code: 2 for a file that is not
 /// found, 87 for a bad parameter, 1223 when the user cancelled, else what the run met. A bad parameter leaves the file
-/// untouched and writes one log line that names it; without "FILE" nothing happens at all. In "ITEMSEP" and "ENDCHAR"
+/// untouched and writes one log line that names it; without "FILE" nothing is logged. In "ITEMSEP" and "ENDCHAR"
 /// the two characters \t stand for a tab, which a script cannot hold.
-uint32_t RunSortLinesCommand(IHostServices& host, ICustomCommandCall& call);
+CallResult RunSortLinesCommand(IHostServices& host, ICustomCommandCall& call);
 
 // Links (links/)
 
@@ -72,11 +80,11 @@ uint32_t RunSortLinesCommand(IHostServices& host, ICustomCommandCall& call);
 uint32_t RunCreateLinks(IHostServices& host, uint32_t id);
 
 /// "CreateLink": LNKTYPE, LNKSRC (the link) and LNKTRG (what it leads to) must be given, and the target must exist;
-/// otherwise nothing happens and the result is 0. The call's result code is the link's error, 5 where the system misses
-/// a privilege (1314); without ASADMIN it is also the result text. With ASADMIN the link is made in the elevated
-/// process; in a host that cannot elevate, or is elevated already, the result is 0 and nothing is made (compatibility:
-/// 23). Nonzero when the link was made.
-uint32_t RunCreateLinkCommand(IHostServices& host, ICustomCommandCall& call);
+/// otherwise nothing happens, and the call's result code is 87 or why the target cannot be seen. Else it is the link's
+/// error, 5 where the system misses a privilege (1314); without ASADMIN it is also the result text. With ASADMIN the
+/// link is made in the elevated process; in a host that cannot elevate, or is elevated already, nothing is made
+/// (compatibility: 23), and the code is 5. Done when the link was made.
+CallResult RunCreateLinkCommand(IHostServices& host, ICustomCommandCall& call);
 
 /// Replies with the link's error.
 uint32_t AnswerCreateLinkRequest(IHostServices& host, IRequestMessage& message);

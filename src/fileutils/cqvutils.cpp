@@ -7,6 +7,8 @@
 #include "fileutils/fileutils_texts.h"
 #include "fileutils/ids.h"
 #include "sdk/boundary.h"
+#include "sdk/owners.h"
+#include "win32/windows.h"
 
 namespace FileUtils {
 namespace {
@@ -38,9 +40,9 @@ void RegisterCustomCommands(IHostServices& host) {
         ICustomCommand* const command =
             registry->AddCustomCommand(row.name, row.id, kCustomCommandFlags, kCustomCommandMoreFlags);
         if (!command) continue;
-        command->SetDescription(host.GetText(row.description));
+        command->SetDescription(HostText(host, row.description));
         for (const ParameterRow& parameter : row.parameters)
-            command->AddParameter(parameter.name, parameter.flags, host.GetText(parameter.description));
+            command->AddParameter(parameter.name, parameter.flags, HostText(host, parameter.description));
     }
     registry->Commit(1);
 }
@@ -94,7 +96,11 @@ uint32_t CQVUtils::OnCustomCommand(ICustomCommandCall* call) {
         const uint32_t id = call->GetCommandId();
         const CustomCommandRow* const row =
             FindRow(CustomCommands(), [&](const CustomCommandRow& r) { return r.id == id; });
-        return row && row->handler ? row->handler(*m_services, *call) : 0u;
+        if (!row || !row->handler) return 0u;
+        const CallResult result =
+            AtBoundary(CallResult{false, ERROR_OUTOFMEMORY}, [&] { return row->handler(*m_services, *call); });
+        call->SetResultCode(result.code);
+        return result.isDone ? 1u : 0u;
     });
 }
 

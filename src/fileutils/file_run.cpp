@@ -137,6 +137,12 @@ FileRunResult RunOverFiles(IHostServices& host, IFileList& files, const FileRun&
     return FileRunner(host, files, run).Execute();
 }
 
+void TellTarget(IHostServices& host, const wchar_t* command, const FileTask& task) {
+    if (task.target != task.source)
+        host.Log(kLogLevel, LogKind::Success, L"[%s] - Note : The target is : %s", command,
+                 Win32::FullPath(task.target).c_str());
+}
+
 void ForEachFile(IHostServices& host, IFileList& list,
                  const std::function<void(const std::wstring&, IFileOperations&)>& work,
                  const std::function<void(const std::wstring&, const std::wstring&, uint32_t)>& tellFailure) {

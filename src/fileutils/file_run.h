@@ -65,6 +65,10 @@ struct FileRun {
 /// nor summary come of a cancelled run.
 FileRunResult RunOverFiles(Quorvane::SDK::IHostServices& host, Quorvane::SDK::IFileList& files, const FileRun& run);
 
+/// Logs the full path of the target, where that is not the source: of a file that failed the messages of the run name
+/// the source alone, and a target is named within the source's folder.
+void TellTarget(Quorvane::SDK::IHostServices& host, const wchar_t* command, const FileTask& task);
+
 /// Calls `work` for each path of the list that the host's file operations find. One that throws QVUtilsException or
 /// runs out of memory is told, with the reason in words ("" for want of memory) and the Windows error code, and the
 /// next one follows.

@@ -1,6 +1,7 @@
 // find_replace_command_test.cpp - "FindAndReplace" from a script, as a user runs it.
 
 #include "fileutils/command_runner.h"
+#include "win32/text.h"
 
 using namespace QVTest;
 
@@ -45,11 +46,12 @@ TEST(FindAndReplace, LogsEachFileAndHandsTheListsBack) {
         int status;
         const char *logged, *last, *noted;
     } cases[] = {
-        {L"f.txt", {L"FIND=", L"DELETE", L"SILENT"}, {}, 1, "", "", ""},
-        {L"f.txt", {L"DELETE", L"SILENT"}, {}, 1, "", "", ""},
+        {L"f.txt", {L"FIND=", L"DELETE", L"SILENT"}, {}, 1, "", "", "[result] error 87 "},
+        {L"f.txt", {L"DELETE", L"SILENT"}, {}, 1, "", "", "[result] error 87 "},
         {L"f.txt", {L"FIND=a{", L"WILDCARD", L"DELETE", L"SILENT"}, {}, 1, "", " ( ErrorCode : 14 )\n", "[failed] "},
         {L"", {L"FIND=a", L"DELETE", L"SILENT"}, {}, 1, "", "Unable to open file ( ErrorCode : 5 )\n", "[failed] "},
-        {L"none.txt", {L"FIND=a"}, {}, 1, "", "none.txt not found\n", ""},
+        {L"none.txt", {L"FIND=a"}, {}, 1, "", "none.txt not found\n", "[result] error 2 "},
+        {L"f.txt", {L"FIND=a", L"TARGET=no/t", L"SILENT"}, {}, 1, "", "target is : ", ""},
         {L"f.txt",
          {L"FIND=a", L"DELETE"},
          {L"replace", L"cancel"},

@@ -67,6 +67,8 @@ TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
         {"a missing file", {L"command", L"40000", L"none.txt"}, 2, "there is no file or folder none.txt"},
         {"no id", {L"command", L"x"}, 2, "\"x\" is no command id"},
         {"required parameter missing", {L"call", L"Echo"}, 1, "Echo needs TEXT"},
+        {"not done", {L"call", L"Refuse", L"CODE=0"}, 1, "gives no reason; it got CODE=\"0\""},
+        {"not allowed", {L"call", L"Refuse", L"CODE=5"}, 1, "only with --can-elevate"},
         {"unknown command", {L"call", L"Ehco"}, 2, "there is no custom command \"Ehco\", did you mean Echo?"},
         {"unknown parameter", {L"call", L"Echo", L"TXET=a"}, 2, "has no parameter \"TXET\", did you mean TEXT?"},
         {"text without a value", {L"call", L"Echo", L"TEXT"}, 2, "TEXT needs a value"},

@@ -82,7 +82,7 @@ private:
         uint32_t (TestExtension::*run)(ICustomCommandCall&);
         ParameterRow parameters[3];
     };
-    static const CommandRow kCustomCommands[6];
+    static const CommandRow kCustomCommands[7];
 
     template <class... Arguments>
     uint32_t Log(const wchar_t* format, Arguments... arguments) {
@@ -161,6 +161,13 @@ private:
         return 1;
     }
 
+    uint32_t Refuse(ICustomCommandCall& call) {
+        uint32_t code = 0;
+        call.GetNumberParameter("CODE", &code);
+        call.SetResultCode(code);
+        return 0;
+    }
+
     /// Everything that a host must survive; ends with 1 when it did.
     uint32_t Misuse(ICustomCommandCall& call) {
         IHostServices& host = *m_services;
@@ -209,6 +216,7 @@ constexpr TestExtension::CommandRow TestExtension::kCustomCommands[] = {
     {"Choose", &TestExtension::Choose, {}},
     {"Enter", &TestExtension::Enter, {}},
     {"Elevate", &TestExtension::Elevate, {{"TEXT", Text}, {"REQUEST", Number}}},
+    {"Refuse", &TestExtension::Refuse, {{"CODE", Number}}},
     {"Misuse", &TestExtension::Misuse, {{"FILE", Text}}},
 };
 

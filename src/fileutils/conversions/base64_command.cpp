@@ -151,7 +151,14 @@ void ConvertFile(IHostServices& host, IFileOperations& files, bool encodes, cons
         const wchar_t* const caption = HostText(host, encodes ? Text::EncodeBase64 : Text::DecodeBase64);
         if (host.MessageBox(question.c_str(), caption, MB_YESNO | MB_ICONQUESTION) != IDYES) return;
     }
-    if (const uint64_t ignored = Convert(encodes, path, target, overwrites))
+    uint64_t ignored = 0;
+    try {
+        ignored = Convert(encodes, path, target, overwrites);
+    } catch (...) {
+        TellTarget(host, L"Base64", {path, target, overwrites});
+        throw;
+    }
+    if (ignored > 0)
         host.Log(kLogLevel, LogKind::Success,
                  L"[Base64] - Note : %s characters were ignored (no Base64 text, or after its end) : %s",
                  std::to_wstring(ignored).c_str(), path.c_str());

@@ -22,6 +22,7 @@ uint32_t DecodedLength(std::string_view bytes) {
 }  // namespace
 
 void FindAndReplaceCallback::ReportErrorW(const wchar_t* text, uint32_t code) {
+    m_lastErrorCode = code;
     const std::wstring message = std::wstring(L"[Find and Replace] Error : ") + (text ? text : L"[Unknown]") +
                                  L" ( ErrorCode : " + std::to_wstring(code) + L" )";
     m_host.Log(Quorvane::SDK::kLogLevel, Quorvane::SDK::LogKind::Failure, L"%s", message.c_str());

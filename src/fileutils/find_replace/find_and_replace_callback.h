@@ -17,6 +17,8 @@ public:
 
     /// The option word: with QVFindAndReplace::Option::ReplaceAll once the user wants no more questions.
     uint32_t GetOptions() const noexcept { return m_options; }
+    /// Of the last error reported; else 0.
+    uint32_t GetLastErrorCode() const noexcept { return m_lastErrorCode; }
 
     void SetCurrentFile(const wchar_t* fileName) override { m_fileName = fileName ? fileName : L""; }
     void EndOfFile() override {}
@@ -38,6 +40,7 @@ private:
     IConfirmReplace& m_confirmation;
     std::wstring m_fileName;
     bool m_isCancelled = false;
+    uint32_t m_lastErrorCode = 0;
 };
 
 }  // namespace FileUtils

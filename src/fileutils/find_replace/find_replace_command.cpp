@@ -20,6 +20,7 @@ namespace FileUtils {
 namespace {
 
 using namespace Quorvane::SDK;
+namespace ErrorCode = QVUtils::ErrorCode;
 namespace Option = QVFindAndReplace::Option;
 
 struct ModeName {
@@ -95,11 +96,12 @@ public:
         run.process = [&](const FileTask& task) { return Process(task); };
         run.tellBadTarget = [&](const FileTask& task) {
             FindAndReplaceCallback(m_host, m_options, m_confirmation)
-                .ReportErrorW((L"The target cannot be a file name : " + task.target).c_str(),
-                              QVUtils::ErrorCode::InvalidName);
+                .ReportErrorW((L"The target cannot be a file name : " + task.target).c_str(), ErrorCode::InvalidName);
+            m_lastErrorCode = ErrorCode::InvalidName;
             LogFailure(task);
         };
         run.tellSkipped = [&](const FileTask& task) {
+            m_lastErrorCode = ErrorCode::FileExists;
             LogLine(LogKind::Failure, L"[Find and Replace] - File already exists. Do not overwrite : %s", task.target);
         };
         run.summary = [&](const FileRunResult& result) { return Summary(result); };
@@ -107,6 +109,9 @@ public:
         if (result.isCancelled) m_host.Log(kLogLevel, LogKind::Failure, L"[Find and Replace] - Operation cancelled");
         return result;
     }
+
+    /// Of the last file that failed or was skipped; else 0.
+    uint32_t GetLastErrorCode() const noexcept { return m_lastErrorCode; }
 
 private:
     FileResult Process(const FileTask& task) {
@@ -120,6 +125,8 @@ private:
                        task.source.c_str());
             m_changes += changes;
         } else {
+            m_lastErrorCode = callback.GetLastErrorCode();
+            TellTarget(m_host, L"Find and Replace", task);
             LogFailure(task);
         }
         if (notes.looksLikeUtf8)
@@ -152,6 +159,7 @@ private:
     uint32_t m_options;  // the run's: gains bits by the user's answers
     IConfirmReplace& m_confirmation;
     int64_t m_changes = 0;
+    uint32_t m_lastErrorCode = 0;
 };
 
 constexpr wchar_t kSection[] = L"FindReplace";
@@ -183,21 +191,21 @@ void SaveSettings(ISettings* store, const FindAndReplaceRequest& request) {
 
 }  // namespace
 
-uint32_t RunFindAndReplaceCommand(IHostServices& host, ICustomCommandCall& call) {
-    if (!call.HasParameter(Parameter::File)) return 0;
+CallResult RunFindAndReplaceCommand(IHostServices& host, ICustomCommandCall& call) {
+    if (!call.HasParameter(Parameter::File)) return {false, ErrorCode::InvalidParameter};
     const std::wstring fileName = TextParameter(call, Parameter::File);
     const std::wstring find = WithLineBreaks(TextParameter(call, Parameter::Find));
     const std::wstring replacement = WithLineBreaks(TextParameter(call, Parameter::ReplaceWith));
-    if (find.empty() || replacement.empty()) return 0;
+    if (find.empty() || replacement.empty()) return {false, ErrorCode::InvalidParameter};
 
     const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
     const Owned<IFileItem> item(files ? files->CreateFileItem(fileName.c_str(), 1) : nullptr);
     if (!item) {
         host.Log(kLogLevel, LogKind::Failure, L"[Custom Cmd - FindAndReplace] - FILE : %s not found", fileName.c_str());
-        return 0;
+        return {false, ErrorCode::FileNotFound};
     }
     const Owned<IFileList> list(host.CreateFileList());
-    if (!list || !list->AddItem(item.get())) return 0;
+    if (!list || !list->AddItem(item.get())) return {false, ErrorCode::OutOfMemory};
 
     QVFindAndReplace::Request request(OptionsOf(call), find, replacement, ToNarrow);
     // A host without a main window is driven by a script or from a command line: a window of ours would wait there for
@@ -210,12 +218,12 @@ uint32_t RunFindAndReplaceCommand(IHostServices& host, ICustomCommandCall& call)
     const bool isTargetUnused = !(request.GetOptions() & Option::SaveAs) && !pattern.empty();
     if (pattern.empty()) pattern = L"*.*";
     // The target lies in the file's own folder: a script names the file by its path, and the target by a name.
-    const FileRunResult result = FindReplaceWork(host, request, *confirmation).RunOver(*list, pattern);
+    FindReplaceWork work(host, request, *confirmation);
+    const FileRunResult result = work.RunOver(*list, pattern);
     if (isTargetUnused)
         host.Log(kLogLevel, LogKind::Success,
                  L"[Find and Replace] - Note : TARGET is not used together with KEEPBACKUP or DELETE");
-    if (result.isCancelled) call.SetResultCode(QVUtils::ErrorCode::Cancelled);
-    return 1;
+    return {true, result.isCancelled ? ErrorCode::Cancelled : work.GetLastErrorCode()};
 }
 
 uint32_t RunFindAndReplaceDialog(IHostServices& host, uint32_t) {

@@ -13,20 +13,20 @@ namespace {
 
 using namespace Quorvane::SDK;
 
-/// The request of a call; nothing when a parameter is missing or the target does not exist.
-std::optional<LinkRequest> RequestOf(ICustomCommandCall& call) {
+/// Fills the request of a call. Gives the error when a parameter is missing or the target cannot be seen.
+uint32_t ReadCall(ICustomCommandCall& call, LinkRequest& request) {
     for (const char* name : {Parameter::LinkPath, Parameter::LinkTarget, Parameter::LinkType})
-        if (!call.HasParameter(name)) return std::nullopt;
+        if (!call.HasParameter(name)) return ERROR_INVALID_PARAMETER;
     const wchar_t* const link = call.GetTextParameter(Parameter::LinkPath);
     const wchar_t* const target = call.GetTextParameter(Parameter::LinkTarget);
-    LinkRequest request;
-    if (!link || !target || !call.GetNumberParameter(Parameter::LinkType, &request.type)) return std::nullopt;
+    if (!link || !target || !call.GetNumberParameter(Parameter::LinkType, &request.type))
+        return ERROR_INVALID_PARAMETER;
     request.link = link;
     request.target = target;
     const DWORD attributes = GetFileAttributesW(Win32::ExtendedPath(request.target).c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES) return std::nullopt;
+    if (attributes == INVALID_FILE_ATTRIBUTES) return GetLastError();
     request.targetIsFolder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    return request;
+    return ERROR_SUCCESS;
 }
 
 /// A symbolic link is text that others follow, and so is a junction in the form of the system's core.
@@ -50,22 +50,21 @@ LinkRequest ReadRequest(RequestFields& fields) {
 
 }  // namespace
 
-uint32_t RunCreateLinkCommand(IHostServices& host, ICustomCommandCall& call) {
-    const std::optional<LinkRequest> request = RequestOf(call);
-    if (!request) return 0;
+CallResult RunCreateLinkCommand(IHostServices& host, ICustomCommandCall& call) {
+    LinkRequest request;
+    uint32_t error = ReadCall(call, request);
+    if (error != ERROR_SUCCESS) return {false, error};
     if (call.HasParameter(Parameter::AsAdministrator)) {
         // An elevated host could make the link by itself, and still makes none: scripts rely on this switch meaning the
         // second process and nothing else.
-        if (!host.CanElevate() || host.IsElevated()) return 0;
-        const uint32_t error = CreateLinkElevated(host, *request);
-        call.SetResultCode(error);
-        return error == ERROR_SUCCESS;
+        if (!host.CanElevate() || host.IsElevated()) return {false, ERROR_ACCESS_DENIED};
+        error = CreateLinkElevated(host, request);
+        return {error == ERROR_SUCCESS, error};
     }
-    uint32_t error = CreateLinkHere(host, *request);
+    error = CreateLinkHere(host, request);
     if (error == ERROR_PRIVILEGE_NOT_HELD) error = ERROR_ACCESS_DENIED;  // the log keeps the system's own code
     call.SetResultText(std::to_wstring(error).c_str());
-    call.SetResultCode(error);
-    return error == ERROR_SUCCESS;
+    return {error == ERROR_SUCCESS, error};
 }
 
 uint32_t AnswerCreateLinkRequest(IHostServices& host, IRequestMessage& message) {

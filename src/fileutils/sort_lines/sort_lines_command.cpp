@@ -182,6 +182,7 @@ private:
         const QVLineSorter::SortFileResult result = QVLineSorter::SortFile(task.source, task.target, m_request);
         if (result.errorCode != 0) {
             TellFailure(task, Win32::FromCodePage(result.errorText, Win32::kThreadCodePage), result.errorCode);
+            TellTarget(m_host, L"SortLines", task);
             return FileResult::Failed;
         }
         if (result.backupErrorCode != 0) LogReason(L"Unable to delete the backup of the file", result.backupErrorCode);
@@ -216,38 +217,36 @@ private:
     uint32_t m_lastErrorCode = 0;
 };
 
-uint32_t SortOneFile(IHostServices& host, ICustomCommandCall& call, IFileItem& item, SortRequest request) {
+CallResult SortOneFile(IHostServices& host, IFileItem& item, SortRequest request) {
     const Owned<IFileList> list(host.CreateFileList());
-    if (!list || !list->AddItem(&item)) return 0;
+    if (!list || !list->AddItem(&item)) return {false, ErrorCode::OutOfMemory};
     const bool isTargetUnused = !request.Has(Option::SaveAs) && !request.saveAsName.empty();
     SortWork work(host, std::move(request));
     const FileRunResult result = work.RunOver(*list);
     if (isTargetUnused)
         host.Log(kLogLevel, LogKind::Success,
                  L"[SortLines] - Note : TARGET is not used together with KEEPBACKUP or DELETE");
-    call.SetResultCode(result.isCancelled ? ErrorCode::Cancelled : work.GetLastErrorCode());
-    return result.done > 0 ? 1 : 0;
+    return {result.done > 0, result.isCancelled ? ErrorCode::Cancelled : work.GetLastErrorCode()};
 }
 
 }  // namespace
 
-uint32_t RunSortLinesCommand(IHostServices& host, ICustomCommandCall& call) {
+CallResult RunSortLinesCommand(IHostServices& host, ICustomCommandCall& call) {
     const wchar_t* const file = call.HasParameter(Parameter::File) ? call.GetTextParameter(Parameter::File) : nullptr;
-    if (!file) return 0;
+    if (!file) return {false, ErrorCode::InvalidParameter};
     const std::wstring fileName = file;
     try {
         SortRequest request = SortParameters(call).Read();
         const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
         const Owned<IFileItem> item(files ? files->CreateFileItem(fileName.c_str(), 1) : nullptr);
-        if (item) return SortOneFile(host, call, *item, std::move(request));
+        if (item) return SortOneFile(host, *item, std::move(request));
         host.Log(kLogLevel, LogKind::Failure, L"[Custom Cmd - SortLines] - FILE : %s not found", fileName.c_str());
-        call.SetResultCode(ErrorCode::FileNotFound);
+        return {false, ErrorCode::FileNotFound};
     } catch (const BadParameter& bad) {
         const std::wstring name(bad.name, bad.name + std::char_traits<char>::length(bad.name));
         host.Log(kLogLevel, LogKind::Failure, L"[Custom Cmd - SortLines] - %s : %s", name.c_str(), bad.reason.c_str());
-        call.SetResultCode(ErrorCode::InvalidParameter);
+        return {false, ErrorCode::InvalidParameter};
     }
-    return 0;
 }
 
 uint32_t RunSortLinesDialog(IHostServices& host, uint32_t) {
