@@ -153,10 +153,11 @@ uint32_t NTFSProp::Init(IHostServices* services) {
         {
             const AcquiredService<IPropertySet> set(*services, ServiceNumber::PropertySet);
             if (set) {
-                set->SetExtension(kNtfsPropId, services->GetText(PropertyText::Group));
+                set->SetExtension(kNtfsPropId, HostText(*services, PropertyText::Group));
                 for (const Column& column : kColumns) {
-                    const PropertyDefinition definition = {column.id,    column.width, column.type,
-                                                           column.flags, column.key,   services->GetText(column.name)};
+                    const PropertyDefinition definition = {column.id,   column.width,
+                                                           column.type, column.flags,
+                                                           column.key,  HostText(*services, column.name)};
                     set->AddDefinition(&definition);
                 }
             }
