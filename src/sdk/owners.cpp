@@ -1,25 +1,25 @@
 #include "sdk/owners.h"
 
+#include <algorithm>
 #include <array>
 
 namespace Quorvane::SDK {
 namespace {
 
-// The longest path of the system is 32,767 units; nearly all are far shorter. A host may know from its other callers
-// that nobody asks with less than 2,048.
-constexpr uint32_t kLongestPath = 32768;
-constexpr uint32_t kUsualPath = 4096;
+constexpr uint32_t kLongestPath = 32768;  // units; nearly all paths are far shorter
 
 template <class Read>
-std::wstring ReadText(Read&& read) {
-    std::array<wchar_t, kUsualPath> usual;
+std::wstring ReadText(uint32_t capacity, Read&& read) {
+    // One unit more than the host is told of: the text ends there whatever the host does.
+    std::array<wchar_t, kLargeCapacity + 1> usual;
+    capacity = std::min(capacity, kLargeCapacity);
     usual[0] = 0;
-    read(usual.data(), kUsualPath);
-    usual.back() = 0;
+    read(usual.data(), capacity);
+    usual[capacity] = 0;
     // The closing zero decides, not the length that the host reports. A full buffer may have cut the text, and a host
     // may give nothing of one that does not fit.
     const size_t length = std::char_traits<wchar_t>::length(usual.data());
-    if (length > 0 && length < kUsualPath - 1) return std::wstring(usual.data(), length);
+    if (length > 0 && length < capacity - 1) return std::wstring(usual.data(), length);
     std::wstring text(kLongestPath, L'\0');
     read(text.data(), kLongestPath);
     text.resize(std::char_traits<wchar_t>::length(text.c_str()));
@@ -46,12 +46,12 @@ std::vector<IFileItem*> ItemsOf(IFileList& list) {
     return items;
 }
 
-std::wstring PathOf(IFileItem& item) {
-    return ReadText([&](wchar_t* buffer, uint32_t capacity) { item.GetPath(buffer, capacity); });
+std::wstring PathOf(IFileItem& item, uint32_t capacity) {
+    return ReadText(capacity, [&](wchar_t* buffer, uint32_t size) { item.GetPath(buffer, size); });
 }
 
-std::wstring NameOf(IFileItem& item) {
-    return ReadText([&](wchar_t* buffer, uint32_t capacity) { item.GetName(buffer, capacity); });
+std::wstring NameOf(IFileItem& item, uint32_t capacity) {
+    return ReadText(capacity, [&](wchar_t* buffer, uint32_t size) { item.GetName(buffer, size); });
 }
 
 std::vector<std::wstring> PathsOf(IFileList& list) {

@@ -63,11 +63,16 @@ Owned<IFileList> GatherSelection(IHostServices& services, uint32_t flags);
 /// as long as the list.
 std::vector<IFileItem*> ItemsOf(IFileList& list);
 
+/// Units, with the closing zero, that a host is offered for a path or a name. Hosts count on these two numbers; a
+/// longer text is asked for again with as many as the system's longest path takes.
+inline constexpr uint32_t kUsualCapacity = 2048;
+inline constexpr uint32_t kLargeCapacity = 4096;
+
 /// The item's full path, of any length; empty when the host has none.
-std::wstring PathOf(IFileItem& item);
+std::wstring PathOf(IFileItem& item, uint32_t capacity = kUsualCapacity);
 
 /// The item's name, of any length; empty when the host has none.
-std::wstring NameOf(IFileItem& item);
+std::wstring NameOf(IFileItem& item, uint32_t capacity = kUsualCapacity);
 
 /// The full paths of the list's items in its order; items without one are left out.
 std::vector<std::wstring> PathsOf(IFileList& list);

@@ -183,7 +183,7 @@ uint32_t NTFSProp::GetValue(IFileItem* item, wchar_t* text, uint32_t capacity, u
         std::optional<Value> value = StoredValue(*item, static_cast<uint16_t>(module), propertyId);
         if (!value) {
             const auto* const column = std::ranges::find(kColumns, propertyId, &Column::id);
-            if (column != std::end(kColumns)) value = column->compute(*item, PathOf(*item));
+            if (column != std::end(kColumns)) value = column->compute(*item, PathOf(*item, kLargeCapacity));
         }
         if (!value || !*value) return 0u;
         CopyWhole(**value, text, capacity);

@@ -39,7 +39,8 @@ TEST(PathOf, GetsTextsOfAnyLengthFromAHostThatGivesThemWholeOrNotAtAll) {
     for (const size_t length : {0, 1, 1'286, 2'047, 4'094, 4'095, 4'096, 32'767}) {
         StrictItem item(length);
         EXPECT_EQ(PathOf(item).size(), length);
-        EXPECT_EQ(NameOf(item).size(), length);
-        EXPECT_GE(item.firstCapacity, 4096u) << "less than other callers have";
+        EXPECT_EQ(std::exchange(item.firstCapacity, 0), 2048u) << "what hosts count on";
+        EXPECT_EQ(NameOf(item, kLargeCapacity).size(), length);
+        EXPECT_EQ(item.firstCapacity, 4096u);
     }
 }

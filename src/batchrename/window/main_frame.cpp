@@ -284,7 +284,7 @@ void BatchRenameMainFrame::LimitSize(MINMAXINFO& limits) const {
 
 void BatchRenameMainFrame::RestorePosition() {
     std::optional<WindowPosition> position;
-    wchar_t text[kPositionCapacity] = {};
+    wchar_t text[kPositionCapacity + 1] = {};  // it ends whatever the host does
     Quorvane::SDK::ISettings* const settings = m_environment.services ? m_environment.services->GetSettings() : nullptr;
     if (settings && settings->GetString(1, kSection, kPositionKey, text, kPositionCapacity))
         position = ParseWindowPosition(text);

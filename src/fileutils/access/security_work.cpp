@@ -30,9 +30,13 @@ uint32_t Change(IHostServices& host, const SecurityChange& change, const std::ws
     return error;
 }
 
+bool AsksElevated(IHostServices& host) {
+    return host.CanElevate() && !host.IsElevated();
+}
+
 /// The reply; nothing when the work is to be done in this process.
 std::optional<uint32_t> AskElevated(IHostServices& host, const SecuritySelection& selection, const SecurityWork& work) {
-    if (!host.CanElevate() || host.IsElevated()) return std::nullopt;
+    if (!AsksElevated(host)) return std::nullopt;
     return SendElevated(host, work.requestId, selection.paths.front(), work.writeRequest);
 }
 
@@ -42,8 +46,9 @@ SecuritySelection GatherSecuritySelection(IHostServices& host) {
     SecuritySelection selection;
     selection.list = GatherSelection(host, SelectionFlags::Access);
     if (!selection.list) return selection;
+    const uint32_t capacity = AsksElevated(host) ? kLargeCapacity : kUsualCapacity;
     for (IFileItem* const item : ItemsOf(*selection.list)) {
-        std::wstring path = PathOf(*item);
+        std::wstring path = PathOf(*item, capacity);
         if (path.empty()) continue;
         selection.items.push_back(item);
         selection.paths.push_back(std::move(path));

@@ -30,8 +30,8 @@ void RefreshOwner(IFileItem& item) {
 void RefreshPanel(IHostServices& host, IFileItem& first) {
     const AcquiredService<IFolderRefresh> panel(host, ServiceNumber::FolderRefresh);
     if (!panel) return;
-    std::array<wchar_t, 4096> location = {};  // the host's own capacity
-    first.GetLocation(location.data(), static_cast<uint32_t>(location.size()));
+    std::array<wchar_t, kLargeCapacity + 1> location = {};  // it ends whatever the host does
+    first.GetLocation(location.data(), kLargeCapacity);
     panel->RefreshFolder(location.data());
 }
 

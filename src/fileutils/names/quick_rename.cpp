@@ -68,8 +68,9 @@ uint32_t RunQuickRename(IHostServices& host, uint32_t id) {
     const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Names);
     if (!list) return 1;
     std::vector<ItemRename> renames;
+    const uint32_t capacity = id < CommandId::UnderscoreToBlank ? kUsualCapacity : kLargeCapacity;
     for (IFileItem* const item : ItemsOf(*list)) {
-        const std::wstring name = NameOf(*item);
+        const std::wstring name = NameOf(*item, capacity);
         std::wstring newName = QuickRenamed(id, name, IsFolder(*item));
         if (newName != name) renames.push_back({item, std::move(newName)});
     }
