@@ -7,7 +7,6 @@
 
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
-#include "host/app/nearest_name.h"
 #include "host/elevated/message_pipe.h"
 
 namespace QVHost {

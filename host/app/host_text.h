@@ -36,4 +36,8 @@ void AppendOnOneLine(std::wstring& line, std::wstring_view text);
 /// The lines of a text file's bytes: LF or CR LF ends a line, a final one opens none, a UTF-8 mark is skipped.
 std::vector<std::string_view> LinesOf(std::string_view bytes);
 
+/// ", did you mean NAME?" with the known name that somebody probably meant, or "" when none is near (more than a third
+/// of `name`, and more than two characters, would have to change).
+std::wstring DidYouMean(std::wstring_view name, const std::vector<std::wstring>& known);
+
 }  // namespace QVHost

@@ -5,8 +5,6 @@
 #include "host/app/command_line.h"
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
-#include "host/app/message_pump.h"
-#include "host/app/nearest_name.h"
 #include "host/app/selection.h"
 #include "host/app/session.h"
 #include "host/app/subcommands.h"

@@ -1,5 +1,7 @@
 #include "host/app/session.h"
 
+#include <algorithm>
+
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
 #include "host/app/unix_paths.h"
@@ -7,7 +9,10 @@
 #include "host/elevated/message_pipe.h"
 #include "host/questions/answers.h"
 #include "win32/files.h"
+#include "win32/handle.h"
 #include "win32/path.h"
+
+#include <tlhelp32.h>
 
 namespace QVHost {
 namespace {
@@ -69,6 +74,41 @@ ElevatedLaunch MakeElevatedLaunch(const HostOptions& options, const HostEnvironm
 const std::wstring& Existing(const std::wstring& file, bool mustExist) {
     if (mustExist && !Win32::Exists(file)) throw UsageError(L"there is no file " + file);
     return file;
+}
+
+constexpr DWORD kLook = 100;  // milliseconds: a window that closes on another thread sends no word to this one
+
+BOOL CALLBACK LookForForeignWindow(HWND window, LPARAM found) {
+    DWORD process = 0;
+    const DWORD thread = GetWindowThreadProcessId(window, &process);
+    const bool isForeign =
+        process == GetCurrentProcessId() && thread != GetCurrentThreadId() && IsWindowVisible(window);
+    if (isForeign) *reinterpret_cast<bool*>(found) = true;
+    return !isForeign;
+}
+
+/// A search for windows sets up the desktop, which takes longer than most commands; with one thread there is none to
+/// find.
+bool IsOnlyThread() {
+    const Win32::FileHandle threads(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
+    THREADENTRY32 thread = {};
+    thread.dwSize = sizeof(thread);
+    int count = 0;
+    for (BOOL isThere = Thread32First(threads.Get(), &thread); isThere; isThere = Thread32Next(threads.Get(), &thread))
+        count += thread.th32OwnerProcessID == GetCurrentProcessId();
+    return count == 1;
+}
+
+bool IsEaten(Session& session, MSG& message) {
+    return std::ranges::any_of(session.Extensions(), [&](const auto& extension) {
+        return extension->Commands() && extension->Commands()->PreTranslateMessage(&message, 0);
+    });
+}
+
+void RunQueuedCommands(Session& session) {
+    for (const QueuedCommand& command : session.State().commandQueue.Take())
+        if (Quorvane::SDK::IPluginInterface* const extension = session.Extensions()[command.extension]->Commands())
+            extension->OnCommand(command.id, 0, command.value);
 }
 
 }  // namespace
@@ -137,6 +177,28 @@ bool Session::RunCommand(uint32_t id) {
 
 void Session::ShutdownExtensions() {
     for (const auto& extension : m_extensions) extension->Shutdown();
+}
+
+bool HasWindowsOfOtherThreads() {
+    if (IsOnlyThread()) return false;
+    bool isFound = false;
+    EnumWindows(LookForForeignWindow, reinterpret_cast<LPARAM>(&isFound));
+    return isFound;
+}
+
+void PumpWhile(Session& session, const std::function<bool()>& goesOn, const std::function<bool(MSG&)>& translate) {
+    const HANDLE event = session.State().commandQueue.Event();
+    while (goesOn()) {
+        MsgWaitForMultipleObjects(1, &event, FALSE, kLook, QS_ALLINPUT);
+        RunQueuedCommands(session);
+        MSG message = {};
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            if (message.message == WM_QUIT) return;
+            if (IsEaten(session, message) || (translate && translate(message))) continue;
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+    }
 }
 
 }  // namespace QVHost

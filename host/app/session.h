@@ -1,6 +1,8 @@
-// session.h - the host with a library in it: everything made in order, and ended in the opposite one.
+// session.h - the host with a library in it: everything made in order, and ended in the opposite one; and its message
+// loop, for extensions that keep a window of their own open after their command.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -54,5 +56,13 @@ private:
     std::vector<std::unique_ptr<HostServices>> m_services;
     std::vector<std::unique_ptr<LoadedExtension>> m_extensions;
 };
+
+/// True while a thread of this process other than the calling one shows a window.
+bool HasWindowsOfOtherThreads();
+
+/// Handles messages and queued commands of this thread for as long as `goesOn` says so; it is asked at least ten times
+/// a second. Messages are offered to the extensions first, then to `translate`, where there is one: true ends the
+/// matter.
+void PumpWhile(Session& session, const std::function<bool()>& goesOn, const std::function<bool(MSG&)>& translate = {});
 
 }  // namespace QVHost

@@ -5,7 +5,6 @@
 
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
-#include "host/app/nearest_name.h"
 #include "host/contract/host_boundary.h"
 
 namespace QVHost {

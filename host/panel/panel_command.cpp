@@ -2,7 +2,6 @@
 #include "host/app/subcommands.h"
 
 #include "host/app/host_error.h"
-#include "host/app/message_pump.h"
 #include "host/app/unix_paths.h"
 #include "host/panel/panel_window.h"
 #include "win32/handle.h"

@@ -9,7 +9,6 @@
 #include "batchrename/run/rename_run.h"
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
-#include "host/app/nearest_name.h"
 #include "host/app/selection.h"
 #include "host/rename/rename_host.h"
 #include "host/rename/selected_rows.h"

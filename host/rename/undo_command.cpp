@@ -4,7 +4,6 @@
 
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
-#include "host/app/nearest_name.h"
 #include "host/rename/rename_host.h"
 
 namespace QVHost {

@@ -5,7 +5,7 @@
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/window/main_frame.h"
 #include "host/app/command_line.h"
-#include "host/app/message_pump.h"
+#include "host/app/session.h"
 #include "host/app/run.h"
 #include "support/dialog_driver.h"
 #include "support/host_run.h"
