@@ -16,7 +16,7 @@ constexpr DWORD kConnectMilliseconds = 30000;  // a person answers the system's 
 constexpr DWORD kWriteMilliseconds = 30000;
 constexpr DWORD kSilenceMilliseconds = 15000;  // several times the distance of two signs of work
 constexpr ULONGLONG kWorkMilliseconds = 5 * 60 * 1000;
-constexpr DWORD kEndMilliseconds = 10000;
+constexpr DWORD kEndMilliseconds = 2000;  // it ends with its pipe, unless it hangs
 
 /// Starts the program through the system's elevation prompt.
 uint32_t StartWithPrompt(const std::wstring& program, const std::wstring& arguments, Win32::KernelHandle& process) {
