@@ -39,7 +39,8 @@ const CustomCommand& FindCustomCommand(const CustomCommandTable& table, const st
 void TellNotDone(HostState& state, const CustomCommand& command, const CustomCommandCall& call) {
     const std::wstring name = L"qvhost: " + Wide(command.Name());
     const std::vector<std::wstring> missing = call.MissingParameters();
-    for (const std::wstring& parameter : missing) state.output.Note(name + L" needs " + parameter);
+    for (const std::wstring& parameter : missing)
+        state.output.Note(std::wstring(name).append(L" needs ").append(parameter));
     if (!missing.empty()) return;
     const std::wstring reason =
         call.ResultCode() == 0 ? L" was not done and gives no reason; it got " : L" was not done; it got ";
