@@ -5,8 +5,8 @@
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/window/main_frame.h"
 #include "host/app/command_line.h"
-#include "host/app/session.h"
 #include "host/app/run.h"
+#include "host/app/session.h"
 #include "support/dialog_driver.h"
 #include "support/host_run.h"
 
