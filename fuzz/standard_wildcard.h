@@ -3,15 +3,13 @@
 #pragma once
 
 #include <cstddef>
-#include <iterator>
 #include <regex>
 #include <string>
 #include <string_view>
 
-namespace QVFuzz {
+#include "fuzz/counted_place.h"
 
-/// The standard engine was about to explode.
-struct TooManySteps {};
+namespace QVFuzz {
 
 struct WildcardResult {
     int error = 0;  // the code of std::regex_error, one more than it so that 0 stands for none
@@ -30,34 +28,6 @@ WildcardResult ResultOf(Search&& search) {
         return {static_cast<int>(failure.code()) + 1};
     }
 }
-
-/// A place in a text that counts the steps of the standard engine.
-template <class CharT>
-class CountedPlace {
-public:
-    using iterator_category = std::bidirectional_iterator_tag;
-    using value_type = CharT;
-    using difference_type = std::ptrdiff_t;
-    using pointer = const CharT*;
-    using reference = const CharT&;
-
-    CountedPlace() = default;
-    CountedPlace(const CharT* at, int* left) : m_at(at), m_left(left) {}
-    reference operator*() const { return *m_at; }
-    CountedPlace& operator++() { return ++m_at, *this; }
-    CountedPlace operator++(int) { return {m_at++, m_left}; }
-    CountedPlace& operator--() { return --m_at, *this; }
-    CountedPlace operator--(int) { return {m_at--, m_left}; }
-    bool operator==(const CountedPlace& other) const {
-        if (m_left && --*m_left < 0) throw TooManySteps();
-        return m_at == other.m_at;
-    }
-    const CharT* Get() const { return m_at; }
-
-private:
-    const CharT* m_at = nullptr;
-    int* m_left = nullptr;
-};
 
 /// The expression that a wildcard pattern stands for.
 template <class CharT>
@@ -88,8 +58,9 @@ WildcardResult SearchByTheStandard(const std::basic_string<CharT>& pattern, bool
         const std::basic_regex<CharT> expression(ExpressionOf(pattern), flags);
         using Place = CountedPlace<CharT>;
         std::match_results<Place> match;
-        const Place begin(text.data(), &steps);
-        const Place end(text.data() + text.size(), &steps);
+        StepLimit limit(steps);
+        const Place begin(text.data(), &limit);
+        const Place end(text.data() + text.size(), &limit);
         if (!std::regex_search(begin, end, match, expression)) return {};
         return {0, true, static_cast<size_t>(match[0].first.Get() - text.data()),
                 static_cast<size_t>(match[0].second.Get() - match[0].first.Get())};

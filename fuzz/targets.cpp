@@ -12,6 +12,7 @@ constexpr Target kTargets[] = {
     {"date-keys", RunDateKeys},
     {"name-template", RunNameTemplate},
     {"search-and-replace", RunSearchAndReplace},
+    {"regex", RunRegex},
     {"rename-plan", RunRenamePlan},
     {"undo-session", RunUndoSession},
     {"base64", RunBase64},

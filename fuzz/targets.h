@@ -28,6 +28,7 @@ void RunSortLines(Bytes bytes);
 void RunDateKeys(Bytes bytes);
 void RunNameTemplate(Bytes bytes);
 void RunSearchAndReplace(Bytes bytes);
+void RunRegex(Bytes bytes);
 void RunRenamePlan(Bytes bytes);
 void RunUndoSession(Bytes bytes);
 void RunBase64(Bytes bytes);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "win32/file_name.h"
+#include "win32/text.h"
 
 namespace BatchRename {
 namespace {

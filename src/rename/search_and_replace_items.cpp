@@ -24,7 +24,7 @@ ItemFault CheckRegularExpressions(const SearchAndReplaceItems& items, bool isCas
     for (size_t at = 0; at < items.size(); ++at) {
         if (items[at].find.empty()) continue;
         try {
-            const GuardedRegex compiled(items[at].find, isCaseSensitive);
+            const Regex compiled(items[at].find, isCaseSensitive);
         } catch (const RegexFault& fault) {
             return {static_cast<int>(at) + 1, fault.Text()};
         }
@@ -41,7 +41,7 @@ SearchAndReplace::SearchAndReplace(const SearchAndReplaceItems& items, uint32_t 
         Item item;
         item.replaceWith = given.replaceWith;
         if (m_isRegex)
-            item.regex = GuardedRegex(given.find, m_isCaseSensitive);
+            item.regex.emplace(given.find, m_isCaseSensitive);
         else
             item.find = m_isCaseSensitive ? given.find : Folded(given.find);
         m_items.push_back(std::move(item));
@@ -59,7 +59,7 @@ RuleFault SearchAndReplace::Apply(std::wstring& text) {
 
 RuleFault SearchAndReplace::ApplyRegex(Item& item, std::wstring& text) {
     if (item.faultCount >= kMostFaults) return item.lastFault;
-    const RuleFault fault = item.regex.Replace(text, item.replaceWith, m_result);
+    const RuleFault fault = item.regex->Replace(text, item.replaceWith, m_result);
     if (fault == RuleFault::None) {
         text.swap(m_result);
         return fault;

@@ -3,10 +3,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "rename/guarded_regex.h"
+#include "rename/regex.h"
 #include "rename/rename_item.h"
 
 namespace BatchRename {
@@ -49,7 +50,7 @@ private:
     struct Item {
         std::wstring find;  // folded, unless case matters
         std::wstring replaceWith;
-        GuardedRegex regex;
+        std::optional<Regex> regex;
         int faultCount = 0;
         RuleFault lastFault = RuleFault::None;
     };
