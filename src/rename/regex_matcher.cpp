@@ -39,6 +39,7 @@ bool RegexMatcher::Spend(size_t steps) {
 /// The first fault counts.
 void RegexMatcher::GiveUp(RuleFault fault) {
     if (m_fault == RuleFault::None) m_fault = fault;
+    m_hasLeftovers = true;
 }
 
 bool RegexMatcher::Search(uint32_t from, RegexSearch how) {
@@ -83,7 +84,6 @@ bool RegexMatcher::Run() {
         }
         if (!Step(state) && !GoBack()) return false;
     }
-    m_hasLeftovers = true;
     return false;
 }
 

@@ -37,8 +37,7 @@ public:
     /// `program` must outlive the matcher.
     explicit RegexMatcher(const RegexProgram& program);
 
-    /// Begins with a text of less than 2^32 - 1 units, with this many steps for all searches in it. A step costs 2 to
-    /// 10 ns and at most 32 bytes.
+    /// Begins with a text of less than 2^32 - 1 units, with this many steps for all searches in it, of 2 to 10 ns each.
     void Begin(std::wstring_view text, int64_t steps);
 
     /// True when there is a match at or after `from`; the first is found. False with a Fault: the steps or the memory

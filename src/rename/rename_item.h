@@ -21,7 +21,7 @@ inline constexpr uint32_t Renamed = 6;
 enum class RuleFault : uint8_t {
     None,
     TooComplex,       // a regular expression took too many steps on this name
-    TooDeep,          // a regular expression needed too much stack on this name
+    TooDeep,          // a regular expression needed too much memory on this name
     ResultTooLong,    // a replacement grew beyond every limit of a name
     UnknownProperty,  // a property tag that the host knows nothing about
 };
