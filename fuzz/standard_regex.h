@@ -21,7 +21,7 @@ struct RegexCase {
     std::wstring replacement;
     bool ignoresCase = false;
     size_t from = 0;  // of one search apart from the replacement
-    BatchRename::RegexSearch how;
+    BatchRename::RegexSearch how = {};
 };
 
 /// `pick(n)` gives a number below n: from a generator, or from a fuzzer's bytes.
