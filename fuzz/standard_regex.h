@@ -33,6 +33,7 @@ public:
     RegexCase Make() {
         RegexCase made;
         m_groups = 0;
+        m_ended.clear();
         made.pattern = Branches(3);
         while (m_pick(12) == 0) Damage(made.pattern);
         for (size_t count = m_pick(13); count > 0; --count) made.text += Unit();
@@ -94,11 +95,13 @@ private:
         if (kind == 1) return L".";
         if (kind == 2) return std::wstring(OneOf(kEscapes));
         if (kind == 3) return Class();
-        if (kind <= 5 && m_groups > 0) return L"\\" + std::to_wstring(1 + m_pick(m_groups));
+        if (kind <= 5 && !m_ended.empty()) return L"\\" + std::to_wstring(m_ended[m_pick(m_ended.size())]);
         if (kind < 10) return PlainUnit();
         if (kind == 10) return L"(?:" + Branches(depth - 1) + L")";
-        ++m_groups;
-        return L"(" + Branches(depth - 1) + L")";
+        const size_t number = ++m_groups;
+        const std::wstring made = L"(" + Branches(depth - 1) + L")";
+        m_ended.push_back(number);
+        return made;
     }
 
     /// Some signs come here too; then they mean what they mean.
@@ -122,6 +125,7 @@ private:
 
     Pick m_pick;
     size_t m_groups = 0;
+    std::vector<size_t> m_ended;  // the groups that a reference can name
 };
 
 enum class RegexVerdict { Same, SameRefusal, Skipped, Different };
@@ -204,11 +208,11 @@ inline bool AreSame(const std::vector<BatchRename::RegexGroup>& left,
     });
 }
 
-/// Refusal for refusal, and else the text replaced and one search with all groups.
+/// Refusal for refusal, and else the text replaced and one search with all groups. Ours comes first: where it takes too
+/// many steps, so would the standard engine, which cannot be stopped while it compares no places.
 inline RegexVerdict CompareWithStandard(const RegexCase& given, int steps, size_t stack = 256 * 1024) {
     using namespace BatchRename;
     constexpr size_t kMostStates = 400;  // the standard's compiler and executor recurse for some of them
-    constexpr int64_t kMatcherSteps = 1'000'000;
     std::optional<int> refusal;
     RegexProgram program;
     try {
@@ -221,20 +225,18 @@ inline RegexVerdict CompareWithStandard(const RegexCase& given, int steps, size_
     StandardRegex standard(given, steps, stack);
     if (standard.Compile() != refusal) return RegexVerdict::Different;
     if (refusal) return RegexVerdict::SameRefusal;
+    std::wstring result;
+    const RuleFault fault =
+        Regex(given.pattern, !given.ignoresCase).Replace(given.text, given.replacement, result, steps);
+    RegexMatcher matcher(program);
+    matcher.Begin(given.text, steps);
+    const bool isFound = matcher.Search(static_cast<uint32_t>(given.from), given.how);
+    if (fault != RuleFault::None || matcher.Fault() != RuleFault::None) return RegexVerdict::Skipped;
     try {
-        const std::wstring expected = standard.Replace();
+        if (result != standard.Replace()) return RegexVerdict::Different;
         const std::vector<RegexGroup> groups = standard.Search();
-        std::wstring result;
-        if (Regex(given.pattern, !given.ignoresCase).Replace(given.text, given.replacement, result) !=
-                RuleFault::None ||
-            result != expected)
-            return RegexVerdict::Different;
-        RegexMatcher matcher(program);
-        matcher.Begin(given.text, kMatcherSteps);
-        const bool isFound = matcher.Search(static_cast<uint32_t>(given.from), given.how);
-        if (isFound == groups.empty() || (isFound && !AreSame(matcher.Groups(), groups)))
-            return RegexVerdict::Different;
-        return RegexVerdict::Same;
+        const bool isSame = isFound ? AreSame(matcher.Groups(), groups) : groups.empty();
+        return isSame ? RegexVerdict::Same : RegexVerdict::Different;
     } catch (const TooManySteps&) {
         return RegexVerdict::Skipped;
     }

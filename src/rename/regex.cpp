@@ -9,8 +9,6 @@
 namespace BatchRename {
 namespace {
 
-constexpr int64_t kStepsForAText = 4'000'000;
-
 std::wstring DescribeFault(std::regex_constants::error_type code) {
     using namespace std::regex_constants;
     const struct {
@@ -39,9 +37,9 @@ public:
     Replacing(RegexMatcher& matcher, std::wstring_view text, std::wstring_view replacement, std::wstring& result)
         : m_matcher(matcher), m_text(text), m_replacement(replacement), m_result(result) {}
 
-    RuleFault Run() {
+    RuleFault Run(int64_t steps) {
         m_result.clear();
-        m_matcher.Begin(m_text, kStepsForAText);
+        m_matcher.Begin(m_text, steps);
         RegexSearch how;
         for (bool isFound = m_matcher.Search(0, how); isFound; isFound = FindNext(how)) {
             m_match = m_matcher.Groups().front();
@@ -143,8 +141,8 @@ Regex::~Regex() = default;
 Regex::Regex(Regex&& other) noexcept = default;
 Regex& Regex::operator=(Regex&& other) noexcept = default;
 
-RuleFault Regex::Replace(std::wstring_view text, std::wstring_view replacement, std::wstring& result) {
-    return Replacing(*m_matcher, text, replacement, result).Run();
+RuleFault Regex::Replace(std::wstring_view text, std::wstring_view replacement, std::wstring& result, int64_t steps) {
+    return Replacing(*m_matcher, text, replacement, result).Run(steps);
 }
 
 }  // namespace BatchRename

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -41,9 +42,12 @@ public:
     Regex& operator=(Regex&& other) noexcept;
 
     /// Replaces every match in `text`, by the ECMAScript format rules, into `result`. After a fault `result` is
-    /// meaningless. Four million steps are allowed for a text, at most some 50 ms. The live preview and the run have
-    /// the same limit, so that the run does what the preview showed.
-    RuleFault Replace(std::wstring_view text, std::wstring_view replacement, std::wstring& result);
+    /// meaningless. The steps allowed for a text take some 50 ms at most. The live preview and the run have the same
+    /// limit, so that the run does what the preview showed.
+    RuleFault Replace(std::wstring_view text, std::wstring_view replacement, std::wstring& result,
+                      int64_t steps = kStepsForAText);
+
+    static constexpr int64_t kStepsForAText = 4'000'000;
 
 private:
     std::unique_ptr<const RegexProgram> m_program;
