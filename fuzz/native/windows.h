@@ -6,6 +6,9 @@
 
 using BOOL = int;
 using DWORD = uint32_t;
+using LONG = int32_t;
+using SECURITY_INFORMATION = DWORD;
+using PSECURITY_DESCRIPTOR = void*;
 using HANDLE = void*;
 using HLOCAL = void*;
 using LARGE_INTEGER = union { int64_t QuadPart; };

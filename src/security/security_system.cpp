@@ -6,7 +6,7 @@
 namespace Security {
 namespace {
 
-constexpr ULONG kFileStreamInformation = 22;
+constexpr LONG kNotImplemented = static_cast<LONG>(0xC0000002);  // STATUS_NOT_IMPLEMENTED
 
 /// A function of a system library that stays loaded: it may be in use on any thread until the process ends.
 template <class Function>
@@ -23,16 +23,10 @@ DWORD WINAPI GetUniversalName(LPCWSTR path, DWORD level, LPVOID buffer, LPDWORD 
     return function ? function(path, level, buffer, size) : DWORD{ERROR_CALL_NOT_IMPLEMENTED};
 }
 
-void QueryStreams(HANDLE file, void* buffer, ULONG size) {
-    struct IoStatus {
-        void* status;
-        ULONG_PTR information;
-    };
-    using Query = LONG(WINAPI*)(HANDLE, IoStatus*, void*, ULONG, ULONG);
-    static const auto query = FindSystemFunction<Query>(L"ntdll.dll", "NtQueryInformationFile");
-    IoStatus result = {};
-    // The status says nothing that the buffer does not: a failed query leaves it alone, a long list is cut.
-    if (query) query(file, &result, buffer, size, kFileStreamInformation);
+LONG WINAPI QueryInformationFile(HANDLE file, void* status, void* buffer, ULONG size, ULONG informationClass) {
+    static const auto function =
+        FindSystemFunction<decltype(SecuritySystem::queryInformationFile)>(L"ntdll.dll", "NtQueryInformationFile");
+    return function ? function(file, status, buffer, size, informationClass) : kNotImplemented;
 }
 
 }  // namespace
@@ -40,7 +34,7 @@ void QueryStreams(HANDLE file, void* buffer, ULONG size) {
 const SecuritySystem& RealSystem() {
     static const SecuritySystem kSystem = {
         GetFileSecurityW,  GetNamedSecurityInfoW, SetNamedSecurityInfoW, GetEffectiveRightsFromAclW,
-        LookupAccountSidW, LookupAccountNameW,    GetUniversalName,      QueryStreams,
+        LookupAccountSidW, LookupAccountNameW,    GetUniversalName,      QueryInformationFile,
     };
     return kSystem;
 }

@@ -21,9 +21,8 @@ struct SecuritySystem {
     decltype(&LookupAccountNameW) lookupAccountName;
     /// As WNetGetUniversalNameW.
     DWORD(WINAPI* getUniversalName)(LPCWSTR path, DWORD level, LPVOID buffer, LPDWORD size);
-    /// Fills the buffer with the records of a file's or folder's streams; see stream_records.h. On failure the buffer
-    /// is left as it was.
-    void (*queryStreams)(HANDLE file, void* buffer, ULONG size);
+    /// As NtQueryInformationFile; on failure the buffer is left as it was. `status`: an IO_STATUS_BLOCK.
+    LONG(WINAPI* queryInformationFile)(HANDLE file, void* status, void* buffer, ULONG size, ULONG informationClass);
 };
 
 /// The table of this system. What few calls need (the network's names, the streams) is looked up with the first use:

@@ -190,17 +190,17 @@ TEST(RightsText, NeedsAllBitsOfALetter) {
 }
 
 /// One named stream of 4,096 bytes on disk.
-void GiveOneStream(HANDLE, void* buffer, ULONG size) {
-    EXPECT_EQ(size, 65536u);
+LONG WINAPI GiveOneStream(HANDLE, void*, void* buffer, ULONG, ULONG) {
     auto* const bytes = static_cast<uint8_t*>(buffer);
     bytes[0] = 40;
     bytes[40 + 17] = 0x10;
+    return 0;
 }
 
 TEST(Streams, AreQueriedOfFilesAndFolders) {
     const TemporaryFolder folder;
     SecuritySystem system = RealSystem();
-    system.queryStreams = GiveOneStream;
+    system.queryInformationFile = GiveOneStream;
     for (const std::wstring& path : {folder.Write(L"a", "x"), folder.Path()})
         EXPECT_EQ(QueryStreamFigures(path, system), (StreamFigures{1, 4096}));
     EXPECT_EQ(QueryStreamFigures(folder / L"none", system), StreamFigures());

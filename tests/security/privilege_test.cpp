@@ -1,25 +1,11 @@
 #include "security/privilege.h"
 
-#include <array>
-
-#include <gtest/gtest.h>
-
-#include "win32/handle.h"
+#include "security/enabled_privileges.h"
 
 namespace {
 
+using QVTest::IsEnabled;
 using Security::ScopedPrivilege;
-
-bool IsEnabled(const wchar_t* name) {
-    HANDLE raw = nullptr;
-    EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &raw));
-    const Win32::KernelHandle token(raw);
-    PRIVILEGE_SET set = {.PrivilegeCount = 1, .Control = PRIVILEGE_SET_ALL_NECESSARY, .Privilege = {}};
-    EXPECT_TRUE(LookupPrivilegeValueW(nullptr, name, &set.Privilege[0].Luid));
-    BOOL isEnabled = FALSE;
-    EXPECT_TRUE(PrivilegeCheck(token.Get(), &set, &isEnabled));
-    return isEnabled != FALSE;
-}
 
 TEST(ScopedPrivilege, LastsAsLongAsAnyObjectNeedsIt) {
     ASSERT_FALSE(IsEnabled(SE_TAKE_OWNERSHIP_NAME));
