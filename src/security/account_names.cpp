@@ -55,15 +55,15 @@ bool AccountNames::Find(const std::wstring& machine, PSID sid, const SecuritySys
         const auto known = m_names.find(key);
         if (known != m_names.end()) {
             name = known->second;
-            return true;
+            return !name.empty();
         }
     }
     // Not under the lock: the answer may come from another machine.
-    if (!LookUp(machine, sid, system, name)) return false;
+    if (!LookUp(machine, sid, system, name)) name.clear();
     const std::lock_guard lock(m_mutex);
     if (m_names.size() >= kMostNames) m_names.clear();
     m_names.insert_or_assign(std::move(key), name);
-    return true;
+    return !name.empty();
 }
 
 void AccountNames::Clear() {

@@ -30,13 +30,13 @@ private:
 class AccountNames {
 public:
     /// `DOMAIN\name`, or the name alone when it has no domain. `machine` resolves it; "" is this one. False when it
-    /// cannot be resolved; that is asked again the next time.
+    /// cannot be resolved; that is remembered too, since asking a machine that does not answer takes longest.
     bool Find(const std::wstring& machine, PSID sid, const SecuritySystem& system, std::wstring& name);
     void Clear();
 
 private:
     std::mutex m_mutex;
-    std::unordered_map<std::string, std::wstring> m_names;  // by the bytes of machine and identifier
+    std::unordered_map<std::string, std::wstring> m_names;  // by the bytes of machine and identifier; "" for none
 };
 
 /// The user who runs this process: the bare name; "" when the system does not say.

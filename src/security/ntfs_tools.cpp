@@ -3,6 +3,8 @@
 #include <cstring>
 #include <vector>
 
+#include <sddl.h>
+
 #include "security/account_names.h"
 #include "security/privilege.h"
 #include "security/security_system.h"
@@ -116,6 +118,17 @@ bool NTFSTools::GetOwnerName(const std::wstring& path, bool remotely, std::wstri
         machine = HasDrive(path) && !GetUniversalName(path, share) ? L"" : ServerOf(share);
     }
     return SharedAccountNames().Find(machine, sid, m_system, owner);
+}
+
+std::wstring NTFSTools::DescribeOwnerAndList(const std::wstring& path) const {
+    constexpr SECURITY_INFORMATION kParts = OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION;
+    FileDescriptor descriptor;
+    wchar_t* raw = nullptr;
+    if (!IsUsable(path) || !descriptor.Read(m_system, path, kParts) ||
+        !ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor.Get(), SDDL_REVISION_1, kParts, &raw, nullptr))
+        return {};
+    const Win32::LocalMemory text(raw);
+    return raw;
 }
 
 uint32_t NTFSTools::CheckAccount(const std::wstring& account) const {

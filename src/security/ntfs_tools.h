@@ -20,6 +20,9 @@ public:
     /// The owner as `DOMAIN\name`. With `remotely` the machine that holds the file is asked for the name: the server of
     /// a share, also of one that a drive letter leads to. False when there is no owner, or none with a name.
     bool GetOwnerName(const std::wstring& path, bool remotely, std::wstring& owner) const;
+    /// Owner and access list in the system's text form ("O:...D:...", SDDL), which its tools can put back; "" when they
+    /// cannot be read.
+    std::wstring DescribeOwnerAndList(const std::wstring& path) const;
     /// 0 when the account exists.
     uint32_t CheckAccount(const std::wstring& account) const;
     uint32_t SetOwner(const std::wstring& path, const std::wstring& account) const;

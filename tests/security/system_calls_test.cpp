@@ -109,6 +109,7 @@ TEST(SecurityCalls, HaveTheseArguments) {
     const std::wstring findName = L"FindName - Everyone 100 100";
     const std::tuple<const char*, std::function<void()>, Words> cases[] = {
         {"the owner's name", [&] { tools.GetOwnerName(L"C:\\a", false, text); }, {L"GetFile C:\\a 1"}},
+        {"what the log keeps", [&] { text = tools.DescribeOwnerAndList(L"C:\\a"); }, {L"GetFile C:\\a 5"}},
         {"the rights",
          [&] { CACLInfo(L"C:\\a", system).GetEffectiveRights(mask); },
          {L"GetFile C:\\a 4", L"GetRights CURRENT_USER"}},
@@ -133,8 +134,26 @@ TEST(SecurityCalls, HaveTheseArguments) {
         EXPECT_EQ(g_calls, calls) << why;
     }
     EXPECT_EQ(mask, 7u);
+    EXPECT_TRUE(text.starts_with(L"O:S-1-") && text.find(L"D:") != text.npos) << testing::PrintToString(text);
+    EXPECT_EQ(NTFSTools().DescribeOwnerAndList(folder / L"none"), L"");
     Note(L"");
     EXPECT_EQ(g_calls.back(), L"") << "every privilege is given back";
+}
+
+TEST(AccountNames, RemembersThatAnAccountHasNoName) {
+    SecuritySystem system = RealSystem();
+    static int lookUps = 0;
+    system.lookupAccountSid = [](LPCWSTR, PSID, LPWSTR, LPDWORD, LPWSTR, LPDWORD, PSID_NAME_USE) -> BOOL {
+        ++lookUps;
+        return FALSE;
+    };
+    const NTFSTools tools(system);
+    std::wstring name;
+    NTFSTools::ClearCaches();
+    for (int time = 0; time < 2; ++time) EXPECT_FALSE(tools.GetOwnerName(L".", false, name));
+    EXPECT_EQ(lookUps, 1);
+    NTFSTools::ClearCaches();
+    EXPECT_TRUE(NTFSTools().GetOwnerName(L".", false, name));
 }
 
 }  // namespace

@@ -81,12 +81,15 @@ RECT RectIn(HWND dialog, HWND control) {
     return rect;
 }
 
-/// What a text needs on the screen, in pixels, in the font of its control; the mark of an access key takes no space.
+/// What a text needs on the screen, in pixels, in the font of its control; the mark of an access key takes no space. A
+/// label may have several lines.
 SIZE SizeOfText(HWND control, const std::wstring& text) {
     const HDC context = GetDC(control);
     const HGDIOBJ before = SelectObject(context, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
     RECT rect = {};
-    DrawTextW(context, text.c_str(), -1, &rect, DT_CALCRECT | DT_SINGLELINE);
+    GetClientRect(control, &rect);
+    DrawTextW(context, text.c_str(), -1, &rect,
+              DT_CALCRECT | (ClassOf(control) == L"Static" ? DT_WORDBREAK : DT_SINGLELINE));
     SelectObject(context, before);
     ReleaseDC(control, context);
     return {rect.right, rect.bottom};

@@ -52,7 +52,8 @@ struct SecurityWork {
 
 /// In a host that is not elevated and can be, the elevated process does it all, and nothing is changed here whatever
 /// becomes of it; where there is no way to that process, it is tried here. Items before one that fails stay changed,
-/// those after it are not touched. False when the elevated process reports a failure: the command is over then.
+/// those after it are not touched. Owner and list of each item as they were go into the log. False when the elevated
+/// process reports a failure: the command is over then.
 bool RunSecurityWork(Quorvane::SDK::IHostServices& host, const SecuritySelection& selection, const SecurityWork& work);
 
 /// The elevated side: changes one path after the other and gives the first error. Shows nothing, since the process that

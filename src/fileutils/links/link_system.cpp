@@ -32,10 +32,12 @@ uint32_t MakeSymbolicLink(const std::wstring& link, const std::wstring& target, 
 }
 
 uint32_t SetReparsePoint(const std::wstring& folder, const ReparseBuffer& buffer) {
-    // Not shared: nobody else may put a file into the folder while it turns into a junction.
-    const Win32::FileHandle handle(CreateFileW(Win32::ExtendedPath(folder).c_str(), GENERIC_READ | GENERIC_WRITE, 0,
-                                               nullptr, OPEN_EXISTING,
-                                               FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    // Shared: programs that show the folder above may have this one open. Should a file come into it meanwhile, the
+    // system itself refuses to make it a junction.
+    const Win32::FileHandle handle(CreateFileW(Win32::ExtendedPath(folder).c_str(), GENERIC_READ | GENERIC_WRITE,
+                                               FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                               OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT,
+                                               nullptr));
     if (!handle) return GetLastError();
     std::vector<uint8_t> bytes = buffer.bytes;
     DWORD returned = 0;
