@@ -203,6 +203,8 @@ uint32_t XmlDocument::ToText(std::string& text) const {
         text = m_source.text;
         return ERROR_SUCCESS;
     }
+    // The elements know neither its document type nor its entities.
+    if (m_source.text.find("<!DOCTYPE") != std::string::npos) return ERROR_NOT_SUPPORTED;
     const Win32::ComPtr<IStream> stream = StreamOf({});
     if (!stream) return ERROR_OUTOFMEMORY;
     std::string written;

@@ -79,8 +79,4 @@ private:
     std::map<IXMLDOMElement*, std::unique_ptr<XmlElement>> m_elements;
 };
 
-/// "line L, column C" and the reader's reason, if it has one, of the document that could not be loaded from `bytes`.
-/// "" when that is not what is wrong.
-std::wstring FaultOf(IXMLDOMDocument2& document, std::string_view bytes);
-
 }  // namespace QVHost

@@ -20,9 +20,11 @@ struct EncodingName {
 };
 constexpr EncodingName kNames[] = {
     {L"utf-8", XmlEncoding::kUtf8},
+    {L"utf8", XmlEncoding::kUtf8},
     {L"us-ascii", 20127},
     {L"ascii", 20127},
     {L"iso-8859-1", 28591},
+    {L"latin1", 28591},
     {L"iso-8859-2", 28592},
     {L"iso-8859-3", 28593},
     {L"iso-8859-4", 28594},
@@ -46,6 +48,8 @@ constexpr EncodingName kNames[] = {
     {L"shift_jis", 932},
     {L"gb2312", 936},
     {L"gbk", 936},
+    {L"gb18030", 54936},
+    {L"euc-jp", 20932},
     {L"euc-kr", 949},
     {L"big5", 950},
 };
@@ -126,7 +130,38 @@ uint32_t CodePageOf(std::string_view name) {
     return 0;
 }
 
+std::string TextOf(const XmlEncoding& encoding, std::string_view content) {
+    if (encoding.codePage == XmlEncoding::kUtf8) return std::string(content);
+    if (IsUtf16(encoding.codePage)) return ToUtf8(Utf16Of(content, encoding.codePage == XmlEncoding::kUtf16BigEndian));
+    return ToUtf8(Win32::FromCodePage(content, encoding.codePage));
+}
+
+bool ComesBack(const XmlEncoding& encoding, std::string_view content) {
+    return EncodeXml({encoding.codePage, false}, TextOf(encoding, content)) == content;
+}
+
+/// The bytes of the longest beginning that comes back as it was.
+size_t SoundSize(const XmlEncoding& encoding, std::string_view content) {
+    constexpr size_t kLongestCharacter = 4;  // bytes
+    // Where a character is cut a beginning does not come back; one a few bytes shorter does.
+    const auto sound = [&](size_t size) {
+        for (size_t cut = 0; cut < kLongestCharacter && cut <= size; ++cut)
+            if (ComesBack(encoding, content.substr(0, size - cut))) return std::optional(size - cut);
+        return std::optional<size_t>();
+    };
+    size_t known = 0;
+    for (size_t broken = content.size(); broken - known > 1;) {
+        const size_t middle = known + (broken - known) / 2;
+        (sound(middle) ? known : broken) = middle;
+    }
+    return sound(known).value_or(0);
+}
+
 }  // namespace
+
+std::wstring Describe(XmlPlace place) {
+    return L"line " + std::to_wstring(place.line) + L", column " + std::to_wstring(place.column);
+}
 
 std::optional<DecodedXml> DecodeXml(std::string_view bytes, std::wstring& why) {
     DecodedXml result;
@@ -136,23 +171,17 @@ std::optional<DecodedXml> DecodeXml(std::string_view bytes, std::wstring& why) {
         const std::string_view name = EncodingIn(XmlDeclarationOf(bytes)).name;
         result.encoding.codePage = CodePageOf(name);
         if (result.encoding.codePage == 0) {
-            why = L"it cannot be read in the encoding that it declares, " + std::wstring(name.begin(), name.end());
+            why = L"line 1, column 1: it cannot be read in the encoding that it declares, " +
+                  std::wstring(name.begin(), name.end());
             return std::nullopt;
         }
     }
-    const uint32_t codePage = result.encoding.codePage;
     const std::string_view content = bytes.substr(MarkOf(result.encoding).size());
-    if (codePage == XmlEncoding::kUtf8)
-        result.text = content;
-    else if (IsUtf16(codePage))
-        result.text = ToUtf8(Utf16Of(content, codePage == XmlEncoding::kUtf16BigEndian));
-    else
-        result.text = ToUtf8(Win32::FromCodePage(content, codePage));
-    if (codePage != XmlEncoding::kUtf8 && EncodeXml(result.encoding, result.text) != bytes) {
-        why = L"it has bytes that mean nothing in its encoding";
-        return std::nullopt;
-    }
-    return result;
+    result.text = TextOf(result.encoding, content);
+    if (result.encoding.codePage == XmlEncoding::kUtf8 || ComesBack(result.encoding, content)) return result;
+    const std::string before = TextOf(result.encoding, content.substr(0, SoundSize(result.encoding, content)));
+    why = Describe(PlaceIn(before, before.size())) + L": what stands here means nothing in the file's encoding";
+    return std::nullopt;
 }
 
 std::optional<std::string> EncodeXml(const XmlEncoding& encoding, std::string_view text) {

@@ -1,5 +1,6 @@
 #include "host/xml/xml_text.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -42,8 +43,9 @@ std::string_view InstructionAt(std::string_view text) {
     return UpTo(text, "?>", 2);
 }
 
-/// A document type with the declarations in it; "" when it has no end.
-std::string_view DocumentTypeAt(std::string_view text) {
+}  // namespace
+
+std::string_view XmlDocumentTypeAt(std::string_view text) {
     size_t depth = 0;
     for (size_t at = 0; at < text.size();) {
         const std::string_view rest = text.substr(at);
@@ -63,6 +65,8 @@ std::string_view DocumentTypeAt(std::string_view text) {
     }
     return {};
 }
+
+namespace {
 
 /// True for a start tag with xml:space="preserve".
 bool KeepsBlanks(std::string_view tag) {
@@ -90,6 +94,22 @@ struct OpenElement {
     bool lastElementHasText = false;
 };
 
+/// What `text` begins with; its text is "" when it has no end.
+Piece PieceAt(std::string_view text) {
+    if (text[0] != '<') {
+        const std::string_view piece = text.substr(0, text.find('<'));
+        const bool isBlank = piece.find_first_not_of(kBlanks) == std::string_view::npos;
+        return {.kind = isBlank ? Kind::Blank : Kind::Text, .text = piece};
+    }
+    if (text.starts_with("<!--")) return {.kind = Kind::Other, .text = CommentAt(text)};
+    if (text.starts_with("<![CDATA[")) return {.kind = Kind::Text, .text = UpTo(text, "]]>", 9)};
+    if (text.starts_with("<?")) return {.kind = Kind::Other, .text = InstructionAt(text)};
+    if (text.starts_with("<!")) return {.kind = Kind::Other, .text = XmlDocumentTypeAt(text)};
+    const std::string_view tag = TagAt(text);
+    if (tag.starts_with("</")) return {.kind = Kind::End, .text = tag};
+    return {.kind = Kind::Start, .isElementWhole = tag.ends_with("/>"), .text = tag};
+}
+
 /// The pieces of a document, in order, that together are its text.
 class Pieces {
 public:
@@ -109,21 +129,6 @@ public:
     const std::vector<Piece>& All() const { return m_pieces; }
 
 private:
-    static Piece PieceAt(std::string_view text) {
-        if (text[0] != '<') {
-            const std::string_view piece = text.substr(0, text.find('<'));
-            const bool isBlank = piece.find_first_not_of(kBlanks) == std::string_view::npos;
-            return {.kind = isBlank ? Kind::Blank : Kind::Text, .text = piece};
-        }
-        if (text.starts_with("<!--")) return {.kind = Kind::Other, .text = CommentAt(text)};
-        if (text.starts_with("<![CDATA[")) return {.kind = Kind::Text, .text = UpTo(text, "]]>", 9)};
-        if (text.starts_with("<?")) return {.kind = Kind::Other, .text = InstructionAt(text)};
-        if (text.starts_with("<!")) return {.kind = Kind::Other, .text = DocumentTypeAt(text)};
-        const std::string_view tag = TagAt(text);
-        if (tag.starts_with("</")) return {.kind = Kind::End, .text = tag};
-        return {.kind = Kind::Start, .isElementWhole = tag.ends_with("/>"), .text = tag};
-    }
-
     bool Add(const Piece& piece) {
         m_pieces.push_back(piece);
         if (piece.text.starts_with("<!DOCTYPE") && piece.text.find("xml:space") != std::string_view::npos)
@@ -227,6 +232,29 @@ std::optional<std::string> ReadableXml(std::string_view text) {
 
 std::optional<std::string> ContentOfXml(std::string_view text) {
     return LaidOut(text, {.keepsOuterBlanks = false});
+}
+
+std::string WithoutEntities(std::string text) {
+    std::string result;
+    bool hasType = false;
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::string_view piece = PieceAt(rest).text;
+        if (piece.empty()) return text;
+        rest.remove_prefix(piece.size());
+        if (piece.starts_with("<!DOCTYPE")) {
+            hasType = true;
+            continue;
+        }
+        const bool hasReferences = !piece.starts_with("<!") && !piece.starts_with("<?");
+        for (size_t at = 0; at < piece.size(); ++at) {
+            result += piece[at];
+            if (!hasReferences || piece[at] != '&') continue;
+            const std::string_view name = piece.substr(at + 1, piece.find(';', at) - at - 1);
+            const bool isPlain = name.starts_with('#') || std::ranges::find(kXmlEntities, name) != kXmlEntities.end();
+            if (!isPlain) result += "amp;";
+        }
+    }
+    return hasType ? result : text;
 }
 
 std::string_view LineBreakOf(std::string_view text) {

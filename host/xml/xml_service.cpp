@@ -31,11 +31,27 @@ Win32::ComPtr<IXMLDOMDocument2> NewDocument() {
     return document;
 }
 
-/// Loads `text` into `document`, which is new.
+/// Loads a document's text into `document`, which is new.
 bool LoadText(IXMLDOMDocument2& document, const std::string& text) {
-    const Win32::ComPtr<IStream> stream = StreamOf(text);
+    const Win32::ComPtr<IStream> stream = StreamOf(WithoutEntities(WithoutDeclaredEncoding(text)));
     VARIANT_BOOL isLoaded = VARIANT_FALSE;
     return stream && document.load(ObjectVariant(stream.Get()), &isLoaded) == S_OK && isLoaded == VARIANT_TRUE;
+}
+
+/// What the parser says of a text that it has not loaded, with the place where it tells one.
+std::wstring FaultOf(IXMLDOMDocument2& document) {
+    Win32::ComPtr<IXMLDOMParseError> fault;
+    LONG line = 0;
+    LONG column = 0;
+    Bstr reason;
+    if (SUCCEEDED(document.get_parseError(&fault)) && fault) {
+        fault->get_line(&line);
+        fault->get_linepos(&column);
+        fault->get_reason(reason.Receive());
+    }
+    const std::wstring place =
+        line > 0 ? L"line " + std::to_wstring(line) + L", column " + std::to_wstring(column) + L": " : std::wstring();
+    return place + L"the system's reader refuses it " + OnOneLine(reason.View());
 }
 
 /// What the parser has made of a document, as text.
@@ -95,13 +111,17 @@ Quorvane::SDK::IXmlDocument* XmlService::Load(const wchar_t* path, uint32_t) {
         std::wstring why;
         std::optional<DecodedXml> source = DecodeXml(bytes, why);
         if (!source) {
-            m_output.Note(L"[xml] " + file + L": " + why);
+            m_output.Note(L"[xml] " + file + L", " + why);
             return nullptr;
         }
-        const std::string text = WithoutDeclaredEncoding(source->text);
-        if (!LoadText(*document.Get(), text)) {
-            const std::wstring fault = FaultOf(*document.Get(), text);
-            m_output.Note(L"[xml] " + file + (fault.empty() ? L": it holds no XML" : L", " + fault));
+        if (const std::optional<XmlFault> fault = FindXmlFault(source->text)) {
+            const std::string_view reason = fault->reason;
+            m_output.Note(L"[xml] " + file + L", " + Describe(PlaceIn(source->text, fault->offset)) + L": " +
+                          std::wstring(reason.begin(), reason.end()));
+            return nullptr;
+        }
+        if (!LoadText(*document.Get(), source->text)) {
+            m_output.Note(L"[xml] " + file + L", " + FaultOf(*document.Get()));
             return nullptr;
         }
         return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document), *std::move(source)));
@@ -112,7 +132,7 @@ uint32_t XmlService::Check(const XmlDocument& document, std::string_view bytes) 
     std::wstring why;
     const std::optional<DecodedXml> again = DecodeXml(bytes, why);
     const Win32::ComPtr<IXMLDOMDocument2> parsed = again ? NewDocument() : Win32::ComPtr<IXMLDOMDocument2>();
-    if (!parsed || !LoadText(*parsed.Get(), WithoutDeclaredEncoding(again->text))) return ERROR_INVALID_DATA;
+    if (!parsed || !LoadText(*parsed.Get(), again->text)) return ERROR_INVALID_DATA;
     // An element that got an empty text is written in another way than one that was read so.
     if (document.IsChanged()) return ERROR_SUCCESS;
     return HoldTheSame(*parsed.Get(), *document.Document()) ? ERROR_SUCCESS : ERROR_INVALID_DATA;

@@ -3,6 +3,8 @@
 // types) comes back as it was.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -25,8 +27,9 @@ struct DecodedXml {
 };
 
 /// The text of a document: in the encoding that its mark or its first bytes show, else in the one that it declares,
-/// else in UTF-8. Nothing, and the reason, for an encoding that is not known here and for bytes that would not come
-/// back from it as they were.
+/// else in UTF-8. Nothing, and the reason with its place, for an encoding that is not known here and for bytes that
+/// would not come back from it as they were. Bytes that pass for UTF-8 are given as they are: FindXmlFault looks at
+/// them.
 std::optional<DecodedXml> DecodeXml(std::string_view bytes, std::wstring& why);
 
 /// A document's bytes; nothing when the encoding lacks one of its characters.
@@ -38,6 +41,36 @@ std::string_view XmlDeclarationOf(std::string_view text);
 /// `text` for a parser: with blanks in place of the encoding that it declares, since it is in UTF-8 by now. All else
 /// keeps its place.
 std::string WithoutDeclaredEncoding(std::string text);
+
+/// `text` for a parser: without its document type, and then with its references to entities as text ("&amp;name;"). So
+/// no parser, whatever its settings, fetches anything, takes the time or the memory that entities within entities
+/// would, or refuses the document type. What has none stays as it is.
+std::string WithoutEntities(std::string text);
+
+/// The document type that `text` begins with, with the declarations in it; "" when it has no end.
+std::string_view XmlDocumentTypeAt(std::string_view text);
+
+/// Entities that need no declaration.
+inline constexpr std::array<std::string_view, 5> kXmlEntities = {"amp", "lt", "gt", "quot", "apos"};
+
+/// Why a text is no document, and where: as a number of bytes.
+struct XmlFault {
+    size_t offset = 0;
+    const char* reason = "";
+};
+/// The first fault of a UTF-8 text without its mark: what is not well-formed by XML 1.0, and what would make parsers
+/// slow (elements more than 250 deep, or with more than 500 attributes). Document types and namespaces are not looked
+/// into. Takes time in proportion to the text.
+std::optional<XmlFault> FindXmlFault(std::string_view text);
+
+/// From 1; a line ends with LF, CR LF or CR, a column counts characters.
+struct XmlPlace {
+    size_t line = 1;
+    size_t column = 1;
+};
+XmlPlace PlaceIn(std::string_view text, size_t offset);
+/// "line L, column C"
+std::wstring Describe(XmlPlace place);
 
 // The layout of a document; UTF-8 in, UTF-8 out.
 //

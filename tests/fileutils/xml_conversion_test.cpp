@@ -92,12 +92,76 @@ TEST(XmlLayout, LeavesWhatIsTextAsItIs) {
         EXPECT_FALSE(QVHost::CompactXml(none)) << none;
 }
 
+TEST(XmlFault, IsTheFirstOneWithItsPlace) {
+    const auto many = [](const char* text, int count) {
+        std::string result;
+        while (count-- > 0) result += text;
+        return result;
+    };
+    const std::tuple<const char*, std::string, size_t> cases[] = {
+        {"no UTF-8", "<a>\xC0\xAF</a>", 3},
+        {"half a pair", "<a>\xED\xA0\x80</a>", 3},
+        {"cut at the end", "<a/>\xE4\xB8", 4},
+        {"a control character", std::string("<a>\0</a>", 8), 3},
+        {"by its number", "<a b='&#x1F;'/>", 6},
+        {"an entity that is not declared", "<a>&b;</a>", 3},
+        {"no entity", "<a>a & b;</a>", 5},
+        {"an attribute twice", "<a><b c='' d='' c=''/></a>", 3},
+        {"no blank before it", "<a b=''c=''/>", 7},
+        {"no value", "<a b/>", 4},
+        {"no quotes", "<a b=c/>", 5},
+        {"a tag in a value", "<a b='<'/>", 6},
+        {"the end of a section", "<a>]]></a>", 3},
+        {"two lines in a comment", "<!-- -- --><a/>", 5},
+        {"a comment that does not end", "<a/><!-- -", 4},
+        {"a section outside", "<![CDATA[]]><a/>", 0},
+        {"text after the root", "<a/> x", 5},
+        {"a second root", "<a/><a/>", 4},
+        {"no root", "<!-- -->", 8},
+        {"an element that does not end", "<a><b/>\n", 8},
+        {"a document type inside", "<a><!DOCTYPE a></a>", 3},
+        {"a late declaration", " <?xml version='1.0'?><a/>", 1},
+        {"too deep", many("<a>", 251) + many("</a>", 251), 750},
+        {"too many attributes", "<a" + many(" b=''", 501) + "/>", 0},
+    };
+    for (const auto& [why, text, offset] : cases) {
+        const auto fault = QVHost::FindXmlFault(text);
+        ASSERT_TRUE(fault) << why;
+        EXPECT_EQ(fault->offset, offset) << why << ": " << fault->reason;
+    }
+    for (const char* good : {"<?xml version='1.0'?><!DOCTYPE a><a>&b;&#65;&amp;</a>", "<\xC3\xA4 b:c = \"'\" />",
+                             "<a><![CDATA[]]>&lt;]]&gt;<?p <?></a > <!-- - -->\n"})
+        EXPECT_FALSE(QVHost::FindXmlFault(good)) << good;
+}
+
+TEST(XmlConversion, ExpandsNoEntityAndFetchesNothing) {
+    std::string entities = "<!ENTITY a 'aaaaaaaaaa'>";
+    for (char name = 'b'; name <= 'z'; ++name) {
+        entities += std::string("<!ENTITY ") + name + " '";
+        for (int time = 0; time < 10; ++time) entities += std::string("&") + static_cast<char>(name - 1) + ";";
+        entities += "'>";
+    }
+    const std::string type = "<!DOCTYPE a SYSTEM 'http://127.0.0.1:9/none.dtd' [" + entities +
+                             "<!ENTITY file SYSTEM 'file:///etc/passwd'>]>";
+    const CommandRunner runner;
+    const std::wstring path = runner.Write(L"a.xml", type + "<a> <b c='&z;'>&z;&file;</b> </a>");
+    EXPECT_EQ(runner.Run({L"command", L"30201", path}).status, 0);
+    EXPECT_EQ(runner.Read(L"a.xml"), type + "<a><b c='&z;'>&z;&file;</b></a>");
+    ServicesOfHost host(QV_HOST_PROGRAM);
+    const SDK::Owned<SDK::IXmlService> service(host.Services().GetXmlService(path.c_str(), 0));
+    const SDK::Owned<SDK::IXmlDocument> document(service->Load(path.c_str(), 0));
+    ASSERT_TRUE(document);
+    EXPECT_TRUE(document->GetRoot()->SetAttribute(L"d", L"1"));
+    EXPECT_FALSE(service->Save(document.get(), path.c_str(), 0, nullptr)) << "it would come without its entities";
+}
+
 TEST(XmlConversion, LeavesABadDocumentAloneAndSaysWhere) {
     const std::pair<std::string, const char*> cases[] = {
-        {"<a>\n  <b></a>\n", "bad.xml, line 2, column "},
-        {"<a><b>\xC3\xA4 text", "bad.xml, line 1, column 13: "},
-        {"<a>\n<b/><?p?>\n<b/>\n\n", "bad.xml, line 5, column 1: "},
-        {"", "bad.xml: it holds no XML"},
+        {"<a>\n  <b></a>\n", "bad.xml, line 2, column 6: "},
+        {"", "bad.xml, line 1, column 1: it holds no XML"},
+        {"<?xml version=\"1.0\" encoding=\"us-ascii\"?>\r\n<a>\r<b>\xE4</b></a>", "bad.xml, line 3, column 4: "},
+        {Utf16(L"\uFEFF<a>\n\u4E2D\xD800</a>"), "bad.xml, line 2, column 2: "},
+        {"<a p:x='1' q:x='2' xmlns:p='u' xmlns:q='u'/>", "bad.xml, "},
     };
     for (const auto& [bytes, note] : cases) {
         const CommandRunner runner;
