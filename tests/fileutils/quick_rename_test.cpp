@@ -28,6 +28,20 @@ TEST(QuickRename, MakesTheseNames) {
     }
 }
 
+TEST(QuickRename, LeavesOutWhatCannotBeAName) {
+    const CommandRunner runner;
+    const std::wstring good = runner.MakeFolder(L"a_b");
+    const std::wstring bad = runner.MakeFolder(L"c_");
+    HostRun run = runner.Run({L"command", L"30004", good, bad}, {L"ok"});
+    EXPECT_TRUE(Holds(run.error, "Names that will change: 1.")) << run.error;
+    EXPECT_TRUE(Holds(run.error, "\"c.\" cannot be a name: a name cannot end with a dot."));
+    run = runner.Run({L"command", L"30003", bad}, {L"ok"});
+    EXPECT_TRUE(Holds(run.error, "\"c \" cannot be a name: a name cannot end with a blank."));
+    EXPECT_EQ(runner.List(), (Names{L"a.b", L"c_"}));
+    run = runner.Run({L"command", L"30020", runner.Write(L"x.txt", "")}, {L"nul", L"ok"});
+    EXPECT_TRUE(Holds(run.error, "\"nul.txt\" cannot be a name: the name is reserved for a device."));
+}
+
 TEST(RenameCommands, RenameTheSelectionAfterOneQuestion) {
     const struct {
         const wchar_t *id, *answer;
@@ -84,6 +98,9 @@ TEST(ReplaceInNames, ShowsTheNewNamesAndRenames) {
         EXPECT_EQ(dialog.Text(IDC_REASON), L"No name holds this text.");
         dialog.PressLater(IDC_NAME_IGNORE_CASE);
         EXPECT_TRUE(WaitUntil([&] { return dialog.IsEnabled(IDOK); }));
+        dialog.Enter(IDC_NAME_REPLACEMENT, L"?");
+        EXPECT_EQ(dialog.Text(IDC_REASON), L"\"? one.txt\": the character \"?\" cannot be in a name.");
+        EXPECT_FALSE(dialog.IsEnabled(IDOK));
         dialog.Enter(IDC_NAME_REPLACEMENT, L"new");
         EXPECT_EQ(dialog.Text(IDC_REASON), L"1 name will change.");
         EXPECT_EQ(SendMessageW(dialog.Control(IDC_NAME_PREVIEW), LB_GETCOUNT, 0, 0), 1);

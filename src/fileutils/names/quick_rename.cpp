@@ -74,7 +74,7 @@ uint32_t RunQuickRename(IHostServices& host, uint32_t id) {
         std::wstring newName = QuickRenamed(id, name, IsFolder(*item));
         if (newName != name) renames.push_back({item, std::move(newName)});
     }
-    AskAndRename(host, renames);
+    AskAndRename(host, std::move(renames));
     return 1;
 }
 

@@ -1,18 +1,38 @@
 #include "fileutils/names/rename_items.h"
 
+#include <algorithm>
+#include <memory>
+
 #include "fileutils/fileutils_texts.h"
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
+#include "win32/file_name.h"
 #include "win32/windows.h"
 
 namespace FileUtils {
 
 using namespace Quorvane::SDK;
 
-void AskAndRename(IHostServices& host, const std::vector<ItemRename>& renames) {
-    if (renames.empty()) return;
-    const std::wstring question =
-        FormatText(HostText(host, Text::RenameQuestion), {static_cast<uint64_t>(renames.size())});
+std::wstring TakeOutImpossibleNames(std::vector<ItemRename>& renames) {
+    const auto impossible = std::ranges::stable_partition(
+        renames, [](const ItemRename& rename) { return Win32::IsFileName(rename.newName); });
+    if (impossible.empty()) return {};
+    const std::wstring& name = impossible.front().newName;
+    std::wstring told =
+        L"\"" + name + L"\" cannot be a name: " + Win32::DescribeNameFault(name, Win32::CheckFileName(name)) + L'.';
+    if (impossible.size() > 1) told += L" So it is with " + std::to_wstring(impossible.size()) + L" names.";
+    renames.erase(impossible.begin(), impossible.end());
+    return told;
+}
+
+void AskAndRename(IHostServices& host, std::vector<ItemRename> renames) {
+    const std::wstring told = TakeOutImpossibleNames(renames);
+    if (renames.empty()) {
+        if (!told.empty()) host.MessageBox(told.c_str(), HostText(host, Text::RenameTitle), MB_ICONWARNING);
+        return;
+    }
+    std::wstring question = FormatText(HostText(host, Text::RenameQuestion), {static_cast<uint64_t>(renames.size())});
+    if (!told.empty()) question += L"\n\n" + told;
     if (host.MessageBox(question.c_str(), HostText(host, Text::RenameTitle), MB_OKCANCEL | MB_ICONQUESTION) == IDCANCEL)
         return;
     RenameInOneBatch(host, renames);

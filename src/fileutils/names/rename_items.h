@@ -19,11 +19,14 @@ inline bool IsFolder(Quorvane::SDK::IFileItem& item) {
     return (item.GetAttributes() & kDirectory) != 0;
 }
 
-/// Asks whether so many names are to change, and has the host change them. Asks nothing when there is none. What the
-/// host refuses, it reports itself.
-void AskAndRename(Quorvane::SDK::IHostServices& host, const std::vector<ItemRename>& renames);
+/// Takes out the renames to what cannot be a name, and tells of them in a sentence for people; "" when there is none.
+std::wstring TakeOutImpossibleNames(std::vector<ItemRename>& renames);
 
-/// The same without the question.
+/// Asks whether so many names are to change, and has the host change them; names that cannot be are left out and told
+/// of. Asks nothing when there is none. What the host refuses, it reports itself.
+void AskAndRename(Quorvane::SDK::IHostServices& host, std::vector<ItemRename> renames);
+
+/// Renames as they are, without a question.
 void RenameInOneBatch(Quorvane::SDK::IHostServices& host, const std::vector<ItemRename>& renames);
 
 }  // namespace FileUtils

@@ -1,10 +1,13 @@
 #include "fileutils/names/replace_dlg.h"
 
+#include <algorithm>
+
 #include "fileutils/commands.h"
 #include "fileutils/fileutils_resource.h"
 #include "fileutils/names/rename_items.h"
 #include "sdk/owners.h"
 #include "ui/controls.h"
+#include "win32/file_name.h"
 #include "win32/path.h"
 #include "win32/text.h"
 #include "win32/window_text.h"
@@ -25,6 +28,13 @@ constexpr Anchor kAnchors[] = {
     {IDC_NAME_FIND, 0, 0, 100, 0},  {IDC_NAME_REPLACEMENT, 0, 0, 100, 0}, {IDC_NAME_PREVIEW, 0, 0, 100, 100},
     {IDC_REASON, 0, 100, 100, 100}, {IDOK, 100, 100, 100, 100},           {IDCANCEL, 100, 100, 100, 100},
 };
+
+/// In words, for the first new name that cannot be one; "" when all can.
+std::wstring FaultOf(const std::vector<NameChange>& changes) {
+    const auto change = std::ranges::find_if_not(changes, Win32::IsFileName, &NameChange::to);
+    if (change == changes.end()) return {};
+    return L"\"" + change->to + L"\": " + Win32::DescribeNameFault(change->to, Win32::CheckFileName(change->to)) + L'.';
+}
 
 std::vector<std::wstring> PreviewOf(const std::vector<NameChange>& changes) {
     std::vector<std::wstring> lines;
@@ -82,12 +92,15 @@ bool CReplaceDlg::Refresh() {
     SendMessageW(Item(IDC_NAME_PREVIEW), LB_RESETCONTENT, 0, 0);
     FillList(Item(IDC_NAME_PREVIEW), PreviewOf(changes));
     const size_t count = changes.size();
+    const std::wstring fault = FaultOf(changes);
     SetTextOf(Item(IDC_REASON), request.find.empty() ? L"There is no text to find."
+                                : !fault.empty()     ? fault
                                 : count == 0         ? L"No name holds this text."
                                 : count == 1         ? L"1 name will change."
                                                      : std::to_wstring(count) + L" names will change.");
-    EnableWindow(Item(IDOK), count > 0);
-    return count > 0;
+    const bool canEnd = count > 0 && fault.empty();
+    EnableWindow(Item(IDOK), canEnd);
+    return canEnd;
 }
 
 namespace {

@@ -33,7 +33,7 @@ public:
     using Changes = std::function<std::vector<NameChange>(const NameReplacement&)>;
     explicit CReplaceDlg(Changes changes);
 
-    /// A request that changes at least one name; nothing when the user cancels.
+    /// A request that changes at least one name, and each to what can be one; nothing when the user cancels.
     std::optional<NameReplacement> Show(HWND owner);
 
 private:
