@@ -83,6 +83,8 @@ TEST(Base64Command, DecodesIntoAPlainNameOfItsOwnFolderAndSaysWhatItDidNotUse) {
         {MimeHeader("C:/y.bin") + "YWJj", "", "abc"},
         {MimeHeader("y:z") + "YWJj", "", "abc"},
         {MimeHeader("nul.txt") + "YWJj", "", "abc"},
+        {"====", "( There is no Base64 text, 0 characters were ignored, ErrorCode : 13 )", ""},
+        {std::string(5000, '\0'), "( There is no Base64 text, 0 characters were ignored, ErrorCode : 13 )", ""},
         {"-_-_\r\n", "( There is no Base64 text, 4 characters were ignored, ErrorCode : 13 )", ""},
         {"Y-W\xE4Jj", "[Base64] - Note : 2 characters were ignored ", "abc"},
         {"YQ==\r\n\r\nYg==", "[Base64] - Note : 2 characters were ignored ", "a"},

@@ -117,8 +117,9 @@ size_t CBase64::Decode(const char* text, size_t size, uint8_t* data) {
 }
 
 void CBase64::Skip(char letter) {
-    constexpr std::string_view kUsual(" \t\r\n\0=", 6);
-    if (kUsual.find(letter) == std::string_view::npos) ++m_strangerCount;
+    if (std::string_view(" \t\r\n").find(letter) != std::string_view::npos) return;
+    m_hasSkippedMarks = true;
+    if (letter != kPadding && letter != '\0') ++m_strangerCount;
 }
 
 size_t CBase64::Finish(uint8_t* data) {

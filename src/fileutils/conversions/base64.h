@@ -34,12 +34,16 @@ public:
     /// breaks, zero bytes and padding.
     uint64_t StrangerCount() const noexcept { return m_strangerCount; }
 
+    /// True when something beside letters was there that is no blank and no line break.
+    bool HasSkippedMarks() const noexcept { return m_strangerCount > 0 || m_hasSkippedMarks; }
+
 private:
     void Skip(char letter);
 
     uint32_t m_group = 0;  // the letters of the group begun, six bits each
     uint32_t m_count = 0;  // of them, 0 to 3
     uint64_t m_strangerCount = 0;
+    bool m_hasSkippedMarks = false;
     bool m_isAtEnd = false;
     bool m_isWhole = true;
 };

@@ -92,7 +92,7 @@ uint64_t Decode(QVUtils::DataReader& source, QVUtils::DataWriter& target) {
     const size_t last = decoder.Finish(data.get());
     QVUtils::WriteAll(target, data.get(), last);
     if (!decoder.IsWhole()) throw QVUtilsException(ERROR_INVALID_DATA, "The Base64 text is cut off");
-    if (total + last == 0 && decoder.StrangerCount() > 0)
+    if (total + last == 0 && decoder.HasSkippedMarks())
         throw QVUtilsException(
             ERROR_INVALID_DATA,
             "There is no Base64 text, " + std::to_string(decoder.StrangerCount()) + " characters were ignored");
