@@ -103,18 +103,6 @@ void FillList(HWND list, std::span<const std::wstring> paths) {
     SendMessageW(list, WM_SETREDRAW, TRUE, 0);
 }
 
-void ReplaceInList(HWND list, size_t row, const std::wstring& path) {
-    SendMessageW(list, WM_SETREDRAW, FALSE, 0);
-    SendMessageW(list, LB_DELETESTRING, row, 0);
-    SendMessageW(list, LB_INSERTSTRING, row, reinterpret_cast<LPARAM>(path.c_str()));
-    TextMeter meter(list);
-    meter.Add(path);
-    const WPARAM width = static_cast<WPARAM>(meter.Widest()) + kListMargin;
-    if (static_cast<WPARAM>(SendMessageW(list, LB_GETHORIZONTALEXTENT, 0, 0)) < width)
-        SendMessageW(list, LB_SETHORIZONTALEXTENT, width, 0);
-    SendMessageW(list, WM_SETREDRAW, TRUE, 0);
-}
-
 std::wstring WithEditBreaks(std::wstring_view text) {
     std::wstring result;
     result.reserve(text.size());

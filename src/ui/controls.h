@@ -47,8 +47,6 @@ uint32_t SelectedBit(HWND combo);
 
 /// Fills a list box with paths, which are scrolled sideways where they are too long.
 void FillList(HWND list, std::span<const std::wstring> paths);
-/// Puts another path in the place of one of them.
-void ReplaceInList(HWND list, size_t row, const std::wstring& path);
 
 /// Every line break (CR LF, LF, a lone CR) as CR LF: edit controls know no other.
 std::wstring WithEditBreaks(std::wstring_view text);

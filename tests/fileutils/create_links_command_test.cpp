@@ -1,10 +1,13 @@
 // "Create links": the names proposed, what is refused beforehand, and the command with its dialog.
 
+#include <atomic>
+
 #include "fileutils/command_runner.h"
 #include "fileutils/fileutils_resource.h"
 #include "fileutils/links/create_links_dlg.h"
 #include "fileutils/links/link_rules.h"
 #include "win32/files.h"
+#include "win32/handle.h"
 
 namespace {
 
@@ -12,11 +15,29 @@ using namespace QVTest;
 
 constexpr wchar_t kTitle[] = L"Create links";
 
+/// What the dialog says once it has looked at the links.
+testing::AssertionResult Says(const DrivenDialog& dialog, const std::wstring& reason) {
+    const bool isSaid =
+        WaitUntil([&] { return dialog.Text(IDC_REASON) == reason && dialog.IsEnabled(IDOK) == reason.empty(); });
+    return isSaid ? testing::AssertionSuccess()
+                  : testing::AssertionFailure() << testing::PrintToString(dialog.Text(IDC_REASON));
+}
+
 TEST(LinkNames, AreProposedBesideAndElsewhere) {
-    EXPECT_EQ(FileUtils::ProposedLinkName({L"C:\\a\\b.tar.gz", false}, L"C:\\x"), L"b.tar.gz");
-    EXPECT_EQ(FileUtils::ProposedLinkName({L"C:\\a\\b.tar.gz", false}, L"c:\\A\\"), L"b.tar - link.gz");
-    EXPECT_EQ(FileUtils::ProposedLinkName({L"C:\\a\\b.c", true}, L"C:\\a"), L"b.c - link");
-    EXPECT_EQ(FileUtils::LinkPath(4, L"C:\\a", L"b.txt"), L"C:\\a\\b.txt.lnk");
+    const std::tuple<FileUtils::LinkTarget, const wchar_t*, const wchar_t*> cases[] = {
+        {{L"C:\\a\\b.tar.gz", false}, L"C:\\x", L"C:\\x\\b.tar.gz"},
+        {{L"C:\\a\\b.tar.gz", false}, L"c:\\x\\..\\A\\", L"c:\\x\\..\\A\\b.tar - link.gz"},
+        {{L"C:\\a\\b.c", true}, L"C:\\a", L"C:\\a\\b.c - link"},
+        {{L"C:\\b", false}, L"C:\\", L"C:\\b - link"},
+    };
+    for (const auto& [target, folder, link] : cases) {
+        FileUtils::LinkNames names({target});
+        names.SetFolder(folder);
+        EXPECT_EQ(names.LinkOf(1, 0), link);
+        names.SetName(0, L"typed");
+        names.SetFolder(L"C:\\y");
+        EXPECT_EQ(names.LinkOf(4, 0), L"C:\\y\\typed.lnk");
+    }
     EXPECT_EQ(FileUtils::LinkPath(4, L"C:\\a\\", L"b.LNK"), L"C:\\a\\b.LNK");
 }
 
@@ -58,11 +79,11 @@ TEST(CreateLinksCommand, MakesOneLinkForEachTarget) {
         EXPECT_FALSE(dialog.IsEnabled(IDC_LINK_AS_ADMIN));
         EXPECT_EQ(dialog.Selected(IDC_LINK_KIND), 0);
         EXPECT_EQ(dialog.Text(IDC_LINK_NAME), L"a - link.txt");
-        EXPECT_TRUE(dialog.IsEnabled(IDOK)) << testing::PrintToString(dialog.Text(IDC_REASON));
+        EXPECT_TRUE(Says(dialog, L""));
         dialog.Enter(IDC_LINK_NAME, L"b");
-        EXPECT_FALSE(dialog.IsEnabled(IDOK));
-        EXPECT_EQ(dialog.Text(IDC_REASON), L"This name is in use: b");
+        EXPECT_TRUE(Says(dialog, L"This name is in use: b"));
         dialog.Enter(IDC_LINK_NAME, L"c.txt");
+        EXPECT_TRUE(Says(dialog, L""));
         dialog.PressAndClose(IDOK);
     });
     EXPECT_EQ(run.status, 0) << run.error;
@@ -70,29 +91,56 @@ TEST(CreateLinksCommand, MakesOneLinkForEachTarget) {
     EXPECT_TRUE(Win32::IsSameFile(second, runner / L"b - link"));
 }
 
-TEST(CreateLinksDlg, AsksAboutALinkOnlyWhenItIsAnother) {
+TEST(CreateLinksDlg, AsksAboutALinkOnlyWhenItIsAnotherAndNotOnItsThread) {
     std::vector<FileUtils::LinkTarget> targets;
-    for (int number = 0; number < 2000; ++number) targets.push_back({L"C:\\t\\" + std::to_wstring(number), false});
-    size_t asked = 0;
+    for (int number = 0; number < 20000; ++number) targets.push_back({L"C:\\t\\" + std::to_wstring(number), false});
+    std::atomic<size_t> asked = 0;
+    const DWORD windowThread = GetCurrentThreadId();
     FileUtils::CreateLinksDlg dialog(targets, false, [&](uint32_t, const std::wstring&, const FileUtils::LinkTarget&) {
+        EXPECT_NE(GetCurrentThreadId(), windowThread);
         ++asked;
         return std::wstring();
     });
     std::optional<FileUtils::CreateLinksRequest> request;
     const auto person = [&](const DrivenDialog& open) {
-        EXPECT_EQ(std::exchange(asked, 0), targets.size());
+        EXPECT_TRUE(Says(open, L""));
+        EXPECT_EQ(asked.exchange(0), targets.size());
         open.Enter(IDC_LINK_NAME, L"1999 - LINK");
-        EXPECT_EQ(open.Text(IDC_REASON), L"Two links have the same name: 1999 - link");
+        EXPECT_TRUE(Says(open, L"Two links have the same name: 1999 - link"));
         open.Enter(IDC_LINK_NAME, L"\u00C4 - link");
-        EXPECT_TRUE(open.IsEnabled(IDOK));
-        EXPECT_LE(std::exchange(asked, 0), 26u) << "one for each letter";
-        EXPECT_EQ(SendMessageW(open.Control(IDC_LINK_TARGETS), LB_GETCOUNT, 0, 0), 2000);
+        EXPECT_TRUE(Says(open, L""));
+        EXPECT_LE(asked.exchange(0), 26u) << "one for each letter";
+        const HWND list = open.Control(IDC_LINK_TARGETS);
+        EXPECT_EQ(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0), 20000);
+        EXPECT_EQ(CellOf(list, 0, 0) + L" " + CellOf(list, 19999, 1), L"\u00C4 - link C:\\t\\19999");
+        open.Enter(IDC_LINK_FOLDER, L"");
+        EXPECT_TRUE(Says(open, L"A folder is needed."));
+        open.Enter(IDC_LINK_FOLDER, L"C:\\u");
         open.PressAndClose(IDOK);
     };
     WhileShown(kTitle, person, [&] { request = dialog.Show(nullptr); });
     ASSERT_TRUE(request);
-    EXPECT_EQ(request->links.front(), L"C:\\t\\\u00C4 - link");
-    EXPECT_EQ(request->links.back(), L"C:\\t\\1999 - link");
+    EXPECT_EQ(request->links.front(), L"C:\\u\\\u00C4 - link");
+    EXPECT_EQ(request->links.back(), L"C:\\u\\19999");
+}
+
+TEST(CreateLinksDlg, WaitsForNoCheckThatIsVoid) {
+    std::atomic<int> begun = 0;
+    const Win32::KernelHandle answers(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const auto check = [&](uint32_t, const std::wstring& link, const FileUtils::LinkTarget&) -> std::wstring {
+        if (begun++ == 0) WaitForSingleObject(answers.Get(), 10000);
+        return link.ends_with(L"bad") ? L"bad" : L"";
+    };
+    FileUtils::CreateLinksDlg dialog({{L"C:\\a", false}}, false, check);
+    const auto person = [&](const DrivenDialog& open) {
+        EXPECT_TRUE(WaitUntil([&] { return begun == 1; }));
+        open.Enter(IDC_LINK_NAME, L"bad");
+        EXPECT_TRUE(WaitUntil([&] { return open.Text(IDC_REASON) == L"Looking at the links..."; }));
+        SetEvent(answers.Get());
+        EXPECT_TRUE(Says(open, L"bad"));
+        open.PressAndClose(IDCANCEL);
+    };
+    WhileShown(kTitle, person, [&] { EXPECT_FALSE(dialog.Show(nullptr)); });
 }
 
 TEST(CreateLinksCommand, SaysHowManyLinksFailedAlsoAsAdministrator) {
@@ -101,6 +149,7 @@ TEST(CreateLinksCommand, SaysHowManyLinksFailedAlsoAsAdministrator) {
     const Words words = {L"command", L"30350", runner.MakeFolder(L"sub"), L"--can-elevate"};
     const HostRun run = runner.RunDriven(words, [](DialogDriver& driver) {
         const DrivenDialog dialog = driver.WaitFor(kTitle);
+        EXPECT_TRUE(Says(dialog, L""));
         dialog.Check(IDC_LINK_AS_ADMIN, true);
         dialog.PressAndClose(IDOK);
     });

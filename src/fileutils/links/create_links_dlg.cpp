@@ -1,12 +1,11 @@
 #include "fileutils/links/create_links_dlg.h"
 
 #include <algorithm>
-#include <unordered_set>
 
 #include "fileutils/fileutils_resource.h"
+#include "fileutils/links/link_creation.h"
 #include "ui/controls.h"
 #include "win32/path.h"
-#include "win32/text.h"
 #include "win32/window_text.h"
 
 namespace FileUtils {
@@ -14,14 +13,14 @@ namespace {
 
 using namespace Ui;
 
-constexpr uint32_t kJunction = 2;
-constexpr uint32_t kSymbolicLink = 3;
-constexpr uint32_t kShortcut = 4;
-constexpr wchar_t kShortcutExtension[] = L".lnk";
-constexpr wchar_t kArrow[] = L"  ->  ";
+constexpr UINT kLinksAreChecked = WM_APP;
+constexpr UINT_PTR kPatienceTimer = 1;
+constexpr UINT kPatienceMilliseconds = 300;
 
 // In the order of their numbers, from 1.
 constexpr const wchar_t* kKinds[] = {L"Hard link", L"Junction", L"Symbolic link", L"Shortcut"};
+
+constexpr ListColumn kColumns[] = {{L"Link", 400}, {L"Leads to", 800}};
 
 constexpr Anchor kAnchors[] = {
     {IDC_LINK_FOLDER, 0, 0, 100, 0},   {IDC_LINK_TARGETS, 0, 0, 100, 100},  {IDC_LINK_NAME_LABEL, 0, 100, 0, 100},
@@ -29,94 +28,79 @@ constexpr Anchor kAnchors[] = {
     {IDOK, 100, 100, 100, 100},        {IDCANCEL, 100, 100, 100, 100},
 };
 
-bool IsSamePath(const std::wstring& left, const std::wstring& right) {
-    return Win32::EqualIgnoringCase(Win32::FullPath(left), Win32::FullPath(right));
-}
-
 /// The kind that most people mean: what needs no privilege and fits all targets.
 uint32_t ProposedType(const std::vector<LinkTarget>& targets) {
     const auto folders = std::ranges::count(targets, true, &LinkTarget::isFolder);
-    if (folders == 0) return 1;
-    return static_cast<size_t>(folders) == targets.size() ? kJunction : kSymbolicLink;
+    if (folders == 0) return LinkType::HardLink;
+    return static_cast<size_t>(folders) == targets.size() ? LinkType::Junction : LinkType::SymbolicLink;
 }
 
 }  // namespace
 
-std::wstring ProposedLinkName(const LinkTarget& target, const std::wstring& folder) {
-    std::wstring name(Win32::FileNameOf(target.path));
-    if (!IsSamePath(Win32::JoinPath(folder, name), target.path)) return name;
-    const Win32::NameParts parts = target.isFolder ? Win32::NameParts{name, {}, false} : Win32::SplitAtLastDot(name);
-    std::wstring proposed = std::wstring(parts.stem) + L" - link";
-    if (parts.hasDot) proposed += L'.' + std::wstring(parts.extension);
-    return proposed;
-}
-
-std::wstring LinkPath(uint32_t type, const std::wstring& folder, const std::wstring& name) {
-    std::wstring path = Win32::JoinPath(folder, name);
-    const size_t length = std::size(kShortcutExtension) - 1;
-    const bool endsSo =
-        path.size() >= length && Win32::EqualIgnoringCase(path.substr(path.size() - length), kShortcutExtension);
-    if (type == kShortcut && !name.empty() && !endsSo) path += kShortcutExtension;
-    return path;
-}
-
 CreateLinksDlg::CreateLinksDlg(std::vector<LinkTarget> targets, bool canElevate, LinkCheck whyNot)
     : Dialog(IDD_CREATE_LINKS),
-      m_targets(std::move(targets)),
-      m_names(m_targets.size()),
-      m_isTyped(m_targets.size()),
-      m_checked(m_targets.size()),
+      m_names(std::move(targets)),
       m_canElevate(canElevate),
-      m_whyNot(std::move(whyNot)) {}
+      m_thread(std::move(whyNot), [this] { PostMessageW(GetWindow(), kLinksAreChecked, 0, 0); }) {}
 
 std::optional<CreateLinksRequest> CreateLinksDlg::Show(HWND owner) {
-    return ShowModal(owner) == IDOK ? std::optional(m_request) : std::nullopt;
+    return ShowModal(owner) == IDOK ? m_request : std::nullopt;
 }
 
 bool CreateLinksDlg::OnInit() {
     MakeResizable(kAnchors);
     for (const wchar_t* kind : kKinds)
         SendMessageW(Item(IDC_LINK_KIND), CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(kind));
-    SendMessageW(Item(IDC_LINK_KIND), CB_SETCURSEL, ProposedType(m_targets) - 1, 0);
-    SetTextOf(Item(IDC_LINK_FOLDER), std::wstring(Win32::WithoutSeparator(Win32::FolderOf(m_targets.front().path))));
+    SendMessageW(Item(IDC_LINK_KIND), CB_SETCURSEL, ProposedType(m_names.Targets()) - 1, 0);
     EnableWindow(Item(IDC_LINK_AS_ADMIN), m_canElevate);
-    ProposeNames();
-    ShowLinks();
-    ShowSelectedName();
+    const HWND list = Item(IDC_LINK_TARGETS);
+    AddColumns(list, kColumns);
+    m_names.SetFolder(std::wstring(Win32::WithoutSeparator(Win32::FolderOf(m_names.Targets().front().path))));
+    SetTextOf(Item(IDC_LINK_FOLDER), m_names.Folder());
+    SendMessageW(list, LVM_SETITEMCOUNT, m_names.Targets().size(), 0);
+    SelectRow(list, 0);
+    EnableWindow(Item(IDOK), FALSE);
     Refresh();
     return true;
 }
 
 bool CreateLinksDlg::OnCommand(int id, int notification) {
     if (id == IDOK) {
-        CreateLinksRequest request = FromControls();
-        if (!FaultOf(request).empty()) return true;
-        m_request = std::move(request);
-        End(IDOK);
+        Accept();
         return true;
     }
-    if (id == IDC_LINK_TARGETS && notification == LBN_SELCHANGE) {
-        ShowSelectedName();
-        return true;
-    }
-    if (id == IDC_LINK_KIND && notification == CBN_SELCHANGE) {
-        ShowLinks();
-    } else if (id == IDC_LINK_FOLDER && notification == EN_CHANGE) {
-        const std::vector<std::wstring> before = m_names;
-        ProposeNames();
-        if (m_names != before) ShowLinks();
+    if (id == IDC_LINK_FOLDER && notification == EN_CHANGE) {
+        m_names.SetFolder(Win32::WindowText(Item(IDC_LINK_FOLDER)));
         ShowSelectedName();
     } else if (id == IDC_LINK_NAME && notification == EN_CHANGE) {
         const std::wstring name = Win32::WindowText(Item(IDC_LINK_NAME));
-        if (name == m_names[Selected()]) return true;
-        m_names[Selected()] = name;
-        m_isTyped[Selected()] = true;
-        ShowLink(Selected());
-    } else {
+        if (name == m_names.NameOf(Selected())) return true;
+        m_names.SetName(Selected(), name);
+    } else if (id != IDC_LINK_KIND || notification != CBN_SELCHANGE) {
         return false;
     }
+    InvalidateRect(Item(IDC_LINK_TARGETS), nullptr, FALSE);
     Refresh();
     return true;
+}
+
+bool CreateLinksDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_NOTIFY) return OnNotify(*reinterpret_cast<const NMHDR*>(lParam), lParam);
+    if (message == WM_TIMER && wParam == kPatienceTimer) {
+        KillTimer(GetWindow(), kPatienceTimer);
+        if (!m_isChecked) SetTextOf(Item(IDC_REASON), L"Looking at the links...");
+        return true;
+    }
+    if (message != kLinksAreChecked) return false;
+    if (const std::optional<std::wstring> fault = m_thread.Take(); fault && !m_isChecked) ShowFault(*fault);
+    return true;
+}
+
+bool CreateLinksDlg::OnNotify(const NMHDR& header, LPARAM lParam) {
+    if (header.idFrom != IDC_LINK_TARGETS) return false;
+    if (header.code == LVN_ITEMCHANGED) ShowSelectedName();
+    if (header.code == LVN_GETDISPINFOW) FillCell(reinterpret_cast<NMLVDISPINFOW*>(lParam)->item);
+    return header.code == LVN_ITEMCHANGED || header.code == LVN_GETDISPINFOW;
 }
 
 uint32_t CreateLinksDlg::Type() const {
@@ -124,67 +108,54 @@ uint32_t CreateLinksDlg::Type() const {
 }
 
 size_t CreateLinksDlg::Selected() const {
-    const LRESULT row = SendMessageW(Item(IDC_LINK_TARGETS), LB_GETCURSEL, 0, 0);
+    const int row = SelectedRow(Item(IDC_LINK_TARGETS));
     return row < 0 ? 0 : static_cast<size_t>(row);
 }
 
-void CreateLinksDlg::ProposeNames() {
-    const std::wstring folder = Win32::WindowText(Item(IDC_LINK_FOLDER));
-    for (size_t row = 0; row < m_targets.size(); ++row)
-        if (!m_isTyped[row]) m_names[row] = ProposedLinkName(m_targets[row], folder);
-}
-
 void CreateLinksDlg::ShowSelectedName() {
-    SetTextOf(Item(IDC_LINK_NAME), m_names[Selected()]);
+    SetTextOf(Item(IDC_LINK_NAME), m_names.NameOf(Selected()));
 }
 
-std::wstring CreateLinksDlg::LineOf(size_t row) const {
-    return LinkPath(Type(), L"", m_names[row]) + kArrow + m_targets[row].path;
+void CreateLinksDlg::FillCell(LVITEMW& cell) const {
+    const auto row = static_cast<size_t>(cell.iItem);
+    if (!(cell.mask & LVIF_TEXT) || row >= m_names.Targets().size()) return;
+    FillItemText(cell.pszText, cell.cchTextMax,
+                 cell.iSubItem == 0 ? LinkPath(Type(), L"", m_names.NameOf(row)) : m_names.Targets()[row].path);
 }
 
-void CreateLinksDlg::ShowLinks() {
-    const size_t selected = Selected();
-    std::vector<std::wstring> lines;
-    for (size_t row = 0; row < m_targets.size(); ++row) lines.push_back(LineOf(row));
-    const HWND list = Item(IDC_LINK_TARGETS);
-    SendMessageW(list, LB_RESETCONTENT, 0, 0);
-    FillList(list, lines);
-    SendMessageW(list, LB_SETCURSEL, selected, 0);
+void CreateLinksDlg::Accept() {
+    if (!m_isChecked) {
+        m_endsWhenChecked = true;
+        return;
+    }
+    if (!IsWindowEnabled(Item(IDOK))) return;
+    m_request = FromControls();
+    End(IDOK);
 }
 
-void CreateLinksDlg::ShowLink(size_t row) {
-    const HWND list = Item(IDC_LINK_TARGETS);
-    ReplaceInList(list, row, LineOf(row));
-    SendMessageW(list, LB_SETCURSEL, row, 0);
+void CreateLinksDlg::Refresh() {
+    m_endsWhenChecked = false;
+    if (m_names.Folder().empty()) {
+        ShowFault(L"A folder is needed.");
+        return;
+    }
+    m_isChecked = false;
+    SetTimer(GetWindow(), kPatienceTimer, kPatienceMilliseconds, nullptr);
+    m_thread.Request(m_names, Type());
+}
+
+void CreateLinksDlg::ShowFault(const std::wstring& fault) {
+    m_isChecked = true;
+    SetTextOf(Item(IDC_REASON), fault);
+    EnableWindow(Item(IDOK), fault.empty());
+    if (std::exchange(m_endsWhenChecked, false)) Accept();
 }
 
 CreateLinksRequest CreateLinksDlg::FromControls() const {
     CreateLinksRequest request = {Type(), m_canElevate && IsChecked(Item(IDC_LINK_AS_ADMIN)), {}};
-    const std::wstring folder = Win32::WindowText(Item(IDC_LINK_FOLDER));
-    for (const std::wstring& name : m_names) request.links.push_back(LinkPath(request.type, folder, name));
+    for (size_t row = 0; row < m_names.Targets().size(); ++row)
+        request.links.push_back(m_names.LinkOf(request.type, row));
     return request;
-}
-
-std::wstring CreateLinksDlg::FaultOf(const CreateLinksRequest& request) {
-    if (Win32::WindowText(Item(IDC_LINK_FOLDER)).empty()) return L"A folder is needed.";
-    std::unordered_set<std::wstring> taken;
-    for (size_t row = 0; row < request.links.size(); ++row) {
-        if (m_names[row].empty()) return L"A link has no name: " + m_targets[row].path;
-        const std::wstring& link = request.links[row];
-        // All lie in one folder, and what only means the same name ("a.", "b\..\a") is refused as a name.
-        if (!taken.insert(Win32::ToUpperCase(link)).second) return L"Two links have the same name: " + m_names[row];
-        Checked& checked = m_checked[row];
-        if (checked.type != request.type || checked.link != link)
-            checked = {request.type, link, m_whyNot(request.type, link, m_targets[row])};
-        if (!checked.fault.empty()) return checked.fault;
-    }
-    return {};
-}
-
-void CreateLinksDlg::Refresh() {
-    const std::wstring fault = FaultOf(FromControls());
-    SetTextOf(Item(IDC_REASON), fault);
-    EnableWindow(Item(IDOK), fault.empty());
 }
 
 }  // namespace FileUtils

@@ -3,19 +3,16 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "fileutils/links/link_check.h"
 #include "ui/dialog.h"
 
-namespace FileUtils {
+#include <commctrl.h>
 
-struct LinkTarget {
-    std::wstring path;
-    bool isFolder = false;
-};
+namespace FileUtils {
 
 struct CreateLinksRequest {
     uint32_t type = 1;  // 1 hard link, 2 junction, 3 symbolic link, 4 shortcut
@@ -23,15 +20,8 @@ struct CreateLinksRequest {
     std::vector<std::wstring> links;  // full paths, one for each target in its order
 };
 
-/// Why the dialog cannot end with this link; "" when it can.
-using LinkCheck = std::function<std::wstring(uint32_t type, const std::wstring& link, const LinkTarget& target)>;
-
-/// The name for a link in `folder`: the target's own, or "a - link.txt" where that name is the target itself.
-std::wstring ProposedLinkName(const LinkTarget& target, const std::wstring& folder);
-
-/// The full path of a link. A shortcut gets ".lnk" unless its name ends so.
-std::wstring LinkPath(uint32_t type, const std::wstring& folder, const std::wstring& name);
-
+/// Answers each key at once, however many targets there are: the list holds no texts of its own, and the links are
+/// looked at on another thread. Until that is done, OK waits for it.
 class CreateLinksDlg final : private Ui::Dialog {
 public:
     /// `targets` has at least one. Without `canElevate` administrator rights are not offered.
@@ -43,32 +33,25 @@ public:
 private:
     bool OnInit() override;
     bool OnCommand(int id, int notification) override;
+    bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    bool OnNotify(const NMHDR& header, LPARAM lParam);
     uint32_t Type() const;
     /// Row of the link whose name is in the field.
     size_t Selected() const;
-    void ProposeNames();
     void ShowSelectedName();
-    void ShowLinks();
-    void ShowLink(size_t row);
-    std::wstring LineOf(size_t row) const;
-    CreateLinksRequest FromControls() const;
-    std::wstring FaultOf(const CreateLinksRequest& request);
+    void FillCell(LVITEMW& cell) const;
+    void Accept();
+    /// The links have changed: has them looked at.
     void Refresh();
+    void ShowFault(const std::wstring& fault);
+    CreateLinksRequest FromControls() const;
 
-    /// What was found out about a row. It asks the system, so it is not asked again while the link is the same.
-    struct Checked {
-        uint32_t type = 0;
-        std::wstring link;
-        std::wstring fault;
-    };
-
-    std::vector<LinkTarget> m_targets;
-    std::vector<std::wstring> m_names;  // as typed, without ".lnk"
-    std::vector<bool> m_isTyped;        // by the person; the others follow the folder
-    std::vector<Checked> m_checked;
+    LinkNames m_names;
     bool m_canElevate;
-    LinkCheck m_whyNot;
-    CreateLinksRequest m_request;
+    bool m_isChecked = false;        // the fault shown is that of the links as they are
+    bool m_endsWhenChecked = false;  // OK was pressed before that
+    std::optional<CreateLinksRequest> m_request;
+    LinkCheckThread m_thread;  // last: it posts to the window
 };
 
 }  // namespace FileUtils
