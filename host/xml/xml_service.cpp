@@ -61,16 +61,19 @@ std::string TextOf(IXMLDOMDocument2& document) {
     return ToUtf8(text.View());
 }
 
-/// True when two documents differ in nothing but blanks that count as nothing. Whether anything else differs is looked
-/// at by itself: that must not depend on what this program thinks an element is.
-bool HoldTheSame(IXMLDOMDocument2& one, IXMLDOMDocument2& other) {
-    std::string first = TextOf(one);
-    std::string second = TextOf(other);
-    if (ContentOfXml(first) != ContentOfXml(second)) return false;
-    const auto isBlank = [](char byte) { return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n'; };
-    std::erase_if(first, isBlank);
-    std::erase_if(second, isBlank);
-    return !first.empty() && first == second;
+std::string WithoutBlanks(std::string text) {
+    std::erase_if(text, [](char byte) { return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n'; });
+    return text;
+}
+
+/// True when two documents differ in nothing but blanks that count as nothing: in their texts, and in what the parser
+/// has made of them. That must not depend on what this program thinks an element is, and is compared without any
+/// blanks, since some systems' parsers lay out what they are asked for; the texts hold what the parser does not see.
+bool HoldTheSame(IXMLDOMDocument2& one, const std::string& oneText, IXMLDOMDocument2& other,
+                 const std::string& otherText) {
+    const std::string tree = WithoutBlanks(TextOf(one));
+    return !tree.empty() && tree == WithoutBlanks(TextOf(other)) &&
+           WithoutBlanks(oneText) == WithoutBlanks(otherText) && ContentOfXml(oneText) == ContentOfXml(otherText);
 }
 
 }  // namespace
@@ -135,7 +138,10 @@ uint32_t XmlService::Check(const XmlDocument& document, std::string_view bytes) 
     if (!parsed || !LoadText(*parsed.Get(), again->text)) return ERROR_INVALID_DATA;
     // An element that got an empty text is written in another way than one that was read so.
     if (document.IsChanged()) return ERROR_SUCCESS;
-    return HoldTheSame(*parsed.Get(), *document.Document()) ? ERROR_SUCCESS : ERROR_INVALID_DATA;
+    std::string source;
+    document.ToText(source);
+    const bool isSame = HoldTheSame(*parsed.Get(), again->text, *document.Document(), source);
+    return isSame ? ERROR_SUCCESS : ERROR_INVALID_DATA;
 }
 
 bool XmlService::Save(Quorvane::SDK::IXmlDocument* document, const wchar_t* path, uint32_t mode, const wchar_t*) {

@@ -33,6 +33,8 @@ TEST(XmlConversion, ChangesNothingButBlanks) {
         {"a prefix that nothing declares", "<a> <p:b p:c='1'/> </a>", "<a><p:b p:c='1'/></a>"},
         {"a document type", "<!DOCTYPE a [<!ENTITY % p \"<!ENTITY x '>'>\"> %p; ]>\n<a> <b>&x;&#10;</b> </a>",
          "<!DOCTYPE a [<!ENTITY % p \"<!ENTITY x '>'>\"> %p; ]>\n<a><b>&x;&#10;</b></a>"},
+        {"blanks to be kept around elements", "<a> <b xml:space='preserve'><c></c></b> </a>",
+         "<a><b xml:space='preserve'><c></c></b></a>"},
         {"words", "<p> <b>Hello</b> <i>World</i> </p>", "<p> <b>Hello</b> <i>World</i> </p>"},
         {"two bytes of UTF-16 that are no character", Utf16(L"\uFEFF<a> <b>\xD800</b> </a>"), ""},
         {"an odd byte", Utf16(L"<a> <b/> </a>") + ' ', ""},
