@@ -124,19 +124,24 @@ TEST(CreateLinksDlg, AsksAboutALinkOnlyWhenItIsAnotherAndNotOnItsThread) {
     EXPECT_EQ(request->links.back(), L"C:\\u\\19999");
 }
 
-TEST(CreateLinksDlg, WaitsForNoCheckThatIsVoid) {
+TEST(CreateLinksDlg, WaitsForNoCheckThatIsVoidAndShowsNothingOfIt) {
     std::atomic<int> begun = 0;
-    const Win32::KernelHandle answers(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const Win32::KernelHandle goesOn[] = {Win32::KernelHandle(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
+                                          Win32::KernelHandle(CreateEventW(nullptr, TRUE, FALSE, nullptr))};
     const auto check = [&](uint32_t, const std::wstring& link, const FileUtils::LinkTarget&) -> std::wstring {
-        if (begun++ == 0) WaitForSingleObject(answers.Get(), 10000);
+        if (const int number = begun++; number < 2) WaitForSingleObject(goesOn[number].Get(), 10000);
         return link.ends_with(L"bad") ? L"bad" : L"";
     };
-    FileUtils::CreateLinksDlg dialog({{L"C:\\a", false}}, false, check);
+    FileUtils::CreateLinksDlg dialog({{L"C:\\a", false}}, true, check);
     const auto person = [&](const DrivenDialog& open) {
         EXPECT_TRUE(WaitUntil([&] { return begun == 1; }));
-        open.Enter(IDC_LINK_NAME, L"bad");
+        SetWindowTextW(open.Control(IDC_LINK_NAME), L"bad");
         EXPECT_TRUE(WaitUntil([&] { return open.Text(IDC_REASON) == L"Looking at the links..."; }));
-        SetEvent(answers.Get());
+        SetEvent(goesOn[0].Get());
+        EXPECT_TRUE(WaitUntil([&] { return begun == 2; }));
+        open.PressLater(IDC_LINK_AS_ADMIN);  // what was posted before has arrived when this has
+        EXPECT_TRUE(WaitUntil([&] { return open.IsChecked(IDC_LINK_AS_ADMIN); }));
+        SetEvent(goesOn[1].Get());
         EXPECT_TRUE(Says(open, L"bad"));
         open.PressAndClose(IDCANCEL);
     };
