@@ -14,10 +14,21 @@ namespace QVHost {
 namespace {
 
 constexpr int kIndent = 2;
+constexpr int kMostSaves = 20;
 constexpr int kMostDamagedFiles = 1000;
 
 bool IsMissing(uint32_t error) {
     return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+
+nlohmann::json& PlaceOf(nlohmann::json& values, const std::array<std::string, 3>& names) {
+    nlohmann::json* place = &values;
+    for (const std::string& name : names) {
+        // A hand-edited file may have something else at a section's place; it gives way to the section.
+        if (!place->is_object()) *place = nlohmann::json::object();
+        place = &(*place)[name];
+    }
+    return *place;
 }
 
 }  // namespace
@@ -68,17 +79,11 @@ nlohmann::json* SettingsFile::Find(const std::wstring& extension, const wchar_t*
 
 bool SettingsFile::Set(const std::wstring& extension, const wchar_t* section, const wchar_t* key,
                        nlohmann::json value) {
-    nlohmann::json* place = &m_values;
-    for (const std::string& name : {ToUtf8(extension), ToUtf8(section)}) {
-        nlohmann::json& entry = (*place)[name];
-        // A hand-edited file may have something else at a section's place; it gives way to the section.
-        if (!entry.is_object()) entry = nlohmann::json::object();
-        place = &entry;
-    }
-    nlohmann::json& entry = (*place)[ToUtf8(key)];
+    const std::array<std::string, 3> names = {ToUtf8(extension), ToUtf8(section), ToUtf8(key)};
+    nlohmann::json& entry = PlaceOf(m_values, names);
     if (entry == value && entry.type() == value.type()) return true;
-    entry = std::move(value);
-    m_isChanged = true;
+    entry = value;
+    m_changes.push_back({names, std::move(value)});
     return true;
 }
 
@@ -114,15 +119,36 @@ bool SettingsFile::SetNumber(const std::wstring& extension, const wchar_t* secti
 
 bool SettingsFile::Save() {
     const std::lock_guard lock(m_mutex);
-    if (!m_isChanged || !m_mayWrite) return true;
+    if (m_changes.empty() || !m_mayWrite) return true;
     uint32_t error = Win32::MakeFolders(Win32::FolderOf(m_path));
-    if (error == ERROR_SUCCESS) error = QVUtils::ReplaceRecord(m_path, m_values.dump(kIndent) + "\n", true);
+    if (error == ERROR_SUCCESS) error = SaveChanges();
+    // Another run has saved since the file was read.
+    for (int attempt = 1; attempt < kMostSaves && (error == ERROR_READ_FAULT || error == ERROR_ALREADY_EXISTS);
+         ++attempt)
+        error = SaveChanges();
     if (error != ERROR_SUCCESS) {
         m_output.Note(L"[settings] " + m_path + L" cannot be saved: " + DescribeError(error));
         return false;
     }
-    m_isChanged = false;
+    m_changes.clear();
     return true;
+}
+
+/// Windows error code, 0 for success.
+uint32_t SettingsFile::SaveChanges() {
+    std::string bytes;
+    std::optional<Win32::FileState> original;
+    const uint32_t error = ReadWholeFile(m_path, bytes, original);
+    if (error != ERROR_SUCCESS && !IsMissing(error)) return error;
+    nlohmann::json values = nlohmann::json::parse(bytes, nullptr, false);
+    if (original && !values.is_object()) {
+        KeepDamagedFile();
+        if (!m_mayWrite) return ERROR_INVALID_DATA;
+        original.reset();
+    }
+    if (!original) values = m_values;
+    for (const Change& change : m_changes) PlaceOf(values, change.names) = change.value;
+    return QVUtils::ReplaceRecord(m_path, values.dump(kIndent) + "\n", original.has_value(), original);
 }
 
 bool ExtensionSettings::GetString(uint32_t, const wchar_t* section, const wchar_t* key, wchar_t* buffer,

@@ -2,10 +2,12 @@
 // numbers are numbers.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -27,11 +29,17 @@ public:
     bool SetText(const std::wstring& extension, const wchar_t* section, const wchar_t* key, const wchar_t* text);
     bool SetNumber(const std::wstring& extension, const wchar_t* section, const wchar_t* key, uint32_t value);
 
-    /// Writes the file, whole or not at all, when something changed since it was read. False, and a line on standard
-    /// error, when that failed.
+    /// Puts what was changed into the file as it is by now (another run or an editor may have saved it), whole or not
+    /// at all. False, and a line on standard error, when that failed.
     bool Save();
 
 private:
+    struct Change {
+        std::array<std::string, 3> names;  // extension, section, key
+        nlohmann::json value;
+    };
+
+    uint32_t SaveChanges();
     nlohmann::json* Find(const std::wstring& extension, const wchar_t* section, const wchar_t* key);
     bool Set(const std::wstring& extension, const wchar_t* section, const wchar_t* key, nlohmann::json value);
     void KeepDamagedFile();
@@ -41,7 +49,7 @@ private:
     std::mutex m_mutex;
     nlohmann::json m_values = nlohmann::json::object();
     bool m_mayWrite = true;
-    bool m_isChanged = false;
+    std::vector<Change> m_changes;
 };
 
 /// The view of one extension.

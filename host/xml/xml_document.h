@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -14,6 +15,7 @@
 #include "host/xml/xml_text.h"
 #include "sdk/host_objects.h"
 #include "win32/com.h"
+#include "win32/successor.h"
 
 namespace QVHost {
 
@@ -64,6 +66,12 @@ public:
     uint32_t ToText(std::string& text) const;
     /// The document as the bytes of a file, in its encoding.
     uint32_t ToBytes(bool isReadable, std::string& bytes) const;
+    /// The file that the document was read from, as it was then; nothing when it has been written since.
+    struct Origin {
+        std::wstring path;
+        Win32::FileState state;
+    };
+    std::optional<Origin> origin;
     /// From here on the elements are the document, and its text is made of them.
     void OnChange() { m_isChanged = true; }
     bool IsChanged() const { return m_isChanged; }

@@ -10,6 +10,8 @@
 #include "host/xml/xml_document.h"
 #include "host/xml/xml_text.h"
 #include "textio/replace_file.h"
+#include "win32/path.h"
+#include "win32/text.h"
 
 namespace QVHost {
 namespace {
@@ -61,6 +63,24 @@ std::string TextOf(IXMLDOMDocument2& document) {
     return ToUtf8(text.View());
 }
 
+/// What was read from `target` goes the way of all files that are worked on, anything else is a record. Windows error
+/// code, 0 for success; `note` is the reason in words, or what is to be said of a success.
+uint32_t Write(XmlDocument& document, const std::wstring& target, const std::string& bytes, std::wstring& note) try {
+    std::optional<Win32::FileState> original;
+    if (document.origin && Win32::EqualIgnoringCase(document.origin->path, target)) original = document.origin->state;
+    Win32::RemoveLeftovers(std::wstring(Win32::FolderOf(target)));
+    const uint32_t error = QVUtils::ReplaceFileContent(
+        {.target = target, .mayOverwrite = true, .isRecord = !original},
+        [&](QVUtils::DataWriter& writer) { QVUtils::WriteAll(writer, bytes.data(), bytes.size()); }, original);
+    document.origin.reset();
+    if (error != ERROR_SUCCESS) note = L"the backup (.bak) cannot be deleted: " + DescribeError(error);
+    return ERROR_SUCCESS;
+} catch (const QVUtils::QVUtilsException& failure) {
+    const std::string_view text = failure.what();
+    note.assign(text.begin(), text.end()).append(L": ").append(DescribeError(failure.GetErrorCode()));
+    return failure.GetErrorCode();
+}
+
 std::string WithoutBlanks(std::string text) {
     std::erase_if(text, [](char byte) { return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n'; });
     return text;
@@ -102,7 +122,8 @@ Quorvane::SDK::IXmlDocument* XmlService::Load(const wchar_t* path, uint32_t) {
         if (!path || !*path) return nullptr;
         const std::wstring file = FullUserPath(path);
         std::string bytes;
-        if (const uint32_t error = ReadWholeFile(file, bytes)) {
+        std::optional<Win32::FileState> state;
+        if (const uint32_t error = ReadWholeFile(file, bytes, state)) {
             // That there is none is an answer, and for a document that is kept between runs the usual one at first.
             const bool isMissing = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
             if (!isMissing) m_output.Note(L"[xml] " + file + L": " + DescribeError(error));
@@ -127,7 +148,9 @@ Quorvane::SDK::IXmlDocument* XmlService::Load(const wchar_t* path, uint32_t) {
             m_output.Note(L"[xml] " + file + L", " + FaultOf(*document.Get()));
             return nullptr;
         }
-        return m_documents.Keep(std::make_shared<XmlDocument>(m_documents, std::move(document), *std::move(source)));
+        auto loaded = std::make_shared<XmlDocument>(m_documents, std::move(document), *std::move(source));
+        loaded->origin = {file, *std::move(state)};
+        return m_documents.Keep(std::move(loaded));
     });
 }
 
@@ -152,11 +175,14 @@ bool XmlService::Save(Quorvane::SDK::IXmlDocument* document, const wchar_t* path
         std::string bytes;
         uint32_t error = known->ToBytes(mode == kIndented, bytes);
         if (error == ERROR_SUCCESS) error = Check(*known, bytes);
-        if (error == ERROR_SUCCESS) error = QVUtils::ReplaceRecord(target, bytes, true);
-        if (error == ERROR_SUCCESS) return true;
-        // The answer is a plain no: the reason is for the reader of standard error.
-        m_output.Note(L"[xml] " + target + L": " + DescribeError(error));
-        return false;
+        std::wstring note;
+        if (error == ERROR_SUCCESS)
+            error = Write(*known, target, bytes, note);
+        else
+            note = DescribeError(error);
+        // The answer is a plain yes or no: the reason is for the reader of standard error.
+        if (!note.empty()) m_output.Note(L"[xml] " + target + L": " + note);
+        return error == ERROR_SUCCESS;
     });
 }
 

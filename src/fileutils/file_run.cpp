@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <set>
 
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
@@ -10,11 +11,24 @@
 #include "win32/file_name.h"
 #include "win32/files.h"
 #include "win32/path.h"
+#include "win32/successor.h"
 
 namespace FileUtils {
 namespace {
 
 using namespace Quorvane::SDK;
+
+/// Lets what killed runs have left in a folder go before files of that folder are worked on.
+class FolderCare {
+public:
+    void LookBeside(const std::wstring& path) {
+        const std::wstring folder(Win32::FolderOf(path));
+        if (m_done.insert(folder).second) Win32::RemoveLeftovers(folder);
+    }
+
+private:
+    std::set<std::wstring> m_done;
+};
 
 class FileRunner {
 public:
@@ -54,6 +68,7 @@ private:
         }
         if (m_result.isCancelled) return;
         task.target = TargetOf(task.source);
+        m_care.LookBeside(task.source);
         // Asked before anything looks at the target: a device exists, and takes whatever is written to it.
         if (task.target != task.source && !Win32::IsFileName(Win32::FileNameOf(task.target))) {
             m_run.tellBadTarget(task);
@@ -127,6 +142,7 @@ private:
     bool m_mayOverwrite;  // set for the rest of the run when the user answers Yes
     const std::wstring m_title;
     std::vector<MarkedList> m_lists;
+    FolderCare m_care;
     OwnedProgress m_progress;
     FileRunResult m_result;
 };
@@ -146,8 +162,10 @@ void TellTarget(IHostServices& host, const wchar_t* command, const FileTask& tas
 void ForEachFile(IHostServices& host, IFileList& list,
                  const std::function<void(const std::wstring&, IFileOperations&)>& work,
                  const std::function<void(const std::wstring&, const std::wstring&, uint32_t)>& tellFailure) {
+    FolderCare care;
     for (const std::wstring& path : PathsOf(list)) {
         try {
+            care.LookBeside(path);
             const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
             if (files && files->Exists(path.c_str())) work(path, *files.Get());
         } catch (const QVUtils::QVUtilsException& error) {

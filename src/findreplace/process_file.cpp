@@ -162,7 +162,8 @@ private:
         QVUtils::WriteAll(m_replacement.GetWriter(), blocks.GetHalfUnit().data(), blocks.GetHalfUnit().size());
         m_file.Close();
         const uint32_t backupError = m_replacement.Commit();
-        if (backupError != 0) m_job.callback.ReportErrorA("Unable to delete the backup of the file", backupError);
+        if (backupError != 0)
+            m_job.callback.ReportErrorA("Unable to delete the backup (.bak) of the file", backupError);
     }
 
     const Job& m_job;

@@ -3,40 +3,26 @@
 #include <algorithm>
 #include <cstring>
 
-#include "win32/handle.h"
 #include "win32/path.h"
+#include "win32/windows.h"
 
 namespace QVUtils {
 
-struct FileDataReader::Handle {
-    Win32::FileHandle file;
-};
-
-FileDataReader::FileDataReader(const std::wstring& path, FileSharing sharing) : m_handle(std::make_unique<Handle>()) {
-    m_handle->file.Reset(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_READ, static_cast<DWORD>(sharing),
-                                     nullptr, OPEN_EXISTING, 0, nullptr));
-    if (!m_handle->file) throw QVUtilsException(GetLastError(), "Unable to open file");
+FileDataReader::FileDataReader(const std::wstring& path, FileSharing sharing)
+    : m_file(Win32::HeldFileOf(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_READ, static_cast<DWORD>(sharing),
+                                           nullptr, OPEN_EXISTING, 0, nullptr))) {
+    if (!m_file) throw QVUtilsException(GetLastError(), "Unable to open file");
     // "filesize" is one word in this message: users search their logs for it. compatibility: 11
-    if (const uint32_t error = Win32::GetStamp(m_handle->file.Get(), m_stamp))
+    if (const uint32_t error = Win32::GetStamp(m_file.get(), m_stamp))
         throw QVUtilsException(error, "Failed to get filesize");
 }
 
-FileDataReader::~FileDataReader() = default;
-
 uint32_t FileDataReader::Read(void* buffer, uint32_t size, uint32_t& bytesRead) {
     DWORD delivered = 0;
-    if (!ReadFile(m_handle->file.Get(), buffer, size, &delivered, nullptr))
+    if (!ReadFile(m_file.get(), buffer, size, &delivered, nullptr))
         throw QVUtilsException(GetLastError(), "Failed to read file");
     bytesRead = delivered;
     return 1;
-}
-
-void* FileDataReader::GetSystemHandle() const noexcept {
-    return m_handle->file.Get();
-}
-
-void FileDataReader::Close() {
-    m_handle->file.Reset();
 }
 
 uint32_t MemoryDataReader::Read(void* buffer, uint32_t size, uint32_t& bytesRead) {

@@ -32,20 +32,18 @@ class FileDataReader final : public DataReader {
 public:
     /// @throws QVUtilsException "Unable to open file" or "Failed to get filesize", with the system's code
     explicit FileDataReader(const std::wstring& path, FileSharing sharing = FileSharing::ReadAndWrite);
-    ~FileDataReader() override;
 
     uint32_t Read(void* buffer, uint32_t size, uint32_t& bytesRead) override;
-    void Close() override;
+    void Close() override { m_file.reset(); }
 
     /// Bytes, as the file was when it was opened.
     uint64_t GetFileSize() const noexcept { return m_stamp.size; }
     /// As the file was when it was opened.
     const Win32::FileStamp& GetStamp() const noexcept { return m_stamp; }
-    void* GetSystemHandle() const noexcept;
+    void* GetSystemHandle() const noexcept { return m_file.get(); }
 
 private:
-    struct Handle;  // keeps the system's header out of the engines
-    std::unique_ptr<Handle> m_handle;
+    Win32::HeldFile m_file;
     Win32::FileStamp m_stamp;
 };
 

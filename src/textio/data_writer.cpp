@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "win32/handle.h"
 #include "win32/path.h"
+#include "win32/windows.h"
 
 namespace QVUtils {
 
@@ -17,45 +17,29 @@ void WriteAll(DataWriter& writer, const void* data, uint64_t size) {
     }
 }
 
-struct FileDataWriter::Handle {
-    Win32::FileHandle file;
-};
-
-FileDataWriter::FileDataWriter() : m_handle(std::make_unique<Handle>()) {}
-
-FileDataWriter::~FileDataWriter() = default;
-
 bool FileDataWriter::Open(const std::wstring& path, bool overwrite, FileSharing sharing) {
-    m_handle->file.Reset();
-    Adopt(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_WRITE, static_cast<DWORD>(sharing), nullptr,
-                      overwrite ? CREATE_ALWAYS : CREATE_NEW, 0, nullptr));
+    m_file.reset();
+    Adopt(Win32::HeldFileOf(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_WRITE, static_cast<DWORD>(sharing),
+                                        nullptr, overwrite ? CREATE_ALWAYS : CREATE_NEW, 0, nullptr)));
     return GetLastError() != ERROR_ALREADY_EXISTS;  // set by CREATE_ALWAYS, and cleared by a creation
 }
 
 uint32_t FileDataWriter::WriteData(const void* buffer, uint32_t size, uint32_t* bytesWritten) {
     DWORD written = 0;
-    if (!WriteFile(m_handle->file.Get(), buffer, size, &written, nullptr))
+    if (!WriteFile(m_file.get(), buffer, size, &written, nullptr))
         throw QVUtilsException(GetLastError(), "Failed to write data to file");
     if (bytesWritten) *bytesWritten = written;
     return 1;
 }
 
-void FileDataWriter::Adopt(void* systemHandle) {
-    m_handle->file.Reset(systemHandle);
-    if (!m_handle->file) throw QVUtilsException(GetLastError(), "Unable to open file for writing");
-}
-
-void* FileDataWriter::GetSystemHandle() const noexcept {
-    return m_handle->file.Get();
+void FileDataWriter::Adopt(Win32::HeldFile file) {
+    m_file = std::move(file);
+    if (!m_file) throw QVUtilsException(GetLastError(), "Unable to open file for writing");
 }
 
 void FileDataWriter::Close() {
-    if (!m_handle->file) return;
-    if (!CloseHandle(m_handle->file.Release())) throw QVUtilsException(GetLastError(), "Failed to write data to file");
-}
-
-void FileDataWriter::Abandon() noexcept {
-    m_handle->file.Reset();
+    if (m_file && !CloseHandle(m_file.release()))
+        throw QVUtilsException(GetLastError(), "Failed to write data to file");
 }
 
 void BufferedDataWriter::Append(const void* data, uint64_t size) {

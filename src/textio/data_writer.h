@@ -9,6 +9,7 @@
 
 #include "textio/file_sharing.h"
 #include "textio/qvutils_exception.h"
+#include "win32/files.h"
 
 namespace QVUtils {
 
@@ -59,9 +60,6 @@ void WriteAll(DataWriter& writer, const void* data, uint64_t size);
 /// Writes a file. Unbuffered: every write is one call of the system.
 class FileDataWriter final : public DataWriter {
 public:
-    FileDataWriter();
-    ~FileDataWriter() override;
-
     /// Closes what is open, then opens `path`: emptied when it exists and `overwrite` is set, refused with code 80 when
     /// it exists and `overwrite` is not. True when the file was not there before.
     /// @throws QVUtilsException "Unable to open file for writing"
@@ -69,21 +67,20 @@ public:
 
     uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* bytesWritten) override;
 
-    /// Takes over a file that was opened for writing; an invalid handle is a failure of the call before.
+    /// Takes over a file that was opened for writing; null is a failure of the call before.
     /// @throws QVUtilsException "Unable to open file for writing"
-    void Adopt(void* systemHandle);
-    void* GetSystemHandle() const noexcept;
+    void Adopt(Win32::HeldFile file);
+    void* GetSystemHandle() const noexcept { return m_file.get(); }
 
     /// Closes the file, so that a failure to do so is seen before anything relies on the new content.
     /// @throws QVUtilsException "Failed to write data to file"
     void Close();
 
     /// Closes the file without looking at the result: its content is given up.
-    void Abandon() noexcept;
+    void Abandon() noexcept { m_file.reset(); }
 
 private:
-    struct Handle;  // keeps the system's header out of the engines
-    std::unique_ptr<Handle> m_handle;
+    Win32::HeldFile m_file;
 };
 
 /// Writes into a block of fixed size. What does not fit is dropped silently (compatibility: 37): the caller sizes the

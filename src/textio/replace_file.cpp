@@ -1,6 +1,7 @@
 #include "textio/replace_file.h"
 
 #include "textio/target_name.h"
+#include "win32/file_name.h"
 #include "win32/files.h"
 #include "win32/handle.h"
 #include "win32/path.h"
@@ -10,35 +11,28 @@ namespace QVUtils {
 namespace {
 
 constexpr char kCannotOpen[] = "Unable to open file for writing";
+constexpr char kUnreadable[] = "Unable to read the access rights of the file";
 constexpr char kNoBackup[] = "Unable to make a backup of the file";
 constexpr char kNotReplaced[] = "Unable to replace the file";
+constexpr char kNoRights[] = "Unable to carry over the access rights of the file";
+constexpr char kChanged[] = "The file was changed while it was read";
 
 void ThrowIfFailed(uint32_t error, const char* message) {
     if (error != ERROR_SUCCESS) throw QVUtilsException(error, message);
 }
 
 /// @throws QVUtilsException when the state cannot be read
-Win32::FileState StateOf(void* openFile, const std::wstring& path) {
+Win32::FileState StateOf(void* openFile, const std::wstring& path, const Win32::FileStamp& stamp) {
     Win32::FileState state;
-    ThrowIfFailed(Win32::GetState(openFile, path, state), "Unable to read the access rights of the file");
+    ThrowIfFailed(Win32::GetState(openFile, path, state), kUnreadable);
+    state.stamp = stamp;
     return state;
-}
-
-/// The last look before a file is replaced. Windows error code for which it cannot be replaced now, 0 when it can.
-/// @throws QVUtilsException when another program has saved or replaced it
-uint32_t LookAgain(const Win32::FileState& original) {
-    const uint32_t error = Win32::CheckUnchanged(original);
-    if (error == ERROR_FILE_INVALID)
-        throw QVUtilsException(ErrorCode::ReadFault, "The file was changed while it was read");
-    return error;
 }
 
 }  // namespace
 
 Win32::FileState OriginalOf(const FileDataReader& reader, const std::wstring& path) {
-    Win32::FileState state = StateOf(reader.GetSystemHandle(), path);
-    state.stamp = reader.GetStamp();
-    return state;
+    return StateOf(reader.GetSystemHandle(), path, reader.GetStamp());
 }
 
 std::optional<Win32::FileState> OriginalOf(const FileDataReader& reader, const std::wstring& path,
@@ -56,37 +50,52 @@ FileReplacement::~FileReplacement() {
 
 void FileReplacement::Begin(std::optional<Win32::FileState> original) {
     const std::wstring& path = m_request.target;
-    const bool exists = original || Win32::Exists(path);
-    if (exists && !m_request.mayOverwrite && !WantsBackup()) throw QVUtilsException(ErrorCode::FileExists, kCannotOpen);
+    if (!original && !Win32::IsFileName(Win32::FileNameOf(path)))
+        throw QVUtilsException(ErrorCode::InvalidName, "The target cannot be a file name");
+    m_isDerived = original.has_value();
+    m_isNew = !original && !Win32::Exists(path);
+    if (!m_isNew && !m_request.mayOverwrite && !WantsBackup())
+        throw QVUtilsException(ErrorCode::FileExists, kCannotOpen);
     m_original = std::move(original);
-    m_isNew = !exists;
-    m_isBeside = exists ? LookAtTarget() : m_request.isRecord;
+    if (!m_isNew) LookAtTarget();
+    m_isBeside = !m_isNew || m_request.isRecord;
     if (m_isBeside) {
-        if (m_isNew) m_original.emplace().path = path;
-        m_path = StaysWhenNotMoved() ? Win32::ExtendedPath(m_request.temporaryPath)
-                                     : Win32::TemporaryNameBeside(m_original->path);
-        m_file.Adopt(Win32::CreateSuccessor(m_path, *m_original));
-        m_isOurs = true;
+        CreateBeside();
     } else {
         m_path = Win32::ExtendedPath(path);
         // What was not seen a moment ago may still be there: it must not be emptied.
-        m_isOurs = m_file.Open(path, exists && m_request.mayOverwrite, m_request.sharing);
+        m_isOurs = m_file.Open(path, false, m_request.sharing);
     }
     m_buffer.emplace(m_file);
 }
 
-/// Can the target be written at all, and is it a file on a disk? Asked before work is spent on its replacement. A
-/// read-only file cannot be opened for writing, but it can be moved aside.
-bool FileReplacement::LookAtTarget() {
-    if (m_original && (WantsBackup() || StaysWhenNotMoved())) return true;
-    const DWORD access = READ_CONTROL | (WantsBackup() ? FILE_READ_ATTRIBUTES : GENERIC_WRITE);
-    const Win32::FileHandle file(CreateFileW(Win32::ExtendedPath(m_request.target).c_str(), access,
-                                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                             OPEN_EXISTING, 0, nullptr));
-    if (!file) throw QVUtilsException(GetLastError(), kCannotOpen);
-    if (GetFileType(file.Get()) != FILE_TYPE_DISK) return false;
-    if (!m_original) m_original = StateOf(file.Get(), m_request.target);
-    return true;
+/// Can the target be written at all, and is it one that a new file can stand for? Asked before work is spent on its
+/// replacement. A read-only file cannot be opened for writing, but it can be moved aside.
+void FileReplacement::LookAtTarget() {
+    if (!m_original || !(WantsBackup() || StaysWhenNotMoved())) {
+        const DWORD access = READ_CONTROL | (WantsBackup() ? FILE_READ_ATTRIBUTES : GENERIC_WRITE);
+        const Win32::FileHandle file(CreateFileW(Win32::ExtendedPath(m_request.target).c_str(), access,
+                                                 FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                                 OPEN_EXISTING, 0, nullptr));
+        if (!file) throw QVUtilsException(GetLastError(), kCannotOpen);
+        Win32::FileStamp stamp;
+        if (!m_original) ThrowIfFailed(Win32::GetStamp(file.Get(), stamp), kUnreadable);
+        if (!m_original) m_original = StateOf(file.Get(), m_request.target, stamp);
+    }
+    // A new file would have one of the names, and writing into this one would risk its content.
+    if (m_original->linkCount > 1)
+        throw QVUtilsException(ERROR_NOT_SUPPORTED, "The file has several names (hard links)");
+}
+
+void FileReplacement::CreateBeside() {
+    if (m_isNew) m_original.emplace().path = m_request.target;
+    m_path = StaysWhenNotMoved() ? Win32::ExtendedPath(m_request.temporaryPath)
+                                 : Win32::TemporaryNameBeside(m_original->path);
+    Win32::Successor made = Win32::CreateSuccessor(m_path, *m_original);
+    ThrowIfFailed(made.error, kCannotOpen);
+    ThrowIfFailed(made.rightsError, kNoRights);
+    m_file.Adopt(std::move(made.file));
+    m_isOurs = true;
 }
 
 void FileReplacement::KeepPart() noexcept {
@@ -100,54 +109,136 @@ void FileReplacement::KeepPart() noexcept {
 
 uint32_t FileReplacement::Commit() {
     m_buffer->Flush();
-    if (m_isBeside && m_request.isRecord && !FlushFileBuffers(m_file.GetSystemHandle()))
-        throw QVUtilsException(GetLastError(), "Failed to write data to file");
-    const uint32_t refusal = m_isBeside && !m_isNew ? Complete() : ERROR_SUCCESS;
-    m_file.Close();
-    const uint32_t error = m_isBeside && refusal == ERROR_SUCCESS ? TakePlace() : refusal;
+    uint32_t error = ERROR_SUCCESS;
+    if (!m_isBeside) {
+        m_file.Close();
+        m_isInPlace = true;
+    } else if (m_isNew) {
+        FlushToDisk();
+        // Another program may have given the name to a file of its own since Begin.
+        error = MoveToTarget(m_request.mayOverwrite);
+    } else {
+        error = ReplaceTarget();
+    }
     m_isOurs = false;
+    m_file.Abandon();  // its content is on disk
     return error;
 }
 
-/// Gives the new file what it takes over from the target, and looks at that once more. As long as the new file is open
-/// it can be removed, whatever its access list says. Gives the error for which it is to stay where it is.
-uint32_t FileReplacement::Complete() {
-    ThrowIfFailed(Win32::CopyStreams(m_original->path, m_path, Win32::NamedStreamsOf(m_original->path)),
+void FileReplacement::FlushToDisk() {
+    ThrowIfFailed(Win32::FlushFile(m_file.GetSystemHandle()), "Failed to write data to file");
+}
+
+uint32_t FileReplacement::ReplaceTarget() {
+    const std::vector<std::wstring> streams = Win32::NamedStreamsOf(m_original->path);
+    if (!m_request.isRecord && Win32::NeedsSystemToReplace(*m_original, streams))
+        if (const auto result = ReplaceBySystem()) return *result;
+    ThrowIfFailed(Win32::CopyStreams(m_original->path, m_path, streams),
                   "Unable to carry over the named streams of the file");
     Win32::CarryOverAttributes(*m_original, m_file.GetSystemHandle());
-    const uint32_t error = LookAgain(*m_original);
-    if (!StaysWhenNotMoved()) ThrowIfFailed(error, WantsBackup() ? kNoBackup : kNotReplaced);
+    FlushToDisk();
+    if (const uint32_t error = HoldTarget()) return NotMoved(error, WantsBackup() ? kNoBackup : kNotReplaced);
+    return ReplaceByHand();
+}
+
+/// The last look before the target is replaced. Windows error code for which it cannot be replaced now, 0 when it can.
+/// @throws QVUtilsException when another program has saved or replaced it
+uint32_t FileReplacement::HoldTarget() {
+    // Only who asked for a backup lets a file be moved that is not to be changed.
+    if (!WantsBackup() && (m_original->attributes & FILE_ATTRIBUTE_READONLY)) return ERROR_ACCESS_DENIED;
+    const uint32_t error = Win32::HoldUnchanged(*m_original, m_held);
+    if (error == ERROR_FILE_INVALID) throw QVUtilsException(ErrorCode::ReadFault, kChanged);
     return error;
 }
 
-uint32_t FileReplacement::MoveToTarget() {
-    // Another program may have given the name to a file of its own since Begin.
-    const bool mayReplace = !m_isNew || m_request.mayOverwrite;
-    const uint32_t error =
-        mayReplace ? Win32::MoveFileOver(m_path, m_original->path) : Win32::MoveFileTo(m_path, m_original->path);
-    if (!StaysWhenNotMoved()) ThrowIfFailed(error, kNotReplaced);
-    return error;
+/// Commit's result; nothing when the system refuses, and both files are as they were.
+std::optional<uint32_t> FileReplacement::ReplaceBySystem() {
+    FlushToDisk();
+    if (HoldTarget() != ERROR_SUCCESS) return std::nullopt;
+    // The system overwrites the backup's name: a file of ours keeps it from others.
+    FileDataWriter placeholder;
+    uint32_t placeError = ERROR_SUCCESS;
+    const std::wstring backup = FreeBackupName(m_original->path, [&](const std::wstring& name) {
+        try {
+            placeholder.Open(name, false);
+        } catch (const QVUtilsException& failure) {
+            placeError = failure.GetErrorCode();
+            return placeError == ErrorCode::FileExists;
+        }
+        placeError = ERROR_SUCCESS;
+        return false;
+    });
+    if (placeError) return std::nullopt;
+    placeholder.Abandon();
+    m_held.reset();
+    m_file.Close();
+    const uint32_t error = Win32::ReplaceBySystem(*m_original, m_path, backup);
+    const bool isAside = Win32::IsUnchangedAt(backup, *m_original);
+    if (error != ERROR_SUCCESS && isAside) return MoveIn(backup);
+    if (error != ERROR_SUCCESS) {
+        Win32::RemoveFile(backup);
+        m_file.Adopt(Win32::OpenSuccessor(m_path));
+        return std::nullopt;
+    }
+    m_isOurs = false;
+    if (!isAside) BringBack(backup, ErrorCode::ReadFault, kChanged, Win32::MoveFileOver);
+    if (!Win32::GiveRights(m_original->path, *m_original))
+        BringBack(backup, ERROR_INVALID_SECURITY_DESCR, kNoRights, Win32::MoveFileOver);
+    return FinishWith(backup);
 }
 
 /// Gives the complete file the target's name.
-uint32_t FileReplacement::TakePlace() {
-    const std::wstring& target = m_original->path;
-    if (m_isNew || !WantsBackup()) return MoveToTarget();
+uint32_t FileReplacement::ReplaceByHand() {
+    if (m_request.isRecord || !(m_isDerived || WantsBackup())) return MoveToTarget(true);
     // Moving is the question: asking first whether a name is free would cost another walk through the folder, and its
     // answer could be out of date.
-    uint32_t moveError = ERROR_SUCCESS;
-    const std::wstring backup = FreeBackupName(target, [&](const std::wstring& name) {
-        moveError = Win32::MoveFileTo(target, name);
-        return moveError == ERROR_ALREADY_EXISTS || moveError == ERROR_FILE_EXISTS;
+    uint32_t error = ERROR_SUCCESS;
+    const std::wstring backup = FreeBackupName(m_original->path, [&](const std::wstring& name) {
+        error = Win32::MoveFileTo(m_original->path, name);
+        return error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS;
     });
-    if (backup.empty()) return MoveToTarget();
-    ThrowIfFailed(moveError, kNoBackup);
-    const uint32_t error = Win32::MoveFileTo(m_path, target);
-    if (error != ERROR_SUCCESS) {
-        const bool isBack = Win32::MoveFileTo(backup, target) == ERROR_SUCCESS;
-        ThrowIfFailed(error,
-                      isBack ? kNotReplaced : "Unable to replace the file (the original is kept in its .bak file)");
-    }
+    if (backup.empty()) return MoveToTarget(true);
+    return error ? NotMoved(error, WantsBackup() ? kNoBackup : kNotReplaced) : MoveIn(backup);
+}
+
+uint32_t FileReplacement::MoveToTarget(bool mayReplace) {
+    m_held.reset();  // a file that is open is not replaced
+    const uint32_t error = Win32::MoveFileThrough(m_path, m_original->path, mayReplace);
+    if (error) return NotMoved(error, kNotReplaced);
+    m_isOurs = false;
+    m_isInPlace = true;
+    return error;
+}
+
+/// The target has been moved to `backup`, and its name is free.
+uint32_t FileReplacement::MoveIn(const std::wstring& backup) {
+    const uint32_t error = Win32::MoveFileThrough(m_path, m_original->path, false);
+    if (error == ERROR_SUCCESS) return FinishWith(backup);
+    if (StaysWhenNotMoved() && Win32::MoveFileTo(backup, m_original->path) == ERROR_SUCCESS) return error;
+    BringBack(backup, error, kNotReplaced, Win32::MoveFileTo);
+}
+
+/// Gives the error back where the new content stays as it is.
+/// @throws QVUtilsException else
+uint32_t FileReplacement::NotMoved(uint32_t error, const char* message) const {
+    if (!StaysWhenNotMoved()) ThrowIfFailed(error, message);
+    return error;
+}
+
+/// @throws QVUtilsException
+void FileReplacement::BringBack(const std::wstring& backup, uint32_t error, const char* message,
+                                decltype(&Win32::MoveFileTo) move) {
+    m_held.reset();
+    const bool isBack = move(backup, m_original->path) == ERROR_SUCCESS;
+    throw QVUtilsException(error,
+                           isBack ? message : "Unable to replace the file (the original is kept in its .bak file)");
+}
+
+/// The new content has the target's name, which had `backup` before.
+uint32_t FileReplacement::FinishWith(const std::wstring& backup) {
+    m_isOurs = false;
+    m_isInPlace = true;
+    m_held.reset();
     return m_request.keepBackup ? ERROR_SUCCESS : Win32::RemoveFileWhateverItsAttributes(backup);
 }
 
@@ -159,10 +250,13 @@ uint32_t ReplaceFileContent(const ReplaceRequest& request, const WriteContent& w
     return replacement.Commit();
 }
 
-uint32_t ReplaceRecord(const std::wstring& target, std::string_view bytes, bool mayOverwrite) {
+uint32_t ReplaceRecord(const std::wstring& target, std::string_view bytes, bool mayOverwrite,
+                       std::optional<Win32::FileState> original) {
     try {
-        return ReplaceFileContent({.target = target, .mayOverwrite = mayOverwrite, .isRecord = true},
-                                  [&](DataWriter& writer) { WriteAll(writer, bytes.data(), bytes.size()); });
+        Win32::RemoveLeftovers(std::wstring(Win32::FolderOf(target)));
+        return ReplaceFileContent(
+            {.target = target, .mayOverwrite = mayOverwrite, .isRecord = true},
+            [&](DataWriter& writer) { WriteAll(writer, bytes.data(), bytes.size()); }, std::move(original));
     } catch (const QVUtilsException& failure) {
         const uint32_t error = failure.GetErrorCode();
         return error == ErrorCode::FileExists ? ERROR_ALREADY_EXISTS : error;

@@ -1,14 +1,22 @@
-// files.h - small operations on whole files that every module needs the same way: existence, moving, deleting,
-// identity, and making the file that is to take another one's place with its name, attributes, access list and named
-// streams. Paths may be of any length; open files are given by their system handle.
+// files.h - small operations on whole files that every module needs the same way: existence, moving, deleting and
+// identity. Paths may be of any length; open files are given by their system handle.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
+#include <initializer_list>
+#include <memory>
 #include <string>
-#include <vector>
 
 namespace Win32 {
+
+struct CloseSystemFile {
+    void operator()(void* file) const noexcept;
+};
+/// An open file of the system, closed at the end; null when there is none.
+using HeldFile = std::unique_ptr<void, CloseSystemFile>;
+
+/// To be given what CreateFileW gives.
+HeldFile HeldFileOf(void* systemHandle) noexcept;
 
 /// True when the path names a file or folder whose attributes can be read.
 bool Exists(const std::wstring& path);
@@ -18,11 +26,18 @@ bool Exists(const std::wstring& path);
 /// error 5 for want of rights comes back at once.
 uint32_t MoveFileTo(const std::wstring& from, const std::wstring& to);    // fails when `to` exists
 uint32_t MoveFileOver(const std::wstring& from, const std::wstring& to);  // replaces a file at `to`
-uint32_t RemoveFile(const std::wstring& path);                            // as it stands
-uint32_t RemoveFileWhateverItsAttributes(const std::wstring& path);       // read-only ones too
+/// The same two, and the new name is on disk as well when they are back.
+uint32_t MoveFileThrough(const std::wstring& from, const std::wstring& to, bool mayReplace);
+uint32_t RemoveFile(const std::wstring& path);                       // as it stands
+uint32_t RemoveFileWhateverItsAttributes(const std::wstring& path);  // read-only ones too
 /// The same for a path in the form of ExtendedPath. Allocates nothing: what a failure leaves is removed even when the
 /// failure is that memory has run out.
 uint32_t RemoveFileAt(const wchar_t* extendedPath) noexcept;
+
+/// To be asked after a call failed with `error`: does another program hold one of these files (in the form of
+/// ExtendedPath), so that the call is worth another attempt? Then waits a moment first. `attempt` counts from 1 and
+/// ends the patience, see above. Error 1175 of a replacement counts as 5 does.
+bool WaitForHolder(uint32_t error, int attempt, std::initializer_list<const wchar_t*> paths) noexcept;
 
 /// True when both paths lead to the same file on disk (another spelling, a hard link, a link to it). False when either
 /// cannot be opened.
@@ -35,52 +50,13 @@ bool IsLink(const std::wstring& path);
 
 /// What tells a file from the one that stood in its place a while ago.
 struct FileStamp {
-    uint64_t index = 0;  // the number of the file on its volume; 0 where it is not given out
-    uint64_t size = 0;   // bytes
-    int64_t writeTime = 0;
+    uint64_t index = 0;      // the number of the file on its volume; 0 where it is not given out
+    uint64_t size = 0;       // bytes
+    int64_t writeTime = 0;   // 100 ns since 1601, as all times here
+    int64_t changeTime = 0;  // of the content or of anything that is known of the file; 0 where it is not given out
     bool operator==(const FileStamp&) const = default;
 };
 /// Windows error code, 0 for success.
 uint32_t GetStamp(void* openFile, FileStamp& stamp);
-
-/// What the file that takes another one's place needs to know of it.
-struct FileState {
-    std::wstring path;  // as it was given, but with the file's name as it stands on disk
-    FileStamp stamp;
-    uint32_t attributes = 0;            // FILE_ATTRIBUTE_...
-    std::vector<std::byte> accessList;  // within its descriptor; empty on a volume that knows none
-};
-
-/// Of a file that is open for reading, which is less work for the system than finding it again. Windows error code, 0
-/// for success: without its access list a file cannot be replaced by one with the same.
-uint32_t GetState(void* openFile, const std::wstring& path, FileState& state);
-uint32_t GetState(const std::wstring& path, FileState& state);
-
-/// Is the file at this path still the one that was looked at, and may it be moved? Windows error code, 0 when both are
-/// so, ERROR_FILE_INVALID (1006) for another file, another content or none.
-uint32_t CheckUnchanged(const FileState& state);
-
-/// A name beside `path` that nobody can guess, in the form of ExtendedPath: "~qv" and 16 hexadecimal digits.
-std::wstring TemporaryNameBeside(const std::wstring& path);
-
-/// Creates the file that is to take the place of `original`, with exactly its access list from the first moment on, and
-/// with nobody else writing to it. INVALID_HANDLE_VALUE when that fails (see GetLastError), also when there is a file
-/// of that name; nothing is left then. The caller owns the handle.
-void* CreateSuccessor(const std::wstring& extendedPath, const FileState& original);
-
-/// Gives an open file the attributes (read-only, hidden, system, archive, not indexed) of `original`. Best effort: what
-/// the system refuses stays as the new file has it.
-void CarryOverAttributes(const FileState& original, void* openFile);
-
-/// Lets a file that CreateSuccessor made vanish when it is closed, also where its access list forbids to delete it. To
-/// be followed by RemoveFileAt, for what the system refuses.
-void RemoveWhenClosed(void* openFile) noexcept;
-
-/// A file's named streams, each with its colons and type (":Zone.Identifier:$DATA"); the content itself is not among
-/// them. None on a volume that knows no streams.
-std::vector<std::wstring> NamedStreamsOf(const std::wstring& path);
-
-/// Copies those streams of `from` to `to`. Windows error code of the first that cannot be copied, 0 for success.
-uint32_t CopyStreams(const std::wstring& from, const std::wstring& to, const std::vector<std::wstring>& streams);
 
 }  // namespace Win32

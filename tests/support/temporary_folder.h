@@ -8,8 +8,8 @@
 
 #include <gtest/gtest.h>
 
-#include "win32/files.h"
 #include "win32/handle.h"
+#include "win32/successor.h"
 
 #include <sddl.h>
 
@@ -48,10 +48,18 @@ private:
 /// `text` as UTF-16 little-endian bytes, without a mark.
 std::string Utf16(std::wstring_view text);
 
-inline std::vector<std::byte> AccessListOf(const std::wstring& path) {
+inline Win32::FileState StateOf(const std::wstring& path) {
+    const Win32::FileHandle file(CreateFileW(path.c_str(), READ_CONTROL | FILE_READ_ATTRIBUTES,
+                                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                             OPEN_EXISTING, 0, nullptr));
     Win32::FileState state;
-    EXPECT_EQ(Win32::GetState(path, state), 0u);
-    return state.accessList;
+    EXPECT_EQ(Win32::GetState(file.Get(), path, state), 0u);
+    EXPECT_EQ(Win32::GetStamp(file.Get(), state.stamp), 0u);
+    return state;
+}
+
+inline std::vector<std::byte> AccessListOf(const std::wstring& path) {
+    return StateOf(path).rights;
 }
 
 /// The access list of a descriptor in the system's text form.

@@ -1,8 +1,8 @@
 #include "textio/replace_file.h"
 
 #include "support/temporary_folder.h"
-#include "win32/files.h"
 #include "win32/handle.h"
+#include "win32/successor.h"
 
 using namespace QVUtils;
 using namespace QVTest;
@@ -66,7 +66,9 @@ TEST(ReplaceFileContent, KeepsTheOriginalUntilTheReplacementIsComplete) {
         {"to a new name, keeping the part", keeping(L"b"), true, 112, {{L"a", "old"}, {L"b", "ne"}}},
         {"over it, where no part is kept", keeping(L"a"), true, 112, {{L"a", "old"}}},
         {"into no folder", {L"no\\b", true, false, false}, false, 3, {{L"a", "old"}}},
-        {"onto a folder", {L".", true, false, false}, false, 5, {{L"a", "old"}}},
+        {"onto a folder", {L".", true, false, false}, false, 123, {{L"a", "old"}}},
+        {"to a device", {L"NUL", true, false, false}, false, 123, {{L"a", "old"}}},
+        {"to a stream", {L"a:b", true, false, true}, false, 123, {{L"a", "old"}}},
     };
     for (const auto& c : cases) {
         const TemporaryFolder folder;
@@ -158,13 +160,15 @@ TEST(ReplaceFileContent, AReadOnlyFileHeldByAnotherProgramStaysAsItIsAndIsReplac
     EXPECT_TRUE(GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_READONLY);
 }
 
-TEST(ReplaceFileContent, AHardLinkToTheSourceIsNotWrittenThrough) {
-    const TemporaryFolder folder;
-    const std::wstring source = folder.Write(L"a", "old");
-    const std::wstring link = folder / L"link";
-    ASSERT_TRUE(CreateHardLinkW(link.c_str(), source.c_str(), nullptr));
-    EXPECT_EQ(ErrorOf({link, true, false, false}, WriteNew), 0u);
-    EXPECT_EQ(folder.ReadAll(), (Contents{{L"a", "old"}, {L"link", "new"}}));
+TEST(ReplaceFileContent, AFileOfSeveralNamesStaysAsItIs) {
+    for (const ReplaceRequest& way : kWays) {
+        const TemporaryFolder folder;
+        const std::wstring path = folder.Write(L"a", "old");
+        ASSERT_TRUE(CreateHardLinkW((folder / L"link").c_str(), path.c_str(), nullptr));
+        EXPECT_EQ(ErrorOf(To(path, way), WriteNew), uint32_t{ERROR_NOT_SUPPORTED});
+        EXPECT_EQ(ErrorOf(To(path, way), WriteNew, StateOf(path)), uint32_t{ERROR_NOT_SUPPORTED});
+        EXPECT_EQ(folder.ReadAll(), (Contents{{L"a", "old"}, {L"link", "old"}}));
+    }
 }
 
 /// A record is under its name whole or not at all, and never takes a name that it may not take.

@@ -1,4 +1,4 @@
-#include "win32/files.h"
+#include "win32/successor.h"
 
 #include "support/replaced_imports.h"
 #include "support/temporary_folder.h"
@@ -80,11 +80,11 @@ TEST(Files, AHeldFileIsLookedAtAgainAsSoonAsItIsFree) {
     const auto pause = Replace("Sleep", LetGo);
     const QVTest::TemporaryFolder folder;
     const std::wstring path = folder.Write(L"a", "old");
-    Win32::FileState state;
-    ASSERT_EQ(Win32::GetState(path, state), 0u);
+    const Win32::FileState state = QVTest::StateOf(path);
+    Win32::HeldFile held;
     g_pauses = 0;
     g_holder.Reset(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
-    EXPECT_EQ(Win32::CheckUnchanged(state), 0u);
+    EXPECT_EQ(Win32::HoldUnchanged(state, held), 0u);
     EXPECT_EQ(g_pauses, 1);
 }
 
@@ -113,7 +113,6 @@ TEST(Files, TemporaryFilesAreNobodyElses) {
     Win32::FileState original;
     original.path = folder.Write(L"a", "old");
     EXPECT_NE(Win32::TemporaryNameBeside(original.path), Win32::TemporaryNameBeside(original.path));
-    EXPECT_EQ(Win32::CreateSuccessor(original.path, original), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), ERROR_FILE_EXISTS);
+    EXPECT_EQ(Win32::CreateSuccessor(original.path, original).error, uint32_t{ERROR_FILE_EXISTS});
     EXPECT_EQ(folder.ReadAll(), (QVTest::Contents{{L"a", "old"}}));
 }

@@ -75,7 +75,12 @@ void ConvertFile(IHostServices& host, const std::wstring& path, const TextConver
     replacement.Begin(QVUtils::OriginalOf(reader, path));
     ConvertBytes(reader, converter, replacement.GetWriter());
     reader.Close();
-    if (const uint32_t error = replacement.Commit())
+    const uint32_t error = replacement.Commit();
+    if (error != 0 && replacement.IsInPlace())
+        host.Log(kLogLevel, LogKind::Failure,
+                 L"[Convert text] - Unable to delete the backup (.bak) of the file : %s ( ErrorCode : %d )",
+                 path.c_str(), error);
+    else if (error != 0)
         host.Log(kLogLevel, LogKind::Failure,
                  L"[Convert text] - Failed to replace file : %s ( ErrorCode : %d ), its converted form is %s",
                  path.c_str(), error, temporary.c_str());

@@ -185,7 +185,8 @@ private:
             TellTarget(m_host, L"SortLines", task);
             return FileResult::Failed;
         }
-        if (result.backupErrorCode != 0) LogReason(L"Unable to delete the backup of the file", result.backupErrorCode);
+        if (result.backupErrorCode != 0)
+            LogReason(L"Unable to delete the backup (.bak) of the file", result.backupErrorCode);
         Log(L"[SortLines] - Sorted lines in file : %s (Saved as : %s)", task.source.c_str(), task.target.c_str());
         return FileResult::Done;
     }
