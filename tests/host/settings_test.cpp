@@ -49,6 +49,18 @@ TEST(Settings, LastFromRunToRunAndKeepADamagedFileAside) {
     EXPECT_EQ(SettingsRun(path).text, L"y");
 }
 
+TEST(Settings, OfTwoRunsAtOnceAreAllKept) {
+    const TemporaryFolder folder;
+    std::ostringstream out;
+    QVHost::Output output(out, out, false);
+    QVHost::SettingsFile one(output, folder / L"s.json");
+    QVHost::SettingsFile other(output, folder / L"s.json");
+    for (QVHost::SettingsFile* file : {&one, &other})
+        EXPECT_TRUE(file->SetNumber(L"ext", L"s", file == &one ? L"one" : L"other", 1) && file->Save());
+    QVHost::SettingsFile both(output, folder / L"s.json");
+    EXPECT_TRUE(both.Number(L"ext", L"s", L"one") && both.Number(L"ext", L"s", L"other"));
+}
+
 TEST(Settings, HoldTextsAndNumbersOfTheRightKind) {
     const TemporaryFolder folder;
     const std::wstring path = folder.Write(

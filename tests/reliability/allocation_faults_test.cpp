@@ -27,7 +27,7 @@ TEST(AllocationFaults, LoseNothingAndEndNobody) {
         const auto run = [&](const WorkFolder& work, const FailingMemory::Begin& begin) {
             g_begin = begin;
             calls.Arm(work.Path(), 0xFFFFFFFF, 0);
-            calls.OnFirstCall([] { g_begin(); });
+            calls.OnCall(0, [] { g_begin(); });
             HostRun result = host.Run(work.Arguments());
             memory.Disarm();
             calls.Disarm();

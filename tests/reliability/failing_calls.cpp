@@ -19,7 +19,9 @@ struct State {
     uint32_t error = 0;
     bool isLasting = false;
     uint32_t count = 0;
-    void (*onFirstCall)() = nullptr;
+    uint32_t listenedNumber = 0;
+    std::function<void()> listener = {};
+    std::vector<std::string> calls = {};
     std::string failed;
     std::set<HANDLE> handles;
 };
@@ -41,7 +43,12 @@ template <class First>
 bool FailsNow(const char* name, First first) {
     State& now = Now();
     if (!now.isArmed || !IsWatched(first)) return false;
-    if (now.onFirstCall) std::exchange(now.onFirstCall, nullptr)();
+    if (now.listener && now.count == now.listenedNumber) {
+        now.isArmed = false;  // what the listener does is nobody's call
+        std::exchange(now.listener, nullptr)();
+        now.isArmed = true;
+    }
+    now.calls.emplace_back(name);
     if (now.count++ == now.number)
         now.failed = name;
     else if (!now.isLasting || now.failed != name)
@@ -122,6 +129,7 @@ std::vector<Row> WatchedCalls() {
         QV_CALL(True, GetFileInformationByHandle),
         QV_CALL(True, GetFileInformationByHandleEx),
         QV_CALL(True, MoveFileExW),
+        QV_CALL(True, ReplaceFileW),
         QV_CALL(True, DeleteFileW),
         QV_CALL(True, SetFileAttributesW),
         QV_CALL(Attributes, GetFileAttributesW),
@@ -159,8 +167,9 @@ void FailingCalls::Arm(const std::wstring& folder, uint32_t number, uint32_t err
              .handles = {}};
 }
 
-void FailingCalls::OnFirstCall(void (*listener)()) {
-    Now().onFirstCall = listener;
+void FailingCalls::OnCall(uint32_t number, std::function<void()> listener) {
+    Now().listenedNumber = number;
+    Now().listener = std::move(listener);
 }
 
 void FailingCalls::Disarm() {
@@ -169,6 +178,9 @@ void FailingCalls::Disarm() {
 
 uint32_t FailingCalls::Count() const {
     return Now().count;
+}
+std::vector<std::string> FailingCalls::Calls() const {
+    return Now().calls;
 }
 std::string FailingCalls::FailedCall() const {
     return Now().failed;

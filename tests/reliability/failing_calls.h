@@ -20,14 +20,15 @@ public:
     /// 0: a write of half the bytes succeeds instead; other calls are let through. With `isLasting` all later calls of
     /// the same name fail too.
     void Arm(const std::wstring& folder, uint32_t number, uint32_t error, bool isLasting = false);
-    /// Called once, with the first call counted.
-    void OnFirstCall(void (*listener)());
+    /// Called before the call with this number.
+    void OnCall(uint32_t number, std::function<void()> listener);
     /// Nothing fails and nothing is counted any more.
     void Disarm();
 
-    uint32_t Count() const;          // calls since Arm
-    std::string FailedCall() const;  // name of the call that failed; "" when none did
-    size_t OpenHandles() const;      // opened since Arm and not closed
+    uint32_t Count() const;                  // calls since Arm
+    std::vector<std::string> Calls() const;  // their names
+    std::string FailedCall() const;          // name of the call that failed; "" when none did
+    size_t OpenHandles() const;              // opened since Arm and not closed
 
 private:
     std::vector<ReplacedImport> m_imports;

@@ -73,6 +73,8 @@ TEST_P(Kills, LoseNothing) {
             for (const auto& entry : now) isSafe = isSafe || (!done.contains(name) && entry.second == content);
             EXPECT_TRUE(isSafe) << name << " is lost";
         }
+        RunToEnd(work.Arguments());
+        for (const auto& entry : work.Read()) EXPECT_FALSE(entry.first.starts_with(L"~qv")) << "left after a kill";
     });
 }
 

@@ -98,7 +98,7 @@ TEST(ReplaceFileContent, TheNewFileHasExactlyTheOldAccessListFromItsFirstByte) {
                 const std::wstring beside = folder / folder.List().back();
                 ASSERT_NE(beside.find(L"~qv"), std::wstring::npos);
                 EXPECT_EQ(AccessListOf(beside), wanted);
-                const Win32::FileHandle intruder(CreateFileW(beside.c_str(), GENERIC_WRITE,
+                const Win32::FileHandle intruder(CreateFileW(beside.c_str(), GENERIC_READ,
                                                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                                              nullptr, OPEN_EXISTING, 0, nullptr));
                 EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);

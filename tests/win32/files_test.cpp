@@ -107,12 +107,3 @@ TEST(Files, AWantOfRightsIsReportedAtOnceAndAPendingDeletionWaitedFor) {
     EXPECT_EQ(Win32::MoveFileOver(from, to), ERROR_ACCESS_DENIED);
     EXPECT_GT(g_pauses, 0);
 }
-
-TEST(Files, TemporaryFilesAreNobodyElses) {
-    const QVTest::TemporaryFolder folder;
-    Win32::FileState original;
-    original.path = folder.Write(L"a", "old");
-    EXPECT_NE(Win32::TemporaryNameBeside(original.path), Win32::TemporaryNameBeside(original.path));
-    EXPECT_EQ(Win32::CreateSuccessor(original.path, original).error, uint32_t{ERROR_FILE_EXISTS});
-    EXPECT_EQ(folder.ReadAll(), (QVTest::Contents{{L"a", "old"}}));
-}
