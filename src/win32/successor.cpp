@@ -1,6 +1,6 @@
 #include "win32/successor.h"
 
-#include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <random>
 #include <string_view>
@@ -27,8 +27,8 @@ constexpr std::wstring_view kTemporaryEnd = L".tmp";
 constexpr size_t kNumberLength = 16;  // hexadecimal digits
 
 /// Of an existing file.
-HeldFile OpenFile(const std::wstring& path, DWORD access, DWORD sharing = kShareAll) {
-    return HeldFileOf(CreateFileW(ExtendedPath(path).c_str(), access, sharing, nullptr, OPEN_EXISTING, 0, nullptr));
+HeldFile OpenFile(const std::wstring& path, DWORD access, DWORD sharing = kShareAll, DWORD flags = 0) {
+    return HeldFileOf(CreateFileW(ExtendedPath(path).c_str(), access, sharing, nullptr, OPEN_EXISTING, flags, nullptr));
 }
 
 /// A creation time of 0 stays as it is.
@@ -208,10 +208,14 @@ std::wstring DigitsOf(uint64_t number) {
 
 /// Fowler, Noll and Vo's hash of 64 bits (FNV-1a, draft-eastlake-fnv), begun with another number than theirs so that no
 /// other program's check is the same.
-std::wstring CheckOf(std::wstring_view digits) {
+uint64_t HashOf(std::wstring_view text) {
     uint64_t hash = 0x7176'7574'696c'7321;
-    for (const wchar_t digit : digits) hash = (hash ^ digit) * 0x100'0000'01B3;
-    return DigitsOf(hash);
+    for (const wchar_t unit : text) hash = (hash ^ unit) * 0x100'0000'01B3;
+    return hash;
+}
+
+std::wstring CheckOf(std::wstring_view digits) {
+    return DigitsOf(HashOf(digits));
 }
 
 bool IsTemporaryName(std::wstring_view name) {
@@ -280,6 +284,11 @@ std::wstring TemporaryNameBeside(const std::wstring& path) {
 }
 
 void RemoveLeftovers(const std::wstring& folder) {
+    // A script's run over many files is one call for each, and listing the folder for each would take longer than the
+    // work. Saves nothing but time: two threads at once may both look.
+    static std::atomic<uint64_t> lastLook;
+    const uint64_t look = HashOf(folder) ^ (GetTickCount64() / 1000);
+    if (lastLook.exchange(look) == look) return;
     WIN32_FIND_DATAW entry = {};
     const std::wstring pattern = ExtendedPath(JoinPath(folder, L"~qv*.tmp"));
     const FindHandle search(FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &entry, FindExSearchNameMatch, nullptr,
@@ -287,8 +296,10 @@ void RemoveLeftovers(const std::wstring& folder) {
     if (!search) return;
     do {
         if (!IsTemporaryName(entry.cFileName)) continue;
-        const HeldFile alone = OpenFile(JoinPath(folder, entry.cFileName), DELETE | FILE_WRITE_ATTRIBUTES, 0);
-        if (!alone) continue;
+        const std::wstring path = JoinPath(folder, entry.cFileName);
+        const HeldFile alone = OpenFile(path, DELETE | FILE_WRITE_ATTRIBUTES, 0, FILE_FLAG_OPEN_REPARSE_POINT);
+        // A link of such a name was made by somebody else, and leads to something else.
+        if (!alone || FileNameOf(PathOnDisk(alone.get(), path)) != entry.cFileName) continue;
         if (entry.dwFileAttributes & FILE_ATTRIBUTE_READONLY) SetAttributes(alone.get(), FILE_ATTRIBUTE_NORMAL);
         RemoveWhenClosed(alone.get());
     } while (FindNextFileW(search.Get(), &entry));

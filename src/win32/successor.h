@@ -38,7 +38,8 @@ bool IsUnchangedAt(const std::wstring& path, const FileState& state);
 /// check of 16 more, ".tmp".
 std::wstring TemporaryNameBeside(const std::wstring& path);
 /// Deletes what killed runs have left in this folder: files with such a name, whose check no other program's name has
-/// by chance, that nobody holds. A file is held from its creation until it has its final name. Best effort.
+/// by chance, that nobody holds. A file is held from its creation until it has its final name. Best effort; a folder
+/// that this process has looked at last, and in this second, is not looked at again.
 void RemoveLeftovers(const std::wstring& folder);
 
 /// The file, or the Windows error code for which there is none: of its creation, or of its rights or its encryption.

@@ -127,6 +127,9 @@ TEST(ReplaceFileContent, AnotherProgramsSaveEndsTheReplacement) {
              ASSERT_EQ(Win32::MoveFileOver(folder / L"b", folder / L"a"), 0u);
          },
          {{L"a", "two"}}},
+        {"as long and with the old time",
+         [](const TemporaryFolder& folder) { MakeOld(folder.Write(L"a", "two")); },
+         {{L"a", "two"}}},
         {"removed", [](const TemporaryFolder& folder) { Win32::RemoveFile(folder / L"a"); }, {}},
     };
     for (const auto& c : cases)
