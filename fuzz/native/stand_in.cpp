@@ -24,6 +24,12 @@ std::wstring ExtendedPath(const std::wstring& path) {
     return path;
 }
 
+void CloseSystemFile::operator()(void*) const noexcept {}
+
+HeldFile HeldFileOf(void*) noexcept {
+    return nullptr;
+}
+
 bool Exists(const std::wstring&) {
     return false;
 }

@@ -1,6 +1,5 @@
 // MIME headers: names that come from files never leave their folder, and sizes stay inside the bytes.
 #include "fileutils/conversions/mime_header.h"
-#include "textio/target_name.h"
 #include "win32/file_name.h"
 
 #include "fuzz/input.h"

@@ -4,10 +4,10 @@
 #include <new>
 #include <set>
 
+#include "fileutils/target_pattern.h"
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
 #include "textio/qvutils_exception.h"
-#include "textio/target_name.h"
 #include "win32/file_name.h"
 #include "win32/files.h"
 #include "win32/path.h"
@@ -84,8 +84,7 @@ private:
 
     std::wstring TargetOf(const std::wstring& source) const {
         if (!m_run.saveAs) return source;
-        return Win32::JoinPath(Win32::FolderOf(source),
-                               QVUtils::ExpandTargetName(*m_run.saveAs, Win32::FileNameOf(source)));
+        return Win32::JoinPath(Win32::FolderOf(source), ExpandTargetName(*m_run.saveAs, Win32::FileNameOf(source)));
     }
 
     TargetAnswer AskForTarget(const std::wstring& target) {

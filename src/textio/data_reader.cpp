@@ -8,7 +8,7 @@
 
 namespace QVUtils {
 
-FileDataReader::FileDataReader(const std::wstring& path, FileSharing sharing)
+FileDataReader::FileDataReader(const std::wstring& path, Win32::FileSharing sharing)
     : m_file(Win32::HeldFileOf(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_READ, static_cast<DWORD>(sharing),
                                            nullptr, OPEN_EXISTING, 0, nullptr))) {
     if (!m_file) throw QVUtilsException(GetLastError(), "Unable to open file");

@@ -5,7 +5,6 @@
 #include <memory>
 #include <string>
 
-#include "textio/file_sharing.h"
 #include "textio/qvutils_exception.h"
 #include "win32/files.h"
 
@@ -31,7 +30,7 @@ public:
 class FileDataReader final : public DataReader {
 public:
     /// @throws QVUtilsException "Unable to open file" or "Failed to get filesize", with the system's code
-    explicit FileDataReader(const std::wstring& path, FileSharing sharing = FileSharing::ReadAndWrite);
+    explicit FileDataReader(const std::wstring& path, Win32::FileSharing sharing = Win32::FileSharing::ReadAndWrite);
 
     uint32_t Read(void* buffer, uint32_t size, uint32_t& bytesRead) override;
     void Close() override { m_file.reset(); }

@@ -17,7 +17,7 @@ void WriteAll(DataWriter& writer, const void* data, uint64_t size) {
     }
 }
 
-bool FileDataWriter::Open(const std::wstring& path, bool overwrite, FileSharing sharing) {
+bool FileDataWriter::Open(const std::wstring& path, bool overwrite, Win32::FileSharing sharing) {
     m_file.reset();
     Adopt(Win32::HeldFileOf(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_WRITE, static_cast<DWORD>(sharing),
                                         nullptr, overwrite ? CREATE_ALWAYS : CREATE_NEW, 0, nullptr)));

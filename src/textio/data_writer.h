@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "textio/file_sharing.h"
 #include "textio/qvutils_exception.h"
 #include "win32/files.h"
 
@@ -63,7 +62,7 @@ public:
     /// Closes what is open, then opens `path`: emptied when it exists and `overwrite` is set, refused with code 80 when
     /// it exists and `overwrite` is not. True when the file was not there before.
     /// @throws QVUtilsException "Unable to open file for writing"
-    bool Open(const std::wstring& path, bool overwrite, FileSharing sharing = FileSharing::ReadAndWrite);
+    bool Open(const std::wstring& path, bool overwrite, Win32::FileSharing sharing = Win32::FileSharing::ReadAndWrite);
 
     uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* bytesWritten) override;
 

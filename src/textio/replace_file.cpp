@@ -1,6 +1,5 @@
 #include "textio/replace_file.h"
 
-#include "textio/target_name.h"
 #include "win32/file_name.h"
 #include "win32/files.h"
 #include "win32/handle.h"
@@ -30,6 +29,18 @@ Win32::FileState StateOf(void* openFile, const std::wstring& path, const Win32::
 }
 
 }  // namespace
+
+std::wstring FreeBackupName(const std::wstring& path, const std::function<bool(const std::wstring&)>& exists) {
+    constexpr int kLastAttempt = 9999;
+    std::wstring name = path + L".bak";
+    for (int attempt = 2; exists(name); ++attempt) {
+        if (attempt > kLastAttempt) return {};
+        const std::wstring digits = std::to_wstring(attempt);
+        name = path;
+        name.append(L"_(").append(4 - digits.size(), L'0').append(digits).append(L").bak");
+    }
+    return name;
+}
 
 Win32::FileState OriginalOf(const FileDataReader& reader, const std::wstring& path) {
     return StateOf(reader.GetSystemHandle(), path, reader.GetStamp());

@@ -13,6 +13,9 @@
 
 namespace QVUtils {
 
+/// The first of `path`.bak, `path`_(0002).bak ... `path`_(9999).bak for which `exists` says no; empty when all exist.
+std::wstring FreeBackupName(const std::wstring& path, const std::function<bool(const std::wstring&)>& exists);
+
 /// How a target is to be written.
 struct ReplaceRequest {
     std::wstring target;
@@ -24,7 +27,7 @@ struct ReplaceRequest {
     /// nothing stays.
     std::wstring temporaryPath = {};
     bool keepsPart = false;  // a new target that cannot be completed stays with what was written of it
-    FileSharing sharing = FileSharing::ReadAndWrite;  // of a new target while it is written
+    Win32::FileSharing sharing = Win32::FileSharing::ReadAndWrite;  // of a new target while it is written
     /// For the programs' own records: a new target gets its name only when it is complete, and a record that is there
     /// is replaced in one step, so that whoever reads it meanwhile finds the old one or the new one.
     bool isRecord = false;

@@ -15,6 +15,13 @@ struct CloseSystemFile {
 /// An open file of the system, closed at the end; null when there is none.
 using HeldFile = std::unique_ptr<void, CloseSystemFile>;
 
+/// What other programs may do with a file that is open here. The values are the system's share modes. A file that
+/// another program has open for more than is shared cannot be opened (code 32).
+enum class FileSharing : uint32_t {
+    Read = 1,
+    ReadAndWrite = 3,
+};
+
 /// To be given what CreateFileW gives.
 HeldFile HeldFileOf(void* systemHandle) noexcept;
 

@@ -169,7 +169,7 @@ TEST_P(FileFaults, AnotherProgramsSaveStays) {
         calls.Disarm();
         count = calls.Count();
         const Contents now = work.Read();
-        SCOPED_TRACE("call " + std::to_string(number) + ", " + calls.Calls()[number] + "\n" + run.Said() +
+        SCOPED_TRACE("call " + std::to_string(number) + " of " + testing::PrintToString(calls.Calls()) + run.Said() +
                      testing::PrintToString(now));
         EXPECT_EQ(FaultOfOrder(calls.Calls()), "");
         if (number == 0) {

@@ -1,5 +1,7 @@
 #include "textio/replace_file.h"
 
+#include <set>
+
 #include "support/temporary_folder.h"
 #include "win32/handle.h"
 #include "win32/successor.h"

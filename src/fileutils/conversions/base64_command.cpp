@@ -102,7 +102,7 @@ uint64_t Decode(QVUtils::DataReader& source, QVUtils::DataWriter& target) {
 /// The name in the file's header, when it has one that can be used; else "".
 /// @throws QVUtilsException when the file cannot be read: it must not be decoded under a name that is not its own
 std::wstring NameFromHeaderOf(const std::wstring& path) {
-    QVUtils::FileDataReader reader(path, QVUtils::FileSharing::Read);
+    QVUtils::FileDataReader reader(path, Win32::FileSharing::Read);
     char bytes[kNameArea];
     const uint32_t size = ReadFully(reader, bytes, kNameArea);
     std::wstring name = Win32::FromCodePage(NameInHeader({bytes, size}), Win32::kThreadCodePage);
@@ -123,10 +123,10 @@ std::wstring TargetOf(const std::wstring& path, bool encodes) {
 /// of a damaged file. One that was there before keeps its content then.
 /// Gives the number of characters that were ignored. @throws QVUtilsException
 uint64_t Convert(bool encodes, const std::wstring& path, const std::wstring& target, bool overwrites) {
-    QVUtils::FileDataReader reader(path, QVUtils::FileSharing::Read);
+    QVUtils::FileDataReader reader(path, Win32::FileSharing::Read);
     uint64_t ignored = 0;
     QVUtils::ReplaceFileContent(
-        {.target = target, .mayOverwrite = overwrites, .keepsPart = true, .sharing = QVUtils::FileSharing::Read},
+        {.target = target, .mayOverwrite = overwrites, .keepsPart = true, .sharing = Win32::FileSharing::Read},
         [&](QVUtils::DataWriter& writer) {
             if (encodes)
                 Encode(reader, std::wstring(Win32::FileNameOf(path)), writer);
