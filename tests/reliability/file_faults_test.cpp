@@ -163,8 +163,10 @@ TEST_P(FileFaults, AnotherProgramsSaveStays) {
     for (uint32_t number = 0, count = 1; number < count; ++number) {
         const WorkFolder work(command);
         bool isSaved = false;
+        const std::wstring path = work.Path() + L"\\" + name;
+        const auto rights = GiveAccessList(path, kNarrowList);
         calls.Arm(work.Path(), kNoCall, 0);
-        if (number > 0) calls.OnCall(number, [&] { isSaved = SaveMore(work.Path() + L"\\" + name); });
+        if (number > 0) calls.OnCall(number, [&] { isSaved = SaveMore(path); });
         const HostRun run = host.Run(work.Arguments());
         calls.Disarm();
         count = calls.Count();
@@ -172,6 +174,7 @@ TEST_P(FileFaults, AnotherProgramsSaveStays) {
         SCOPED_TRACE("call " + std::to_string(number) + " of " + testing::PrintToString(calls.Calls()) + run.Said() +
                      testing::PrintToString(now));
         EXPECT_EQ(FaultOfOrder(calls.Calls()), "");
+        EXPECT_TRUE(!now.contains(name) || AccessListOf(path) == rights);
         if (number == 0) {
             done = now;
             if (!done.contains(name) || Holds(done, name, before)) return;  // not replaced

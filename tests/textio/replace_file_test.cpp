@@ -89,30 +89,6 @@ TEST(ReplaceFileContent, ASecondBackupGetsANumber) {
     EXPECT_EQ(folder.ReadAll(), (Contents{{L"a", "new"}, {L"a.bak", "old"}, {L"a_(0002).bak", "new"}}));
 }
 
-TEST(ReplaceFileContent, TheNewFileHasExactlyTheOldAccessListFromItsFirstByte) {
-    for (const wchar_t* list : {L"D:(A;;FA;;;WD)", QVTest::kNarrowList})
-        for (const ReplaceRequest& way : kWays) {
-            const TemporaryFolder folder;
-            const std::wstring path = folder.Write(L"a", "old");
-            const auto wanted = QVTest::GiveAccessList(path, list);
-            const auto lookWhileItIsWritten = [&](DataWriter& writer) {
-                WriteNew(writer);
-                const std::wstring beside = folder / folder.List().back();
-                ASSERT_NE(beside.find(L"~qv"), std::wstring::npos);
-                EXPECT_EQ(AccessListOf(beside), wanted);
-                const Win32::FileHandle intruder(CreateFileW(beside.c_str(), GENERIC_READ,
-                                                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                                             nullptr, OPEN_EXISTING, 0, nullptr));
-                EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
-            };
-            EXPECT_EQ(ErrorOf(To(folder / L"A", way), lookWhileItIsWritten), 0u);
-            EXPECT_EQ(folder.Read(L"a"), "new");
-            EXPECT_EQ(folder.List().front(), L"a") << "the name stays as it stands on disk";
-            EXPECT_EQ(AccessListOf(path), wanted);
-            EXPECT_TRUE(!way.keepBackup || AccessListOf(path + L".bak") == wanted);
-        }
-}
-
 /// What other programs do to a file between its opening and its replacement.
 TEST(ReplaceFileContent, AnotherProgramsSaveEndsTheReplacement) {
     const struct {

@@ -14,8 +14,6 @@ using namespace QVTest;
 
 namespace {
 
-using Bytes = std::vector<std::byte>;
-
 void WriteNew(DataWriter& writer) {
     writer.Write("new", 3);
 }
@@ -37,95 +35,85 @@ auto Real(const char* name) {
     return reinterpret_cast<decltype(function)>(reinterpret_cast<void*>(address));
 }
 
-// A system with rights: of each file by its number, and of new files.
-std::map<uint64_t, Bytes> g_rights;
-Bytes g_inherited;
+// A system with rights, of each file by its number and of new files: the parts of a descriptor as texts.
+using Rights = std::map<SECURITY_INFORMATION, std::wstring>;
+constexpr SECURITY_INFORMATION kLists = DACL_SECURITY_INFORMATION | LABEL_SECURITY_INFORMATION;
+std::map<uint64_t, Rights> g_rights;
+Rights g_inherited;
 bool g_refusesLists = false;
-bool g_pretends = false;  // refuses, and says that it does not
 bool g_refusesOwner = false;
+bool g_pretends = false;  // refuses, and says that it does not
 
-Bytes& RightsOf(HANDLE file) {
+Rights& RightsOf(HANDLE file) {
     Win32::FileStamp stamp;
     Win32::GetStamp(file, stamp);
     return g_rights.try_emplace(stamp.index, g_inherited).first->second;
 }
-
-BOOL WINAPI GetRights(HANDLE file, SECURITY_INFORMATION, void* descriptor, DWORD capacity, DWORD* size) {
-    const Bytes& rights = RightsOf(file);
-    *size = static_cast<DWORD>(rights.size());
-    SetLastError(ERROR_INSUFFICIENT_BUFFER);
-    return capacity >= rights.size() && memcpy(descriptor, rights.data(), rights.size());
+Rights& RightsOf(const std::wstring& path) {
+    return g_rights.at(StateOf(path).stamp.index);
 }
 
-/// `before` with the parts of `given` that `information` names.
-Bytes Merged(void* before, void* given, SECURITY_INFORMATION information) {
-    const auto from = [&](SECURITY_INFORMATION part) { return information & part ? given : before; };
-    BOOL isPresent = FALSE;
-    BOOL isDefault = FALSE;
-    PSID sid = nullptr;
-    ACL* list = nullptr;
-    SECURITY_DESCRIPTOR merged = {};
-    InitializeSecurityDescriptor(&merged, SECURITY_DESCRIPTOR_REVISION);
-    GetSecurityDescriptorOwner(from(OWNER_SECURITY_INFORMATION), &sid, &isDefault);
-    SetSecurityDescriptorOwner(&merged, sid, FALSE);
-    GetSecurityDescriptorGroup(from(GROUP_SECURITY_INFORMATION), &sid, &isDefault);
-    SetSecurityDescriptorGroup(&merged, sid, FALSE);
-    GetSecurityDescriptorSacl(from(LABEL_SECURITY_INFORMATION), &isPresent, &list, &isDefault);
-    SetSecurityDescriptorSacl(&merged, isPresent, list, FALSE);
-    void* const source = from(DACL_SECURITY_INFORMATION);
-    GetSecurityDescriptorDacl(source, &isPresent, &list, &isDefault);
-    SetSecurityDescriptorDacl(&merged, isPresent, list, FALSE);
-    SECURITY_DESCRIPTOR_CONTROL control = 0;
-    DWORD number = 0;
-    GetSecurityDescriptorControl(source, &control, &number);
-    const bool keepsMark = source == before || (control & SE_DACL_AUTO_INHERIT_REQ);
-    if (!keepsMark) control &= ~SE_DACL_AUTO_INHERITED;
-    constexpr SECURITY_DESCRIPTOR_CONTROL kKept = SE_DACL_PROTECTED | SE_DACL_AUTO_INHERITED;
-    SetSecurityDescriptorControl(&merged, kKept, control & kKept);
-    Bytes bytes(4096);
-    number = static_cast<DWORD>(bytes.size());
-    EXPECT_TRUE(MakeSelfRelativeSD(&merged, bytes.data(), &number));
-    bytes.resize(GetSecurityDescriptorLength(bytes.data()));
-    return bytes;
+BOOL WINAPI GetRights(HANDLE file, SECURITY_INFORMATION, void* descriptor, DWORD capacity, DWORD* size) {
+    std::wstring text;
+    for (const auto& part : RightsOf(file)) text += part.second;
+    PSECURITY_DESCRIPTOR raw = nullptr;
+    EXPECT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(text.c_str(), SDDL_REVISION_1, &raw, size));
+    const Win32::LocalMemory owner(raw);
+    *size = GetSecurityDescriptorLength(raw);
+    SetLastError(ERROR_INSUFFICIENT_BUFFER);
+    return capacity >= *size && memcpy(descriptor, raw, *size);
+}
+
+std::wstring TextOf(void* descriptor, SECURITY_INFORMATION part) {
+    wchar_t* text = nullptr;
+    EXPECT_TRUE(ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, 1, part, &text, nullptr));
+    const Win32::LocalMemory owner(text);
+    return text ? text : L"";
 }
 
 BOOL WINAPI SetRights(HANDLE file, SECURITY_INFORMATION information, void* descriptor) {
-    const bool isOwner = information & (OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION);
     SetLastError(ERROR_ACCESS_DENIED);
-    if (isOwner ? g_refusesOwner : g_refusesLists) return g_pretends;
-    Bytes& rights = RightsOf(file);
-    rights = Merged(rights.data(), descriptor, information);
+    if (information & kLists ? g_refusesLists : g_refusesOwner) return g_pretends;
+    SECURITY_DESCRIPTOR_CONTROL control = 0;
+    DWORD revision = 0;
+    GetSecurityDescriptorControl(descriptor, &control, &revision);
+    for (auto& [part, text] : RightsOf(file)) {
+        if (!(information & part)) continue;
+        text = TextOf(descriptor, part);
+        // That entries are inherited is a mark that must be asked for.
+        const size_t mark = text.find(control & SE_DACL_AUTO_INHERIT_REQ ? L"AR" : L"AI");
+        if (part == DACL_SECURITY_INFORMATION && mark < text.find(L'(')) text.erase(mark, 2);
+    }
     return TRUE;
 }
 
 /// Explicit, inherited, protected, with denials, without a list, with an empty one, with a label.
-Bytes RandomRights(std::mt19937& random) {
+Rights RandomRights(std::mt19937& random) {
     const auto one = [&](auto&&... texts) {
         const std::wstring all[] = {texts...};
         return all[random() % std::size(all)];
     };
-    std::wstring text = L"O:" + one(L"BA", L"SY") + L"G:" + one(L"BA", L"BU") + L"D:";
     const size_t count = random() % 6;
-    text += count == 5 ? L"NO_ACCESS_CONTROL" : one(L"", L"P", L"AI", L"PAI");
+    std::wstring list = L"D:" + (count == 5 ? L"NO_ACCESS_CONTROL" : one(L"", L"P", L"AI", L"PAI"));
     for (size_t entry = 0; count < 5 && entry < count; ++entry)
-        text += L"(" + one(L"A", L"D") + one(L";;", L";ID;") + one(L"FA", L"FR", L"0x1200a9", L"SD") + L";;;" +
+        list += L"(" + one(L"A", L"D") + one(L";;", L";ID;") + one(L"FA", L"FR", L"0x1200a9", L"SD") + L";;;" +
                 one(L"BA", L"WD", L"BU", L"AU") + L")";
-    text += one(L"", L"", L"S:(ML;;NW;;;LW)");
-    PSECURITY_DESCRIPTOR raw = nullptr;
-    EXPECT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(text.c_str(), SDDL_REVISION_1, &raw, nullptr));
-    const Win32::LocalMemory descriptor(raw);
-    return Merged(raw, raw, 0);
+    Rights rights = {{OWNER_SECURITY_INFORMATION, L"O:" + one(L"BA", L"SY")},
+                     {GROUP_SECURITY_INFORMATION, L"G:" + one(L"BA", L"BU")},
+                     {DACL_SECURITY_INFORMATION, list},
+                     {LABEL_SECURITY_INFORMATION, one(L"", L"", L"S:(ML;;NW;;;LW)")}};
+    for (auto& [part, text] : rights) {
+        PSECURITY_DESCRIPTOR raw = nullptr;
+        ConvertStringSecurityDescriptorToSecurityDescriptorW(text.c_str(), SDDL_REVISION_1, &raw, nullptr);
+        const Win32::LocalMemory owner(raw);
+        text = raw ? TextOf(raw, part) : text;  // as the system spells it
+    }
+    return rights;
 }
 
-std::wstring ListsOf(Bytes rights) {
-    wchar_t* text = nullptr;
-    EXPECT_TRUE(ConvertSecurityDescriptorToStringSecurityDescriptorW(
-        rights.data(), SDDL_REVISION_1, DACL_SECURITY_INFORMATION | LABEL_SECURITY_INFORMATION, &text, nullptr));
-    const Win32::LocalMemory owner(text);
-    return text ? text : L"";
-}
-bool HaveSameLists(const Bytes& left, const Bytes& right) {
-    return ListsOf(left) == ListsOf(right);
+bool HaveSameLists(const Rights& left, const Rights& right) {
+    return left.at(DACL_SECURITY_INFORMATION) == right.at(DACL_SECURITY_INFORMATION) &&
+           left.at(LABEL_SECURITY_INFORMATION) == right.at(LABEL_SECURITY_INFORMATION);
 }
 
 /// The system's replacement, which leaves the file with what its folder hands down.
@@ -150,22 +138,29 @@ TEST(Successor, HasTheRightsOfTheOriginalToTheLastBit) {
         g_refusesLists = random() % 5 == 0;
         g_refusesOwner = random() % 3 == 0;
         g_pretends = random() % 2 == 0;
+        const Rights wanted = RandomRights(random);
+        g_rights[StateOf(path).stamp.index] = wanted;
         Win32::FileState original = StateOf(path);
-        const Bytes wanted = RandomRights(random);
-        g_rights[original.stamp.index] = original.rights = wanted;
         if (random() % 4 == 0) original.attributes |= FILE_ATTRIBUTE_COMPRESSED;  // the system is asked first
         const auto look = [&](DataWriter& writer) {
             WriteNew(writer);
-            EXPECT_TRUE(HaveSameLists(StateOf(folder / folder.List().back()).rights, wanted));
+            const std::wstring beside = folder / folder.List().back();
+            StateOf(beside);
+            EXPECT_TRUE(HaveSameLists(RightsOf(beside), wanted));
+            const Win32::FileHandle intruder(CreateFileW(beside.c_str(), GENERIC_READ,
+                                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                                         nullptr, OPEN_EXISTING, 0, nullptr));
+            EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
         };
-        const ReplaceRequest request = {.target = path, .keepBackup = round % 2 == 0, .dropBackup = round % 2 != 0};
+        const ReplaceRequest request = {
+            .target = folder / L"A", .keepBackup = round % 2 == 0, .dropBackup = round % 2 != 0};
         const uint32_t error = ErrorOf(request, look, original);
-        const bool isLike = HaveSameLists(g_inherited, wanted);
-        EXPECT_EQ(error != 0, g_refusesLists && !isLike) << round << ", error " << error;
+        StateOf(path);
+        EXPECT_EQ(error != 0, g_refusesLists && !HaveSameLists(g_inherited, wanted)) << round << ", error " << error;
         EXPECT_EQ(folder.Read(L"a"), error ? "old" : "new");
-        EXPECT_TRUE(HaveSameLists(StateOf(path).rights, wanted)) << round;
-        EXPECT_TRUE(error || g_refusesOwner || StateOf(path).rights == wanted) << round;
-        EXPECT_TRUE(error || !request.keepBackup || StateOf(path + L".bak").rights == wanted) << round;
+        EXPECT_EQ(folder.List().front(), L"a") << "the name stays as it stands on disk";
+        EXPECT_TRUE(g_refusesOwner ? HaveSameLists(RightsOf(path), wanted) : RightsOf(path) == wanted) << round;
+        EXPECT_TRUE(error || !request.keepBackup || RightsOf(path + L".bak") == wanted) << round;
     }
 }
 
