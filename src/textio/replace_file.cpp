@@ -155,7 +155,7 @@ uint32_t FileReplacement::ReplaceTarget() {
 /// The last look before the target is replaced. Windows error code for which it cannot be replaced now, 0 when it can.
 /// @throws QVUtilsException when another program has saved or replaced it
 uint32_t FileReplacement::HoldTarget() {
-    // Only who asked for a backup lets a file be moved that is not to be changed.
+    // A file that is not to be changed is moved only for a request that asked for a backup.
     if (!WantsBackup() && (m_original->attributes & FILE_ATTRIBUTE_READONLY)) return ERROR_ACCESS_DENIED;
     const uint32_t error = Win32::HoldUnchanged(*m_original, m_held);
     if (error == ERROR_FILE_INVALID) throw QVUtilsException(ErrorCode::ReadFault, kChanged);

@@ -29,7 +29,7 @@ struct ReplaceRequest {
     bool keepsPart = false;  // a new target that cannot be completed stays with what was written of it
     Win32::FileSharing sharing = Win32::FileSharing::ReadAndWrite;  // of a new target while it is written
     /// For the programs' own records: a new target gets its name only when it is complete, and a record that is there
-    /// is replaced in one step, so that whoever reads it meanwhile finds the old one or the new one.
+    /// is replaced in one step, so that a program that reads it meanwhile finds the old one or the new one.
     bool isRecord = false;
 };
 

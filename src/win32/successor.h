@@ -28,7 +28,7 @@ uint32_t GetState(void* openFile, const std::wstring& path, FileState& state);
 
 /// Looks whether the file at this path is still the one that was looked at, and may be moved. Windows error code, 0
 /// when both are so, ERROR_FILE_INVALID (1006) for another file, another content or none. As long as `held` lives
-/// nobody else can open the file for writing; who has it open so is waited for, as for other programs that hold files.
+/// nobody else can open the file for writing; a program that has it open so is waited for, as all that hold files are.
 uint32_t HoldUnchanged(const FileState& state, HeldFile& held);
 /// Is the file, which has been moved to `path`, as it was looked at? Its change time is not compared: moving changes
 /// it.
