@@ -82,10 +82,15 @@ void AddRename(CLI::App& app, RenameOptions& rename) {
     AddValue(app, "--profile", "NAME", rename.profile, "Begins with a saved rule");
     AddValue(app, "--save-profile", "NAME", rename.saveProfile, "Saves the rule");
     AddValue(app, "--time", "YYYY-MM-DDThh:mm:ss", rename.time, "What date and time tags give (now)");
+    AddValue(app, "--names-from", "FILE", rename.namesFrom,
+             "The new names instead of a rule, one a line, UTF-8; - for standard input");
+    AddValue(app, "--sort", "ORDER", rename.sort, "The order in which [C] counts: natural, date, size or none (none)");
+    AddValue(app, "--on-clash", "WAY", rename.onClash, "Names that are taken or wanted twice: fail or number (fail)");
     app.add_flag("--regex", rename.isRegex, "The find texts are regular expressions");
     app.add_flag("--replace-all", rename.replacesAll, "Replaces every occurrence, not the first one alone");
     app.add_flag("--case-sensitive", rename.isCaseSensitive, "Finds in exactly this case");
     app.add_flag("--preview", rename.isPreview, "Renames nothing, shows what would be done");
+    app.add_flag("--only-changes", rename.onlyChanges, "No line for what stays as it is");
     app.add_flag("--no-undo", rename.noUndo, "Records nothing for undo");
 }
 
@@ -106,7 +111,12 @@ void AddActions(CLI::App& app, HostOptions& options) {
     CLI::Option* const csv = columns->add_flag("--csv", options.printsCsv, "Comma-separated, for other programs");
     columns->add_flag("--json", options.printsJson, "The same as JSON")->excludes(csv);
     AddRename(*add("rename", "PATH...: renames files and folders by a rule", Action::Rename), options.rename);
-    add("undo", "[list | restore SESSION | delete SESSION]: earlier renames; SESSION may be \"last\"", Action::Undo);
+    CLI::App* const undo = add("undo",
+                               "[list | show SESSION | restore SESSION | delete SESSION]: earlier renames; "
+                               "SESSION may be \"last\"",
+                               Action::Undo);
+    undo->add_flag("--preview", options.undo.isPreview, "Restores nothing, shows what would be done");
+    AddValue(*undo, "--only", "PATTERN", options.undo.only, "Restores the items whose old or new name matches");
     add("panel", "[FOLDER]: shows a folder in a window with the menus of all extensions", Action::Panel);
     CLI::App* const server =
         add(ToUtf8(kServerAction).c_str(), "The second process; started by the first", Action::ElevatedServer);

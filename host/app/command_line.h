@@ -22,13 +22,23 @@ struct RenameOptions {
     std::optional<std::wstring> profile;
     std::optional<std::wstring> saveProfile;
     std::optional<std::wstring> time;
+    std::optional<std::wstring> namesFrom;
+    std::optional<std::wstring> sort;
+    std::optional<std::wstring> onClash;
     bool isRegex = false;
     bool replacesAll = false;
     bool isCaseSensitive = false;
     bool isPreview = false;
+    bool onlyChanges = false;
     bool noUndo = false;
 
     bool operator==(const RenameOptions&) const = default;
+};
+
+/// The same for `undo restore`.
+struct UndoOptions {
+    std::optional<std::wstring> only;
+    bool isPreview = false;
 };
 
 struct HostOptions {
@@ -49,6 +59,7 @@ struct HostOptions {
     bool printsCsv = false;  // of `columns`; so is the next
     bool printsJson = false;
     RenameOptions rename;
+    UndoOptions undo;
     std::wstring pipe;  // these two: of an elevated second process only
     uint32_t extension = 0;
 

@@ -140,23 +140,19 @@ bool SaveProfile(ProfileStore& profiles, const std::wstring& name, const RuleDef
     return profiles.Save() && profiles.WasWritten();
 }
 
-/// All rows, with their new names.
-RenameItems MakeRows(SelectedRows& selection, RenameRule& rule) {
-    RenameItems rows;
-    rows.reserve(selection.Count());
-    for (size_t row = 0; row < selection.Count(); ++row) {
-        auto item = std::make_shared<BatchRenameItem>();
-        if (!selection.Fill(row, *item)) continue;
-        rule.Compute(*item);
-        rows.push_back(std::move(item));
-    }
-    return rows;
+/// @throws UsageError for what belongs to a rule, when the names are given
+void CheckNamesAlone(const RenameOptions& options) {
+    const bool hasRule = options.nameTemplate || options.extensionTemplate || options.counter || options.caseName ||
+                         !options.find.empty() || !options.replace.empty() || options.profile || options.saveProfile;
+    if (options.namesFrom && hasRule)
+        throw UsageError(L"--names-from gives the names themselves; no rule goes with it");
 }
 
 }  // namespace
 
 int RunRename(const HostOptions& options, HostEnvironment& environment, Output& output) {
     const RenameOptions& given = options.rename;
+    CheckNamesAlone(given);
     RenameHost host(options, environment, output);
     ProfileStore profiles;
     profiles.Load(&host.Services());
@@ -173,13 +169,17 @@ int RunRename(const HostOptions& options, HostEnvironment& environment, Output& 
     bool isDone = !given.saveProfile || SaveProfile(profiles, *given.saveProfile, definition);
     RenameRule rule(&host);
     rule.SetRule(definition, timeOfSetting);
-    if (given.isPreview) {
+    const bool isPlain = !given.namesFrom && !given.sort && !given.onClash && !given.onlyChanges;
+    if (given.isPreview && isPlain) {
         isDone = PrintPreview(selection, rule, host) && isDone;
+    } else if (given.isPreview) {
+        const RenameItems rows = MakeRows(selection, rule, given, environment.in);
+        isDone = host.PrintPlan(rows, PlanNow(rows, ListFolderOnDisk), L"rename", given.onlyChanges) && isDone;
     } else {
-        const RenameItems rows = MakeRows(selection, rule);
+        const RenameItems rows = MakeRows(selection, rule, given, environment.in);
         CRenameResultCallback results;
         const std::vector<RowOutcome> outcomes = RunRenames(rows, now, host.Environment(!given.noUndo), results);
-        isDone = host.PrintOutcomes(rows, outcomes, L"renamed") && isDone;
+        isDone = host.PrintOutcomes(rows, outcomes, L"renamed", given.onlyChanges) && isDone;
         isDone = host.IsRecorded() && isDone;
     }
     const bool isInterrupted = environment.progressWatch.isCancelled && environment.progressWatch.isCancelled->load();

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "batchrename/qv_batch_rename.h"
+#include "batchrename/run/run_controller.h"
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
 #include "host/app/loaded_library.h"
@@ -72,6 +73,10 @@ void AppendOutcome(std::wstring& text, const BatchRenameItem& row, uint32_t code
     AppendCell(text, reason);
 }
 
+uint32_t CodeOf(const RowPlan& verdict) {
+    return verdict.verdict == RowVerdict::Ignored ? Quorvane::SDK::RenameResult::Ignored : verdict.code;
+}
+
 RenameHost::RenameHost(const HostOptions& options, HostEnvironment& environment, Output& output)
     : m_state(MakeHostState(options, environment, output)),
       m_services(m_state, 0, BatchRenameRecord()),
@@ -82,7 +87,10 @@ RenameHost::RenameHost(const HostOptions& options, HostEnvironment& environment,
 RenameHost::~RenameHost() = default;
 
 UndoStore& RenameHost::Journal() {
-    if (!m_journal) m_journal.emplace().SetFolder(Win32::JoinPath(m_state.configurationFolder, L"Undo"));
+    if (!m_journal) {
+        m_journal.emplace().SetFolder(Win32::JoinPath(m_state.configurationFolder, L"Undo"));
+        m_journal->SetDurable(IsUndoDurable(&m_services));
+    }
     return *m_journal;
 }
 
@@ -127,16 +135,30 @@ void RenameHost::LoadProviders() {
     }
 }
 
-bool RenameHost::PrintOutcomes(const RenameItems& rows, const std::vector<RowOutcome>& outcomes, const wchar_t* word) {
+bool RenameHost::PrintOutcomes(const RenameItems& rows, const std::vector<RowOutcome>& outcomes, const wchar_t* word,
+                               bool onlyChanges) {
     bool isDone = true;
-    for (size_t row = 0; row < rows.size(); ++row) {
-        const RowOutcome& outcome = outcomes[row];
-        std::wstring line;
-        AppendOutcome(line, *rows[row], outcome.code, outcome.reason, word);
-        m_state.output.Line(line);
-        isDone = isDone && !IsFailure(outcome.code);
-    }
+    for (size_t row = 0; row < rows.size(); ++row)
+        isDone = PrintRow(*rows[row], outcomes[row].code, outcomes[row].reason, word, onlyChanges) && isDone;
     return isDone;
+}
+
+bool RenameHost::PrintPlan(const RenameItems& rows, const RenamePlan& plan, const wchar_t* word, bool onlyChanges) {
+    bool isDone = true;
+    for (size_t row = 0; row < rows.size(); ++row)
+        isDone = PrintRow(*rows[row], CodeOf(plan.rows[row]), DescribeRowPlan(*rows[row], plan.rows[row]), word,
+                          onlyChanges) &&
+                 isDone;
+    return isDone;
+}
+
+bool RenameHost::PrintRow(const BatchRenameItem& row, uint32_t code, const std::wstring& reason, const wchar_t* word,
+                          bool onlyChanges) {
+    if (onlyChanges && code == Quorvane::SDK::RenameResult::Ignored && row.newName == row.currentName) return true;
+    std::wstring line;
+    AppendOutcome(line, row, code, reason, word);
+    m_state.output.Line(line);
+    return !IsFailure(code);
 }
 
 }  // namespace QVHost

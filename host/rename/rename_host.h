@@ -21,6 +21,9 @@ namespace QVHost {
 void AppendOutcome(std::wstring& text, const BatchRename::BatchRenameItem& row, uint32_t code, std::wstring_view reason,
                    const wchar_t* word);
 
+/// The code of a row's verdict; 0: it would be renamed.
+uint32_t CodeOf(const BatchRename::RowPlan& verdict);
+
 class LoadedProviders;
 class SelectedRows;
 
@@ -43,12 +46,18 @@ public:
     bool GetProperty(const BatchRename::BatchRenameItem& row, const std::wstring& name, const std::wstring& format,
                      std::wstring& value) override;
 
-    /// Prints a line for each row; true when no row failed.
+    // Both print a line for each row, or, when `onlyChanges`, for each that does not just stay as it is. True when no
+    // row failed, or would fail.
     bool PrintOutcomes(const BatchRename::RenameItems& rows, const std::vector<BatchRename::RowOutcome>& outcomes,
-                       const wchar_t* word);
+                       const wchar_t* word, bool onlyChanges);
+    bool PrintPlan(const BatchRename::RenameItems& rows, const BatchRename::RenamePlan& plan, const wchar_t* word,
+                   bool onlyChanges);
 
 private:
     void LoadProviders();
+    /// True unless the row failed.
+    bool PrintRow(const BatchRename::BatchRenameItem& row, uint32_t code, const std::wstring& reason,
+                  const wchar_t* word, bool onlyChanges);
 
     HostState m_state;
     HostServices m_services;

@@ -56,9 +56,8 @@ private:
 bool ShowNext(FolderRows& folder, HeldLines& lines, RenameItems& spare) {
     const RowPlan verdict = folder.plan.rows[folder.shown];
     const BatchRenameItem& row = *folder.rows[folder.shown++];
-    const uint32_t code = verdict.verdict == RowVerdict::Ignored ? Quorvane::SDK::RenameResult::Ignored : verdict.code;
     std::wstring& line = lines.Next();
-    AppendOutcome(line, row, code, DescribeRowPlan(row, verdict), L"rename");
+    AppendOutcome(line, row, CodeOf(verdict), DescribeRowPlan(row, verdict), L"rename");
     line += L'\n';
     if (folder.shown == folder.rows.size()) {
         std::ranges::move(folder.rows, std::back_inserter(spare));

@@ -1,11 +1,131 @@
 #include "host/rename/selected_rows.h"
 
+#include <algorithm>
+#include <iterator>
+#include <unordered_set>
+#include <utility>
+
+#include "batchrename/model/row_order.h"
+#include "batchrename/run/rename_run.h"
+#include "host/app/host_error.h"
+#include "host/app/host_text.h"
 #include "host/app/selection.h"
+#include "host/app/unix_paths.h"
+#include "host/contract/whole_file.h"
+#include "win32/file_name.h"
 #include "win32/path.h"
 #include "win32/text.h"
 #include "win32/windows.h"
 
 namespace QVHost {
+namespace {
+
+using namespace BatchRename;
+
+/// What rows may be sorted by beside their names.
+struct RowFacts {
+    uint64_t size = 0;     // bytes; 0 for a folder
+    uint64_t written = 0;  // 100 nanoseconds since 1601
+};
+
+RowFacts FactsOf(const BatchRenameItem& row) {
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    GetFileAttributesExW(Win32::ExtendedPath(Win32::JoinPath(row.location, row.currentName)).c_str(),
+                         GetFileExInfoStandard, &data);
+    const auto joined = [](DWORD high, DWORD low) { return uint64_t{high} << 32 | low; };
+    return {joined(data.nFileSizeHigh, data.nFileSizeLow),
+            joined(data.ftLastWriteTime.dwHighDateTime, data.ftLastWriteTime.dwLowDateTime)};
+}
+
+/// Small and old ones first; equal ones stay as they were given.
+RenameItems Sorted(const RenameItems& rows, const std::wstring& order) {
+    if (order == L"none") return rows;
+    if (order == L"natural") return SortRows(rows, {RowKey::CurrentName, false}, [] { return false; });
+    uint64_t RowFacts::*const key = order == L"size" ? &RowFacts::size : &RowFacts::written;
+    if (order != L"size" && order != L"date")
+        throw UsageError(L"--sort takes one of natural, date, size, none, not \"" + order + L"\"");
+    std::vector<std::pair<uint64_t, size_t>> keys;
+    for (const auto& row : rows) keys.emplace_back(FactsOf(*row).*key, keys.size());
+    std::ranges::sort(keys);
+    RenameItems sorted;
+    for (const auto& [fact, row] : keys) sorted.push_back(rows[row]);
+    return sorted;
+}
+
+void TakeNames(const RenameItems& rows, const std::wstring& listFile, std::istream& in) {
+    std::string bytes;
+    if (listFile == L"-")
+        bytes.assign(std::istreambuf_iterator<char>(in), {});
+    else if (const uint32_t error = ReadWholeFile(FullUserPath(listFile), bytes))
+        throw UsageError(L"cannot read the new names in " + listFile + L": " + DescribeError(error));
+    const std::vector<std::string_view> lines = LinesOf(bytes);
+    if (lines.size() != rows.size())
+        throw UsageError(listFile + L" has " + std::to_wstring(lines.size()) + L" names for " +
+                         std::to_wstring(rows.size()) + L" files and folders");
+    for (size_t row = 0; row < rows.size(); ++row)
+        if (!FromUtf8(lines[row], rows[row]->newName))
+            throw UsageError(L"line " + std::to_wstring(row + 1) + L" of " + listFile + L" is not UTF-8");
+}
+
+/// "photo.jpg" with 2: "photo (2).jpg".
+std::wstring Numbered(const BatchRenameItem& row, size_t number) {
+    const Win32::NameParts parts = Win32::SplitAtLastDot(row.newName);
+    const bool isWhole = row.isFolder || parts.stem.empty();
+    const std::wstring name =
+        (isWhole ? row.newName : std::wstring(parts.stem)) + L" (" + std::to_wstring(number) + L")";
+    return isWhole || !parts.hasDot ? name : name + L'.' + std::wstring(parts.extension);
+}
+
+/// Gives each row whose new name is taken, or wanted by a row before it, that name with the first free number. What
+/// the rows leave is free.
+void NumberClashes(const RenameItems& rows) {
+    const auto moves = [](const BatchRenameItem& row) {
+        return row.fault == RuleFault::None && row.newName != row.currentName &&
+               Win32::CheckFileName(row.newName).fault == Win32::NameFault::None;
+    };
+    const auto keyOf = [](const std::wstring& folder, std::wstring_view name) {
+        return Win32::ToUpperCase(Win32::JoinPath(folder, name));
+    };
+    std::unordered_set<std::wstring> taken;
+    for (const std::wstring& folder : FoldersOf(rows)) {
+        const FolderNames listing = ListFolderOnDisk(folder);
+        for (size_t name = 0; name < listing.names.Count(); ++name) taken.insert(keyOf(folder, listing.names[name]));
+    }
+    for (const auto& row : rows)
+        if (moves(*row)) taken.erase(keyOf(row->location, row->currentName));
+    std::unordered_map<std::wstring, size_t> numbers;  // the last one given to a name
+    for (const auto& row : rows) {
+        if (!moves(*row)) continue;
+        const std::wstring wanted = keyOf(row->location, row->newName);
+        if (taken.insert(wanted).second) continue;
+        std::wstring name;
+        size_t& number = numbers.try_emplace(wanted, 1).first->second;
+        do name = Numbered(*row, ++number);
+        while (!taken.insert(keyOf(row->location, name)).second);
+        row->newName = std::move(name);
+    }
+}
+
+}  // namespace
+
+RenameItems MakeRows(SelectedRows& selection, RenameRule& rule, const RenameOptions& options, std::istream& in) {
+    RenameItems rows;
+    rows.reserve(selection.Count());
+    for (size_t row = 0; row < selection.Count(); ++row) {
+        auto item = std::make_shared<BatchRenameItem>();
+        if (selection.Fill(row, *item)) rows.push_back(std::move(item));
+    }
+    rows = Sorted(rows, options.sort.value_or(L"none"));
+    if (options.namesFrom)
+        TakeNames(rows, *options.namesFrom, in);
+    else
+        for (const auto& row : rows) rule.Compute(*row);
+    const std::wstring clash = options.onClash.value_or(L"fail");
+    if (clash != L"fail" && clash != L"number")
+        throw UsageError(L"--on-clash takes fail or number, not \"" + clash + L"\"");
+    if (clash == L"number") NumberClashes(rows);
+    return rows;
+}
 
 void SelectedRows::Add(std::wstring_view path) {
     const std::wstring_view folder = Win32::FolderOf(path);

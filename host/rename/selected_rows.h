@@ -2,14 +2,17 @@
 #pragma once
 
 #include <cstdint>
+#include <istream>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "host/app/command_line.h"
 #include "host/rename/folder_listings.h"
 #include "rename/rename_item.h"
 #include "rename/rename_plan.h"
+#include "rename/rename_rule.h"
 #include "win32/name_list.h"
 
 namespace QVHost {
@@ -48,5 +51,10 @@ private:
     std::unordered_map<std::wstring, size_t> m_folderNumbers;  // by folded paths
     FolderListings m_listings;
 };
+
+/// All rows in the order and with the new names that the options ask for.
+/// @throws UsageError for a path that leads to nothing, and for names that cannot be read or are too few or too many
+BatchRename::RenameItems MakeRows(SelectedRows& selection, BatchRename::RenameRule& rule, const RenameOptions& options,
+                                  std::istream& in);
 
 }  // namespace QVHost

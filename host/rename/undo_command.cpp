@@ -1,6 +1,8 @@
 #include "host/app/subcommands.h"
 
 #include <algorithm>
+#include <optional>
+#include <string_view>
 
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
@@ -11,8 +13,6 @@ namespace {
 
 using namespace BatchRename;
 using SharedSession = std::shared_ptr<BatchRenameUndo>;
-
-constexpr std::wstring_view kSuffix = L".dat";
 
 std::wstring TimeText(const CalendarTime& time) {
     std::wstring text;
@@ -41,25 +41,95 @@ int List(RenameHost& host, Output& output) {
     return ExitStatus::Done;
 }
 
-/// By its file name, with or without the ending; "last" is the newest one.
-SharedSession FindSession(RenameHost& host, const std::wstring& name) {
+/// By its file name, with or without the ending. "last" is the newest one that has not been restored, so that repeating
+/// it walks back; `isAny`: the newest one when all have been.
+SharedSession FindSession(RenameHost& host, const std::wstring& name, bool isAny) {
+    if (name != L"last")
+        if (SharedSession session = host.Journal().Find(name)) return session;
     const std::vector<SharedSession>& sessions = host.Journal().Sessions();
-    if (name == L"last" && !sessions.empty()) return sessions.front();
-    std::vector<std::wstring> known;
-    for (const SharedSession& session : sessions) {
-        if (EqualIgnoringCase(session->fileName, name) ||
-            EqualIgnoringCase(session->fileName, name + std::wstring(kSuffix)))
-            return session;
-        known.push_back(session->fileName);
+    if (name == L"last" && !sessions.empty()) {
+        const auto found = std::ranges::find(sessions, false, &BatchRenameUndo::haveRestored);
+        if (found != sessions.end()) return *found;
+        if (isAny) return sessions.front();
+        throw UsageError(L"every session has been restored (qvhost undo lists them)");
     }
+    std::vector<std::wstring> known;
+    for (const SharedSession& session : sessions) known.push_back(session->fileName);
     throw UsageError(L"there is no session \"" + name + L"\"" + DidYouMean(name, known) + L" (qvhost undo lists them)");
 }
 
-int Restore(RenameHost& host, BatchRenameUndo& session) {
-    const RestoreRows restore = MakeRestoreRows(session, ListFolderOnDisk);
+/// `*` stands for any text and `?` for one character; letters are equal in either case.
+bool Matches(std::wstring_view name, std::wstring_view pattern) {
+    size_t at = 0;
+    size_t part = 0;
+    size_t star = std::wstring_view::npos;
+    size_t afterStar = 0;
+    while (at < name.size()) {
+        const bool isLeft = part < pattern.size();
+        if (isLeft && pattern[part] == L'*') {
+            star = part++;
+            afterStar = at;
+        } else if (isLeft &&
+                   (pattern[part] == L'?' || EqualIgnoringCase(name.substr(at, 1), pattern.substr(part, 1)))) {
+            ++at;
+            ++part;
+        } else if (star != std::wstring_view::npos) {
+            part = star + 1;
+            at = ++afterStar;
+        } else {
+            return false;
+        }
+    }
+    return pattern.find_first_not_of(L'*', part) == std::wstring_view::npos;
+}
+
+/// False, with a note, when nothing of the session can be read.
+bool HasEntries(const BatchRenameUndo& session, Output& output) {
+    if (!session.entries.empty()) return true;
+    output.Note(L"qvhost: " + session.fileName + L" holds nothing that can be read");
+    return false;
+}
+
+/// One line an entry: old name, new name, folder, and, of a session that did not come to its end, the name that the
+/// item has as far as the record knows.
+int Show(Output& output, const BatchRenameUndo& session) {
+    if (!HasEntries(session, output)) return ExitStatus::Failed;
+    for (const UndoEntry& entry : session.entries) {
+        std::wstring line = entry.oldName + L'\t' + entry.newName + L'\t' + entry.location;
+        if (session.isUnfinished) {
+            line += L"\tnow " + (entry.reached.empty() ? entry.oldName : entry.reached);
+            if (!entry.begun.empty()) line += L" or " + entry.begun;
+        }
+        output.Line(line);
+    }
+    return ExitStatus::Done;
+}
+
+/// The rows of a session that are wanted.
+/// @throws UsageError when there are none
+RestoreRows WantedRows(const BatchRenameUndo& session, const std::optional<std::wstring>& only) {
+    RestoreRows restore = MakeRestoreRows(session, ListFolderOnDisk, FindItemOnDisk);
+    if (!only) return restore;
+    KeepEntries(restore, [&](size_t at) {
+        const UndoEntry& entry = session.entries[at];
+        return Matches(entry.oldName, *only) || Matches(entry.newName, *only);
+    });
+    if (restore.rows.empty()) throw UsageError(L"no name of the session, old or new, matches \"" + *only + L"\"");
+    return restore;
+}
+
+int Restore(RenameHost& host, BatchRenameUndo& session, const UndoOptions& options) {
+    if (!HasEntries(session, host.State().output)) return ExitStatus::Failed;
+    const RestoreRows restore = WantedRows(session, options.only);
+    if (options.isPreview)
+        return host.PrintPlan(restore.rows, PlanNow(restore.rows, ListFolderOnDisk), L"restore", false)
+                   ? ExitStatus::Done
+                   : ExitStatus::Failed;
     CRenameResultCallback results;
     const std::vector<RowOutcome> outcomes = RunRestore(session, restore, host.Environment(true), results);
-    const bool isDone = host.PrintOutcomes(restore.rows, outcomes, L"restored");
+    bool isDone = host.PrintOutcomes(restore.rows, outcomes, L"restored", false);
+    for (size_t row = 0; row < outcomes.size(); ++row)
+        isDone = isDone && outcomes[row].name == restore.rows[row]->newName;
     return host.IsRecorded() && isDone ? ExitStatus::Done : ExitStatus::Failed;
 }
 
@@ -74,14 +144,22 @@ int Delete(RenameHost& host, Output& output, const SharedSession& session) {
 int RunUndo(const HostOptions& options, HostEnvironment& environment, Output& output) {
     const std::vector<std::wstring>& words = options.operands;
     const std::wstring verb = words.empty() ? L"list" : words.front();
-    const size_t wanted = verb == L"list" ? 1 : 2;
-    if ((verb != L"list" && verb != L"restore" && verb != L"delete") || words.size() > wanted ||
-        (wanted == 2 && words.size() != 2))
-        throw UsageError(L"it goes: qvhost undo [list | restore SESSION | delete SESSION]");
+    const bool isList = verb == L"list";
+    const bool isRestore = verb == L"restore";
+    const bool isKnown = isList || isRestore || verb == L"show" || verb == L"delete";
+    if (!isKnown || (isList ? words.size() > 1 : words.size() != 2))
+        throw UsageError(
+            L"it goes: qvhost undo [list | show SESSION | restore SESSION [--preview] [--only PATTERN] | "
+            L"delete SESSION]");
+    if (!isRestore && (options.undo.isPreview || options.undo.only))
+        throw UsageError(L"--preview and --only go with qvhost undo restore");
     RenameHost host(options, environment, output);
-    if (verb == L"list") return List(host, output);
-    const SharedSession session = FindSession(host, words[1]);
-    return verb == L"restore" ? Restore(host, *session) : Delete(host, output, session);
+    if (isList) return List(host, output);
+    if (verb == L"delete" && words[1] == L"last" && !host.Journal().Sessions().empty())
+        return Delete(host, output, host.Journal().Sessions().front());
+    const SharedSession session = FindSession(host, words[1], !isRestore);
+    if (isRestore) return Restore(host, *session, options.undo);
+    return verb == L"show" ? Show(output, *session) : Delete(host, output, session);
 }
 
 }  // namespace QVHost

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "win32/item_identity.h"
+
 namespace BatchRename {
 
 /// State codes of a row. 5 and 6 are fixed by those who look at rows from outside; the others are this library's.
@@ -26,6 +28,8 @@ enum class RuleFault : uint8_t {
     UnknownProperty,  // a property tag that the host knows nothing about
 };
 
+using Win32::ItemIdentity;
+
 /// A row. Shared between the list of rows, the window and the run.
 struct BatchRenameItem {
     std::wstring location;     // the folder that holds the item, without a separator at its end (but "C:\")
@@ -34,7 +38,8 @@ struct BatchRenameItem {
     bool isFolder = false;
     RuleFault fault = RuleFault::None;
     uint32_t state = RowState::Ready;
-    uint32_t hostOrder = 0;  // its place in the host's selection
+    uint32_t hostOrder = 0;      // its place in the host's selection
+    ItemIdentity identity = {};  // the one item that the row stands for; not known: whatever has the name
 };
 
 using RenameItems = std::vector<std::shared_ptr<BatchRenameItem>>;

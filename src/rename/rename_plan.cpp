@@ -14,6 +14,7 @@ namespace {
 constexpr uint32_t kNone = StepGroup::kNoRing;
 constexpr size_t kLongestPath = 32767;  // units, with the closing zero and the prefix for long paths
 constexpr size_t kPathReserve = 16;
+constexpr size_t kUsualPath = 260;  // units, with the closing zero: what programs take that know no long paths
 
 // Windows error codes, as plain numbers because nothing else here needs the system.
 constexpr uint32_t kFileNotFound = 2;
@@ -66,6 +67,7 @@ struct Place {
     uint32_t wanter = kNone;
     uint32_t wanterCount = 0;
     bool isOnDisk = false;
+    ItemIdentity item;  // that has the name on disk
 };
 
 /// All names of all folders that matter, found by folder and folded name. One flat table: a node and a folded copy for
@@ -159,7 +161,8 @@ public:
     Planner(const RenameItems& rows, const std::vector<FolderNames>& folders)
         : m_rows(rows), m_from(rows.size(), kNone), m_to(rows.size(), kNone), m_places(CountNames(rows, folders)) {
         m_plan.rows.resize(rows.size());
-        EnterRows(folders);
+        EnterNames(folders);
+        EnterHolders();
     }
 
     RenamePlan Plan() {
@@ -177,22 +180,35 @@ private:
     void Fail(uint32_t row, RowReason reason, uint32_t code) { m_plan.rows[row] = {RowVerdict::Failed, reason, code}; }
 
     /// Enters the rows' current names, then what is on disk.
-    void EnterRows(const std::vector<FolderNames>& folders) {
-        for (uint32_t row = 0; row < m_rows.size(); ++row) {
+    void EnterNames(const std::vector<FolderNames>& folders) {
+        for (uint32_t row = 0; row < m_rows.size(); ++row)
             m_from[row] = m_places.Intern(m_folders.NumberOf(m_rows[row]->location), m_rows[row]->currentName);
-            Place& place = m_places[m_from[row]];
-            if (place.holder == kNone)
-                place.holder = row;
-            else
-                Fail(row, RowReason::ListedTwice, kAlreadyExists);
-        }
         m_folderErrors.assign(m_folders.Locations().size(), kFileNotFound);
         for (const FolderNames& folder : folders) {
             const uint32_t number = m_folders.Find(folder.folder);
             if (number == kNone) continue;
             m_folderErrors[number] = folder.error;
-            for (size_t name = 0; name < folder.names.Count(); ++name)
-                m_places[m_places.Intern(number, folder.names[name])].isOnDisk = true;
+            for (size_t name = 0; name < folder.names.Count(); ++name) {
+                Place& place = m_places[m_places.Intern(number, folder.names[name])];
+                place.isOnDisk = true;
+                if (name < folder.items.size()) place.item = folder.items[name];
+            }
+        }
+    }
+
+    /// Who has which name. A row whose item has gone has none: another item may have its name by now, and keeps it.
+    void EnterHolders() {
+        m_plan.identities.reserve(m_rows.size());
+        for (uint32_t row = 0; row < m_rows.size(); ++row) {
+            Place& place = m_places[m_from[row]];
+            m_plan.identities.push_back(place.item);
+            const ItemIdentity& wanted = m_rows[row]->identity;
+            if (wanted && place.item && !IsSameItem(wanted, place.item))
+                Fail(row, RowReason::OtherItem, kFileNotFound);
+            else if (place.holder != kNone)
+                Fail(row, RowReason::ListedTwice, kAlreadyExists);
+            else
+                place.holder = row;
         }
     }
 
@@ -203,6 +219,8 @@ private:
         const uint32_t folder = m_places[m_from[row]].folder;
         if (item.fault != RuleFault::None) return Fail(row, RowReason::RuleFault, kInvalidName);
         if (item.newName == item.currentName) {
+            const bool isGone = !m_places[m_from[row]].isOnDisk && m_folderErrors[folder] == 0;
+            if (isGone && item.state == RowState::Restore) return Fail(row, RowReason::Gone, kFileNotFound);
             m_plan.rows[row] = {RowVerdict::Ignored, RowReason::Unchanged, 0};
             ++m_places[m_from[row]].wanterCount;
             return;
@@ -215,6 +233,7 @@ private:
             return Fail(row, RowReason::PathTooLong, kNameTooLong);
         if (m_folderErrors[folder] != 0) return Fail(row, RowReason::FolderError, m_folderErrors[folder]);
         if (!m_places[m_from[row]].isOnDisk) return Fail(row, RowReason::Gone, kFileNotFound);
+        if (item.location.size() + 1 + item.newName.size() >= kUsualPath) m_plan.rows[row].reason = RowReason::LongPath;
         m_to[row] = m_places.Intern(folder, item.newName);
         Place& target = m_places[m_to[row]];
         target.wanter = row;
@@ -335,16 +354,21 @@ std::wstring DescribeRowPlan(const BatchRenameItem& row, const RowPlan& plan) {
     const auto quoted = [&row] { return L"\"" + row.newName + L"\""; };
     switch (plan.reason) {
         case RowReason::None: return {};
-        case RowReason::Unchanged: return L"the name stays the same";
+        case RowReason::Unchanged:
+            return row.state == RowState::Restore ? L"it has its old name" : L"the name stays the same";
         case RowReason::RuleFault: return DescribeRuleFault(row.fault);
         case RowReason::BadName: return Win32::DescribeNameFault(row.newName, Win32::CheckFileName(row.newName));
         case RowReason::PathTooLong: return L"the path would be too long";
         case RowReason::FolderError: return L"the folder cannot be read, error " + std::to_wstring(plan.code);
         case RowReason::Gone: return L"there is no such item any more";
+        case RowReason::OtherItem: return L"the item is gone; another one has its name now";
         case RowReason::ListedTwice: return L"the item is in the list twice";
         case RowReason::Duplicate: return quoted() + L" would be the name of more than one item";
         case RowReason::Taken: return quoted() + L" is there already";
         case RowReason::HeldByARow: return quoted() + L" is the name of an item that keeps it";
+        case RowReason::LongPath:
+            return L"the path will have " + std::to_wstring(row.location.size() + 1 + row.newName.size()) +
+                   L" characters; many programs open no more than " + std::to_wstring(kUsualPath - 1);
     }
     return {};
 }

@@ -17,7 +17,8 @@ namespace BatchRename {
 struct FolderNames {
     std::wstring folder;
     Win32::NameList names;
-    uint32_t error = 0;  // Windows error code when the folder cannot be read
+    uint32_t error = 0;                    // Windows error code when the folder cannot be read
+    std::vector<ItemIdentity> items = {};  // of each name; empty where items have no lasting numbers
 };
 
 enum class RowVerdict : uint8_t { Rename, Ignored, Failed };
@@ -31,10 +32,12 @@ enum class RowReason : uint8_t {
     PathTooLong,  // with its folder the name is beyond what the system takes
     FolderError,  // the folder cannot be read
     Gone,         // there is no such item any more
+    OtherItem,    // another item has the row's name now
     ListedTwice,  // an earlier row stands for the same item
     Duplicate,    // more than one row wants the name, or a row that keeps it
     Taken,        // an item that is in no row has the name
     HeldByARow,   // a row that stays has the name
+    LongPath,     // of a row that is to be renamed: many programs cannot open its path then
 };
 
 struct RowPlan {
@@ -71,6 +74,7 @@ struct RenamePlan {
     std::vector<RenameStep> steps;
     std::vector<StepGroup> groups;  // in the order in which they are to be done
     std::vector<std::wstring> temporaryNames;
+    std::vector<ItemIdentity> identities;  // one for each row: the item that has its name now
 };
 
 /// Plans the rows. Names count as equal when they differ in case alone, as the file system has it. `folders` holds a
@@ -83,7 +87,8 @@ RenamePlan PlanRenames(const RenameItems& rows, const std::vector<FolderNames>& 
 /// The distinct folders of the rows, in order of appearance.
 std::vector<std::wstring> FoldersOf(const RenameItems& rows);
 
-/// The row's verdict in words, without the word for the verdict itself; "" for a row that is to be renamed.
+/// The row's verdict in words, without the word for the verdict itself; "" for a row that is to be renamed, unless
+/// there is something to warn of.
 std::wstring DescribeRowPlan(const BatchRenameItem& row, const RowPlan& plan);
 
 /// The name under which an item may lie aside for a moment: "~qvbr" and eight hexadecimal digits that depend on its

@@ -24,21 +24,49 @@ public:
         return anyCase ? names.folded.contains(Win32::ToUpperCase(name)) : names.exact.contains(name);
     }
 
-    bool HasAny(const std::wstring& folder) { return !NamesIn(folder).exact.empty(); }
+    /// False when nothing has that path, or a file.
+    bool IsFolder(const std::wstring& folder) {
+        constexpr uint32_t kNoFolder[] = {2, 3, 267};  // ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND, ERROR_DIRECTORY
+        return std::ranges::find(kNoFolder, NamesIn(folder).error) == std::end(kNoFolder);
+    }
+
+    /// The names of an item in a folder: one, or more for a file with hard links.
+    std::vector<std::wstring> NamesOf(const std::wstring& folder, const ItemIdentity& item) {
+        std::vector<std::wstring> found;
+        const Names& names = NamesIn(folder);
+        const auto [begin, end] = names.byIndex.equal_range(item.index);
+        for (auto at = begin; at != end; ++at)
+            if (IsSameItem(at->second.item, item)) found.push_back(at->second.name);
+        return found;
+    }
+
+    /// False in a folder whose items have no lasting numbers, and in one that cannot be read.
+    bool KnowsItems(const std::wstring& folder) { return !NamesIn(folder).byIndex.empty(); }
 
 private:
+    struct NamedItem {
+        ItemIdentity item;
+        std::wstring name;
+    };
     struct Names {
         std::unordered_set<std::wstring> exact;
         std::unordered_set<std::wstring> folded;
+        uint32_t error = 0;
+        std::unordered_multimap<uint64_t, NamedItem> byIndex;
     };
 
     const Names& NamesIn(const std::wstring& folder) {
         const auto [entry, isNew] = m_folders.try_emplace(Win32::ToUpperCase(folder));
         if (!isNew) return entry->second;
-        const Win32::NameList names = m_list(folder).names;
+        const FolderNames listing = m_list(folder);
+        const Win32::NameList& names = listing.names;
+        entry->second.error = listing.error;
         for (size_t name = 0; name < names.Count(); ++name) {
             entry->second.folded.insert(Win32::ToUpperCase(names[name]));
             entry->second.exact.emplace(names[name]);
+            if (name < listing.items.size())
+                entry->second.byIndex.emplace(listing.items[name].index,
+                                              NamedItem{listing.items[name], std::wstring(names[name])});
         }
         return entry->second;
     }
@@ -53,8 +81,11 @@ std::wstring KeyOf(std::wstring_view folder, std::wstring_view name) {
 
 class Restorer {
 public:
-    Restorer(const BatchRenameUndo& session, const ListFolder& list)
-        : m_session(session), m_listings(list), m_places(session.entries.size()) {}
+    Restorer(const BatchRenameUndo& session, const ListFolder& list, const FindItem& find)
+        : m_session(session), m_listings(list), m_find(find), m_places(session.entries.size()) {
+        for (const UndoEntry& entry : session.entries)
+            if (entry.identity) ++m_entriesOfIndex[entry.identity.index];
+    }
 
     RestoreRows Make() {
         // From the top down: where an item is now depends on what has become of the folders above it.
@@ -76,6 +107,7 @@ public:
             row->currentName = m_places[entry].name;
             row->newName = m_session.entries[entry].oldName;
             row->state = RowState::Restore;
+            row->identity = m_session.entries[entry].identity;
             result.rows.push_back(std::move(row));
             result.entries.push_back(entry);
         }
@@ -87,6 +119,7 @@ private:
     struct WhereNow {
         std::wstring folder;
         std::wstring name;
+        bool isCertain = false;  // by the item's identity; else by what the names tell
     };
 
     /// Finds the items of entries whose folders have the same depth.
@@ -98,12 +131,15 @@ private:
             WhereNow& place = m_places[entry];
             place.folder = FolderNow(FolderOf(recorded));
             place.name = NameByRecord(recorded, place.folder);
+            if (recorded.identity) FindByIdentity(recorded, place);
+            if (place.isCertain) continue;
             if (place.name == recorded.oldName)
                 atOldName.push_back(entry);
             else
                 byName.emplace(KeyOf(place.folder, place.name), entry);
         }
         for (const size_t entry : entries) {
+            if (m_places[entry].isCertain) continue;
             const bool isSettled = m_places[entry].name != m_session.entries[entry].oldName && IsAtOldName(entry);
             if (isSettled) atOldName.push_back(entry);
         }
@@ -120,10 +156,33 @@ private:
         }
         for (const size_t entry : entries) {
             const WhereNow& place = m_places[entry];
-            if (place.name != m_session.entries[entry].oldName)
-                m_movedFolders.emplace(KeyOf(FolderOf(m_session.entries[entry]), m_session.entries[entry].oldName),
-                                       entry);
+            const UndoEntry& recorded = m_session.entries[entry];
+            const std::wstring folder = FolderOf(recorded);
+            if (place.name != recorded.oldName || !Win32::EqualIgnoringCase(place.folder, folder))
+                m_movedFolders.emplace(KeyOf(folder, recorded.oldName), entry);
         }
+    }
+
+    /// Puts the item's present place into `place`, which holds the name that it should have. An item that is nowhere
+    /// keeps that name; what else may have it by now, its row's identity tells.
+    void FindByIdentity(const UndoEntry& entry, WhereNow& place) {
+        const std::vector<std::wstring> names = m_listings.NamesOf(place.folder, entry.identity);
+        if (!names.empty()) {
+            const auto isThere = [&](const std::wstring& name) {
+                return std::ranges::find(names, name) != names.end();
+            };
+            if (!isThere(place.name)) place.name = isThere(entry.oldName) ? entry.oldName : names.front();
+            place.isCertain = true;
+            return;
+        }
+        const bool isOwnItem =
+            m_entriesOfIndex[entry.identity.index] == 1;  // not one more link of another entry's file
+        const std::wstring path = m_find && isOwnItem ? m_find(entry.identity, place.folder) : std::wstring();
+        if (!path.empty()) {
+            place.folder = Win32::WithoutSeparator(Win32::FolderOf(path));
+            place.name = Win32::FileNameOf(path);
+        }
+        place.isCertain = !path.empty() || m_listings.KnowsItems(place.folder);
     }
 
     /// The new name is gone and the old one there. In a session that was restored before, the old name being there is
@@ -161,12 +220,14 @@ private:
         return name;
     }
 
-    /// The recorded folder. A location that ends in the item's own name may be its full path: it is when nothing is in
-    /// a folder of that name, whatever that is called now.
+    /// The recorded folder. A location that ends in the item's own name may be its full path, before the rename or
+    /// after it: it is when no folder has that path, whatever the folder is called now.
     std::wstring FolderOf(const UndoEntry& entry) {
         std::wstring folder(Win32::WithoutSeparator(entry.location));
-        if (Win32::FileNameOf(folder) != entry.oldName || Win32::FolderOf(folder).size() < 3) return folder;
-        const bool isFolder = m_listings.HasAny(FolderNow(folder)) || m_session.isUnfinished;
+        const std::wstring_view last = Win32::FileNameOf(folder);
+        const bool mayBePath = last == entry.oldName || last == entry.newName;
+        if (!mayBePath || Win32::FolderOf(folder).size() < 3) return folder;
+        const bool isFolder = m_listings.IsFolder(FolderNow(folder)) || m_session.isUnfinished;
         return isFolder ? folder : std::wstring(Win32::WithoutSeparator(Win32::FolderOf(folder)));
     }
 
@@ -183,14 +244,27 @@ private:
 
     const BatchRenameUndo& m_session;
     Listings m_listings;
+    const FindItem& m_find;
+    std::unordered_map<uint64_t, size_t> m_entriesOfIndex;
     std::vector<WhereNow> m_places;
     std::unordered_map<std::wstring, size_t> m_movedFolders;  // from the path at the time of the run to the entry
 };
 
 }  // namespace
 
-RestoreRows MakeRestoreRows(const BatchRenameUndo& session, const ListFolder& list) {
-    return Restorer(session, list).Make();
+RestoreRows MakeRestoreRows(const BatchRenameUndo& session, const ListFolder& list, const FindItem& find) {
+    return Restorer(session, list, find).Make();
+}
+
+void KeepEntries(RestoreRows& restore, const std::function<bool(size_t entry)>& isWanted) {
+    size_t kept = 0;
+    for (size_t row = 0; row < restore.rows.size(); ++row) {
+        if (!isWanted(restore.entries[row])) continue;
+        restore.rows[kept] = restore.rows[row];
+        restore.entries[kept++] = restore.entries[row];
+    }
+    restore.rows.resize(kept);
+    restore.entries.resize(kept);
 }
 
 }  // namespace BatchRename

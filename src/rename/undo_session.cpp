@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cwchar>
+#include <limits>
 #include <optional>
+#include <unordered_map>
 #include <utility>
 
 #include "rename/name_template.h"
@@ -16,19 +18,55 @@ namespace {
 constexpr std::wstring_view kInfo = L"[INFO]";
 constexpr std::wstring_view kFiles = L"[FILES]";
 constexpr std::wstring_view kUnfinished = L"# unfinished";
+constexpr std::wstring_view kIdentity = L"#& ";
+constexpr std::wstring_view kOpen = L"#? ";
 constexpr std::wstring_view kReached = L"#@ ";
 constexpr std::wstring_view kStep = L"#> ";
 constexpr std::wstring_view kFailedStep = L"#= ";
 constexpr std::wstring_view kLineEnd = L"\r\n";
+constexpr size_t kNoEntry = std::numeric_limits<size_t>::max();
+constexpr std::wstring_view kHexadecimal = L"0123456789abcdef";
 
 /// An entry's number at the beginning of `text`, which is cut off with the "|" after it; nothing when there is none.
-std::optional<size_t> TakeEntryNumber(std::wstring_view& text, size_t entryCount) {
+std::optional<size_t> TakeEntryNumber(std::wstring_view& text) {
     const size_t end = std::min(text.find_first_not_of(L"0123456789"), text.size());
     if (end == 0 || end > 9) return std::nullopt;
     const auto number = static_cast<size_t>(Win32::LeadingNumber<int64_t>(text.substr(0, end)));
     text.remove_prefix(std::min(end + 1, text.size()));
-    if (number >= entryCount) return std::nullopt;
     return number;
+}
+
+std::wstring LineOf(const UndoEntry& entry) {
+    return entry.location + L'|' + entry.oldName + L'|' + entry.newName;
+}
+
+/// FNV-1a over the units of the entry's line.
+uint64_t CheckSumOf(const UndoEntry& entry) {
+    uint64_t hash = 0xCBF29CE484222325;
+    for (const wchar_t unit : LineOf(entry)) hash = (hash ^ static_cast<uint16_t>(unit)) * 0x100000001B3;
+    return hash;
+}
+
+/// A hexadecimal number of at most 64 bits up to "|" or the end, which is cut off with the "|"; nothing when there is
+/// none.
+std::optional<uint64_t> TakeHexadecimal(std::wstring_view& text) {
+    constexpr size_t kMostDigits = 16;
+    const size_t end = std::min(text.find(L'|'), text.size());
+    if (end == 0 || end > kMostDigits) return std::nullopt;
+    uint64_t number = 0;
+    for (const wchar_t digit : text.substr(0, end)) {
+        const size_t value = kHexadecimal.find(digit);
+        if (value == std::wstring_view::npos) return std::nullopt;
+        number = number << 4 | value;
+    }
+    text.remove_prefix(std::min(end + 1, text.size()));
+    return number;
+}
+
+std::wstring Hexadecimal(uint64_t number) {
+    std::wstring text;
+    for (; number != 0 || text.empty(); number >>= 4) text.insert(text.begin(), kHexadecimal[number & 0xF]);
+    return text;
 }
 
 class Reader {
@@ -75,6 +113,7 @@ private:
     }
 
     void ReadEntry(std::wstring_view line) {
+        m_entryOfNumber.push_back(kNoEntry);
         std::array<std::wstring_view, 3> fields;
         size_t count = 0;
         for (;;) {
@@ -89,30 +128,62 @@ private:
         entry.location = fields[0];
         entry.oldName = fields[1];
         entry.newName = fields[2];
+        m_entryOfNumber.back() = m_session.entries.size();
         m_session.entries.push_back(std::move(entry));
     }
 
     void ReadProgress(std::wstring_view line) {
         if (line == kUnfinished) {
             m_session.isUnfinished = true;
-        } else if (line.starts_with(kReached)) {
-            line.remove_prefix(kReached.size());
-            const auto number = TakeEntryNumber(line, m_session.entries.size());
-            if (number) m_session.entries[*number].reached = line;
-        } else if (line.starts_with(kStep)) {
-            line.remove_prefix(kStep.size());
-            const auto number = TakeEntryNumber(line, m_session.entries.size());
-            if (!number || line.empty()) return;
-            CompleteStep();
-            m_begun = number;
-            m_session.entries[*number].begun = line;
-        } else if (line.starts_with(kFailedStep)) {
-            line.remove_prefix(kFailedStep.size());
-            const auto number = TakeEntryNumber(line, m_session.entries.size());
-            if (!number) return;
-            m_session.entries[*number].begun.clear();
-            m_begun.reset();
+            return;
         }
+        const std::wstring_view mark = line.substr(0, kStep.size());
+        line.remove_prefix(mark.size());
+        const std::optional<size_t> number = TakeEntryNumber(line);
+        if (!number) return;
+        if (mark == kIdentity) return ReadIdentity(*number, line);
+        const size_t at = EntryOf(*number);
+        if (at == kNoEntry) return;
+        UndoEntry& entry = m_session.entries[at];
+        if (mark == kFailedStep) {
+            entry.begun.clear();
+            m_begun.reset();
+        } else if (line.empty()) {
+            return;
+        } else if (mark == kReached) {
+            entry.reached = line;
+        } else if (mark == kOpen) {
+            entry.begun = line;
+        } else if (mark == kStep) {
+            CompleteStep();
+            m_begun = at;
+            entry.begun = line;
+        }
+    }
+
+    void ReadIdentity(size_t number, std::wstring_view line) {
+        const std::optional<uint64_t> volume = TakeHexadecimal(line);
+        const std::optional<uint64_t> index = TakeHexadecimal(line);
+        const std::optional<uint64_t> sum = TakeHexadecimal(line);
+        if (!volume || !index || !sum) return;
+        if (m_entryOfSum.empty())
+            for (size_t at = 0; at < m_session.entries.size(); ++at)
+                m_entryOfSum.emplace(CheckSumOf(m_session.entries[at]), at);
+        const auto found = m_entryOfSum.find(*sum);
+        const size_t at = found == m_entryOfSum.end() ? kNoEntry : found->second;
+        if (EntryOf(number) != at) m_movedEntries[number] = at;
+        if (at == kNoEntry) return;
+        const std::optional<uint64_t> written = TakeHexadecimal(line);
+        const std::optional<uint64_t> accessed = TakeHexadecimal(line);
+        m_session.entries[at].identity = {static_cast<uint32_t>(*volume), *index, written.value_or(0),
+                                          accessed.value_or(0)};
+    }
+
+    /// The entry that had this number when it was written: lines that cannot be read count too.
+    size_t EntryOf(size_t number) const {
+        const auto moved = m_movedEntries.find(number);
+        if (moved != m_movedEntries.end()) return moved->second;
+        return number < m_entryOfNumber.size() ? m_entryOfNumber[number] : kNoEntry;
     }
 
     /// The next step was announced, so the one before was taken.
@@ -127,6 +198,9 @@ private:
     BatchRenameUndo& m_session;
     Section m_section = Section::None;
     std::optional<size_t> m_begun;
+    std::vector<size_t> m_entryOfNumber;                // by the place of its line
+    std::unordered_map<size_t, size_t> m_movedEntries;  // where a line was lost or added
+    std::unordered_map<uint64_t, size_t> m_entryOfSum;
 };
 
 void AppendLine(std::wstring& text, std::wstring_view line) {
@@ -140,6 +214,14 @@ std::wstring FormatProgress(std::wstring_view mark, size_t entry, std::wstring_v
     line += name;
     line += kLineEnd;
     return line;
+}
+
+std::wstring TextOfIdentity(const UndoEntry& entry) {
+    const ItemIdentity& item = entry.identity;
+    std::wstring text = Hexadecimal(item.volume);
+    for (const uint64_t number : {item.index, CheckSumOf(entry), item.written, item.accessed})
+        if (number != 0 || item.written != 0) text += L'|' + Hexadecimal(number);
+    return text;
 }
 
 }  // namespace
@@ -166,12 +248,17 @@ std::wstring FormatSession(const BatchRenameUndo& session) {
     AppendLine(text, session.haveRestored ? L"HaveRestored : 1" : L"HaveRestored : 0");
     AppendLine(text, L"");
     AppendLine(text, kFiles);
-    for (const UndoEntry& entry : session.entries)
-        AppendLine(text, entry.location + L'|' + entry.oldName + L'|' + entry.newName);
+    for (const UndoEntry& entry : session.entries) AppendLine(text, LineOf(entry));
+    for (size_t at = 0; at < session.entries.size(); ++at) {
+        if (session.entries[at].identity) text += FormatProgress(kIdentity, at, TextOfIdentity(session.entries[at]));
+    }
     if (!session.isUnfinished) return text;
     AppendLine(text, kUnfinished);
-    for (size_t at = 0; at < session.entries.size(); ++at)
-        if (!session.entries[at].reached.empty()) text += FormatProgress(kReached, at, session.entries[at].reached);
+    for (size_t at = 0; at < session.entries.size(); ++at) {
+        const UndoEntry& entry = session.entries[at];
+        if (!entry.reached.empty()) text += FormatProgress(kReached, at, entry.reached);
+        if (!entry.begun.empty()) text += FormatProgress(kOpen, at, entry.begun);
+    }
     return text;
 }
 

@@ -22,6 +22,8 @@ struct UndoEntry {
     // Of an unfinished session only: how far the run came with this item.
     std::wstring reached;  // the last name that it had for certain; "": it was not touched
     std::wstring begun;    // the name that it was about to get when the record ends; "": none
+
+    ItemIdentity identity = {};  // so that a restore finds the item whatever has become of its name
 };
 
 /// A session. Shared between the store and those who show it.
@@ -36,12 +38,29 @@ struct BatchRenameUndo {
 /// A session of the rows, with `onlyRenamed` of those alone whose state is RowState::Renamed.
 BatchRenameUndo RecordSession(const RenameItems& rows, bool onlyRenamed, const CalendarTime& time);
 
-/// The file's content: sections "[INFO]" and "[FILES]", each line ended by "\r\n".
+/// The file's content: sections "[INFO]" and "[FILES]", each line ended by "\r\n". After the entries come lines that
+/// begin with "#", which every other reader skips:
 ///
-/// An unfinished session ends with lines that begin with "#", which every reader skips: a mark, the name that each item
-/// has for certain, and then one line for each step of the run, written before the step is taken. With them a run that
-/// was killed can be undone exactly, where the names alone would not tell whether two items have changed places
-/// already. Whether the last step was taken, the record leaves open.
+///     #& 0|5a00|a7c78b|cbf29ce4  which item entry 0 is: its volume, its number there, and a check sum of the
+///                                entry's line, by which entry 0 is found where lines were lost or added; where
+///                                the number does not suffice, the times of its last writing and reading.
+///                                All of them hexadecimal
+///     # unfinished               the run or restore did not come to its end: what follows says how far it is
+///     #@ 0|name                  reached: the item of entry 0 has this name for certain
+///     #? 0|name                  open: it may have got this one since
+///     #> 0|name                  begun: it gets this name next
+///     #= 0                       failed: the last step of entry 0 was not taken
+///
+/// The first four kinds are written with the entries, whole or not at all; a run appends the last two. One step is
+/// under way at a time, so a line after a "#>" that is not its "#=" tells that the step was taken. What a reader
+/// concludes from the file as it was at any moment:
+///
+/// - no "# unfinished": every item got its new name, or, with "HaveRestored", has its old one again;
+/// - no line of its own: the item was not touched and has its old name;
+/// - the last line is a "#>": this one step was taken or not. It leads to a free name, so the disk tells. A line
+///   without its end announces a step that was never taken.
+///
+/// Writing the session anew keeps all of that: what is open stays open until a run has looked at the disk.
 std::wstring FormatSession(const BatchRenameUndo& session);
 
 /// The line that says: the item of this entry gets this name next.

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "win32/item_identity.h"
+
 namespace Win32 {
 
 struct FolderEntry {
@@ -26,6 +28,15 @@ uint32_t ListFolder(const std::wstring& folder, const std::wstring& pattern, std
 /// All that the folder holds, told one by one; a name is there for the time of the call.
 uint32_t ListFolder(const std::wstring& folder,
                     const std::function<void(std::wstring_view name, uint32_t attributes)>& take);
+
+/// All that the folder holds, with identities that last: so on NTFS. On other file systems, and where an item's number
+/// is not to be had, the identity is empty.
+uint32_t ListFolder(const std::wstring& folder,
+                    const std::function<void(std::wstring_view name, const ItemIdentity& item)>& take);
+
+/// The path of the item, wherever it is on the volume of `folder`, which need not be there itself. "" when it is gone
+/// or in the recycle bin, and for a file of several hard links, any of which may be meant.
+std::wstring FindItem(std::wstring folder, const ItemIdentity& item);
 
 /// Makes the folder, with or without a separator at its end, and those above it that are missing. 0 when it is there.
 uint32_t MakeFolders(std::wstring_view folder);

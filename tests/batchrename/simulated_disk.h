@@ -32,19 +32,38 @@ public:
     int stepCount = 0;
     std::function<uint32_t(int step)> failure = [](int) { return 0u; };  // error of the step with this number
     std::set<int> locked;                                                // contents of items that somebody holds
-    int crashBefore = -1;                                                // announced, not done
-    int crashAfter = -1;                                                 // done, not reported
+    bool hasIdentities = true;
+    int crashBefore = -1;  // announced, not done
+    int crashAfter = -1;   // done, not reported
 
     void Add(const std::wstring& location, const std::wstring& name) {
         items.push_back({location, name, static_cast<int>(items.size()) + 1});
     }
+    const DiskItem* Find(int content) const {
+        for (const DiskItem& item : items)
+            if (item.content == content) return &item;
+        return nullptr;
+    }
+    /// With the contents as the items' lasting numbers, or without any.
     BatchRename::ListFolder Lister() {
         return [this](const std::wstring& folder) {
             BatchRename::FolderNames names;
             names.folder = folder;
-            for (const DiskItem& item : items)
-                if (Win32::EqualIgnoringCase(item.location, folder)) names.names.Add(item.name);
+            names.error = 3;
+            for (const DiskItem& item : items) {
+                const bool isInside = Win32::EqualIgnoringCase(item.location, folder);
+                if (isInside || Win32::EqualIgnoringCase(item.location + L"\\" + item.name, folder)) names.error = 0;
+                if (!isInside) continue;
+                names.names.Add(item.name);
+                if (hasIdentities) names.items.push_back({1, static_cast<uint64_t>(item.content)});
+            }
             return names;
+        };
+    }
+    BatchRename::FindItem Finder() const {
+        return [this](const BatchRename::ItemIdentity& identity, const std::wstring&) {
+            const DiskItem* const item = Find(static_cast<int>(identity.index));
+            return item ? item->location + L"\\" + item->name : std::wstring();
         };
     }
 

@@ -70,6 +70,30 @@ TEST(UndoSession, KnowsHowFarAnUnfinishedRunCame) {
     EXPECT_EQ(session.entries[1].begun, L"");
 }
 
+TEST(UndoSession, KeepsEachItemsLinesWithItsEntryWhateverIsLost) {
+    BatchRenameUndo whole;
+    whole.isUnfinished = true;
+    for (const wchar_t* name : {L"a", L"b", L"c", L"d"})
+        whole.entries.push_back({L"C:\\d", std::wstring(name) + L"2", name, name, {}, {7, name[0] * 3u, name[0], 1}});
+    whole.entries[3].begun = L"x";
+    const std::wstring text = FormatSession(whole);
+    const size_t files = text.find(L"C:\\d");
+    // Each character of the entries lost, and each that joins two lines or makes one more.
+    for (size_t at = files; at < text.find(L"#&"); ++at)
+        for (const std::wstring_view put : {L"", L"|", L"\r\n"}) {
+            BatchRenameUndo read;
+            ParseSession(text.substr(0, at) + std::wstring(put) + text.substr(at + 1), read);
+            EXPECT_GE(read.entries.size(), 2u);
+            for (const UndoEntry& entry : read.entries) {
+                const auto same = std::ranges::find(whole.entries, entry.newName, &UndoEntry::newName);
+                const bool isSame = same != whole.entries.end() && same->oldName == entry.oldName;
+                EXPECT_TRUE(!entry.identity || (isSame && IsSameItem(entry.identity, same->identity))) << at;
+                const bool isWhole = isSame && entry.location == same->location;
+                EXPECT_TRUE(!isWhole || (entry.reached == same->reached && entry.begun == same->begun)) << at;
+            }
+        }
+}
+
 TEST(UndoSession, IsDecodedWithAndWithoutAMark) {
     std::string bigEndian = "\xFE\xFF";
     for (const char unit : std::string("[X]")) bigEndian += std::string(1, '\0') + unit;

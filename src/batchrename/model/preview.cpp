@@ -31,8 +31,10 @@ bool ComputeRows(RenameRule& rule, const RenameItems& rows, size_t first, size_t
 /// The rows of the request in the order asked for, or those of its session.
 RowSnapshot RowsOf(const PreviewRequest& request, FolderCache& folders, const Cancelled& isCancelled) {
     if (request.session) {
-        RestoreRows restore =
-            MakeRestoreRows(*request.session, [&](const std::wstring& folder) { return folders.Read(folder); });
+        RestoreRows restore = MakeRestoreRows(
+            *request.session, [&](const std::wstring& folder) { return folders.Read(folder); }, folders.Finder());
+        if (!request.entries.empty())
+            KeepEntries(restore, [&](size_t entry) { return std::ranges::binary_search(request.entries, entry); });
         for (size_t row = 0; row < restore.rows.size(); ++row)
             restore.rows[row]->hostOrder = static_cast<uint32_t>(restore.entries[row]);
         return std::make_shared<const RenameItems>(std::move(restore.rows));

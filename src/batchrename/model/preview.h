@@ -26,6 +26,7 @@ struct PreviewRequest {
     CalendarTime time;
     std::optional<RowOrder> order;                   // the rows are put into this order first
     std::shared_ptr<const BatchRenameUndo> session;  // its rows take their place; hostOrder is then the entry
+    std::vector<size_t> entries;                     // of the session: those alone; empty: all
     size_t firstVisible = 0;                         // what the user looks at
     size_t visibleCount = 0;
     bool readsFolders = false;  // again: something may have changed on disk
@@ -44,12 +45,15 @@ struct Preview {
 /// The listings of folders, each read once until they are forgotten.
 class FolderCache {
 public:
-    explicit FolderCache(ListFolder list) : m_list(std::move(list)) {}
+    explicit FolderCache(ListFolder list, FindItem find = {}) : m_list(std::move(list)), m_find(std::move(find)) {}
     void Forget() { m_folders.clear(); }
     const FolderNames& Read(const std::wstring& folder);
+    /// Looks for items that are not in their folder.
+    const FindItem& Finder() const { return m_find; }
 
 private:
     ListFolder m_list;
+    FindItem m_find;
     std::map<std::wstring, FolderNames> m_folders;
 };
 

@@ -12,7 +12,7 @@ namespace BatchRename {
 PreviewWorker::PreviewWorker(Quorvane::SDK::IHostServices* services, std::function<void()> notify)
     : m_services(services),
       m_notify(std::move(notify)),
-      m_folders(ListFolderOnDisk),
+      m_folders(ListFolderOnDisk, FindItemOnDisk),
       m_thread([this](const std::stop_token& stop) {
           Quorvane::SDK::ReserveExceptionRecord();
           Run(stop);

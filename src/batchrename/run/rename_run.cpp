@@ -15,6 +15,7 @@ using namespace Quorvane::SDK;
 namespace {
 
 constexpr size_t kNoEntry = std::numeric_limits<size_t>::max();
+constexpr uint32_t kNotRecorded = ERROR_WRITE_FAULT;  // the code of a row whose step the record does not take
 
 /// The system's text for an error, or its number.
 std::wstring DescribeCode(uint32_t code) {
@@ -22,6 +23,10 @@ std::wstring DescribeCode(uint32_t code) {
     while (!text.empty() && (text.back() <= L' ' || text.back() == L'.')) text.pop_back();
     const std::wstring number = L"error " + std::to_wstring(code);
     return text.empty() ? number : number + L": " + text;
+}
+
+std::wstring NotRecorded(uint32_t code) {
+    return L"it could not be recorded for undo: " + DescribeCode(code);
 }
 
 /// One run: the plan, and how far it is.
@@ -32,6 +37,7 @@ public:
         : m_rows(rows),
           m_environment(environment),
           m_progress(std::move(progress)),
+          m_isRecorded(static_cast<bool>(m_progress)),
           m_entries(std::move(entries)),
           m_plan(std::move(plan)),
           m_outcomes(rows.size()) {}
@@ -52,8 +58,7 @@ public:
     std::vector<RowOutcome> Refuse(uint32_t code) {
         for (size_t row = 0; row < m_rows.size(); ++row) {
             EnterVerdict(row);
-            if (m_plan.rows[row].verdict == RowVerdict::Rename)
-                Fail(row, code, L"it could not be recorded for undo: " + DescribeCode(code));
+            if (m_plan.rows[row].verdict == RowVerdict::Rename) Fail(row, code, NotRecorded(code));
         }
         return std::move(m_outcomes);
     }
@@ -70,13 +75,14 @@ private:
     /// Listens to the host while it carries out moves: records each before it begins, stops at the first failure.
     class Listener final : public IRenameResultCallback {
     public:
-        Listener(Run& run, const std::vector<Move>& moves, bool mayStop)
-            : m_run(run), m_moves(moves), m_mayStop(mayStop) {}
+        Listener(Run& run, const std::vector<Move>& moves, bool mayStop, bool isReturn = false)
+            : m_run(run), m_moves(moves), m_mayStop(mayStop), m_isReturn(isReturn) {}
 
         bool OnRenameStarting(uint32_t number) override {
             if (number >= m_moves.size() || (m_mayStop && m_run.IsStopped())) return false;
-            m_run.RecordStep(m_moves[number]);
-            return true;
+            if (m_run.RecordStep(m_moves[number]) || m_isReturn || !m_run.m_environment.needsRecord) return true;
+            m_code = kNotRecorded;
+            return false;
         }
         bool OnRenameResult(uint32_t number, uint32_t code) override {
             if (number != m_doneCount || number >= m_moves.size()) return false;
@@ -99,24 +105,24 @@ private:
         Run& m_run;
         const std::vector<Move>& m_moves;
         bool m_mayStop;
+        bool m_isReturn;  // of a ring that failed: goes on whatever can be recorded
         size_t m_doneCount = 0;
         uint32_t m_code = RenameResult::Renamed;
     };
 
     bool IsStopped() const { return m_environment.isStopped && m_environment.isStopped->load(); }
 
-    void RecordStep(const Move& move) {
-        if (m_entries[move.row] != kNoEntry) m_progress.Step(m_entries[move.row], move.to);
-    }
+    /// False when it should be recorded and cannot.
+    bool RecordStep(const Move& move) { return !m_isRecorded || m_progress.Step(m_entries[move.row], move.to); }
     void RecordFailedStep(const Move& move) {
-        if (m_entries[move.row] != kNoEntry) m_progress.FailedStep(m_entries[move.row]);
+        if (m_isRecorded) m_progress.FailedStep(m_entries[move.row]);
     }
 
     void EnterVerdict(size_t row) {
         const RowPlan& plan = m_plan.rows[row];
         RowOutcome& outcome = m_outcomes[row];
         outcome.name = m_rows[row]->currentName;
-        outcome.reason = DescribeRowPlan(*m_rows[row], plan);
+        if (plan.verdict != RowVerdict::Rename) outcome.reason = DescribeRowPlan(*m_rows[row], plan);
         if (plan.verdict == RowVerdict::Ignored) outcome.code = RenameResult::Ignored;
         if (plan.verdict == RowVerdict::Failed) outcome.code = plan.code;
     }
@@ -156,7 +162,7 @@ private:
             if (listener.Code() == RenameResult::Renamed)
                 NotBegun(moves[at].row);
             else if (at == listener.DoneCount())
-                Fail(moves[at].row, listener.Code(), DescribeCode(listener.Code()));
+                Fail(moves[at].row, listener.Code(), Describe(listener.Code()));
             else
                 Fail(moves[at].row, ERROR_ALREADY_EXISTS, WaitedFor(moves[listener.DoneCount()].row));
         }
@@ -179,7 +185,7 @@ private:
             RowOutcome& outcome = m_outcomes[move.row];
             if (outcome.name == m_rows[move.row]->newName)
                 continue;  // could not be put back: it is renamed, and says so
-            std::wstring reason = move.row == failedRow ? DescribeCode(code) : WaitedFor(failedRow);
+            std::wstring reason = move.row == failedRow ? Describe(code) : WaitedFor(failedRow);
             if (outcome.name != m_rows[move.row]->currentName) reason += L"; it is now named \"" + outcome.name + L"\"";
             Fail(move.row, move.row == failedRow ? code : ERROR_ALREADY_EXISTS, std::move(reason));
         }
@@ -192,7 +198,7 @@ private:
             const RenameStep& step = m_plan.steps[group.first + at];
             const std::wstring& now = m_outcomes[step.row].name;
             const std::vector<Move> back = {MoveOf(step.row, now, m_rows[step.row]->currentName)};
-            Listener listener(*this, back, false);
+            Listener listener(*this, back, false, true);
             HandOver(back, listener);
         }
     }
@@ -207,6 +213,11 @@ private:
         m_outcomes[row].reason = std::move(reason);
     }
 
+    std::wstring Describe(uint32_t code) const {
+        if (code != kNotRecorded || !m_environment.journal) return DescribeCode(code);
+        return NotRecorded(m_environment.journal->LastError());
+    }
+
     std::wstring WaitedFor(size_t row) const {
         return L"it waited for \"" + m_rows[row]->currentName + L"\", which could not be renamed";
     }
@@ -214,16 +225,11 @@ private:
     const RenameItems& m_rows;
     const RunEnvironment& m_environment;
     UndoProgress m_progress;
+    bool m_isRecorded;
     std::vector<size_t> m_entries;  // of the undo session, by row
     RenamePlan m_plan;
     std::vector<RowOutcome> m_outcomes;
 };
-
-RenamePlan PlanNow(const RenameItems& rows, const ListFolder& list) {
-    std::vector<FolderNames> folders;
-    for (const std::wstring& folder : FoldersOf(rows)) folders.push_back(list(folder));
-    return PlanRenames(rows, folders);
-}
 
 bool IsPlanned(const RenamePlan& plan, size_t row) {
     return plan.rows[row].verdict == RowVerdict::Rename;
@@ -241,21 +247,23 @@ void Report(const RenameItems& rows, const std::vector<RowOutcome>& outcomes, CR
 }
 
 /// The session of what was done: the rows that were renamed, and those that a ring left under another name.
-void KeepWhatWasRenamed(BatchRenameUndo& session, const RenameItems& rows, const std::vector<RowOutcome>& outcomes) {
-    session.entries = RecordSession(rows, true, session.time).entries;
-    session.isUnfinished = false;
+void KeepWhatWasRenamed(BatchRenameUndo& session, const RenameItems& rows, const std::vector<size_t>& entries,
+                        const std::vector<RowOutcome>& outcomes) {
+    std::vector<UndoEntry> renamed;
     for (size_t row = 0; row < rows.size(); ++row) {
-        const bool isStranded = rows[row]->state == RowState::Failed && outcomes[row].name != rows[row]->currentName;
-        if (isStranded)
-            session.entries.push_back({rows[row]->location, outcomes[row].name, rows[row]->currentName, {}, {}});
+        if (entries[row] == kNoEntry || outcomes[row].name == rows[row]->currentName) continue;
+        renamed.push_back(std::move(session.entries[entries[row]]));
+        renamed.back().newName = outcomes[row].name;
     }
+    session.entries = std::move(renamed);
+    session.isUnfinished = false;
 }
 
 /// Where each item of a session is when its restore begins: where its row says, and an item without a row where the
 /// session left it.
 void EnterPositions(BatchRenameUndo& session, const RestoreRows& restore) {
     if (!session.isUnfinished)
-        for (UndoEntry& entry : session.entries) entry.reached = entry.newName;
+        for (UndoEntry& entry : session.entries) entry.reached = session.haveRestored ? entry.oldName : entry.newName;
     session.isUnfinished = true;
     for (size_t row = 0; row < restore.rows.size(); ++row) {
         UndoEntry& entry = session.entries[restore.entries[row]];
@@ -264,39 +272,63 @@ void EnterPositions(BatchRenameUndo& session, const RestoreRows& restore) {
     }
 }
 
+/// Is every item under its old name, one with a row as that turned out, one without as the session has it?
+bool IsHome(const BatchRenameUndo& session) {
+    return std::ranges::all_of(session.entries, [](const UndoEntry& entry) {
+        return entry.begun.empty() && (entry.reached.empty() || entry.reached == entry.oldName);
+    });
+}
+
 }  // namespace
 
 FolderNames ListFolderOnDisk(const std::wstring& folder) {
     FolderNames result;
     result.folder = folder;
-    result.error =
-        Win32::ListFolder(folder, [&](std::wstring_view name, uint32_t /*attributes*/) { result.names.Add(name); });
+    result.error = Win32::ListFolder(folder, [&](std::wstring_view name, const ItemIdentity& item) {
+        result.names.Add(name);
+        result.items.push_back(item);
+    });
+    if (std::ranges::find(result.items, uint64_t{0}, &ItemIdentity::index) != result.items.end()) result.items.clear();
     return result;
+}
+
+std::wstring FindItemOnDisk(const ItemIdentity& item, const std::wstring& folder) {
+    return Win32::FindItem(folder, item);
+}
+
+RenamePlan PlanNow(const RenameItems& rows, const ListFolder& list) {
+    std::vector<FolderNames> folders;
+    for (const std::wstring& folder : FoldersOf(rows)) folders.push_back(list(folder));
+    return PlanRenames(rows, folders);
 }
 
 std::vector<RowOutcome> RunRenames(const RenameItems& rows, const CalendarTime& time, const RunEnvironment& environment,
                                    CRenameResultCallback& results) {
     RenamePlan plan = PlanNow(rows, environment.list);
     RenameItems planned;
+    std::vector<ItemIdentity> identities;
     std::vector<size_t> entries(rows.size(), kNoEntry);
     for (size_t row = 0; row < rows.size(); ++row) {
         if (!IsPlanned(plan, row)) continue;
         entries[row] = planned.size();
         planned.push_back(rows[row]);
+        identities.push_back(plan.identities[row]);
     }
     std::shared_ptr<BatchRenameUndo> session;
     UndoProgress progress;
     if (environment.journal && !planned.empty()) {
         session = std::make_shared<BatchRenameUndo>(RecordSession(planned, false, time));
+        for (size_t entry = 0; entry < planned.size(); ++entry) session->entries[entry].identity = identities[entry];
         progress = environment.journal->Begin(session);
     }
     const bool isRecorded = static_cast<bool>(progress);
     const bool isRefused = session && !isRecorded && environment.needsRecord;
-    Run run(rows, environment, std::move(progress), std::move(entries), std::move(plan));
+    if (session && !isRecorded && environment.onUnrecorded) environment.onUnrecorded(environment.journal->LastError());
+    Run run(rows, environment, std::move(progress), entries, std::move(plan));
     std::vector<RowOutcome> outcomes = isRefused ? run.Refuse(environment.journal->LastError()) : run.CarryOut();
     Report(rows, outcomes, results);
     if (!isRecorded) return outcomes;
-    KeepWhatWasRenamed(*session, rows, outcomes);
+    KeepWhatWasRenamed(*session, rows, entries, outcomes);
     if (session->entries.empty())
         environment.journal->Delete(session);
     else
@@ -304,29 +336,29 @@ std::vector<RowOutcome> RunRenames(const RenameItems& rows, const CalendarTime& 
     return outcomes;
 }
 
-std::vector<RowOutcome> RunRestore(BatchRenameUndo& session, const RestoreRows& restore,
-                                   const RunEnvironment& environment, CRenameResultCallback& results) {
+std::vector<RowOutcome> RunRestore(BatchRenameUndo& session, const RestoreRows& restore, const RunEnvironment& given,
+                                   CRenameResultCallback& results) {
+    RunEnvironment environment = given;
+    environment.needsRecord = environment.journal != nullptr;
     RenamePlan plan = PlanNow(restore.rows, environment.list);
-    // Without a step to take the record stays as it is: it may know what the names alone do not tell.
+    BatchRenameUndo after = session;
+    EnterPositions(after, restore);
     const bool changesNames = !plan.steps.empty();
     UndoProgress progress;
-    if (changesNames) {
-        EnterPositions(session, restore);
-        if (environment.journal) progress = environment.journal->BeginRestore(session);
-    }
-    const bool isRefused = changesNames && environment.journal && !progress && environment.needsRecord;
+    if (changesNames && environment.journal) progress = environment.journal->BeginRestore(after);
+    const bool isRefused = changesNames && environment.needsRecord && !progress;
     Run run(restore.rows, environment, std::move(progress), restore.entries, std::move(plan));
     std::vector<RowOutcome> outcomes = isRefused ? run.Refuse(environment.journal->LastError()) : run.CarryOut();
     Report(restore.rows, outcomes, results);
-    if (!changesNames || isRefused) return outcomes;
     for (size_t row = 0; row < restore.rows.size(); ++row)
-        session.entries[restore.entries[row]].reached = outcomes[row].name;
-    const bool isComplete =
-        results.FailedCount() == 0 &&
-        std::ranges::all_of(session.entries, [](const UndoEntry& entry) { return entry.reached == entry.oldName; });
+        after.entries[restore.entries[row]].reached = outcomes[row].name;
+    const bool isComplete = results.FailedCount() == 0 && IsHome(after);
+    const bool isNews = changesNames ? !isRefused : isComplete && !session.haveRestored && !session.entries.empty();
+    if (!isNews) return outcomes;
     // What was restored in part is kept as it stands: the names alone would not tell what is done.
-    session.isUnfinished = !isComplete;
-    session.haveRestored = session.haveRestored || isComplete;
+    after.isUnfinished = !isComplete;
+    after.haveRestored = isComplete;
+    session = std::move(after);
     if (environment.journal) environment.journal->Write(session);
     return outcomes;
 }

@@ -28,14 +28,20 @@ struct RowOutcome {
 struct RunEnvironment {
     Quorvane::SDK::IFileOperations& host;
     ListFolder list;
-    UndoStore* journal = nullptr;                  // null: the run is not recorded
+    IUndoJournal* journal = nullptr;               // null: the run is not recorded
     const std::atomic<bool>* isStopped = nullptr;  // looked at between rows, never inside a ring
     std::function<void()> onStep = {};             // after each rename that the host has carried out
-    bool needsRecord = false;                      // a run whose record cannot be begun renames nothing
+    bool needsRecord = false;                      // what cannot be recorded is not renamed
+    /// Before the first rename of a run that goes on without its record: the Windows error code that keeps it from it.
+    std::function<void(uint32_t code)> onUnrecorded = {};
 };
 
-/// Lists a folder of this machine.
+/// Lists a folder of this machine, and looks for an item of it.
 FolderNames ListFolderOnDisk(const std::wstring& folder);
+std::wstring FindItemOnDisk(const ItemIdentity& item, const std::wstring& folder);
+
+/// The plan for the rows by what their folders hold now.
+RenamePlan PlanNow(const RenameItems& rows, const ListFolder& list);
 
 /// Renames the rows. Each gets exactly one result, by its number in `rows`, through `results`, its state code, and an
 /// outcome here. `time`: of the session in the journal. Before the first rename the session with all planned rows is
@@ -44,9 +50,10 @@ FolderNames ListFolderOnDisk(const std::wstring& folder);
 std::vector<RowOutcome> RunRenames(const RenameItems& rows, const CalendarTime& time, const RunEnvironment& environment,
                                    CRenameResultCallback& results);
 
-/// Gives the items of a session their old names back; the outcomes go by `restore.rows`. The session counts as restored
-/// when something was and all its items have their old names. A session that the journal knows is written anew, unless
-/// there was nothing to do.
+/// Gives the items of a session their old names back, all or those that have a row; the outcomes go by `restore.rows`.
+/// The session counts as restored when all its items have their old names, also when nothing was left to do. A session
+/// that the journal knows is written anew before and after, or left as it is where no item changes its name and some
+/// are missing. What cannot be recorded is not restored: nobody could mend it when it ends half-way.
 std::vector<RowOutcome> RunRestore(BatchRenameUndo& session, const RestoreRows& restore,
                                    const RunEnvironment& environment, CRenameResultCallback& results);
 

@@ -36,6 +36,12 @@ constexpr wchar_t kFailed[] = L"The run failed before its end. The undo manager 
 
 }  // namespace
 
+bool IsUndoDurable(IHostServices* services) {
+    ISettings* const settings = services ? services->GetSettings() : nullptr;
+    uint32_t value = 0;
+    return settings && settings->GetNumber(1, kSettingsSection, L"FlushUndo", &value) && value != 0;
+}
+
 RunController::RunController(IHostServices* services, std::atomic<bool>& isStopped,
                              std::function<void(uint32_t)> onProgress, std::function<void()> onEnd)
     : m_services(services), m_isStopped(isStopped), m_onProgress(std::move(onProgress)), m_onEnd(std::move(onEnd)) {}

@@ -13,6 +13,12 @@
 
 namespace BatchRename {
 
+inline constexpr wchar_t kSettingsSection[] = L"QVBatcheRename";  // compatibility: 29
+
+/// Has the user asked for every step of a run to be on disk before it is taken? A number that is not 0 under
+/// "FlushUndo" in the settings; a flush takes milliseconds for each file. `services` may be null.
+bool IsUndoDurable(Quorvane::SDK::IHostServices* services);
+
 struct RunRequest {
     RenameItems rows;  // with new names; the run has them for itself
     CalendarTime time;

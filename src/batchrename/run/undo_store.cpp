@@ -7,7 +7,9 @@
 #include "textio/replace_file.h"
 #include "win32/files.h"
 #include "win32/folder.h"
+#include "win32/handle.h"
 #include "win32/path.h"
+#include "win32/text.h"
 #include "win32/windows.h"
 
 namespace BatchRename {
@@ -34,40 +36,46 @@ bool ReadAll(const std::wstring& path, std::string& bytes) {
 
 }  // namespace
 
-void UndoProgress::Step(size_t entry, std::wstring_view name) {
-    if (m_file) Append(FormatStep(entry, name));
-}
-
-void UndoProgress::FailedStep(size_t entry) {
-    if (m_file) Append(FormatFailedStep(entry));
-}
-
-/// A line that cannot be written is not worth stopping a run for: what is in the file already stays true, and the
-/// session is written anew at the end.
-void UndoProgress::Append(const std::wstring& line) {
-    const std::string_view bytes = BytesOf(line);
-    DWORD written = 0;
-    WriteFile(m_file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-}
-
 void UndoStore::SetFolder(const std::wstring& folder) {
     m_folder = Win32::JoinPath(folder, L"");
     m_sessions.clear();
+    m_isListed = false;
+}
+
+std::shared_ptr<BatchRenameUndo> UndoStore::Read(const std::wstring& fileName) const {
+    auto session = std::make_shared<BatchRenameUndo>();
+    session->fileName = fileName;
+    std::string bytes;
+    // One that cannot be read at all is there too, without entries: the user should see it.
+    if (ReadAll(m_folder + fileName, bytes)) ParseSession(DecodeSession(bytes), *session);
+    return session;
+}
+
+const std::vector<std::shared_ptr<BatchRenameUndo>>& UndoStore::Sessions() {
+    if (m_isListed) return m_sessions;
+    m_sessions.clear();
     std::vector<std::wstring> names;
     Win32::ListFolder(m_folder, L"*.dat", names);
-    for (const std::wstring& name : names) {
-        auto session = std::make_shared<BatchRenameUndo>();
-        session->fileName = name;
-        std::string bytes;
-        // One that cannot be read at all is listed too, without entries: the user should see that it is there.
-        if (ReadAll(m_folder + name, bytes)) ParseSession(DecodeSession(bytes), *session);
-        m_sessions.push_back(std::move(session));
-    }
+    for (const std::wstring& name : names) m_sessions.push_back(Read(name));
     std::ranges::stable_sort(m_sessions, [](const auto& left, const auto& right) {
         const int64_t leftTime = SecondsOf(left->time);
         const int64_t rightTime = SecondsOf(right->time);
         return leftTime != rightTime ? leftTime > rightTime : left->fileName > right->fileName;
     });
+    m_isListed = true;
+    return m_sessions;
+}
+
+std::shared_ptr<BatchRenameUndo> UndoStore::Find(const std::wstring& name) {
+    if (name.find_first_of(L"\\/*?") != std::wstring::npos) return nullptr;
+    constexpr std::wstring_view kEnding = L".dat";
+    for (const std::wstring& fileName : {name, name + std::wstring(kEnding)}) {
+        std::vector<std::wstring> found;  // in the letters of the folder
+        if (fileName.size() > kEnding.size() && Win32::EqualIgnoringCase(fileName.substr(fileName.size() - 4), kEnding))
+            Win32::ListFolder(m_folder, fileName, found);
+        if (found.size() == 1) return m_sessions.emplace_back(Read(found.front()));
+    }
+    return nullptr;
 }
 
 std::wstring UndoStore::PathOf(BatchRenameUndo& session) {
@@ -84,10 +92,22 @@ uint32_t UndoStore::WriteFileOf(BatchRenameUndo& session, bool mayReplace) {
 }
 
 UndoProgress UndoStore::OpenAtEnd(BatchRenameUndo& session) {
-    Win32::FileHandle file(CreateFileW(Win32::ExtendedPath(PathOf(session)).c_str(), FILE_APPEND_DATA, FILE_SHARE_READ,
-                                       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    m_lastError = file ? ERROR_SUCCESS : GetLastError();
-    return UndoProgress(std::move(file));
+    // Shared, since a function object must be possible to copy.
+    const auto file = std::make_shared<Win32::FileHandle>(CreateFileW(Win32::ExtendedPath(PathOf(session)).c_str(),
+                                                                      FILE_APPEND_DATA, FILE_SHARE_READ, nullptr,
+                                                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    m_lastError = *file ? ERROR_SUCCESS : GetLastError();
+    if (!*file) return {};
+    return UndoProgress([this, file](std::wstring_view line) {
+        const std::string_view bytes = BytesOf(line);
+        DWORD written = 0;
+        const bool isWritten =
+            WriteFile(file->Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
+            (!m_isDurable || FlushFileBuffers(file->Get()));
+        if (isWritten && written == bytes.size()) return true;
+        m_lastError = isWritten ? ERROR_DISK_FULL : GetLastError();
+        return false;
+    });
 }
 
 UndoProgress UndoStore::Begin(const std::shared_ptr<BatchRenameUndo>& session) {
@@ -122,14 +142,11 @@ uint32_t UndoStore::Write(BatchRenameUndo& session) {
 
 bool UndoStore::Delete(const std::shared_ptr<BatchRenameUndo>& session) {
     const auto found = std::ranges::find(m_sessions, session);
-    if (found == m_sessions.end() || !DeleteFileOf(*session)) return false;
+    if (found == m_sessions.end()) return false;
+    m_lastError = Win32::RemoveFile(PathOf(*session));
+    if (m_lastError != ERROR_SUCCESS) return false;
     m_sessions.erase(found);
     return true;
-}
-
-bool UndoStore::DeleteFileOf(BatchRenameUndo& session) {
-    m_lastError = Win32::RemoveFile(PathOf(session));
-    return m_lastError == ERROR_SUCCESS;
 }
 
 }  // namespace BatchRename

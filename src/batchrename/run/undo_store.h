@@ -2,70 +2,101 @@
 // one file.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "rename/undo_session.h"
-#include "win32/handle.h"
 
 namespace BatchRename {
 
 /// The record of a run that is going on. Each step is in the file before it is taken.
 class UndoProgress {
 public:
-    UndoProgress() = default;
-    explicit UndoProgress(Win32::FileHandle file) : m_file(std::move(file)) {}
+    /// Writes a line at the record's end, whole; false when it cannot.
+    using Append = std::function<bool(std::wstring_view line)>;
 
-    /// False when nothing is recorded.
-    explicit operator bool() const { return static_cast<bool>(m_file); }
-    void Step(size_t entry, std::wstring_view name);
-    void FailedStep(size_t entry);
-    void Close() { m_file.Reset(); }
+    UndoProgress() = default;
+    explicit UndoProgress(Append append) : m_append(std::move(append)) {}
+
+    /// False when nothing is recorded (any more).
+    explicit operator bool() const { return static_cast<bool>(m_append); }
+    /// Both are false when that cannot be recorded. Then the record ends there: a later line would tell that the step
+    /// before it was taken, and a line that was cut off would join it.
+    bool Step(size_t entry, std::wstring_view name) { return Write(FormatStep(entry, name)); }
+    bool FailedStep(size_t entry) { return Write(FormatFailedStep(entry)); }
+    void Close() { m_append = {}; }
 
 private:
-    void Append(const std::wstring& line);
+    bool Write(const std::wstring& line) {
+        if (!m_append) return false;
+        if (m_append(line)) return true;
+        Close();
+        return false;
+    }
 
-    Win32::FileHandle m_file;
+    Append m_append;
 };
 
-class UndoStore {
+/// What a run needs of the journal.
+class IUndoJournal {
 public:
-    /// Keeps the folder's path and lists the sessions in it, newest first. The folder need not exist; the first session
-    /// makes it.
-    void SetFolder(const std::wstring& folder);
-
-    const std::vector<std::shared_ptr<BatchRenameUndo>>& Sessions() const { return m_sessions; }
-
-    /// Writes the session of a run that is about to begin, as unfinished, and adds it to the list. Its file is new:
-    /// when a session of the same second has the name, this waits for the next second. A result that is empty means
+    /// Writes the session of a run that is about to begin, as unfinished, as a new one. A result that is empty means
     /// that there is no record.
-    UndoProgress Begin(const std::shared_ptr<BatchRenameUndo>& session);
+    virtual UndoProgress Begin(const std::shared_ptr<BatchRenameUndo>& session) = 0;
+    /// The same for the restoring of a session that the journal has: it is written anew.
+    virtual UndoProgress BeginRestore(BatchRenameUndo& session) = 0;
+    /// Writes a session, whole or not at all. Windows error code, 0 for success.
+    virtual uint32_t Write(BatchRenameUndo& session) = 0;
+    /// True when it is gone.
+    virtual bool Delete(const std::shared_ptr<BatchRenameUndo>& session) = 0;
+    /// Windows error code of the last operation that failed.
+    virtual uint32_t LastError() const = 0;
 
-    /// The same for the restoring of a session that is in the list: its file is rewritten.
-    UndoProgress BeginRestore(BatchRenameUndo& session);
+protected:
+    ~IUndoJournal() = default;
+};
 
-    /// Writes a session's file, whole or not at all. Windows error code, 0 for success.
-    uint32_t Write(BatchRenameUndo& session);
+class UndoStore final : public IUndoJournal {
+public:
+    /// Keeps the folder's path. The folder need not exist; the first session makes it.
+    void SetFolder(const std::wstring& folder);
+    /// Every step of a run is on disk before it is taken; without, in the system's care alone, which a power cut ends.
+    void SetDurable(bool isDurable) { m_isDurable = isDurable; }
 
-    /// Deletes the session's file and, only when that succeeds, takes the session out of the list. True on success;
-    /// false also for a session that is not in the list.
-    bool Delete(const std::shared_ptr<BatchRenameUndo>& session);
+    /// The sessions in the folder, newest first. They are read when they are asked for first: a run that is recorded
+    /// does without.
+    const std::vector<std::shared_ptr<BatchRenameUndo>>& Sessions();
+    /// Lets the next Sessions read the folder again.
+    void Refresh() { m_isListed = false; }
+    /// The session of this file name, with or without its ending; null when there is none. Reads no other.
+    std::shared_ptr<BatchRenameUndo> Find(const std::wstring& name);
 
-    /// Deletes the session's file alone; true when that succeeds.
-    bool DeleteFileOf(BatchRenameUndo& session);
+    /// When a session of the same second has the file name, this waits for the next second.
+    UndoProgress Begin(const std::shared_ptr<BatchRenameUndo>& session) override;
+    UndoProgress BeginRestore(BatchRenameUndo& session) override;
+    uint32_t Write(BatchRenameUndo& session) override;
 
-    /// Windows error code of the last file operation that failed.
-    uint32_t LastError() const { return m_lastError; }
+    /// Deletes the session's file and, only when that succeeds, takes the session out of the list. False also for a
+    /// session that this store has neither begun nor given out.
+    bool Delete(const std::shared_ptr<BatchRenameUndo>& session) override;
+
+    uint32_t LastError() const override { return m_lastError; }
     void ForgetError() { m_lastError = 0; }
 
 private:
+    std::shared_ptr<BatchRenameUndo> Read(const std::wstring& fileName) const;
     std::wstring PathOf(BatchRenameUndo& session);
     uint32_t WriteFileOf(BatchRenameUndo& session, bool mayReplace);
     UndoProgress OpenAtEnd(BatchRenameUndo& session);
 
-    std::wstring m_folder;  // ends in a separator
-    std::vector<std::shared_ptr<BatchRenameUndo>> m_sessions;
+    std::wstring m_folder;                                     // ends in a separator
+    std::vector<std::shared_ptr<BatchRenameUndo>> m_sessions;  // those that are known, until it is listed
+    bool m_isListed = false;
+    bool m_isDurable = false;
     uint32_t m_lastError = 0;
 };
 

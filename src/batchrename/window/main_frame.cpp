@@ -12,7 +12,6 @@
 namespace BatchRename {
 namespace {
 
-constexpr wchar_t kSection[] = L"QVBatcheRename";  // compatibility: 29
 constexpr wchar_t kPositionKey[] = L"WinPos";
 constexpr uint32_t kPositionCapacity = 256;  // units
 constexpr int kSplitterHeight = 6;           // these are pixels at 96 to the inch
@@ -286,7 +285,7 @@ void BatchRenameMainFrame::RestorePosition() {
     std::optional<WindowPosition> position;
     wchar_t text[kPositionCapacity + 1] = {};  // it ends whatever the host does
     Quorvane::SDK::ISettings* const settings = m_environment.services ? m_environment.services->GetSettings() : nullptr;
-    if (settings && settings->GetString(1, kSection, kPositionKey, text, kPositionCapacity))
+    if (settings && settings->GetString(1, kSettingsSection, kPositionKey, text, kPositionCapacity))
         position = ParseWindowPosition(text);
     if (position) {
         // The screen it was on may be gone, or smaller than it was.
@@ -318,7 +317,7 @@ void BatchRenameMainFrame::SavePosition() const noexcept {
         const bool isMaximised = IsZoomed(m_window) != FALSE;
         const WindowPosition position = {normal.left,   normal.top,  normal.right,
                                          normal.bottom, isMaximised, m_panelHeight};
-        return settings->SetString(1, kSection, kPositionKey, FormatWindowPosition(position).c_str()) != 0;
+        return settings->SetString(1, kSettingsSection, kPositionKey, FormatWindowPosition(position).c_str()) != 0;
     });
 }
 

@@ -37,7 +37,10 @@ void BatchRenameMainFrame::RequestPreview(PreviewRequest request, int delay) {
 
 bool BatchRenameMainFrame::BeginRun(RunRequest request, bool isRecorded) {
     request.time = LocalTimeNow();
-    if (isRecorded) request.journal = &m_environment.context.undo;
+    if (isRecorded) {
+        request.journal = &m_environment.context.undo;
+        request.journal->SetDurable(IsUndoDurable(m_environment.services));
+    }
     m_environment.context.isStopped = m_environment.isClosing.load();
     m_startTime = GetTickCount64();
     try {
