@@ -68,6 +68,7 @@
 #define IDC_DELETE_ALL     2303
 #define IDC_SESSIONS_LABEL 2310
 #define IDC_ENTRIES_LABEL  2311
+#define IDC_ENTRIES_HINT   2312
 
 // One find and replace pair.
 #define IDC_ITEM_FIND          2400

@@ -3,6 +3,8 @@
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "ui/controls.h"
 
+#include <utility>
+
 #include <commctrl.h>
 
 namespace BatchRename {
@@ -14,9 +16,9 @@ constexpr Ui::ListColumn kSessionColumns[] = {
 constexpr Ui::ListColumn kEntryColumns[] = {{L"New name", 512}, {L"Old name", 512}, {L"Location", 720}};
 
 constexpr Ui::Anchor kAnchors[] = {
-    {IDC_SESSIONS, 0, 0, 100, 40},  {IDC_ENTRIES_LABEL, 0, 40, 0, 40}, {IDC_ENTRIES, 0, 40, 100, 100},
-    {IDOK, 100, 100, 100, 100},     {IDC_DELETE, 100, 100, 100, 100},  {IDC_DELETE_ALL, 100, 100, 100, 100},
-    {IDCANCEL, 100, 100, 100, 100},
+    {IDC_SESSIONS, 0, 0, 100, 40},  {IDC_ENTRIES_LABEL, 0, 40, 0, 40},  {IDC_ENTRIES, 0, 40, 100, 100},
+    {IDOK, 100, 100, 100, 100},     {IDC_DELETE, 100, 100, 100, 100},   {IDC_DELETE_ALL, 100, 100, 100, 100},
+    {IDCANCEL, 100, 100, 100, 100}, {IDC_ENTRIES_HINT, 0, 100, 0, 100},
 };
 
 const wchar_t* StateOf(const BatchRenameUndo& session) {
@@ -41,10 +43,13 @@ std::wstring TextOfTime(const CalendarTime& time) {
     return std::wstring(date) + L"  " + clock;
 }
 
-BatchRenameUndoManagerDlg::BatchRenameUndoManagerDlg(UndoStore& store) : Dialog(IDD_UNDO_MANAGER), m_store(store) {}
+BatchRenameUndoManagerDlg::BatchRenameUndoManagerDlg(UndoStore& store) : Dialog(IDD_UNDO_MANAGER), m_store(store) {
+    m_store.Refresh();  // other windows and the command line record and restore too
+}
 
-std::shared_ptr<BatchRenameUndo> BatchRenameUndoManagerDlg::Show(HWND owner) {
-    return ShowModal(owner) == IDOK ? m_shown : nullptr;
+std::optional<SessionChoice> BatchRenameUndoManagerDlg::Show(HWND owner) {
+    if (ShowModal(owner) != IDOK || !m_shown) return std::nullopt;
+    return SessionChoice{m_shown, m_entries};
 }
 
 bool BatchRenameUndoManagerDlg::OnInit() {
@@ -72,6 +77,7 @@ void BatchRenameUndoManagerDlg::FillSessions() {
 bool BatchRenameUndoManagerDlg::OnCommand(int id, int) {
     switch (id) {
         case IDOK:
+            m_entries = SelectedEntries();
             if (m_shown) End(IDOK);
             return true;
         case IDC_DELETE: DeleteAll(SelectedSessions()); return true;
@@ -109,11 +115,24 @@ std::vector<std::shared_ptr<BatchRenameUndo>> BatchRenameUndoManagerDlg::Selecte
     return selected;
 }
 
+std::vector<size_t> BatchRenameUndoManagerDlg::SelectedEntries() const {
+    std::vector<size_t> selected;
+    const HWND list = Item(IDC_ENTRIES);
+    for (int row = Ui::SelectedRow(list); row >= 0;
+         row = static_cast<int>(SendMessageW(list, LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED)))
+        selected.push_back(static_cast<size_t>(row));
+    return selected;
+}
+
 void BatchRenameUndoManagerDlg::Refresh() {
     const auto selected = SelectedSessions();
     // Several sessions can be deleted together, but only one can be looked at and loaded.
-    m_shown = selected.size() == 1 ? selected.front() : nullptr;
+    const auto former = std::exchange(m_shown, selected.size() == 1 ? selected.front() : nullptr);
     const HWND list = Item(IDC_ENTRIES);
+    LVITEMW none = {};
+    none.stateMask = LVIS_SELECTED;
+    if (m_shown != former)
+        SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&none));
     SendMessageW(list, LVM_SETITEMCOUNT, m_shown ? m_shown->entries.size() : 0, 0);
     InvalidateRect(list, nullptr, TRUE);
     EnableWindow(Item(IDOK), m_shown && !m_shown->entries.empty());

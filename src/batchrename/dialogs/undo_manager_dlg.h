@@ -3,33 +3,44 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <vector>
 
 #include "batchrename/run/undo_store.h"
 #include "ui/dialog.h"
 
 namespace BatchRename {
 
+/// A session, and which of its entries, in ascending order; none: all.
+struct SessionChoice {
+    std::shared_ptr<BatchRenameUndo> session;
+    std::vector<size_t> entries;
+};
+
 class BatchRenameUndoManagerDlg final : private Ui::Dialog {
 public:
-    /// `store` outlives the dialog.
+    /// `store` outlives the dialog; its folder is read anew.
     explicit BatchRenameUndoManagerDlg(UndoStore& store);
 
-    /// The session to load; null when the user closes the dialog.
-    std::shared_ptr<BatchRenameUndo> Show(HWND owner);
+    /// What to load; nothing when the user closes the dialog.
+    std::optional<SessionChoice> Show(HWND owner);
 
 private:
     bool OnInit() override;
     bool OnCommand(int id, int notification) override;
     bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     void FillSessions();
-    /// What follows from the selection: the lower list, and what can be pressed.
+    /// What follows from the selected sessions: the lower list, and what can be pressed.
     void Refresh();
     std::vector<std::shared_ptr<BatchRenameUndo>> SelectedSessions() const;
+    /// Of the lower list.
+    std::vector<size_t> SelectedEntries() const;
     /// A copy: deleting changes the store's own list.
-    std::vector<std::shared_ptr<BatchRenameUndo>> AllSessions() const { return m_store.Sessions(); }
+    std::vector<std::shared_ptr<BatchRenameUndo>> AllSessions() { return m_store.Sessions(); }
     void DeleteAll(const std::vector<std::shared_ptr<BatchRenameUndo>>& sessions);
 
     UndoStore& m_store;
+    std::vector<size_t> m_entries;             // that were chosen
     std::shared_ptr<BatchRenameUndo> m_shown;  // its entries are in the lower list
 };
 

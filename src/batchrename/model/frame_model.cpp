@@ -90,7 +90,10 @@ void FrameModel::RequestPreview(int delay, bool readsFolders) {
     request.time = m_time;
     request.readsFolders = m_mustReadFolders;
     if (m_mustSort) request.order = m_order;
-    if (m_mustLoadSession) request.session = m_session;
+    if (m_mustLoadSession) {
+        request.session = m_session;
+        request.entries = m_sessionEntries;
+    }
     if (request.rows->size() >= kRowsWorthShowingEarly && !m_choices.showsChangesOnly) {
         const RowRange visible = m_actions.VisibleRows();
         request.firstVisible = visible.first;
@@ -167,8 +170,7 @@ void FrameModel::OnHeader(RowKey key) {
 }
 
 void FrameModel::OnRemoveRows(const std::vector<bool>& isSelected) {
-    // What a session renamed is restored whole: its record would be wrong about the rest.
-    if (IsRunning() || m_session) return;
+    if (IsRunning()) return;
     const auto first = std::ranges::find(isSelected, true);
     if (first == isSelected.end()) return;
     const auto place = static_cast<size_t>(first - isSelected.begin());
@@ -198,10 +200,11 @@ void FrameModel::OnResetRows() {
         m_actions.ShowStatus(L"The file manager did not answer in time.");
 }
 
-void FrameModel::LoadSession(std::shared_ptr<BatchRenameUndo> session) {
+void FrameModel::LoadSession(std::shared_ptr<BatchRenameUndo> session, std::vector<size_t> entries) {
     if (IsRunning()) return;
     SetRows(std::make_shared<const RenameItems>());
     m_session = std::move(session);
+    m_sessionEntries = std::move(entries);
     m_mustLoadSession = true;
     m_actions.ShowTitle(true);
     RequestPreview(0, true);
@@ -237,6 +240,7 @@ void FrameModel::OnAnswer(bool isYes) {
 
 void FrameModel::BeginRun() {
     RunRequest request;
+    m_isUnrecorded = false;
     request.session = m_session;
     request.rows.reserve(m_rows.Rows()->size());
     for (const auto& row : m_rows.CurrentPreview()->computed) {
@@ -253,7 +257,14 @@ void FrameModel::BeginRun() {
 void FrameModel::OnRunProgress(uint32_t renameCount) {
     if (!IsRunning()) return;
     m_actions.ShowStatus((m_session ? L"Restoring: " : L"Renaming: ") + std::to_wstring(renameCount) + L" of " +
-                         std::to_wstring(m_rows.Counts().changes));
+                         std::to_wstring(m_rows.Counts().changes) + (m_isUnrecorded ? L", without undo" : L""));
+}
+
+void FrameModel::OnRunUnrecorded(uint32_t code) {
+    if (!IsRunning()) return;
+    m_isUnrecorded = true;
+    m_actions.ShowStatus(L"This run cannot be recorded for undo (error " + std::to_wstring(code) +
+                         L"); it goes on without.");
 }
 
 void FrameModel::OnRunEnd(const std::shared_ptr<const RunResult>& result) {

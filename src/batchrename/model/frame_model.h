@@ -123,13 +123,15 @@ public:
     // The threads.
     void OnPreview(std::shared_ptr<const Preview> preview);
     void OnRunProgress(uint32_t renameCount);
+    /// Before the first rename of a run that goes on without its record: the Windows error code.
+    void OnRunUnrecorded(uint32_t code);
     /// `result` is null when it was taken before.
     void OnRunEnd(const std::shared_ptr<const RunResult>& result);
 
     /// Other rows, from the host, while CanTakeRows: a restore that was being prepared is given up.
     void SetRows(RowSnapshot rows);
-    /// The items of the session, to get their old names back.
-    void LoadSession(std::shared_ptr<BatchRenameUndo> session);
+    /// The items of the session, to get their old names back; of some entries alone, in ascending order, if not empty.
+    void LoadSession(std::shared_ptr<BatchRenameUndo> session, std::vector<size_t> entries = {});
 
 private:
     bool IsUpToDate() const { return m_state == FrameState::Ready || m_state == FrameState::Asking; }
@@ -154,6 +156,8 @@ private:
     std::wstring m_ruleError;   // of the rule in the panel, in words
     RowOrder m_order;
     std::shared_ptr<BatchRenameUndo> m_session;  // being restored; null: the rule is used
+    std::vector<size_t> m_sessionEntries;        // those alone; empty: all
+    bool m_isUnrecorded = false;                 // the run that is under way
     // What the next preview has to do as well.
     bool m_mustSort = false;
     bool m_mustLoadSession = false;

@@ -43,8 +43,13 @@ bool IsUndoDurable(IHostServices* services) {
 }
 
 RunController::RunController(IHostServices* services, std::atomic<bool>& isStopped,
-                             std::function<void(uint32_t)> onProgress, std::function<void()> onEnd)
-    : m_services(services), m_isStopped(isStopped), m_onProgress(std::move(onProgress)), m_onEnd(std::move(onEnd)) {}
+                             std::function<void(uint32_t)> onProgress, std::function<void(uint32_t)> onUnrecorded,
+                             std::function<void()> onEnd)
+    : m_services(services),
+      m_isStopped(isStopped),
+      m_onProgress(std::move(onProgress)),
+      m_onUnrecorded(std::move(onUnrecorded)),
+      m_onEnd(std::move(onEnd)) {}
 
 void RunController::Start(RunRequest request) {
     m_result.reset();
@@ -70,13 +75,19 @@ void RunController::Run(RunRequest request, std::unique_ptr<RunResult> result) {
         if (request.journal) request.journal->ForgetError();
         uint32_t stepCount = 0;
         ULONGLONG lastWord = GetTickCount64();
-        const RunEnvironment environment = {*files.Get(), ListFolderOnDisk, request.journal, &m_isStopped, [&] {
-                                                ++stepCount;
-                                                const ULONGLONG now = GetTickCount64();
-                                                if (now - lastWord < kProgressPause) return;
-                                                lastWord = now;
-                                                m_onProgress(stepCount);
-                                            }};
+        RunEnvironment environment = {*files.Get(), ListFolderOnDisk, request.journal, &m_isStopped};
+        environment.onStep = [&] {
+            ++stepCount;
+            const ULONGLONG now = GetTickCount64();
+            if (now - lastWord < kProgressPause) return;
+            lastWord = now;
+            m_onProgress(stepCount);
+        };
+        environment.onUnrecorded = [&](uint32_t code) {
+            m_services->Log(kLogLevel, LogKind::Failure, L"[Batch Rename] - Cannot be recorded for undo : error %u",
+                            code);
+            m_onUnrecorded(code);
+        };
         if (request.session)
             result->outcomes =
                 RunRestore(*request.session, {request.rows, std::move(request.entries)}, environment, result->counts);

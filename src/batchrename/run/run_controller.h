@@ -36,9 +36,11 @@ struct RunResult {
 
 class RunController {
 public:
-    /// `isStopped` may be set by any thread. `onProgress` and `onEnd` are called on the run's thread.
+    /// `isStopped` may be set by any thread. The others are called on the run's thread; `onUnrecorded` with the error
+    /// that keeps a run from its record, before its first rename.
     RunController(Quorvane::SDK::IHostServices* services, std::atomic<bool>& isStopped,
-                  std::function<void(uint32_t stepCount)> onProgress, std::function<void()> onEnd);
+                  std::function<void(uint32_t stepCount)> onProgress, std::function<void(uint32_t code)> onUnrecorded,
+                  std::function<void()> onEnd);
     /// Stops a run that is under way, after its current row or ring, and waits for it.
     ~RunController() { Stop(); }
     RunController(const RunController&) = delete;
@@ -56,6 +58,7 @@ private:
     Quorvane::SDK::IHostServices* m_services;
     std::atomic<bool>& m_isStopped;
     std::function<void(uint32_t)> m_onProgress;
+    std::function<void(uint32_t)> m_onUnrecorded;
     std::function<void()> m_onEnd;
     std::unique_ptr<RunResult> m_result;
     std::jthread m_thread;  // last: it uses everything above

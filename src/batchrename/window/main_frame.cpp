@@ -137,6 +137,7 @@ LRESULT BatchRenameMainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lPar
             return 0;
         case FrameMessage::PreviewReady: m_model.OnPreview(m_preview->Take()); return 0;
         case FrameMessage::RunProgress: m_model.OnRunProgress(static_cast<uint32_t>(wParam)); return 0;
+        case FrameMessage::RunUnrecorded: m_model.OnRunUnrecorded(static_cast<uint32_t>(wParam)); return 0;
         case FrameMessage::RunEnded: m_model.OnRunEnd(m_run->Take()); return 0;
         case WM_CLOSE: m_model.OnClose(m_environment.isClosing); return 0;
         case WM_DESTROY: OnDestroy(); return 0;
@@ -166,6 +167,7 @@ void BatchRenameMainFrame::OnCreate() {
     m_run = std::make_unique<RunController>(
         m_environment.services, m_environment.context.isStopped,
         [window](uint32_t count) { PostMessageW(window, FrameMessage::RunProgress, count, 0); },
+        [window](uint32_t code) { PostMessageW(window, FrameMessage::RunUnrecorded, code, 0); },
         [window] { PostMessageW(window, FrameMessage::RunEnded, 0, 0); });
     m_panel->SetRule(m_environment.context.rule);
     m_model.ShowState();

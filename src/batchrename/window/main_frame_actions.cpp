@@ -115,9 +115,9 @@ int BatchRenameMainFrame::AskBox(const std::wstring& text, UINT style) {
 }
 
 void BatchRenameMainFrame::OpenUndoManager() {
-    std::shared_ptr<BatchRenameUndo> session;
-    RunModal([&] { session = BatchRenameUndoManagerDlg(m_environment.context.undo).Show(m_window); });
-    if (session && !m_environment.isClosing) m_model.LoadSession(std::move(session));
+    std::optional<SessionChoice> choice;
+    RunModal([&] { choice = BatchRenameUndoManagerDlg(m_environment.context.undo).Show(m_window); });
+    if (choice && !m_environment.isClosing) m_model.LoadSession(std::move(choice->session), std::move(choice->entries));
 }
 
 void BatchRenameMainFrame::OpenProfiles() {
