@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <functional>
 #include <iterator>
+#include <utility>
 
 #include "sdk/owners.h"
 #include "win32/files.h"
+#include "win32/handle.h"
 #include "win32/path.h"
 #include "win32/text.h"
 #include "win32/windows.h"
@@ -128,6 +131,31 @@ private:
     bool m_isWhole = true;
 };
 
+/// Keeps other stores from reading the file before this one has written it.
+class SaveLock {
+public:
+    explicit SaveLock(const std::wstring& path) : m_mutex(CreateMutexW(nullptr, FALSE, NameOf(path).c_str())) {
+        // A store that does not come to its end is not waited for: the file is written whole by each.
+        constexpr DWORD kPatience = 10000;  // milliseconds
+        const DWORD answer = m_mutex ? WaitForSingleObject(m_mutex.Get(), kPatience) : WAIT_FAILED;
+        m_isHeld = answer == WAIT_OBJECT_0 || answer == WAIT_ABANDONED;
+    }
+    SaveLock(const SaveLock&) = delete;
+    SaveLock& operator=(const SaveLock&) = delete;
+    ~SaveLock() {
+        if (m_isHeld) ReleaseMutex(m_mutex.Get());
+    }
+
+private:
+    /// A name holds no backslash.
+    static std::wstring NameOf(const std::wstring& path) {
+        return L"QVUtils-profiles-" + std::to_wstring(std::hash<std::wstring>()(Win32::ToUpperCase(path)));
+    }
+
+    Win32::KernelHandle m_mutex;
+    bool m_isHeld = false;
+};
+
 }  // namespace
 
 std::vector<RenameProfile> ReadProfiles(IXmlElement& root) {
@@ -162,6 +190,7 @@ RenameProfile ProfileOf(const std::wstring& name, const RuleDefinition& rule) {
 bool ProfileStore::Load(IHostServices* services, const wchar_t* fileName) {
     m_services = services;
     m_profiles.clear();
+    m_changes.clear();
     m_isUnreadable = false;
     if (!services) return false;
     wchar_t folder[kFolderCapacity + 1] = {};
@@ -169,14 +198,18 @@ bool ProfileStore::Load(IHostServices* services, const wchar_t* fileName) {
     m_path = std::wstring(folder) + fileName;
     const Owned<IXmlService> xml(services->GetXmlService(m_path.c_str(), 0));
     if (!xml) return false;
-    const Owned<IXmlDocument> document(xml->Load(m_path.c_str(), 0));
-    IXmlElement* const root = document ? document->GetRoot() : nullptr;
-    if (!root) {
-        m_isUnreadable = Win32::Exists(m_path);
-        return true;
-    }
-    m_profiles = ReadProfiles(*root);
+    ReadAgain(*xml);
     return true;
+}
+
+/// Where there is no file the profiles stay as they are known.
+void ProfileStore::ReadAgain(IXmlService& xml) {
+    const Owned<IXmlDocument> document(xml.Load(m_path.c_str(), 0));
+    IXmlElement* const root = document ? document->GetRoot() : nullptr;
+    m_isUnreadable = !root && Win32::Exists(m_path);
+    if (!root) return;
+    m_profiles = ReadProfiles(*root);
+    for (const Change& change : m_changes) Apply(change);
 }
 
 bool ProfileStore::Save() {
@@ -184,6 +217,8 @@ bool ProfileStore::Save() {
     if (!m_services) return false;
     const Owned<IXmlService> xml(m_services->GetXmlService(m_path.c_str(), 0));
     if (!xml) return false;
+    const SaveLock lock(m_path);
+    ReadAgain(*xml);
     const Owned<IXmlDocument> document(xml->CreateDocument());
     IXmlElement* const root = document ? document->CreateRoot(L"BatchRename") : nullptr;
     if (!root) return false;
@@ -195,7 +230,10 @@ bool ProfileStore::Save() {
     }
     if (m_isUnreadable && !KeepUnreadableFile()) return true;
     m_wasWritten = xml->Save(document.get(), m_path.c_str(), kIndented, nullptr);
-    if (!m_wasWritten) Log(L"the profiles cannot be saved", m_path);
+    if (m_wasWritten)
+        m_changes.clear();
+    else
+        Log(L"the profiles cannot be saved", m_path);
     return true;
 }
 
@@ -223,16 +261,30 @@ const RenameProfile* ProfileStore::Find(const std::wstring& name) const {
     return found == m_profiles.end() ? nullptr : &*found;
 }
 
-void ProfileStore::Set(const RenameProfile& profile) {
-    const auto found = std::ranges::find(m_profiles, profile.name, &RenameProfile::name);
-    if (found == m_profiles.end())
-        m_profiles.push_back(profile);
+void ProfileStore::Make(Change change) {
+    Apply(change);
+    m_changes.push_back(std::move(change));
+}
+
+void ProfileStore::Apply(const Change& change) {
+    const std::wstring& name = change.profile.name;
+    if (change.kind == ChangeKind::Delete) {
+        std::erase_if(m_profiles, [&](const RenameProfile& profile) { return profile.name == name; });
+        return;
+    }
+    const auto found = std::ranges::find(m_profiles, name, &RenameProfile::name);
+    if (change.kind == ChangeKind::Set && found != m_profiles.end())
+        *found = change.profile;
     else
-        *found = profile;
+        m_profiles.push_back(change.profile);
 }
 
 size_t ProfileStore::Delete(const std::wstring& name) {
-    return std::erase_if(m_profiles, [&](const RenameProfile& profile) { return profile.name == name; });
+    const size_t before = m_profiles.size();
+    Change change = {ChangeKind::Delete, {}};
+    change.profile.name = name;
+    Make(std::move(change));
+    return before - m_profiles.size();
 }
 
 }  // namespace BatchRename

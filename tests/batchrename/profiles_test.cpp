@@ -53,6 +53,12 @@ TEST(ProfileStore, GivesBackExactlyWhatWasSaved) {
     EXPECT_TRUE(store.Save());
     EXPECT_EQ(host.Profiles(), std::vector{Full()});
     EXPECT_EQ(host.Settings().List(), std::vector<std::wstring>{kFile});
+    // What another store has saved meanwhile stays.
+    ProfileStore other = host.StoreWith(plain);
+    store.Add(plain);
+    store.Delete(Full().name);
+    EXPECT_TRUE(other.Save() && store.Save());
+    EXPECT_EQ(host.Profiles(), (std::vector{plain, plain}));
 }
 
 // Other versions read the file: its names, odd spellings included, stay as they are.
