@@ -1,6 +1,5 @@
 // kills_test.cpp - the host is killed in the middle of each command that writes: every original is there under its own
 // name or its backup's, and a rename can be undone.
-#include <functional>
 #include <random>
 
 #include "host/elevated/elevated_channel.h"
@@ -12,6 +11,11 @@ namespace {
 using namespace QVTest;
 
 constexpr DWORD kPatience = 20000;  // milliseconds
+
+int KillCount() {
+    wchar_t text[16] = {};
+    return GetEnvironmentVariableW(L"QV_KILLS", text, 16) > 0 ? _wtoi(text) : 1;
+}
 
 Win32::KernelHandle Start(std::vector<std::wstring> arguments) {
     arguments.insert(arguments.begin(), QV_HOST_PROGRAM);
@@ -34,26 +38,29 @@ DWORD RunToEnd(std::vector<std::wstring> arguments) {
     return static_cast<DWORD>(GetTickCount64() - begin);
 }
 
-/// Runs the command undisturbed, then kills it QV_KILLS times (once when that is not set) at a moment of chance and
-/// hands over what it left, with what it leaves when it is done. Whether it was done by then is chance too, and right
-/// either way.
-void Kill(const WritingCommand& command, const std::function<void(const WorkFolder&, const Contents& done)>& check) {
-    static std::mt19937 random(std::random_device{}());
-    const WorkFolder undisturbed(command);
-    const DWORD time = RunToEnd(undisturbed.Arguments());
-    const Contents done = undisturbed.Read();
-    ASSERT_TRUE(done != command.files);
-    wchar_t kills[16] = {};
-    for (int count = GetEnvironmentVariableW(L"QV_KILLS", kills, 16) > 0 ? _wtoi(kills) : 1; count > 0; --count) {
-        const WorkFolder work(command);
-        const Win32::KernelHandle process = Start(work.Arguments());
-        const DWORD moment = random() % (time + 1);
-        SCOPED_TRACE("killed after " + std::to_string(moment) + " of " + std::to_string(time) + " ms");
-        WaitForSingleObject(process.Get(), moment);
-        TerminateProcess(process.Get(), 1);
-        EXPECT_EQ(WaitForSingleObject(process.Get(), kPatience), WAIT_OBJECT_0);
-        check(work, done);
+/// Long texts, so that a kill has something to meet.
+WritingCommand Enlarged(WritingCommand command) {
+    for (auto& [name, content] : command.files) {
+        const bool isText = name.ends_with(L".txt");
+        for (int doubled = 0; isText && doubled < 17; ++doubled) content += content;
     }
+    return command;
+}
+
+size_t Random(size_t count) {
+    static std::mt19937 random(std::random_device{}());
+    return random() % count;
+}
+
+/// Starts the host and kills it at a moment of chance, which is given back: milliseconds, at most `time`. Whether it
+/// was done by then is chance too, and right either way.
+DWORD KillWithin(DWORD time, std::vector<std::wstring> arguments) {
+    const Win32::KernelHandle process = Start(std::move(arguments));
+    const auto moment = static_cast<DWORD>(Random(time + 1));
+    WaitForSingleObject(process.Get(), moment);
+    TerminateProcess(process.Get(), 1);
+    EXPECT_EQ(WaitForSingleObject(process.Get(), kPatience), WAIT_OBJECT_0);
+    return moment;
 }
 
 }  // namespace
@@ -61,32 +68,81 @@ void Kill(const WritingCommand& command, const std::function<void(const WorkFold
 class Kills : public testing::TestWithParam<WritingCommand> {};
 
 TEST_P(Kills, LoseNothing) {
-    WritingCommand command = GetParam();
-    for (auto& [name, content] : command.files)  // long texts, so that a kill has something to meet
-        for (int doubled = 0; name.ends_with(L".txt") && doubled < 17; ++doubled) content += content;
-    Kill(command, [&](const WorkFolder& work, const Contents& done) {
+    const WritingCommand command = Enlarged(GetParam());
+    const WorkFolder undisturbed(command);
+    const DWORD time = RunToEnd(undisturbed.Arguments());
+    const Contents done = undisturbed.Read();
+    ASSERT_TRUE(done != command.files);
+    for (int count = KillCount(); count > 0; --count) {
+        const WorkFolder work(command);
+        const DWORD moment = KillWithin(time, work.Arguments());
         const Contents now = work.Read();
         for (const auto& [name, content] : command.files) {
             const bool isTarget = name.find(L"_2") != std::wstring::npos;
             bool isSafe = isTarget || IsSafe(name, content, done, now);
             // A renamed file is under its new name.
             for (const auto& entry : now) isSafe = isSafe || (!done.contains(name) && entry.second == content);
-            EXPECT_TRUE(isSafe) << name << " is lost";
+            EXPECT_TRUE(isSafe) << "killed after " << moment << " of " << time << " ms: " << name << " is lost";
         }
         RunToEnd(work.Arguments());
-        for (const auto& entry : work.Read()) EXPECT_FALSE(entry.first.starts_with(L"~qv")) << "left after a kill";
-    });
+        for (const auto& entry : work.Read()) EXPECT_FALSE(entry.first.starts_with(L"~qv")) << "left after " << moment;
+    }
 }
 
 QV_WITH_EVERY_WRITING_COMMAND(Kills);
 
-TEST(KillsOfRenaming, CanBeUndone) {
-    WritingCommand command = {"rename", {L"rename", L"--name", L"[C2,1,3]", L"--extension", L""}, {}};
-    for (int number = 101; number <= 160; ++number)
-        command.files[L"0" + std::to_wstring(number).substr(1)] = std::to_string(number);
-    Kill(command, [&](const WorkFolder& work, const Contents&) {
+/// Lets names change places by chance: in rings and shifts, and, where a file would keep its name, in its letters
+/// alone.
+std::string ShuffledNames(const Contents& files) {
+    std::vector<std::wstring> names;
+    for (const auto& entry : files) names.push_back(entry.first);
+    for (size_t at = names.size(); at-- > 1;) std::swap(names[at], names[Random(at + 1)]);
+    std::string list;
+    auto own = files.begin();
+    for (std::wstring& name : names) {
+        if (name == (own++)->first)
+            name.front() = L'N';
+        else if (Random(8) == 0)
+            name += L'x';
+        list += std::string(name.begin(), name.end()) + '\n';
+    }
+    return list;
+}
+
+/// The run or its restores are killed, and restores meet a file that somebody holds; in any order.
+TEST(KillsOfRenaming, OfRestoresAndLocksCanBeUndone) {
+    DWORD time = 0;
+    for (int count = KillCount(); count >= 0; --count) {
+        WritingCommand command = {"rename", {L"rename", L"--names-from"}, {}};
+        for (int number = 0; number < 40; ++number) {
+            const std::wstring name = L"n" + std::to_wstring(number);
+            command.files[name] = std::string(name.begin(), name.end());
+        }
+        const WorkFolder work(command);
+        const std::string names = ShuffledNames(command.files);
+        command.arguments.push_back(work.Settings().Write(L"names.txt", names));
+        const std::vector<std::wstring> restore = {L"--config", work.Settings().Path(), L"undo", L"restore", L"last"};
+        std::string history = names;
+        if (time == 0) {
+            time = RunToEnd(work.Arguments());  // to know how long one takes
+            EXPECT_NE(work.Read(), command.files);
+        } else {
+            history += "killed after " + std::to_string(KillWithin(time, work.Arguments()));
+        }
+        for (size_t mishaps = Random(4); mishaps > 0; --mishaps) {
+            if (Random(2) == 0) {
+                history += ", restore killed after " + std::to_string(KillWithin(time, restore));
+                continue;
+            }
+            const Contents now = work.Read();
+            const std::wstring held = std::next(now.begin(), static_cast<ptrdiff_t>(Random(now.size())))->first;
+            const Win32::FileHandle handle(CreateFileW((work.Path() + L"\\" + held).c_str(), GENERIC_READ,
+                                                       FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+            RunToEnd(restore);
+            history += ", restore met " + std::string(held.begin(), held.end());
+        }
         // Without a session nothing was begun; with one everything comes back.
-        RunToEnd({L"--config", work.Settings().Path(), L"undo", L"restore", L"last"});
-        EXPECT_EQ(work.Read(), command.files);
-    });
+        RunToEnd(restore);
+        EXPECT_EQ(work.Read(), command.files) << history;
+    }
 }
