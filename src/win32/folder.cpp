@@ -101,11 +101,13 @@ bool IsTheItem(HANDLE file, const ItemIdentity& item) {
            ToUpperCase(PathOf(file)).find(L"\\$RECYCLE.BIN\\") == std::wstring::npos;
 }
 
-/// All entries, some hundreds with each call. False when the folder cannot be read in this way; nothing was taken then.
-template <class Take>
-bool ReadEntries(const std::wstring& folder, uint32_t& error, Take&& take) {
+/// All entries, some hundreds with each call; `open` gets the folder first. False when the folder cannot be read in
+/// this way; nothing was taken then.
+template <class Take, class Open>
+bool ReadEntries(const std::wstring& folder, uint32_t& error, Take&& take, const Open& open) {
     const FileHandle handle = OpenFolder(folder, FILE_LIST_DIRECTORY);
     if (!handle) return false;
+    open(handle.Get());
     using Buffer = std::array<uint64_t, 16384>;  // as records want to be aligned
     const auto buffer = std::make_unique_for_overwrite<Buffer>();
     for (bool isFirst = true;; isFirst = false) {
@@ -127,11 +129,14 @@ bool ReadEntries(const std::wstring& folder, uint32_t& error, Take&& take) {
     }
 }
 
-template <class Take>
-uint32_t ForEachEntry(const std::wstring& folder, const std::wstring& pattern, Take&& take) {
+constexpr auto kNotAsked = [](HANDLE) {};
+
+template <class Take, class Open = decltype(kNotAsked)>
+uint32_t ForEachEntry(const std::wstring& folder, const std::wstring& pattern, Take&& take,
+                      const Open& open = kNotAsked) {
     uint32_t error = ERROR_SUCCESS;
     // Whatever keeps a folder from being read at once, the other way works or says why it does not.
-    return pattern == L"*" && ReadEntries(folder, error, take) ? error : FindEntries(folder, pattern, take);
+    return pattern == L"*" && ReadEntries(folder, error, take, open) ? error : FindEntries(folder, pattern, take);
 }
 
 }  // namespace
@@ -155,13 +160,13 @@ uint32_t ListFolder(const std::wstring& folder,
 
 uint32_t ListFolder(const std::wstring& folder,
                     const std::function<void(std::wstring_view name, const ItemIdentity& item)>& take) {
-    const FileHandle handle = OpenFolder(folder, 0);
-    const std::optional<uint32_t> volume = handle ? VolumeOf(handle.Get()) : std::nullopt;
-    return ForEachEntry(folder, L"*", [&](const SeenEntry& entry) {
+    std::optional<uint32_t> volume;
+    const auto tell = [&](const SeenEntry& entry) {
         const bool isFolder = (entry.attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
         take(entry.name,
              volume ? IdentityOf(*volume, entry.index, isFolder, entry.written, entry.accessed) : ItemIdentity());
-    });
+    };
+    return ForEachEntry(folder, L"*", tell, [&](HANDLE open) { volume = VolumeOf(open); });
 }
 
 std::wstring FindItem(std::wstring folder, const ItemIdentity& item) {
