@@ -28,7 +28,8 @@ void RunUndoSession(Bytes bytes) {
         const UndoEntry& right = session.entries[at];
         Require(left.location == right.location && left.oldName == right.oldName && left.newName == right.newName,
                 "an entry is read as it was written");
-        Require(!session.isUnfinished || left.reached == right.reached, "and so is where its item is");
+        Require(!session.isUnfinished || (left.reached == right.reached && left.begun == right.begun),
+                "and so is where its item is");
     }
     Require(again.haveRestored == session.haveRestored && SecondsOf(again.time) == SecondsOf(session.time),
             "so is what stands above");
@@ -38,9 +39,11 @@ void RunUndoSession(Bytes bytes) {
         names.folder = folder;
         for (size_t at = 0; at < session.entries.size(); ++at)
             names.names.Add(at % 2 == 0 ? session.entries[at].newName : session.entries[at].oldName);
+        for (const UndoEntry& entry : session.entries) names.items.push_back(entry.identity);
         return names;
     });
     Require(restore.rows.size() == restore.entries.size(), "each row knows its entry");
+    Require(PlanRenames(restore.rows, {}).steps.empty(), "nothing is renamed in folders that cannot be read");
     for (const size_t entry : restore.entries) Require(entry < session.entries.size(), "which is one of the session");
 }
 
