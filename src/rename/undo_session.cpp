@@ -166,17 +166,24 @@ private:
         const std::optional<uint64_t> index = TakeHexadecimal(line);
         const std::optional<uint64_t> sum = TakeHexadecimal(line);
         if (!volume || !index || !sum) return;
-        if (m_entryOfSum.empty())
-            for (size_t at = 0; at < m_session.entries.size(); ++at)
-                m_entryOfSum.emplace(CheckSumOf(m_session.entries[at]), at);
-        const auto found = m_entryOfSum.find(*sum);
-        const size_t at = found == m_entryOfSum.end() ? kNoEntry : found->second;
-        if (EntryOf(number) != at) m_movedEntries[number] = at;
+        size_t at = EntryOf(number);
+        if (at == kNoEntry || CheckSumOf(m_session.entries[at]) != *sum) {
+            at = EntryOfSum(*sum);
+            m_movedEntries[number] = at;
+        }
         if (at == kNoEntry) return;
         const std::optional<uint64_t> written = TakeHexadecimal(line);
         const std::optional<uint64_t> accessed = TakeHexadecimal(line);
         m_session.entries[at].identity = {static_cast<uint32_t>(*volume), *index, written.value_or(0),
                                           accessed.value_or(0)};
+    }
+
+    size_t EntryOfSum(uint64_t sum) {
+        if (m_entryOfSum.empty())
+            for (size_t at = 0; at < m_session.entries.size(); ++at)
+                m_entryOfSum.emplace(CheckSumOf(m_session.entries[at]), at);
+        const auto found = m_entryOfSum.find(sum);
+        return found == m_entryOfSum.end() ? kNoEntry : found->second;
     }
 
     /// The entry that had this number when it was written: lines that cannot be read count too.
