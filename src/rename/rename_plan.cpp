@@ -67,7 +67,7 @@ struct Place {
     uint32_t wanter = kNone;
     uint32_t wanterCount = 0;
     bool isOnDisk = false;
-    ItemIdentity item;  // that has the name on disk
+    const ItemIdentity* item = nullptr;  // that has the name on disk; null: not known
 };
 
 /// All names of all folders that matter, found by folder and folded name. One flat table: a node and a folded copy for
@@ -191,19 +191,21 @@ private:
             for (size_t name = 0; name < folder.names.Count(); ++name) {
                 Place& place = m_places[m_places.Intern(number, folder.names[name])];
                 place.isOnDisk = true;
-                if (name < folder.items.size()) place.item = folder.items[name];
+                if (name < folder.items.size()) place.item = &folder.items[name];
             }
         }
     }
 
     /// Who has which name. A row whose item has gone has none: another item may have its name by now, and keeps it.
     void EnterHolders() {
-        m_plan.identities.reserve(m_rows.size());
         for (uint32_t row = 0; row < m_rows.size(); ++row) {
             Place& place = m_places[m_from[row]];
-            m_plan.identities.push_back(place.item);
+            if (place.item) {
+                m_plan.identities.resize(m_rows.size());
+                m_plan.identities[row] = *place.item;
+            }
             const ItemIdentity& wanted = m_rows[row]->identity;
-            if (wanted && place.item && !IsSameItem(wanted, place.item))
+            if (wanted && place.item && !IsSameItem(wanted, *place.item))
                 Fail(row, RowReason::OtherItem, kFileNotFound);
             else if (place.holder != kNone)
                 Fail(row, RowReason::ListedTwice, kAlreadyExists);

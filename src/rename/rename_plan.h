@@ -74,7 +74,7 @@ struct RenamePlan {
     std::vector<RenameStep> steps;
     std::vector<StepGroup> groups;  // in the order in which they are to be done
     std::vector<std::wstring> temporaryNames;
-    std::vector<ItemIdentity> identities;  // one for each row: the item that has its name now
+    std::vector<ItemIdentity> identities;  // of the item that has each row's name now; empty when none is known
 };
 
 /// Plans the rows. Names count as equal when they differ in case alone, as the file system has it. `folders` holds a

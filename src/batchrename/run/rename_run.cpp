@@ -312,7 +312,7 @@ std::vector<RowOutcome> RunRenames(const RenameItems& rows, const CalendarTime& 
         if (!IsPlanned(plan, row)) continue;
         entries[row] = planned.size();
         planned.push_back(rows[row]);
-        identities.push_back(plan.identities[row]);
+        identities.push_back(plan.identities.empty() ? ItemIdentity() : plan.identities[row]);
     }
     std::shared_ptr<BatchRenameUndo> session;
     UndoProgress progress;
