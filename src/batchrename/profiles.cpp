@@ -135,8 +135,9 @@ private:
 class SaveLock {
 public:
     explicit SaveLock(const std::wstring& path) : m_mutex(CreateMutexW(nullptr, FALSE, NameOf(path).c_str())) {
-        // A store that does not come to its end is not waited for: the file is written whole by each.
-        constexpr DWORD kPatience = 10000;  // milliseconds
+        // Less than a shutdown waits for the window's thread, which may be this one. A store that does not come to its
+        // end is not waited for: each writes the file whole.
+        constexpr DWORD kPatience = 3000;  // milliseconds
         const DWORD answer = m_mutex ? WaitForSingleObject(m_mutex.Get(), kPatience) : WAIT_FAILED;
         m_isHeld = answer == WAIT_OBJECT_0 || answer == WAIT_ABANDONED;
     }

@@ -162,6 +162,7 @@ TEST(HostThatLeaves, IsNeverCalledAgain) {
         SetEvent(goesOn.Get());
         EXPECT_EQ(WaitForSingleObject(thread.Get(), 10000), WAIT_OBJECT_0);
         EXPECT_EQ(lateCalls, 0);
+        std::erase(waits, 3000u);  // of the lock for saving profiles
         EXPECT_EQ(waits, (std::vector<DWORD>{c.isShutDown ? 5000u : 4000u}));
     }
 }
