@@ -1,21 +1,89 @@
-// selected_rows.h - the rows of a rename from the paths of a command line.
+// selected_rows.h - the rows of a rename from the paths of a command line. What their folders hold is listed once by
+// threads that read ahead: asking for each item alone would be most of the work, and so the items of one folder are
+// worked on while the next folders are read.
 #pragma once
 
+#include <array>
+#include <atomic>
 #include <cstdint>
+#include <deque>
 #include <istream>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <unordered_map>
 #include <vector>
 
 #include "host/app/command_line.h"
-#include "host/rename/folder_listings.h"
 #include "rename/rename_item.h"
 #include "rename/rename_plan.h"
 #include "rename/rename_rule.h"
 #include "win32/name_list.h"
+#include "win32/windows.h"
 
 namespace QVHost {
+
+/// An item that was asked for.
+struct ListedItem {
+    uint32_t attributes = INVALID_FILE_ATTRIBUTES;  // as the system gives them; this when there is no such item
+    bool isRepeated = false;                        // it was asked for before, in whatever spelling
+};
+
+/// For one thread; those that list are its own.
+class FolderListings {
+public:
+    FolderListings() = default;
+    FolderListings(const FolderListings&) = delete;
+    FolderListings& operator=(const FolderListings&) = delete;
+    /// Waits for the folders that are being listed, and for no other.
+    ~FolderListings();
+
+    /// Lists the folder when its turn comes; folders are numbered in order of their adding.
+    /// @throws std::system_error when there are no more threads to be had
+    void Add(std::wstring folder);
+
+    size_t Count() const { return m_folders.size(); }
+    const std::wstring& PathOf(size_t folder) const { return m_folders[folder].path; }
+
+    /// What the folder holds, for the caller to keep, as soon as it is known. Nobody may ask for it any more.
+    BatchRename::FolderNames Take(size_t folder);
+
+    /// Looks for an item, and gives `name` the spelling that the folder shows: it may have come in another case, or as
+    /// a short name.
+    ListedItem Find(size_t folder, std::wstring& name);
+
+private:
+    static constexpr uint32_t kNoEntry = UINT32_MAX;
+
+    struct Folder {
+        std::wstring path;
+        Win32::NameList names;
+        std::vector<uint32_t> attributes;  // one for each name
+        std::vector<bool> isFound;         // the same; empty until somebody asks
+        uint32_t error = ERROR_SUCCESS;
+        std::vector<uint32_t> slots;  // the names by their hashes; empty until somebody asks
+        std::atomic<bool> isListed = false;
+    };
+
+    void ListAll() noexcept;
+    static void List(Folder& folder) noexcept;
+    static void EnterNames(Folder& folder);
+    /// The slot that holds the name's place in the listing, or kNoEntry, where it would belong.
+    static size_t SlotOf(const Folder& folder, std::wstring_view name);
+    Folder* Begin() noexcept;
+    Folder& WaitFor(size_t folder);
+
+    // The system's own: with the standard ones, for which Wine asks its server, a preview of 6,000 rows in 300 folders
+    // takes 106 ms instead of 97 (medians of 40 runs).
+    SRWLOCK m_lock = SRWLOCK_INIT;
+    CONDITION_VARIABLE m_isAdded = CONDITION_VARIABLE_INIT;  // or there will be no more
+    CONDITION_VARIABLE m_isFurther = CONDITION_VARIABLE_INIT;
+    std::deque<Folder> m_folders;  // which stay where they are when others are added
+    size_t m_begun = 0;            // so many folders from the first on
+    bool m_isEnding = false;
+    // Two, since each waits for a disk or a server most of the time. Last: they use all of these.
+    std::array<std::jthread, 2> m_threads;
+};
 
 class SelectedRows {
 public:

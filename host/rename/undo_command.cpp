@@ -54,6 +54,7 @@ SharedSession FindSession(RenameHost& host, const std::wstring& name, bool isAny
         throw UsageError(L"every session has been restored (qvhost undo lists them)");
     }
     std::vector<std::wstring> known;
+    known.reserve(sessions.size());
     for (const SharedSession& session : sessions) known.push_back(session->fileName);
     throw UsageError(L"there is no session \"" + name + L"\"" + DidYouMean(name, known) + L" (qvhost undo lists them)");
 }

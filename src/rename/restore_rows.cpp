@@ -26,7 +26,8 @@ public:
 
     /// False when nothing has that path, or a file.
     bool IsFolder(const std::wstring& folder) {
-        constexpr uint32_t kNoFolder[] = {2, 3, 267};  // ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND, ERROR_DIRECTORY
+        // ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND, and for files ERROR_DIRECTORY or ERROR_INVALID_NAME
+        constexpr uint32_t kNoFolder[] = {2, 3, 267, 123};
         return std::ranges::find(kNoFolder, NamesIn(folder).error) == std::end(kNoFolder);
     }
 

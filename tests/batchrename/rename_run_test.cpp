@@ -288,6 +288,13 @@ TEST(RunRenames, RenameNothingFurtherThatCannotBeRecorded) {
         scene.Restore();
         EXPECT_EQ(scene.disk.items, scene.before) << needsRecord;
     }
+    // A run that goes on without any record says so first.
+    Scene scene(kWorlds[0]);
+    scene.journal.error = 5;
+    RunEnvironment environment = {scene.disk, scene.disk.Lister(), &scene.journal};
+    environment.onUnrecorded = [&](uint32_t code) { EXPECT_TRUE(code == 5 && scene.disk.stepCount == 0); };
+    RunRenames(scene.rows, kTime, environment, scene.results);
+    EXPECT_EQ(scene.results.DoneCount(), 1u);
 }
 
 TEST(RunRestore, FollowsAnItemAndLeavesAStrangerAlone) {
@@ -339,20 +346,22 @@ TEST(RunRenames, StopsBetweenRowsButNotInARing) {
 TEST(RunRestore, SaysWhatCannotBeRestored) {
     SimulatedDisk disk;
     // Taken since, back already, and under a location that is the full path.
-    for (const wchar_t* name : {L"new1", L"old1", L"old3", L"new4"}) disk.Add(kFolder, name);
+    for (const wchar_t* name : {L"new1", L"old1", L"old3", L"new4", L"new5"}) disk.Add(kFolder, name);
     BatchRenameUndo session;
     session.entries = {{kFolder, L"new1", L"old1", {}, {}},
                        {kFolder, L"new2", L"old2", {}, {}},
                        {kFolder, L"new3", L"old3", {}, {}},
-                       {kFolder + L"\\old4", L"new4", L"old4", {}, {}}};
+                       {kFolder + L"\\old4", L"new4", L"old4", {}, {}},
+                       {kFolder + L"\\new5", L"new5", L"old5", {}, {}}};
     const RestoreRows restore = MakeRestoreRows(session, disk.Lister());
     CRenameResultCallback results;
     const auto outcomes = RunRestore(session, restore, {disk, disk.Lister()}, results);
-    EXPECT_EQ(restore.entries, (std::vector<size_t>{3, 2, 1, 0}));
-    EXPECT_EQ(outcomes[3].code, 183u);
-    EXPECT_EQ(outcomes[2].code, 2u);
-    EXPECT_EQ(outcomes[1].code, Quorvane::SDK::RenameResult::Ignored);
+    EXPECT_EQ(restore.entries, (std::vector<size_t>{4, 3, 2, 1, 0}));
+    EXPECT_EQ(outcomes[4].code, 183u);
+    EXPECT_EQ(outcomes[3].code, 2u);
+    EXPECT_EQ(outcomes[2].code, Quorvane::SDK::RenameResult::Ignored);
     EXPECT_EQ(disk.items[3].name, L"old4");
+    EXPECT_EQ(disk.items[4].name, L"old5");
     EXPECT_FALSE(session.haveRestored);
 }
 

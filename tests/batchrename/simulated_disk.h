@@ -49,11 +49,10 @@ public:
         return [this](const std::wstring& folder) {
             BatchRename::FolderNames names;
             names.folder = folder;
-            names.error = 3;
+            names.error = 3;  // a folder without items is none
             for (const DiskItem& item : items) {
-                const bool isInside = Win32::EqualIgnoringCase(item.location, folder);
-                if (isInside || Win32::EqualIgnoringCase(item.location + L"\\" + item.name, folder)) names.error = 0;
-                if (!isInside) continue;
+                if (!Win32::EqualIgnoringCase(item.location, folder)) continue;
+                names.error = 0;
                 names.names.Add(item.name);
                 if (hasIdentities) names.items.push_back({1, static_cast<uint64_t>(item.content)});
             }

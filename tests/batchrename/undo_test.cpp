@@ -4,6 +4,7 @@
 #include "batchrename/run/undo_store.h"
 #include "rename/undo_session.h"
 #include "rows.h"
+#include "support/replaced_imports.h"
 #include "support/temporary_folder.h"
 #include "win32/handle.h"
 
@@ -124,6 +125,26 @@ TEST(UndoStore, ListsTheNewestFirstAndDeletesWhatItCan) {
     }
     EXPECT_EQ(store.Sessions().size(), 2u);
     EXPECT_EQ(folder.List(), (std::vector<std::wstring>{L"a.dat", L"damaged.dat", L"other.txt"}));
+}
+
+int g_flushes = 0;
+BOOL WINAPI CountFlush(HANDLE) {
+    ++g_flushes;
+    return TRUE;
+}
+
+TEST(UndoStore, FlushesEachLineOfAStepForThoseWhoWantIt) {
+    const ReplacedImport counted(GetModuleHandleW(nullptr), "FlushFileBuffers", reinterpret_cast<void*>(CountFlush));
+    for (const bool isDurable : {false, true}) {
+        const TemporaryFolder folder;
+        UndoStore store;
+        store.SetFolder(folder.Path());
+        store.SetDurable(isDurable);
+        UndoProgress progress = store.Begin(std::make_shared<BatchRenameUndo>(Sample()));
+        g_flushes = 0;
+        EXPECT_TRUE(progress.Step(0, L"x") && progress.FailedStep(0));
+        EXPECT_EQ(g_flushes, isDurable ? 2 : 0);
+    }
 }
 
 TEST(UndoStore, GivesEachRunAFileOfItsOwn) {
