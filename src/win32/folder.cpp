@@ -176,7 +176,7 @@ std::wstring FindItem(std::wstring folder, const ItemIdentity& item) {
     id.FileId.QuadPart = static_cast<LONGLONG>(item.index);
     // Some systems look only below the folder that is given: then the folders above it are tried, but not the whole
     // volume, which can take them minutes.
-    constexpr int kLevels = 3;
+    constexpr int kLevels = 4;
     for (int level = 0; level < kLevels;) {
         const FileHandle hint = OpenFolder(folder, 0);
         if (hint) {
