@@ -5,7 +5,7 @@
 #include <memory>
 #include <span>
 
-#include "host/elevated/request_fields.h"
+#include "host/elevated/elevated_protocol.h"
 #include "sdk/services.h"
 
 namespace QVFuzz {

@@ -39,6 +39,8 @@ struct RenameOptions {
 struct UndoOptions {
     std::optional<std::wstring> only;
     bool isPreview = false;
+
+    bool operator==(const UndoOptions&) const = default;
 };
 
 struct HostOptions {

@@ -5,9 +5,6 @@
 #include "support/replaced_imports.h"
 #include "support/temporary_folder.h"
 #include "win32/files.h"
-#include "win32/handle.h"
-
-#include <sddl.h>
 
 namespace {
 
@@ -24,41 +21,8 @@ void Note(std::string call, std::initializer_list<uint64_t> numbers = {}) {
     g_calls.push_back(call);
 }
 
-SECURITY_DESCRIPTOR_CONTROL ControlOf(PSECURITY_DESCRIPTOR descriptor) {
-    SECURITY_DESCRIPTOR_CONTROL control = 0;
-    DWORD revision = 0;
-    GetSecurityDescriptorControl(descriptor, &control, &revision);
-    return control & (SE_DACL_PROTECTED | SE_DACL_AUTO_INHERITED | SE_DACL_AUTO_INHERIT_REQ);
-}
-
 BOOL WINAPI Move(LPCWSTR, LPCWSTR, DWORD flags) {
     Note("move", {flags});
-    return TRUE;
-}
-
-HANDLE WINAPI Open(LPCWSTR, DWORD access, DWORD sharing, LPSECURITY_ATTRIBUTES security, DWORD creation, DWORD flags,
-                   HANDLE) {
-    Note("open", {access, sharing, creation, flags, security ? ControlOf(security->lpSecurityDescriptor) : 0u});
-    return CreateEventW(nullptr, FALSE, FALSE, nullptr);
-}
-
-BOOL WINAPI GetSecurity(HANDLE, SECURITY_INFORMATION parts, PSECURITY_DESCRIPTOR, DWORD, LPDWORD) {
-    Note("get", {parts});
-    return FALSE;
-}
-
-BOOL WINAPI SetSecurity(HANDLE, SECURITY_INFORMATION parts, PSECURITY_DESCRIPTOR descriptor) {
-    Note("set", {parts, ControlOf(descriptor)});
-    return TRUE;
-}
-
-BOOL WINAPI SetInformation(HANDLE, FILE_INFO_BY_HANDLE_CLASS informationClass, LPVOID, DWORD size) {
-    Note("information", {static_cast<uint64_t>(informationClass), size});
-    return TRUE;
-}
-
-BOOL WINAPI Remove(LPCWSTR) {
-    Note("remove");
     return TRUE;
 }
 
@@ -86,32 +50,6 @@ TEST(FileCalls, MoveWithoutAndWithReplacing) {
     Win32::MoveFileTo(L"a", L"b");
     Win32::MoveFileOver(L"a", L"b");
     EXPECT_EQ(g_calls, (Calls{"move 0", "move 1"}));
-}
-
-TEST(FileCalls, MakeASuccessorThatIsPrivateFromTheStart) {
-    const QVTest::ReplacedImport replaced[] = {
-        Replace("CreateFileW", Open), Replace("GetKernelObjectSecurity", GetSecurity), Replace("DeleteFileW", Remove),
-        Replace("SetFileInformationByHandle", SetInformation), Replace("SetKernelObjectSecurity", SetSecurity)};
-    const std::tuple<const char*, const wchar_t*, const char*> cases[] = {
-        {"a list of its own", L"D:(A;;GA;;;SY)", "set 4 0"},
-        {"one from its folder", L"D:AI(A;ID;GA;;;SY)", "set 4 500"},
-        {"one cut off from its folder", L"D:P(A;;GA;;;SY)", "set 4 1000"},
-    };
-    for (const auto& [why, text, given] : cases) {
-        PSECURITY_DESCRIPTOR raw = nullptr;
-        ULONG size = 0;
-        ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(text, SDDL_REVISION_1, &raw, &size));
-        const Win32::LocalMemory descriptor(raw);
-        Win32::FileState original;
-        original.accessList.assign(static_cast<std::byte*>(raw), static_cast<std::byte*>(raw) + size);
-        const std::string inherited = ControlOf(raw) & SE_DACL_AUTO_INHERITED ? "1400" : "1000";
-        g_calls.clear();
-        const Win32::KernelHandle file(Win32::CreateSuccessor(L"a", original));
-        EXPECT_TRUE(file);
-        EXPECT_EQ(g_calls, (Calls{"open 40070000 1 1 0 0", "get 4", "information 4 1", "remove",
-                                  "open 40070000 1 1 0 " + inherited, "get 4", given}))
-            << why;
-    }
 }
 
 TEST(FileCalls, ListNamedStreamsWithoutTheContent) {

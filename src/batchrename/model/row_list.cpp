@@ -35,8 +35,11 @@ RowMark MarkOfOutcome(const RowOutcome& outcome) {
 }
 
 std::wstring StatusOfPlan(const BatchRenameItem& row, const RowPlan& plan) {
-    if (plan.verdict == RowVerdict::Rename)
-        return row.state == RowState::Restore ? L"Will be restored" : L"Will be renamed";
+    if (plan.verdict == RowVerdict::Rename) {
+        const std::wstring warning = DescribeRowPlan(row, plan);
+        return (row.state == RowState::Restore ? L"Will be restored" : L"Will be renamed") +
+               (warning.empty() ? warning : L"; " + warning);
+    }
     if (plan.reason == RowReason::Unchanged) return L"Unchanged";
     return Sentence(DescribeRowPlan(row, plan));
 }
