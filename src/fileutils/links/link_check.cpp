@@ -80,7 +80,7 @@ void LinkCheckThread::Request(LinkNames names, uint32_t type) {
     {
         const std::lock_guard lock(m_mutex);
         m_result.reset();
-        m_plan.emplace(std::move(names), type, ++m_newest);
+        m_plan = Plan{std::move(names), type, ++m_newest};
     }
     m_wake.notify_one();
 }

@@ -14,14 +14,14 @@ namespace FileUtils {
 using namespace Quorvane::SDK;
 
 std::wstring TakeOutImpossibleNames(std::vector<ItemRename>& renames) {
-    const auto impossible = std::ranges::stable_partition(
-        renames, [](const ItemRename& rename) { return Win32::IsFileName(rename.newName); });
-    if (impossible.empty()) return {};
-    const std::wstring& name = impossible.front().newName;
-    std::wstring told =
-        L"\"" + name + L"\" cannot be a name: " + Win32::DescribeNameFault(name, Win32::CheckFileName(name)) + L'.';
-    if (impossible.size() > 1) told += L" So it is with " + std::to_wstring(impossible.size()) + L" names.";
-    renames.erase(impossible.begin(), impossible.end());
+    const auto isPossible = [](const ItemRename& rename) { return Win32::IsFileName(rename.newName); };
+    const auto first = std::stable_partition(renames.begin(), renames.end(), isPossible);
+    if (first == renames.end()) return {};
+    std::wstring told = L"\"" + first->newName + L"\" cannot be a name: " +
+                        Win32::DescribeNameFault(first->newName, Win32::CheckFileName(first->newName)) + L'.';
+    const auto count = renames.end() - first;
+    if (count > 1) told += L" So it is with " + std::to_wstring(count) + L" names.";
+    renames.erase(first, renames.end());
     return told;
 }
 
