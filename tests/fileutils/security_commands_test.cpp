@@ -1,5 +1,7 @@
 // Taking ownership, resetting and granting access: messages of the elevated channel, the common frame of the three
 // commands, and the commands with their dialog, in one process and across the real channel.
+#include <regex>
+
 #include "fileutils/access/account_picker.h"
 #include "fileutils/access/change_access_dlg.h"
 #include "fileutils/access/security_work.h"
@@ -140,7 +142,8 @@ TEST(TakeOwnership, HoldsItsPrivilegeAsLongAsItWorks) {
     const std::wstring file = folder.Write(L"a", "x");
     ServicesOfHost host(QV_HOST_PROGRAM);
     host.Select(file);
-    Message message(Request(1, file));
+    const Bytes request = Request(1, file);
+    QVFuzz::ElevatedMessage message(request);
     int changes = 0;
     g_onChange = [&](SECURITY_INFORMATION parts) {
         EXPECT_EQ(parts, OWNER_SECURITY_INFORMATION + 0u);
