@@ -25,7 +25,17 @@ SortableLinesData<CharT> Load(const Lines<CharT>& lines) {
     std::basic_string<CharT> text;
     for (const auto& line : lines) (text += line) += CharT('\n');
     QVUtils::MemoryDataReader reader(text.data(), static_cast<uint32_t>(text.size() * sizeof(CharT)), false);
-    return SortableLinesData<CharT>(reader, 10);  // the file has grown since it was opened
+    QVUtils::Progress progress;
+    return SortableLinesData<CharT>(reader, 10, progress);  // the file has grown since it was opened
+}
+
+/// By so many threads; 0: on this one.
+template <class CharT>
+void Sort(SortableLinesData<CharT>& data, const SortRequest& request, const std::basic_string<CharT>& dateFormat,
+          uint32_t threads = 0) {
+    QVUtils::Progress progress;
+    Workers workers(progress, threads);
+    SortLines(data, request, dateFormat, workers);
 }
 
 template <class CharT>
@@ -98,7 +108,7 @@ Lines<CharT> SortedPlainly(const Lines<CharT>& lines, const SortRequest& request
         const KeySpan span = FindKey<CharT>(line, rule);
         const auto rest = line.substr(span.offset);
         int64_t number = 0;
-        if (request.Has(Option::AsNumber)) number = NumberKey<CharT>(rest, request.substringLength);
+        if (request.Has(Option::AsNumber)) number = NumberKey<CharT>(rest, request.substringLength).value_or(0);
         if (request.Has(Option::AsDate)) number = DateKeyReader().Read<CharT>(rest, dateFormat);
         rows.push_back({line, span.length ? rest.substr(0, span.length) : rest, number, rows.size()});
     }

@@ -22,7 +22,7 @@ void Sort(std::string_view text, uint8_t rule, uint8_t order) {
     const std::basic_string<CharT> dateFormat(format.begin(), format.end());
     auto data = Load(lines);
     CutKeys(data, key);
-    SortLines(data, request, dateFormat);
+    QVFuzz::Sort(data, request, dateFormat);
     Require(Texts(data) == SortedPlainly(lines, request, key, dateFormat), "the order is the plain one");
 }
 

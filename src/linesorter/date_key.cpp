@@ -199,7 +199,8 @@ int64_t RuntimeTimeOf(const CalendarFields& fields) {
 #else
     const int64_t time = std::mktime(&calendar);
 #endif
-    return time < 0 ? -1 : time;  // some runtimes count backwards before 1970, others fail: all such keys are equal
+    return time < 0 ? kNoDateKey
+                    : time;  // some runtimes count backwards before 1970, others fail: all such keys are equal
 }
 
 }  // namespace

@@ -36,11 +36,14 @@ template <class CharT>
 size_t ParseDate(std::basic_string_view<CharT> text, std::basic_string_view<CharT> format, CalendarFields& fields);
 inline constexpr size_t kNoDate = static_cast<size_t>(-1);
 
+/// The key of what is no date, or lies before 1970.
+inline constexpr int64_t kNoDateKey = -1;
+
 /// Gives lines their date keys. Remembers the last day's midnight, since the runtime's conversion costs more than all
 /// the rest.
 class DateKeyReader {
 public:
-    /// Seconds since 1970 in UTC, the date taken as local time; -1 for what is no date or lies before 1970. A text that
+    /// Seconds since 1970 in UTC, the date taken as local time, or kNoDateKey. A text that
     /// does not fit gives the key of the fields read until then.
     template <class CharT>
     int64_t Read(std::basic_string_view<CharT> text, std::basic_string_view<CharT> format);

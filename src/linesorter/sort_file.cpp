@@ -2,6 +2,7 @@
 
 #include <new>
 #include <optional>
+#include <utility>
 
 #include "linesorter/sort_key.h"
 #include "linesorter/sort_lines.h"
@@ -67,61 +68,71 @@ KeyRule<CharT> KeyRuleOf(const SortRequest& request) {
             .itemNumber = request.itemNumber};
 }
 
-template <class CharT>
-void ExtractKeys(SortableLinesData<CharT>& data, const KeyRule<CharT>& rule) {
-    for (SortableLine& line : data.Lines()) {
-        const KeySpan key = FindKey(data.LineText(line), rule);
-        line.keyOffset = key.offset;
-        line.keyLength = key.length;
-    }
-}
+/// One file on its way from disk to disk.
+class FileSorter {
+public:
+    FileSorter(const std::wstring& source, const std::wstring& target, const SortRequest& request,
+               QVUtils::Progress& progress, SortFileResult& result)
+        : m_source(source), m_target(target), m_request(request), m_progress(progress), m_result(result) {}
 
-template <class CharT>
-SortableLinesData<CharT> LoadSorted(QVUtils::TextFile& file, const SortRequest& request) {
-    const KeyRule<CharT> rule = KeyRuleOf<CharT>(request);
-    const std::basic_string<CharT> dateFormat = DateFormatIn<CharT>(request);
-    SortableLinesData<CharT> data(file.GetReader(), file.GetSize());
-    file.Close();
-    ExtractKeys(data, rule);
-    SortLines(data, request, dateFormat);
-    if (request.Has(SortOption::RemoveBlankLines)) RemoveBlankLines(data, request);
-    return data;
-}
-
-template <class CharT>
-uint32_t Save(const SortableLinesData<CharT>& data, const std::wstring& target, const SortRequest& request,
-              std::optional<Win32::FileState>&& original) {
-    const bool mayOverwrite = request.Has(SortOption::Overwrite);
-    if (request.Has(SortOption::SaveAs) && !mayOverwrite && Win32::Exists(target))
-        throw QVLineSorterException(ErrorCode::FileExists, "Target file already exists");
-    const QVUtils::ReplaceRequest replace = {.target = target,
-                                             .mayOverwrite = mayOverwrite,
-                                             .keepBackup = request.Has(SortOption::KeepBackup),
-                                             .dropBackup = request.Has(SortOption::DeleteBackup)};
-    return QVUtils::ReplaceFileContent(
-        replace, [&](QVUtils::DataWriter& writer) { WriteLines(data, writer); }, std::move(original));
-}
-
-/// Returns the error for which a backup stayed, else 0.
-uint32_t SortOneFile(const std::wstring& source, const std::wstring& target, const SortRequest& request) {
-    if (CheckRequest(request))
-        throw QVLineSorterException(ErrorCode::InvalidParameter, "The sort options are not valid");
-    QVUtils::TextFile file(source);
-    QVUtils::RefuseOversizedText(file.GetSize());
-    // Asked for while the file is open, which it is not for long.
-    auto original = QVUtils::OriginalOf(file.GetFile(), source, target);
-    switch (file.GetKind()) {
-        case EncodingKind::CodePage: {
-            const auto data = LoadSorted<char>(file, request);
-            return Save(data, target, request, std::move(original));
+    void Sort() {
+        if (CheckRequest(m_request))
+            throw QVLineSorterException(ErrorCode::InvalidParameter, "The sort options are not valid");
+        QVUtils::TextFile file(m_source);
+        QVUtils::RefuseOversizedText(file.GetSize());
+        switch (file.GetKind()) {
+            case EncodingKind::CodePage: return SortAs<char>(file);
+            case EncodingKind::Utf16: return SortAs<wchar_t>(file);
+            default: throw QVLineSorterException(ErrorCode::TextFormatNotSupported, "Text format not supported");
         }
-        case EncodingKind::Utf16: {
-            const auto data = LoadSorted<wchar_t>(file, request);
-            return Save(data, target, request, std::move(original));
-        }
-        default: throw QVLineSorterException(ErrorCode::TextFormatNotSupported, "Text format not supported");
     }
-}
+
+private:
+    // How much of the work is done with each part, in percent. How long sorting takes differs most.
+    static constexpr uint32_t kRead = 15;
+    static constexpr uint32_t kKeysCut = 20;
+    static constexpr uint32_t kSorted = 80;
+    static constexpr uint32_t kWritten = 100;
+
+    template <class CharT>
+    void SortAs(QVUtils::TextFile& file) {
+        const KeyRule<CharT> rule = KeyRuleOf<CharT>(m_request);
+        const std::basic_string<CharT> dateFormat = DateFormatIn<CharT>(m_request);
+        // Asked for while the file is open, which it is not for long.
+        auto original = QVUtils::OriginalOf(file.GetFile(), m_source, m_target);
+        Workers workers(m_progress, ThreadsFor(file.GetSize()));
+        m_progress.BeginPart(kRead);
+        SortableLinesData<CharT> data(file.GetReader(), file.GetSize(), m_progress);
+        file.Close();
+        m_progress.BeginPart(kKeysCut);
+        m_result.linesTooShort = CutKeys(data, m_request, rule, workers);
+        m_progress.BeginPart(kSorted);
+        m_result.lines = CountSorted(data, m_request);
+        m_result.linesWithoutValue = SortLines(data, m_request, dateFormat, workers);
+        if (m_request.Has(SortOption::RemoveBlankLines)) RemoveBlankLines(data, m_request);
+        m_progress.BeginPart(kWritten);
+        Save(data, std::move(original));
+    }
+
+    template <class CharT>
+    void Save(const SortableLinesData<CharT>& data, std::optional<Win32::FileState>&& original) {
+        const bool mayOverwrite = m_request.Has(SortOption::Overwrite);
+        if (m_request.Has(SortOption::SaveAs) && !mayOverwrite && Win32::Exists(m_target))
+            throw QVLineSorterException(ErrorCode::FileExists, "Target file already exists");
+        const QVUtils::ReplaceRequest replace = {.target = m_target,
+                                                 .mayOverwrite = mayOverwrite,
+                                                 .keepBackup = m_request.Has(SortOption::KeepBackup),
+                                                 .dropBackup = m_request.Has(SortOption::DeleteBackup)};
+        m_result.backupErrorCode = QVUtils::ReplaceFileContent(
+            replace, [&](QVUtils::DataWriter& writer) { WriteLines(data, writer, m_progress); }, std::move(original));
+    }
+
+    const std::wstring& m_source;
+    const std::wstring& m_target;
+    const SortRequest& m_request;
+    QVUtils::Progress& m_progress;
+    SortFileResult& m_result;
+};
 
 /// The text is left out when there is no memory for it: the code says that much.
 SortFileResult FailureOf(uint32_t code, const char* text) noexcept {
@@ -137,9 +148,13 @@ SortFileResult FailureOf(uint32_t code, const char* text) noexcept {
 
 }  // namespace
 
-SortFileResult SortFile(const std::wstring& source, const std::wstring& target, const SortRequest& request) noexcept {
+SortFileResult SortFile(const std::wstring& source, const std::wstring& target, const SortRequest& request,
+                        QVUtils::TellProgress tell) noexcept {
     try {
-        return {.errorCode = 0, .errorText = {}, .backupErrorCode = SortOneFile(source, target, request)};
+        SortFileResult result;
+        QVUtils::Progress progress(std::move(tell));
+        FileSorter(source, target, request, progress, result).Sort();
+        return result;
     } catch (const QVUtils::QVUtilsException& failure) {
         return FailureOf(failure.GetErrorCode(), failure.what());
     } catch (const std::exception& failure) {

@@ -24,6 +24,7 @@ KeySpan FindKey(std::basic_string_view<CharT> line, const KeyRule<CharT>& rule) 
     const CharT* const begin = line.data();
     const CharT* const end = begin + line.size();
     const CharT* key = begin + std::min<size_t>(rule.lineOffset, line.size());
+    bool isMissing = rule.lineOffset > 0 && rule.lineOffset >= line.size();
     if (rule.skipLeadingSpaces) key = std::find_if_not(key, end, IsSpaceOrTab<CharT>);
 
     const CharT* keyEnd = key;  // stays here for "to the end of the line"
@@ -37,13 +38,15 @@ KeySpan FindKey(std::basic_string_view<CharT> line, const KeyRule<CharT>& rule) 
         }
     } else if (rule.kind == KeyRule<CharT>::Kind::Item) {
         if (rule.itemNumber == 0) key = end;  // no item has this number
-        for (uint32_t item = 1; item < rule.itemNumber && key != end; ++item) {
+        isMissing = isMissing || rule.itemNumber == 0;
+        for (uint32_t item = 1; item < rule.itemNumber && !isMissing; ++item) {
             key = FindSeparator(key, end, rule.separator);
-            if (key != end) ++key;
+            isMissing = key == end;
+            if (!isMissing) ++key;
         }
         keyEnd = FindSeparator(key, end, rule.separator);
     }
-    return {static_cast<uint32_t>(key - begin), static_cast<uint32_t>(keyEnd - key)};
+    return {static_cast<uint32_t>(key - begin), static_cast<uint32_t>(keyEnd - key), isMissing};
 }
 
 template KeySpan FindKey(std::string_view, const KeyRule<char>&);

@@ -63,6 +63,7 @@ struct KeyRule {
 struct KeySpan {
     uint32_t offset = 0;
     uint32_t length = 0;
+    bool isMissing = false;  // the line ends before the key's place, or has too few items
     bool operator==(const KeySpan&) const = default;
 };
 
@@ -74,10 +75,11 @@ template <class CharT>
 KeySpan FindKey(std::basic_string_view<CharT> line, const KeyRule<CharT>& rule);
 
 /// The number key: what ParseInteger reads from the first `longest` characters (0: from all) after the key's start.
-/// The key's own length does not matter. 0 when there is no number.
+/// The key's own length does not matter. Nothing when there is no number: it counts as 0.
 template <class CharT>
-int64_t NumberKey(std::basic_string_view<CharT> fromKey, uint32_t longest) {
-    return ParseInteger(longest == 0 ? fromKey : fromKey.substr(0, longest)).value;
+std::optional<int64_t> NumberKey(std::basic_string_view<CharT> fromKey, uint32_t longest) {
+    const ParsedInteger number = ParseInteger(longest == 0 ? fromKey : fromKey.substr(0, longest));
+    return number.length == 0 ? std::nullopt : std::optional(number.value);
 }
 
 }  // namespace QVLineSorter

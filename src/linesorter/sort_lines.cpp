@@ -1,18 +1,19 @@
 #include "linesorter/sort_lines.h"
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <new>
+#include <optional>
 #include <span>
-#include <type_traits>
+#include <utility>
 #include <vector>
 
-#include "linesorter/chunk_sort.h"
 #include "linesorter/date_key.h"
+#include "linesorter/group_sort.h"
+#include "linesorter/language_order.h"
 #include "linesorter/line_compare.h"
-#include "linesorter/ordinal_chunks.h"
-#include "linesorter/sort_key.h"
-#include "linesorter/sort_key_chunks.h"
+#include "linesorter/ordinal_order.h"
 
 namespace QVLineSorter {
 namespace {
@@ -25,28 +26,30 @@ Range SortedRange(SortableLinesData<CharT>& data, const SortRequest& request) {
     return Range(data.Lines()).subspan(top, count - top - bottom);
 }
 
-template <class KeyAt>
-std::vector<KeyedIndex> MakeEntries(size_t count, KeyAt&& keyAt) {
-    std::vector<KeyedIndex> entries;
-    entries.reserve(count);
-    for (uint32_t i = 0; i < count; ++i) entries.push_back({.key = keyAt(i), .index = i});
-    return entries;
-}
-
-/// Moves the lines into the order of the entries, whose memory serves as the scratch space.
-void ApplyOrder(Range lines, std::span<KeyedIndex> entries) {
+/// Sorts by entries, `sort` putting these in order, and moves the lines into it. The entries are all the memory that a
+/// sort takes for each line.
+template <class Sort>
+void SortEntries(Range lines, Workers& workers, Sort&& sort) {
+    std::vector<KeyedIndex> entries(lines.size());
+    for (uint32_t i = 0; i < entries.size(); ++i) entries[i].index = i;
+    sort(std::span(entries));
     static_assert(sizeof(SortableLine) == sizeof(KeyedIndex));
-    for (KeyedIndex& entry : entries) entry = std::bit_cast<KeyedIndex>(lines[entry.index]);
-    for (size_t i = 0; i < lines.size(); ++i) lines[i] = std::bit_cast<SortableLine>(entries[i]);
+    workers.ForEach(lines.size(), [&](uint32_t begin, uint32_t end, uint32_t) {
+        for (uint32_t i = begin; i < end; ++i) entries[i] = std::bit_cast<KeyedIndex>(lines[entries[i].index]);
+    });
+    std::ranges::transform(entries, lines.begin(),
+                           [](const KeyedIndex& entry) { return std::bit_cast<SortableLine>(entry); });
 }
 
 /// A comparator on whole lines.
-template <class CharT, class Compare = LineCompare_TextBase<CharT>>
+template <class CharT>
 class KeyLess {
 public:
-    KeyLess(const SortableLinesData<CharT>& data, Compare& compare) : m_data(data), m_compare(compare) {}
+    KeyLess(const SortableLinesData<CharT>& data, LineCompare_TextBase<CharT>& compare, Workers& workers)
+        : m_data(data), m_compare(compare), m_workers(workers) {}
 
     bool operator()(const SortableLine& left, const SortableLine& right) const {
+        m_workers.GetProgress().Advance(0, 1);
         const auto leftKey = m_data.KeyText(left);
         const auto rightKey = m_data.KeyText(right);
         return m_compare.Less(leftKey.data(), static_cast<uint32_t>(leftKey.size()), rightKey.data(),
@@ -55,166 +58,218 @@ public:
 
 private:
     const SortableLinesData<CharT>& m_data;
-    Compare& m_compare;
+    LineCompare_TextBase<CharT>& m_compare;
+    Workers& m_workers;
 };
 
-/// The plain way, for what has no chunks or too few lines to make them; the others must agree with it.
+/// The plain way, for few lines, and where there is no memory for entries; the others must agree with it.
 template <class CharT>
-void SortByComparing(const SortableLinesData<CharT>& data, Range lines, LineCompare_TextBase<CharT>& compare) {
-    std::stable_sort(lines.begin(), lines.end(), KeyLess<CharT>(data, compare));
+void SortByComparing(const SortableLinesData<CharT>& data, Range lines, LineCompare_TextBase<CharT>&& compare,
+                     Workers& workers) {
+    std::stable_sort(lines.begin(), lines.end(), KeyLess<CharT>(data, compare, workers));
 }
 
-template <class ReadChunk>
-void SortOrdinalBytes(const SortableLinesData<char>& data, Range lines, const ByteOrder& order, ReadChunk read) {
-    const KeyChunks<char, ReadChunk> chunkAt(data, lines, read);
-    std::vector<KeyedIndex> entries = MakeEntries(lines.size(), [&](uint32_t index) { return chunkAt(index, 0); });
-    const bool hasBeginnings = SortByChunks(entries, kLastCharacter<char>, chunkAt);
-    if (hasBeginnings) PlaceBeginnings(entries, order, [&](uint32_t index) { return data.KeyText(lines[index]); });
-    ApplyOrder(lines, entries);
-}
-
-/// Chunks cannot tell a zero character from a key's end. To the runtime's comparisons a key ends with its first zero.
-void SortOrdinalBytesWithZeros(const SortableLinesData<char>& data, Range lines, const ByteOrder& order) {
-    const auto keyOf = [&](uint32_t index) {
-        const std::string_view key = data.KeyText(lines[index]);
-        const size_t zero = key.find('\0');
-        return zero == std::string_view::npos ? key : key.substr(0, zero + 1);
-    };
-    std::vector<KeyedIndex> entries = MakeEntries(lines.size(), [](uint32_t) { return uint64_t{0}; });
-    std::stable_sort(entries.begin(), entries.end(), [&](const KeyedIndex& left, const KeyedIndex& right) {
-        return order.IsLess(keyOf(left.index), keyOf(right.index));
+/// Sorts the lines themselves; `isLess` is an order, and lines that are equal in it stand as in the file.
+template <class IsLess>
+void SortInPlace(Range lines, Workers& workers, IsLess&& isLess) {
+    std::ranges::sort(lines, [&](const SortableLine& left, const SortableLine& right) {
+        workers.GetProgress().Advance(0, 1);
+        if (isLess(left, right)) return true;
+        return left.start < right.start && !isLess(right, left);
     });
-    PlaceBeginnings(entries, order, keyOf);
-    ApplyOrder(lines, entries);
 }
 
-void SortOrdinal(const SortableLinesData<char>& data, Range lines, bool ignoreCase) {
+/// To the runtime's comparisons a key ends with its first zero.
+std::string_view OrdinalKey(const SortableLinesData<char>& data, const SortableLine& line) {
+    const std::string_view key = data.KeyText(line);
+    const size_t zero = key.find('\0');
+    return zero == std::string_view::npos ? key : key.substr(0, zero + 1);
+}
+
+template <class Entry, class KeyOf, class PlaceOf>
+void PlaceBeginnings(std::span<Entry> entries, const ByteOrder& order, KeyOf keyOf, PlaceOf placeOf, Workers& workers) {
+    BeginningPlacer placer(entries, order, keyOf, placeOf);
+    std::atomic<bool> hasBeginnings = false;
+    workers.ForEach(entries.size(), [&](uint32_t begin, uint32_t end, uint32_t) {
+        if (!hasBeginnings && placer.HasBeginnings(begin, end)) hasBeginnings = true;
+    });
+    if (hasBeginnings) placer.Place([&](size_t done) { workers.GetProgress().Advance(done, entries.size()); });
+}
+
+template <class CharT, class ValueOf>
+void SortOrdinalEntries(std::span<KeyedIndex> entries, const SortableLinesData<CharT>& data, Range lines,
+                        ValueOf valueOf, Workers& workers) {
+    std::vector readers(workers.Count(), OrdinalReader<CharT, ValueOf>(data, lines, valueOf));
+    GroupSort(entries, readers, workers).Sort();
+}
+
+void SortOrdinal(const SortableLinesData<char>& data, Range lines, bool ignoreCase, Workers& workers) {
     const ByteOrder order(LineCompare_OrdinalA(ignoreCase).ByteRanks());
-    if (data.HasZeroCharacter())
-        SortOrdinalBytesWithZeros(data, lines, order);
-    else if (ignoreCase)
-        SortOrdinalBytes(data, lines, order, RankedBytes{order.Ranks()});
-    else
-        SortOrdinalBytes(data, lines, order, PlainBytes{});
-}
-
-template <class ReadChunk>
-void SortOrdinalUnits(const SortableLinesData<wchar_t>& data, Range lines, ReadChunk read) {
-    const KeyChunks<wchar_t, ReadChunk> chunkAt(data, lines, read);
-    std::vector<KeyedIndex> entries = MakeEntries(lines.size(), [&](uint32_t index) { return chunkAt(index, 0); });
-    SortByChunks(entries, kLastCharacter<wchar_t>, chunkAt);
-    ApplyOrder(lines, entries);
-}
-
-void SortOrdinal(const SortableLinesData<wchar_t>& data, Range lines, bool ignoreCase) {
-    LineCompare_OrdinalW compare(ignoreCase);
-    const std::vector<wchar_t> caseTable = ignoreCase ? Win32::OrdinalCaseTable() : std::vector<wchar_t>();
-    if (!compare.HasSystemComparison() || data.HasZeroCharacter() || (ignoreCase && caseTable.empty()))
-        SortByComparing(data, lines, compare);
-    else if (ignoreCase)
-        SortOrdinalUnits(data, lines, FoldedUnits{caseTable});
-    else
-        SortOrdinalUnits(data, lines, PlainUnits{});
-}
-
-/// So many lines are compared sooner than their sort keys are made.
-constexpr ptrdiff_t kFewLines = 12;
-
-/// Sorts by the sort keys when all that are needed can be made. Else it leaves the lines in their order.
-template <class CharT, class Compare>
-bool SortBySortKeys(const SortableLinesData<CharT>& data, Range lines, Compare& compare, size_t limit) try {
-    SortKeyChunks<CharT, Compare> chunkAt(data, lines, compare, limit);
-    std::vector<KeyedIndex> entries;
-    entries.reserve(lines.size());
-    for (uint32_t i = 0; i < lines.size(); ++i) entries.push_back(chunkAt.EntryOf(i));
-    if (chunkAt.HasFailed()) return false;
-    SortByKeyThenIndex(entries);
-    const KeyLess<CharT, Compare> less(data, compare);
-    for (auto begin = entries.begin(), end = begin; begin != entries.end(); begin = end) {
-        end = std::find_if(begin, entries.end(), [&](const KeyedIndex& entry) { return entry.key != begin->key; });
-        if (end - begin > kFewLines)
-            SortByChunks({begin, end}, 0xFF, chunkAt);
-        else if (end - begin > 1)
-            std::stable_sort(begin, end, [&](const KeyedIndex& left, const KeyedIndex& right) {
-                if (left.tail != 0 && right.tail != 0 && left.tail != right.tail) return left.tail < right.tail;
-                return less(lines[left.index], lines[right.index]);
-            });
-        if (chunkAt.HasFailed()) return false;
-    }
-    ApplyOrder(lines, entries);
-    return true;
-} catch (const std::bad_alloc&) {
-    return false;
-}
-
-/// Half of the lines need half of the memory. Merging two halves compares each line about once, so where the sort keys
-/// of all lines take too much, the time still grows little faster than their number.
-template <class CharT, class Compare>
-void SortByLanguage(const SortableLinesData<CharT>& data, Range lines, Compare&& compare, size_t limit) {
-    if (lines.size() <= kFewLines) {
-        SortByComparing(data, lines, compare);
-    } else if (!SortBySortKeys(data, lines, compare, limit)) {
-        const size_t half = lines.size() / 2;
-        SortByLanguage(data, lines.first(half), compare, limit);
-        SortByLanguage(data, lines.subspan(half), compare, limit);
-        std::inplace_merge(lines.begin(), lines.begin() + static_cast<ptrdiff_t>(half), lines.end(),
-                           KeyLess<CharT, std::remove_reference_t<Compare>>(data, compare));
+    const auto inPlace = [&] {
+        const auto keyOf = [&](const SortableLine& line) { return OrdinalKey(data, line); };
+        SortInPlace(lines, workers, [&](const SortableLine& left, const SortableLine& right) {
+            return order.IsLess(keyOf(left), keyOf(right));
+        });
+        PlaceBeginnings(
+            lines, order, keyOf, [](const SortableLine& line) { return line.start; }, workers);
+    };
+    // Chunks cannot tell a zero character from a key's end.
+    if (data.HasZeroCharacter()) return inPlace();
+    try {
+        SortEntries(lines, workers, [&](std::span<KeyedIndex> entries) {
+            if (ignoreCase)
+                SortOrdinalEntries(entries, data, lines, RankedBytes{order.Ranks()}, workers);
+            else
+                SortOrdinalEntries(entries, data, lines, PlainCharacters<char>(), workers);
+            PlaceBeginnings(
+                entries, order, [&](const KeyedIndex& entry) { return data.KeyText(lines[entry.index]); },
+                [](const KeyedIndex& entry) { return entry.index; }, workers);
+        });
+    } catch (const std::bad_alloc&) {
+        inPlace();
     }
 }
 
-void SortText(const SortableLinesData<char>& data, Range lines, const SortRequest& request, size_t sortKeyLimit) {
+void SortOrdinal(const SortableLinesData<wchar_t>& data, Range lines, bool ignoreCase, Workers& workers) {
+    const auto plainly = [&] { SortByComparing(data, lines, LineCompare_OrdinalW(ignoreCase), workers); };
+    if (!LineCompare_OrdinalW(ignoreCase).HasSystemComparison() || data.HasZeroCharacter()) return plainly();
+    try {
+        const std::vector<wchar_t> caseTable = ignoreCase ? Win32::OrdinalCaseTable() : std::vector<wchar_t>();
+        if (ignoreCase && caseTable.empty()) return plainly();
+        SortEntries(lines, workers, [&](std::span<KeyedIndex> entries) {
+            if (ignoreCase)
+                SortOrdinalEntries(entries, data, lines, FoldedUnits{caseTable}, workers);
+            else
+                SortOrdinalEntries(entries, data, lines, PlainCharacters<wchar_t>(), workers);
+        });
+    } catch (const std::bad_alloc&) {
+        plainly();
+    }
+}
+
+/// So many lines are compared sooner than the characters' weights are known.
+constexpr size_t kFewLines = 256;
+
+template <class CharT, class Compare>
+void SortByLanguage(const SortableLinesData<CharT>& data, Range lines, Compare&& compare, bool digitsAsNumbers,
+                    Workers& workers) {
+    const auto plainly = [&] { SortByComparing<CharT>(data, lines, std::forward<Compare>(compare), workers); };
+    if (lines.size() <= kFewLines) return plainly();
+    try {
+        SortKeyMaker<CharT> maker(digitsAsNumbers);
+        const PlainWeights<CharT> weights(maker);
+        SortEntries(lines, workers, [&](std::span<KeyedIndex> entries) {
+            std::vector readers(workers.Count(), LanguageReader<CharT>(data, lines, weights, maker));
+            GroupSort(entries, readers, workers).Sort();
+        });
+    } catch (const std::bad_alloc&) {
+        plainly();
+    } catch (const NoSortKey&) {
+        plainly();
+    }
+}
+
+void SortText(const SortableLinesData<char>& data, Range lines, const SortRequest& request, Workers& workers) {
     if (!request.Has(SortOption::LanguageOrder))
-        SortOrdinal(data, lines, request.Has(SortOption::IgnoreCase));
+        SortOrdinal(data, lines, request.Has(SortOption::IgnoreCase), workers);
     else if (request.Has(SortOption::NaturalNumbers))
-        SortByLanguage(data, lines, LineCompare_LanguageAware_WFallback(), sortKeyLimit);
+        SortByLanguage(data, lines, LineCompare_LanguageAware_WFallback(), true, workers);
     else
-        SortByLanguage(data, lines, LineCompare_LanguageAware_StringCompareA(), sortKeyLimit);
+        SortByLanguage(data, lines, LineCompare_LanguageAware_StringCompareA(), false, workers);
 }
 
-void SortText(const SortableLinesData<wchar_t>& data, Range lines, const SortRequest& request, size_t sortKeyLimit) {
+void SortText(const SortableLinesData<wchar_t>& data, Range lines, const SortRequest& request, Workers& workers) {
+    const bool isNatural = request.Has(SortOption::NaturalNumbers);
     if (request.Has(SortOption::LanguageOrder))
-        SortByLanguage(data, lines,
-                       LineCompare_LanguageAware_StringCompareEx<wchar_t>(request.Has(SortOption::NaturalNumbers),
-                                                                          !request.Has(SortOption::NoCompareStringEx)),
-                       sortKeyLimit);
+        SortByLanguage(
+            data, lines,
+            LineCompare_LanguageAware_StringCompareEx<wchar_t>(isNatural, !request.Has(SortOption::NoCompareStringEx)),
+            isNatural, workers);
     else
-        SortOrdinal(data, lines, request.Has(SortOption::IgnoreCase));
+        SortOrdinal(data, lines, request.Has(SortOption::IgnoreCase), workers);
 }
 
-/// Orders by signed 64-bit values, smaller first.
+/// Orders by signed 64-bit values, smaller first. `keyOf(line, worker)` gives a line's, or nothing. Returns how many
+/// lines have none.
 template <class KeyOf>
-void SortByNumber(Range lines, KeyOf&& keyOf) {
+uint64_t SortByNumber(Range lines, Workers& workers, int64_t whenMissing, KeyOf&& keyOf) {
     constexpr uint64_t kSignBit = uint64_t{1} << 63;  // turned over, it puts negative numbers below the others
-    std::vector<KeyedIndex> entries = MakeEntries(
-        lines.size(), [&](uint32_t index) { return static_cast<uint64_t>(keyOf(lines[index])) ^ kSignBit; });
-    SortByKeyThenIndex(entries);
-    ApplyOrder(lines, entries);
+    constexpr uint32_t kOwnTail = 2;                  // of no chunk that means something else
+    std::atomic<uint64_t> missing = 0;
+    try {
+        SortEntries(lines, workers, [&](std::span<KeyedIndex> entries) {
+            workers.ForEach(lines.size(), [&](uint32_t begin, uint32_t end, uint32_t worker) {
+                uint64_t missingHere = 0;
+                for (uint32_t i = begin; i < end; ++i) {
+                    const std::optional<int64_t> key = keyOf(lines[i], worker);
+                    if (!key) ++missingHere;
+                    entries[i] = {static_cast<uint64_t>(key.value_or(whenMissing)) ^ kSignBit, i, kOwnTail};
+                }
+                missing += missingHere;
+            });
+            std::vector<NumberReader> readers(workers.Count());
+            GroupSort(entries, readers, workers).SortByKeys();
+        });
+    } catch (const std::bad_alloc&) {
+        missing = static_cast<uint64_t>(
+            std::ranges::count_if(lines, [&](const SortableLine& line) { return !keyOf(line, 0); }));
+        SortInPlace(lines, workers, [&](const SortableLine& left, const SortableLine& right) {
+            return keyOf(left, 0).value_or(whenMissing) < keyOf(right, 0).value_or(whenMissing);
+        });
+    }
+    return missing;
+}
+
+template <class CharT>
+uint64_t SortByValue(const SortableLinesData<CharT>& data, Range lines, const SortRequest& request,
+                     std::basic_string_view<CharT> dateFormat, Workers& workers) {
+    // An entire line has no number and no date: all keys are 0 and the order stays, as scripts know it. Dates without a
+    // format are the same case.
+    if (request.Has(SortOption::EntireLine)) return 0;
+    if (request.Has(SortOption::AsNumber)) {
+        return SortByNumber(lines, workers, 0, [&](const SortableLine& line, uint32_t) {
+            return NumberKey(data.TextFromKey(line), request.substringLength);
+        });
+    }
+    if (dateFormat.empty()) return 0;
+    std::vector<DateKeyReader> readers(workers.Count());
+    return SortByNumber(lines, workers, kNoDateKey, [&](const SortableLine& line, uint32_t worker) {
+        const int64_t key = readers[worker].Read(data.TextFromKey(line), dateFormat);
+        return key == kNoDateKey ? std::nullopt : std::optional(key);
+    });
 }
 
 }  // namespace
 
 template <class CharT>
-void SortLines(SortableLinesData<CharT>& data, const SortRequest& request, const std::basic_string<CharT>& dateFormat,
-               size_t sortKeyLimit) {
+uint64_t CutKeys(SortableLinesData<CharT>& data, const SortRequest& request, const KeyRule<CharT>& rule,
+                 Workers& workers) {
     const Range lines = SortedRange(data, request);
-    if (request.Has(SortOption::AsNumber | SortOption::AsDate)) {
-        // An entire line has no number and no date: all keys are 0 and the order stays, as scripts know it. Dates
-        // without a format are the same case.
-        DateKeyReader dates;
-        const std::basic_string_view<CharT> format = dateFormat;
-        if (!request.Has(SortOption::EntireLine)) {
-            if (request.Has(SortOption::AsDate) && !format.empty())
-                SortByNumber(lines,
-                             [&](const SortableLine& line) { return dates.Read(data.TextFromKey(line), format); });
-            else if (request.Has(SortOption::AsNumber))
-                SortByNumber(lines, [&](const SortableLine& line) {
-                    return NumberKey(data.TextFromKey(line), request.substringLength);
-                });
+    std::atomic<uint64_t> tooShort = 0;
+    workers.ForEach(lines.size(), [&](uint32_t begin, uint32_t end, uint32_t) {
+        uint64_t tooShortHere = 0;
+        for (SortableLine& line : lines.subspan(begin, end - begin)) {
+            const KeySpan key = FindKey(data.LineText(line), rule);
+            line.keyOffset = key.offset;
+            line.keyLength = key.length;
+            if (key.isMissing) ++tooShortHere;
         }
-    } else {
-        SortText(data, lines, request, sortKeyLimit);
-    }
+        tooShort += tooShortHere;
+    });
+    return tooShort;
+}
+
+template <class CharT>
+uint64_t SortLines(SortableLinesData<CharT>& data, const SortRequest& request,
+                   const std::basic_string<CharT>& dateFormat, Workers& workers) {
+    const Range lines = SortedRange(data, request);
+    uint64_t missing = 0;
+    if (request.Has(SortOption::AsNumber | SortOption::AsDate))
+        missing = SortByValue<CharT>(data, lines, request, dateFormat, workers);
+    else if (lines.size() > 1)
+        SortText(data, lines, request, workers);
     if (request.Has(SortOption::Reverse)) std::reverse(lines.begin(), lines.end());
+    return missing;
 }
 
 template <class CharT>
@@ -225,8 +280,10 @@ void RemoveBlankLines(SortableLinesData<CharT>& data, const SortRequest& request
     data.Lines().erase(std::remove_if(first, last, [](const SortableLine& line) { return line.length == 0; }), last);
 }
 
-template void SortLines(SortableLinesData<char>&, const SortRequest&, const std::string&, size_t);
-template void SortLines(SortableLinesData<wchar_t>&, const SortRequest&, const std::wstring&, size_t);
+template uint64_t CutKeys(SortableLinesData<char>&, const SortRequest&, const KeyRule<char>&, Workers&);
+template uint64_t CutKeys(SortableLinesData<wchar_t>&, const SortRequest&, const KeyRule<wchar_t>&, Workers&);
+template uint64_t SortLines(SortableLinesData<char>&, const SortRequest&, const std::string&, Workers&);
+template uint64_t SortLines(SortableLinesData<wchar_t>&, const SortRequest&, const std::wstring&, Workers&);
 template void RemoveBlankLines(SortableLinesData<char>&, const SortRequest&);
 template void RemoveBlankLines(SortableLinesData<wchar_t>&, const SortRequest&);
 

@@ -24,19 +24,21 @@ size_t BreakLength(const CharT* at, const CharT* end) {
 }  // namespace
 
 template <class CharT>
-SortableLinesData<CharT>::SortableLinesData(QVUtils::DataReader& reader, uint64_t expectedSize) {
-    ReadText(reader, expectedSize);
+SortableLinesData<CharT>::SortableLinesData(QVUtils::DataReader& reader, uint64_t expectedSize,
+                                            QVUtils::Progress& progress) {
+    ReadText(reader, expectedSize, progress);
     const auto* const first = reinterpret_cast<const CharT*>(m_bytes.get());
     m_textEnd = first + m_size / sizeof(CharT);
     m_text = first;
     if constexpr (sizeof(CharT) == 2)
         if (m_text != m_textEnd && *m_text == CharT(0xFEFF)) ++m_text;
-    CutIntoLines();
+    CutIntoLines(progress);
 }
 
 template <class CharT>
-void SortableLinesData<CharT>::ReadText(QVUtils::DataReader& reader, uint64_t expectedSize) {
-    // Room for one read beyond the expected end: it finds nothing there, unless the file grows while it is read.
+void SortableLinesData<CharT>::ReadText(QVUtils::DataReader& reader, uint64_t expectedSize,
+                                        QVUtils::Progress& progress) {
+    // Space for one read beyond the expected end: it finds nothing there, unless the file grows while it is read.
     size_t capacity = std::min<uint64_t>(expectedSize, kSizeLimit) + 1;
     m_bytes = std::make_unique_for_overwrite<uint8_t[]>(capacity + kSpareBytes);
     for (;;) {
@@ -45,6 +47,7 @@ void SortableLinesData<CharT>::ReadText(QVUtils::DataReader& reader, uint64_t ex
                     received);
         if (received == 0) break;
         m_size += received;
+        progress.Advance(m_size, 2 * expectedSize);
         QVUtils::RefuseOversizedText(m_size);
         if (m_size < capacity) continue;
         capacity += capacity / 2 + kReadSize;
@@ -56,14 +59,19 @@ void SortableLinesData<CharT>::ReadText(QVUtils::DataReader& reader, uint64_t ex
 }
 
 template <class CharT>
-void SortableLinesData<CharT>::CutIntoLines() {
+void SortableLinesData<CharT>::CutIntoLines(QVUtils::Progress& progress) {
+    constexpr size_t kStep = 4096;  // lines between two looks at the progress
     // The lines are counted first: a second look at the text costs less than an array that grows.
     size_t count = 0;
-    for (const CharT* next = m_text; next != m_textEnd; ++count) next = QVUtils::FindLineEnd(next, m_textEnd).nextLine;
+    for (const CharT* next = m_text; next != m_textEnd; ++count) {
+        next = QVUtils::FindLineEnd(next, m_textEnd).nextLine;
+        if (count % kStep == 0) progress.Advance(1, 2);
+    }
     m_lines.reserve(count);
     m_prevailingLineBreak = View(kLineFeed<CharT>, 1);
     bool hasBreak = false;
     for (const CharT* next = m_text; next != m_textEnd;) {
+        if (m_lines.size() % kStep == 0) progress.Advance(count + m_lines.size(), 2 * count);
         const auto line = QVUtils::FindLineEnd(next, m_textEnd);
         m_lines.push_back(
             {.start = static_cast<uint32_t>(next - m_text), .length = static_cast<uint32_t>(line.textEnd - next)});
@@ -100,13 +108,15 @@ bool SortableLinesData<CharT>::HasZeroCharacter() const {
 }
 
 template <class CharT>
-void WriteLines(const SortableLinesData<CharT>& data, QVUtils::DataWriter& writer) {
+void WriteLines(const SortableLinesData<CharT>& data, QVUtils::DataWriter& writer, QVUtils::Progress& progress) {
     const auto write = [&](const auto& text) { QVUtils::WriteAll(writer, text.data(), text.size() * sizeof(text[0])); };
     // Sorted lines lie all over the text: asking for them some lines ahead hides the memory's answer time.
     constexpr size_t kAhead = 16;
+    constexpr size_t kStep = 1024;
     write(data.ByteOrderMark());
     const auto& lines = data.Lines();
     for (size_t i = 0; i < lines.size(); ++i) {
+        if (i % kStep == 0) progress.Advance(i, lines.size());
         if (i + kAhead < lines.size()) __builtin_prefetch(data.LineText(lines[i + kAhead]).data());
         const auto text = data.LineWithBreak(lines[i]);
         write(text);
@@ -116,13 +126,13 @@ void WriteLines(const SortableLinesData<CharT>& data, QVUtils::DataWriter& write
 }
 
 template class SortableLinesData<char>;
-template void WriteLines(const SortableLinesData<char>&, QVUtils::DataWriter&);
+template void WriteLines(const SortableLinesData<char>&, QVUtils::DataWriter&, QVUtils::Progress&);
 #ifdef _WIN32
 template class SortableLinesData<wchar_t>;
-template void WriteLines(const SortableLinesData<wchar_t>&, QVUtils::DataWriter&);
+template void WriteLines(const SortableLinesData<wchar_t>&, QVUtils::DataWriter&, QVUtils::Progress&);
 #else
 template class SortableLinesData<char16_t>;
-template void WriteLines(const SortableLinesData<char16_t>&, QVUtils::DataWriter&);
+template void WriteLines(const SortableLinesData<char16_t>&, QVUtils::DataWriter&, QVUtils::Progress&);
 #endif
 
 }  // namespace QVLineSorter

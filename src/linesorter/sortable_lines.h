@@ -9,6 +9,7 @@
 
 #include "textio/data_reader.h"
 #include "textio/data_writer.h"
+#include "textio/progress.h"
 
 namespace QVLineSorter {
 
@@ -37,8 +38,9 @@ public:
 
     /// Reads everything that `reader` still has to give. `expectedSize` in bytes is what the file had when it was
     /// opened; it may have changed since.
-    /// @throws QVUtilsException code 223 when it grew to 4 GB or more, and what the reader throws
-    SortableLinesData(QVUtils::DataReader& reader, uint64_t expectedSize);
+    /// @throws QVUtilsException code 223 when it grew to 4 GB or more, when the user has cancelled, and what the reader
+    /// throws
+    SortableLinesData(QVUtils::DataReader& reader, uint64_t expectedSize, QVUtils::Progress& progress);
 
     /// In file order at first. Sorting moves them, removing blank lines drops some.
     std::vector<SortableLine>& Lines() noexcept { return m_lines; }
@@ -65,11 +67,11 @@ public:
     bool HasZeroCharacter() const;
 
     /// At least this many bytes may be read after the text, all of them zero.
-    static constexpr size_t kSpareBytes = 8;
+    static constexpr size_t kSpareBytes = 12;
 
 private:
-    void ReadText(QVUtils::DataReader& reader, uint64_t expectedSize);
-    void CutIntoLines();
+    void ReadText(QVUtils::DataReader& reader, uint64_t expectedSize, QVUtils::Progress& progress);
+    void CutIntoLines(QVUtils::Progress& progress);
 
     std::unique_ptr<uint8_t[]> m_bytes;
     size_t m_size = 0;              // bytes read
@@ -83,6 +85,6 @@ private:
 /// converted. A line without a break, which is the file's last one or one that a lone CR ended, gets the prevailing
 /// break: else it would run into the line that now follows it.
 template <class CharT>
-void WriteLines(const SortableLinesData<CharT>& data, QVUtils::DataWriter& writer);
+void WriteLines(const SortableLinesData<CharT>& data, QVUtils::DataWriter& writer, QVUtils::Progress& progress);
 
 }  // namespace QVLineSorter

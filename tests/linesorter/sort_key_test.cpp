@@ -20,8 +20,8 @@ TEST(FindKey, CutsTheKeyThatTheRuleNames) {
         } cases[] = {
             {"the whole line has length 0", "abc", {}, {0, 0}},
             {"from an offset", "abc", {kFromOffset, 2, false, 0, false, false, {}}, {2, 0}},
-            {"and so has a shorter one", "abc", {kFromOffset, 4000000000, false, 0, false, false, {}}, {3, 0}},
-            {"an empty line", "", {kItem, 1, true, 0, false, false, ',', 2}, {0, 0}},
+            {"and so has a shorter one", "abc", {kFromOffset, 4000000000, false, 0, false, false, {}}, {3, 0, true}},
+            {"an empty line", "", {kItem, 1, true, 0, false, false, ',', 2}, {0, 0, true}},
             {"spaces and tabs are skipped after the offset",
              "x \t b",
              {kFromOffset, 1, true, 0, false, false, {}},
@@ -34,8 +34,8 @@ TEST(FindKey, CutsTheKeyThatTheRuleNames) {
             {"the second item", "a,bb,c", {kItem, 0, false, 0, false, false, ',', 2}, {2, 2}},
             {"items after an offset", "x,a,b", {kItem, 2, false, 0, false, false, ',', 2}, {4, 1}},
             {"an empty item means the rest", "a,,c", {kItem, 0, false, 0, false, false, ',', 2}, {2, 0}},
-            {"very many items asked for", "a,b", {kItem, 0, false, 0, false, false, ',', 4294967295}, {3, 0}},
-            {"no item has number 0", "a,b", {kItem, 0, false, 0, false, false, ',', 0}, {3, 0}},
+            {"very many items asked for", "a,b", {kItem, 0, false, 0, false, false, ',', 4294967295}, {3, 0, true}},
+            {"no item has number 0", "a,b", {kItem, 0, false, 0, false, false, ',', 0}, {3, 0, true}},
             {"a separator that this width lacks", "a,b", {kItem, 0, false, 0, false, false, {}, 1}, {0, 3}},
         };
         for (const auto& c : cases)
