@@ -60,7 +60,7 @@ private:
     };
 
     void ProcessItem(IFileItem& item, uint32_t index) {
-        FileTask task = {PathOf(item), {}, false};
+        FileTask task = {.source = PathOf(item), .target = {}};
         if (task.source.empty()) return;
         if (m_progress) {
             m_progress->Advance(index, task.source.c_str());
@@ -76,7 +76,7 @@ private:
             return;
         }
         switch (AskForTarget(task.target)) {
-            case TargetAnswer::Write: Process(task, item); break;
+            case TargetAnswer::Write: Process(task, item, index); break;
             case TargetAnswer::Skip: Skip(task, item); break;
             case TargetAnswer::Cancel: m_result.isCancelled = true; break;
         }
@@ -98,13 +98,19 @@ private:
         }
     }
 
-    void Process(FileTask& task, IFileItem& item) {
+    void Process(FileTask& task, IFileItem& item, uint32_t index) {
         task.mayOverwrite = m_mayOverwrite;
+        if (m_progress) task.tell = [&](uint32_t percent) { return GoesOn(task.source, index, percent); };
         switch (m_run.process(task)) {
             case FileResult::Done: Count(m_result.done, MarkKind::Done, item); break;
             case FileResult::Failed: Count(m_result.failed, MarkKind::Failed, item); break;
             case FileResult::Cancelled: m_result.isCancelled = true; break;
         }
+    }
+
+    bool GoesOn(const std::wstring& path, uint32_t index, uint32_t percent) {
+        m_progress->Advance(index, (std::to_wstring(percent) + L" % " + path).c_str());
+        return !m_progress->IsCancelled();
     }
 
     void Skip(const FileTask& task, IFileItem& item) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "sdk/host_services.h"
+#include "textio/progress.h"
 
 namespace FileUtils {
 
@@ -17,6 +18,8 @@ struct FileTask {
     std::wstring source;
     std::wstring target;        // full path: the source's own, or that of "Save as"
     bool mayOverwrite = false;  // a target of "Save as" that exists may be replaced
+    /// For a file that takes long: shown beside its name. Empty where the run shows no progress.
+    QVUtils::TellProgress tell = {};
 };
 
 enum class FileResult { Done, Failed, Cancelled };

@@ -41,6 +41,7 @@ std::string Transcript(FileRun run, const wchar_t* answers, bool cancelsAfterFir
     run.process = [&](const FileTask& task) {
         tell("do", task);
         isCancelled = cancelsAfterFirst;
+        EXPECT_EQ(task.tell(50), !cancelsAfterFirst) << "the wish to stop is heard inside a file";
         return Win32::FileNameOf(task.source) == L"b.txt" ? FileResult::Failed : FileResult::Done;
     };
     run.tellBadTarget = [&](const FileTask& task) { tell("bad", task); };

@@ -60,8 +60,35 @@ TEST(SortLinesCommand, LeavesTheFileAloneForABadParameterAndSaysWhich) {
     }
 }
 
+TEST(SortLinesCommand, NotesWhatHasNoEffectAndWhatLinesLack) {
+    const std::pair<Words, const char*> cases[] = {
+        {Words(), ""},
+        {{L"TARGET=new.txt", L"KEEPBACKUP"}, "TARGET is not used together with KEEPBACKUP or DELETE\n"},
+        {{L"KEEPBACKUP", L"DELETE"}, "DELETE is not used together with KEEPBACKUP"},
+        {{L"SORTBY=item", L"ITEMSEP=,"}, "SORTBY=item without ITEM : no line has a key, and the order stays"},
+        {{L"SORTBY=item", L"ITEM=1"}, "SORTBY=item without ITEMSEP : each line is one item"},
+        {{L"ITEM=1"}, "ITEM is not used without SORTBY=item"},
+        {{L"SORTBY=substring", L"SUBSTRLEN=2", L"ENDCHAR=,"}, "ENDCHAR is not used together with SUBSTRLEN"},
+        {{L"SORTBY=line", L"SORTAS=num"}, "SORTBY=line : entire lines have no number and no date, and the order stays"},
+        {{L"SORTAS=date"}, "SORTAS=date without DATEFORMAT : no line has a date, and the order stays"},
+        {{L"SORTAS=num", L"LANGUAGEORDER"}, "LANGUAGEORDER is not used together with SORTAS=num or SORTAS=date"},
+        {{L"NATRUALNUMORDER"}, "NATRUALNUMORDER is not used without LANGUAGEORDER"},
+        {{L"SORTAS=num"}, "2 of 3 lines have no number"},
+        {{L"SORTAS=date", L"DATEFORMAT=%Y-%m-%d"}, "3 of 3 lines have no date that fits the format"},
+        {{L"LINEOFFSET=4", L"KEEPTOP=1"}, "1 of 2 lines end before the place where the key begins"},
+    };
+    for (const auto& [parameters, note] : cases) {
+        const CommandRunner runner;
+        runner.Write(L"a.txt", "xyz\nb\n1,2,3\n");
+        const HostRun run = Sort(runner, Joined(parameters, {L"OVERWRITE", L"SILENT"}));
+        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(Holds(run.out, "[SortLines] - Note : "), *note != '\0') << run.out;
+        EXPECT_TRUE(Holds(run.out, note)) << run.out;
+    }
+}
+
 // What is asked and overwritten is held by the tests of the run over files.
-TEST(SortLinesCommand, LeavesWhatIsRefusedAndNotesATargetThatIsNotUsed) {
+TEST(SortLinesCommand, LeavesWhatIsRefused) {
     const CommandRunner runner;
     runner.Write(L"a.txt", "b\na\n");
     HostRun run = Sort(runner, {}, {L"no", L"ok"});
@@ -69,9 +96,6 @@ TEST(SortLinesCommand, LeavesWhatIsRefusedAndNotesATargetThatIsNotUsed) {
     run = Sort(runner, {}, {L"cancel"});
     EXPECT_TRUE(run.status == 1 && Holds(run.error, "1223")) << run.error;
     EXPECT_EQ(runner.ReadAll(), (Contents{{L"a.txt", "b\na\n"}}));
-    run = Sort(runner, {L"TARGET=new.txt", L"KEEPBACKUP"}, {L"ok"});
-    EXPECT_TRUE(Holds(run.out, "[SortLines] - Note : TARGET is not used together with KEEPBACKUP or DELETE\n"));
-    EXPECT_EQ(runner.ReadAll(), (Contents{{L"a.txt", "a\nb\n"}, {L"a.txt.bak", "b\na\n"}}));
 }
 
 TEST(SortLinesCommand, TellsWhyAFileFailed) {

@@ -1,15 +1,14 @@
 #include "fileutils/commands.h"
 #include "fileutils/ids.h"
-#include "win32/text.h"
 
-#include <algorithm>
-#include <optional>
 #include <string>
+#include <vector>
 
 #include "fileutils/file_run.h"
 #include "fileutils/fileutils_texts.h"
 #include "fileutils/sort_lines/sort_form.h"
 #include "fileutils/sort_lines/sort_lines_dlg.h"
+#include "fileutils/sort_lines/sort_parameters.h"
 #include "linesorter/sort_file.h"
 #include "linesorter/sort_request.h"
 #include "sdk/owners.h"
@@ -23,124 +22,6 @@ using namespace Quorvane::SDK;
 using QVLineSorter::SortRequest;
 namespace Option = QVLineSorter::SortOption;
 namespace ErrorCode = QVUtils::ErrorCode;
-
-struct SwitchOption {
-    const char* name;
-    uint32_t option;
-};
-constexpr SwitchOption kSwitches[] = {
-    {Parameter::SkipLeadingSpace, Option::SkipLeadingSpaces},
-    {Parameter::EndAtWhiteSpace, Option::EndAtWhiteSpace},
-    {Parameter::IgnoreCase, Option::IgnoreCase},
-    {Parameter::LanguageOrder, Option::LanguageOrder},
-    {Parameter::NaturalNumberOrder, Option::NaturalNumbers},
-    {Parameter::Reverse, Option::Reverse},
-    {Parameter::Overwrite, Option::Overwrite},
-    {Parameter::Silent, Option::Silent},
-};
-
-struct NamedOption {
-    const wchar_t* name;
-    uint32_t option;
-};
-constexpr NamedOption kSortBy[] = {
-    {L"line", Option::EntireLine}, {L"substring", Option::Substring}, {L"item", Option::Item}};
-constexpr NamedOption kSortAs[] = {{L"text", Option::AsText}, {L"num", Option::AsNumber}, {L"date", Option::AsDate}};
-
-/// A parameter that cannot be used. The reason is written to follow the parameter's name.
-struct BadParameter {
-    const char* name;
-    std::wstring reason;
-};
-
-/// Reads the parameters of one call. What is not given leaves the request alone; what is given wrongly throws.
-class SortParameters {
-public:
-    explicit SortParameters(ICustomCommandCall& call) : m_call(call) {}
-
-    SortRequest Read() {
-        SortRequest request;
-        request.options =
-            ReadName(Parameter::SortBy, kSortBy, 0) | ReadName(Parameter::SortAs, kSortAs, Option::AsText);
-        for (const SwitchOption& row : kSwitches)
-            if (m_call.HasParameter(row.name)) request.options |= row.option;
-        if (m_call.HasParameter(Parameter::KeepBackup))
-            request.options |= Option::KeepBackup;
-        else
-            request.options |= m_call.HasParameter(Parameter::Delete) ? Option::DeleteBackup : Option::SaveAs;
-        request.saveAsName = Text(Parameter::Target).value_or(L"");
-
-        request.keepTop = ReadNumber(Parameter::KeepTop);
-        request.keepBottom = ReadNumber(Parameter::KeepBottom);
-        request.lineOffset = ReadNumber(Parameter::LineOffset);
-        if (request.lineOffset > 0) --request.lineOffset;  // scripts count positions from 1
-        request.substringLength = ReadNumberText(Parameter::SubstringLength);
-        request.itemNumber = ReadNumberText(Parameter::ItemNumber);
-
-        const std::optional<wchar_t> endCharacter = ReadSeparator(Parameter::EndCharacter);
-        const std::optional<wchar_t> itemSeparator = ReadSeparator(Parameter::ItemSeparator);
-        if (endCharacter) request.options |= Option::EndAtCharacter;
-        // A request has one separator. Both are given only by mistake; then the one that the key's kind uses counts.
-        const bool wantsItem = request.Has(Option::Item);
-        request.separator =
-            (wantsItem ? itemSeparator : endCharacter).value_or((wantsItem ? endCharacter : itemSeparator).value_or(0));
-
-        request.dateFormat = Text(Parameter::DateFormat).value_or(L"");
-        if (const auto fault = QVLineSorter::CheckRequest(request))
-            throw BadParameter{NameOf(fault->field), fault->reason};
-        return request;
-    }
-
-private:
-    static const char* NameOf(QVLineSorter::RequestField field) {
-        return field == QVLineSorter::RequestField::SubstringLength ? Parameter::SubstringLength
-                                                                    : Parameter::DateFormat;
-    }
-
-    std::optional<std::wstring> Text(const char* name) {
-        const wchar_t* const text = m_call.HasParameter(name) ? m_call.GetTextParameter(name) : nullptr;
-        return text ? std::optional<std::wstring>(text) : std::nullopt;
-    }
-
-    template <size_t count>
-    uint32_t ReadName(const char* name, const NamedOption (&rows)[count], uint32_t whenAbsent) {
-        const std::optional<std::wstring> text = Text(name);
-        if (!text) return whenAbsent;
-        std::wstring names;
-        for (const NamedOption& row : rows) {
-            if (*text == row.name) return row.option;
-            names += (names.empty() ? L"" : L", ") + std::wstring(row.name);
-        }
-        throw BadParameter{name, L'"' + *text + L"\" is none of " + names};
-    }
-
-    uint32_t ReadNumber(const char* name) {
-        uint32_t number = 0;
-        if (m_call.HasParameter(name) && !m_call.GetNumberParameter(name, &number))
-            throw BadParameter{name, L"is not a number of 0 or more"};
-        return number;
-    }
-
-    uint32_t ReadNumberText(const char* name) {
-        const std::optional<std::wstring> text = Text(name);
-        if (!text) return 0;
-        const bool isNumber = !text->empty() && std::ranges::all_of(*text, Win32::IsDigit<wchar_t>);
-        if (!isNumber) throw BadParameter{name, L'"' + *text + L"\" is not a number of 0 or more"};
-        const std::optional<uint32_t> number = Win32::WholeNumber<uint32_t>(*text);
-        if (!number) throw BadParameter{name, L'"' + *text + L"\" is too large"};
-        return *number;
-    }
-
-    std::optional<wchar_t> ReadSeparator(const char* name) {
-        const std::optional<std::wstring> text = Text(name);
-        if (!text) return std::nullopt;
-        const std::optional<wchar_t> separator = QVLineSorter::SeparatorFromText(*text);
-        if (!separator) throw BadParameter{name, L'"' + *text + L"\" is not one character (\\t stands for a tab)"};
-        return separator;
-    }
-
-    ICustomCommandCall& m_call;
-};
 
 /// The log lines about a file have this level and the kind of a success, whatever became of it: log readers filter for
 /// them so. Only the line with the reason has the failure kind. compatibility: 18
@@ -179,7 +60,9 @@ public:
 private:
     FileResult Process(const FileTask& task) {
         if (task.mayOverwrite) m_request.options |= Option::Overwrite;
-        const QVLineSorter::SortFileResult result = QVLineSorter::SortFile(task.source, task.target, m_request);
+        const QVLineSorter::SortFileResult result =
+            QVLineSorter::SortFile(task.source, task.target, m_request, task.tell);
+        if (result.errorCode == ErrorCode::Cancelled) return FileResult::Cancelled;
         if (result.errorCode != 0) {
             TellFailure(task, Win32::FromCodePage(result.errorText, Win32::kThreadCodePage), result.errorCode);
             TellTarget(m_host, L"SortLines", task);
@@ -188,7 +71,14 @@ private:
         if (result.backupErrorCode != 0)
             LogReason(L"Unable to delete the backup (.bak) of the file", result.backupErrorCode);
         Log(L"[SortLines] - Sorted lines in file : %s (Saved as : %s)", task.source.c_str(), task.target.c_str());
+        NoteLines(result.linesTooShort, result.lines, L"end before the place where the key begins");
+        NoteLines(result.linesWithoutValue, result.lines,
+                  m_request.Has(Option::AsDate) ? L"have no date that fits the format" : L"have no number");
         return FileResult::Done;
+    }
+
+    void NoteLines(uint64_t count, uint64_t all, const wchar_t* what) {
+        if (count > 0) Log(L"[SortLines] - Note : %I64u of %I64u lines %s", count, all, what);
     }
 
     RunSummary Summary(const FileRunResult& result) const {
@@ -218,15 +108,14 @@ private:
     uint32_t m_lastErrorCode = 0;
 };
 
-CallResult SortOneFile(IHostServices& host, IFileItem& item, SortRequest request) {
+CallResult SortOneFile(IHostServices& host, ICustomCommandCall& call, IFileItem& item, SortRequest request) {
     const Owned<IFileList> list(host.CreateFileList());
     if (!list || !list->AddItem(&item)) return {false, ErrorCode::OutOfMemory};
-    const bool isTargetUnused = !request.Has(Option::SaveAs) && !request.saveAsName.empty();
+    const std::vector<std::wstring> notes = NotesOnSortParameters(call, request);
     SortWork work(host, std::move(request));
     const FileRunResult result = work.RunOver(*list);
-    if (isTargetUnused)
-        host.Log(kLogLevel, LogKind::Success,
-                 L"[SortLines] - Note : TARGET is not used together with KEEPBACKUP or DELETE");
+    for (const std::wstring& note : notes)
+        host.Log(kLogLevel, LogKind::Success, L"[SortLines] - Note : %s", note.c_str());
     return {result.done > 0, result.isCancelled ? ErrorCode::Cancelled : work.GetLastErrorCode()};
 }
 
@@ -237,10 +126,10 @@ CallResult RunSortLinesCommand(IHostServices& host, ICustomCommandCall& call) {
     if (!file) return {false, ErrorCode::InvalidParameter};
     const std::wstring fileName = file;
     try {
-        SortRequest request = SortParameters(call).Read();
+        SortRequest request = ReadSortParameters(call);
         const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
         const Owned<IFileItem> item(files ? files->CreateFileItem(fileName.c_str(), 1) : nullptr);
-        if (item) return SortOneFile(host, *item, std::move(request));
+        if (item) return SortOneFile(host, call, *item, std::move(request));
         host.Log(kLogLevel, LogKind::Failure, L"[Custom Cmd - SortLines] - FILE : %s not found", fileName.c_str());
         return {false, ErrorCode::FileNotFound};
     } catch (const BadParameter& bad) {
