@@ -77,15 +77,20 @@ public:
         all.depth = ChoosePivot(all, m_readers.front());
         const uint32_t pivot = PivotOf(all).index;
         for (Reader& reader : m_readers) reader.SetPivot(pivot, 0);
+        m_workers.GetProgress().BeginPart(SortPart::KeysRead);
         m_workers.ForEach(m_entries.size(), [&](uint32_t begin, uint32_t end, uint32_t worker) {
             Load({.begin = begin, .end = end, .depth = all.depth}, m_readers[worker]);
         });
+        m_workers.GetProgress().BeginPart(SortPart::Ordered);
         all.kind = kLoaded;
         SortLoaded(all);
     }
 
     /// The same for entries that have their keys already, which are all there is.
-    void SortByKeys() { SortLoaded({.end = static_cast<uint32_t>(m_entries.size()), .kind = kLoaded}); }
+    void SortByKeys() {
+        m_workers.GetProgress().BeginPart(SortPart::Ordered);
+        SortLoaded({.end = static_cast<uint32_t>(m_entries.size()), .kind = kLoaded});
+    }
 
 private:
     // Bits of a task's kind; above them stands how often the range has been parted.
@@ -187,13 +192,29 @@ private:
             SortGroup(part, worker);
             task.begin = greater;
         }
-        const auto members = MembersOf(task);
-        std::ranges::sort(members, IsLess);
+        std::ranges::sort(MembersOf(task), IsLess);
+        uint32_t seen = task.begin;
         for (Task group = task; group.begin < task.end; group.begin = group.end) {
+            PrefetchGroups(task, group.begin, seen, m_readers[worker]);
             const Chunk chunk = ChunkOf(m_entries[group.begin]);
             group.end = group.begin + 1;
             while (group.end < task.end && ChunkOf(m_entries[group.end]) == chunk) ++group.end;
             SortGroup(group, worker);
+        }
+    }
+
+    /// Small groups lie all over the text, which answers late: it is asked for what the next ones need.
+    void PrefetchGroups(const Task& task, uint32_t at, uint32_t& seen, const Reader& reader) const {
+        constexpr uint32_t kAhead = 32;
+        const auto isInGroup = [&](uint32_t entry) {
+            const Chunk chunk = ChunkOf(m_entries[entry]);
+            return (entry > task.begin && ChunkOf(m_entries[entry - 1]) == chunk) ||
+                   (entry + 1 < task.end && ChunkOf(m_entries[entry + 1]) == chunk);
+        };
+        for (seen = std::max(seen, at + 1); seen < std::min(at + kAhead, task.end); ++seen) {
+            if (isInGroup(seen)) reader.PrefetchLine(m_entries[seen].index);
+            const uint32_t nearer = seen - std::min(seen - task.begin, kAhead / 2);
+            if (nearer > at && isInGroup(nearer)) reader.PrefetchText(m_entries[nearer].index);
         }
     }
 

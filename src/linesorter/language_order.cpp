@@ -139,7 +139,7 @@ template <class CharT>
 int LanguageReader<CharT>::Compare(uint32_t left, uint32_t right, size_t from) {
     const bool hasWholeKeys = m_hasWholeKeys;
     if (TextOf(left) == TextOf(right)) return 0;
-    for (size_t wanted = from + 2 * kUnits;; wanted *= 4) {
+    for (size_t wanted = from + 4 * kUnits;; wanted *= 4) {
         Read(left, wanted, m_key);
         Read(right, wanted, m_other);
         const size_t common = CommonLength(m_key, m_other, m_key.size);

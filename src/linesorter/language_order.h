@@ -92,7 +92,11 @@ public:
     static bool IsEnd(const Chunk& chunk) { return chunk == kEndsWithPivot || (chunk.tail & 0xFF) == 0; }
     int Compare(uint32_t left, uint32_t right, size_t from);
     void PrefetchLine(uint32_t index) const { __builtin_prefetch(&m_lines[index]); }
-    void PrefetchText(uint32_t index) const { __builtin_prefetch(TextOf(index).data()); }
+    void PrefetchText(uint32_t index) const {
+        const View text = TextOf(index);
+        __builtin_prefetch(text.data());
+        __builtin_prefetch(text.data() + 64 / sizeof(CharT));
+    }
 
 private:
     using View = std::basic_string_view<CharT>;

@@ -203,7 +203,11 @@ public:
         return ValueAt(left, common) < ValueAt(right, common) ? -1 : 1;
     }
     void PrefetchLine(uint32_t index) const { __builtin_prefetch(&m_lines[index]); }
-    void PrefetchText(uint32_t index) const { __builtin_prefetch(KeyOf(index).data()); }
+    void PrefetchText(uint32_t index) const {
+        const View text = KeyOf(index);
+        __builtin_prefetch(text.data());
+        __builtin_prefetch(text.data() + 64 / sizeof(CharT));
+    }
 
 private:
     using View = std::basic_string_view<CharT>;

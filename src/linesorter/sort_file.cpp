@@ -88,12 +88,6 @@ public:
     }
 
 private:
-    // How much of the work is done with each part, in percent. How long sorting takes differs most.
-    static constexpr uint32_t kRead = 15;
-    static constexpr uint32_t kKeysCut = 20;
-    static constexpr uint32_t kSorted = 80;
-    static constexpr uint32_t kWritten = 100;
-
     template <class CharT>
     void SortAs(QVUtils::TextFile& file) {
         const KeyRule<CharT> rule = KeyRuleOf<CharT>(m_request);
@@ -101,16 +95,16 @@ private:
         // Asked for while the file is open, which it is not for long.
         auto original = QVUtils::OriginalOf(file.GetFile(), m_source, m_target);
         Workers workers(m_progress, ThreadsFor(file.GetSize()));
-        m_progress.BeginPart(kRead);
+        m_progress.BeginPart(SortPart::TextRead);
         SortableLinesData<CharT> data(file.GetReader(), file.GetSize(), m_progress);
         file.Close();
-        m_progress.BeginPart(kKeysCut);
+        m_progress.BeginPart(SortPart::KeysCut);
         m_result.linesTooShort = CutKeys(data, m_request, rule, workers);
-        m_progress.BeginPart(kSorted);
+        m_progress.BeginPart(SortPart::KeysRead);
         m_result.lines = CountSorted(data, m_request);
         m_result.linesWithoutValue = SortLines(data, m_request, dateFormat, workers);
         if (m_request.Has(SortOption::RemoveBlankLines)) RemoveBlankLines(data, m_request);
-        m_progress.BeginPart(kWritten);
+        m_progress.BeginPart(SortPart::Written);
         Save(data, std::move(original));
     }
 

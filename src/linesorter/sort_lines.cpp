@@ -34,6 +34,7 @@ void SortEntries(Range lines, Workers& workers, Sort&& sort) {
     for (uint32_t i = 0; i < entries.size(); ++i) entries[i].index = i;
     sort(std::span(entries));
     static_assert(sizeof(SortableLine) == sizeof(KeyedIndex));
+    workers.GetProgress().BeginPart(SortPart::LinesMoved);
     workers.ForEach(lines.size(), [&](uint32_t begin, uint32_t end, uint32_t) {
         for (uint32_t i = begin; i < end; ++i) entries[i] = std::bit_cast<KeyedIndex>(lines[entries[i].index]);
     });
@@ -90,6 +91,7 @@ template <class Entry, class KeyOf, class PlaceOf>
 void PlaceBeginnings(std::span<Entry> entries, const ByteOrder& order, KeyOf keyOf, PlaceOf placeOf, Workers& workers) {
     BeginningPlacer placer(entries, order, keyOf, placeOf);
     std::atomic<bool> hasBeginnings = false;
+    workers.GetProgress().BeginPart(SortPart::Placed);
     workers.ForEach(entries.size(), [&](uint32_t begin, uint32_t end, uint32_t) {
         if (!hasBeginnings && placer.HasBeginnings(begin, end)) hasBeginnings = true;
     });

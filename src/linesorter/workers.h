@@ -23,6 +23,17 @@ struct Task {
     uint16_t kind = 0;
 };
 
+/// How much of a file's work is done at the end of each part, in percent.
+namespace SortPart {
+inline constexpr uint32_t TextRead = 15;
+inline constexpr uint32_t KeysCut = 20;
+inline constexpr uint32_t KeysRead = 30;
+inline constexpr uint32_t Ordered = 70;
+inline constexpr uint32_t Placed = 75;
+inline constexpr uint32_t LinesMoved = 80;
+inline constexpr uint32_t Written = 100;
+}  // namespace SortPart
+
 class Workers {
 public:
     /// `worker` counts from 0 to Count() - 1: no two threads have the same one at a time. A work may throw: the first

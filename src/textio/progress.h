@@ -21,10 +21,11 @@ public:
     Progress() = default;
     explicit Progress(TellProgress tell) : m_tell(std::move(tell)) {}
 
-    /// The next part of the work begins. At its end, `percent` of all is done.
+    /// The next part of the work begins. At its end, `percent` of all is done. A part that is done again, in another
+    /// way, tells of nothing new.
     void BeginPart(uint32_t percent) {
         m_from = m_to;
-        m_to = percent;
+        m_to = std::max(percent, m_to);
     }
 
     /// `done` of `total` of this part is done. Cheap enough for each thousand lines, or 100 KB: most calls look at the
