@@ -29,23 +29,29 @@ Case Find(std::string name, const std::string& sample, uint64_t bytes, Peer peer
             kBlocksOnly};
 }
 
-// What GNU sort takes, and a tenth; a language's sort keys may take another hundred bytes.
-constexpr uint64_t kSortMemory = 82;      // bytes a line
-constexpr uint64_t kSortKeyMemory = 100;  // bytes a line
+/// What is sorted, and what a line of it takes at most, in bytes.
+struct SortSample {
+    std::string name;
+    std::string file;
+    uint64_t lineBytes;
+};
+constexpr uint64_t kSortMemory = 32;                // bytes a line besides its text
+constexpr uint64_t kSortOverhead = 12 * kMegabyte;  // for buffers and threads
 
-Case Sort(std::string name, uint64_t lines, Peer peer, const std::string& parameters, const std::string& peerCommand,
-          const char* compare = kEqual) {
-    return {std::move(name),
-            std::move(peer),
+/// In some order, against GNU sort with all processors.
+Case Sort(const std::string& order, const SortSample& sample, uint64_t lines, double limit,
+          const std::string& parameters, const std::string& peerOptions) {
+    return {"sort " + sample.name + ", " + order,
+            {"GNU sort", "sort", limit, "half of it"},
             lines,
             "lines",
-            {"sort.txt"},
-            "ln -sf $D/sort.txt $W/in.txt; rm -f $W/out.ours",
+            {sample.file},
+            "ln -sf $D/" + sample.file + " $W/in.txt; rm -f $W/out.ours",
             kFreshPeer,
             "exec $QV call SortLines SILENT FILE=$W/in.txt TARGET=out.ours " + parameters,
-            peerCommand + " $W/in.txt -o $W/out.peer",
-            compare,
-            kIdleProcess + kSortMemory * lines};
+            "LC_ALL=C sort -s " + peerOptions + " $W/in.txt -o $W/out.peer",
+            kEqual,
+            kIdleProcess + kSortOverhead + (kSortMemory + sample.lineBytes) * lines};
 }
 
 /// A menu command that changes a file in its place; the other tool writes beside it and moves the result over it.
@@ -96,27 +102,41 @@ void AddSearches(std::vector<Case>& cases, const Data& data) {
     cases.back().memoryLimit = kIdleProcess + 26 * data.LineBytes() / 10;
 }
 
-void AddSorts(std::vector<Case>& cases, const Data& data) {
-    const uint64_t lines = data.SortLines();
-    const std::string gnu = "LC_ALL=C sort -s --parallel=1 ";
-    cases.push_back(Sort("sort lines", lines, {"GNU sort", "sort", 0.9, "its two-thread time"}, "", gnu));
-    cases.push_back(
-        Sort("sort, ignore case", lines, {"GNU sort", "sort", 0.9, "its two-thread time"}, "IGNORECASE", gnu + "-f"));
-    cases.push_back(Sort("sort by number", lines, {"GNU sort", "sort", 0.9, "its two-thread time"},
-                         "SORTBY=item 'ITEMSEP=;' ITEM=2 SORTAS=num", gnu + "-t';' -k2,2n"));
-    cases.push_back(Sort("sort by date", lines, {"GNU sort", "sort", 0.4, "0.3"},
-                         "SORTBY=item 'ITEMSEP=;' ITEM=3 SORTAS=date DATEFORMAT=%d.%m.%Y",
-                         gnu + "-t';' -k3.7,3.10n -k3.4,3.5n -k3.1,3.2n"));
-    // The two orders are not the same in every detail, so only the lines are compared.
-    cases.push_back(Sort("sort, language-aware", lines, {"GNU sort, en_US", "sort", 0.7, "0.5"}, "LANGUAGEORDER",
-                         "LOCPATH=$D/locale LC_ALL=en_US.UTF-8 sort -s --parallel=1", kSameLines));
-    cases.back().prepare +=
+void AddTextSorts(std::vector<Case>& cases, const SortSample& sample, uint64_t lines) {
+    cases.push_back(Sort("by line", sample, lines, 0.8, "", ""));
+    // Where capital letters are the only difference, the two orders are not the same.
+    cases.push_back(Sort("ignoring case", sample, lines, 0.8, "IGNORECASE", "-f"));
+    cases.back().compare = kSameLines;
+    // Nor are they in every detail of a language.
+    Case language = Sort("in a language", sample, lines, 0.6, "LANGUAGEORDER", "");
+    language.peer.name = "GNU sort, en_US";
+    language.peerCommand = "LOCPATH=$D/locale LC_ALL=en_US.UTF-8 sort -s $W/in.txt -o $W/out.peer";
+    language.prepare +=
         "; [ -e $D/locale/en_US.UTF-8 ] || "
         "{ mkdir -p $D/locale; localedef -i en_US -f UTF-8 $D/locale/en_US.UTF-8; }";
-    cases.back().memoryLimit += kSortKeyMemory * lines;
-    cases.push_back(Sort("sort, natural", lines, {"GNU sort -V", "sort", 0.55, "0.35"},
-                         "SORTBY=item 'ITEMSEP=;' ITEM=4 LANGUAGEORDER NATRUALNUMORDER", gnu + "-t';' -k4,4V"));
-    cases.back().memoryLimit += kSortKeyMemory * lines;
+    language.compare = kSameLines;
+    cases.push_back(language);
+    cases.push_back(Sort("naturally", sample, lines, 0.6, "LANGUAGEORDER NATRUALNUMORDER", "-V"));
+    cases.back().peer.name = "GNU sort -V";
+    cases.back().compare = kSameLines;
+}
+
+void AddSorts(std::vector<Case>& cases, const Data& data) {
+    const uint64_t lines = data.SortLines();
+    const SortSample table = {"a table", "sort.txt", 54};
+    const SortSample logs = {"logs", "sort-logs.txt", 80};
+    for (const SortSample& sample :
+         {table, logs, SortSample{"words", "sort-words.txt", 72}, SortSample{"alike", "sort-alike.txt", 68}})
+        AddTextSorts(cases, sample, lines);
+    cases.push_back(Sort("by number", table, lines, 0.8, "SORTBY=item 'ITEMSEP=;' ITEM=2 SORTAS=num", "-t';' -k2,2n"));
+    cases.push_back(Sort("by number", logs, lines, 0.8, "SORTBY=item 'ITEMSEP= ' ITEM=5 SORTAS=num", "-t' ' -k5,5n"));
+    cases.push_back(Sort("by date", table, lines, 0.3, "SORTBY=item 'ITEMSEP=;' ITEM=3 SORTAS=date DATEFORMAT=%d.%m.%Y",
+                         "-t';' -k3.7,3.10n -k3.4,3.5n -k3.1,3.2n"));
+    cases.push_back(Sort("by date", logs, lines, 0.3, "SORTBY=item 'ITEMSEP= ' ITEM=1 SORTAS=date DATEFORMAT=%Y-%m-%d",
+                         "-t' ' -k1.1,1.4n -k1.6,1.7n -k1.9,1.10n"));
+    cases.push_back(Sort("by name", table, lines, 0.6, "SORTBY=item 'ITEMSEP=;' ITEM=4 LANGUAGEORDER NATRUALNUMORDER",
+                         "-t';' -k4,4V"));
+    cases.back().peer.name = "GNU sort -V";
 }
 
 void AddConversions(std::vector<Case>& cases, const Data& data) {

@@ -106,6 +106,31 @@ void WriteSortLines(const fs::path& path, uint64_t lines) {
     out.Close();
 }
 
+/// `line(random, words)` for each line, with a vocabulary from which the first words come more often.
+void WriteWordLines(const fs::path& path, uint64_t lines,
+                    const std::function<std::string(Random&, const std::function<std::string()>&)>& line) {
+    Output out(path);
+    Random random(4);
+    std::vector<std::string> vocabulary;
+    while (vocabulary.size() < 20'000) vocabulary.push_back(Word(random, 3 + random() % 7));
+    const std::function<std::string()> word = [&] {
+        return vocabulary[std::min({random() % 20'000, random() % 20'000, random() % 20'000})];
+    };
+    for (uint64_t number = 0; number < lines; ++number) out.Write(line(random, word) + "\n");
+    out.Close();
+}
+
+/// Lines of a log at any times, in no order.
+void WriteSortLogs(const fs::path& path, uint64_t lines) {
+    Output out(path);
+    Random random(5);
+    for (uint64_t number = 0; number < lines; ++number) {
+        const uint64_t when = random() % 10'000'000;
+        out.Write(LogLine(random, when, false) + "\n");
+    }
+    out.Close();
+}
+
 void WriteBytes(const fs::path& path, uint64_t bytes) {
     Output out(path);
     Random random(3);
@@ -172,6 +197,22 @@ void Data::Write(const std::string& name, const fs::path& path) const {
         {"tabs.txt", [&] { WriteLog(path, text, false, tabbed); }},
         {"line.txt", [&] { WriteLog(path, LineBytes(), true, endedBy(" ")); }},
         {"sort.txt", [&] { WriteSortLines(path, SortLines()); }},
+        {"sort-logs.txt", [&] { WriteSortLogs(path, SortLines()); }},
+        {"sort-words.txt",
+         [&] {
+             WriteWordLines(path, SortLines(), [](Random& random, const auto& word) {
+                 std::string line = word();
+                 for (uint64_t more = 3 + random() % 6; more > 0; --more) line += ' ' + word();
+                 return line;
+             });
+         }},
+        {"sort-alike.txt",
+         [&] {
+             WriteWordLines(path, SortLines(), [](Random& random, const auto& word) {
+                 return "https://www.example.org/archive/" + std::to_string(2000 + random() % 27) + '/' + word() + '/' +
+                        word() + '-' + std::to_string(random() % 1000) + ".html";
+             });
+         }},
         {"bytes.bin", [&] { WriteBytes(path, text); }},
         {"small", [&] { WriteFiles(path, SmallFiles(), twoLines); }},
         {"renamed", [&] { WriteFiles(path, RenamedFiles(), nothing); }},

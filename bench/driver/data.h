@@ -15,8 +15,9 @@ public:
 
     /// Makes `name`, one of: few.txt, many.txt (logs of 80-byte lines with a hit in 100 of them, in each), few16.txt,
     /// many16.txt (the same in UTF-16), crlf.txt, tabs.txt (the same with other breaks, with tabs), line.txt (one line
-    /// with a hit every 80 bytes), sort.txt (word;number;date;name), bytes.bin; and folders of files that are listed in
-    /// NAME.list: small (a hit in each), renamed and names (empty ones).
+    /// with a hit every 80 bytes), sort.txt (word;number;date;name), sort-logs.txt (log lines in no order),
+    /// sort-words.txt (words, some of them common), sort-alike.txt (addresses that begin alike), bytes.bin; and folders
+    /// of files that are listed in NAME.list: small (a hit in each), renamed and names (empty ones).
     /// @throws std::runtime_error for an unknown name or a disk that is full
     std::filesystem::path Make(const std::string& name) const;
 
