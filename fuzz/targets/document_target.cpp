@@ -73,9 +73,10 @@ void ReadInBlocks(std::string_view bytes, uint32_t markSize, size_t blockSize, u
 template <class CharT>
 void SortNothing(std::string_view bytes, uint64_t expectedSize) {
     QVUtils::MemoryDataReader reader(bytes.data(), static_cast<uint32_t>(bytes.size()), false);
-    QVLineSorter::SortableLinesData<CharT> data(reader, expectedSize);
+    QVUtils::Progress progress;
+    QVLineSorter::SortableLinesData<CharT> data(reader, expectedSize, progress);
     TextWriter saved;
-    QVLineSorter::WriteLines(data, saved);
+    QVLineSorter::WriteLines(data, saved, progress);
     // Unsorted lines come out as they were, but for a break after those that had none.
     size_t at = 0;
     for (const char byte : saved.text) at += at < bytes.size() && bytes[at] == byte;

@@ -48,7 +48,7 @@ INT_PTR CALLBACK ProgressWindow::OnMessage(HWND window, UINT message, WPARAM wPa
     }
     if (message != WM_COMMAND || LOWORD(wParam) != IDCANCEL) return FALSE;
     reinterpret_cast<ProgressWindow*>(GetWindowLongPtrW(window, DWLP_USER))->m_isCancelled = true;
-    EnableWindow(GetDlgItem(window, IDCANCEL), FALSE);  // the wish is heard; the file in work is finished first
+    EnableWindow(GetDlgItem(window, IDCANCEL), FALSE);  // the wish is heard; a command may finish the file first
     return TRUE;
 }
 

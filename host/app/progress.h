@@ -26,7 +26,7 @@ using UniqueWindow = Win32::UniqueHandle<WindowTraits>;
 UniqueWindow MakeMainWindow();
 
 /// To be made, used and destroyed on one thread, which is the one that does the work: the window is alive while Show
-/// and IsCancelled are called, that is between two files.
+/// and IsCancelled are called, that is between two files, and inside those that take long.
 class ProgressWindow {
 public:
     /// Without a display there is no window, and every call does nothing.

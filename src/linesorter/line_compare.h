@@ -26,7 +26,7 @@ public:
 
 /// Byte by byte, by the C runtime, over the length of the shorter key. A key that the other one begins with is
 /// therefore equal to it (compatibility: 12): "abc" and "abcd" keep their order. So this is no consistent order of more
-/// than two keys, and no sort may be given it; ordinal_chunks.h says what order comes of it.
+/// than two keys, and no sort may be given it; ordinal_order.h says what order comes of it.
 class LineCompare_OrdinalA final : public LineCompare_TextBase<char> {
 public:
     explicit LineCompare_OrdinalA(bool ignoreCase) : m_ignoreCase(ignoreCase) {}
