@@ -1,10 +1,13 @@
 // Sorts that are large enough for threads and for groups in groups, and what ends one.
 #include <algorithm>
+#include <cstdlib>
 #include <random>
 
 #include "fuzz/plain_order.h"
+#include "linesorter/group_sort.h"
 #include "linesorter/sample_lines.h"
 #include "linesorter/sort_file.h"
+#include "support/replaced_imports.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -25,7 +28,7 @@ Lines<char> GroupedLines(size_t count) {
 }
 
 TEST(LargeSort, IsTheSameForAnyNumberOfThreadsAndWhenSortedAgain) {
-    const Lines<char> lines = GroupedLines(30000);
+    const Lines<char> lines = GroupedLines(20000);
     for (const uint32_t options :
          {Option::AsText | 0, Option::AsText | Option::IgnoreCase, kLanguage, kLanguage | Option::NaturalNumbers}) {
         SortRequest request;
@@ -41,6 +44,38 @@ TEST(LargeSort, IsTheSameForAnyNumberOfThreadsAndWhenSortedAgain) {
         const bool isByLanguage = (options & Option::LanguageOrder) != 0;
         EXPECT_TRUE(!isByLanguage || alone == SortedPlainly(lines, request, KeyRule<char>(), {}))
             << std::hex << options;
+    }
+}
+
+// The replaced function is a plain one, so what it knows is global.
+size_t g_largestBlock = SIZE_MAX;
+
+void* LimitedMalloc(size_t size) {
+    // The runtime's own: this program's import of it is what is replaced.
+    static const auto original =
+        reinterpret_cast<decltype(&std::malloc)>(GetProcAddress(GetModuleHandleW(L"msvcrt.dll"), "malloc"));
+    return size > g_largestBlock ? nullptr : original(size);
+}
+
+TEST(LargeSort, GivesTheSameOrderWithoutMemoryForEntries) {
+    const QVTest::ReplacedImport malloc(GetModuleHandleW(nullptr), "malloc", reinterpret_cast<void*>(LimitedMalloc));
+    Lines<char> lines = GroupedLines(3000);
+    std::erase_if(lines, [](const std::string& line) { return line.size() > 1000; });  // comparing may convert one
+    for (size_t i = 0; i < lines.size(); i += 10) lines[i].insert(0, std::to_string(i * 7919 % 1000) + ".1.20 ");
+    for (const uint32_t order : kOrders) {
+        SortRequest request;
+        request.options = order;
+        Lines<char> sorted[2];
+        for (const bool isShort : {false, true}) {
+            auto data = Load(lines);
+            QVUtils::Progress progress;
+            Workers workers(progress, 2);
+            g_largestBlock = isShort ? lines.size() * sizeof(KeyedIndex) - 1 : SIZE_MAX;
+            SortLines<char>(data, request, "%d.%m.%y", workers);
+            g_largestBlock = SIZE_MAX;
+            sorted[isShort] = Texts(data);
+        }
+        EXPECT_TRUE(sorted[0] == sorted[1]) << std::hex << order;
     }
 }
 
