@@ -16,6 +16,17 @@
 
 namespace QVLineSorter {
 
+/// How many characters both texts have in common, at most `end`, which is beyond neither; `from` are known to be.
+template <class CharT, class IsSame>
+size_t CommonLengthOf(std::basic_string_view<CharT> left, std::basic_string_view<CharT> right, size_t from, size_t end,
+                      IsSame&& isSame) {
+    constexpr size_t kBlock = 8 / sizeof(CharT);
+    size_t at = from;
+    while (at + kBlock <= end && std::memcmp(left.data() + at, right.data() + at, 8) == 0) at += kBlock;
+    while (at < end && (left[at] == right[at] || isSame(left[at], right[at]))) ++at;
+    return std::min(at, end);
+}
+
 /// Keys compared byte by byte, by each byte's place among all (LineCompare_OrdinalA::ByteRanks).
 class ByteOrder {
 public:
@@ -25,9 +36,8 @@ public:
 
     /// How many bytes the two begin with in common.
     size_t CommonLength(std::string_view left, std::string_view right) const {
-        const auto isSame = [this](char one, char other) { return one == other || Rank(one) == Rank(other); };
-        return static_cast<size_t>(std::mismatch(left.begin(), left.end(), right.begin(), right.end(), isSame).first -
-                                   left.begin());
+        const auto isSame = [this](char one, char other) { return Rank(one) == Rank(other); };
+        return CommonLengthOf(left, right, 0, std::min(left.size(), right.size()), isSame);
     }
 
     /// A key comes before those that it is the beginning of.
@@ -217,12 +227,8 @@ private:
 
     /// Both begin with `from` characters in common.
     size_t CommonLength(View left, View right, size_t from, size_t limit) const {
-        const size_t end = std::min({limit, left.size(), right.size()});
-        constexpr size_t kBlock = 8 / sizeof(CharT);
-        size_t at = from;
-        while (at + kBlock <= end && std::memcmp(left.data() + at, right.data() + at, 8) == 0) at += kBlock;
-        while (at < end && (left[at] == right[at] || ValueAt(left, at) == ValueAt(right, at))) ++at;
-        return std::min(at, end);
+        return CommonLengthOf(left, right, from, std::min({limit, left.size(), right.size()}),
+                              [this](CharT one, CharT other) { return m_valueOf(one) == m_valueOf(other); });
     }
 
     /// Takes twelve bytes whatever is left of the key: after the text there are spare ones.
