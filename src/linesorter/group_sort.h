@@ -61,6 +61,9 @@ inline bool IsLess(const KeyedIndex& left, const KeyedIndex& right) {
 ///   Chunk ChunkAt(index, depth)          of a key of the pivot's group, whose sample has `depth` units in common
 ///   bool IsEnd(chunk)                    there is nothing after it
 ///   int Compare(left, right, from)       the whole keys, which begin with `from` units in common
+///   kFew, kKeepsFew                      members of a group that are compared; whether by keys that are kept for it:
+///   void Keep(members, from)             ... as `key` and by slot, which `tail` becomes
+///   int CompareKept(slot, slot), bool IsKeptWhole(slot)
 ///   void PrefetchLine(index), PrefetchText(index)   before it is read
 ///   kUnits                               of a chunk
 template <class Reader>
@@ -99,7 +102,6 @@ private:
     static constexpr uint16_t kParted = 4;
     static constexpr uint16_t kMostPartings = 64;  // of halves: more only where pivots were chosen badly each time
     static constexpr uint16_t kMostLevels = 64;    // of groups in groups
-    static constexpr uint32_t kFew = 12;           // are compared sooner than their chunks are read
     static constexpr uint32_t kLeaf = 16384;       // entries sorted at a time
     static constexpr uint32_t kInline = 4096;      // in a group that is no task of its own
 
@@ -112,11 +114,8 @@ private:
         if (!(task.kind & kLoaded)) {
             Reader& reader = m_readers[worker];
             reader.SetPhase(PhaseOf(task));
-            if (task.end - task.begin <= kFew || task.level > kMostLevels) {
-                SortByComparing(task, reader);
-                m_workers.Finish(task.end - task.begin);
-                return;
-            }
+            if (task.level > kMostLevels) return SortByComparing(task, reader);
+            if (task.end - task.begin <= Reader::kFew) return SortFew(task, worker);
             task.depth = ChoosePivot(task, reader);
             Load(task, reader);
             task.kind |= kLoaded;
@@ -164,6 +163,51 @@ private:
             const int order = reader.Compare(left.index, right.index, task.depth);
             return order != 0 ? order < 0 : left.index < right.index;
         });
+        m_workers.Finish(task.end - task.begin);
+    }
+
+    /// Few keys are compared sooner than their chunks are read. Where they take long to make, they are kept meanwhile.
+    void SortFew(const Task& task, uint32_t worker) {
+        Reader& reader = m_readers[worker];
+        if constexpr (!Reader::kKeepsFew) {
+            SortByComparing(task, reader);
+        } else {
+            const auto members = MembersOf(task);
+            reader.Keep(members, task.depth);
+            std::ranges::sort(members, [&](const KeyedIndex& left, const KeyedIndex& right) {
+                if (left.key != right.key) return left.key < right.key;
+                const int order = reader.CompareKept(left.tail, right.tail);
+                return order != 0 ? order < 0 : left.index < right.index;
+            });
+            // What is kept is gone with the first group in this one, so the groups are looked for before.
+            std::array<bool, Reader::kFew> begins = {};
+            std::array<bool, Reader::kFew> areWhole = {};
+            for (size_t i = 0; i < members.size(); ++i) {
+                begins[i] = i == 0 || members[i - 1].key != members[i].key ||
+                            reader.CompareKept(members[i - 1].tail, members[i].tail) != 0;
+                areWhole[i] = reader.IsKeptWhole(members[i].tail);
+            }
+            Task group = task;
+            for (size_t begin = 0, end = 0; begin < members.size(); begin = end) {
+                bool isWhole = areWhole[begin];
+                for (end = begin + 1; end < members.size() && !begins[end]; ++end) isWhole = isWhole && areWhole[end];
+                group.begin = task.begin + static_cast<uint32_t>(begin);
+                group.end = task.begin + static_cast<uint32_t>(end);
+                SortKeptGroup(group, isWhole, worker);
+            }
+        }
+    }
+
+    /// Of keys that are equal as far as they were kept.
+    void SortKeptGroup(Task group, bool isWhole, uint32_t worker) {
+        const uint32_t count = group.end - group.begin;
+        const bool hasMore = Reader::HasPhase(PhaseOf(group) + 1);
+        if (count == 1 || (isWhole && !hasMore)) return m_workers.Finish(count);
+        m_readers[worker].SetPhase(PhaseOf(group));
+        if (!isWhole) return SortByComparing(group, m_readers[worker]);
+        group.depth = 0;
+        group.kind |= kSecondPhase;
+        Do(group, worker);
     }
 
     /// Parts a large range by a chunk from its middle, so that others can take a part, and sorts a small one. All that
@@ -265,6 +309,8 @@ private:
 
 /// Keys that are whole already.
 struct NumberReader {
+    static constexpr uint32_t kFew = 0;
+    static constexpr bool kKeepsFew = false;
     static constexpr uint32_t kUnits = 1;
     static constexpr size_t kLongestCommon = 0;
     static void SetPhase(uint32_t) {}

@@ -165,6 +165,34 @@ int LanguageReader<CharT>::Compare(uint32_t left, uint32_t right, size_t from) {
     }
 }
 
+/// Of each member as many bytes after the first `from` as lines usually differ in.
+template <class CharT>
+void LanguageReader<CharT>::Keep(std::span<KeyedIndex> members, size_t from) {
+    constexpr size_t kKept = 256;
+    m_keptBytes.clear();
+    m_kept.clear();
+    for (KeyedIndex& member : members) {
+        Read(member.index, from + kKept, m_key);
+        std::memset(m_key.bytes.data() + m_key.size, 0, kUnits);
+        const size_t begin = std::min(from, m_key.size);
+        const size_t end = std::min(from + kKept, m_key.size);
+        member.key = LoadBytes(m_key.bytes.data() + begin);
+        member.tail = static_cast<uint32_t>(m_kept.size());
+        m_kept.push_back({m_keptBytes.size(), end - begin, m_key.size < from + kKept});
+        m_keptBytes.insert(m_keptBytes.end(), m_key.bytes.data() + begin, m_key.bytes.data() + end);
+    }
+}
+
+template <class CharT>
+int LanguageReader<CharT>::CompareKept(uint32_t left, uint32_t right) const {
+    const Kept& one = m_kept[left];
+    const Kept& other = m_kept[right];
+    const int order =
+        std::memcmp(m_keptBytes.data() + one.begin, m_keptBytes.data() + other.begin, std::min(one.size, other.size));
+    if (order != 0 || one.size == other.size) return order;
+    return one.size < other.size ? -1 : 1;
+}
+
 template <class CharT>
 void LanguageReader<CharT>::Read(uint32_t index, size_t wanted, Bytes& key) {
     const View text = TextOf(index);

@@ -73,6 +73,8 @@ class LanguageReader {
 public:
     static constexpr uint32_t kUnits = 12;
     static constexpr size_t kLongestCommon = 1 << 16;
+    static constexpr uint32_t kFew = 256;
+    static constexpr bool kKeepsFew = true;
 
     LanguageReader(const SortableLinesData<CharT>& data, Range lines, const PlainWeights<CharT>& weights,
                    const SortKeyMaker<CharT>& maker)
@@ -91,6 +93,9 @@ public:
     Chunk ChunkAt(uint32_t index, size_t depth);
     static bool IsEnd(const Chunk& chunk) { return chunk == kEndsWithPivot || (chunk.tail & 0xFF) == 0; }
     int Compare(uint32_t left, uint32_t right, size_t from);
+    void Keep(std::span<KeyedIndex> members, size_t from);
+    int CompareKept(uint32_t left, uint32_t right) const;
+    bool IsKeptWhole(uint32_t slot) const { return m_kept[slot].isWhole; }
     void PrefetchLine(uint32_t index) const { __builtin_prefetch(&m_lines[index]); }
     void PrefetchText(uint32_t index) const {
         const View text = TextOf(index);
@@ -128,6 +133,14 @@ private:
     bool m_hasWholeKeys = false;
     bool m_isPivotWhole = false;
     View m_pivotText;
+    /// Where a key's bytes are in m_keptBytes.
+    struct Kept {
+        size_t begin = 0;
+        size_t size = 0;
+        bool isWhole = false;
+    };
+    std::vector<uint8_t> m_keptBytes;
+    std::vector<Kept> m_kept;
     Bytes m_key;
     Bytes m_other;
     Bytes m_pivot;

@@ -179,6 +179,8 @@ class OrdinalReader {
 public:
     static constexpr uint32_t kUnits = 12 / sizeof(CharT);
     static constexpr size_t kLongestCommon = ~uint32_t{0};
+    static constexpr uint32_t kFew = 12;
+    static constexpr bool kKeepsFew = false;
 
     OrdinalReader(const SortableLinesData<CharT>& data, Range lines, ValueOf valueOf)
         : m_data(&data), m_lines(lines), m_valueOf(valueOf) {}
