@@ -36,7 +36,11 @@ void SortEntries(Range lines, Workers& workers, Sort&& sort) {
     static_assert(sizeof(SortableLine) == sizeof(KeyedIndex));
     workers.GetProgress().BeginPart(SortPart::LinesMoved);
     workers.ForEach(lines.size(), [&](uint32_t begin, uint32_t end, uint32_t) {
-        for (uint32_t i = begin; i < end; ++i) entries[i] = std::bit_cast<KeyedIndex>(lines[entries[i].index]);
+        constexpr uint32_t kAhead = 16;
+        for (uint32_t i = begin; i < end; ++i) {
+            if (i + kAhead < end) __builtin_prefetch(&lines[entries[i + kAhead].index]);
+            entries[i] = std::bit_cast<KeyedIndex>(lines[entries[i].index]);
+        }
     });
     std::ranges::transform(entries, lines.begin(),
                            [](const KeyedIndex& entry) { return std::bit_cast<SortableLine>(entry); });
@@ -87,15 +91,16 @@ std::string_view OrdinalKey(const SortableLinesData<char>& data, const SortableL
     return zero == std::string_view::npos ? key : key.substr(0, zero + 1);
 }
 
-template <class Entry, class KeyOf, class PlaceOf>
-void PlaceBeginnings(std::span<Entry> entries, const ByteOrder& order, KeyOf keyOf, PlaceOf placeOf, Workers& workers) {
-    BeginningPlacer placer(entries, order, keyOf, placeOf);
+void PlaceBeginnings(const SortableLinesData<char>& data, Range lines, const ByteOrder& order, Workers& workers) {
+    BeginningPlacer placer(
+        lines, order, [&](const SortableLine& line) { return OrdinalKey(data, line); },
+        [](const SortableLine& line) { return line.start; });
     std::atomic<bool> hasBeginnings = false;
-    workers.GetProgress().BeginPart(SortPart::Placed);
-    workers.ForEach(entries.size(), [&](uint32_t begin, uint32_t end, uint32_t) {
+    workers.GetProgress().BeginPart(SortPart::BeginningsPlaced);
+    workers.ForEach(lines.size(), [&](uint32_t begin, uint32_t end, uint32_t) {
         if (!hasBeginnings && placer.HasBeginnings(begin, end)) hasBeginnings = true;
     });
-    if (hasBeginnings) placer.Place([&](size_t done) { workers.GetProgress().Advance(done, entries.size()); });
+    if (hasBeginnings) placer.Place([&](size_t done) { workers.GetProgress().Advance(done, lines.size()); });
 }
 
 template <class CharT, class ValueOf>
@@ -108,28 +113,26 @@ void SortOrdinalEntries(std::span<KeyedIndex> entries, const SortableLinesData<C
 void SortOrdinal(const SortableLinesData<char>& data, Range lines, bool ignoreCase, Workers& workers) {
     const ByteOrder order(LineCompare_OrdinalA(ignoreCase).ByteRanks());
     const auto inPlace = [&] {
-        const auto keyOf = [&](const SortableLine& line) { return OrdinalKey(data, line); };
         SortInPlace(lines, workers, [&](const SortableLine& left, const SortableLine& right) {
-            return order.IsLess(keyOf(left), keyOf(right));
+            return order.IsLess(OrdinalKey(data, left), OrdinalKey(data, right));
         });
-        PlaceBeginnings(
-            lines, order, keyOf, [](const SortableLine& line) { return line.start; }, workers);
     };
     // Chunks cannot tell a zero character from a key's end.
-    if (data.HasZeroCharacter()) return inPlace();
-    try {
-        SortEntries(lines, workers, [&](std::span<KeyedIndex> entries) {
-            if (ignoreCase)
-                SortOrdinalEntries(entries, data, lines, RankedBytes{order.Ranks()}, workers);
-            else
-                SortOrdinalEntries(entries, data, lines, PlainCharacters<char>(), workers);
-            PlaceBeginnings(
-                entries, order, [&](const KeyedIndex& entry) { return data.KeyText(lines[entry.index]); },
-                [](const KeyedIndex& entry) { return entry.index; }, workers);
-        });
-    } catch (const std::bad_alloc&) {
+    if (data.HasZeroCharacter()) {
         inPlace();
+    } else {
+        try {
+            SortEntries(lines, workers, [&](std::span<KeyedIndex> entries) {
+                if (ignoreCase)
+                    SortOrdinalEntries(entries, data, lines, RankedBytes{order.Ranks()}, workers);
+                else
+                    SortOrdinalEntries(entries, data, lines, PlainCharacters<char>(), workers);
+            });
+        } catch (const std::bad_alloc&) {
+            inPlace();
+        }
     }
+    PlaceBeginnings(data, lines, order, workers);
 }
 
 void SortOrdinal(const SortableLinesData<wchar_t>& data, Range lines, bool ignoreCase, Workers& workers) {

@@ -29,8 +29,8 @@ inline constexpr uint32_t TextRead = 15;
 inline constexpr uint32_t KeysCut = 20;
 inline constexpr uint32_t KeysRead = 30;
 inline constexpr uint32_t Ordered = 70;
-inline constexpr uint32_t Placed = 75;
-inline constexpr uint32_t LinesMoved = 80;
+inline constexpr uint32_t LinesMoved = 75;
+inline constexpr uint32_t BeginningsPlaced = 80;
 inline constexpr uint32_t Written = 100;
 }  // namespace SortPart
 
