@@ -92,8 +92,9 @@ std::string_view OrdinalKey(const SortableLinesData<char>& data, const SortableL
 }
 
 void PlaceBeginnings(const SortableLinesData<char>& data, Range lines, const ByteOrder& order, Workers& workers) {
+    const bool hasZeros = data.HasZeroCharacter();
     BeginningPlacer placer(
-        lines, order, [&](const SortableLine& line) { return OrdinalKey(data, line); },
+        lines, order, [&](const SortableLine& line) { return hasZeros ? OrdinalKey(data, line) : data.KeyText(line); },
         [](const SortableLine& line) { return line.start; });
     std::atomic<bool> hasBeginnings = false;
     workers.GetProgress().BeginPart(SortPart::BeginningsPlaced);
