@@ -10,7 +10,7 @@
 
 #include "host/app/column_values.h"
 #include "host/app/output.h"
-#include "host/app/progress.h"
+#include "host/app/run_progress.h"
 #include "host/contract/custom_commands.h"
 #include "host/contract/file_objects.h"
 #include "host/contract/file_operations.h"

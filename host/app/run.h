@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "host/app/progress.h"
+#include "host/app/run_progress.h"
 
 namespace QVHost {
 

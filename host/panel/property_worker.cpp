@@ -15,7 +15,11 @@ PropertyWorker::PropertyWorker(const ColumnValues& columns, std::function<void()
     : m_columns(columns), m_onAnswers(std::move(onAnswers)) {}
 
 PropertyWorker::~PropertyWorker() {
-    for (std::jthread& thread : m_threads) thread.request_stop();
+    {
+        const std::lock_guard lock(m_mutex);
+        for (std::jthread& thread : m_threads) thread.request_stop();
+    }
+    m_isAsked.WakeAll();
 }
 
 void PropertyWorker::Ask(Request request) {
@@ -28,7 +32,7 @@ void PropertyWorker::Ask(Request request) {
         // A thread that the system does not give is asked for again with the next row; what waits keeps waiting.
         while (m_threads.size() < kThreads) m_threads.emplace_back([this](const std::stop_token& stop) { Work(stop); });
     });
-    m_isAsked.notify_one();
+    m_isAsked.WakeOne();
 }
 
 void PropertyWorker::ForgetRequests() {
@@ -46,7 +50,8 @@ void PropertyWorker::Work(const std::stop_token& stop) {
         Request request;
         {
             std::unique_lock lock(m_mutex);
-            if (!m_isAsked.wait(lock, stop, [&] { return !m_requests.empty(); }) || stop.stop_requested()) return;
+            m_isAsked.WaitUntil(lock, [&] { return stop.stop_requested() || !m_requests.empty(); });
+            if (stop.stop_requested()) return;
             request = std::move(m_requests.back());
             m_requests.pop_back();
         }

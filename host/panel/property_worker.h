@@ -2,7 +2,6 @@
 // name of an owner may take seconds.
 #pragma once
 
-#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -11,6 +10,7 @@
 #include <vector>
 
 #include "host/app/column_values.h"
+#include "win32/system_lock.h"
 
 namespace QVHost {
 
@@ -45,8 +45,8 @@ private:
 
     const ColumnValues& m_columns;
     std::function<void()> m_onAnswers;
-    std::mutex m_mutex;
-    std::condition_variable_any m_isAsked;
+    Win32::SystemLock m_mutex;
+    Win32::SystemCondition m_isAsked;
     std::vector<Request> m_requests;
     std::vector<Answer> m_answers;
     std::vector<std::jthread> m_threads;  // last: they end before what they use

@@ -16,10 +16,10 @@
 #include "host/app/selection.h"
 #include "host/app/unix_paths.h"
 #include "host/contract/whole_file.h"
-#include "win32/exclusive_lock.h"
 #include "win32/file_name.h"
 #include "win32/folder.h"
 #include "win32/path.h"
+#include "win32/system_lock.h"
 #include "win32/text.h"
 #include "win32/windows.h"
 
@@ -135,32 +135,32 @@ RenameItems MakeRows(SelectedRows& selection, RenameRule& rule, const RenameOpti
 
 FolderListings::~FolderListings() {
     {
-        const Win32::ExclusiveLock lock(m_lock);
+        const std::lock_guard lock(m_lock);
         m_isEnding = true;
     }
-    WakeAllConditionVariable(&m_isAdded);
+    m_isAdded.WakeAll();
 }
 
 void FolderListings::Add(std::wstring folder) {
     {
-        const Win32::ExclusiveLock lock(m_lock);
+        const std::lock_guard lock(m_lock);
         m_folders.emplace_back().path = std::move(folder);
     }
     // One folder needs no second thread.
     if (m_folders.size() <= m_threads.size())
         m_threads[m_folders.size() - 1] = std::jthread([this] { ListAll(); });
     else
-        WakeConditionVariable(&m_isAdded);
+        m_isAdded.WakeOne();
 }
 
 void FolderListings::ListAll() noexcept {
     while (Folder* const folder = Begin()) {
         List(*folder);
         {
-            const Win32::ExclusiveLock lock(m_lock);
+            const std::lock_guard lock(m_lock);
             folder->isListed = true;
         }
-        WakeConditionVariable(&m_isFurther);
+        m_isFurther.WakeOne();
     }
 }
 
@@ -177,16 +177,16 @@ void FolderListings::List(Folder& folder) noexcept {
 
 /// The next folder to list; null when no more are wanted.
 FolderListings::Folder* FolderListings::Begin() noexcept {
-    Win32::ExclusiveLock lock(m_lock);
-    while (m_begun == m_folders.size() && !m_isEnding) lock.WaitFor(m_isAdded);
+    std::unique_lock lock(m_lock);
+    m_isAdded.WaitUntil(lock, [&] { return m_begun < m_folders.size() || m_isEnding; });
     return m_isEnding ? nullptr : &m_folders[m_begun++];
 }
 
 FolderListings::Folder& FolderListings::WaitFor(size_t number) {
     Folder& folder = m_folders[number];
     if (folder.isListed) return folder;
-    Win32::ExclusiveLock lock(m_lock);
-    while (!folder.isListed) lock.WaitFor(m_isFurther);
+    std::unique_lock lock(m_lock);
+    m_isFurther.WaitUntil(lock, [&] { return folder.isListed.load(); });
     return folder;
 }
 

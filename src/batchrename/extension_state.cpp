@@ -26,18 +26,18 @@ RowSnapshot RowMailbox::Take() {
 }
 
 void HostCallback::Acquire(IHostServices& services) {
-    const Win32::ExclusiveLock lock(m_lock);
+    const std::lock_guard lock(m_lock);
     if (!m_service) m_service = std::make_shared<Service>(services, ServiceNumber::FolderRefresh);
 }
 
 std::shared_ptr<HostCallback::Service> HostCallback::Get() {
-    const Win32::ExclusiveLock lock(m_lock);
+    const std::lock_guard lock(m_lock);
     return m_service;
 }
 
 void HostCallback::Release() {
     std::shared_ptr<Service> service;
-    const Win32::ExclusiveLock lock(m_lock);
+    const std::lock_guard lock(m_lock);
     service.swap(m_service);
 }
 

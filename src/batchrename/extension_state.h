@@ -11,8 +11,8 @@
 #include "batchrename/profiles.h"
 #include "batchrename/rule_context.h"
 #include "sdk/owners.h"
-#include "win32/exclusive_lock.h"
 #include "win32/handle.h"
+#include "win32/system_lock.h"
 
 namespace BatchRename {
 
@@ -43,7 +43,7 @@ private:
     using Service = Quorvane::SDK::AcquiredService<Quorvane::SDK::IFolderRefresh>;
     std::shared_ptr<Service> Get();
 
-    SRWLOCK m_lock = SRWLOCK_INIT;  // the system's, since it needs no memory at the end
+    Win32::SystemLock m_lock;  // the system's, since it needs no memory at the end
     std::shared_ptr<Service> m_service;
 };
 

@@ -10,27 +10,26 @@ namespace BatchRename {
 using namespace Quorvane::SDK;
 
 bool HostGate::Enter() {
-    const Win32::ExclusiveLock lock(m_lock);
+    const std::lock_guard lock(m_lock);
     if (m_isClosed) return false;
     ++m_calls;
     return true;
 }
 
 void HostGate::Leave() {
-    const Win32::ExclusiveLock lock(m_lock);
-    if (--m_calls == 0) WakeAllConditionVariable(&m_isEmpty);
+    const std::lock_guard lock(m_lock);
+    if (--m_calls == 0) m_isEmpty.WakeAll();
 }
 
 void HostGate::Close() {
-    const Win32::ExclusiveLock lock(m_lock);
+    const std::lock_guard lock(m_lock);
     m_isClosed = true;
 }
 
 void HostGate::WaitForCalls(DWORD milliseconds) {
-    const ULONGLONG end = GetTickCount64() + milliseconds;
-    Win32::ExclusiveLock lock(m_lock);
-    for (ULONGLONG now = GetTickCount64(); m_calls > 0 && now < end; now = GetTickCount64())
-        lock.WaitFor(m_isEmpty, static_cast<DWORD>(end - now));
+    std::unique_lock lock(m_lock);
+    m_isEmpty.WaitUntil(
+        lock, [&] { return m_calls == 0; }, milliseconds);
 }
 
 namespace {

@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "sdk/host_services.h"
-#include "win32/exclusive_lock.h"
+#include "win32/system_lock.h"
 
 namespace BatchRename {
 
@@ -43,8 +43,8 @@ private:
     void Leave();
 
     // The system's lock, since it needs no memory: services are given back in destructors, when there may be none.
-    SRWLOCK m_lock = SRWLOCK_INIT;
-    CONDITION_VARIABLE m_isEmpty = CONDITION_VARIABLE_INIT;
+    Win32::SystemLock m_lock;
+    Win32::SystemCondition m_isEmpty;
     bool m_isClosed = false;
     uint32_t m_calls = 0;  // under way
 };

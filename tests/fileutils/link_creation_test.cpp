@@ -150,7 +150,8 @@ TEST(CreateLinkCommand, LogsAndReportsWhatBecameOfTheLink) {
     EXPECT_EQ(runner.List(), Names{L"target"});
     for (const Words& more : {Words(), {L"ASADMIN", L"--can-elevate"}}) {
         const HostRun made = Call(runner, L"1", target, more);
-        EXPECT_TRUE(made.status == 0 && made.out.ends_with("Link Created (Hardlink) " + paths)) << made.out << made.error;
+        EXPECT_TRUE(made.status == 0 && made.out.ends_with("Link Created (Hardlink) " + paths))
+            << made.out << made.error;
         EXPECT_TRUE(Win32::IsSameFile(target, runner / L"link"));
         const HostRun again = Call(runner, L"1", target, more);
         EXPECT_TRUE(again.status == 1 && Holds(again.out, "Failed to create link (Hardlink) (Error : 183) " + paths));

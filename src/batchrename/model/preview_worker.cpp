@@ -1,6 +1,5 @@
 #include "batchrename/model/preview_worker.h"
 
-#include <chrono>
 #include <utility>
 
 #include "batchrename/host_properties.h"
@@ -24,7 +23,7 @@ PreviewWorker::~PreviewWorker() {
         m_thread.request_stop();
         m_newest = UINT64_MAX;
     }
-    m_wake.notify_one();
+    m_wake.WakeOne();
 }
 
 void PreviewWorker::Request(PreviewRequest request, int delay) {
@@ -35,7 +34,7 @@ void PreviewWorker::Request(PreviewRequest request, int delay) {
         m_request = std::move(request);
         m_delay = delay;
     }
-    m_wake.notify_one();
+    m_wake.WakeOne();
 }
 
 void PreviewWorker::Cancel(uint64_t generation) {
@@ -55,7 +54,7 @@ void PreviewWorker::Dispose(std::shared_ptr<const void> object) {
         const std::lock_guard lock(m_mutex);
         m_disposed.push_back(std::move(object));
     }
-    m_wake.notify_one();
+    m_wake.WakeOne();
 }
 
 void PreviewWorker::Publish(std::shared_ptr<const Preview> preview) {
@@ -108,15 +107,14 @@ void PreviewWorker::Run(const std::stop_token& stop) {
             continue;
         }
         if (!m_request) {
-            m_wake.wait(lock, [&] { return stop.stop_requested() || m_request || !m_disposed.empty(); });
+            m_wake.WaitUntil(lock, [&] { return stop.stop_requested() || m_request || !m_disposed.empty(); });
             continue;
         }
         if (const uint64_t generation = m_request->generation; m_delay > 0) {
-            const auto pause = std::chrono::milliseconds(m_delay);
-            const bool isOvertaken = m_wake.wait_for(lock, pause, [&] {
+            const auto isOvertaken = [&] {
                 return stop.stop_requested() || !m_request || m_request->generation != generation;
-            });
-            if (isOvertaken) continue;
+            };
+            if (m_wake.WaitUntil(lock, isOvertaken, static_cast<uint32_t>(m_delay))) continue;
         }
         PreviewRequest request = std::move(*m_request);
         m_request.reset();

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <atomic>
-#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -13,6 +12,7 @@
 
 #include "batchrename/model/preview.h"
 #include "sdk/host_services.h"
+#include "win32/system_lock.h"
 
 namespace BatchRename {
 
@@ -48,8 +48,8 @@ private:
     std::function<void()> m_notify;
     FolderCache m_folders;
     std::atomic<uint64_t> m_newest = 0;  // generation
-    std::mutex m_mutex;
-    std::condition_variable m_wake;
+    Win32::SystemLock m_mutex;
+    Win32::SystemCondition m_wake;
     // Under the mutex.
     std::optional<PreviewRequest> m_request;
     int m_delay = 0;

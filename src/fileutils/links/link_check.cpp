@@ -70,7 +70,11 @@ LinkCheckThread::LinkCheckThread(LinkCheck whyNot, std::function<void()> notify)
 
 LinkCheckThread::~LinkCheckThread() {
     m_newest = UINT64_MAX;
-    m_thread.request_stop();
+    {
+        const std::lock_guard lock(m_mutex);
+        m_thread.request_stop();
+    }
+    m_wake.WakeOne();
     // It may be waiting for a machine that does not answer.
     if (const Win32::KernelHandle thread(OpenThread(THREAD_TERMINATE, FALSE, m_threadId)); thread)
         CancelSynchronousIo(thread.Get());
@@ -82,7 +86,7 @@ void LinkCheckThread::Request(LinkNames names, uint32_t type) {
         m_result.reset();
         m_plan = Plan{std::move(names), type, ++m_newest};
     }
-    m_wake.notify_one();
+    m_wake.WakeOne();
 }
 
 std::optional<std::wstring> LinkCheckThread::Take() {
@@ -113,7 +117,9 @@ std::wstring LinkCheckThread::FaultOf(const Plan& plan) {
 
 void LinkCheckThread::Run(const std::stop_token& stop) {
     std::unique_lock lock(m_mutex);
-    while (m_wake.wait(lock, stop, [&] { return m_plan.has_value(); })) {
+    for (;;) {
+        m_wake.WaitUntil(lock, [&] { return stop.stop_requested() || m_plan.has_value(); });
+        if (stop.stop_requested()) return;
         const Plan plan = *std::exchange(m_plan, std::nullopt);
         lock.unlock();
         std::wstring fault;

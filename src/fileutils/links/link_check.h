@@ -3,7 +3,6 @@
 #pragma once
 
 #include <atomic>
-#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -14,6 +13,8 @@
 #include <thread>
 #include <utility>
 #include <vector>
+
+#include "win32/system_lock.h"
 
 namespace FileUtils {
 
@@ -90,8 +91,8 @@ private:
     std::wstring m_failure;          // so too; made while there is memory
     std::atomic<uint64_t> m_newest = 0;
     std::atomic<uint32_t> m_threadId = 0;
-    std::mutex m_mutex;
-    std::condition_variable_any m_wake;
+    Win32::SystemLock m_mutex;
+    Win32::SystemCondition m_wake;
     std::optional<Plan> m_plan;            // under the mutex
     std::optional<std::wstring> m_result;  // so too
     std::jthread m_thread;                 // last: it uses everything above

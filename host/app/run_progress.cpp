@@ -1,4 +1,4 @@
-#include "host/app/progress.h"
+#include "host/app/run_progress.h"
 
 #include <algorithm>
 

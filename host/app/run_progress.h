@@ -1,4 +1,4 @@
-// progress.h - the progress display of a run: one line of a terminal, written over and over, or a window where
+// run_progress.h - the progress display of a run: one line of a terminal, written over and over, or a window where
 // questions are asked in windows and there is no terminal. Otherwise it only carries the wish to stop.
 #pragma once
 
