@@ -175,7 +175,6 @@ TEST(FrameModel, AnswersEachEventInEachState) {
     };
     const auto ended = [](F f) { f.model.OnRunEnd(f.Result()); };
     const auto notBegun = [](F f) { f.model.OnRunEnd(f.Result(false)); };
-    const auto endedTwice = [](F f) { f.model.OnRunEnd(nullptr); };
     const auto progress = [](F f) { f.model.OnRunProgress(1); };
     const auto live = [](F f) {
         f.model.OnChoices({.isLive = false});
@@ -240,7 +239,6 @@ TEST(FrameModel, AnswersEachEventInEachState) {
         {"end of the run", ended, {Stopping}, "report, close", FrameState::Done},
         {"a run that could not begin", notBegun, {Running}, "cancel, take", FrameState::Done, Off, L"wrong"},
         {"a run that could not begin", notBegun, {Stopping}, "close", FrameState::Done},
-        {"a second word of the end", endedTwice, {Ready, FrameState::Done}, "", kSame},
         {"live again", live, {Outdated, Computing}, "request", Computing, Start},
         {"live again", live, {Starting}, "request", Starting, Start},
         {"live again", live, {Ready, Asking, Running, Stopping, FrameState::Done}, "", kSame},

@@ -1,5 +1,6 @@
 // The window while the system has no thread for it, or no memory: it stays, says so, and works again afterwards.
 #include "batchrename/dialogs/batchrename_resource.h"
+#include "batchrename/window/main_frame.h"
 #include "batchrenamewindow/rename_window.h"
 #include "reliability/failing_memory.h"
 #include "support/dialog_driver.h"
@@ -91,6 +92,34 @@ TEST(RenameWindowWithoutMemory, StaysAndWorksAgain) {
             ASSERT_TRUE(window.WaitFor(worksAgain)) << window.Status();
         });
         EXPECT_GT(failures, 1u) << c.what << " had all the memory it wanted";
+    }
+}
+
+FailingMemory::Begin g_begin;
+WNDPROC g_frameProcedure;
+LRESULT CALLBACK HearOfTheEndWithoutMemory(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == BatchRename::FrameMessage::RunEnded) std::exchange(g_begin, [] {})();
+    const LRESULT result = CallWindowProcW(g_frameProcedure, window, message, wParam, lParam);
+    if (message == BatchRename::FrameMessage::RunEnded) FailingMemory::Disarm();
+    return result;
+}
+
+/// When the window hears of the end, of all moments: it tells of it as soon as there is memory.
+TEST(RenameWindowWithoutMemory, ShowsTheEndOfARun) {
+    RenameWindow window(kNames);
+    window.Open(kNames);
+    FailingMemory memory(Library());
+    g_frameProcedure = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrW(window.Frame(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(HearOfTheEndWithoutMemory)));
+    std::wstring rule = L"[N]";
+    for (const size_t number : {0, 1, 3, 15}) {
+        SCOPED_TRACE("allocation " + std::to_string(number));
+        g_begin = [&memory, number] { memory.Arm(number, true); };
+        window.Panel().Enter(IDC_NAME_TEMPLATE, rule += L"2");
+        ASSERT_TRUE(window.WaitForStatus(L"2 items, 2 will be renamed"));
+        window.Panel().Press(IDC_START);
+        ASSERT_TRUE(window.WaitForStatus(L"2 Renamed")) << window.Status();
+        ASSERT_TRUE(memory.HasFailed() && window.Panel().IsEnabled(IDC_NAME_TEMPLATE));
     }
 }
 

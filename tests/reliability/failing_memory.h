@@ -19,7 +19,7 @@ public:
     /// The allocation with this number from now on fails, and with `isLasting` all later ones. The first few of a
     /// thread never do: they are the runtime's own for exceptions, without which it ends the process.
     void Arm(size_t number, bool isLasting);
-    void Disarm();
+    static void Disarm();
     bool HasFailed() const;  // also once disarmed
     size_t Count() const;    // allocations since Arm
 

@@ -1,6 +1,7 @@
 #include "batchrename/model/frame_model.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "rename/rename_options.h"
@@ -269,11 +270,15 @@ void FrameModel::OnRunUnrecorded(uint32_t code) {
 
 void FrameModel::OnRunEnd(const std::shared_ptr<const RunResult>& result) {
     const bool isClosing = m_state == FrameState::Stopping;
+    if (!result) return;
     // First of all: whatever fails below, nothing waits for a run that is over.
-    if (IsRunning()) m_state = FrameState::Done;
-    if (result && !result->outcomes.empty()) m_actions.ReportRenamed(FoldersOf(result->rows));
+    m_state = FrameState::Done;
+    try {
+        if (!result->outcomes.empty()) m_actions.ReportRenamed(FoldersOf(result->rows));
+    } catch (const std::bad_alloc&) {
+        if (!isClosing) throw;
+    }
     if (isClosing) return m_actions.Close();
-    if (!result) return ShowState();
     m_actions.CancelPreview(++m_generation);
     m_mustReadFolders = true;
     if (result->outcomes.empty())

@@ -125,7 +125,7 @@ public:
     void OnRunProgress(uint32_t renameCount);
     /// Before the first rename of a run that goes on without its record: the Windows error code.
     void OnRunUnrecorded(uint32_t code);
-    /// `result` is null when it was taken before.
+    /// Comes again for the same run until it has returned without an exception.
     void OnRunEnd(const std::shared_ptr<const RunResult>& result);
 
     /// Other rows, from the host, while CanTakeRows: a restore that was being prepared is given up.

@@ -54,7 +54,7 @@ RunController::RunController(IHostServices* services, std::atomic<bool>& isStopp
 void RunController::Start(RunRequest request) {
     m_result.reset();
     // Made here, with memory for the text of the failure, so that the thread needs none to say that there is none.
-    auto result = std::make_unique<RunResult>();
+    auto result = std::make_shared<RunResult>();
     result->error.reserve(std::size(kFailed));
     m_thread = std::jthread([this, given = std::move(request), kept = std::move(result)]() mutable {
         ReserveExceptionRecord();
@@ -62,12 +62,12 @@ void RunController::Start(RunRequest request) {
     });
 }
 
-std::unique_ptr<RunResult> RunController::Take() {
+std::shared_ptr<const RunResult> RunController::Result() {
     if (m_thread.joinable()) m_thread.join();
-    return std::move(m_result);
+    return m_result;
 }
 
-void RunController::Run(RunRequest request, std::unique_ptr<RunResult> result) {
+void RunController::Run(RunRequest request, std::shared_ptr<RunResult> result) {
     try {
         if (!m_services) throw std::runtime_error("no host");
         const AcquiredService<IFileOperations> files(*m_services, ServiceNumber::FileOperations);

@@ -49,18 +49,18 @@ public:
     /// @throws std::system_error when there is no thread to be had: nothing is running then
     void Start(RunRequest request);
     void Stop() { m_isStopped = true; }
-    /// After onEnd, once; waits for the last moments of the run's thread.
-    std::unique_ptr<RunResult> Take();
+    /// After onEnd, until the next Start; waits for the last moments of the run's thread.
+    std::shared_ptr<const RunResult> Result();
 
 private:
-    void Run(RunRequest request, std::unique_ptr<RunResult> result);
+    void Run(RunRequest request, std::shared_ptr<RunResult> result);
 
     Quorvane::SDK::IHostServices* m_services;
     std::atomic<bool>& m_isStopped;
     std::function<void(uint32_t)> m_onProgress;
     std::function<void(uint32_t)> m_onUnrecorded;
     std::function<void()> m_onEnd;
-    std::unique_ptr<RunResult> m_result;
+    std::shared_ptr<const RunResult> m_result;
     std::jthread m_thread;  // last: it uses everything above
 };
 

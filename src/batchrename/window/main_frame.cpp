@@ -1,6 +1,7 @@
 #include "batchrename/window/main_frame.h"
 
 #include <algorithm>
+#include <new>
 #include <system_error>
 
 #include "batchrename/dialogs/batchrename_resource.h"
@@ -19,6 +20,8 @@ constexpr int kSplitterStep = 16;            // by which a key moves the bar
 constexpr int kSmallestList = 100;
 constexpr int kUsualWidth = 960;
 constexpr int kUsualHeight = 640;
+constexpr WPARAM kAgain = 1;
+constexpr DWORD kPauseBeforeRetry = 100;  // milliseconds
 
 [[noreturn]] void ThrowLastError(const char* what) {
     throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
@@ -138,7 +141,7 @@ LRESULT BatchRenameMainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lPar
         case FrameMessage::PreviewReady: m_model.OnPreview(m_preview->Take()); return 0;
         case FrameMessage::RunProgress: m_model.OnRunProgress(static_cast<uint32_t>(wParam)); return 0;
         case FrameMessage::RunUnrecorded: m_model.OnRunUnrecorded(static_cast<uint32_t>(wParam)); return 0;
-        case FrameMessage::RunEnded: m_model.OnRunEnd(m_run->Take()); return 0;
+        case FrameMessage::RunEnded: OnRunEnd(wParam == kAgain); return 0;
         case WM_CLOSE: m_model.OnClose(m_environment.isClosing); return 0;
         case WM_DESTROY: OnDestroy(); return 0;
         default: break;
@@ -171,6 +174,17 @@ void BatchRenameMainFrame::OnCreate() {
         [window] { PostMessageW(window, FrameMessage::RunEnded, 0, 0); });
     m_panel->SetRule(m_environment.context.rule);
     m_model.ShowState();
+}
+
+void BatchRenameMainFrame::OnRunEnd(bool isAgain) {
+    if (isAgain && m_model.IsRunning()) return;  // a newer one, which ends by itself
+    try {
+        m_model.OnRunEnd(m_run->Result());
+    } catch (const std::bad_alloc&) {
+        // Until it is shown: the next time there may be memory for that.
+        Sleep(kPauseBeforeRetry);
+        PostMessageW(m_window, FrameMessage::RunEnded, kAgain, 0);
+    }
 }
 
 void BatchRenameMainFrame::MoveFocus(WPARAM where, bool isControl) {

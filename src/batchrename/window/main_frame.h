@@ -92,6 +92,7 @@ private:
     int Scaled(int pixels) const;
     void OnScaleChange(UINT dotsPerInch, const RECT& suggested);
     void LimitSize(MINMAXINFO& limits) const;
+    void OnRunEnd(bool isAgain);
     void RestorePosition();
     void SavePosition() const noexcept;
     bool OnKey(const MSG& message);
