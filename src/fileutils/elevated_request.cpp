@@ -103,7 +103,9 @@ using namespace Quorvane::SDK;
 constexpr size_t kLongestText = 32767;  // units
 
 struct CloseChannel {
-    void operator()(IElevatedChannel* channel) const noexcept { channel->Close(); }
+    void operator()(IElevatedChannel* channel) const noexcept {
+        GiveBack([&] { channel->Close(); });
+    }
 };
 
 }  // namespace

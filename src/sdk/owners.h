@@ -4,24 +4,37 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "sdk/boundary.h"
 #include "sdk/host_services.h"
 
 namespace Quorvane::SDK {
+
+/// Gives something back to the host, where nothing can be done about a host that throws then.
+template <class Call>
+void GiveBack(Call&& call) noexcept {
+    AtBoundary(false, [&] {
+        std::forward<Call>(call)();
+        return true;
+    });
+}
 
 /// Ends a host object by its own Release.
 struct ReleaseObject {
     template <class Object>
     void operator()(Object* object) const noexcept {
-        object->Release();
+        GiveBack([&] { object->Release(); });
     }
 };
 template <class Object>
 using Owned = std::unique_ptr<Object, ReleaseObject>;
 
 struct CloseProgress {
-    void operator()(IProgress* progress) const noexcept { progress->Close(); }
+    void operator()(IProgress* progress) const noexcept {
+        GiveBack([&] { progress->Close(); });
+    }
 };
 /// Null where the host shows no progress.
 using OwnedProgress = std::unique_ptr<IProgress, CloseProgress>;
@@ -37,7 +50,7 @@ public:
     AcquiredService(const AcquiredService&) = delete;
     AcquiredService& operator=(const AcquiredService&) = delete;
     ~AcquiredService() {
-        if (m_service) m_services.ReleaseService(m_service, m_number);
+        if (m_service) GiveBack([&] { m_services.ReleaseService(m_service, m_number); });
     }
 
     explicit operator bool() const noexcept { return m_service != nullptr; }

@@ -42,7 +42,7 @@ void RenameInOneBatch(IHostServices& host, const std::vector<ItemRename>& rename
     if (renames.empty()) return;
     const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
     if (!files) return;
-    const auto end = [&](IRenameBatch* batch) { files->EndRenameBatch(batch); };
+    const auto end = [&](IRenameBatch* batch) { GiveBack([&] { files->EndRenameBatch(batch); }); };
     const std::unique_ptr<IRenameBatch, decltype(end)> batch(files->CreateRenameBatch(), end);
     if (!batch) return;
     for (const ItemRename& rename : renames) batch->AddRename(rename.item, rename.newName.c_str(), 0);
