@@ -1,11 +1,10 @@
-// A host that is slow at the wrong moment, deletes the extension meanwhile, and takes its services away: from then on
-// no call of it may begin. Also a host that shuts down from within a call of the window's thread.
-#include <array>
+// A host that is slow at the wrong moment and deletes the extension meanwhile: from then on no call of it may begin.
+// Also a host that shuts down from within a call of the window's thread.
 #include <atomic>
 
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/window/main_frame.h"
-#include "sdk/owners.h"
+#include "reliability/host_calls.h"
 #include "support/dialog_driver.h"
 #include "support/replaced_imports.h"
 #include "support/services_of_host.h"
@@ -15,58 +14,29 @@ namespace {
 using namespace QVTest;
 using namespace Quorvane::SDK;
 
-using AnySlot = uintptr_t (*)(void*, uintptr_t, uintptr_t, uintptr_t, uintptr_t, uintptr_t);
-
-std::atomic<int> lateCalls;
-uintptr_t LateCall() {
-    ++lateCalls;
-    return 0;
-}
-
-/// The call at which the host is slow, or does something of its own. The caller removes the arguments, so that one
-/// function serves slots of all kinds.
-struct {
-    AnySlot original;
-    std::function<void()> afterwards;
-    DWORD hostThread;
-} special;
-uintptr_t SpecialCall(void* object, uintptr_t a, uintptr_t b, uintptr_t c, uintptr_t d, uintptr_t e) {
-    const uintptr_t result = special.original(object, a, b, c, d, e);
-    if (GetCurrentThreadId() != special.hostThread && special.afterwards) special.afterwards();
-    return result;
-}
-
-enum Kind : uint8_t { Services, Files, Refresh, Settings, Xml, Document, Element };
-constexpr std::array<size_t, 7> kSlotCounts = {149, 70, 1, 7, 30, 3, 8};
-
-/// The stand-in host, with the tables of all classes that it gives objects of to the window.
 class HostThatLeaves {
 public:
-    HostThatLeaves(Kind kind, size_t slot, std::function<void()> afterwards)
-        : m_special(m_objects[kind], slot, SpecialCall) {
-        lateCalls = 0;
-        special = {reinterpret_cast<AnySlot>(m_special.Original()), std::move(afterwards), GetCurrentThreadId()};
+    /// `afterwards` is done at the end of each such call ("INTERFACE SLOT") by a thread of the library.
+    HostThatLeaves(const std::string& slowCall, std::function<void()> afterwards) {
         m_files.Write(L"a", "a");
         m_host.Select(m_files / L"a");
         m_host.State().panel = &m_panel;
-        m_extension = m_process.Create(2);
         m_extension->SetHost(&m_host.Services());
+        m_calls.Arm([=, thread = GetCurrentThreadId()](const std::string& call) {
+            if (call == slowCall && GetCurrentThreadId() != thread) afterwards();
+        });
     }
     HostThatLeaves(const HostThatLeaves&) = delete;
     HostThatLeaves& operator=(const HostThatLeaves&) = delete;
 
     IPluginInterface& Extension() { return *m_extension; }
     HMODULE Library() const { return m_process.Library(); }
+    uint32_t CallCount() const { return m_calls.Count(); }
     void Open() {
         m_extension->OnCommand(31000, 0, 0);
         EXPECT_TRUE(WaitUntil([&] { return Status().starts_with(L"1 item"); }));
     }
     void Delete() { m_process.Delete(m_extension, 2); }
-    void TakeServicesAway() {
-        for (const Kind kind : {Services, Files, Refresh, Settings, Xml, Document, Element})
-            for (size_t slot = 0; slot < kSlotCounts[kind]; ++slot)
-                m_poisoned.emplace_back(m_objects[kind], slot, LateCall);
-    }
 
     static HWND Frame() { return FindOwnWindow(BatchRename::kFrameClass); }
     static std::wstring Status() { return ShownText(GetDlgItem(Frame(), IDC_STATUS_BAR), SB_GETTEXTW, 0); }
@@ -77,18 +47,9 @@ private:
     TemporaryFolder m_files;
     InProcessHost m_process;
     ServicesOfHost m_host{QV_HOST_PROGRAM};
-    AcquiredService<IFileOperations> m_operations{m_host.Services(), ServiceNumber::FileOperations};
-    AcquiredService<IFolderRefresh> m_refresh{m_host.Services(), ServiceNumber::FolderRefresh};
-    Owned<IXmlService> m_xml{m_host.Services().GetXmlService(nullptr, 0)};
-    Owned<IXmlDocument> m_document{m_xml->CreateDocument()};
-    const std::array<void*, 7> m_objects = {
-        &m_host.Services(), m_operations.Get(),          m_refresh.Get(), m_host.Services().GetSettings(), m_xml.get(),
-        m_document.get(),   m_document->CreateRoot(L"a")};
     FakePanel m_panel{[this] { return m_host.State().selection; }, [](const std::wstring&) {}};
-    IPluginInterface* m_extension = nullptr;
-    // Put back in the opposite order, before the objects end.
-    ReplacedSlot m_special;
-    std::vector<ReplacedSlot> m_poisoned;
+    IPluginInterface* m_extension = m_process.Create(2);
+    HostCalls m_calls{m_extension, 2};
 };
 
 std::vector<DWORD> waits;
@@ -111,26 +72,47 @@ void Rename() {
     HostThatLeaves::Panel().Press(IDC_START);
 }
 
+/// Where a thread of the library waits until the extension is deleted.
+struct Halt {
+    Win32::KernelHandle isReached{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+    Win32::KernelHandle goesOn{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+    std::atomic<DWORD> thread = 0;
+
+    void Stay() {
+        thread = GetCurrentThreadId();
+        SetEvent(isReached.Get());
+        WaitForSingleObject(goesOn.Get(), 20000);
+    }
+};
+Halt* g_journal = nullptr;
+BOOL WINAPI WriteTheJournalSlowly(HANDLE file, const void* data, DWORD size, DWORD* written, OVERLAPPED* overlapped) {
+    if (g_journal) g_journal->Stay();
+    return WriteFile(file, data, size, written, overlapped);
+}
+
 TEST(HostThatLeaves, IsNeverCalledAgain) {
+    const auto bringNothing = [] {};
     const struct {
         const char* moment;
-        Kind kind;
-        size_t slot;  // in which the host is slow
+        const char* slowCall;  // "": the one that writes the journal
         std::function<void()> bring;
         bool isShutDown;
     } cases[] = {
-        {"renaming", Files, 67, Rename, false},
-        {"renaming, shut down in vain", Files, 67, Rename, true},
-        {"telling of a folder", Refresh, 0, Rename, true},
-        {"collecting", Services, 32, [] { HostThatLeaves::Panel().PressLater(IDC_RESET_LIST); }, true},
-        {"a preview", Files, 68, [] { HostThatLeaves::Panel().Enter(IDC_NAME_TEMPLATE, L"[?modified]-[?size]"); },
+        {"opening, a text", "services 16", bringNothing, false},
+        {"opening, its place", "settings 1", bringNothing, true},
+        {"renaming", "3000 67", Rename, false},
+        {"renaming, shut down in vain", "3000 67", Rename, true},
+        {"the journal", "", Rename, false},
+        {"telling of a folder", "3010 0", Rename, true},
+        {"collecting", "services 32", [] { HostThatLeaves::Panel().PressLater(IDC_RESET_LIST); }, true},
+        {"a preview", "3000 68", [] { HostThatLeaves::Panel().Enter(IDC_NAME_TEMPLATE, L"[?modified]-[?size]"); },
          false},
-        {"opening a dialog", Files, 69,
+        {"opening a dialog", "3000 69",
          [] {
              ChooseInMenu(IDC_NAME_TAGS, {VK_UP, VK_RETURN});
          },
          true},
-        {"saving a profile", Element, 7,
+        {"saving a profile", "element 7",
          [] {
              ChooseInMenu(IDC_PROFILES, {VK_UP, VK_UP, VK_RETURN});
              const DrivenDialog dialog = HostThatLeaves::Driver().WaitFor(L"Save profile");
@@ -139,29 +121,33 @@ TEST(HostThatLeaves, IsNeverCalledAgain) {
              dialog.PressLater(IDOK);
          },
          true},
-        {"closing", Settings, 5, [] { PostMessageW(HostThatLeaves::Frame(), WM_CLOSE, 0, 0); }, false},
+        {"closing", "settings 5", [] { PostMessageW(HostThatLeaves::Frame(), WM_CLOSE, 0, 0); }, false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.moment);
-        const Win32::KernelHandle isIn(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-        const Win32::KernelHandle goesOn(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-        HostThatLeaves host(c.kind, c.slot, [&] {
-            SetEvent(isIn.Get());
-            WaitForSingleObject(goesOn.Get(), 20000);
-        });
+        const bool isOpening = std::string_view(c.moment).starts_with("opening,");
+        Halt halt;
+        HostThatLeaves host(c.slowCall, [&] { halt.Stay(); });
         waits.clear();
         const ReplacedImport hurried(host.Library(), "WaitForSingleObject", reinterpret_cast<void*>(EndBoundedWait));
-        host.Open();
-        const Win32::KernelHandle thread(
-            OpenThread(SYNCHRONIZE, FALSE, GetWindowThreadProcessId(HostThatLeaves::Frame(), nullptr)));
+        const ReplacedImport journal(host.Library(), "WriteFile", reinterpret_cast<void*>(WriteTheJournalSlowly));
+        if (isOpening)
+            host.Extension().OnCommand(31000, 0, 0);
+        else
+            host.Open();
+        const HWND frame = HostThatLeaves::Frame();
+        g_journal = *c.slowCall == 0 ? &halt : nullptr;
         c.bring();
-        ASSERT_EQ(WaitForSingleObject(isIn.Get(), 10000), WAIT_OBJECT_0);
+        ASSERT_EQ(WaitForSingleObject(halt.isReached.Get(), 10000), WAIT_OBJECT_0);
+        const Win32::KernelHandle thread(
+            OpenThread(SYNCHRONIZE, FALSE, isOpening ? halt.thread.load() : GetWindowThreadProcessId(frame, nullptr)));
         if (c.isShutDown) host.Extension().Shutdown();
         host.Delete();
-        host.TakeServicesAway();
-        SetEvent(goesOn.Get());
+        const uint32_t calls = host.CallCount();
+        SetEvent(halt.goesOn.Get());
         EXPECT_EQ(WaitForSingleObject(thread.Get(), 10000), WAIT_OBJECT_0);
-        EXPECT_EQ(lateCalls, 0);
+        g_journal = nullptr;
+        EXPECT_EQ(host.CallCount(), calls);
         std::erase(waits, 3000u);  // of the lock for saving profiles
         EXPECT_EQ(waits, (std::vector<DWORD>{c.isShutDown ? 5000u : 4000u}));
     }
@@ -171,7 +157,7 @@ TEST(HostThatLeaves, IsNeverCalledAgain) {
 TEST(HostThatShutsDown, OnTheWindowsThreadIsRecognisedFromItsFirstCall) {
     HostThatLeaves* opening = nullptr;
     std::atomic<int> shutdowns = 0;
-    HostThatLeaves host(Settings, 1, [&] {
+    HostThatLeaves host("settings 1", [&] {
         if (shutdowns++ == 0) opening->Extension().Shutdown();
     });
     opening = &host;

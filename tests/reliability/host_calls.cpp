@@ -76,7 +76,7 @@ struct State {
     uint32_t number = 0;
     HostFault fault = {};
     std::string failed;
-    std::function<void(uint32_t)> onCall;
+    std::function<void(const std::string&)> onCall;
 } g_state;
 thread_local bool t_isInHost = false;  // calls between the host's own objects are not the library's
 
@@ -110,7 +110,8 @@ uintptr_t OnCall(const Interface& interface_, size_t slotNumber, const Slot& slo
     std::unique_lock lock(g_state.lock);
     const uint32_t number = g_state.count++;
     const bool fails = number == g_state.number;
-    if (fails) g_state.failed = interface_.name + (" " + std::to_string(slotNumber));
+    const std::string name = interface_.name + (" " + std::to_string(slotNumber));
+    if (fails) g_state.failed = name;
     if (slot.kind == '-') {
         const auto found = g_state.open.find(given[slot.detail[0] - size_t{'0'}]);
         if (found == g_state.open.end())
@@ -128,7 +129,7 @@ uintptr_t OnCall(const Interface& interface_, size_t slotNumber, const Slot& slo
     lock.lock();
     if (slot.kind == '+' && answer != 0) g_state.open.insert(answer);
     lock.unlock();
-    if (g_state.onCall) g_state.onCall(number);
+    if (g_state.onCall) g_state.onCall(name);
     return answer;
 }
 
@@ -194,7 +195,7 @@ void HostCalls::Arm(uint32_t number, HostFault fault) {
     g_state.isArmed = true;
 }
 
-void HostCalls::Arm(std::function<void(uint32_t)> onCall) {
+void HostCalls::Arm(std::function<void(const std::string&)> onCall) {
     Arm(0xFFFFFFFF, {});
     g_state.onCall = std::move(onCall);
 }

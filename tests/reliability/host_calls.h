@@ -26,12 +26,13 @@ public:
 
     /// From now on calls are counted from 0, and the one with this number fails.
     void Arm(uint32_t number, HostFault fault);
-    /// The same without a fault. `onCall` is told the number after each call, on its thread.
-    void Arm(std::function<void(uint32_t number)> onCall);
+    /// The same without a fault. `onCall` is told "INTERFACE SLOT" when the host has done its
+    /// part of a call, on the thread of the call.
+    void Arm(std::function<void(const std::string& call)> onCall);
     void Disarm();
 
     uint32_t Count() const;
-    std::string FailedCall() const;  // the interface and the slot; "" when none failed
+    std::string FailedCall() const;  // "INTERFACE SLOT"; "" when none failed
     /// Objects handed out since Arm and not given back; one that was given back twice counts as well.
     size_t OpenObjects() const;
 };
