@@ -61,16 +61,4 @@ TEST(RenameWindow, TellsTheHostOfARunThatClosingEnds) {
     window.EndHost();
 }
 
-TEST(RenameWindow, EndsWhileItOpensAndWhenItWasClosed) {
-    RenameWindow window({L"a"});
-    window.RunCommand({L"a"});
-    ASSERT_TRUE(window.WaitFor([&] { return window.Frame() != nullptr; }));
-    PostMessageW(window.Frame(), WM_CLOSE, 0, 0);
-    ASSERT_TRUE(window.WaitFor([&] { return !window.Frame(); }));
-    window.RunCommand({L"a"});  // a new one, ended at once
-    window.EndHost();
-    EXPECT_FALSE(window.Frame());
-    EXPECT_EQ(GetModuleHandleW(L"QVUtils.dll"), nullptr);
-}
-
 }  // namespace

@@ -41,11 +41,8 @@ TEST(AllocationFaults, LoseNothingAndEndNobody) {
             const WorkFolder work(command);
             const HostRun result = run(work, begin);
             const Contents now = work.Read();
-            SCOPED_TRACE(command.name + ("\n" + result.Said()) + testing::PrintToString(now));
-            for (const auto& [name, content] : command.files) {
-                const bool isThere = std::ranges::count(now, content, &Contents::value_type::second) > 0;
-                EXPECT_TRUE(isThere || IsSafe(name, content, done, now) || now == done) << "content is lost";
-            }
+            SCOPED_TRACE(command.name + ("\n" + result.Said()));
+            ExpectNothingLost(command, done, now);
             for (const auto& [name, content] : now)
                 EXPECT_TRUE(command.files.contains(name) || done.contains(name) || name.ends_with(L".bak"))
                     << "a file is left behind";

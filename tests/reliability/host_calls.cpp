@@ -19,8 +19,8 @@ using namespace Quorvane::SDK;
 
 // Its slots, and those of them that do not answer with a number, or nothing. Number, kind, detail: `>` an object of
 // that interface ("-" for one without slots), `+` one that is to be given back, `-` gives back its argument with that
-// number (0 is the object itself), `t` a text, `b` fills a buffer, that argument, `p` and `c` fill a record, that
-// argument. Services are named by their number.
+// number (0 is the object itself), `t` a text, `b` fills a buffer, that argument, `p`, `c` and `n` fill a record or
+// number, that argument. Services are named by their number.
 struct Interface {
     const char* name;
     size_t slots;
@@ -36,7 +36,7 @@ constexpr Interface kInterfaces[] = {
     {"menus", 13, "0 > - 1 > - 2 > - 4 > - 7 > -"},
     {"registry", 4, "1 > command"},
     {"command", 2, ""},
-    {"call", 7, "1 t -"},
+    {"call", 7, "1 t - 2 n 2"},
     {"settings", 7, "1 b 4"},
     {"progress", 3, "2 - 0"},
     {"choices", 15, "2 t - 14 - 0"},
@@ -92,9 +92,11 @@ uintptr_t CallOn(bool isHostsSide, void* function, const Arguments& given) {
 uintptr_t OddAnswer(const Slot& slot, const Arguments& given) {
     if (slot.Gives()) return 0;
     if (slot.kind == 't') return reinterpret_cast<uintptr_t>(L"%s%d%|<");
-    const size_t at = slot.kind == 'b' || slot.kind == 'p' || slot.kind == 'c' ? slot.detail[0] - size_t{'0'} : 0;
+    const size_t at =
+        std::string_view("bpcn").find(slot.kind) != std::string_view::npos ? slot.detail[0] - size_t{'0'} : 0;
     if (slot.kind == 'b')
         std::fill_n(reinterpret_cast<wchar_t*>(given[at]), static_cast<uint32_t>(given[at + 1]), L'x');
+    if (slot.kind == 'n') *reinterpret_cast<uint32_t*>(given[at]) = 0xFFFFFFFF;
     if (slot.kind == 'c') reinterpret_cast<ChoiceRequest*>(given[at])->position = 0xFFFFFFFF;
     if (slot.kind == 'p') {
         reinterpret_cast<StoredPropertyValue*>(given[at])->status = -1;

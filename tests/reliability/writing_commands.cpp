@@ -1,5 +1,9 @@
 #include "reliability/writing_commands.h"
 
+#include <algorithm>
+
+#include <gtest/gtest.h>
+
 namespace QVTest {
 namespace {
 
@@ -49,6 +53,13 @@ const std::vector<WritingCommand>& WritingCommands() {
         {"rename by a quick command", Command(L"30005", L"ok"), {{L"a 1.txt", "1"}, {L"b 2.txt", "2"}}},
     };
     return commands;
+}
+
+void ExpectNothingLost(const WritingCommand& command, const Contents& done, const Contents& now) {
+    for (const auto& [name, content] : command.files)
+        EXPECT_TRUE(std::ranges::count(now, content, &Contents::value_type::second) > 0 ||
+                    IsSafe(name, content, done, now) || now == done)
+            << "content is lost: " << testing::PrintToString(now);
 }
 
 WorkFolder::WorkFolder(const WritingCommand& command) : m_command(command) {

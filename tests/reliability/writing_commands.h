@@ -29,6 +29,8 @@ inline bool IsSafe(const std::wstring& name, const std::string& before, const Co
     return Holds(now, name, before) || Holds(now, name + L".bak", before) ||
            (done.contains(name) && Holds(now, name, done.at(name)));
 }
+/// Each file is as it was, under whatever name, or done, where `done` is what the command leaves undisturbed.
+void ExpectNothingLost(const WritingCommand& command, const Contents& done, const Contents& now);
 /// A suite of all of them: of class `Suite`, which takes a WritingCommand.
 #define QV_WITH_EVERY_WRITING_COMMAND(Suite)                                             \
     INSTANTIATE_TEST_SUITE_P(Every, Suite, testing::ValuesIn(QVTest::WritingCommands()), \
