@@ -1,6 +1,8 @@
 // A host that is slow at the wrong moment and deletes the extension meanwhile: from then on no call of it may begin.
 // Also a host that shuts down from within a call of the window's thread.
 #include <atomic>
+#include <functional>
+#include <string>
 
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/window/main_frame.h"

@@ -1,4 +1,6 @@
 // The window while the system has no thread for it, or no memory: it stays, says so, and works again afterwards.
+#include <utility>
+
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/window/main_frame.h"
 #include "batchrenamewindow/rename_window.h"

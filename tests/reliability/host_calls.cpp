@@ -6,6 +6,8 @@
 #include <mutex>
 #include <set>
 #include <sstream>
+#include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 

@@ -2,6 +2,9 @@
 // goes wrong: nothing is lost, every object of the host is given back, and each call comes back.
 #include <algorithm>
 #include <array>
+#include <functional>
+#include <optional>
+#include <span>
 
 #include "reliability/host_calls.h"
 #include "reliability/writing_commands.h"
@@ -111,7 +114,7 @@ std::vector<WritingCommand> AllCommands() {
 
 class FaultsOfTheHostInACommand : public testing::TestWithParam<WritingCommand> {
 protected:
-    /// The command over its files, which are in `folder`.
+    /// The command over its files, which are in `folder`; a call over the first of them.
     void Run(IPluginInterface& extension, ServicesOfHost& host, const TemporaryFolder& folder) const {
         host.State().selection.clear();
         for (const auto& [name, content] : GetParam().files) {
@@ -125,9 +128,9 @@ protected:
                 call.SetArgument(argument);
             }
             extension.OnCustomCommand(&call);
+            return;
         }
-        if (options.action == QVHost::Action::Command)
-            extension.OnCommand(static_cast<uint32_t>(std::stoul(options.operands.front())), 0, 0);
+        extension.OnCommand(static_cast<uint32_t>(std::stoul(options.operands.front())), 0, 0);
     }
 
     QVHost::HostOptions options = QVHost::ParseCommandLine(GetParam().arguments);
