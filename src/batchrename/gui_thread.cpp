@@ -131,9 +131,13 @@ private:
     std::unique_ptr<BatchRenameMainFrame> m_frame;
 };
 
-void LogNoWindow(Quorvane::SDK::IHostServices& services) {
+void LogNoWindow(Quorvane::SDK::IHostServices& services) noexcept {
     using namespace Quorvane::SDK;
-    services.Log(kLogLevel, LogKind::Failure, L"[Batch Rename] - The window cannot be opened");
+    // Guarded, since a host that throws may be why.
+    AtBoundary(false, [&] {
+        services.Log(kLogLevel, LogKind::Failure, L"[Batch Rename] - The window cannot be opened");
+        return true;
+    });
 }
 
 struct StartOfThread {
