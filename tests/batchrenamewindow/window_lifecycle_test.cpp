@@ -33,6 +33,12 @@ TEST(RenameWindow, EndsWithItsHostWhateverItIsAt) {
              window.Panel().PressLater(IDC_NAME_TAGS);
              DialogDriver(window.Thread()).WaitForMenu();
          }},
+        {"it was closed, and opens again",
+         [](RenameWindow& window) {
+             PostMessageW(window.Frame(), WM_CLOSE, 0, 0);
+             EXPECT_TRUE(window.WaitFor([&] { return !window.Frame(); }));
+             window.RunCommand({L"a"});
+         }},
     };
     for (const auto& c : cases) {
         RenameWindow window({L"a", L"b"});

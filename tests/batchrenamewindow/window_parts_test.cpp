@@ -1,7 +1,4 @@
 // The parts of the window that need none.
-#include <thread>
-
-#include "batchrename/extension_state.h"
 #include "batchrename/model/name_fit.h"
 #include "batchrename/model/name_sample.h"
 #include "batchrename/model/row_list.h"
@@ -9,7 +6,6 @@
 #include "batchrename/model/window_position.h"
 #include "batchrename/rows.h"
 #include "rename/rename_options.h"
-#include "support/services_of_host.h"
 
 namespace {
 
@@ -32,21 +28,6 @@ Names NamesOf(const RenameItems& rows) {
     return names;
 }
 
-TEST(ChangedPart, LiesBetweenWhatBothNamesShare) {
-    const struct {
-        const char* why;
-        std::wstring_view before, after;
-        ChangedPart expected;
-    } cases[] = {
-        {"equal", L"abc", L"abc", {3, 3}},
-        {"in the middle", L"a1c", L"a22c", {1, 3}},
-        {"a letter doubled", L"aa", L"aaa", {2, 3}},
-        {"all new", L"x", L"yz", {0, 2}},
-        {"a pair whose second half changes stays whole", L"\xD83D\xDE00", L"\xD83D\xDE01", {0, 2}},
-    };
-    for (const auto& c : cases) EXPECT_EQ(FindChangedPart(c.before, c.after), c.expected) << c.why;
-}
-
 TEST(FittedName, ShowsTheChangeAndAnEllipsisWhereverTextIsLeftOut) {
     // Ten pixels a unit, and as many an ellipsis. [ ] stand around the changed part.
     const auto shown = [](const std::wstring& before, const std::wstring& name, int width) {
@@ -63,6 +44,9 @@ TEST(FittedName, ShowsTheChangeAndAnEllipsisWhereverTextIsLeftOut) {
         int width;
         const wchar_t* expected;
     } cases[] = {
+        {"equal", L"abc", L"abc", 30, L"abc[]"},
+        {"a letter doubled", L"aa", L"aaa", 30, L"aa[a]"},
+        {"a pair whose second half changes", L"\xD83D\xDE00", L"\xD83D\xDE01", 20, L"[\xD83D\xDE01]"},
         {"all fits", L"abc.txt", L"abc-new.txt", 110, L"abc[-new].txt"},
         {"the end is left out", L"abc.txt", L"abc-new.txt", 100, L"abc[-new].t\u2026"},
         {"nothing but the change", L"abcdef.txt", L"new-abcdef.txt", 50, L"[new-]\u2026"},
@@ -125,10 +109,6 @@ TEST(Problems, AreGoneThroughInBothDirections) {
     EXPECT_EQ(NextProblem({}, kNowhere, true), std::nullopt);
 }
 
-TEST(StatusText, TellsOfAFailureOfTheRunItself) {
-    EXPECT_EQ(TextAfterRun(L"wrong", {}, true), L"wrong");
-}
-
 TEST(WindowPosition, IsReadBackAndBroughtOntoTheScreen) {
     const WindowPosition position = {-5, 10, 900, 700, true, 210};
     EXPECT_EQ(ParseWindowPosition(FormatWindowPosition(position)), position);
@@ -145,27 +125,6 @@ TEST(ItemTrial, SaysWhatAPairDoesToTheNames) {
     EXPECT_EQ(TextOfTrial(TryItem({L"a(\\d)", L"$1"}, regex, rows, never), 3), L"2 of 3 names match\na1.txt\n1.txt");
     EXPECT_FALSE(TryItem({L"(", L""}, regex, rows, never).error.empty());
     EXPECT_EQ(TryItem({L"a", L"b"}, 0, rows, [] { return true; }).tried, 0u);
-}
-
-/// The host's own thread may be what a refresh waits for, and it is the one that releases.
-TEST(HostCallback, IsReleasedWhileTheHostRefreshes) {
-    QVTest::ServicesOfHost host(QV_HOST_PROGRAM);
-    const Win32::KernelHandle isIn(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    const Win32::KernelHandle isReleased(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    DWORD waited = WAIT_FAILED;
-    QVTest::FakePanel panel({}, [&](const std::wstring&) {
-        SetEvent(isIn.Get());
-        waited = WaitForSingleObject(isReleased.Get(), 10000);
-    });
-    host.State().panel = &panel;
-    HostCallback callback;
-    callback.Acquire(host.Services());
-    std::thread refreshing([&] { callback.RefreshFolders({L"C:\\d"}); });
-    EXPECT_EQ(WaitForSingleObject(isIn.Get(), 10000), WAIT_OBJECT_0);
-    callback.Release();
-    SetEvent(isReleased.Get());
-    refreshing.join();
-    EXPECT_EQ(waited, WAIT_OBJECT_0);
 }
 
 TEST(RowsAfterARun, FollowAFolderThatWasRenamedAboveThem) {
