@@ -1,6 +1,5 @@
 #include "batchrename/run/rename_run.h"
 
-#include <algorithm>
 #include <set>
 
 #include "rows.h"
@@ -192,19 +191,6 @@ private:
 TEST(RunRestore, BringsAllHomeAfterEveryHistoryOfFourMishaps) {
     for (const bool hasIdentities : {false, true})
         for (const World& world : kWorlds) EveryHistory(world, hasIdentities).Explore();
-}
-
-TEST(RunRestore, OfSomeRowsKeepsTheOthersForLater) {
-    Scene scene(kWorlds[5]);
-    scene.Rename();
-    for (const bool isWhole : {false, true}) {
-        const auto session = scene.journal.Read();
-        RestoreRows restore = MakeRestoreRows(*session, scene.disk.Lister());
-        if (!isWhole) KeepEntries(restore, [](size_t entry) { return entry < 2; });
-        scene.Restore(*session, restore);
-        EXPECT_EQ(scene.journal.Read()->haveRestored, isWhole);
-    }
-    EXPECT_EQ(scene.disk.items, scene.before);
 }
 
 TEST(RunRenames, WritesTheSessionBeforeTheFirstRenameAndTruesItUp) {

@@ -2,6 +2,7 @@
 // failures at a given step, or a crash between two.
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <set>
 #include <stdexcept>
@@ -39,11 +40,6 @@ public:
     void Add(const std::wstring& location, const std::wstring& name) {
         items.push_back({location, name, static_cast<int>(items.size()) + 1});
     }
-    const DiskItem* Find(int content) const {
-        for (const DiskItem& item : items)
-            if (item.content == content) return &item;
-        return nullptr;
-    }
     /// With the contents as the items' lasting numbers, or without any.
     BatchRename::ListFolder Lister() {
         return [this](const std::wstring& folder) {
@@ -61,8 +57,8 @@ public:
     }
     BatchRename::FindItem Finder() const {
         return [this](const BatchRename::ItemIdentity& identity, const std::wstring&) {
-            const DiskItem* const item = Find(static_cast<int>(identity.index));
-            return item ? item->location + L"\\" + item->name : std::wstring();
+            const auto item = std::ranges::find(items, static_cast<int>(identity.index), &DiskItem::content);
+            return item != items.end() ? item->location + L"\\" + item->name : std::wstring();
         };
     }
 

@@ -39,21 +39,19 @@ TEST(UndoSession, IsReadInSpiteOfDamage) {
         std::wstring text;
         size_t entries;
         bool haveRestored;
-        int year;
     } cases[] = {
-        {"lines end with LF", L"[INFO]\nHaveRestored : 2\n[FILES]\na|b|c\n", 1, true, 1970},
-        {"the last line has no end", L"[FILES]\r\na|b|c", 1, false, 1970},
-        {"too few and too many fields", L"[FILES]\na|b\na|b|c|d\na|b|c\n", 1, false, 1970},
-        {"a date beyond all dates", L"[INFO]\nDate : 9223372036854775807\n", 0, false, 1970},
-        {"progress of no entry", L"[FILES]\na|b|c\n# unfinished\n#> 7|x\n#> |x\n#> 99999999999|x\n#=\n", 1, false,
-         1970},
+        {"lines end with LF", L"[INFO]\nHaveRestored : 2\n[FILES]\na|b|c\n", 1, true},
+        {"the last line has no end", L"[FILES]\r\na|b|c", 1, false},
+        {"too few and too many fields", L"[FILES]\na|b\na|b|c|d\na|b|c\n", 1, false},
+        {"a date beyond all dates", L"[INFO]\nDate : 9223372036854775807\n", 0, false},
+        {"progress of no entry", L"[FILES]\na|b|c\n# unfinished\n#> 7|x\n#> |x\n#> 99999999999|x\n#=\n", 1, false},
     };
     for (const auto& c : cases) {
         BatchRenameUndo session;
         ParseSession(c.text, session);
         EXPECT_EQ(session.entries.size(), c.entries) << c.why;
         EXPECT_EQ(session.haveRestored, c.haveRestored) << c.why;
-        EXPECT_EQ(session.time.year, c.year) << c.why;
+        EXPECT_EQ(session.time.year, 1970) << c.why;
     }
 }
 

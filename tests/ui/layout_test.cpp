@@ -109,38 +109,38 @@ wchar_t AccessKeyOf(const std::wstring& text) {
                                                                  : static_cast<wchar_t>(towlower(text[mark + 1]));
 }
 
-std::string Name(WORD dialog, WORD points, HWND control) {
+std::string Name(HWND control) {
     const std::wstring text = Win32::WindowText(control);
-    return "dialog " + std::to_string(dialog) + ", " + std::to_string(points) + " points, control " +
-           std::to_string(GetDlgCtrlID(control)) + " \"" + std::string(text.begin(), text.end()) + "\"";
+    return "control " + std::to_string(GetDlgCtrlID(control)) + " \"" + std::string(text.begin(), text.end()) + "\"";
 }
 
 TEST(Layout, EverythingFitsAndNothingOverlaps) {
     for (const WORD dialog : kDialogs)
         for (const WORD points : kPointSizes) {
+            SCOPED_TRACE("dialog " + std::to_string(dialog) + ", " + std::to_string(points) + " points");
             const OpenDialog open(dialog, points);
             ASSERT_TRUE(open.Window());
             RECT client = {};
             GetClientRect(open.Window(), &client);
-            EXPECT_LE(client.bottom, kScreenHeight) << "dialog " << dialog << ", " << points << " points";
+            EXPECT_LE(client.bottom, kScreenHeight);
             const std::vector<HWND> controls = open.Controls();
             for (size_t i = 0; i < controls.size(); ++i) {
                 const HWND control = controls[i];
                 const RECT rect = RectIn(open.Window(), control);
                 RECT common = {};
                 EXPECT_TRUE(IntersectRect(&common, &rect, &client) && EqualRect(&common, &rect))
-                    << Name(dialog, points, control) << " leaves the dialog";
+                    << Name(control) << " leaves the dialog";
                 const std::wstring windowClass = ClassOf(control);
                 if (windowClass == L"Button" || windowClass == L"Static") {
                     const SIZE text = SizeOfText(control, Win32::WindowText(control));
-                    EXPECT_LE(text.cx + Frame(control), rect.right - rect.left) << Name(dialog, points, control);
-                    EXPECT_LE(text.cy, rect.bottom - rect.top) << Name(dialog, points, control);
+                    EXPECT_LE(text.cx + Frame(control), rect.right - rect.left) << Name(control);
+                    EXPECT_LE(text.cy, rect.bottom - rect.top) << Name(control);
                 }
                 if (IsGroupBox(control)) continue;
                 for (size_t j = i + 1; j < controls.size(); ++j) {
                     const RECT other = RectIn(open.Window(), controls[j]);
                     EXPECT_TRUE(IsGroupBox(controls[j]) || !IntersectRect(&common, &rect, &other))
-                        << Name(dialog, points, control) << " overlaps " << Name(dialog, points, controls[j]);
+                        << Name(control) << " overlaps " << Name(controls[j]);
                 }
             }
         }
@@ -148,12 +148,13 @@ TEST(Layout, EverythingFitsAndNothingOverlaps) {
 
 TEST(Layout, EveryControlIsWithinReachOfTheKeyboard) {
     for (const WORD dialog : kDialogs) {
+        SCOPED_TRACE("dialog " + std::to_string(dialog));
         const OpenDialog open(dialog, kPointSizes[0]);
         ASSERT_TRUE(open.Window());
         std::map<wchar_t, HWND> keys;
         HWND before = nullptr;
         for (const HWND control : open.Controls()) {
-            const std::string name = Name(dialog, kPointSizes[0], control);
+            const std::string name = Name(control);
             const std::wstring windowClass = ClassOf(control);
             const bool isField = windowClass == L"Edit" || windowClass == L"ComboBox" || windowClass == L"ListBox" ||
                                  windowClass == L"SysListView32";
@@ -164,8 +165,7 @@ TEST(Layout, EveryControlIsWithinReachOfTheKeyboard) {
             const bool needsStop = isStop && ButtonKind(control) != BS_AUTORADIOBUTTON;
             EXPECT_TRUE(!needsStop || (GetWindowLongW(control, GWL_STYLE) & WS_TABSTOP)) << name;
             const wchar_t key = windowClass == L"Edit" ? L'\0' : AccessKeyOf(Win32::WindowText(control));
-            EXPECT_TRUE(!key || keys.emplace(key, control).second)
-                << name << " has the key of " << Name(dialog, kPointSizes[0], keys[key]);
+            EXPECT_TRUE(!key || keys.emplace(key, control).second) << name << " has the key of " << Name(keys[key]);
             before = control;
         }
         if (dialog == IDD_RULE_PANEL) continue;  // Enter in one of its fields starts no run
