@@ -90,7 +90,7 @@ TEST_F(RenameCommand, FindsItemsAgainAndLeavesOthersAlone) {
     m_files.Write(L"c1", "edited");
     MoveFileW((m_files / L"a1").c_str(), (m_files / L"in\\mine").c_str());
     DeleteFileW((m_files / L"b1").c_str());
-    m_files.Write(L"b1", "another");
+    for (const wchar_t* name : {L"a1", L"b1"}) m_files.Write(name, "another");
     const HostRun run = m_host.Run({L"undo", L"restore", L"last"});
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.out,

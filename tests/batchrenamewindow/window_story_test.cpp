@@ -173,22 +173,14 @@ TEST(RenameWindow, KeepsTheSelectionOnItsRows) {
             shown.push_back(window.Cell(static_cast<int>(place), 0));
         }
     };
-    const auto sort = [&](int column, const Words& expected) {
-        const auto header = reinterpret_cast<HWND>(SendMessageW(window.List(), LVM_GETHEADER, 0, 0));
-        RECT rect = {};
-        SendMessageW(header, HDM_GETITEMRECT, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&rect));
-        const LPARAM middle = MAKELPARAM((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2);
-        SendMessageW(header, WM_LBUTTONDOWN, MK_LBUTTON, middle);
-        SendMessageW(header, WM_LBUTTONUP, 0, middle);
-        EXPECT_TRUE(window.WaitFor([&] { return window.Column(0) == expected; }));
-    };
     const auto press = [&](WPARAM key) { PostMessageW(window.List(), WM_KEYDOWN, key, 1); };
     press(VK_HOME);
     ASSERT_TRUE(window.WaitFor([&] { return selected() == Words{L"b"}; }));
-    sort(0, {L"a", L"b", L"c", L"d"});
+    // Sorted by a click on the first column's header.
+    const auto header = reinterpret_cast<HWND>(SendMessageW(window.List(), LVM_GETHEADER, 0, 0));
+    for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP}) SendMessageW(header, message, 0, MAKELPARAM(20, 5));
+    EXPECT_TRUE(window.WaitFor([&] { return window.Column(0) == Words{L"a", L"b", L"c", L"d"}; }));
     EXPECT_EQ(selected(), Words{L"b"});
-    sort(kNewName, {L"a", L"b", L"c", L"d"});
-    sort(kNewName, {L"d", L"c", L"b", L"a"});
     window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
     ASSERT_TRUE(window.WaitForStatus(L"4 items, 4 will be renamed"));
     EXPECT_EQ(selected(), Words{L"b"});
