@@ -84,17 +84,18 @@ TEST_F(RenameCommand, ShowsAndRestoresPartsOfASessionAndWalksBack) {
 }
 
 TEST_F(RenameCommand, FindsItemsAgainAndLeavesOthersAlone) {
-    Fill({L"a", L"b", L"c"});
+    Fill({L"a", L"b", L"c", L"d"});
     CreateDirectoryW((m_files / L"in").c_str(), nullptr);
-    EXPECT_EQ(Rename({L"a", L"b", L"c"}, {L"--name", L"[N]1"}).status, 0);
+    EXPECT_EQ(Rename({L"a", L"b", L"c", L"d"}, {L"--name", L"[N]1"}).status, 0);
     m_files.Write(L"c1", "edited");
     MoveFileW((m_files / L"a1").c_str(), (m_files / L"in\\mine").c_str());
-    DeleteFileW((m_files / L"b1").c_str());
-    for (const wchar_t* name : {L"a1", L"b1"}) m_files.Write(name, "another");
+    for (const wchar_t* gone : {L"b1", L"d1"}) DeleteFileW((m_files / gone).c_str());
+    for (const wchar_t* stranger : {L"a1", L"b1", L"d"}) m_files.Write(stranger, "another");
     const HostRun run = m_host.Run({L"undo", L"restore", L"last"});
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.out,
-              "c1\tc\trestored\nb1\tb\tfailed: the item is gone; another one has its name now\nmine\ta\trestored\n");
+              "d1\td\tfailed: there is no such item any more\nc1\tc\trestored\n"
+              "b1\tb\tfailed: the item is gone; another one has its name now\nmine\ta\trestored\n");
     EXPECT_EQ(m_files.Read(L"in\\a") + m_files.Read(L"b1"), "aanother");
 }
 
