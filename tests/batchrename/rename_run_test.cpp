@@ -210,13 +210,6 @@ TEST(RunRenames, WritesTheSessionBeforeTheFirstRenameAndTruesItUp) {
     EXPECT_FALSE(session->isUnfinished);
 }
 
-TEST(RunRenames, LeaveNoSessionWhenNothingIsRenamed) {
-    Scene scene(kWorlds[0]);
-    scene.disk.failure = [](int) { return 5u; };
-    scene.Rename();
-    EXPECT_EQ(scene.journal.text, L"");
-}
-
 TEST(RunRenames, RenameNothingFurtherThatCannotBeRecorded) {
     for (const bool needsRecord : {true, false}) {
         Scene scene(kWorlds[5]);
