@@ -83,7 +83,7 @@ struct Halt {
     void Stay() {
         thread = GetCurrentThreadId();
         SetEvent(isReached.Get());
-        WaitForSingleObject(goesOn.Get(), 20000);
+        EXPECT_EQ(WaitForSingleObject(goesOn.Get(), 20000), WAIT_OBJECT_0) << "the host waited for its own call";
     }
 };
 Halt* g_journal = nullptr;

@@ -4,7 +4,7 @@
 #include <atomic>
 #include <cstdint>
 
-#include "sdk/services.h"
+#include "sdk/rename_result.h"
 
 namespace BatchRename {
 
