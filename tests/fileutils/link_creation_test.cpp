@@ -1,10 +1,16 @@
-// Links: a junction's bytes, what the system is asked for, and "CreateLink" here and in the elevated process.
+// Links: what the system is asked for, and "CreateLink" here and in the elevated process.
 #include "fileutils/links/link_creation.h"
 
 #include <cstring>
+#include <sstream>
+
+#include <shlobj.h>
 
 #include "fileutils/command_runner.h"
+#include "support/replaced_imports.h"
+#include "win32/com.h"
 #include "win32/files.h"
+#include "win32/handle.h"
 #include "win32/path.h"
 
 namespace {
@@ -12,92 +18,114 @@ namespace {
 using namespace FileUtils;
 using namespace QVTest;
 
-/// What the system was asked for; a table of plain functions has no other place for it.
-struct Asked {
-    Words words;
-    ReparseBuffer buffer;
-    uint32_t answer = 0;
-};
-Asked* g_asked = nullptr;
+// Each call that makes a link is replaced by one that writes down what it gets.
+Words g_calls;
+bool g_answer = true;
 
-uint32_t Ask(const Words& words) {
-    g_asked->words = words;
-    return g_asked->answer;
+BOOL Note(const Words& words) {
+    std::wstring call;
+    for (const std::wstring& word : words) call += (call.empty() ? L"" : L" ") + word;
+    g_calls.push_back(call);
+    if (!g_answer) SetLastError(1314);
+    return g_answer;
 }
 
-constexpr LinkSystem kRecordingSystem = {
-    .makeHardLink =
-        [](const std::wstring& link, const std::wstring& target) {
-            return Ask({L"hard", link, target});
-        },
-    .makeSymbolicLink =
-        [](const std::wstring& link, const std::wstring& target, uint32_t flags) {
-            return Ask({L"symbolic", link, target, std::to_wstring(flags)});
-        },
-    .setReparsePoint =
-        [](const std::wstring& folder, const ReparseBuffer& buffer) {
-            g_asked->buffer = buffer;
-            return Ask({L"reparse", folder, Win32::Exists(folder) ? L"exists" : L"missing"});
-        },
-    .saveShortcut =
-        [](const std::wstring& link, const std::wstring& target, const std::wstring& workingFolder,
-           const wchar_t* description) {
-            return Ask({L"shortcut", link, target, workingFolder, description});
-        },
-};
+template <class... Number>
+std::wstring Hex(Number... numbers) {
+    std::wostringstream text;
+    text << std::hex;
+    ((text << L' ' << numbers), ...);
+    return text.str();
+}
+
+BOOL WINAPI HardLink(LPCWSTR link, LPCWSTR target, LPSECURITY_ATTRIBUTES security) {
+    return Note({L"hard", link, target, security ? L"secured" : L"plain"});
+}
+
+BOOLEAN WINAPI SymbolicLink(LPCWSTR link, LPCWSTR target, DWORD flags) {
+    return static_cast<BOOLEAN>(Note({L"symbolic", link, target, std::to_wstring(flags)}));
+}
+
+decltype(&GetProcAddress) g_find = nullptr;
+FARPROC WINAPI Find(HMODULE module, LPCSTR name) {
+    const bool isMeant = std::strcmp(name, "CreateSymbolicLinkW") == 0;
+    return isMeant ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&SymbolicLink)) : g_find(module, name);
+}
+
+HANDLE WINAPI Open(LPCWSTR path, DWORD access, DWORD sharing, LPSECURITY_ATTRIBUTES, DWORD creation, DWORD flags,
+                   HANDLE) {
+    EXPECT_TRUE(Win32::Exists(path));
+    Note({L"open", path + Hex(access, sharing, creation, flags)});
+    return CreateEventW(nullptr, FALSE, FALSE, nullptr);
+}
+
+/// The fuzz target reads a junction's other fields back.
+BOOL WINAPI Control(HANDLE, DWORD code, LPVOID in, DWORD inSize, LPVOID, DWORD outSize, LPDWORD, LPOVERLAPPED) {
+    const auto* const bytes = static_cast<const uint8_t*>(in);
+    const std::wstring target = reinterpret_cast<const wchar_t*>(bytes + 16);
+    uint32_t tag = 0;
+    std::memcpy(&tag, bytes, sizeof(tag));
+    return Note({L"control" + Hex(code, inSize - target.size() * sizeof(wchar_t), outSize, tag), target});
+}
+
+ReplacedImport Replace(const char* name, auto* function) {
+    return {GetModuleHandleW(nullptr), name, reinterpret_cast<void*>(function)};
+}
 
 class MakeLinkTest : public testing::Test {
 protected:
-    MakeLinkTest() { g_asked = &m_asked; }
-    ~MakeLinkTest() override { g_asked = nullptr; }
+    MakeLinkTest() { g_answer = true; }
 
     uint32_t Make(uint32_t type, const std::wstring& link, const std::wstring& target, bool targetIsFolder) {
-        m_asked.words.clear();
-        return MakeLink({type, link, target, targetIsFolder}, kRecordingSystem);
+        LinkSystem system = ThisSystem();
+        system.saveShortcut = [](const std::wstring& path, const std::wstring& to, const std::wstring& workingFolder,
+                                 const wchar_t* description) {
+            return Note({L"shortcut", path, to, workingFolder, description}) ? 0u : 1314u;
+        };
+        const ReplacedImport replaced[] = {Replace("CreateHardLinkW", HardLink), Replace("GetProcAddress", Find),
+                                           Replace("CreateFileW", Open), Replace("DeviceIoControl", Control)};
+        g_find = reinterpret_cast<decltype(g_find)>(replaced[1].Original());
+        g_calls.clear();
+        return MakeLink({type, link, target, targetIsFolder}, system);
     }
 
     TemporaryFolder m_folder;
-    Asked m_asked;
 };
 
 TEST_F(MakeLinkTest, AsksTheSystemForEachKind) {
     const std::wstring folder = m_folder.Path();
     const std::wstring target = m_folder.Write(L"target.txt", "x");
     const std::wstring link = m_folder / L"link";
-    const std::wstring drives = L"C:\\autoexec.bat";
-    const std::wstring description = L"Link created by Quorvane";
+    const std::wstring shortcut = L"shortcut " + link + L" ", described = L" Link created by Quorvane";
     const struct {
         uint32_t type;
         std::wstring target;
         bool targetIsFolder;
-        Words asked;
+        uint32_t refusal;
+        std::wstring call;
     } cases[] = {
-        {1, target, false, {L"hard", link, target}},
-        {3, L"..\\target.txt", false, {L"symbolic", link, L"..\\target.txt", L"0"}},
-        {3, folder, true, {L"symbolic", link, folder, L"1"}},
-        {4, target, false, {L"shortcut", link, target, folder, description}},
-        {4, drives, false, {L"shortcut", link, drives, L"C:\\", description}},
-        {4, folder, true, {L"shortcut", link, folder, L"", description}},
+        {1, target, false, 1314, L"hard " + link + L" " + target + L" plain"},
+        {3, L"..\\target.txt", false, 1314, L"symbolic " + link + L" ..\\target.txt 0"},
+        {3, folder, true, 1314, L"symbolic " + link + L" " + folder + L" 1"},
+        {4, target, false, 3, shortcut + target + L" " + folder + described},
+        {4, L"C:\\autoexec.bat", false, 3, shortcut + L"C:\\autoexec.bat C:\\" + described},
+        {4, folder, true, 3, shortcut + folder + L" " + described},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(Make(c.type, link, c.target, c.targetIsFolder), 0u);
-        EXPECT_EQ(m_asked.words, c.asked);
-    }
-    EXPECT_EQ(Make(4, L"no such link", m_folder.Path(), true), 0u);
-    EXPECT_EQ(m_asked.words[1], Win32::FullPath(L"no such link")) << "the shell has no current folder";
+    for (const auto& c : cases)
+        for (const bool answer : {true, false}) {
+            g_answer = answer;
+            EXPECT_EQ(Make(c.type, link, c.target, c.targetIsFolder), answer ? 0 : c.refusal);
+            EXPECT_EQ(g_calls, Words{c.call});
+        }
+    Make(4, L"no such link", folder, true);
+    EXPECT_TRUE(g_calls[0].starts_with(L"shortcut " + Win32::FullPath(L"no such link"))) << "the shell has no folder";
 }
 
-TEST_F(MakeLinkTest, GivesTheseErrors) {
+TEST_F(MakeLinkTest, RefusesOtherKindsAndAShortcutInAFilesPlace) {
     const std::wstring target = m_folder.Write(L"target.txt", "x");
-    m_asked.answer = 1314;
-    EXPECT_EQ(Make(1, m_folder / L"link", target, false), 1314u);
-    EXPECT_EQ(Make(3, m_folder / L"link", target, false), 1314u);
-    EXPECT_EQ(Make(2, m_folder / L"link", m_folder.Path(), true), 13u);
-    EXPECT_EQ(Make(4, m_folder / L"link", target, false), 3u);
-    m_asked.answer = 0;
     for (const uint32_t type : {0u, 5u, 0xFFFFFFFFu}) EXPECT_EQ(Make(type, m_folder / L"link", target, false), 13u);
-    EXPECT_EQ(Make(4, target, target, false), 3u);  // a shortcut takes no file's place
-    EXPECT_TRUE(m_asked.words.empty());
+    EXPECT_EQ(Make(4, target, target, false), 3u);
+    EXPECT_TRUE(g_calls.empty());
     EXPECT_EQ(m_folder.List(), Names{L"target.txt"});
 }
 
@@ -108,28 +136,41 @@ TEST_F(MakeLinkTest, WritesAJunctionIntoANewOrAnEmptyFolder) {
     for (const auto& [wanted, written] :
          {std::pair(target, L"\\??\\" + target), {missing, missing}, {L"\\\\?\\" + target, L"\\??\\" + target}}) {
         EXPECT_EQ(Make(2, link, wanted, wanted != missing), 0u);
-        EXPECT_EQ(m_asked.words, (Names{L"reparse", link, L"exists"}));
-        EXPECT_EQ(reinterpret_cast<const wchar_t*>(m_asked.buffer.bytes.data() + 16), written);
-        uint32_t tag = 0;  // the fuzz target reads the other fields back
-        std::memcpy(&tag, m_asked.buffer.bytes.data(), sizeof(tag));
-        EXPECT_EQ(tag, 0xA0000003u);
+        EXPECT_EQ(g_calls,
+                  (Words{L"open " + link + L" c0000000 7 3 2200000", L"control 900a4 14 0 a0000003 " + written}));
     }
-
     EXPECT_EQ(Make(2, m_folder / L"new", target, true), 13u);  // not empty
     EXPECT_EQ(Make(2, m_folder.Write(L"file", "x"), target, true), 13u);
-    EXPECT_TRUE(m_asked.words.empty());
+    EXPECT_TRUE(g_calls.empty());
     EXPECT_TRUE(Win32::Exists(link));
 }
 
 TEST_F(MakeLinkTest, LeavesNoFolderOfAFailedJunctionBehind) {
-    m_asked.answer = 50;
+    g_answer = false;
     EXPECT_EQ(Make(2, m_folder / L"a\\b\\link", m_folder.Path(), true), 13u);
-    EXPECT_EQ(m_asked.words.size(), 3u);
+    EXPECT_EQ(g_calls.size(), 2u);
     EXPECT_EQ(Make(2, m_folder / L"link", m_folder / L"missing", true), 13u);
     EXPECT_EQ(m_folder.List(), Names{});
     const std::wstring mine = m_folder.MakeFolder(L"mine");
     EXPECT_EQ(Make(2, mine, m_folder.Path(), true), 13u);
     EXPECT_TRUE(Win32::Exists(mine));  // it was there before
+}
+
+TEST(Shortcut, HasTheseFields) {
+    const TemporaryFolder folder;
+    const std::wstring target = folder.Write(L"target", "x");
+    const std::wstring link = folder / L"link.lnk";
+    ASSERT_EQ(ThisSystem().saveShortcut(link, target, folder.Path(), L"words"), 0u);
+    const Win32::ComApartment apartment;
+    const auto shortcut = Win32::MakeComObject<IShellLinkW>(CLSID_ShellLink, IID_IShellLinkW);
+    const auto file = Win32::InterfaceOf<IPersistFile>(shortcut, IID_IPersistFile);
+    ASSERT_TRUE(file);
+    ASSERT_EQ(file->Load(link.c_str(), STGM_READ), S_OK);
+    wchar_t text[3][MAX_PATH] = {};
+    shortcut->GetPath(text[0], MAX_PATH, nullptr, SLGP_RAWPATH);
+    shortcut->GetWorkingDirectory(text[1], MAX_PATH);
+    shortcut->GetDescription(text[2], MAX_PATH);
+    EXPECT_EQ((Words{text[0], text[1], text[2]}), (Words{target, folder.Path(), L"words"}));
 }
 
 /// Runs "CreateLink" for a target and the link "link" of the runner's folder.

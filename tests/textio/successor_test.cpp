@@ -246,6 +246,32 @@ TEST(Successor, HasAttributesAndCreationTimeOfTheOriginal) {
     EXPECT_EQ(g_basic.FileAttributes, original.attributes);
 }
 
+namespace {
+
+std::string g_order;
+
+BOOL WINAPI Flush(HANDLE file) {
+    g_order += "flush ";
+    return Real<&FlushFileBuffers>("FlushFileBuffers")(file);
+}
+BOOL WINAPI Move(LPCWSTR from, LPCWSTR to, DWORD flags) {
+    g_order += "move ";
+    return Real<&MoveFileExW>("MoveFileExW")(from, to, flags);
+}
+
+}  // namespace
+
+TEST(ReplaceRecord, IsFlushedBeforeItTakesItsName) {
+    const auto flush = Replace("FlushFileBuffers", Flush);
+    const auto move = Replace("MoveFileExW", Move);
+    const TemporaryFolder folder;
+    for (const char* text : {"new", "another"}) {
+        g_order.clear();
+        EXPECT_EQ(ReplaceRecord(folder / L"a", text, true), 0u);
+        EXPECT_EQ(g_order, "flush move ");
+    }
+}
+
 /// Files of killed runs go; those of other programs, and one that is being written, stay.
 TEST(Successor, LeftoversGoWhenNobodyHoldsThem) {
     const TemporaryFolder folder;
