@@ -156,7 +156,7 @@ TEST_F(MakeLinkTest, LeavesNoFolderOfAFailedJunctionBehind) {
     EXPECT_TRUE(Win32::Exists(mine));  // it was there before
 }
 
-TEST(Shortcut, HasTheseFields) {
+TEST(LinkShortcut, HasTheseFields) {
     const TemporaryFolder folder;
     const std::wstring target = folder.Write(L"target", "x");
     const std::wstring link = folder / L"link.lnk";

@@ -88,33 +88,42 @@ TEST(SortLinesCommand, NotesWhatHasNoEffectAndWhatLinesLack) {
 }
 
 // What is asked and overwritten is held by the tests of the run over files.
-TEST(SortLinesCommand, LeavesWhatIsRefused) {
-    const CommandRunner runner;
-    runner.Write(L"a.txt", "b\na\n");
-    HostRun run = Sort(runner, {}, {L"no", L"ok"});
-    EXPECT_TRUE(run.status == 1 && Holds(run.error, "[skipped]")) << run.error;
-    run = Sort(runner, {}, {L"cancel"});
-    EXPECT_TRUE(run.status == 1 && Holds(run.error, "1223")) << run.error;
-    EXPECT_EQ(runner.ReadAll(), (Contents{{L"a.txt", "b\na\n"}}));
-}
-
-TEST(SortLinesCommand, TellsWhyAFileFailed) {
-    const CommandRunner runner;
-    EXPECT_TRUE(Holds(Sort(runner, {L"SILENT"}).out, "a.txt not found\n"));
-    runner.Write(L"a.txt",
-                 "\xEF\xBB\xBF"
-                 "b\na\n");
-    const std::pair<Words, const char*> cases[] = {
-        {{L"TARGET=*:x", L"OVERWRITE"}, "[SortLines] - Error : The target cannot be a file name : "},
-        {{L"TARGET=*:x", L"OVERWRITE"}, "( ErrorCode : 123 )\n[SortLines] - Failed to sortline in file : "},
-        {{L"OVERWRITE"},
-         "[SortLines] - Error : Text format not supported ( ErrorCode : 1630 )\n[SortLines] - Failed to sortline in "
-         "file : "},
+TEST(SortLinesCommand, TellsWhatBecameOfTheFile) {
+    const std::string failed = "[SortLines] - Failed to sortline in file : ";
+    const struct {
+        const char* before;
+        Words parameters, answers;
+        std::string logged;
+        const char* noted;
+        int status = 1;
+    } cases[] = {
+        {nullptr, {L"SILENT"}, {}, "a.txt not found\n", ""},
+        {"b\na\n", {}, {L"no", L"ok"}, "", "[skipped]"},
+        {"b\na\n", {}, {L"cancel"}, "", "1223"},
+        {"b\n",
+         {L"TARGET=*:x", L"SILENT"},
+         {},
+         "[SortLines] - Error : The target cannot be a file name : ",
+         "[failed] "},
+        {"b\n", {L"TARGET=*:x", L"SILENT"}, {}, "( ErrorCode : 123 )\n" + failed, "[failed] "},
+        {"\xEF\xBB\xBF\n",
+         {L"OVERWRITE", L"SILENT"},
+         {},
+         "[SortLines] - Error : Text format not supported ( ErrorCode : 1630 )\n" + failed,
+         "[failed] "},
+        {"a\nb\n",
+         {L"TARGET=new.txt", L"DELETE"},
+         {L"ok"},
+         "[SortLines] - Note : TARGET is not used together with KEEPBACKUP or DELETE\n",
+         "",
+         0},
     };
-    for (const auto& [parameters, logged] : cases) {
-        const HostRun run = Sort(runner, Joined(parameters, {L"SILENT"}));
-        EXPECT_TRUE(run.status == 1 && Holds(run.error, "[failed] ")) << run.error;
-        EXPECT_TRUE(Holds(run.out, logged));
+    for (const auto& c : cases) {
+        const CommandRunner runner;
+        if (c.before) runner.Write(L"a.txt", c.before);
+        const HostRun run = Sort(runner, c.parameters, c.answers);
+        EXPECT_TRUE(run.status == c.status && Holds(run.out, c.logged) && Holds(run.error, c.noted)) << run.Said();
+        EXPECT_EQ(runner.ReadAll(), c.before ? (Contents{{L"a.txt", c.before}}) : Contents());
     }
 }
 

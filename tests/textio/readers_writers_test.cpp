@@ -3,7 +3,6 @@
 
 #include "support/string_writer.h"
 #include "support/temporary_folder.h"
-#include "textio/data_reader.h"
 #include "textio/data_writer.h"
 #include "textio/text_file.h"
 
@@ -20,13 +19,6 @@ Failure FailureOf(const std::function<void()>& body) try {
     return {};
 } catch (const QVUtilsException& failure) {
     return {failure.what(), failure.GetErrorCode()};
-}
-
-std::string ReadAll(DataReader& reader, uint32_t size) {
-    std::string text;
-    std::string buffer(size, '\0');
-    for (uint32_t read = 0; reader.Read(buffer.data(), size, read), read > 0;) text.append(buffer, 0, read);
-    return text;
 }
 
 /// Takes at most `most` bytes a call, and none after `limit` bytes.
@@ -46,16 +38,6 @@ private:
 };
 
 }  // namespace
-
-TEST(SampledDataReader, GivesTheSampleAgain) {
-    const std::string text(3000, 'x');
-    for (const uint32_t size : {1u, 1000u, 1024u, 4000u}) {
-        MemoryDataReader memory(text.data(), static_cast<uint32_t>(text.size()), false);
-        SampledDataReader sampled(memory);
-        EXPECT_EQ(sampled.GetSampleSize(), 1024u);
-        EXPECT_EQ(ReadAll(sampled, size), text);
-    }
-}
 
 TEST(FileDataWriter, OverwritesOnlyWhenAsked) {
     const TemporaryFolder folder;

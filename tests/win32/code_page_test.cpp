@@ -6,23 +6,13 @@
 
 namespace {
 
-/// Gives this thread another language for a while.
-class ThreadLanguage {
-public:
-    explicit ThreadLanguage(LCID language) { SetThreadLocale(language); }
-    ~ThreadLanguage() { SetThreadLocale(m_before); }
-    ThreadLanguage(const ThreadLanguage&) = delete;
-    ThreadLanguage& operator=(const ThreadLanguage&) = delete;
-
-private:
-    const LCID m_before = GetThreadLocale();
-};
-
 // The system refuses for UTF-8 what it wants for other code pages, under whatever number the code page is asked for.
 TEST(CodePage, TheThreadsMayBeUtf8) {
-    const ThreadLanguage hindi(0x0439);
+    const LCID before = GetThreadLocale();
+    SetThreadLocale(0x0439);  // Hindi
     EXPECT_EQ(Win32::ToCodePage(L"\x0915\x00E9", Win32::kThreadCodePage), "\xE0\xA4\x95\xC3\xA9");
     EXPECT_EQ(Win32::ToCodePage(L"\xD800", Win32::kThreadCodePage), std::nullopt);
+    SetThreadLocale(before);
 }
 
 }  // namespace

@@ -30,6 +30,26 @@ DWORD WINAPI RefuseAttributes(const wchar_t*) {
     return INVALID_FILE_ATTRIBUTES;
 }
 
+std::vector<DWORD> g_moves;  // their flags
+BOOL WINAPI NoteMove(const wchar_t*, const wchar_t*, DWORD flags) {
+    g_moves.push_back(flags);
+    return TRUE;
+}
+
+std::vector<std::wstring> g_streams;
+HANDLE WINAPI FirstStream(const wchar_t*, STREAM_INFO_LEVELS level, void* data, DWORD flags) {
+    EXPECT_EQ(level + flags, 0u);
+    g_streams = {L":b c:$DATA", L":a:$DATA"};
+    wcscpy(static_cast<WIN32_FIND_STREAM_DATA*>(data)->cStreamName, L"::$DATA");
+    return FindFirstFileW(L"Z:\\*", std::make_unique<WIN32_FIND_DATAW>().get());
+}
+BOOL WINAPI NextStream(HANDLE, void* data) {
+    if (g_streams.empty()) return FALSE;
+    wcscpy(static_cast<WIN32_FIND_STREAM_DATA*>(data)->cStreamName, g_streams.back().c_str());
+    g_streams.pop_back();
+    return TRUE;
+}
+
 QVTest::ReplacedImport Replace(const char* name, auto* function) {
     return {GetModuleHandleW(nullptr), name, reinterpret_cast<void*>(function)};
 }
@@ -51,6 +71,20 @@ TEST(Files, CopyEveryNamedStreamOrSayWhichErrorStoppedThem) {
     EXPECT_EQ(folder.Read(L"new.txt:large:$DATA"), large);
     EXPECT_EQ(folder.Read(L"new.txt"), "changed");
     EXPECT_EQ(Win32::CopyStreams(folder / L"old.txt", folder / L"new.txt", {L":gone:$DATA"}), 2u);
+}
+
+TEST(Files, NamedStreamsAreListedWithoutTheContent) {
+    const auto first = Replace("FindFirstStreamW", FirstStream);
+    const auto next = Replace("FindNextStreamW", NextStream);
+    EXPECT_EQ(Win32::NamedStreamsOf(L"a"), (std::vector<std::wstring>{L":a:$DATA", L":b c:$DATA"}));
+}
+
+TEST(Files, AMoveReplacesOnlyWhenAskedAndCopiesNothing) {
+    const auto move = Replace("MoveFileExW", NoteMove);
+    Win32::MoveFileTo(L"a", L"b");
+    Win32::MoveFileOver(L"a", L"b");
+    for (const bool mayReplace : {false, true}) Win32::MoveFileThrough(L"a", L"b", mayReplace);
+    EXPECT_EQ(g_moves, (std::vector<DWORD>{0, 1, 8, 9}));
 }
 
 TEST(Files, AHeldFileIsReplacedAsSoonAsItIsFree) {

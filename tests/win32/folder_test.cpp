@@ -6,11 +6,6 @@
 
 namespace {
 
-std::vector<std::wstring> Sorted(std::vector<std::wstring> names) {
-    std::ranges::sort(names);
-    return names;
-}
-
 // More than one call delivers; a pattern that fits every name takes the other way through the system.
 TEST(Folder, ListsTheSameEntriesAtOnceAndByAPattern) {
     const QVTest::TemporaryFolder folder;
@@ -19,14 +14,15 @@ TEST(Folder, ListsTheSameEntriesAtOnceAndByAPattern) {
         written.push_back(std::wstring(150, L'n') + L"\xE4" + std::to_wstring(number) + L".txt");
         folder.Write(written.back(), std::string(number % 5, 'x'));
     }
+    std::ranges::sort(written);
     std::vector<Win32::FolderEntry> entries;
-    std::vector<std::wstring> all;
-    std::vector<std::wstring> matching;
     ASSERT_EQ(Win32::ListFolder(folder.Path(), L"*", entries), 0u);
-    ASSERT_EQ(Win32::ListFolder(folder.Path(), L"*", all), 0u);
-    ASSERT_EQ(Win32::ListFolder(folder.Path(), L"*.txt", matching), 0u);
-    EXPECT_EQ(Sorted(all), Sorted(written));
-    EXPECT_EQ(Sorted(matching), Sorted(written));
+    for (const wchar_t* pattern : {L"*", L"*.txt"}) {
+        std::vector<std::wstring> names;
+        ASSERT_EQ(Win32::ListFolder(folder.Path(), pattern, names), 0u);
+        std::ranges::sort(names);
+        EXPECT_EQ(names, written);
+    }
     ASSERT_EQ(entries.size(), 400u);
     uint64_t bytes = 0;
     for (const Win32::FolderEntry& entry : entries) {
