@@ -143,55 +143,38 @@ TEST(SecurityCalls, HaveTheseArguments) {
     std::wstring text;
     uint32_t mask = 0;
     const auto tell = [](uint32_t result) { Note(L"= " + std::to_wstring(result)); };
+    const auto give = [&](const wchar_t* path) { tell(tools.SetOwner(path, L"Everyone")); };
     const auto grant = [&] { tell(tools.GrantAccess(L"C:\\a", L"Everyone", 0x1200A9)); };
     const auto reset = [&] { tell(tools.RemoveAllEntries(L"C:\\a")); };
     const auto look = [&](const std::wstring& path) {
         EXPECT_EQ(QueryStreamFigures(path, system), (StreamFigures{1, 4096}));
     };
-    const wchar_t* const none = L"O:SY";
-    const wchar_t* const denied = L"D:(D;;0x2;;;AU)(A;ID;FA;;;SY)(A;;0x1;;;BA)";
     const std::wstring findName = L"FindName - Everyone 100 100", get = L"Get C:\\a 1 4 list";
+    const wchar_t* const denied = L"D:(D;;0x2;;;AU)(A;ID;FA;;;SY)(A;;0x1;;;BA)";
     const std::wstring granted =
         L"Set C:\\a 1 4 - - D:(A;OICI;DC;;;AU)(A;OICI;FA;;;SY)(A;OICI;CC;;;BA)(A;OICI;0x1200a9;;;WD) -";
     const std::wstring inherits = L"Set C:\\a 1 20000004 - - - - SeSecurityPrivilege";
+    const std::wstring emptied = L"Set C:\\a 1 4 - - D: -", backup = L" SeBackupPrivilege";
     const struct {
         const char* why;
-        const wchar_t* given;
-        DWORD writeError;
         std::function<void()> ask;
         Words calls;
+        const wchar_t* given = L"O:SY";
+        DWORD writeError = 0;
     } cases[] = {
-        {"what the log keeps", none, 0, [&] { text = tools.DescribeOwnerAndList(L"C:\\a"); }, {L"GetFile C:\\a 5"}},
-        {"the rights",
-         none,
-         0,
-         [&] { CACLInfo(L"C:\\a", system).GetEffectiveRights(mask); },
-         {L"GetFile C:\\a 4", L"GetRights CURRENT_USER"}},
-        {"a new owner",
-         none,
-         0,
-         [&] { tell(tools.SetOwner(L"C:\\a", L"Everyone")); },
-         {findName, L"Set C:\\a 1 1 S-1-1-0 - - -", L"= 0"}},
-        {"on a share",
-         none,
-         87,
-         [&] { tell(tools.SetOwner(L"\\\\s\\a", L"Everyone")); },
-         {findName, L"Set \\\\s\\a 4 1 S-1-1-0 - - -", L"= 87"}},
-        {"a grant rewrites every entry as one that allows", denied, 0, grant, {findName, get, granted, L"= 0"}},
-        {"one that is built and not written", denied, 5, grant, {findName, get, granted, L"= 0"}},
-        {"one without a list", none, 0, grant, {findName, get, L"= 87"}},
-        {"a reset inherits first", denied, 5, reset, {get, inherits, L"Set C:\\a 1 4 - - D: -", L"= 5"}},
-        {"one without a list, which would be access for everybody",
-         none,
-         0,
-         reset,
-         {get, inherits, L"Set C:\\a 1 4 - - D: -", L"= 0"}},
-        {"streams of a file", none, 0, [&] { look(file); }, {L"Open 0 3 3 0", L"Query file 10000 16"}},
-        {"streams of a folder",
-         none,
-         0,
-         [&] { look(folder.Path()); },
-         {L"Open 0 3 3 2000000 SeBackupPrivilege", L"Query file 10000 16 SeBackupPrivilege"}},
+        {"the log's words", [&] { text = tools.DescribeOwnerAndList(L"C:\\a"); }, {L"GetFile C:\\a 5"}},
+        {"the list for rights",
+         [&] { CACLInfo(L"a", system).GetEffectiveRights(mask); },
+         {L"GetFile a 4", L"GetRights CURRENT_USER"}},
+        {"a new owner", [&] { give(L"C:\\a"); }, {findName, L"Set C:\\a 1 1 S-1-1-0 - - -", L"= 0"}},
+        {"on a share", [&] { give(L"\\\\s\\a"); }, {findName, L"Set \\\\s\\a 4 1 S-1-1-0 - - -", L"= 5"}, L"", 5},
+        {"a grant rewrites every entry as one that allows", grant, {findName, get, granted, L"= 0"}, denied},
+        {"one that is built and not written", grant, {findName, get, granted, L"= 0"}, denied, 5},
+        {"one without a list", grant, {findName, get, L"= 87"}},
+        {"a reset inherits first", reset, {get, inherits, emptied, L"= 5"}, denied, 5},
+        {"without a list, which is access for everybody", reset, {get, inherits, emptied, L"= 0"}},
+        {"a file's streams", [&] { look(file); }, {L"Open 0 3 3 0", L"Query file 10000 16"}},
+        {"a folder's", [&] { look(folder.Path()); }, {L"Open 0 3 3 2000000" + backup, L"Query file 10000 16" + backup}},
     };
     for (const auto& c : cases) {
         g_calls.clear();
