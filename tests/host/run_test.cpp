@@ -77,7 +77,7 @@ TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
         {"given twice", {L"call", L"Echo", L"TEXT=a", L"TEXT=b"}, 2, "TEXT is given twice"},
         {"a log that takes nothing", {L"call", L"Echo", L"TEXT=a", L"--log", L"/dev/full"}, 1, "the log file "},
         {"no library", {L"menus", L"--library", L"none.dll"}, 2, "none.dll"},
-        {"wrong use", {L"dance"}, 2, "qvhost --help"},
+        {"wrong use", {L"comands", L"--quiet"}, 2, "there is no \"comands\", did you mean commands?"},
     };
     for (const auto& [why, arguments, status, said] : cases) {
         const HostRun run = host.Run(arguments);
