@@ -269,6 +269,7 @@ TEST(ReplaceRecord, IsFlushedBeforeItTakesItsName) {
         g_order.clear();
         EXPECT_EQ(ReplaceRecord(folder / L"a", text, true), 0u);
         EXPECT_EQ(g_order, "flush move ");
+        EXPECT_EQ(folder.ReadAll(), (Contents{{L"a", text}}));
     }
 }
 
