@@ -283,6 +283,11 @@ TEST(Successor, LeftoversGoWhenNobodyHoldsThem) {
     const std::wstring living = Win32::TemporaryNameBeside(folder / L"a");
     Win32::Successor held = Win32::CreateSuccessor(living, StateOf(strange));
     ASSERT_TRUE(held.file);
+    constexpr DWORD kShared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    for (const DWORD access : {DWORD{GENERIC_READ}, DWORD{GENERIC_WRITE}}) {
+        const Win32::FileHandle other(CreateFileW(living.c_str(), access, kShared, nullptr, OPEN_EXISTING, 0, nullptr));
+        EXPECT_FALSE(other) << "nobody sees or changes it before it is whole";
+    }
     Win32::RemoveLeftovers(folder.Path());
     EXPECT_FALSE(Win32::Exists(left));
     EXPECT_TRUE(Win32::Exists(strange));
