@@ -96,7 +96,7 @@ struct OpenElement {
 
 /// What `text` begins with; its text is "" when it has no end.
 Piece PieceAt(std::string_view text) {
-    if (text[0] != '<') {
+    if (!text.starts_with('<')) {
         const std::string_view piece = text.substr(0, text.find('<'));
         const bool isBlank = piece.find_first_not_of(kBlanks) == std::string_view::npos;
         return {.kind = isBlank ? Kind::Blank : Kind::Text, .text = piece};

@@ -34,7 +34,8 @@ static_assert(sizeof(KeyedIndex) == 16);
 struct Chunk {
     uint64_t key = 0;
     uint32_t tail = 0;
-    auto operator<=>(const Chunk&) const = default;
+    bool operator==(const Chunk&) const = default;
+    bool operator<(const Chunk& other) const { return key != other.key ? key < other.key : tail < other.tail; }
 };
 inline Chunk ChunkOf(const KeyedIndex& entry) {
     return {entry.key, entry.tail};
@@ -218,10 +219,10 @@ private:
             uint32_t less = task.begin;
             uint32_t greater = task.end;
             for (uint32_t at = task.begin; at < greater;) {
-                const auto order = ChunkOf(m_entries[at]) <=> pivot;
-                if (order < 0)
+                const Chunk chunk = ChunkOf(m_entries[at]);
+                if (chunk < pivot)
                     std::swap(m_entries[at++], m_entries[less++]);
-                else if (order > 0)
+                else if (pivot < chunk)
                     std::swap(m_entries[at], m_entries[--greater]);
                 else
                     ++at;
@@ -268,7 +269,7 @@ private:
         const uint64_t count = task.end - task.begin;
         for (uint32_t i = 0; i < kSample; ++i)
             sample[i] = ChunkOf(m_entries[task.begin + static_cast<uint32_t>(count * (2 * i + 1) / (2 * kSample))]);
-        std::ranges::nth_element(sample, sample.begin() + kSample / 2);
+        std::nth_element(sample.begin(), sample.begin() + kSample / 2, sample.end());
         return sample[kSample / 2];
     }
 

@@ -218,7 +218,7 @@ uint32_t FileReplacement::MoveToTarget(bool mayReplace) {
     if (error) return NotMoved(error, kNotReplaced);
     m_isOurs = false;
     m_isInPlace = true;
-    return error;
+    return ERROR_SUCCESS;
 }
 
 /// The target has been moved to `backup`, and its name is free.
