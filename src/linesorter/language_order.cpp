@@ -187,8 +187,9 @@ template <class CharT>
 int LanguageReader<CharT>::CompareKept(uint32_t left, uint32_t right) const {
     const Kept& one = m_kept[left];
     const Kept& other = m_kept[right];
+    const size_t common = std::min(one.size, other.size);  // where it is 0 there may be no memory to compare in
     const int order =
-        std::memcmp(m_keptBytes.data() + one.begin, m_keptBytes.data() + other.begin, std::min(one.size, other.size));
+        common == 0 ? 0 : std::memcmp(m_keptBytes.data() + one.begin, m_keptBytes.data() + other.begin, common);
     if (order != 0 || one.size == other.size) return order;
     return one.size < other.size ? -1 : 1;
 }
