@@ -127,8 +127,8 @@ uintptr_t OnCall(const Interface& interface_, size_t slotNumber, const Slot& slo
     uintptr_t answer = !fails || slot.kind == '-' ? CallOn(true, original, given) : 0;
     if (fails && g_state.fault == HostFault::Throws) throw number;
     if (fails && g_state.fault == HostFault::AnswersOddly) answer = OddAnswer(slot, given);
-    if (fails && g_state.fault == HostFault::RefusesAccess && !slot.Gives() && slot.kind != 't')
-        answer = ERROR_ACCESS_DENIED;
+    if (fails && g_state.fault == HostFault::Refuses && !slot.Gives() && slot.kind != 't')
+        answer = ERROR_INVALID_FUNCTION;
     if (slot.Gives() && answer != 0) Watch(answer, slot.detail == "service" ? std::to_string(given[1]) : slot.detail);
     lock.lock();
     if (slot.kind == '+' && answer != 0) g_state.open.insert(answer);

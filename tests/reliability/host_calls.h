@@ -9,10 +9,10 @@
 namespace QVTest {
 
 enum class HostFault : uint8_t {
-    Throws,         // in the place of an answer
-    AnswersZero,    // null, false, nothing
-    AnswersOddly,   // great numbers, true, texts without an end or with marks
-    RefusesAccess,  // the error 5
+    Throws,        // in the place of an answer
+    AnswersZero,   // null, false, nothing
+    AnswersOddly,  // great numbers, true, texts without an end or with marks
+    Refuses,       // the error 1: true where a truth is asked for, since a bool holds 0 or 1
 };
 
 /// Watches while it lives, one object at a time, since the tables of the classes are changed.
