@@ -215,6 +215,7 @@ TEST(GrantAndResetAccess, ChangeTheItemsBeforeTheOneThatFailsAndAskBeforeTheyTak
         const std::sregex_iterator told(granted.out.begin(), granted.out.end(), before);
         // Told by the process that changes them and, where that is another, by this one too.
         EXPECT_EQ(std::distance(told, std::sregex_iterator()), more.empty() ? 2 : 4) << granted.out;
+        EXPECT_TRUE(granted.out.starts_with("[Security] - Before : ")) << "told before anything is changed";
         const Words reset = Joined({L"command", L"30310", first}, more);
         EXPECT_TRUE(Holds(runner.Run(reset, {L"no"}).error, "Reset access rights"));
         EXPECT_TRUE(IsOpenToAll(AccessListOf(first).data()));

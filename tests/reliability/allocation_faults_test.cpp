@@ -45,7 +45,7 @@ TEST(AllocationFaults, LoseNothingAndEndNobody) {
             ExpectNothingLost(command, done, now);
             for (const auto& [name, content] : now)
                 EXPECT_TRUE(command.files.contains(name) || done.contains(name) || name.ends_with(L".bak"))
-                    << "a file is left behind";
+                    << "a file is left over";
             EXPECT_TRUE(now == done || result.status != 0 || !result.Said().empty())
                 << "nobody says that something is not done";
         });

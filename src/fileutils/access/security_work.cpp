@@ -24,14 +24,15 @@ void ShowFailure(IHostServices& host, uint32_t error, TextId failureText) {
 }
 
 /// What an administrator needs to put an item back. Nothing is told of one whose owner and list cannot be read.
-void LogFormer(IHostServices& host, const std::wstring& former, const std::wstring& path) {
+void LogFormer(IHostServices& host, const std::wstring& path) {
+    const std::wstring former = Security::NTFSTools().DescribeOwnerAndList(path);
     if (!former.empty())
         host.Log(kLogLevel, LogKind::Success, L"[Security] - Before : %s : %s", former.c_str(), path.c_str());
 }
 
 /// The message that the user gets takes the code alone; the log says which path it was.
 uint32_t Change(IHostServices& host, const SecurityChange& change, const std::wstring& path) {
-    LogFormer(host, Security::NTFSTools().DescribeOwnerAndList(path), path);
+    LogFormer(host, path);
     const uint32_t error = change(path);
     if (error != ERROR_SUCCESS)
         host.Log(kLogLevel, LogKind::Failure, L"[Security] - Failed (Error : %d) : %s", error, path.c_str());
@@ -45,12 +46,9 @@ bool AsksElevated(IHostServices& host) {
 /// The reply; nothing when the work is to be done in this process.
 std::optional<uint32_t> AskElevated(IHostServices& host, const SecuritySelection& selection, const SecurityWork& work) {
     if (!AsksElevated(host)) return std::nullopt;
-    // That process has a log of its own, which not every host shows.
-    Paths former;
-    for (const std::wstring& path : selection.paths) former.push_back(Security::NTFSTools().DescribeOwnerAndList(path));
-    const auto reply = SendElevated(host, work.requestId, selection.paths.front(), work.writeRequest);
-    for (size_t at = 0; reply && at < former.size(); ++at) LogFormer(host, former[at], selection.paths[at]);
-    return reply;
+    // That process has a log of its own, which not every host shows. Told before it begins: it may end half-way.
+    for (const std::wstring& path : selection.paths) LogFormer(host, path);
+    return SendElevated(host, work.requestId, selection.paths.front(), work.writeRequest);
 }
 
 }  // namespace
