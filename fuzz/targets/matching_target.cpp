@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "fuzz/input.h"
+#include "win32/text.h"
 
 namespace QVFuzz {
 namespace {
@@ -21,7 +22,8 @@ struct TooMuch {};
 template <class CharT>
 size_t FindPlainly(const Text<CharT>& text, size_t from, const Text<CharT>& item, bool ignoreCase) {
     const auto fold = [&](CharT unit) {
-        return ignoreCase && sizeof(CharT) == 2 && unit >= 'A' && unit <= 'Z' ? static_cast<CharT>(unit + 32) : unit;
+        if (!ignoreCase || sizeof(CharT) == 1) return unit;
+        return static_cast<CharT>(Win32::UpperWide(static_cast<wchar_t>(unit)));
     };
     if (!ignoreCase) {
         for (; from + item.size() <= text.size(); ++from) {
@@ -157,7 +159,7 @@ void Match(uint32_t options, const std::string& find, const std::string& replace
     target.GetLines().Reset(document.View());
     Answers callback(answers);
     try {
-        const uint32_t changes = FindAndReplace(target, request, answers.empty() ? nullptr : &callback);
+        const uint64_t changes = FindAndReplace(target, request, answers.empty() ? nullptr : &callback);
         if (!isPlain) return;
         Require(changes == expected, "as many changes as the plain way");
         const uint32_t count = target.GetLines().GetCount();

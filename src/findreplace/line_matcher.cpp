@@ -8,9 +8,9 @@
 namespace QVFindAndReplace {
 namespace {
 
-using QVUtils::FindSequence;
+using QVUtils::CaseFolding;
 using QVUtils::FindUnit;
-using QVUtils::FoldCase;
+using QVUtils::SequenceFinder;
 
 /// What both plain matchers share: hits as long as the item, and the item's text as the quickest sign of a hit.
 template <class CharT>
@@ -18,13 +18,13 @@ class PlainMatcher : public LineMatcher<CharT> {
 public:
     using View = typename LineMatcher<CharT>::View;
 
-    PlainMatcher(std::basic_string<CharT> item, bool foldsCase, bool stepsBack)
-        : m_item(std::move(item)), m_foldsCase(foldsCase), m_stepsBack(stepsBack) {}
+    PlainMatcher(std::basic_string<CharT> item, const CaseFolding<CharT>* folding, bool stepsBack)
+        : m_item(std::move(item)), m_finder(m_item, folding), m_folding(folding), m_stepsBack(stepsBack) {}
 
     const CharT* FindCandidate(View lines) const override {
         if (m_item.empty()) return nullptr;
         const CharT* const end = lines.data() + lines.size();
-        const CharT* const hit = FindSequence(lines.data(), end, m_item.data(), m_item.size(), m_foldsCase);
+        const CharT* const hit = m_finder.FindFirst(lines.data(), end);
         return hit == end ? nullptr : hit;
     }
 
@@ -43,7 +43,7 @@ public:
 
 protected:
     bool IsSame(CharT left, CharT right) const {
-        return m_foldsCase ? FoldCase(left) == FoldCase(right) : left == right;
+        return m_folding ? (*m_folding)(left) == (*m_folding)(right) : left == right;
     }
     bool IsSame(View left, View right) const {
         return std::equal(left.begin(), left.end(), right.begin(), right.end(),
@@ -51,7 +51,8 @@ protected:
     }
 
     const std::basic_string<CharT> m_item;
-    const bool m_foldsCase;
+    const SequenceFinder<CharT> m_finder;
+    const CaseFolding<CharT>* const m_folding;
     const bool m_stepsBack;  // after a hit that came to nothing the search goes on after its first character
 };
 
@@ -60,7 +61,7 @@ class ExactMatcher final : public PlainMatcher<CharT> {
 public:
     using View = typename LineMatcher<CharT>::View;
 
-    explicit ExactMatcher(std::basic_string<CharT> item) : PlainMatcher<CharT>(std::move(item), false, true) {}
+    explicit ExactMatcher(std::basic_string<CharT> item) : PlainMatcher<CharT>(std::move(item), nullptr, true) {}
 
     bool Find(View text, Span& found) override {
         const CharT* const hit = this->FindCandidate(text);
@@ -74,9 +75,9 @@ template <class CharT>
 class ScanningMatcher final : public PlainMatcher<CharT> {
 public:
     using View = typename LineMatcher<CharT>::View;
-    static constexpr bool kFoldsCase = sizeof(CharT) == 2;
 
-    explicit ScanningMatcher(std::basic_string<CharT> item) : PlainMatcher<CharT>(std::move(item), kFoldsCase, false) {}
+    explicit ScanningMatcher(std::basic_string<CharT> item)
+        : PlainMatcher<CharT>(std::move(item), Folding(), false), m_start(this->m_item.substr(0, 1), Folding()) {}
 
     bool Find(View text, Span& found) override {
         const auto& item = this->m_item;
@@ -85,7 +86,7 @@ public:
         size_t matched = 0;
         for (const CharT* at = text.data(); at != end; ++at) {
             if (matched == 0) {
-                at = FindSequence(at, end, item.data(), 1, kFoldsCase);
+                at = m_start.FindFirst(at, end);
                 if (at == end) return false;
             }
             matched = this->IsSame(*at, item[matched]) ? matched + 1 : 0;
@@ -96,6 +97,13 @@ public:
         }
         return false;
     }
+
+private:
+    static const CaseFolding<CharT>* Folding() {
+        return sizeof(CharT) > 1 ? &QVUtils::PlainCaseFolding<CharT>() : nullptr;
+    }
+
+    const SequenceFinder<CharT> m_start;
 };
 
 }  // namespace

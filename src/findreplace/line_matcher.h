@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace QVFindAndReplace {
 
@@ -33,16 +35,22 @@ public:
     /// and may be wrong in the other direction: the place's own line need not have a hit.
     virtual const CharT* FindCandidate(View lines) const = 0;
 
+    /// `alive` is called every few milliseconds of a search that takes long; what it throws ends the search.
+    void CallWhileSearching(std::function<void()> alive) { m_alive = std::move(alive); }
+
     /// False when no hit can begin in `text` while `following` comes after it. True says nothing.
     virtual bool MayBeginIn(View text, View following) = 0;
+
+protected:
+    std::function<void()> m_alive;
 };
 
 /// The matcher for plain text. An empty item has no hits.
 ///
 /// Without `ignoreCase`: the item's characters as they are; a zero character at a place where a hit could begin ends
 /// the search. With it: a scan that goes on after the character that did not fit and never steps back, so it misses
-/// "ab" in "aab". In 16-bit text the scan folds A to Z; in 8-bit text it folds nothing: one
-/// request finds the same matches from version to version. compatibility: 2
+/// "ab" in "aab". In 16-bit text the scan folds every letter; in 8-bit text it folds nothing: one request finds the
+/// same matches from version to version. compatibility: 2
 template <class CharT>
 std::unique_ptr<LineMatcher<CharT>> MakePlainMatcher(std::basic_string<CharT> item, bool ignoreCase);
 

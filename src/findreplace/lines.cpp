@@ -9,6 +9,15 @@ namespace QVFindAndReplace {
 
 using QVUtils::LineBreak;
 
+namespace {
+
+template <class CharT>
+bool HasBreak(const LineRecord<CharT>& record) {
+    return record.lineBreak != LineBreak::None;
+}
+
+}  // namespace
+
 template <class CharT>
 CharT* TextArena<CharT>::Allocate(size_t length) {
     if (length > m_left) {
@@ -113,13 +122,17 @@ void Lines<CharT>::CopyFrom(uint32_t first, std::vector<CharT>& text) const {
 }
 
 template <class CharT>
+LineBreak Lines<CharT>::FindBreak() const {
+    const auto first = std::ranges::find_if(Records(), HasBreak<CharT>);
+    return first == Records().end() ? LineBreak::None : first->lineBreak;
+}
+
+template <class CharT>
 void Lines<CharT>::Save(QVUtils::DataWriter& writer, LineBreak& style, uint32_t end) const {
     const auto& records = Records();
     end = std::min(end, GetCount());
-    const auto hasBreak = [](const LineRecord<CharT>& record) { return record.lineBreak != LineBreak::None; };
     if (style == LineBreak::None) {
-        const auto first = std::find_if(records.begin(), records.end(), hasBreak);
-        if (first != records.end()) style = first->lineBreak;
+        style = FindBreak();
         writer.SetLineBreak(QVUtils::LineBreakBytes<CharT>(style == LineBreak::None ? LineBreak::Lf : style));
     }
 
@@ -149,12 +162,12 @@ void Lines<CharT>::Save(QVUtils::DataWriter& writer, LineBreak& style, uint32_t 
         writePiece();
         if (!record.isRemoved) {
             write(record.edited ? record.edited : record.text, record.currentLength);
-            if (hasBreak(record)) writer.WriteNewLine();
+            if (HasBreak(record)) writer.WriteNewLine();
         }
         if (!record.hasInsertedLines) continue;
         // An added line ends in a break. Only after the file's last line, when that has none, the break stands between
         // them. A lone CR ends a line too, and is lost as everywhere: what follows it joins on, an added line as well.
-        const bool isEnd = !hasBreak(record) && record.text + record.length == m_text.data() + m_text.size();
+        const bool isEnd = !HasBreak(record) && record.text + record.length == m_text.data() + m_text.size();
         for (const auto& text : m_inserted.at(line)) {
             if (isEnd) writer.WriteNewLine();
             write(text.data(), text.size());

@@ -29,6 +29,7 @@ public:
            SearchPosition& position)
         : m_document(document),
           m_lines(document.GetLines()),
+          m_request(request),
           m_items(request.GetItems(document.GetKind(), CharT())),
           m_callback(callback),
           m_position(position),
@@ -70,10 +71,14 @@ private:
 
     void Apply(const Converted<CharT>& item, const Converted<CharT>& replacement) {
         if (!item || item->empty()) return;
-        auto matcher = m_isWildcard ? MakeWildcardMatcher<CharT>(*item, m_ignoreCase)
-                                    : MakePlainMatcher<CharT>(*item, m_ignoreCase);
+        auto matcher = m_isWildcard ? WildcardMatcher(*item) : MakePlainMatcher<CharT>(*item, m_ignoreCase);
         const Text* const text = replacement ? &*replacement : nullptr;
         Apply(Pair{std::move(matcher), text, {}, text ? *text : Text()});
+    }
+
+    std::unique_ptr<LineMatcher<CharT>> WildcardMatcher(const Text& item) {
+        if (!m_ignoreCase) return MakeWildcardMatcher<CharT>(item, false);
+        return MakeWildcardMatcher<CharT>(item, true, m_request.GetFolding(m_document.GetKind(), CharT()));
     }
 
     void Apply(const Pair& pair) {
@@ -345,6 +350,7 @@ private:
 
     TextDocumentT<CharT>& m_document;
     Lines<CharT>& m_lines;
+    Request& m_request;
     const Items<CharT>& m_items;
     IFindAndReplaceCallback* m_callback;
     SearchPosition& m_position;
@@ -360,7 +366,7 @@ private:
 }  // namespace
 
 template <class CharT>
-uint32_t FindAndReplace(TextDocumentT<CharT>& document, Request& request, IFindAndReplaceCallback* callback,
+uint64_t FindAndReplace(TextDocumentT<CharT>& document, Request& request, IFindAndReplaceCallback* callback,
                         SearchPosition* position) {
     if (const char* const fault = request.FindFault())
         throw QVUtilsException(QVUtils::ErrorCode::InvalidParameter, fault);
@@ -369,7 +375,7 @@ uint32_t FindAndReplace(TextDocumentT<CharT>& document, Request& request, IFindA
     return document.GetChangeCount();
 }
 
-template uint32_t FindAndReplace(TextDocumentT<char>&, Request&, IFindAndReplaceCallback*, SearchPosition*);
-template uint32_t FindAndReplace(TextDocumentT<WideChar>&, Request&, IFindAndReplaceCallback*, SearchPosition*);
+template uint64_t FindAndReplace(TextDocumentT<char>&, Request&, IFindAndReplaceCallback*, SearchPosition*);
+template uint64_t FindAndReplace(TextDocumentT<WideChar>&, Request&, IFindAndReplaceCallback*, SearchPosition*);
 
 }  // namespace QVFindAndReplace

@@ -20,7 +20,7 @@ public:
     QVUtils::EncodingKind GetKind() const noexcept { return m_kind; }
     Lines<CharT>& GetLines() noexcept { return m_lines; }
 
-    uint32_t GetChangeCount() const noexcept { return m_changeCount; }
+    uint64_t GetChangeCount() const noexcept { return m_changeCount; }
     void CountChange() noexcept { ++m_changeCount; }
 
     /// Set when the user wants no more questions for this document.
@@ -30,7 +30,7 @@ public:
 private:
     const QVUtils::EncodingKind m_kind;
     Lines<CharT> m_lines;
-    uint32_t m_changeCount = 0;
+    uint64_t m_changeCount = 0;
     bool m_replacesAll = false;
 };
 
@@ -59,7 +59,7 @@ struct SearchPosition {
 /// @throws QVUtilsException as Request::FindFault says, or when the user cancels (code 1223); WildcardError for a
 /// pattern that cannot be read. The document is then not to be saved.
 template <class CharT>
-uint32_t FindAndReplace(TextDocumentT<CharT>& document, Request& request, IFindAndReplaceCallback* callback,
+uint64_t FindAndReplace(TextDocumentT<CharT>& document, Request& request, IFindAndReplaceCallback* callback,
                         SearchPosition* position = nullptr);
 
 }  // namespace QVFindAndReplace

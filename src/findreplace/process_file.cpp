@@ -81,7 +81,7 @@ public:
         // compatibility: 4
         if (!isDone) return 1;
         if (m_replacement.HasBegun()) Finish(blocks);
-        return m_document.GetChangeCount();
+        return static_cast<int64_t>(m_document.GetChangeCount());
     }
 
 private:
@@ -135,7 +135,25 @@ private:
     /// `offset`: bytes of the file before the lines that are held.
     void Save(const Blocks& blocks, uint64_t offset, uint32_t end = Lines<CharT>::kAllLines) {
         if (!m_replacement.HasBegun()) Begin(blocks, offset);
+        if (m_style == QVUtils::LineBreak::None) LookAheadForBreak(blocks);
         m_document.GetLines().Save(m_replacement.GetWriter(), m_style, end);
+    }
+
+    /// Lines may have to be added before the first break of the file is read, and get that break.
+    void LookAheadForBreak(const Blocks& blocks) {
+        if (m_hasLookedAhead || m_job.request.GetMode() != Mode::Multiline) return;
+        if (m_document.GetLines().FindBreak() != QVUtils::LineBreak::None) return;
+        m_hasLookedAhead = true;
+        QVUtils::FileDataReader file(m_job.source);
+        Blocks all(file, MarkSize(), Blocks::kBlockSize, file.GetFileSize());
+        Lines<CharT> lines;
+        for (View block; m_style == QVUtils::LineBreak::None && all.Next(block);) {
+            if (all.GetOffset() < blocks.GetOffset()) continue;
+            lines.Reset(block);
+            m_style = lines.FindBreak();
+        }
+        m_replacement.GetWriter().SetLineBreak(
+            QVUtils::LineBreakBytes<CharT>(m_style == QVUtils::LineBreak::None ? QVUtils::LineBreak::Lf : m_style));
     }
 
     /// Opens what is written to, and writes what lies before the first block with a change.
@@ -171,6 +189,7 @@ private:
     TextDocumentT<CharT> m_document;
     QVUtils::FileReplacement m_replacement;
     QVUtils::LineBreak m_style = QVUtils::LineBreak::None;
+    bool m_hasLookedAhead = false;
     Utf8Watch m_watch;
 };
 

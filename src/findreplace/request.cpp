@@ -56,6 +56,29 @@ const Items<WideChar>& Request::GetItems(QVUtils::EncodingKind, WideChar) {
     return *m_wideItems;
 }
 
+const QVUtils::CaseFolding<char>& Request::GetFolding(QVUtils::EncodingKind kind, char) {
+    if (kind == QVUtils::EncodingKind::Utf8) return QVUtils::PlainCaseFolding<char>();
+    if (m_codePageFolding) return *m_codePageFolding;
+    m_codePageFolding.emplace();
+    const QVUtils::CaseFolding<WideChar>& wide = QVUtils::PlainCaseFolding<WideChar>();
+    const auto byteOf = [&](WideChar unit) {
+        const Converted<char> bytes = m_toNarrow(WideString(1, unit), kind);
+        return bytes && bytes->size() == 1 ? bytes->front() : '\0';
+    };
+    for (uint32_t index = 0x80; index < 0xD800; ++index) {
+        const auto unit = static_cast<WideChar>(index);
+        if (wide(unit) == unit) continue;
+        const char byte = byteOf(unit);
+        const char folded = byte == 0 ? '\0' : byteOf(wide(unit));
+        if (folded != 0) m_codePageFolding->Equate(byte, folded);
+    }
+    return *m_codePageFolding;
+}
+
+const QVUtils::CaseFolding<WideChar>& Request::GetFolding(QVUtils::EncodingKind, WideChar) {
+    return QVUtils::PlainCaseFolding<WideChar>();
+}
+
 const char* Request::FindFault() const {
     switch (GetMode()) {
         case Mode::None: return m_find.empty() ? "Find match are too short. Atleast one character need" : nullptr;

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "textio/byte_search.h"
 #include "textio/encoding.h"
 
 namespace QVFindAndReplace {
@@ -111,6 +112,11 @@ public:
     /// Items for UTF-16 documents: the texts as they are.
     const Items<WideChar>& GetItems(QVUtils::EncodingKind kind, WideChar);
 
+    /// The letters that count as one in documents of this kind where wildcards ignore case: by the thread's code page;
+    /// A to Z in UTF-8, whose bytes are no letters; every letter in UTF-16. Made on first use and kept for the run.
+    const QVUtils::CaseFolding<char>& GetFolding(QVUtils::EncodingKind kind, char);
+    const QVUtils::CaseFolding<WideChar>& GetFolding(QVUtils::EncodingKind kind, WideChar);
+
     /// Nothing when the request can run in its mode. Else the message that the engine would fail with (code 87): shown
     /// to the user exactly so, odd spellings included.
     const char* FindFault() const;
@@ -125,6 +131,7 @@ private:
     std::optional<Items<char>> m_codePageItems;
     std::optional<Items<char>> m_utf8Items;
     std::optional<Items<WideChar>> m_wideItems;
+    std::optional<QVUtils::CaseFolding<char>> m_codePageFolding;
 };
 
 }  // namespace QVFindAndReplace

@@ -17,7 +17,7 @@ TextBlocks<CharT>::TextBlocks(QVUtils::DataReader& reader, uint32_t markSize, si
       m_expectedSize(static_cast<size_t>(expectedSize)),
       m_markSize(markSize),
       m_blockSize(blockSize) {
-    QVUtils::RefuseOversizedText(expectedSize);
+    if (blockSize == kWholeText) QVUtils::RefuseOversizedText(expectedSize);
     // One chunk more than is needed: the last read, which finds the end, needs one too.
     m_capacity = std::min<size_t>(static_cast<size_t>(expectedSize), blockSize) + chunkSize;
     m_buffer = std::make_unique_for_overwrite<uint8_t[]>(m_capacity);
@@ -60,8 +60,10 @@ bool TextBlocks<CharT>::Fill() {
     if (m_capacity - m_end < m_chunkSize) {
         // A line of this length is likely to be most of the text: copying it once is enough.
         constexpr size_t kLongLine = size_t{1} * 1024 * 1024;
+        constexpr size_t kLongestText = std::numeric_limits<uint32_t>::max();
         const size_t doubled = 2 * m_capacity + m_chunkSize;
-        const size_t larger = m_end < kLongLine ? doubled : std::max<size_t>(doubled, m_expectedSize + m_chunkSize);
+        const bool isMostOfIt = m_end >= kLongLine && m_expectedSize <= kLongestText;
+        const size_t larger = isMostOfIt ? std::max<size_t>(doubled, m_expectedSize + m_chunkSize) : doubled;
         auto buffer = std::make_unique_for_overwrite<uint8_t[]>(larger);
         std::memcpy(buffer.get(), m_buffer.get(), m_end);
         m_buffer = std::move(buffer);

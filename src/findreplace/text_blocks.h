@@ -24,6 +24,7 @@ public:
     /// `markSize`: bytes of the byte-order mark, which belongs to no line. `blockSize`: bytes of a block, which grows
     /// for a line that is longer, or kWholeText. `expectedSize` (bytes) only saves growing. The reader must outlive the
     /// object; it is read in chunks of `chunkSize` bytes.
+    /// @throws QVUtilsException code 223 for a whole text of 4 GB
     TextBlocks(QVUtils::DataReader& reader, uint32_t markSize, size_t blockSize, uint64_t expectedSize,
                uint32_t chunkSize = kChunkSize);
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "findreplace/line_matcher.h"
+#include "textio/byte_search.h"
 
 namespace QVFindAndReplace {
 
@@ -26,11 +27,14 @@ private:
 /// character but the braces, and turning "?" into "." and "*" into ".*": the leftmost hit, each part as long as it can
 /// be. "x{2}", "x{2,}" and "x{2,4}" count the character (or the counted character) before them; a brace that is no
 /// such count is an error. "?" and "*" stand for every character but line breaks (in 16-bit text also U+2028 and
-/// U+2029). With `ignoreCase`, A to Z equal a to z in both widths.
+/// U+2029). With `ignoreCase`, characters that `folding` makes one are one; it must outlive the matcher.
 ///
-/// Time is at most pattern times text, and for patterns without counts a few looks at the text. Nothing recurses.
+/// Time is at most pattern times text, and a few looks at the text where counts say exactly how many, or at least so
+/// many of "?". Nothing recurses.
 /// @throws WildcardError
 template <class CharT>
-std::unique_ptr<LineMatcher<CharT>> MakeWildcardMatcher(const std::basic_string<CharT>& pattern, bool ignoreCase);
+std::unique_ptr<LineMatcher<CharT>> MakeWildcardMatcher(
+    const std::basic_string<CharT>& pattern, bool ignoreCase,
+    const QVUtils::CaseFolding<CharT>& folding = QVUtils::PlainCaseFolding<CharT>());
 
 }  // namespace QVFindAndReplace

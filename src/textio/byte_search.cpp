@@ -1,8 +1,12 @@
 #include "textio/byte_search.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <utility>
+
+#include "win32/text.h"
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -36,14 +40,7 @@ bool EqualBytes(const void* left, const void* right, size_t size) {
     return EqualWords<uint8_t>(leftBytes, rightBytes, size);
 }
 
-/// `length`: at least 1.
-template <class CharT>
-bool EqualUnits(const CharT* left, const CharT* right, size_t length, bool ignoreCase) {
-    if (!ignoreCase) return EqualBytes(left, right, length * sizeof(CharT));
-    for (size_t i = 0; i < length; ++i)
-        if (left[i] != right[i] && FoldCase(left[i]) != FoldCase(right[i])) return false;
-    return true;
-}
+constexpr size_t kMostLike = 4;  // units that count as one and are still looked for many at a time
 
 #ifdef __SSE2__
 
@@ -75,23 +72,22 @@ struct Block {
     }
 };
 
-/// Compares a block with one unit; a letter whose case is ignored meets its other case by setting the bit between them.
-template <class CharT>
+/// Compares a block with up to kLike units that count as one.
+template <class CharT, size_t kLike>
 class UnitTest {
 public:
-    UnitTest(CharT unit, bool ignoreCase) {
-        const CharT folded = FoldCase(unit);
-        const bool letter = ignoreCase && folded >= CharT('a') && folded <= CharT('z');
-        m_unit = Block<CharT>::Fill(letter ? folded : unit);
-        m_caseBit = Block<CharT>::Fill(letter ? CharT(0x20) : CharT(0));
+    explicit UnitTest(const std::vector<CharT>& units) {
+        for (size_t i = 0; i < kLike; ++i) m_units[i] = Block<CharT>::Fill(units[std::min(i, units.size() - 1)]);
     }
     __m128i operator()(const CharT* text) const {
-        return Block<CharT>::Equal(_mm_or_si128(Block<CharT>::Load(text), m_caseBit), m_unit);
+        const __m128i block = Block<CharT>::Load(text);
+        __m128i equal = Block<CharT>::Equal(block, m_units[0]);
+        for (size_t i = 1; i < kLike; ++i) equal = _mm_or_si128(equal, Block<CharT>::Equal(block, m_units[i]));
+        return equal;
     }
 
 private:
-    __m128i m_unit;
-    __m128i m_caseBit;
+    __m128i m_units[kLike];
 };
 
 #endif
@@ -129,60 +125,131 @@ const CharT* FindUnit(const CharT* begin, const CharT* end, CharT unit) {
 }
 
 template <class CharT>
-const CharT* FindSequence(const CharT* begin, const CharT* end, const CharT* item, size_t length, bool ignoreCase) {
-    if (length == 0) return begin;
+CaseFolding<CharT>::CaseFolding() : m_folded(size_t{1} << 8 * sizeof(CharT)) {
+    for (size_t index = 0; index < m_folded.size(); ++index) {
+        const auto unit = static_cast<CharT>(index);
+        if constexpr (sizeof(CharT) > 1)
+            m_folded[index] = static_cast<CharT>(Win32::UpperWide(static_cast<wchar_t>(unit)));
+        else
+            m_folded[index] = Win32::UpperAscii(unit);
+    }
+}
+
+template <class CharT>
+std::vector<CharT> CaseFolding<CharT>::UnitsLike(CharT unit) const {
+    const CharT wanted = (*this)(unit);
+    std::vector<CharT> units;
+    for (size_t index = 0; index < m_folded.size(); ++index)
+        if (m_folded[index] == wanted) units.push_back(static_cast<CharT>(index));
+    return units;
+}
+
+template <class CharT>
+const CaseFolding<CharT>& PlainCaseFolding() {
+    static const CaseFolding<CharT> folding;
+    return folding;
+}
+
+template <class CharT>
+SequenceFinder<CharT>::SequenceFinder(std::basic_string<CharT> text, const CaseFolding<CharT>* folding)
+    : m_text(std::move(text)), m_folding(folding) {
+    if (m_text.empty()) return;
+    m_first = folding ? folding->UnitsLike(m_text.front()) : std::vector<CharT>{m_text.front()};
+    m_last = folding ? folding->UnitsLike(m_text.back()) : std::vector<CharT>{m_text.back()};
+    if (folding) std::ranges::transform(m_text, m_text.begin(), std::cref(*folding));
+}
+
+template <class CharT>
+bool SequenceFinder<CharT>::StandsAt(const CharT* at) const {
+    if (!m_folding) return EqualBytes(at, m_text.data(), m_text.size() * sizeof(CharT));
+    for (size_t i = 0; i < m_text.size(); ++i)
+        if ((*m_folding)(at[i]) != m_text[i]) return false;
+    return true;
+}
+
+template <class CharT>
+const CharT* SequenceFinder<CharT>::FindFirst(const CharT* begin, const CharT* end) const {
+    if (m_text.empty()) return begin;
+    switch (std::max(m_first.size(), m_last.size())) {
+        case 1: return FindFirstBy<1>(begin, end);
+        case 2: return FindFirstBy<2>(begin, end);
+        default: return FindFirstBy<kMostLike>(begin, end);
+    }
+}
+
+template <class CharT>
+const CharT* SequenceFinder<CharT>::FindLast(const CharT* begin, const CharT* end) const {
+    if (m_text.empty()) return end;
+    switch (std::max(m_first.size(), m_last.size())) {
+        case 1: return FindLastBy<1>(begin, end);
+        case 2: return FindLastBy<2>(begin, end);
+        default: return FindLastBy<kMostLike>(begin, end);
+    }
+}
+
+template <class CharT>
+template <size_t kUnits>
+const CharT* SequenceFinder<CharT>::FindFirstBy(const CharT* begin, const CharT* end) const {
+    const size_t length = m_text.size();
     if (static_cast<size_t>(end - begin) < length) return end;
     const CharT* const lastStart = end - length;
 #ifdef __SSE2__
     using B = Block<CharT>;
-    const UnitTest<CharT> first(item[0], ignoreCase);
-    const UnitTest<CharT> last(item[length - 1], ignoreCase);
-    // Both loads stay inside the text as long as the second one does, which begins length - 1 units further on.
-    for (; static_cast<size_t>(end - begin) >= length - 1 + B::kUnits; begin += B::kUnits) {
-        uint32_t mask = B::Mask(_mm_and_si128(first(begin), last(begin + length - 1)));
-        while (mask != 0) {
-            const size_t index = B::FirstUnit(mask);
-            if (EqualUnits(begin + index, item, length, ignoreCase)) return begin + index;
-            mask = B::Without(mask, index);
+    if (std::max(m_first.size(), m_last.size()) <= kUnits) {
+        const UnitTest<CharT, kUnits> first(m_first);
+        const UnitTest<CharT, kUnits> last(m_last);
+        // Both loads stay inside the text as long as the second one does, which begins length - 1 units further on.
+        for (; static_cast<size_t>(end - begin) >= length - 1 + B::kUnits; begin += B::kUnits) {
+            uint32_t mask = B::Mask(_mm_and_si128(first(begin), last(begin + length - 1)));
+            while (mask != 0) {
+                const size_t index = B::FirstUnit(mask);
+                if (StandsAt(begin + index)) return begin + index;
+                mask = B::Without(mask, index);
+            }
         }
     }
 #endif
     for (; begin <= lastStart; ++begin)
-        if (EqualUnits(begin, item, length, ignoreCase)) return begin;
+        if (StandsAt(begin)) return begin;
     return end;
 }
 
 template <class CharT>
-const CharT* FindLastSequence(const CharT* begin, const CharT* end, const CharT* item, size_t length, bool ignoreCase) {
-    if (length == 0 || static_cast<size_t>(end - begin) < length) return end;
+template <size_t kUnits>
+const CharT* SequenceFinder<CharT>::FindLastBy(const CharT* begin, const CharT* end) const {
+    const size_t length = m_text.size();
+    if (static_cast<size_t>(end - begin) < length) return end;
     const CharT* after = end - length + 1;  // one after the places still to be looked at
 #ifdef __SSE2__
     using B = Block<CharT>;
-    const UnitTest<CharT> first(item[0], ignoreCase);
-    const UnitTest<CharT> last(item[length - 1], ignoreCase);
-    for (; static_cast<size_t>(after - begin) >= B::kUnits; after -= B::kUnits) {
-        const CharT* const block = after - B::kUnits;
-        uint32_t mask = B::Mask(_mm_and_si128(first(block), last(block + length - 1)));
-        while (mask != 0) {
-            const size_t index = B::LastUnit(mask);
-            if (EqualUnits(block + index, item, length, ignoreCase)) return block + index;
-            mask = B::Without(mask, index);
+    if (std::max(m_first.size(), m_last.size()) <= kUnits) {
+        const UnitTest<CharT, kUnits> first(m_first);
+        const UnitTest<CharT, kUnits> last(m_last);
+        for (; static_cast<size_t>(after - begin) >= B::kUnits; after -= B::kUnits) {
+            const CharT* const block = after - B::kUnits;
+            uint32_t mask = B::Mask(_mm_and_si128(first(block), last(block + length - 1)));
+            while (mask != 0) {
+                const size_t index = B::LastUnit(mask);
+                if (StandsAt(block + index)) return block + index;
+                mask = B::Without(mask, index);
+            }
         }
     }
 #endif
     while (after != begin) {
         --after;
-        if (EqualUnits(after, item, length, ignoreCase)) return after;
+        if (StandsAt(after)) return after;
     }
     return end;
 }
 
 // Byte text, and 16-bit text under the name that it has on this platform.
-#define QV_INSTANTIATE(CharT)                                                                   \
-    template const CharT* FindLineBreak(const CharT*, const CharT*);                            \
-    template const CharT* FindUnit(const CharT*, const CharT*, CharT);                          \
-    template const CharT* FindSequence(const CharT*, const CharT*, const CharT*, size_t, bool); \
-    template const CharT* FindLastSequence(const CharT*, const CharT*, const CharT*, size_t, bool);
+#define QV_INSTANTIATE(CharT)                                        \
+    template class CaseFolding<CharT>;                               \
+    template class SequenceFinder<CharT>;                            \
+    template const CaseFolding<CharT>& PlainCaseFolding();           \
+    template const CharT* FindLineBreak(const CharT*, const CharT*); \
+    template const CharT* FindUnit(const CharT*, const CharT*, CharT);
 QV_INSTANTIATE(char)
 #ifdef _WIN32
 QV_INSTANTIATE(wchar_t)

@@ -4,15 +4,37 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
+#include <type_traits>
+#include <vector>
 
 namespace QVUtils {
 
-/// The case of the letters A to Z and of nothing else. Find and replace uses it wherever it ignores case in 16-bit text
-/// and in wildcards, so that both agree and do not depend on the user's language.
+/// Which characters count as one where case is ignored: a table of what stands for each unit.
 template <class CharT>
-constexpr CharT FoldCase(CharT unit) {
-    return unit >= CharT('A') && unit <= CharT('Z') ? static_cast<CharT>(unit + 0x20) : unit;
-}
+class CaseFolding {
+public:
+    /// In 8-bit text A to Z and no other letter. In 16-bit text each unit by the system's table of single characters,
+    /// the same for every user.
+    CaseFolding();
+
+    CharT operator()(CharT unit) const { return m_folded[Index(unit)]; }
+
+    /// From now on `unit` counts as `other` does.
+    void Equate(CharT unit, CharT other) { m_folded[Index(unit)] = (*this)(other); }
+
+    /// All units that count as `unit` does, itself among them.
+    std::vector<CharT> UnitsLike(CharT unit) const;
+
+private:
+    static size_t Index(CharT unit) { return static_cast<std::make_unsigned_t<CharT>>(unit); }
+
+    std::vector<CharT> m_folded;
+};
+
+/// As it is made without a word.
+template <class CharT>
+const CaseFolding<CharT>& PlainCaseFolding();
 
 // All take the text as [begin, end) and give a pointer into it, or `end` when there is no hit. CharT is a type of one
 // or two bytes: char, wchar_t on Windows, char16_t elsewhere.
@@ -25,13 +47,33 @@ const CharT* FindLineBreak(const CharT* begin, const CharT* end);
 template <class CharT>
 const CharT* FindUnit(const CharT* begin, const CharT* end, CharT unit);
 
-/// The first place where the `length` units of `item` stand; `begin` for an empty item. With `ignoreCase`, A to Z equal
-/// a to z. Time: one look at each unit plus one comparison for each place where the item's first and last unit fit.
+/// A text made ready to be found many times.
+///
+/// Time of a search: one look at each unit plus one comparison for each place where the text's first and last unit fit.
 template <class CharT>
-const CharT* FindSequence(const CharT* begin, const CharT* end, const CharT* item, size_t length, bool ignoreCase);
+class SequenceFinder {
+public:
+    /// `folding`: null where case counts; it must outlive the object.
+    SequenceFinder(std::basic_string<CharT> text, const CaseFolding<CharT>* folding);
 
-/// The last such place; `end` for an empty item.
-template <class CharT>
-const CharT* FindLastSequence(const CharT* begin, const CharT* end, const CharT* item, size_t length, bool ignoreCase);
+    /// The first place where the text stands; `begin` for an empty one.
+    const CharT* FindFirst(const CharT* begin, const CharT* end) const;
+    /// The last such place; `end` for an empty text.
+    const CharT* FindLast(const CharT* begin, const CharT* end) const;
+
+    /// Does the text stand at `at`, where as many units are?
+    bool StandsAt(const CharT* at) const;
+
+private:
+    template <size_t kUnits>
+    const CharT* FindFirstBy(const CharT* begin, const CharT* end) const;
+    template <size_t kUnits>
+    const CharT* FindLastBy(const CharT* begin, const CharT* end) const;
+
+    std::basic_string<CharT> m_text;  // folded
+    const CaseFolding<CharT>* m_folding;
+    std::vector<CharT> m_first;  // what counts as the text's first unit
+    std::vector<CharT> m_last;
+};
 
 }  // namespace QVUtils

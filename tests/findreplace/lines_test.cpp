@@ -17,9 +17,11 @@ TEST(Lines, OfEverySmallTextAreCutAndSavedByThePlainRules) {
     }
 }
 
-TEST(TextBlocks, FourGigabytesAreRefusedBeforeLoading) {
+TEST(TextBlocks, FourGigabytesAreRefusedBeforeLoadingWhereAllIsHeld) {
     MemoryDataReader reader("", 0, false);
-    EXPECT_THROW(TextBlocks<char>(reader, 0, 1, 0x100000000), QVUtils::QVUtilsException);
+    EXPECT_THROW(TextBlocks<char>(reader, 0, TextBlocks<char>::kWholeText, 0x100000000), QVUtils::QVUtilsException);
+    std::string_view block;
+    EXPECT_FALSE(TextBlocks<char>(reader, 0, 1, 0x100000000).Next(block));
 }
 
 TEST(Lines, ThePlaceOfATextTellsItsLine) {

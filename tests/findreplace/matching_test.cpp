@@ -16,7 +16,7 @@ namespace {
 
 struct Outcome {
     std::string text;  // the saved text, narrowed
-    uint32_t changes = 0;
+    uint64_t changes = 0;
     std::string error;  // its text, when it failed
     uint32_t code = 0;
 };
@@ -25,7 +25,8 @@ struct Outcome {
 template <class CharT>
 Outcome Apply(const std::string& text, uint32_t options, const std::wstring& find, const std::wstring& replacement,
               IFindAndReplaceCallback* callback = nullptr) {
-    const std::basic_string<CharT> wide(text.begin(), text.end());
+    std::basic_string<CharT> wide;
+    for (const char unit : text) wide += static_cast<CharT>(static_cast<unsigned char>(unit));
     TextDocumentT<CharT> document(sizeof(CharT) == 1 ? EncodingKind::CodePage : EncodingKind::Utf16);
     document.GetLines().Reset(wide);
     Request request(options, find, replacement, ToNarrow);
@@ -104,6 +105,7 @@ TYPED_TEST(Matching, EachModeReplacesItsWay) {
         {"empty hits with nothing to put in", kOne | kWildcard, "ab", L"x{0}", L"", "ab", 3},
         {"a line in its replacement", kOne | kWildcard, "a\nab\nabc\nabcd\n", L"*", L"<*>", "<*>\n<*>\n<*>\n<*>\n", 4},
         {"something at every place", kOne | kWildcard, "ab", L"x{0}", L"y", "yayby", 3},
+        {"large counts", kOne | kWildcard, std::string(90'001, 'x'), L"x{90000}", L"y", "yx", 1},
         {"two by one: the last line stays", kMultiline, "1a\nb2\n", L"a\nb", L"x", "1x\nb2\n", 1},
         {"two by three", kMultiline, "1a\nb2\n", L"a\nb", L"x\nn\ny", "1x\nn\ny2\n", 1},
         {"what follows the first item goes", kMultiline, "a tail\nb\n", L"a\nb", L"x\ny", "x\ny\n", 1},
@@ -138,6 +140,13 @@ TYPED_TEST(Matching, ManyMatchesStayLinear) {
     const auto longer = Apply<TypeParam>(text, kOne, L"a", L"xya");
     EXPECT_EQ(longer.changes, 300'000u);
     EXPECT_EQ(longer.text.substr(longer.text.size() - 12), "xya.b.xya.b.");
+}
+
+TYPED_TEST(Matching, IgnoringCaseMeetsEveryLetterOf16Bits) {
+    const bool isWide = sizeof(TypeParam) > 1;
+    EXPECT_EQ(Apply<TypeParam>("\xC4pfel", kOne | kIgnoreCase, L"\xE4PFEL", L"x").changes, isWide ? 1u : 0u);
+    EXPECT_EQ(Apply<TypeParam>("\xC4pfel", kOne | kIgnoreCase | kWildcard, L"?\xE4PF*", L"x").changes, 0u);
+    EXPECT_EQ(Apply<TypeParam>("\xC4pfel", kOne | kIgnoreCase | kWildcard, L"\xE4{1}P*", L"x").text, "x");
 }
 
 // Which requests have a fault is the matter of the dialog's tests.

@@ -26,7 +26,7 @@ int64_t Process(const std::wstring& path, uint32_t options, const std::wstring& 
 
 /// In blocks, and as one text where a callback is asked.
 TEST(ProcessFile, KeepsTheEncodingAndEveryByteAroundTheMatchesOrFailsTheFile) {
-    const std::string e = "\xC3\xA9", mark16 = "\xFF\xFE";
+    const std::string e = "\xC3\xA9", mark16 = "\xFF\xFE", w(200'000, 'w');
     constexpr uint32_t kCut = kBase | Option::Wildcard;
     const struct {
         const char* why;
@@ -60,6 +60,14 @@ TEST(ProcessFile, KeepsTheEncodingAndEveryByteAroundTheMatchesOrFailsTheFile) {
         {"a whole character", kUtf8Mark + "n" + e + "n", kCut, L"n??", L"X", kUtf8Mark + "Xn"},
         {"bytes that are none", kUtf8Mark + "n\x80\xC3n", kCut, L"n?", L"X", kUtf8Mark + "X\xC3n"},
         {"a code page", "a word na" + e, kCut, L"na?", L"X", "a word X\xA9"},
+        {"a code page's letters",
+         "\xC4 \xE4"
+         "b a",
+         kCut | Option::IgnoreCase, L"\xE4", L"X", "X Xb a"},
+        {"no letters of UTF-8", kUtf8Mark + "\xC3\x84 \xC3\xA4 A a", kCut | Option::IgnoreCase, L"\xE4 ?", L"X",
+         kUtf8Mark + "\xC3\x84 X a"},
+        {"a line added before the first break", "a\r" + w + "\re\r\nf\r\n", Option::ModeMultiline | Option::DropBackup,
+         L"a", L"1\n2", "12\r\n" + w + "e\r\nf\r\n"},
     };
     for (const auto& c : cases)
         for (const uint32_t way : {0u, uint32_t{Option::Silent}}) {

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "win32/text.h"
+
 using namespace QVUtils;
 
 namespace {
@@ -17,16 +19,20 @@ TYPED_TEST_SUITE(ByteSearch, Widths);
 
 template <class CharT>
 bool StandsAt(const std::basic_string<CharT>& text, size_t at, const std::basic_string<CharT>& item, bool ignoreCase) {
-    const auto fold = [=](CharT unit) { return ignoreCase ? FoldCase(unit) : unit; };
+    const auto fold = [=](CharT unit) {
+        if (!ignoreCase) return unit;
+        return sizeof(CharT) > 1 && unit == CharT(0xE4) ? CharT(0xC4) : Win32::UpperAscii(unit);
+    };
     return std::ranges::equal(text.substr(at, item.size()), item, {}, fold, fold);
 }
 
 template <class CharT>
 std::basic_string<CharT> RandomText(std::mt19937& random, size_t length) {
     // Few letters, so that beginnings and ends meet often; the characters beside the letters show a wrong case bit.
-    static constexpr char kUnits[] = "aAbBzZ@[`{\r\n";
+    static constexpr char kUnits[] = "aAbBzZ@[`{\r\n\xE4\xC4";
     std::basic_string<CharT> text;
-    while (text.size() < length) text += static_cast<CharT>(kUnits[random() % (sizeof(kUnits) - 1)]);
+    while (text.size() < length)
+        text += static_cast<CharT>(static_cast<uint8_t>(kUnits[random() % (sizeof(kUnits) - 1)]));
     return text;
 }
 
@@ -44,6 +50,7 @@ TYPED_TEST(ByteSearch, FindsWhatTheObviousLoopFinds) {
             if (random() % 2 == 0) item[random() % item.size()] = CharT('a');
         }
         const bool ignoreCase = random() % 2 == 0;
+        const SequenceFinder<CharT> finder(item, ignoreCase ? &PlainCaseFolding<CharT>() : nullptr);
         const CharT* const begin = text.data();
         const CharT* const end = begin + text.size();
 
@@ -54,8 +61,8 @@ TYPED_TEST(ByteSearch, FindsWhatTheObviousLoopFinds) {
             if (first == text.size()) first = at;
             last = at;
         }
-        ASSERT_EQ(FindSequence(begin, end, item.data(), item.size(), ignoreCase) - begin, std::ptrdiff_t(first));
-        ASSERT_EQ(FindLastSequence(begin, end, item.data(), item.size(), ignoreCase) - begin, std::ptrdiff_t(last));
+        ASSERT_EQ(finder.FindFirst(begin, end) - begin, std::ptrdiff_t(first));
+        ASSERT_EQ(finder.FindLast(begin, end) - begin, std::ptrdiff_t(last));
         ASSERT_EQ(FindUnit(begin, end, item[0]) - begin, std::ptrdiff_t(std::min(text.find(item[0]), text.size())));
         const CharT breaks[] = {CharT('\r'), CharT('\n'), 0};
         ASSERT_EQ(FindLineBreak(begin, end) - begin, std::ptrdiff_t(std::min(text.find_first_of(breaks), text.size())));
