@@ -26,13 +26,14 @@ public:
     using Text = std::basic_string<CharT>;
 
     Engine(TextDocumentT<CharT>& document, Request& request, IFindAndReplaceCallback* callback,
-           SearchPosition& position)
+           SearchPosition& position, QVUtils::Progress* progress)
         : m_document(document),
           m_lines(document.GetLines()),
           m_request(request),
           m_items(request.GetItems(document.GetKind(), CharT())),
           m_callback(callback),
           m_position(position),
+          m_progress(progress),
           m_mode(request.GetMode()),
           m_isWildcard((request.GetOptions() & Option::Wildcard) != 0),
           m_ignoreCase((request.GetOptions() & Option::IgnoreCase) != 0) {}
@@ -83,6 +84,7 @@ private:
 
     void Apply(const Pair& pair) {
         if (!BeginSearch(*pair.matcher)) return;
+        if (m_progress) pair.matcher->CallWhileSearching([this] { m_progress->KeepAlive(); });
         for (uint32_t line = 0; !m_isStopped && NextLine(*pair.matcher, line); ++line) EditLine(pair, line);
     }
 
@@ -90,6 +92,7 @@ private:
         m_edit.Begin(m_lines.GetLine(line));
         m_lineInEdit = line;
         for (Span span; !m_edit.IsFinished() && pair.matcher->Find(m_edit.GetAhead(), span);) {
+            KeepAlive();
             if (m_edit.PassReplacement(span)) continue;
             if (!pair.replacement) ThrowUnrepresentable();
             const auto column = static_cast<uint32_t>(m_edit.GetColumn() + span.start);
@@ -120,6 +123,11 @@ private:
             m_lines.SetLine(line, m_edit.TakeText());
     }
 
+    /// Called with each step, of which a thousand take no time that a person sees.
+    void KeepAlive() {
+        if (m_progress && ++m_steps % 1024 == 0) m_progress->KeepAlive();
+    }
+
     // Going from line to line, with one look at a whole stretch of untouched lines.
 
     /// False when nothing can be found at all: then the line table is not even made.
@@ -131,6 +139,7 @@ private:
     /// Moves `line` on to the next line, itself included, that may have a hit.
     bool NextLine(const LineMatcher<CharT>& matcher, uint32_t& line) {
         while (line < m_lines.GetCount()) {
+            KeepAlive();
             if (m_lines.IsUntouched(line)) {
                 FindStretchEnd(line);
                 const auto& first = m_lines.GetRecord(line);
@@ -354,6 +363,8 @@ private:
     const Items<CharT>& m_items;
     IFindAndReplaceCallback* m_callback;
     SearchPosition& m_position;
+    QVUtils::Progress* const m_progress;
+    uint32_t m_steps = 0;
     const Mode m_mode;
     const bool m_isWildcard;
     const bool m_ignoreCase;
@@ -367,15 +378,17 @@ private:
 
 template <class CharT>
 uint64_t FindAndReplace(TextDocumentT<CharT>& document, Request& request, IFindAndReplaceCallback* callback,
-                        SearchPosition* position) {
+                        SearchPosition* position, QVUtils::Progress* progress) {
     if (const char* const fault = request.FindFault())
         throw QVUtilsException(QVUtils::ErrorCode::InvalidParameter, fault);
     SearchPosition wholeText;
-    Engine<CharT>(document, request, callback, position ? *position : wholeText).Run();
+    Engine<CharT>(document, request, callback, position ? *position : wholeText, progress).Run();
     return document.GetChangeCount();
 }
 
-template uint64_t FindAndReplace(TextDocumentT<char>&, Request&, IFindAndReplaceCallback*, SearchPosition*);
-template uint64_t FindAndReplace(TextDocumentT<WideChar>&, Request&, IFindAndReplaceCallback*, SearchPosition*);
+template uint64_t FindAndReplace(TextDocumentT<char>&, Request&, IFindAndReplaceCallback*, SearchPosition*,
+                                 QVUtils::Progress*);
+template uint64_t FindAndReplace(TextDocumentT<WideChar>&, Request&, IFindAndReplaceCallback*, SearchPosition*,
+                                 QVUtils::Progress*);
 
 }  // namespace QVFindAndReplace

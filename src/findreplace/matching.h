@@ -5,6 +5,7 @@
 #include "findreplace/lines.h"
 #include "findreplace/request.h"
 #include "textio/encoding.h"
+#include "textio/progress.h"
 
 namespace QVFindAndReplace {
 
@@ -55,11 +56,11 @@ struct SearchPosition {
 ///
 /// A text may be given in blocks. For a Multiline request that needs a `position`: a match may go over the border, so
 /// the lines from `position->line` on are to be given once more, as they then stand, at the beginning of the next
-/// block.
+/// block. `progress` is kept alive while it takes long, and can end it.
 /// @throws QVUtilsException as Request::FindFault says, or when the user cancels (code 1223); WildcardError for a
 /// pattern that cannot be read. The document is then not to be saved.
 template <class CharT>
 uint64_t FindAndReplace(TextDocumentT<CharT>& document, Request& request, IFindAndReplaceCallback* callback,
-                        SearchPosition* position = nullptr);
+                        SearchPosition* position = nullptr, QVUtils::Progress* progress = nullptr);
 
 }  // namespace QVFindAndReplace

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <new>
+#include <optional>
 
 #include "findreplace/matching.h"
 #include "findreplace/text_blocks.h"
 #include "textio/replace_file.h"
 #include "textio/text_file.h"
+#include "textio/told_streams.h"
 #include "win32/code_page.h"
 #include "win32/files.h"
 
@@ -25,6 +27,7 @@ struct Job {
     Request& request;
     IFindAndReplaceCallback& callback;
     FileNotes& notes;
+    QVUtils::Progress& progress;
 };
 
 bool IsAscii(const std::wstring& text) {
@@ -73,8 +76,9 @@ public:
         // Whoever asks is shown lines by their number and their neighbours: that needs the whole text.
         const bool asksNobody = (m_job.options & (Option::ReplaceAll | Option::Silent)) != 0;
         IFindAndReplaceCallback* const callback = asksNobody ? nullptr : &m_job.callback;
-        Blocks blocks(m_file.GetReader(), MarkSize(), asksNobody ? Blocks::kBlockSize : Blocks::kWholeText,
-                      m_file.GetSize());
+        QVUtils::ToldDataReader reader(m_file.GetReader(), m_file.GetSize(), m_job.progress);
+        m_job.progress.BeginPart(100);
+        Blocks blocks(reader, MarkSize(), asksNobody ? Blocks::kBlockSize : Blocks::kWholeText, m_file.GetSize());
         const bool isOverLines = asksNobody && m_job.request.GetMode() == Mode::Multiline;
         const bool isDone = isOverLines ? ReplaceOverLines(blocks) : ReplaceInLines(blocks, callback);
         // Cancelled while over several lines: nothing is saved, yet the file counts one change and the run goes on.
@@ -98,7 +102,7 @@ private:
         do {
             m_watch.LookAt(block);
             m_document.GetLines().Reset(block);
-            FindAndReplace(m_document, m_job.request, callback);
+            FindAndReplace(m_document, m_job.request, callback, nullptr, &m_job.progress);
             if (m_job.callback.IsCancelled()) return false;
             if (m_document.GetChangeCount() > 0) Save(blocks, blocks.GetOffset());
             hasBlock = hasBlock && blocks.Next(block);
@@ -123,7 +127,7 @@ private:
             text.insert(text.end(), block.begin(), block.end());
             Lines<CharT>& lines = m_document.GetLines();
             lines.Reset(View(text.data(), text.size()));
-            FindAndReplace<CharT>(m_document, m_job.request, nullptr, &position);
+            FindAndReplace<CharT>(m_document, m_job.request, nullptr, &position, &m_job.progress);
             if (m_job.callback.IsCancelled()) return false;
             if (m_document.GetChangeCount() > 0) Save(blocks, offset, position.line);
             carried.clear();
@@ -136,7 +140,7 @@ private:
     void Save(const Blocks& blocks, uint64_t offset, uint32_t end = Lines<CharT>::kAllLines) {
         if (!m_replacement.HasBegun()) Begin(blocks, offset);
         if (m_style == QVUtils::LineBreak::None) LookAheadForBreak(blocks);
-        m_document.GetLines().Save(m_replacement.GetWriter(), m_style, end);
+        m_document.GetLines().Save(*m_writer, m_style, end);
     }
 
     /// Lines may have to be added before the first break of the file is read, and get that break.
@@ -148,11 +152,12 @@ private:
         Blocks all(file, MarkSize(), Blocks::kBlockSize, file.GetFileSize());
         Lines<CharT> lines;
         for (View block; m_style == QVUtils::LineBreak::None && all.Next(block);) {
+            m_job.progress.KeepAlive();
             if (all.GetOffset() < blocks.GetOffset()) continue;
             lines.Reset(block);
             m_style = lines.FindBreak();
         }
-        m_replacement.GetWriter().SetLineBreak(
+        m_writer->SetLineBreak(
             QVUtils::LineBreakBytes<CharT>(m_style == QVUtils::LineBreak::None ? QVUtils::LineBreak::Lf : m_style));
     }
 
@@ -162,7 +167,8 @@ private:
         if (isSaveAs && !(m_job.options & Option::Overwrite) && Win32::Exists(m_job.target))
             throw QVUtilsException(ErrorCode::FileExists, "Target file already exists");
         m_replacement.Begin(QVUtils::OriginalOf(m_file.GetFile(), m_job.source, m_job.target));
-        QVUtils::WriteAll(m_replacement.GetWriter(), blocks.GetMark().data(), blocks.GetMark().size());
+        m_writer.emplace(m_replacement.GetWriter(), m_job.progress);
+        QVUtils::WriteAll(*m_writer, blocks.GetMark().data(), blocks.GetMark().size());
         if (offset == 0) return;
         QVUtils::FileDataReader file(m_job.source);
         QVUtils::LimitedDataReader reader(file, offset);
@@ -170,14 +176,14 @@ private:
         Lines<CharT> lines;
         for (View block; again.Next(block);) {
             lines.Reset(block);
-            lines.Save(m_replacement.GetWriter(), m_style);
+            lines.Save(*m_writer, m_style);
         }
         if (reader.GetLeft() > 0)
             throw QVUtilsException(ErrorCode::ReadFault, "The file was changed while it was read");
     }
 
     void Finish(const Blocks& blocks) {
-        QVUtils::WriteAll(m_replacement.GetWriter(), blocks.GetHalfUnit().data(), blocks.GetHalfUnit().size());
+        QVUtils::WriteAll(*m_writer, blocks.GetHalfUnit().data(), blocks.GetHalfUnit().size());
         m_file.Close();
         const uint32_t backupError = m_replacement.Commit();
         if (backupError != 0)
@@ -188,6 +194,7 @@ private:
     QVUtils::TextFile& m_file;
     TextDocumentT<CharT> m_document;
     QVUtils::FileReplacement m_replacement;
+    std::optional<QVUtils::ToldDataWriter> m_writer;
     QVUtils::LineBreak m_style = QVUtils::LineBreak::None;
     bool m_hasLookedAhead = false;
     Utf8Watch m_watch;
@@ -211,8 +218,9 @@ int64_t Process(const Job& job) {
 }  // namespace
 
 int64_t ProcessFile(const std::wstring& source, const std::wstring& target, uint32_t options, Request& request,
-                    IFindAndReplaceCallback& callback, FileNotes& notes) {
+                    IFindAndReplaceCallback& callback, FileNotes& notes, QVUtils::TellProgress tell) {
     notes = {};
+    QVUtils::Progress progress(std::move(tell));
     callback.SetCurrentFile(source.c_str());
     const auto fail = [&](const char* text, uint32_t code) {
         callback.ReportErrorA(text, code);
@@ -220,7 +228,7 @@ int64_t ProcessFile(const std::wstring& source, const std::wstring& target, uint
     };
     int64_t result = kFileFailed;
     try {
-        result = Process({source, target, options, request, callback, notes});
+        result = Process({source, target, options, request, callback, notes, progress});
     } catch (const QVUtilsException& failure) {
         result = failure.GetErrorCode() == ErrorCode::Cancelled ? kFileCancelled
                                                                 : fail(failure.what(), failure.GetErrorCode());

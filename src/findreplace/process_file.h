@@ -6,6 +6,7 @@
 
 #include "findreplace/callback.h"
 #include "findreplace/request.h"
+#include "textio/progress.h"
 
 namespace QVFindAndReplace {
 
@@ -25,8 +26,9 @@ struct FileNotes {
 /// Returns the number of changes, kFileFailed or kFileCancelled. A file without a match is not written. One that is not
 /// text is reported through the callback and counts 0 changes. Failures are reported through the callback, a
 /// cancellation is not; in both cases the original is there with all its bytes, under its own name where it can be.
-/// `notes` are set in all cases.
+/// `notes` are set in all cases. `tell` hears of the progress at least ten times a second, on the calling thread, and
+/// can cancel until the new content takes the target's place.
 int64_t ProcessFile(const std::wstring& source, const std::wstring& target, uint32_t options, Request& request,
-                    IFindAndReplaceCallback& callback, FileNotes& notes);
+                    IFindAndReplaceCallback& callback, FileNotes& notes, QVUtils::TellProgress tell = {});
 
 }  // namespace QVFindAndReplace

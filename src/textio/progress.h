@@ -31,12 +31,18 @@ public:
     /// `done` of `total` of this part is done. Cheap enough for each thousand lines, or 100 KB: most calls look at the
     /// clock only. @throws QVUtilsException code 1223 when the work is to stop
     void Advance(uint64_t done, uint64_t total) {
+        const uint64_t part = total == 0 ? 0 : (m_to - m_from) * std::min(done, total) / total;
+        m_percent = m_from + static_cast<uint32_t>(part);
+        KeepAlive();
+    }
+
+    /// The work goes on, and no part of it that could be told is done. As often as Advance.
+    /// @throws QVUtilsException code 1223 when the work is to stop
+    void KeepAlive() {
         const auto now = std::chrono::steady_clock::now();
         if (!m_tell || now - m_last < kPause) return;
         m_last = now;
-        const uint64_t part = total == 0 ? 0 : (m_to - m_from) * std::min(done, total) / total;
-        if (!m_tell(m_from + static_cast<uint32_t>(part)))
-            throw QVUtilsException(ErrorCode::Cancelled, "Cancelled by the user");
+        if (!m_tell(m_percent)) throw QVUtilsException(ErrorCode::Cancelled, "Cancelled by the user");
     }
 
     /// Between two calls of what hears.
@@ -45,6 +51,7 @@ public:
 private:
     TellProgress m_tell;
     std::chrono::steady_clock::time_point m_last;
+    uint32_t m_percent = 0;
     uint32_t m_from = 0;
     uint32_t m_to = 0;
 };

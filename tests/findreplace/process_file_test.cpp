@@ -16,10 +16,10 @@ constexpr uint32_t kBase = Option::ModeOne | Option::DropBackup;
 const std::string kUtf8Mark = "\xEF\xBB\xBF";
 
 int64_t Process(const std::wstring& path, uint32_t options, const std::wstring& find, const std::wstring& replacement,
-                RecordingCallback& callback, FileNotes* notes = nullptr) {
+                RecordingCallback& callback, FileNotes* notes = nullptr, QVUtils::TellProgress tell = {}) {
     Request request(options, find, replacement, ToNarrow);
     FileNotes ignored;
-    return ProcessFile(path, path, options, request, callback, notes ? *notes : ignored);
+    return ProcessFile(path, path, options, request, callback, notes ? *notes : ignored, std::move(tell));
 }
 
 }  // namespace
@@ -120,6 +120,23 @@ TEST(ProcessFile, BlocksGiveWhatTheWholeTextGives) {
         const int64_t changes = Process(whole, options, find, replacement, callback);
         ASSERT_EQ(Process(inBlocks, options | Option::Silent, find, replacement, callback), changes);
         ASSERT_EQ(folder.Read(L"blocks"), folder.Read(L"whole"));
+    }
+}
+
+// The second call comes in the middle of a work of seconds, which else would be done.
+TEST(ProcessFile, IsCancelledInTheMiddleOfALine) {
+    std::string longLine;
+    for (int i = 0; i < 3500; ++i) longLine += std::string(299, 'x') + "z";
+    for (const uint32_t way : {0u, uint32_t{Option::Silent}}) {
+        const TemporaryFolder folder;
+        const std::wstring path = folder.Write(L"file", "y" + longLine + "y");
+        RecordingCallback callback({Answer::ReplaceAll});
+        int calls = 0;
+        EXPECT_EQ(Process(path, kBase | way | Option::Wildcard, L"?{1,300}y", L"X", callback, nullptr,
+                          [&](uint32_t percent) { return percent <= 100 && ++calls < 2; }),
+                  kFileCancelled);
+        EXPECT_TRUE(callback.errors.empty());
+        EXPECT_TRUE(folder.ReadAll() == (Contents{{L"file", "y" + longLine + "y"}}));
     }
 }
 

@@ -119,7 +119,7 @@ private:
         FindAndReplaceCallback callback(m_host, m_options, m_confirmation);
         QVFindAndReplace::FileNotes notes;
         const int64_t changes =
-            QVFindAndReplace::ProcessFile(task.source, task.target, m_options, m_request, callback, notes);
+            QVFindAndReplace::ProcessFile(task.source, task.target, m_options, m_request, callback, notes, task.tell);
         if (changes >= 0) {
             m_host.Log(kLogLevel, LogKind::Success, L"[Find and Replace] - %I64d changes made to file : %s", changes,
                        task.source.c_str());
