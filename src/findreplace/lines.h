@@ -85,6 +85,8 @@ public:
     /// Adds a line after `line` and after those added there before. Added lines are written, never searched: that
     /// they came from the replacement is reason enough not to replace in them again.
     void InsertLine(uint32_t line, View text);
+    /// The lines added after `line`, in their order. Only where its record says that there are some.
+    const std::vector<std::basic_string<CharT>>& GetInserted(uint32_t line) const { return m_inserted.at(line); }
 
     /// Writes the lines before `end`. Every line that had a break gets the break of the first line of the file that had
     /// one, so that a file with mixed breaks comes back with one style (compatibility: 5). Added lines get it too; a
