@@ -104,7 +104,9 @@ void AddActions(CLI::App& app, HostOptions& options) {
     add("extensions", "Shows the description records", Action::Extensions);
     add("menus", "Shows the menu tree with command ids, texts and shortcuts", Action::Menus);
     add("commands", "Shows the custom commands and their parameters", Action::Commands);
-    add("call", "NAME [KEY=VALUE | SWITCH]...: runs a custom command", Action::Call);
+    add("call", "NAME [KEY=VALUE | SWITCH]...: runs a custom command", Action::Call)
+        ->add_flag("--preview", options.previewsCall,
+                   "Of FindAndReplace: shows each line that would change, and writes nothing");
     add("command", "ID PATH...: runs a menu command on the selection PATH...", Action::Command);
     CLI::App* const columns =
         add("columns", "PATH...: shows the property columns of files and folders", Action::Columns);

@@ -60,6 +60,7 @@ struct HostOptions {
     bool usesColumnE = false;
     bool printsCsv = false;  // of `columns`; so is the next
     bool printsJson = false;
+    bool previewsCall = false;  // of `call`
     RenameOptions rename;
     UndoOptions undo;
     std::wstring pipe;  // these two: of an elevated second process only

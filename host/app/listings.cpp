@@ -111,6 +111,8 @@ void PrintCustomCommands(Output& output, const CustomCommandTable& table) {
                                     Padded(KindOf(parameter), 8) +
                                     Padded(parameter.Is(ParameterFlags::Required) ? L"required" : L"", 10) +
                                     OnOneLine(parameter.description)));
+        if (command->HasPreview())
+            output.Line(L"  With qvhost call --preview it shows each line that would change, and writes nothing");
     }
 }
 

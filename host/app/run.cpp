@@ -53,9 +53,11 @@ void TellNotDone(HostState& state, const CustomCommand& command, const CustomCom
 }
 
 /// One call with the arguments as they are. @throws UsageError for arguments that the command does not take
-bool CallOnce(Session& session, const CustomCommand& command, const std::vector<std::wstring>& arguments) {
+bool CallOnce(Session& session, const CustomCommand& command, const std::vector<std::wstring>& arguments,
+              bool isPreview) {
     HostState& state = session.State();
     CustomCommandCall call(command);
+    if (isPreview) call.SetPreview();
     for (const std::wstring& argument : arguments) call.SetArgument(argument);
 
     Quorvane::SDK::IPluginInterface* const extension = session.Extensions()[command.Extension()]->Commands();
@@ -78,7 +80,8 @@ std::vector<std::wstring> ArgumentsFor(std::vector<std::wstring> arguments, cons
 int RunCall(Session& session, const HostOptions& options, std::istream& in) {
     const CustomCommand& command = FindCustomCommand(session.State().customCommands, options.operands.front());
     const std::vector<std::wstring> arguments(options.operands.begin() + 1, options.operands.end());
-    if (!options.filesFrom) return StatusOf(session.State(), CallOnce(session, command, arguments), 0);
+    if (!options.filesFrom)
+        return StatusOf(session.State(), CallOnce(session, command, arguments, options.previewsCall), 0);
     if (std::ranges::none_of(arguments, [](const auto& text) { return text.find(kPathPlace) != text.npos; }))
         throw UsageError(L"with --files-from the place of each path is marked by {}, as in FILE={}");
     bool isDone = true;
@@ -88,7 +91,7 @@ int RunCall(Session& session, const HostOptions& options, std::istream& in) {
             isDone = false;
             break;
         }
-        isDone &= CallOnce(session, command, ArgumentsFor(arguments, path));
+        isDone &= CallOnce(session, command, ArgumentsFor(arguments, path), options.previewsCall);
     }
     return StatusOf(state, isDone, 0);
 }

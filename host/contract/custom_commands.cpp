@@ -90,6 +90,11 @@ void CustomCommandCall::SetArgument(const std::wstring& argument) {
     m_values.emplace(parameter->name, std::move(value));
 }
 
+void CustomCommandCall::SetPreview() {
+    if (!m_command.HasPreview()) throw UsageError(Wide(m_command.Name()) + L" has no preview");
+    m_values.emplace("PREVIEW", Value{.kind = ParameterFlags::Switch, .text = {}});
+}
+
 std::vector<std::wstring> CustomCommandCall::MissingParameters() const {
     std::vector<std::wstring> missing;
     for (const CustomParameter& parameter : m_command.Parameters()) {

@@ -33,6 +33,8 @@ public:
     const std::wstring& Description() const { return m_description; }
     const std::vector<CustomParameter>& Parameters() const { return m_parameters; }
     const CustomParameter* Find(const std::string& name) const;
+    /// True for a command that can show what it would do. No registration says so: it is known by its name.
+    bool HasPreview() const { return m_name == "FindAndReplace"; }
 
 private:
     uint32_t m_extension;
@@ -81,6 +83,9 @@ public:
     /// Takes `KEY=VALUE` (cut at the first `=`) or the name of a switch.
     /// @throws UsageError for an unknown name, a name given twice, or a value that does not fit the kind
     void SetArgument(const std::wstring& argument);
+    /// The command is to write nothing. It hears of it by a switch that it has not registered, PREVIEW, so that none of
+    /// its parameters can be taken for it. @throws UsageError for a command that would not heed it
+    void SetPreview();
     /// Names of the parameters that must be given and are not, or with an empty text.
     std::vector<std::wstring> MissingParameters() const;
     /// What was given, for a person: `KEY="VALUE"` and switches, by name.

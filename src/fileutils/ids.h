@@ -93,6 +93,8 @@ inline constexpr char Mode[] = "MODE";
 inline constexpr char ReplaceAll[] = "REPLACEALL";
 inline constexpr char ForceUtf8[] = "FORCEUTF8";
 inline constexpr char Wildcard[] = "WILDCARD";
+/// Not registered: a host that can show what would change sets it, and scripts of others never see it.
+inline constexpr char Preview[] = "PREVIEW";
 }  // namespace Parameter
 
 }  // namespace FileUtils

@@ -70,3 +70,72 @@ TEST(FindAndReplace, LogsEachFileAndHandsTheListsBack) {
     EXPECT_EQ(folder.Read(L"f.txt") + folder.Read(L"f.txt.bak") + folder.Read(L"taken.txt"), "b b\na a\nx");
     EXPECT_EQ(folder.List().size(), 5u);
 }
+
+TEST(FindAndReplace, ShowsWhatItWouldDoAndWritesNothing) {
+    const CommandRunner folder;
+    const struct {
+        const char* why;
+        std::string content;
+        Words parameters;
+        std::string said;  // "PATH" stands for the file's path
+        int status = 0;
+    } cases[] = {
+        {"lines",
+         "a b\nb\na\n",
+         {L"FIND=a", L"REPLACEWITH=x"},
+         "--- PATH\n1- a b\n1+ x b\n3- a\n3+ x\n"
+         "[Find and Replace] - Preview : 2 changes in 2 lines, nothing is written : PATH\n"},
+        {"none",
+         "b\n",
+         {L"FIND=a", L"REPLACEWITH=x"},
+         "[Find and Replace] - Preview : 0 changes in 0 lines, nothing is written : PATH\n"},
+        {"over itself",
+         "a\n",
+         {L"FIND=a", L"REPLACEWITH=x", L"DELETE", L"SILENT"},
+         "--- PATH\n1- a\n1+ x\n[Find and Replace] - Preview : 1 change in 1 line, nothing is written : PATH\n"},
+        {"a failure",
+         "a\n",
+         {L"FIND=a{", L"REPLACEWITH=x", L"WILDCARD"},
+         "[Find and Replace] - Preview : The file would fail: ",
+         1},
+        {"not text",
+         "a\x01\x02\x03\x04",
+         {L"FIND=a", L"REPLACEWITH=x"},
+         "[Find and Replace] - Preview : The file is not text and would be left alone : PATH\n"},
+        {"notes",
+         "a W\xC3\xB6rter\nb\r\nc\rd",
+         {L"FIND=a", L"REPLACEWITH=\xF6"},
+         "it is read as UTF-8 : PATH\n"
+         "[Find and Replace] - Note : Lone carriage returns (CR) are lost when the file is written : PATH\n"
+         "[Find and Replace] - Note : All line ends become the kind of the first : PATH\n"},
+    };
+    for (const auto& c : cases) {
+        folder.Write(L"f.txt", c.content);
+        const HostRun run = Replace(folder, L"f.txt", Joined({L"--preview"}, c.parameters));
+        std::string said = c.said;
+        for (size_t at = 0; (at = said.find("PATH")) != std::string::npos;)
+            said.replace(at, 4, Win32::ToUtf8(folder / L"f.txt"));
+        EXPECT_EQ(run.status, c.status) << c.why;
+        EXPECT_TRUE(Holds(run.out, said)) << c.why;
+        EXPECT_EQ(folder.ReadAll(), (Contents{{L"f.txt", c.content}})) << c.why;
+    }
+    const HostRun sort = folder.Run({L"call", L"SortLines", L"FILE=" + (folder / L"f.txt"), L"--preview"});
+    EXPECT_TRUE(sort.status == 2 && Holds(sort.error, "SortLines has no preview"));
+}
+
+TEST(FindAndReplace, NotesMatchesThatAnotherRunWouldGet) {
+    const CommandRunner folder;
+    const std::tuple<const char*, Words, std::string, Words> cases[] = {
+        {"jumped over", {L"FIND=foo", L"REPLACEWITH=x", L"SILENT"}, "Note : 2 matches left; run again : ", {}},
+        {"one", {L"FIND=foo foo", L"REPLACEWITH=foo", L"REPLACEALL"}, "Note : 1 match left; run again : ", {}},
+        {"nothing", {L"FIND=foo", L"REPLACEWITH=bar", L"SILENT"}, "", {}},
+        {"put there", {L"FIND=foo", L"REPLACEWITH=(foo)", L"SILENT"}, "", {}},
+        {"left by choice", {L"FIND=foo", L"REPLACEWITH=bar"}, "", {L"find-next", L"replace"}},
+    };
+    for (const auto& [why, parameters, said, answers] : cases) {
+        folder.Write(L"f.txt", "foo foo foo foo\n");
+        const HostRun run = Replace(folder, L"f.txt", Joined(parameters, {L"DELETE"}), answers);
+        EXPECT_EQ(run.out.find("Note : ") == std::string::npos, said.empty()) << why << run.out;
+        EXPECT_TRUE(Holds(run.out, said)) << why;
+    }
+}

@@ -75,6 +75,7 @@ uint32_t FindAndReplaceCallback::Ask(ConfirmQuestion question) {
     const uint32_t answer = m_confirmation.Ask(question);
     if (answer == Answer::ReplaceAll) m_options |= Option::ReplaceAll;
     if (answer == Answer::Cancel) m_isCancelled = true;
+    if (answer != Answer::Replace && answer != Answer::ReplaceAll) m_hasLeftMatches = true;
     return answer;
 }
 

@@ -19,6 +19,8 @@ public:
     uint32_t GetOptions() const noexcept { return m_options; }
     /// Of the last error reported; else 0.
     uint32_t GetLastErrorCode() const noexcept { return m_lastErrorCode; }
+    /// True once the user has left a match as it is, or cancelled.
+    bool HasLeftMatches() const noexcept { return m_hasLeftMatches; }
 
     void SetCurrentFile(const wchar_t* fileName) override { m_fileName = fileName ? fileName : L""; }
     void EndOfFile() override {}
@@ -40,6 +42,7 @@ private:
     IConfirmReplace& m_confirmation;
     std::wstring m_fileName;
     bool m_isCancelled = false;
+    bool m_hasLeftMatches = false;
     uint32_t m_lastErrorCode = 0;
 };
 

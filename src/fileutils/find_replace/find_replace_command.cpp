@@ -10,6 +10,7 @@
 #include "fileutils/find_replace/confirm_replace_dlg.h"
 #include "fileutils/find_replace/find_and_replace_callback.h"
 #include "fileutils/find_replace/find_and_replace_dlg.h"
+#include "fileutils/find_replace/find_replace_preview.h"
 #include "findreplace/process_file.h"
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
@@ -129,12 +130,8 @@ private:
             TellTarget(m_host, L"Find and Replace", task);
             LogFailure(task);
         }
-        if (notes.looksLikeUtf8)
-            LogLine(
-                LogKind::Success,
-                L"[Find and Replace] - Note : The file looks like UTF-8 and was read in the system's code page; with "
-                L"FORCEUTF8 (Force UTF8 for plain text) it is read as UTF-8 : %s",
-                task.source);
+        if (notes.looksLikeUtf8) NoteUtf8(m_host, task.source);
+        if (changes > 0 && !callback.HasLeftMatches()) NoteMatchesLeft(m_host, task.target, m_request);
         // "Replace All" is an answer for the whole run.
         m_options |= callback.GetOptions() & Option::ReplaceAll;
         if (changes >= 0) return FileResult::Done;
@@ -208,6 +205,7 @@ CallResult RunFindAndReplaceCommand(IHostServices& host, ICustomCommandCall& cal
     if (!list || !list->AddItem(item.get())) return {false, ErrorCode::OutOfMemory};
 
     QVFindAndReplace::Request request(OptionsOf(call), find, replacement, ToNarrow);
+    if (call.HasParameter(Parameter::Preview)) return PreviewFile(host, PathOf(*item), request);
     // A host without a main window is driven by a script or from a command line: a window of ours would wait there for
     // a user who may not exist. Such a host asks in its own way, or answers by itself.
     ConfirmByChoice choice(host);
