@@ -25,6 +25,10 @@ constexpr uint32_t kTextCapacity = kLongestProfileText + 1;
 constexpr uint32_t kIndented = 1;
 constexpr int kMostKeptFiles = 1000;
 
+// A pair that is switched off, with its place among all pairs, counted from 0. It is no "item": readers that know no
+// such pairs would apply it. compatibility: 27
+constexpr wchar_t kSwitchedOff[] = L"switchedoff";
+
 // "replaceparts" as numbers.
 constexpr int kPartsBoth = 1;
 constexpr int kPartsName = 2;
@@ -57,6 +61,10 @@ uint32_t ReadSearchOptions(IXmlElement& search) {
     return options;
 }
 
+SearchAndReplaceItem ReadItem(IXmlElement& item) {
+    return {AttributeOf(item, L"find"), AttributeOf(item, L"replacewith")};
+}
+
 RenameProfile ReadProfile(IXmlElement& element) {
     RenameProfile profile;
     wchar_t name[kTextCapacity + 1] = {};
@@ -72,7 +80,11 @@ RenameProfile ReadProfile(IXmlElement& element) {
     if (!search) return profile;
     profile.searchOptions = ReadSearchOptions(*search);
     for (IXmlElement* item = search->FirstChild(L"item"); item; item = item->NextSibling(L"item"))
-        profile.items.push_back({AttributeOf(*item, L"find"), AttributeOf(*item, L"replacewith")});
+        profile.items.push_back(ReadItem(*item));
+    for (IXmlElement* item = search->FirstChild(kSwitchedOff); item; item = item->NextSibling(kSwitchedOff)) {
+        const auto place = std::clamp(NumberOf(*item, L"place"), 0, static_cast<int32_t>(profile.items.size()));
+        profile.items.insert(profile.items.begin() + place, ReadItem(*item))->isOn = false;
+    }
     return profile;
 }
 
@@ -100,11 +112,19 @@ private:
         Number(search, L"casesensative", options & RenameOption::CaseSensitive ? 1 : 0);
         Number(search, L"regex", options & RenameOption::RegularExpression ? 1 : 0);
         Number(search, L"replaceparts", PartsOf(options));
-        for (const SearchAndReplaceItem& item : profile.items) {
-            IXmlElement* const element = Child(search, L"item");
-            Attribute(element, L"find", item.find);
-            Attribute(element, L"replacewith", item.replaceWith);
+        for (const SearchAndReplaceItem& item : profile.items)
+            if (item.isOn) WriteItem(Child(search, L"item"), item);
+        for (size_t place = 0; place < profile.items.size(); ++place) {
+            if (profile.items[place].isOn) continue;
+            IXmlElement* const element = Child(search, kSwitchedOff);
+            Number(element, L"place", static_cast<int32_t>(place));
+            WriteItem(element, profile.items[place]);
         }
+    }
+
+    void WriteItem(IXmlElement* element, const SearchAndReplaceItem& item) {
+        Attribute(element, L"find", item.find);
+        Attribute(element, L"replacewith", item.replaceWith);
     }
 
     static int PartsOf(uint32_t options) {

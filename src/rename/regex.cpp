@@ -45,10 +45,13 @@ public:
             m_match = m_matcher.Groups().front();
             if (!m_matcher.Spend(m_replacement.size()) || !Append(Before()) || !AppendReplacement()) break;
             m_copied = m_match.end;
+            m_hasMatched = true;
         }
         if (m_matcher.Fault() != RuleFault::None) return m_matcher.Fault();
         return !m_isTooLong && Append(m_text.substr(m_copied)) ? RuleFault::None : RuleFault::ResultTooLong;
     }
+
+    bool HasMatched() const { return m_hasMatched; }
 
 private:
     /// After an empty match one that is not is looked for at the same place, as if the text began there until a search
@@ -124,6 +127,7 @@ private:
     RegexGroup m_match;
     uint32_t m_copied = 0;  // so much of the text is in the result
     bool m_isTooLong = false;
+    bool m_hasMatched = false;
 };
 
 }  // namespace
@@ -142,7 +146,10 @@ Regex::Regex(Regex&& other) noexcept = default;
 Regex& Regex::operator=(Regex&& other) noexcept = default;
 
 RuleFault Regex::Replace(std::wstring_view text, std::wstring_view replacement, std::wstring& result, int64_t steps) {
-    return Replacing(*m_matcher, text, replacement, result).Run(steps);
+    Replacing replacing(*m_matcher, text, replacement, result);
+    const RuleFault fault = replacing.Run(steps);
+    m_hasMatched = replacing.HasMatched();
+    return fault;
 }
 
 }  // namespace BatchRename

@@ -46,12 +46,15 @@ public:
     /// limit, so that the run does what the preview showed.
     RuleFault Replace(std::wstring_view text, std::wstring_view replacement, std::wstring& result,
                       int64_t steps = kStepsForAText);
+    /// Whether there was a match in the text of the last Replace that had no fault.
+    bool HasMatched() const { return m_hasMatched; }
 
     static constexpr int64_t kStepsForAText = 4'000'000;
 
 private:
     std::unique_ptr<const RegexProgram> m_program;
     std::unique_ptr<RegexMatcher> m_matcher;  // kept for its memory
+    bool m_hasMatched = false;
 };
 
 }  // namespace BatchRename

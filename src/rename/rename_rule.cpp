@@ -108,6 +108,7 @@ bool RenameRule::Compute(BatchRenameItem& row) {
     if (row.state == RowState::Restore) return true;
     std::tie(m_base, m_extension) = BaseAndExtension(row);
     m_fault = RuleFault::None;
+    m_hasLastPairMatched = false;
     m_newBase.clear();
     m_newExtension.clear();
     for (Token& token : m_nameTokens) AppendToken(token, row, m_newBase);
@@ -118,6 +119,7 @@ bool RenameRule::Compute(BatchRenameItem& row) {
         const auto apply = [&](std::wstring& text) {
             const RuleFault fault = m_search.Apply(text);
             if (m_fault == RuleFault::None) m_fault = fault;
+            m_hasLastPairMatched = m_hasLastPairMatched || m_search.HasLastMatched();
         };
         if (m_options & (RenameOption::ScopeBoth | RenameOption::ScopeName)) apply(m_newBase);
         // A folder never gets an extension, not even from an expression that finds the empty text.

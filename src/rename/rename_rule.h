@@ -58,6 +58,9 @@ public:
     /// RowState::Restore is left alone.
     bool Compute(BatchRenameItem& row);
 
+    /// Whether the last of the pairs that are not skipped found its text in the row computed last.
+    bool HasLastPairMatched() const { return m_hasLastPairMatched; }
+
     /// True when a name depends on how many rows were computed before it.
     bool UsesCounter() const;
 
@@ -79,6 +82,7 @@ private:
     std::wstring_view m_base;
     std::wstring_view m_extension;
     RuleFault m_fault = RuleFault::None;
+    bool m_hasLastPairMatched = false;
     // Kept from row to row for their memory.
     std::wstring m_newBase;
     std::wstring m_newExtension;

@@ -22,7 +22,7 @@ std::wstring Folded(std::wstring text) {
 
 ItemFault CheckRegularExpressions(const SearchAndReplaceItems& items, bool isCaseSensitive) {
     for (size_t at = 0; at < items.size(); ++at) {
-        if (items[at].find.empty()) continue;
+        if (IsSkipped(items[at])) continue;
         try {
             const Regex compiled(items[at].find, isCaseSensitive);
         } catch (const RegexFault& fault) {
@@ -37,7 +37,7 @@ SearchAndReplace::SearchAndReplace(const SearchAndReplaceItems& items, uint32_t 
       m_isCaseSensitive((options & RenameOption::CaseSensitive) != 0),
       m_replacesAll((options & RenameOption::ReplaceAll) != 0) {
     for (const SearchAndReplaceItem& given : items) {
-        if (given.find.empty()) continue;
+        if (IsSkipped(given)) continue;
         Item item;
         item.replaceWith = given.replaceWith;
         if (m_isRegex)
@@ -50,6 +50,7 @@ SearchAndReplace::SearchAndReplace(const SearchAndReplaceItems& items, uint32_t 
 
 RuleFault SearchAndReplace::Apply(std::wstring& text) {
     RuleFault first = RuleFault::None;
+    m_hasLastMatched = false;
     for (Item& item : m_items) {
         const RuleFault fault = m_isRegex ? ApplyRegex(item, text) : ApplyPlain(item, text);
         if (first == RuleFault::None) first = fault;
@@ -58,8 +59,10 @@ RuleFault SearchAndReplace::Apply(std::wstring& text) {
 }
 
 RuleFault SearchAndReplace::ApplyRegex(Item& item, std::wstring& text) {
+    m_hasLastMatched = false;
     if (item.faultCount >= kMostFaults) return item.lastFault;
     const RuleFault fault = item.regex->Replace(text, item.replaceWith, m_result);
+    m_hasLastMatched = item.regex->HasMatched();
     if (fault == RuleFault::None) {
         text.swap(m_result);
         return fault;
@@ -71,6 +74,7 @@ RuleFault SearchAndReplace::ApplyRegex(Item& item, std::wstring& text) {
 
 RuleFault SearchAndReplace::ApplyPlain(const Item& item, std::wstring& text) {
     size_t at = FindPlain(item.find, text, 0);
+    m_hasLastMatched = at != std::wstring::npos;
     if (at == std::wstring::npos) return RuleFault::None;
     m_result.clear();
     size_t copied = 0;

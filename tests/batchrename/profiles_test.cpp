@@ -35,7 +35,7 @@ RenameProfile Full() {
     profile.counter = {-5, 10, 3};
     profile.caseValue = RenameOption::CapitaliseWords;
     profile.searchOptions = RenameOption::RegularExpression | RenameOption::CaseSensitive | RenameOption::ScopeName;
-    profile.items = {{L" a\tb\r\nc\n", L"'\"&<>"}, {L"", L" "}, {L"x", L""}};
+    profile.items = {{L"1", L"", false}, {L" a\tb\r\nc\n", L"'\"&<>"}, {L"", L" "}, {L"x", L"", false}, {L"y", L""}};
     return profile;
 }
 
@@ -68,7 +68,7 @@ TEST(ProfileStore, KeepsTheLayoutOfTheFile) {
     profile.name = L"p";
     profile.nameTemplate = L"[N]";
     profile.searchOptions = RenameOption::ScopeExtension | RenameOption::ReplaceAll;
-    profile.items = {{L"a", L"b"}};
+    profile.items = {{L"off", L"", false}, {L"a", L"b"}};
     host.StoreWith(profile).Save();
     std::string text = host.File();
     std::erase_if(text, [](char each) { return each == '\n' || each == '\r' || each == '\t'; });
@@ -76,7 +76,8 @@ TEST(ProfileStore, KeepsTheLayoutOfTheFile) {
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?><BatchRename><profile name=\"p\"><filename>[N]</filename>"
               "<extension/><counter startat=\"0\" stepby=\"0\" digits=\"0\"/><case value=\"0\"/>"
               "<searchandreplace replaceall=\"1\" casesensative=\"0\" regex=\"0\" replaceparts=\"3\">"
-              "<item find=\"a\" replacewith=\"b\"/></searchandreplace></profile></BatchRename>");
+              "<item find=\"a\" replacewith=\"b\"/><switchedoff place=\"0\" find=\"off\" "
+              "replacewith=\"\"/></searchandreplace></profile></BatchRename>");
     // The scope of the extension alone comes back as both: on purpose.
     EXPECT_EQ(host.Profiles().at(0).searchOptions, RenameOption::ScopeBoth | RenameOption::ReplaceAll);
 }

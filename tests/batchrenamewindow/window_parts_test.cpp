@@ -118,13 +118,22 @@ TEST(WindowPosition, IsReadBackAndBroughtOntoTheScreen) {
               (WindowPosition{880, 0, 1280, 300, false, 0}));
 }
 
-TEST(ItemTrial, SaysWhatAPairDoesToTheNames) {
+TEST(ItemTrial, CountsTheNamesThatAPairFindsInWhatTheRuleMakesOfThem) {
     const RenameItems rows = Rows({L"a1.txt", L"b.txt", L"a2"});
-    const auto never = [] { return false; };
-    const uint32_t regex = RenameOption::RegularExpression | RenameOption::ScopeName;
-    EXPECT_EQ(TextOfTrial(TryItem({L"a(\\d)", L"$1"}, regex, rows, never), 3), L"2 of 3 names match\na1.txt\n1.txt");
-    EXPECT_FALSE(TryItem({L"(", L""}, regex, rows, never).error.empty());
-    EXPECT_EQ(TryItem({L"a", L"b"}, 0, rows, [] { return true; }).tried, 0u);
+    const auto trial = [&](const SearchAndReplaceItems& items, uint32_t options) {
+        RuleDefinition rule;
+        rule.items = std::make_shared<const SearchAndReplaceItems>(items);
+        rule.options = options | RenameOption::ScopeName;
+        return TextOfTrial(TryItem(rule, items.size() - 1, rows, [] { return false; }), 3);
+    };
+    constexpr uint32_t kRegex = RenameOption::RegularExpression;
+    EXPECT_EQ(trial({{L"a(\\d)", L"$1"}}, kRegex), L"2 of 3 names match\na1.txt\n1.txt");
+    EXPECT_EQ(trial({{L"a", L"a"}}, 0), L"2 of 3 names match\na1.txt\na1.txt") << "what stays the same is found too";
+    EXPECT_EQ(trial({{L"b", L"x"}, {L"x", L""}}, 0), L"1 of 3 names match\nb.txt\n.txt") << "the pairs before it count";
+    EXPECT_EQ(trial({{L"b", L"x", false}, {L"x", L"", false}}, 0), L"0 of 3 names match") << "those that are on";
+    EXPECT_EQ(trial({{L"A", L"x"}}, RenameOption::UpperName | RenameOption::CaseSensitive).substr(0, 6), L"2 of 3");
+    EXPECT_EQ(trial({{L"(", L""}, {L"b", L""}}, kRegex).substr(0, 6), L"1 of 3") << "its own fault counts, no other";
+    EXPECT_EQ(trial({{L"(", L""}}, kRegex).substr(0, 28), L"The expression is not valid:");
 }
 
 TEST(RowsAfterARun, FollowAFolderThatWasRenamedAboveThem) {

@@ -122,6 +122,48 @@ TEST(RenameWindow, GoesOnWithOtherRowsAndRulesAsTheyAreTyped) {
     EXPECT_TRUE(window.WaitForStatus(L"3 Restored"));
 }
 
+TEST(RenameWindow, FollowsAPairWhileItIsTypedAndSwitched) {
+    RenameWindow window({L"a", L"b"});
+    window.Open({L"a", L"b"});
+    const auto shows = [&](const Words& names) {
+        return window.WaitFor([&] { return window.Column(kNewName) == names; });
+    };
+    window.Panel().PressLater(IDC_ITEM_NEW);
+    const DrivenDialog dialog = window.Dialog(L"Search and Replace");
+    dialog.Enter(IDC_ITEM_FIND, L"a");
+    EXPECT_TRUE(shows({L"", L"b"})) << "the dialog is open";
+    dialog.Enter(IDC_ITEM_REPLACE, L"x");
+    EXPECT_TRUE(shows({L"x", L"b"}));
+    dialog.PressAndClose(IDCANCEL);
+    EXPECT_TRUE(shows({L"a", L"b"})) << "taken back";
+
+    // In its place: the find text, then the replacement; Escape takes back what it ends.
+    window.AddPair(L"a", L"x");
+    const HWND pairs = window.Panel().Control(IDC_ITEMS);
+    const auto cell = [&] { return GetDlgItem(window.Panel().Window(), IDC_ITEM_CELL); };
+    const auto press = [&](WPARAM key) { PostMessageW(cell(), WM_KEYDOWN, key, 1); };
+    const auto edits = [&](const wchar_t* text) {
+        return window.WaitFor([&] { return ShownText(cell(), WM_GETTEXT) == text; });
+    };
+    PostMessageW(pairs, WM_KEYDOWN, VK_F2, 1);
+    ASSERT_TRUE(edits(L"a"));
+    SendMessageW(cell(), WM_CHAR, L'b', 1);
+    EXPECT_TRUE(shows({L"a", L"x"}));
+    press(VK_TAB);
+    ASSERT_TRUE(edits(L"x"));
+    SendMessageW(cell(), WM_CHAR, L'y', 1);
+    EXPECT_TRUE(shows({L"a", L"y"}));
+    press(VK_ESCAPE);
+    EXPECT_TRUE(shows({L"a", L"x"}));
+    EXPECT_EQ(cell(), nullptr);
+    EXPECT_EQ(CellOf(pairs, 0, 0) + CellOf(pairs, 0, 1), L"bx");
+
+    PostMessageW(pairs, WM_KEYDOWN, VK_SPACE, 1);
+    EXPECT_TRUE(shows({L"a", L"b"})) << "switched off";
+    PostMessageW(pairs, WM_KEYDOWN, VK_SPACE, 1);
+    EXPECT_TRUE(shows({L"a", L"x"}));
+}
+
 TEST(RenameWindow, StartsAndClosesByNoLetterWithoutAlt) {
     RenameWindow window({L"a"});
     window.Open({L"a"});

@@ -39,6 +39,7 @@
 #define IDC_SAVE_UNDO                2123
 #define IDC_LIVE_PREVIEW             2124
 #define IDC_CHANGES_ONLY             2125
+#define IDC_ITEM_CELL                2126  // while a pair is edited in its place
 #define IDC_COUNTER_GROUP            2130
 #define IDC_NAME_TEMPLATE_LABEL      2131
 #define IDC_EXTENSION_TEMPLATE_LABEL 2132

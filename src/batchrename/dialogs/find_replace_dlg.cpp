@@ -1,5 +1,9 @@
 #include "batchrename/dialogs/find_replace_dlg.h"
 
+#include <algorithm>
+#include <memory>
+#include <utility>
+
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/model/name_sample.h"
 #include "batchrename/profiles.h"
@@ -23,21 +27,29 @@ constexpr Group kGroups[] = {
 
 }  // namespace
 
-BatchRenameFindReplaceDlg::BatchRenameFindReplaceDlg(SearchAndReplaceItem item, uint32_t options, RowSnapshot rows)
-    : Dialog(IDD_RENAME_ITEM), m_item(std::move(item)), m_options(options), m_rows(std::move(rows)) {}
+BatchRenameFindReplaceDlg::BatchRenameFindReplaceDlg(const RuleDefinition& rule, size_t place, RowSnapshot rows,
+                                                     Follow follow)
+    : Dialog(IDD_RENAME_ITEM),
+      m_rule(rule),
+      m_items(*rule.items),
+      m_place(place),
+      m_rows(std::move(rows)),
+      m_follow(std::move(follow)) {}
 
 std::optional<SearchAndReplaceItem> BatchRenameFindReplaceDlg::Show(HWND owner) {
-    return ShowModal(owner) == IDOK ? std::optional(m_item) : std::nullopt;
+    return ShowModal(owner) == IDOK ? std::optional(m_items[m_place]) : std::nullopt;
 }
 
 bool BatchRenameFindReplaceDlg::OnInit() {
     for (const int edit : {IDC_ITEM_FIND, IDC_ITEM_REPLACE})
         SendMessageW(Item(edit), EM_LIMITTEXT, kLongestProfileText, 0);
-    Ui::SetTextOf(Item(IDC_ITEM_REPLACE), m_item.replaceWith);
-    Ui::SetTextOf(Item(IDC_ITEM_FIND), m_item.find);
-    Ui::SetTextOf(Item(IDC_ITEM_MODES), TextOfModes(m_options));
-    EnableWindow(Item(IDC_ITEM_GROUPS), (m_options & RenameOption::RegularExpression) != 0);
+    Ui::SetTextOf(Item(IDC_ITEM_REPLACE), m_items[m_place].replaceWith);
+    Ui::SetTextOf(Item(IDC_ITEM_FIND), m_items[m_place].find);
+    Ui::SetTextOf(Item(IDC_ITEM_MODES), TextOfModes(m_rule.options));
+    EnableWindow(Item(IDC_ITEM_GROUPS), (m_rule.options & RenameOption::RegularExpression) != 0);
+    MoveToLowerEdge();
     Refresh();
+    m_isFilled = true;
     return true;
 }
 
@@ -47,8 +59,23 @@ bool BatchRenameFindReplaceDlg::OnCommand(int id, int notification) {
         return true;
     }
     if (id == IDC_ITEM_GROUPS && notification == BN_CLICKED) PickGroup();
-    if (id != IDCANCEL && notification == EN_CHANGE) Refresh();
+    if (id != IDCANCEL && notification == EN_CHANGE && m_isFilled) {
+        Refresh();
+        m_follow(m_items[m_place]);
+    }
     return id != IDCANCEL;
+}
+
+void BatchRenameFindReplaceDlg::MoveToLowerEdge() {
+    RECT dialog = {};
+    RECT owner = {};
+    if (!GetWindowRect(GetWindow(), &dialog) || !GetWindowRect(GetParent(GetWindow()), &owner)) return;
+    MONITORINFO monitor = {};
+    monitor.cbSize = sizeof(monitor);
+    GetMonitorInfoW(MonitorFromWindow(GetWindow(), MONITOR_DEFAULTTONEAREST), &monitor);
+    const LONG lowest = std::min(owner.bottom, monitor.rcWork.bottom) - (dialog.bottom - dialog.top);
+    SetWindowPos(GetWindow(), nullptr, dialog.left, std::max(lowest, monitor.rcWork.top), 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void BatchRenameFindReplaceDlg::PickGroup() {
@@ -61,12 +88,15 @@ void BatchRenameFindReplaceDlg::PickGroup() {
 }
 
 bool BatchRenameFindReplaceDlg::Refresh() {
-    m_item = {Win32::WindowText(Item(IDC_ITEM_FIND)), Win32::WindowText(Item(IDC_ITEM_REPLACE))};
+    SearchAndReplaceItem& item = m_items[m_place];
+    item.find = Win32::WindowText(Item(IDC_ITEM_FIND));
+    item.replaceWith = Win32::WindowText(Item(IDC_ITEM_REPLACE));
+    m_rule.items = std::make_shared<const SearchAndReplaceItems>(m_items);
     const ULONGLONG end = GetTickCount64() + kPatience;
-    const ItemTrial trial = TryItem(m_item, m_options, *m_rows, [&] { return GetTickCount64() > end; });
+    const ItemTrial trial = TryItem(m_rule, m_place, *m_rows, [&] { return GetTickCount64() > end; });
     const std::wstring text = m_rows->empty() && trial.error.empty() ? L"" : TextOfTrial(trial, m_rows->size());
     Ui::SetTextOf(Item(IDC_ITEM_MATCHES), text);
-    const bool isUsable = !m_item.find.empty() && trial.error.empty();
+    const bool isUsable = !item.find.empty() && trial.error.empty();
     EnableWindow(Item(IDOK), isUsable);
     return isUsable;
 }

@@ -1,21 +1,37 @@
 #include "batchrename/model/name_sample.h"
 
 #include <memory>
+#include <utility>
 
-#include "rename/rename_rule.h"
+#include "batchrename/rule_context.h"
 
 namespace BatchRename {
+namespace {
 
-ItemTrial TryItem(const SearchAndReplaceItem& item, uint32_t options, const RenameItems& rows,
+/// The pairs before the one at `place`, and this one. A fault of another pair is told of in its own dialog: without it
+/// this one can be tried all the same.
+SearchAndReplaceItems ItemsUpTo(const RuleDefinition& rule, size_t place) {
+    const auto end = rule.items->begin() + static_cast<std::ptrdiff_t>(place);
+    SearchAndReplaceItems items(rule.items->begin(), end);
+    const bool isRegex = (rule.options & RenameOption::RegularExpression) != 0;
+    const bool isCaseSensitive = (rule.options & RenameOption::CaseSensitive) != 0;
+    if (isRegex && CheckRegularExpressions(items, isCaseSensitive).item != 0) items.clear();
+    items.push_back(*end);
+    items.back().isOn = true;
+    return items;
+}
+
+}  // namespace
+
+ItemTrial TryItem(const RuleDefinition& rule, size_t place, const RenameItems& rows,
                   const std::function<bool()>& isTimeUp) {
     ItemTrial trial;
-    if (item.find.empty()) return trial;
-    RuleDefinition definition;
-    definition.items = std::make_shared<const SearchAndReplaceItems>(SearchAndReplaceItems{item});
-    definition.options = options & ~RenameOption::CaseMask;
-    RenameRule rule;
+    if ((*rule.items)[place].find.empty()) return trial;
+    RuleDefinition definition = rule;
+    definition.items = std::make_shared<const SearchAndReplaceItems>(ItemsUpTo(rule, place));
+    RenameRule tried;
     try {
-        rule.SetRule(definition, {});
+        tried.SetRule(definition, LocalTimeNow());
     } catch (const RegexFault& fault) {
         trial.error = fault.Text();
         return trial;
@@ -24,9 +40,9 @@ ItemTrial TryItem(const SearchAndReplaceItem& item, uint32_t options, const Rena
         if (isTimeUp()) break;
         BatchRenameItem copy = *row;
         copy.state = RowState::Ready;
-        rule.Compute(copy);
+        tried.Compute(copy);
         ++trial.tried;
-        if (copy.newName == copy.currentName || copy.fault != RuleFault::None) continue;
+        if (!tried.HasLastPairMatched()) continue;
         if (trial.matches++ > 0) continue;
         trial.before = copy.currentName;
         trial.after = copy.newName;

@@ -1,25 +1,25 @@
-// name_sample.h - tries one find and replace pair on names, for the dialog that edits it.
+// name_sample.h - tries one find and replace pair of a rule on names, for the dialog that edits it.
 #pragma once
 
 #include <functional>
 #include <string>
-#include <vector>
 
-#include "rename/search_and_replace_items.h"
+#include "rename/rename_rule.h"
 
 namespace BatchRename {
 
 struct ItemTrial {
     std::wstring error;   // the find text is no regular expression; in words
     size_t tried = 0;     // names looked at
-    size_t matches = 0;   // of these
-    std::wstring before;  // the first name that changes
+    size_t matches = 0;   // of these: those that hold the find text, whether or not they change
+    std::wstring before;  // the first of them
     std::wstring after;
 };
 
-/// Applies the pair to the part of each name that `options` (RenameOption bits) let it work on. Ends early when
-/// `isTimeUp` says so: the dialog must answer at once, however many names there are.
-ItemTrial TryItem(const SearchAndReplaceItem& item, uint32_t options, const RenameItems& rows,
+/// Applies the rule to each name up to and with its pair number `place`, switched on or not: what it finds is looked
+/// for in what the templates, the case and the pairs before it make of the name. Tags of properties are empty here.
+/// Ends early when `isTimeUp` says so: the dialog must answer at once, however many names there are.
+ItemTrial TryItem(const RuleDefinition& rule, size_t place, const RenameItems& rows,
                   const std::function<bool()>& isTimeUp);
 
 /// "3 of 20 names match", the first example, or what is wrong.

@@ -7,6 +7,7 @@
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/dialogs/find_replace_dlg.h"
 #include "batchrename/profiles.h"
+#include "batchrename/window/cell_edit.h"
 #include "ui/controls.h"
 #include "win32/text.h"
 #include "win32/window_text.h"
@@ -67,6 +68,8 @@ constexpr int kRuleControls[] = {
     IDC_LIVE_PREVIEW,
 };
 
+constexpr UINT kArranged = WM_APP;
+
 constexpr Ui::ListColumn kItemColumns[] = {{L"Find", 336}, {L"Replace with", 336}};
 
 constexpr Ui::Anchor kAnchors[] = {
@@ -86,6 +89,19 @@ void SelectEntry(HWND combo, std::span<const Ui::ListEntry> entries, uint32_t op
     for (size_t index = entries.size(); index-- > 0;)
         if (entries[index].bit & options) selected = static_cast<int>(index);
     SendMessageW(combo, CB_SETCURSEL, static_cast<WPARAM>(selected), 0);
+}
+
+bool IsRowChecked(HWND list, int row) {
+    constexpr LRESULT kChecked = 2;
+    const LRESULT state = SendMessageW(list, LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_STATEIMAGEMASK);
+    return state == INDEXTOSTATEIMAGEMASK(kChecked);
+}
+
+void CheckRow(HWND list, int row, bool isChecked) {
+    LVITEMW item = {};
+    item.stateMask = LVIS_STATEIMAGEMASK;
+    item.state = static_cast<UINT>(INDEXTOSTATEIMAGEMASK(isChecked ? 2 : 1));
+    SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
 }
 
 }  // namespace
@@ -108,6 +124,7 @@ bool RulePanel::OnInit() {
     Ui::FillCombo(Item(IDC_CASE), m_texts, kCases, 0, 0);
     Ui::FillCombo(Item(IDC_SCOPE), m_texts, kScopes, 0, RenameOption::ScopeBoth);
     Ui::AddColumns(Item(IDC_ITEMS), kItemColumns);
+    SendMessageW(Item(IDC_ITEMS), LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);
     Ui::SetChecked(Item(IDC_LIVE_PREVIEW), true);
     Ui::SetChecked(Item(IDC_SAVE_UNDO), true);
     SetRule({});
@@ -138,6 +155,7 @@ RuleDefinition RulePanel::Rule() const {
 }
 
 void RulePanel::SetRule(const RuleDefinition& rule) {
+    EndCell(false);
     m_isSetting = true;
     Ui::SetTextOf(Item(IDC_NAME_TEMPLATE), rule.nameTemplate);
     Ui::SetTextOf(Item(IDC_EXTENSION_TEMPLATE), rule.extensionTemplate);
@@ -161,6 +179,7 @@ PanelChoices RulePanel::Choices() const {
 void RulePanel::SetState(const PanelState& state) {
     const bool wasRunning = std::exchange(m_state, state).isRunning;
     const bool isIdle = !state.isRunning;
+    if (state.isRunning || state.isRestoring) EndCell(true);
     const HWND focus = GetFocus();
     for (const int id : kRuleControls) EnableWindow(Item(id), isIdle && !state.isRestoring);
     for (const int id : {IDC_UNDO, IDC_RESET_LIST}) EnableWindow(Item(id), isIdle);
@@ -177,6 +196,10 @@ bool RulePanel::OnCommand(int id, int notification) {
     // Enter and Escape that no control wants: neither starts a run nor closes the window.
     if (id == IDOK || id == IDCANCEL) return true;
     if (m_isSetting) return true;
+    if (id == IDC_ITEM_CELL) {
+        OnCell(notification);
+        return true;
+    }
     const bool isClick = notification == BN_CLICKED;
     if (isClick && id == IDC_NAME_TAGS) InsertTag(id, IDC_NAME_TEMPLATE);
     if (isClick && id == IDC_EXTENSION_TAGS) InsertTag(id, IDC_EXTENSION_TEMPLATE);
@@ -189,18 +212,51 @@ bool RulePanel::OnCommand(int id, int notification) {
 }
 
 bool RulePanel::OnMessage(UINT message, WPARAM, LPARAM lParam) {
+    if (message == WM_SIZE) {
+        EndCell(true);
+        PostMessageW(GetWindow(), kArranged, 0, 0);  // the list gets its own size after this
+    }
+    if (message == kArranged) ShareItemColumns();
     if (message != WM_NOTIFY) return false;
     const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
-    if (header.idFrom != IDC_ITEMS) return false;
-    if (header.code == LVN_ITEMCHANGED && !m_isSetting) RefreshButtons();
-    if (header.code == NM_DBLCLK) OnItemButton(Ui::SelectedRow(Item(IDC_ITEMS)) < 0 ? IDC_ITEM_NEW : IDC_ITEM_EDIT);
+    if (header.idFrom == IDC_ITEMS) OnItemsNotify(header, lParam);
+    return false;
+}
+
+void RulePanel::ShareItemColumns() {
+    const HWND list = Item(IDC_ITEMS);
+    RECT client = {};
+    GetClientRect(list, &client);
+    for (const WPARAM column : {0, 1}) SendMessageW(list, LVM_SETCOLUMNWIDTH, column, client.right / 2);
+}
+
+void RulePanel::OnItemsNotify(const NMHDR& header, LPARAM lParam) {
+    if (header.code == LVN_ITEMCHANGED && !m_isSetting) {
+        const auto& change = *reinterpret_cast<const NMLISTVIEW*>(lParam);
+        const bool isOn = IsRowChecked(Item(IDC_ITEMS), change.iItem);
+        const auto row = static_cast<size_t>(change.iItem);
+        if (row < m_items.size() && m_items[row].isOn != isOn) {
+            m_items[row].isOn = isOn;
+            m_listener.OnRuleChanged();
+        }
+        RefreshButtons();
+    }
+    if (header.code == NM_DBLCLK) {
+        LVHITTESTINFO hit = {};
+        hit.pt = reinterpret_cast<const NMITEMACTIVATE*>(lParam)->ptAction;
+        SendMessageW(Item(IDC_ITEMS), LVM_SUBITEMHITTEST, 0, reinterpret_cast<LPARAM>(&hit));
+        if (hit.iItem < 0)
+            OnItemButton(IDC_ITEM_NEW);
+        else if (hit.flags != LVHT_ONITEMSTATEICON)
+            EditCell(hit.iItem, hit.iSubItem);
+    }
+    if (header.code == LVN_BEGINSCROLL) EndCell(true);
     if (header.code == LVN_KEYDOWN) {
         const WORD key = reinterpret_cast<const NMLVKEYDOWN*>(lParam)->wVKey;
         if (key == VK_DELETE) OnItemButton(IDC_ITEM_REMOVE);
         if (key == VK_INSERT) OnItemButton(IDC_ITEM_NEW);
-        if (key == VK_F2) OnItemButton(IDC_ITEM_EDIT);
+        if (key == VK_F2) EditCell(Ui::SelectedRow(Item(IDC_ITEMS)), 0);
     }
-    return false;
 }
 
 void RulePanel::InsertTag(int button, int edit) {
@@ -216,6 +272,7 @@ void RulePanel::InsertTag(int button, int edit) {
 }
 
 void RulePanel::OnItemButton(int id) {
+    EndCell(true);
     const int selected = Ui::SelectedRow(Item(IDC_ITEMS));
     if (id == IDC_ITEM_NEW) return EditItem(true);
     if (selected < 0 || static_cast<size_t>(selected) >= m_items.size()) return;
@@ -236,28 +293,88 @@ void RulePanel::OnItemButton(int id) {
 void RulePanel::EditItem(bool isNew) {
     const int selected = Ui::SelectedRow(Item(IDC_ITEMS));
     const size_t place = isNew ? m_items.size() : static_cast<size_t>(selected);
-    BatchRenameFindReplaceDlg dialog(isNew ? SearchAndReplaceItem() : m_items[place], Options(), m_listener.Rows());
+    const SearchAndReplaceItems before = m_items;
+    if (isNew) m_items.emplace_back();
+    const SearchAndReplaceItem given = m_items[place];
+    BatchRenameFindReplaceDlg dialog(Rule(), place, m_listener.Rows(),
+                                     [&](const SearchAndReplaceItem& typed) { FollowItem(place, typed); });
     std::optional<SearchAndReplaceItem> item;
     m_listener.RunModal([&] { item = dialog.Show(GetAncestor(GetWindow(), GA_ROOT)); });
-    if (!item) return;
-    if (isNew)
-        m_items.push_back(std::move(*item));
-    else
-        m_items[place] = std::move(*item);
-    ShowItems(static_cast<int>(place));
-    m_listener.OnRuleChanged();
+    if (item) m_items[place] = *item;
+    const bool mustFollow = item || (m_items[place] != given && Ui::IsChecked(Item(IDC_LIVE_PREVIEW)));
+    if (!item) m_items = before;
+    ShowItems(item || !isNew ? static_cast<int>(place) : selected);
+    if (mustFollow) m_listener.OnRuleChanged();
+}
+
+void RulePanel::FollowItem(size_t place, const SearchAndReplaceItem& item) {
+    m_items[place] = item;
+    if (Ui::IsChecked(Item(IDC_LIVE_PREVIEW))) m_listener.OnRuleChanged();
+}
+
+void RulePanel::EditCell(int row, int column) {
+    EndCell(true);
+    const bool isUsable = !m_state.isRunning && !m_state.isRestoring;
+    if (!isUsable || row < 0 || static_cast<size_t>(row) >= m_items.size() || column < 0 || column > 1) return;
+    m_cellRow = static_cast<size_t>(row);
+    m_cellColumn = column;
+    m_cellBefore = m_items[m_cellRow];
+    const std::wstring& text = column == 0 ? m_cellBefore.find : m_cellBefore.replaceWith;
+    Ui::SelectRow(Item(IDC_ITEMS), row);
+    m_cell = OpenCell(Item(IDC_ITEMS), row, column, text, IDC_ITEM_CELL, kLongestProfileText);
+}
+
+void RulePanel::OnCell(int notification) {
+    if (!m_cell) return;
+    if (notification == EN_CHANGE) {
+        SearchAndReplaceItem item = m_items[m_cellRow];
+        (m_cellColumn == 0 ? item.find : item.replaceWith) = Win32::WindowText(m_cell);
+        return FollowItem(m_cellRow, item);
+    }
+    const bool isStep = notification == CellEnd::Next || notification == CellEnd::Former;
+    if (!isStep && notification != CellEnd::Taken && notification != CellEnd::Cancelled) return;
+    const int cell = static_cast<int>(m_cellRow) * 2 + m_cellColumn + (notification == CellEnd::Next ? 1 : -1);
+    EndCell(notification != CellEnd::Cancelled);
+    if (isStep && cell >= 0) EditCell(cell / 2, cell % 2);
+}
+
+void RulePanel::EndCell(bool isTaken) {
+    const HWND cell = std::exchange(m_cell, nullptr);
+    if (!cell) return;
+    // The focus goes back before the control that has it is gone: afterwards nobody would have it.
+    if (GetFocus() == cell) SetFocus(Item(IDC_ITEMS));
+    DestroyWindow(cell);
+    SearchAndReplaceItem& item = m_items[m_cellRow];
+    const bool isLive = Ui::IsChecked(Item(IDC_LIVE_PREVIEW));
+    const bool mustFollow = item != m_cellBefore && (!isTaken || !isLive);
+    if (!isTaken) item = std::exchange(m_cellBefore, {});
+    ShowTexts(static_cast<int>(m_cellRow), item);
+    if (mustFollow) m_listener.OnRuleChanged();
 }
 
 void RulePanel::ShowItems(int selected) {
     const HWND list = Item(IDC_ITEMS);
+    const bool wasSetting = std::exchange(m_isSetting, true);
     SendMessageW(list, LVM_DELETEALLITEMS, 0, 0);
     int row = 0;
     for (const SearchAndReplaceItem& item : m_items) {
         Ui::SetListText(list, row, 0, item.find);
-        Ui::SetListText(list, row++, 1, item.replaceWith);
+        Ui::SetListText(list, row, 1, item.replaceWith);
+        CheckRow(list, row++, item.isOn);
     }
     if (selected >= 0) Ui::SelectRow(list, selected);
+    m_isSetting = wasSetting;
     RefreshButtons();
+}
+
+void RulePanel::ShowTexts(int row, const SearchAndReplaceItem& item) {
+    for (const int column : {0, 1}) {
+        std::wstring text = column == 0 ? item.find : item.replaceWith;
+        LVITEMW cell = {};
+        cell.iSubItem = column;
+        cell.pszText = text.data();
+        SendMessageW(Item(IDC_ITEMS), LVM_SETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&cell));
+    }
 }
 
 void RulePanel::RefreshButtons() {

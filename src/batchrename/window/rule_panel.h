@@ -8,6 +8,8 @@
 #include "ui/controls.h"
 #include "ui/dialog.h"
 
+#include <commctrl.h>
+
 namespace BatchRename {
 
 class RulePanel final : private Ui::Dialog {
@@ -39,8 +41,17 @@ private:
     void InsertTag(int button, int edit);
     void OnItemButton(int id);
     void EditItem(bool isNew);
+    /// The pair is as it was typed by now: the list of rows follows while the preview is live.
+    void FollowItem(size_t place, const SearchAndReplaceItem& item);
+    void ShareItemColumns();
+    void OnItemsNotify(const NMHDR& header, LPARAM lParam);
+    /// A pair's find text or, in the second column, its replacement is edited in the list itself.
+    void EditCell(int row, int column);
+    void OnCell(int notification);
+    void EndCell(bool isTaken);
     /// Fills the list anew, and selects a row.
     void ShowItems(int selected);
+    void ShowTexts(int row, const SearchAndReplaceItem& item);
     void RefreshButtons();
     uint32_t Options() const;
 
@@ -51,6 +62,10 @@ private:
     SIZE m_naturalSize = {};
     SearchAndReplaceItems m_items;
     PanelState m_state;
+    HWND m_cell = nullptr;  // null: no cell is being edited
+    size_t m_cellRow = 0;
+    int m_cellColumn = 0;
+    SearchAndReplaceItem m_cellBefore;
     bool m_isSetting = false;  // controls are being filled: their notifications mean nothing
 };
 
