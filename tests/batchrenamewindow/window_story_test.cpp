@@ -134,6 +134,9 @@ TEST(RenameWindow, FollowsAPairWhileItIsTypedAndSwitched) {
     EXPECT_TRUE(shows({L"", L"b"})) << "the dialog is open";
     dialog.Enter(IDC_ITEM_REPLACE, L"x");
     EXPECT_TRUE(shows({L"x", L"b"}));
+    SetForegroundWindow(GetDesktopWindow());
+    window.RunCommand({L"a", L"b"});
+    EXPECT_TRUE(window.WaitFor([&] { return GetForegroundWindow() == dialog.Window(); })) << "the command again";
     dialog.PressAndClose(IDCANCEL);
     EXPECT_TRUE(shows({L"a", L"b"})) << "taken back";
 

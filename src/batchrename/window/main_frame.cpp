@@ -136,7 +136,7 @@ LRESULT BatchRenameMainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lPar
         case WM_COMMAND:
             if (LOWORD(wParam) != kRenameCommand) return 0;
             if (IsIconic(m_window)) ShowWindow(m_window, SW_RESTORE);
-            SetForegroundWindow(m_window);
+            SetForegroundWindow(GetLastActivePopup(m_window));  // an open dialog: the window itself takes no key
             return 0;
         case FrameMessage::PreviewReady: m_model.OnPreview(m_preview->Take()); return 0;
         case FrameMessage::RunProgress: m_model.OnRunProgress(static_cast<uint32_t>(wParam)); return 0;
