@@ -18,13 +18,13 @@ using namespace Quorvane::SDK;
 
 class HostThatLeaves {
 public:
-    /// `afterwards` is done at the end of each such call ("INTERFACE SLOT") by a thread of the library.
+    /// `afterwards` is done at the end of each such call ("CLASS SLOT") by a thread of the library.
     HostThatLeaves(const std::string& slowCall, std::function<void()> afterwards) {
         m_files.Write(L"a", "a");
         m_host.Select(m_files / L"a");
         m_host.State().panel = &m_panel;
         m_extension->SetHost(&m_host.Services());
-        m_calls.Arm([=, thread = GetCurrentThreadId()](const std::string& call) {
+        HostCalls::Tell([=, thread = GetCurrentThreadId()](const std::string& call) {
             if (call == slowCall && GetCurrentThreadId() != thread) afterwards();
         });
     }
@@ -33,7 +33,6 @@ public:
 
     IPluginInterface& Extension() { return *m_extension; }
     HMODULE Library() const { return m_process.Library(); }
-    uint32_t CallCount() const { return m_calls.Count(); }
     void Open() {
         m_extension->OnCommand(31000, 0, 0);
         EXPECT_TRUE(WaitUntil([&] { return Status().starts_with(L"1 item"); }));
@@ -51,7 +50,7 @@ private:
     ServicesOfHost m_host{QV_HOST_PROGRAM};
     FakePanel m_panel{[this] { return m_host.State().selection; }, [](const std::wstring&) {}};
     IPluginInterface* m_extension = m_process.Create(2);
-    HostCalls m_calls{m_extension, 2};
+    HostCalls m_calls{&m_host.Services()};
 };
 
 std::vector<DWORD> waits;
@@ -100,21 +99,21 @@ TEST(HostThatLeaves, IsNeverCalledAgain) {
         std::function<void()> bring;
         bool isShutDown;
     } cases[] = {
-        {"opening, a text", "services 16", bringNothing, false},
-        {"opening, its place", "settings 1", bringNothing, true},
-        {"renaming", "3000 67", Rename, false},
-        {"renaming, shut down in vain", "3000 67", Rename, true},
+        {"opening, a text", "HostServices 16", bringNothing, false},
+        {"opening, its place", "ExtensionSettings 1", bringNothing, true},
+        {"renaming", "FileOperations 67", Rename, false},
+        {"renaming, shut down in vain", "FileOperations 67", Rename, true},
         {"the journal", "", Rename, false},
-        {"telling of a folder", "3010 0", Rename, true},
-        {"collecting", "services 32", [] { HostThatLeaves::Panel().PressLater(IDC_RESET_LIST); }, true},
-        {"a preview", "3000 68", [] { HostThatLeaves::Panel().Enter(IDC_NAME_TEMPLATE, L"[?modified]-[?size]"); },
-         false},
-        {"opening a dialog", "3000 69",
+        {"telling of a folder", "FolderRefresh 0", Rename, true},
+        {"collecting", "HostServices 32", [] { HostThatLeaves::Panel().PressLater(IDC_RESET_LIST); }, true},
+        {"a preview", "FileOperations 68",
+         [] { HostThatLeaves::Panel().Enter(IDC_NAME_TEMPLATE, L"[?modified]-[?size]"); }, false},
+        {"opening a dialog", "FileOperations 69",
          [] {
              ChooseInMenu(IDC_NAME_TAGS, {VK_UP, VK_RETURN});
          },
          true},
-        {"saving a profile", "element 7",
+        {"saving a profile", "XmlElement 7",
          [] {
              ChooseInMenu(IDC_PROFILES, {VK_UP, VK_UP, VK_RETURN});
              const DrivenDialog dialog = HostThatLeaves::Driver().WaitFor(L"Save profile");
@@ -123,7 +122,7 @@ TEST(HostThatLeaves, IsNeverCalledAgain) {
              dialog.PressLater(IDOK);
          },
          true},
-        {"closing", "settings 5", [] { PostMessageW(HostThatLeaves::Frame(), WM_CLOSE, 0, 0); }, false},
+        {"closing", "ExtensionSettings 5", [] { PostMessageW(HostThatLeaves::Frame(), WM_CLOSE, 0, 0); }, false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.moment);
@@ -145,11 +144,11 @@ TEST(HostThatLeaves, IsNeverCalledAgain) {
             OpenThread(SYNCHRONIZE, FALSE, isOpening ? halt.thread.load() : GetWindowThreadProcessId(frame, nullptr)));
         if (c.isShutDown) host.Extension().Shutdown();
         host.Delete();
-        const uint32_t calls = host.CallCount();
+        const size_t calls = HostCalls::Count();
         SetEvent(halt.goesOn.Get());
         EXPECT_EQ(WaitForSingleObject(thread.Get(), 10000), WAIT_OBJECT_0);
         g_journal = nullptr;
-        EXPECT_EQ(host.CallCount(), calls);
+        EXPECT_EQ(HostCalls::Count(), calls);
         std::erase(waits, 3000u);  // of the lock for saving profiles
         EXPECT_EQ(waits, (std::vector<DWORD>{c.isShutDown ? 5000u : 4000u}));
     }
@@ -159,7 +158,7 @@ TEST(HostThatLeaves, IsNeverCalledAgain) {
 TEST(HostThatShutsDown, OnTheWindowsThreadIsRecognisedFromItsFirstCall) {
     HostThatLeaves* opening = nullptr;
     std::atomic<int> shutdowns = 0;
-    HostThatLeaves host("settings 1", [&] {
+    HostThatLeaves host("ExtensionSettings 1", [&] {
         if (shutdowns++ == 0) opening->Extension().Shutdown();
     });
     opening = &host;

@@ -1,222 +1,180 @@
 #include "reliability/host_calls.h"
 
 #include <algorithm>
-#include <array>
+#include <cstring>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <sstream>
-#include <string_view>
-#include <tuple>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "sdk/host_services.h"
-#include "support/replaced_imports.h"
 
 namespace QVTest {
 namespace {
 
 using namespace Quorvane::SDK;
 
-// Its slots, and those of them that do not answer with a number, or nothing. Number, kind, detail: `>` an object of
-// that interface ("-" for one without slots), `+` one that is to be given back, `-` gives back its argument with that
-// number (0 is the object itself), `t` a text, `b` fills a buffer, that argument, `p`, `c` and `n` fill a record or
-// number, that argument. Services are named by their number.
-struct Interface {
-    const char* name;
-    size_t slots;
-    const char* answers;
-};
-constexpr Interface kInterfaces[] = {
-    {"services", 149,
-     "15 t - 16 t - 34 > factory 35 > menus 36 > registry 42 + xml 44 > settings 45 b 1 63 + service 65 - 1 "
-     "129 + list 130 + progress 133 + choices 147 b 2 148 c 1"},
-    {"extension", 12, ""},
-    {"properties", 6, ""},
-    {"factory", 2, "1 > -"},
-    {"menus", 13, "0 > - 1 > - 2 > - 4 > - 7 > -"},
-    {"registry", 4, "1 > command"},
-    {"command", 2, ""},
-    {"call", 7, "1 t - 2 n 2"},
-    {"settings", 7, "1 b 4"},
-    {"progress", 3, "2 - 0"},
-    {"choices", 15, "2 t - 14 - 0"},
-    {"xml", 30, "1 + document 2 + document 4 b 2 29 - 0"},
-    {"document", 3, "0 > element 1 > element 2 - 0"},
-    {"element", 8, "0 b 1 1 > element 2 > element 3 b 1 4 b 2 5 > element"},
-    {"list", 13, "4 > item 12 - 0"},
-    {"item", 37, "0 b 1 2 b 1 3 b 1 10 p 3 12 - 0 35 p 3"},
-    {"3000", 70, "17 + item 64 + batch 65 - 1 68 b 4 69 b 2"},
-    {"batch", 2, ""},
-    {"3010", 1, ""},
-    {"3100", 2, ""},
-    {"3250", 12, "9 + writer"},
-    {"writer", 8, "5 > - 7 - 0"},
-};
+// What slots of the host's classes do that do not answer with a number or nothing: they give an object (o), one that is
+// to be given back (+), a handle (h) or a text (t), give back that argument (-; 0 is the object itself), fill it as a
+// buffer (b), record (p, c) or number (n).
+const std::string kOddSlots =
+    "|HostServices 15t0 16t0 34o0 35o0 36o0 42+0 44o0 45b1 63+0 65-1 129+0 130+0 133+0 147b2 148c1|CommandFactory 1h0"
+    "|MenuBuilder 0h0 1h0 2h0 4h0 7h0|CustomCommandRegistry 1o0|CustomCommandCall 1t0 2n2|ExtensionSettings 1b4 2n4"
+    "|Progress 2-0|ChoiceList 2t0 14-0|XmlService 1+0 2+0 4b2 29-0|XmlDocument 0o0 1o0 2-0"
+    "|XmlElement 0b1 1o0 2o0 3b1 4b2 5o0|FileList 4o0 12-0|FileItem 0b1 2b1 3b1 10p3 12-0 35p3"
+    "|FileOperations 17+0 64+0 65-1 68b4 69b2|ElevatedChannel 9+0|RequestWriter 5h0 7-0";
 
 struct Slot {
+    size_t number = 0;
     char kind = ' ';
-    std::string detail;
-    bool Gives() const { return kind == '>' || kind == '+'; }
+    size_t argument = 0;
+    bool Is(const char* kinds) const { return std::string_view(kinds).find(kind) != std::string_view::npos; }
 };
-struct Class {
-    const Interface* interface_ = nullptr;
-    std::map<size_t, Slot> slots;
-    std::vector<ReplacedSlot> replaced;
+using Arguments = uintptr_t[9];  // the object first; the longest log line has no more
+enum Fault : uint8_t { Throws, GivesNothing, GivesNonsense, Refuses };
+
+struct Round {
+    size_t number = std::string::npos;  // of the call that goes wrong
+    Fault fault = {};
+    std::function<void(const std::string&)> onCall = {};
+    std::vector<std::string> calls = {};
+    std::multiset<uintptr_t> open = {};
+    size_t givenBackInVain = 0;
 };
-using Arguments = std::array<uintptr_t, 9>;  // the object first; the longest log line has no more
+// What plain functions, in the place of all slots of the objects that are watched, know.
+std::recursive_mutex g_lock;
+std::map<uintptr_t, std::pair<std::string, void**>> g_objects;  // their class and its table
+std::optional<Round> g_round;
 
-// What plain functions, in the place of all slots, know.
-struct State {
-    std::mutex lock;
-    std::map<void*, Class> classes;  // by their table
-    std::multiset<uintptr_t> open;
-    size_t endedTwice = 0;
-    bool isArmed = false;
-    uint32_t count = 0;
-    uint32_t number = 0;
-    HostFault fault = {};
-    std::string failed;
-    std::function<void(const std::string&)> onCall;
-} g_state;
-thread_local bool t_isInHost = false;  // calls between the host's own objects are not the library's
-
-uintptr_t CallOn(bool isHostsSide, void* function, const Arguments& given) {
-    const struct Side {
-        ~Side() { t_isInHost = former; }
-        bool former;
-    } side = {std::exchange(t_isInHost, isHostsSide)};
-    return std::apply(
-        [&](auto... each) { return reinterpret_cast<uintptr_t (*)(decltype(each)...)>(function)(each...); }, given);
+void Begin(std::optional<Round> round) {
+    const std::lock_guard lock(g_lock);
+    g_round = std::move(round);
 }
 
-uintptr_t OddAnswer(const Slot& slot, const Arguments& given) {
-    if (slot.Gives()) return 0;
-    if (slot.kind == 't') return reinterpret_cast<uintptr_t>(L"%s%d%|<");
-    const size_t at =
-        std::string_view("bpcn").find(slot.kind) != std::string_view::npos ? slot.detail[0] - size_t{'0'} : 0;
-    if (slot.kind == 'b')
-        std::fill_n(reinterpret_cast<wchar_t*>(given[at]), static_cast<uint32_t>(given[at + 1]), L'x');
-    if (slot.kind == 'n') *reinterpret_cast<uint32_t*>(given[at]) = 0xFFFFFFFF;
-    if (slot.kind == 'c') reinterpret_cast<ChoiceRequest*>(given[at])->position = 0xFFFFFFFF;
-    if (slot.kind == 'p') {
-        reinterpret_cast<StoredPropertyValue*>(given[at])->status = -1;
-        std::ranges::fill(reinterpret_cast<StoredPropertyValue*>(given[at])->text, L'x');
-    }
-    return 0xFFFFFF01;  // true as well
+Slot SlotOf(const std::string& className, size_t number) {
+    const size_t begin = std::min(kOddSlots.find('|' + className), kOddSlots.size());
+    std::istringstream odd(kOddSlots.substr(begin));
+    odd.ignore(static_cast<std::streamsize>(className.size()) + 1);
+    for (Slot slot; odd >> slot.number >> slot.kind >> slot.argument;)
+        if (slot.number == number) return slot;
+    return {};
 }
 
-void Watch(uintptr_t object, const std::string& name);
-
-uintptr_t OnCall(const Interface& interface_, size_t slotNumber, const Slot& slot, void* original,
-                 const Arguments& given) {
-    std::unique_lock lock(g_state.lock);
-    const uint32_t number = g_state.count++;
-    const bool fails = number == g_state.number;
-    const std::string name = interface_.name + (" " + std::to_string(slotNumber));
-    if (fails) g_state.failed = name;
-    if (slot.kind == '-') {
-        const auto found = g_state.open.find(given[slot.detail[0] - size_t{'0'}]);
-        if (found == g_state.open.end())
-            ++g_state.endedTwice;
-        else
-            g_state.open.erase(found);
-    }
-    lock.unlock();
-    uintptr_t answer = !fails || slot.kind == '-' ? CallOn(true, original, given) : 0;
-    if (fails && g_state.fault == HostFault::Throws) throw number;
-    if (fails && g_state.fault == HostFault::AnswersOddly) answer = OddAnswer(slot, given);
-    if (fails && g_state.fault == HostFault::Refuses && !slot.Gives() && slot.kind != 't')
-        answer = ERROR_INVALID_FUNCTION;
-    if (slot.Gives() && answer != 0) Watch(answer, slot.detail == "service" ? std::to_string(given[1]) : slot.detail);
-    lock.lock();
-    if (slot.kind == '+' && answer != 0) g_state.open.insert(answer);
-    lock.unlock();
-    if (g_state.onCall) g_state.onCall(name);
-    return answer;
+uintptr_t AnswerWrongly(Fault fault, const Slot& slot, const Arguments& given) {
+    if (fault == Throws) throw 1;
+    if (fault == GivesNothing) return 0;
+    if (fault == Refuses) return slot.Is("o+ht") ? 0 : ERROR_INVALID_FUNCTION;
+    const uintptr_t out = given[slot.argument];
+    if (slot.Is("b"))
+        std::memset(reinterpret_cast<void*>(out), 'x', sizeof(wchar_t) * uint32_t(given[slot.argument + 1]));
+    if (slot.Is("n")) std::memset(reinterpret_cast<void*>(out), 0xFF, sizeof(uint32_t));
+    if (slot.Is("p")) std::memset(reinterpret_cast<void*>(out), 0xFF, sizeof(StoredPropertyValue));
+    if (slot.Is("c")) reinterpret_cast<ChoiceRequest*>(out)->position = 0xFFFFFFFF;
+    if (slot.Is("t")) return reinterpret_cast<uintptr_t>(L"%s%d%|<");
+    if (slot.Is("h")) return 0;
+    return slot.Is("o+") ? reinterpret_cast<uintptr_t>(HostCalls::Nothing()) : 0xFFFFFF01;  // true as well
 }
 
+/// The host's own classes are final: what comes through a table comes from the library.
 template <size_t number>
 uintptr_t Replacement(uintptr_t object, uintptr_t a, uintptr_t b, uintptr_t c, uintptr_t d, uintptr_t e, uintptr_t f,
                       uintptr_t g, uintptr_t h) {
+    std::unique_lock lock(g_lock);
+    const auto [class_, table] = g_objects[object];
+    if (!table) return 0;  // an object that does nothing
+    const auto original = reinterpret_cast<decltype(&Replacement<number>)>(table[number]);
+    if (!g_round) {
+        lock.unlock();
+        return original(object, a, b, c, d, e, f, g, h);
+    }
     const Arguments given = {object, a, b, c, d, e, f, g, h};
-    std::unique_lock lock(g_state.lock);
-    Class& class_ = g_state.classes.at(*reinterpret_cast<void**>(object));
-    const std::string_view name = class_.interface_->name;
-    const auto slot = class_.slots.find(number);
+    const Slot slot = SlotOf(class_, number);
+    const bool fails = g_round->calls.size() == g_round->number;
+    const auto [fault, onCall] = std::pair(g_round->fault, g_round->onCall);
+    g_round->calls.push_back(class_ + " " + std::to_string(number));
+    if (slot.Is("-") && given[slot.argument] != reinterpret_cast<uintptr_t>(HostCalls::Nothing())) {
+        const auto found = g_round->open.find(given[slot.argument]);
+        if (found == g_round->open.end())
+            ++g_round->givenBackInVain;
+        else
+            g_round->open.erase(found);
+    }
     lock.unlock();
-    void* const original = class_.replaced[number].Original();
-    const bool isEntry = name == "extension" || name == "properties";
-    if (isEntry && (number == 0 || number == 2)) Watch(a, "services");
-    if (name == "extension" && number == 7) Watch(a, "call");
-    if (name == "properties" && number == 4) Watch(a, "item");
-    if (isEntry || t_isInHost || !g_state.isArmed) return CallOn(!isEntry, original, given);
-    return OnCall(*class_.interface_, number, slot == class_.slots.end() ? Slot() : slot->second, original, given);
+    uintptr_t answer = fails && !slot.Is("-") ? 0 : original(object, a, b, c, d, e, f, g, h);
+    if (fails) return AnswerWrongly(fault, slot, given);
+    lock.lock();
+    if (answer != 0 && slot.Is("o+")) HostCalls::Watch(reinterpret_cast<void*>(answer));
+    if (answer != 0 && slot.Is("+") && g_round) g_round->open.insert(answer);
+    lock.unlock();
+    if (onCall) onCall(class_ + " " + std::to_string(number));
+    return answer;
 }
 
-template <size_t... numbers>
-constexpr auto ReplacementsOf(std::index_sequence<numbers...>) {
-    return std::array{&Replacement<numbers>...};
-}
-
-void Watch(uintptr_t object, const std::string& name) {
-    static constexpr auto kReplacements = ReplacementsOf(std::make_index_sequence<kInterfaces[0].slots>());
-    const auto interface_ = std::ranges::find(kInterfaces, name, &Interface::name);
-    if (object == 0 || interface_ == std::end(kInterfaces)) return;
-    const std::lock_guard lock(g_state.lock);
-    const auto [place, isNew] = g_state.classes.try_emplace(*reinterpret_cast<void**>(object));
-    if (!isNew) return;
-    Class& added = place->second;
-    added.interface_ = interface_;
-    std::istringstream answers(interface_->answers);
-    Slot slot;
-    for (size_t number = 0; answers >> number >> slot.kind >> slot.detail;) added.slots[number] = slot;
-    for (size_t number = 0; number < interface_->slots; ++number)
-        added.replaced.emplace_back(reinterpret_cast<void*>(object), number, kReplacements[number]);
+void** Replacements() {
+    static auto table = []<size_t... numbers>(std::index_sequence<numbers...>) {
+        return std::array{reinterpret_cast<void*>(Replacement<numbers>)...};
+    }
+    (std::make_index_sequence<149>());  // as many as the longest interface has
+    return table.data();
 }
 
 }  // namespace
 
-HostCalls::HostCalls(void* extension, uint32_t index) {
-    t_isInHost = true;
-    Watch(reinterpret_cast<uintptr_t>(extension), index == 1 ? "properties" : "extension");
-}
-
 HostCalls::~HostCalls() {
-    Disarm();
-    g_state.classes.clear();
+    Begin({});
 }
 
-void HostCalls::Arm(uint32_t number, HostFault fault) {
-    Disarm();
-    g_state.number = number;
-    g_state.fault = fault;
-    g_state.count = 0;
-    g_state.failed.clear();
-    g_state.open.clear();
-    g_state.endedTwice = 0;
-    g_state.isArmed = true;
+void* HostCalls::Nothing() {
+    static void** table = Replacements();
+    return &table;
 }
 
-void HostCalls::Arm(std::function<void(const std::string&)> onCall) {
-    Arm(0xFFFFFFFF, {});
-    g_state.onCall = std::move(onCall);
+void HostCalls::Watch(void* object) {
+    const std::lock_guard lock(g_lock);
+    void**& table = *static_cast<void***>(object);
+    if (table == Replacements()) return;
+    const std::string type = static_cast<const std::type_info*>(table[-1])->name();  // "N6QVHost8FileItemE"
+    const size_t name = type.find_last_of("0123456789") + 1;
+    g_objects[reinterpret_cast<uintptr_t>(object)] = {type.substr(name, type.size() - name - 1), table};
+    table = Replacements();
 }
 
-void HostCalls::Disarm() {
-    g_state.isArmed = false;
-    g_state.onCall = nullptr;
+void HostCalls::Walk(const std::function<void()>& act) {
+    Begin(Round());
+    act();
+    const std::vector<std::string> calls = g_round->calls;
+    EXPECT_GT(calls.size(), 5u);
+    std::set<std::string> known;
+    const bool isEvery = GetEnvironmentVariableW(L"QV_EVERY_FAULT", nullptr, 0) > 0;
+    for (size_t number = 0; number < calls.size(); ++number) {
+        const bool isFirst = known.insert(calls[number]).second;
+        for (const Fault fault : {Throws, GivesNothing, GivesNonsense, Refuses}) {
+            if (!isEvery && !isFirst && fault != number % 4) continue;
+            Begin(Round{number, fault});
+            act();
+            EXPECT_EQ(g_round->open.size() + g_round->givenBackInVain, 0u) << FailedCall();
+        }
+    }
+    Begin({});
 }
 
-uint32_t HostCalls::Count() const {
-    return g_state.count;
+size_t HostCalls::Count() {
+    const std::lock_guard lock(g_lock);
+    return g_round->calls.size();
 }
-std::string HostCalls::FailedCall() const {
-    return g_state.failed;
+
+std::string HostCalls::FailedCall() {
+    return g_round && g_round->number < g_round->calls.size() ? g_round->calls[g_round->number] : "";
 }
-size_t HostCalls::OpenObjects() const {
-    return g_state.open.size() + g_state.endedTwice;
+
+void HostCalls::Tell(std::function<void(const std::string&)> onCall) {
+    Begin(Round{.onCall = std::move(onCall)});
 }
 
 }  // namespace QVTest

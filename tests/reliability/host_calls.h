@@ -2,39 +2,37 @@
 // host, from the services to a document's element, and does with a chosen one what a faulty host would.
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <functional>
 #include <string>
 
 namespace QVTest {
 
-enum class HostFault : uint8_t {
-    Throws,        // in the place of an answer
-    AnswersZero,   // null, false, nothing
-    AnswersOddly,  // great numbers, true, texts without an end or with marks
-    Refuses,       // the error 1: true where a truth is asked for, since a bool holds 0 or 1
-};
-
-/// Watches while it lives, one object at a time, since the tables of the classes are changed.
+/// One watches at a time.
 class HostCalls {
 public:
-    /// For extensions of the class of this one, and all objects that they get to see. `index` made it, on this thread.
-    HostCalls(void* extension, uint32_t index);
+    /// The calls of the library on this object of the host, and on all that it is given by these.
+    explicit HostCalls(void* object) { Watch(object); }
     ~HostCalls();
     HostCalls(const HostCalls&) = delete;
     HostCalls& operator=(const HostCalls&) = delete;
+    /// The same for an object that is handed to the library.
+    static void Watch(void* object);
+    /// An object of any interface of the contract. It answers 0 in all slots.
+    static void* Nothing();
 
-    /// From now on calls are counted from 0, and the one with this number fails.
-    void Arm(uint32_t number, HostFault fault);
-    /// The same without a fault. `onCall` is told "INTERFACE SLOT" when the host has done its
-    /// part of a call, on the thread of the call.
-    void Arm(std::function<void(const std::string& call)> onCall);
-    void Disarm();
+    /// Does `act` undisturbed, and again for each of its calls, which throws, or gives null or false, or nonsense (an
+    /// object that does nothing, great numbers, true, texts without an end or with marks), or the error 1. The first
+    /// call of a slot goes wrong in all ways, a later one in one; all in all when QV_EVERY_FAULT is set. What the
+    /// library is given it has to give back each time, once.
+    static void Walk(const std::function<void()>& act);
+    /// "CLASS SLOT" of the call that has gone wrong; "" when none has.
+    static std::string FailedCall();
 
-    uint32_t Count() const;
-    std::string FailedCall() const;  // "INTERFACE SLOT"; "" when none failed
-    /// Objects handed out since Arm and not given back; one that was given back twice counts as well.
-    size_t OpenObjects() const;
+    /// From now on `onCall` is told "CLASS SLOT" when the host has done its part, on the thread of the call.
+    static void Tell(std::function<void(const std::string& call)> onCall);
+    /// Calls that have begun since.
+    static size_t Count();
 };
 
 }  // namespace QVTest
