@@ -50,7 +50,7 @@ template <class CharT>
 void ReadInBlocks(std::string_view bytes, uint32_t markSize, size_t blockSize, uint32_t chunkSize) {
     using Blocks = QVFindAndReplace::TextBlocks<CharT>;
     QVUtils::MemoryDataReader reader(bytes.data(), static_cast<uint32_t>(bytes.size()), false);
-    Blocks blocks(reader, markSize, blockSize, bytes.size(), chunkSize);
+    Blocks blocks(reader, markSize, blockSize, bytes.size(), Blocks::Cut::AfterLines, chunkSize);
     QVFindAndReplace::Lines<CharT> lines;
     auto style = QVUtils::LineBreak::None;
     TextWriter saved;

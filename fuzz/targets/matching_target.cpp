@@ -3,6 +3,9 @@
 
 #include <vector>
 
+#include "findreplace/passing_lines.h"
+#include "findreplace/passing_pairs.h"
+#include "findreplace/text_blocks.h"
 #include "fuzz/input.h"
 #include "win32/text.h"
 
@@ -124,9 +127,69 @@ bool SharesALetter(std::string_view left, std::string_view right) {
     });
 }
 
+class TextWriter final : public QVUtils::DataWriter {
+public:
+    uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* written) override {
+        text.append(static_cast<const char*>(buffer), size);
+        if (written) *written = size;
+        return 1;
+    }
+    std::string text;
+};
+
+template <class CharT>
+std::string Saved(const Lines<CharT>& lines, QVUtils::LineBreak style) {
+    TextWriter writer;
+    writer.SetLineBreak(QVUtils::LineBreakBytes<CharT>(style));
+    lines.Save(writer, style);
+    return writer.text;
+}
+
+/// What comes of a text that passes in blocks, before its breaks become alike.
+template <class CharT, class Passing>
+Text<CharT> PassedThrough(Passing& passing, std::basic_string_view<CharT> text, size_t blockSize, bool cutsLines,
+                          uint64_t& changes) {
+    using Blocks = TextBlocks<CharT>;
+    const auto size = static_cast<uint32_t>(text.size() * sizeof(CharT));
+    QVUtils::MemoryDataReader reader(text.data(), size, false);
+    Blocks blocks(reader, 0, blockSize, size, cutsLines ? Blocks::Cut::AnywhereInLongLines : Blocks::Cut::AfterLines,
+                  4);
+    Text<CharT> passed;
+    for (bool hasBlock = true; hasBlock;) {
+        typename Blocks::View block;
+        hasBlock = blocks.Next(block);
+        const Exact<CharT> exact(block);
+        passed += passing.Replace(exact.View(), cutsLines ? blocks.EndsLine() : blocks.IsAtEnd(), changes);
+        blocks.GiveBack(passing.GetLeft());
+    }
+    return passed;
+}
+
+/// Without a table of lines, in blocks, must come out what came out with one.
+template <class CharT>
+void ComparePassing(Request& request, QVUtils::EncodingKind kind, std::basic_string_view<CharT> text, size_t blockSize,
+                    const Lines<CharT>* lines, uint64_t expected) {
+    Text<CharT> passed;
+    uint64_t changes = 0;
+    if (auto pairs = PassingPairs<CharT>::Make(request, kind))
+        passed = PassedThrough<CharT>(*pairs, text, blockSize, true, changes);
+    else if (auto several = PassingLines<CharT>::Make(request, kind))
+        passed = PassedThrough<CharT>(*several, text, blockSize, false, changes);
+    else
+        return;
+    Require(lines, "what passes is never refused");
+    Require(changes == expected, "as many changes as with a table of lines");
+    auto style = QVUtils::LineBreak::None;
+    for (uint32_t line = lines->GetCount(); line-- > 0;)
+        if (lines->GetRecord(line).breakLength > 0) style = lines->GetRecord(line).lineBreak;
+    Lines<CharT> joined;
+    joined.Reset(passed);
+    Require(Saved(joined, style) == Saved(*lines, style), "the same text as with a table of lines");
+}
+
 template <class CharT>
 void Match(uint32_t options, const std::string& find, const std::string& replacement, const std::string& text,
-           const std::string& answers) {
+           const std::string& answers, size_t blockSize) {
     const auto wideFind = Widened<WideChar>(find);
     const auto wideReplacement = Widened<WideChar>(replacement);
     const Exact<CharT> document(Widened<CharT>(text));
@@ -137,7 +200,7 @@ void Match(uint32_t options, const std::string& find, const std::string& replace
     const bool isPlain = request.GetMode() != Mode::Multiline && isAscii && !request.FindFault() && answers.empty() &&
                          (find + replacement + text).find('\r') == std::string::npos;
     // Without the plain way nothing tells beforehand how often pairs that feed each other make a line longer.
-    if (!isPlain && SharesALetter(find, replacement)) return;
+    if (!isPlain && request.GetMode() != Mode::Multiline && SharesALetter(find, replacement)) return;
     auto lines = CutPlainly<CharT>(Text<CharT>(document.View()));
     uint32_t expected = 0;
     const bool ignoreCase = (options & Option::IgnoreCase) != 0;
@@ -160,6 +223,8 @@ void Match(uint32_t options, const std::string& find, const std::string& replace
     Answers callback(answers);
     try {
         const uint64_t changes = FindAndReplace(target, request, answers.empty() ? nullptr : &callback);
+        if (answers.empty())
+            ComparePassing(request, target.GetKind(), document.View(), blockSize, &target.GetLines(), changes);
         if (!isPlain) return;
         Require(changes == expected, "as many changes as the plain way");
         const uint32_t count = target.GetLines().GetCount();
@@ -168,6 +233,7 @@ void Match(uint32_t options, const std::string& find, const std::string& replace
             Require(target.GetLines().GetLine(line) == std::basic_string_view<CharT>(lines[line]), "the same text");
     } catch (const QVUtils::QVUtilsException&) {
         Require(!isPlain, "nothing plain is refused");
+        if (answers.empty()) ComparePassing<CharT>(request, target.GetKind(), document.View(), blockSize, nullptr, 0);
     }
 }
 
@@ -183,8 +249,9 @@ void RunMatching(Bytes bytes) {
     const std::string replacement = input.Text();
     const std::string answers = input.Text();
     const std::string text(input.Rest());
-    Match<char>(options, find, replacement, text, answers);
-    Match<WideChar>(options, find, replacement, text, answers);
+    const size_t blockSize = size_t{1} << shape / 16;
+    Match<char>(options, find, replacement, text, answers, blockSize);
+    Match<WideChar>(options, find, replacement, text, answers, blockSize);
 }
 
 }  // namespace QVFuzz

@@ -122,17 +122,12 @@ void Lines<CharT>::CopyFrom(uint32_t first, std::vector<CharT>& text) const {
 }
 
 template <class CharT>
-LineBreak Lines<CharT>::FindBreak() const {
-    const auto first = std::ranges::find_if(Records(), HasBreak<CharT>);
-    return first == Records().end() ? LineBreak::None : first->lineBreak;
-}
-
-template <class CharT>
 void Lines<CharT>::Save(QVUtils::DataWriter& writer, LineBreak& style, uint32_t end) const {
     const auto& records = Records();
     end = std::min(end, GetCount());
     if (style == LineBreak::None) {
-        style = FindBreak();
+        const auto first = std::ranges::find_if(records, HasBreak<CharT>);
+        if (first != records.end()) style = first->lineBreak;
         writer.SetLineBreak(QVUtils::LineBreakBytes<CharT>(style == LineBreak::None ? LineBreak::Lf : style));
     }
 

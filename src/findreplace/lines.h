@@ -94,9 +94,6 @@ public:
     /// @throws QVUtilsException what the writer throws
     void Save(QVUtils::DataWriter& writer, QVUtils::LineBreak& style, uint32_t end = kAllLines) const;
 
-    /// The break of the first line that has one; None when no line has.
-    QVUtils::LineBreak FindBreak() const;
-
     /// Appends the lines from `first` on to `text`, as they now stand, each with the break that it had. None of them
     /// may be removed or have lines added after it.
     void CopyFrom(uint32_t first, std::vector<CharT>& text) const;

@@ -39,19 +39,8 @@ public:
           m_ignoreCase((request.GetOptions() & Option::IgnoreCase) != 0) {}
 
     void Run() {
-        switch (m_mode) {
-            case Mode::None: Apply(m_items.wholeFind, m_items.wholeReplacement); break;
-            case Mode::One:
-                if (!m_items.find.empty()) Apply(m_items.find.front(), SharedReplacement());
-                break;
-            case Mode::Many:
-                for (size_t i = 0; i < m_items.find.size(); ++i) Apply(m_items.find[i], m_items.replacement[i]);
-                break;
-            case Mode::ManySame:
-                for (const Converted<CharT>& item : m_items.find) Apply(item, SharedReplacement());
-                break;
-            case Mode::Multiline: ApplyMultiline(); break;
-        }
+        if (m_mode == Mode::Multiline) return ApplyMultiline();
+        for (const auto& [item, replacement] : PairsOf(m_items, m_mode)) Apply(*item, *replacement);
     }
 
 private:
@@ -62,11 +51,6 @@ private:
         std::vector<Text> inserted;  // lines added after the line for each hit
         Text shown;                  // the replacement as a question shows it
     };
-
-    /// The first replacement item; the whole text, which then is empty, when there is none.
-    const Converted<CharT>& SharedReplacement() const {
-        return m_items.replacement.empty() ? m_items.wholeReplacement : m_items.replacement.front();
-    }
 
     // In single lines.
 

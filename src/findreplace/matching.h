@@ -23,6 +23,7 @@ public:
 
     uint64_t GetChangeCount() const noexcept { return m_changeCount; }
     void CountChange() noexcept { ++m_changeCount; }
+    void CountChanges(uint64_t changes) noexcept { m_changeCount += changes; }
 
     /// Set when the user wants no more questions for this document.
     bool ReplacesAll() const noexcept { return m_replacesAll; }

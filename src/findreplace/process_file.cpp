@@ -5,12 +5,13 @@
 #include <optional>
 
 #include "findreplace/matching.h"
+#include "findreplace/passing_lines.h"
+#include "findreplace/passing_pairs.h"
 #include "findreplace/text_blocks.h"
-#include "textio/replace_file.h"
+#include "findreplace/text_output.h"
 #include "textio/text_file.h"
 #include "textio/told_streams.h"
 #include "win32/code_page.h"
-#include "win32/files.h"
 
 namespace QVFindAndReplace {
 namespace {
@@ -48,43 +49,38 @@ public:
         m_notes.looksLikeUtf8 = m_isOn = Win32::IsValidUtf8(block);
     }
     void LookAt(std::wstring_view) {}
+    bool IsOn() const noexcept { return m_isOn; }
 
 private:
     FileNotes& m_notes;
     bool m_isOn;
 };
 
-QVUtils::ReplaceRequest ReplacementOf(const Job& job) {
-    const bool isSaveAs = (job.options & Option::SaveAs) != 0;
-    QVUtils::ReplaceRequest replace;
-    replace.target = job.target;
-    replace.mayOverwrite = isSaveAs && (job.options & Option::Overwrite) != 0;
-    replace.keepBackup = (job.options & Option::KeepBackup) != 0;
-    replace.dropBackup = (job.options & Option::DropBackup) != 0;
-    return replace;
-}
-
-/// Finds and replaces in one text, block by block. Nothing is written before there is a change, and then to a file of
-/// its own; so a failure at any place leaves everything as it was.
+/// Finds and replaces in one text, block by block.
 template <class CharT>
 class TextProcess {
 public:
     TextProcess(const Job& job, QVUtils::TextFile& file, EncodingKind kind)
-        : m_job(job), m_file(file), m_document(kind), m_replacement(ReplacementOf(job)), m_watch(job, kind) {}
+        : m_job(job),
+          m_file(file),
+          m_document(kind),
+          m_output({job.source, job.target, job.options, file, job.progress, job.request.GetMode() == Mode::Multiline}),
+          m_watch(job, kind) {}
 
     int64_t Run() {
-        // Whoever asks is shown lines by their number and their neighbours: that needs the whole text.
+        // A callback that asks shows lines by their number and their neighbours: that needs the whole text.
         const bool asksNobody = (m_job.options & (Option::ReplaceAll | Option::Silent)) != 0;
-        IFindAndReplaceCallback* const callback = asksNobody ? nullptr : &m_job.callback;
+        if (asksNobody) m_pairs = PassingPairs<CharT>::Make(m_job.request, m_document.GetKind());
+        if (asksNobody) m_passingLines = PassingLines<CharT>::Make(m_job.request, m_document.GetKind());
         QVUtils::ToldDataReader reader(m_file.GetReader(), m_file.GetSize(), m_job.progress);
         m_job.progress.BeginPart(100);
-        Blocks blocks(reader, MarkSize(), asksNobody ? Blocks::kBlockSize : Blocks::kWholeText, m_file.GetSize());
-        const bool isOverLines = asksNobody && m_job.request.GetMode() == Mode::Multiline;
-        const bool isDone = isOverLines ? ReplaceOverLines(blocks) : ReplaceInLines(blocks, callback);
+        Blocks blocks(reader, static_cast<uint32_t>(m_file.GetMarkSize()),
+                      asksNobody ? Blocks::kBlockSize : Blocks::kWholeText, m_file.GetSize(),
+                      m_pairs && !m_watch.IsOn() ? Blocks::Cut::AnywhereInLongLines : Blocks::Cut::AfterLines);
         // Cancelled while over several lines: nothing is saved, yet the file counts one change and the run goes on.
         // compatibility: 4
-        if (!isDone) return 1;
-        if (m_replacement.HasBegun()) Finish(blocks);
+        if (!Replace(blocks, asksNobody)) return 1;
+        if (m_output.HasBegun()) Finish(blocks);
         return static_cast<int64_t>(m_document.GetChangeCount());
     }
 
@@ -92,9 +88,34 @@ private:
     using Blocks = TextBlocks<CharT>;
     using View = typename Blocks::View;
 
-    uint32_t MarkSize() const { return static_cast<uint32_t>(m_file.GetMarkSize()); }
-
     /// False when cancelled.
+    bool Replace(Blocks& blocks, bool asksNobody) {
+        if (m_pairs) return ReplacePassing(blocks, *m_pairs, [&] { return blocks.EndsLine(); });
+        if (m_passingLines) return ReplacePassing(blocks, *m_passingLines, [&] { return blocks.IsAtEnd(); });
+        if (asksNobody && m_job.request.GetMode() == Mode::Multiline) return ReplaceOverLines(blocks);
+        return ReplaceInLines(blocks, asksNobody ? nullptr : &m_job.callback);
+    }
+
+    /// Without a table of lines.
+    template <class Passing, class Ends>
+    bool ReplacePassing(Blocks& blocks, Passing& passing, Ends&& ends) {
+        uint64_t unchanged = m_file.GetMarkSize();
+        for (bool hasBlock = true; hasBlock;) {
+            View block;
+            hasBlock = blocks.Next(block);
+            m_watch.LookAt(block);
+            uint64_t changes = 0;
+            const View text = passing.Replace(block, ends(), changes);
+            blocks.GiveBack(passing.GetLeft());
+            m_document.CountChanges(changes);
+            if (m_job.callback.IsCancelled()) return false;
+            if (m_document.GetChangeCount() > 0 && !m_output.HasBegun()) m_output.Begin(unchanged);
+            if (m_output.HasBegun()) m_output.Write(text, block);
+            unchanged += text.size() * sizeof(CharT);
+        }
+        return true;
+    }
+
     bool ReplaceInLines(Blocks& blocks, IFindAndReplaceCallback* callback) {
         View block;
         // An empty text has no block, yet a request that cannot work is told so.
@@ -104,14 +125,14 @@ private:
             m_document.GetLines().Reset(block);
             FindAndReplace(m_document, m_job.request, callback, nullptr, &m_job.progress);
             if (m_job.callback.IsCancelled()) return false;
-            if (m_document.GetChangeCount() > 0) Save(blocks, blocks.GetOffset());
+            Save(blocks.GetOffset());
             hasBlock = hasBlock && blocks.Next(block);
         } while (hasBlock);
         return true;
     }
 
     /// A match may go from one block to the next, so the lines at a block's end in which one could still begin are done
-    /// with the next block. False when cancelled.
+    /// with the next block.
     bool ReplaceOverLines(Blocks& blocks) {
         std::vector<CharT> text;
         std::vector<CharT> carried;
@@ -129,7 +150,7 @@ private:
             lines.Reset(View(text.data(), text.size()));
             FindAndReplace<CharT>(m_document, m_job.request, nullptr, &position, &m_job.progress);
             if (m_job.callback.IsCancelled()) return false;
-            if (m_document.GetChangeCount() > 0) Save(blocks, offset, position.line);
+            Save(offset, position.line);
             carried.clear();
             if (position.line != SearchPosition::kAllLines) lines.CopyFrom(position.line, carried);
         }
@@ -137,55 +158,14 @@ private:
     }
 
     /// `offset`: bytes of the file before the lines that are held.
-    void Save(const Blocks& blocks, uint64_t offset, uint32_t end = Lines<CharT>::kAllLines) {
-        if (!m_replacement.HasBegun()) Begin(blocks, offset);
-        if (m_style == QVUtils::LineBreak::None) LookAheadForBreak(blocks);
-        m_document.GetLines().Save(*m_writer, m_style, end);
-    }
-
-    /// Lines may have to be added before the first break of the file is read, and get that break.
-    void LookAheadForBreak(const Blocks& blocks) {
-        if (m_hasLookedAhead || m_job.request.GetMode() != Mode::Multiline) return;
-        if (m_document.GetLines().FindBreak() != QVUtils::LineBreak::None) return;
-        m_hasLookedAhead = true;
-        QVUtils::FileDataReader file(m_job.source);
-        Blocks all(file, MarkSize(), Blocks::kBlockSize, file.GetFileSize());
-        Lines<CharT> lines;
-        for (View block; m_style == QVUtils::LineBreak::None && all.Next(block);) {
-            m_job.progress.KeepAlive();
-            if (all.GetOffset() < blocks.GetOffset()) continue;
-            lines.Reset(block);
-            m_style = lines.FindBreak();
-        }
-        m_writer->SetLineBreak(
-            QVUtils::LineBreakBytes<CharT>(m_style == QVUtils::LineBreak::None ? QVUtils::LineBreak::Lf : m_style));
-    }
-
-    /// Opens what is written to, and writes what lies before the first block with a change.
-    void Begin(const Blocks& blocks, uint64_t offset) {
-        const bool isSaveAs = (m_job.options & Option::SaveAs) != 0;
-        if (isSaveAs && !(m_job.options & Option::Overwrite) && Win32::Exists(m_job.target))
-            throw QVUtilsException(ErrorCode::FileExists, "Target file already exists");
-        m_replacement.Begin(QVUtils::OriginalOf(m_file.GetFile(), m_job.source, m_job.target));
-        m_writer.emplace(m_replacement.GetWriter(), m_job.progress);
-        QVUtils::WriteAll(*m_writer, blocks.GetMark().data(), blocks.GetMark().size());
-        if (offset == 0) return;
-        QVUtils::FileDataReader file(m_job.source);
-        QVUtils::LimitedDataReader reader(file, offset);
-        Blocks again(reader, MarkSize(), Blocks::kBlockSize, offset);
-        Lines<CharT> lines;
-        for (View block; again.Next(block);) {
-            lines.Reset(block);
-            lines.Save(*m_writer, m_style);
-        }
-        if (reader.GetLeft() > 0)
-            throw QVUtilsException(ErrorCode::ReadFault, "The file was changed while it was read");
+    void Save(uint64_t offset, uint32_t end = Lines<CharT>::kAllLines) {
+        if (m_document.GetChangeCount() == 0) return;
+        if (!m_output.HasBegun()) m_output.Begin(std::max<uint64_t>(offset, m_file.GetMarkSize()));
+        m_output.Write(m_document.GetLines(), end);
     }
 
     void Finish(const Blocks& blocks) {
-        QVUtils::WriteAll(*m_writer, blocks.GetHalfUnit().data(), blocks.GetHalfUnit().size());
-        m_file.Close();
-        const uint32_t backupError = m_replacement.Commit();
+        const uint32_t backupError = m_output.Finish(blocks);
         if (backupError != 0)
             m_job.callback.ReportErrorA("Unable to delete the backup (.bak) of the file", backupError);
     }
@@ -193,10 +173,9 @@ private:
     const Job& m_job;
     QVUtils::TextFile& m_file;
     TextDocumentT<CharT> m_document;
-    QVUtils::FileReplacement m_replacement;
-    std::optional<QVUtils::ToldDataWriter> m_writer;
-    QVUtils::LineBreak m_style = QVUtils::LineBreak::None;
-    bool m_hasLookedAhead = false;
+    std::optional<PassingPairs<CharT>> m_pairs;
+    std::optional<PassingLines<CharT>> m_passingLines;
+    TextOutput<CharT> m_output;
     Utf8Watch m_watch;
 };
 

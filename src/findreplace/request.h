@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "textio/byte_search.h"
@@ -87,6 +88,25 @@ struct Items {
     Converted<CharT> wholeFind;
     Converted<CharT> wholeReplacement;
 };
+
+/// An item, and what takes its place.
+template <class CharT>
+using ItemPair = std::pair<const Converted<CharT>*, const Converted<CharT>*>;
+
+/// What a request looks for in single lines, in the order in which it is applied. Of Mode::Multiline the first find item
+/// by the first replacement item. Where there is no replacement item the whole text, which then is empty, is one.
+template <class CharT>
+std::vector<ItemPair<CharT>> PairsOf(const Items<CharT>& items, Mode mode) {
+    const Converted<CharT>* const shared =
+        items.replacement.empty() ? &items.wholeReplacement : &items.replacement.front();
+    std::vector<ItemPair<CharT>> pairs;
+    if (mode == Mode::None) return {{&items.wholeFind, &items.wholeReplacement}};
+    for (size_t i = 0; i < items.find.size(); ++i) {
+        pairs.emplace_back(&items.find[i], mode == Mode::Many ? &items.replacement[i] : shared);
+        if (mode == Mode::One || mode == Mode::Multiline) break;
+    }
+    return pairs;
+}
 
 /// Converts to the thread's code page (EncodingKind::CodePage) or to UTF-8. An argument, so that the engine needs no
 /// system call.

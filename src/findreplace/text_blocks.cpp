@@ -11,10 +11,11 @@ namespace QVFindAndReplace {
 
 template <class CharT>
 TextBlocks<CharT>::TextBlocks(QVUtils::DataReader& reader, uint32_t markSize, size_t blockSize, uint64_t expectedSize,
-                              uint32_t chunkSize)
+                              Cut cut, uint32_t chunkSize)
     : m_reader(reader),
       m_chunkSize(chunkSize),
       m_expectedSize(static_cast<size_t>(expectedSize)),
+      m_cut(cut),
       m_markSize(markSize),
       m_blockSize(blockSize) {
     if (blockSize == kWholeText) QVUtils::RefuseOversizedText(expectedSize);
@@ -31,13 +32,16 @@ bool TextBlocks<CharT>::Next(View& block) {
         m_offset += m_begin;
         m_begin = 0;
     }
-    size_t wanted = m_blockSize;
+    // Twice what was given back: it must not come back for ever.
+    size_t wanted = std::max(m_blockSize, 2 * m_end);
     size_t searched = 0;  // no line ends before here
     const uint8_t* blockEnd = nullptr;
     while (!blockEnd) {
         while (m_end < wanted && Fill()) {
         }
         blockEnd = m_isAtEnd ? m_buffer.get() + m_end : EndOfLastLine(searched);
+        m_endsLine = blockEnd != nullptr;
+        if (!blockEnd && m_cut == Cut::AnywhereInLongLines) blockEnd = EndInLine();
         searched = m_end;
         wanted = 2 * m_end;  // for a line longer than the block
     }
@@ -88,10 +92,26 @@ const uint8_t* TextBlocks<CharT>::EndOfLastLine(size_t searched) const {
     const size_t known = searched > m_markSize + 2 * sizeof(CharT) ? searched - m_markSize - 2 * sizeof(CharT) : 0;
     const CharT* const stop = begin + known / sizeof(CharT);
     if (at != begin && at[-1] == CharT('\r')) --at;
-    // A line longer than a block mostly goes on, and that is seen much faster looking forward.
-    if (searched > 0 && QVUtils::FindLineBreak(stop, at) == at) return nullptr;
+    // That a line goes on is seen much faster looking forward, and where lines are short that is a short look.
+    if (QVUtils::FindLineBreak(stop, at) == at) return nullptr;
     while (at != stop && at[-1] != CharT('\n') && at[-1] != CharT('\r')) --at;
     return at == stop ? nullptr : reinterpret_cast<const uint8_t*>(at);
+}
+
+/// Where a block can end that has no break: not inside of a unit, nor of a UTF-8 character, nor after a CR, which may
+/// be half of a break. Null when nothing would be left.
+template <class CharT>
+const uint8_t* TextBlocks<CharT>::EndInLine() const {
+    const size_t begin = std::min(m_markSize, m_end);
+    size_t size = m_end - (m_end - begin) % sizeof(CharT);
+    const auto last = [&] { return reinterpret_cast<const CharT*>(m_buffer.get() + size)[-1]; };
+    if (size > begin && last() == CharT('\r')) size -= sizeof(CharT);
+    if constexpr (sizeof(CharT) == 1) {
+        const size_t least = size > begin + kMostUnits ? size - kMostUnits : begin;
+        while (size > least && (last() & 0xC0) == 0x80) --size;
+        if (size > least && (last() & 0x80) != 0) --size;
+    }
+    return size > begin ? m_buffer.get() + size : nullptr;
 }
 
 template class TextBlocks<char>;

@@ -111,6 +111,25 @@ const CharT* FindLineBreak(const CharT* begin, const CharT* end) {
 }
 
 template <class CharT>
+bool HasOnlyCrLf(const CharT* begin, const CharT* end) {
+    const CharT* at = begin;
+#ifdef __SSE2__
+    using B = Block<CharT>;
+    const __m128i cr = B::Fill(CharT('\r'));
+    const __m128i lf = B::Fill(CharT('\n'));
+    // Each place is looked at together with the one before it, so a pair is seen wherever it lies.
+    if (begin != end && *begin == CharT('\n')) return false;
+    for (; static_cast<size_t>(end - at) > B::kUnits; at += B::kUnits)
+        if (B::Mask(B::Equal(B::Load(at), cr)) != B::Mask(B::Equal(B::Load(at + 1), lf))) return false;
+#endif
+    for (; at != end; ++at) {
+        const bool isCr = *at == CharT('\r');
+        if (isCr != (at + 1 != end && at[1] == CharT('\n'))) return false;
+    }
+    return begin == end || *begin != CharT('\n');
+}
+
+template <class CharT>
 const CharT* FindUnit(const CharT* begin, const CharT* end, CharT unit) {
 #ifdef __SSE2__
     using B = Block<CharT>;
@@ -249,6 +268,7 @@ const CharT* SequenceFinder<CharT>::FindLastBy(const CharT* begin, const CharT* 
     template class SequenceFinder<CharT>;                            \
     template const CaseFolding<CharT>& PlainCaseFolding();           \
     template const CharT* FindLineBreak(const CharT*, const CharT*); \
+    template bool HasOnlyCrLf(const CharT*, const CharT*);           \
     template const CharT* FindUnit(const CharT*, const CharT*, CharT);
 QV_INSTANTIATE(char)
 #ifdef _WIN32

@@ -43,6 +43,10 @@ const CaseFolding<CharT>& PlainCaseFolding();
 template <class CharT>
 const CharT* FindLineBreak(const CharT* begin, const CharT* end);
 
+/// Is every CR followed by a LF, and every LF preceded by a CR?
+template <class CharT>
+bool HasOnlyCrLf(const CharT* begin, const CharT* end);
+
 /// The first unit equal to `unit`.
 template <class CharT>
 const CharT* FindUnit(const CharT* begin, const CharT* end, CharT unit);

@@ -78,7 +78,20 @@ TEST(Matching, InEverySmallTextIsThePlainOne) {
                                        "Aab",
                                        "a\nb\x1E"
                                        "b\nab"})
-            for (const int shape : {1, 9}) RunTarget(QVFuzz::RunMatching, {shape}, pair + "\x1E\x1E" + text);
+            for (const int shape : {1, 9, 1 + 32}) RunTarget(QVFuzz::RunMatching, {shape}, pair + "\x1E\x1E" + text);
+    for (const std::string& text : SmallTexts("ab\r\n"))
+        for (const std::string pair : {"a\nb\x1E"
+                                       "b\na",
+                                       "b\n\x1E"
+                                       "\nb\n",
+                                       "a\n\nb\x1E"
+                                       "b",
+                                       "ab\x1E"
+                                       "",
+                                       "a\nab\x1E"
+                                       "bba\n"
+                                       "b"})
+            for (const int shape : {4, 4 + 32}) RunTarget(QVFuzz::RunMatching, {shape}, pair + "\x1E\x1E" + text);
     for (const std::string& text : SmallTexts(std::string("a\0\nb", 4)))
         for (int shape = 0; shape < 4; ++shape)
             RunTarget(QVFuzz::RunMatching, {shape},
