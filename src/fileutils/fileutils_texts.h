@@ -122,6 +122,29 @@ inline constexpr TextId ModeMany = 512_d;
 inline constexpr TextId ModeManySame = 513_d;
 inline constexpr TextId ModeMultiline = 514_d;
 
+// What the line beside the buttons of find and replace says.
+inline constexpr TextId OneMatch = 530_d;
+inline constexpr TextId Matches = 531_d;         // one argument: how many
+inline constexpr TextId AtLeast = 532_d;         // one argument: one of the two above
+inline constexpr TextId MatchesInFile = 533_d;   // one argument: the same
+inline constexpr TextId MatchesInFiles = 534_d;  // three arguments: the same, files with matches, all files
+inline constexpr TextId NoMatch = 535_d;
+inline constexpr TextId OneFails = 536_d;      // two arguments: 1, why
+inline constexpr TextId SeveralFail = 537_d;   // two arguments: how many, why the first does
+inline constexpr TextId OneIsNotText = 538_d;  // one argument here and below: how many files
+inline constexpr TextId SeveralAreNotText = 539_d;
+inline constexpr TextId OneHoldsUtf8 = 540_d;
+inline constexpr TextId SeveralHoldUtf8 = 541_d;
+inline constexpr TextId LoneBreaksInOne = 542_d;
+inline constexpr TextId LoneBreaksInSeveral = 543_d;
+inline constexpr TextId MixedBreaksInOne = 544_d;
+inline constexpr TextId MixedBreaksInSeveral = 545_d;
+inline constexpr TextId CaseCountsInPlain = 546_d;  // no arguments from here on
+inline constexpr TextId CaseOfAsciiAlone = 547_d;
+inline constexpr TextId FirstLinesAlone = 548_d;
+inline constexpr TextId FirstReplacementAlone = 549_d;
+inline constexpr TextId NoWildcardsOverLines = 550_d;
+
 // Runs over files.
 inline constexpr TextId FindReplaceTitle = 521_d;
 inline constexpr TextId FindReplaceOverwrite = 522_d;  // one argument: the path of the target
@@ -147,7 +170,10 @@ inline constexpr TextId kAll[] = {
     AccessRights, GrantPermissions, AccessNote, ReadAndExecute, ReadWriteAndExecute, Modify, AllRights,
     ResetAccessTitle, ResetAccessQuestion, Cancel, AccessDeniedTitle, FailureTitle, AccessDenied, GrantAccessFailed,
     ResetAccessFailed, TakeOwnershipFailed, SortSaveAs, WriteAndKeepBackup, WriteAndDeleteBackup, SortAsText,
-    SortAsNumber, SortAsDate, SaveAs, ModeOne, ModeMany, ModeManySame, ModeMultiline, FindReplaceTitle,
+    SortAsNumber, SortAsDate, SaveAs, ModeOne, ModeMany, ModeManySame, ModeMultiline, OneMatch, Matches, AtLeast,
+    MatchesInFile, MatchesInFiles, NoMatch, OneFails, SeveralFail, OneIsNotText, SeveralAreNotText, OneHoldsUtf8,
+    SeveralHoldUtf8, LoneBreaksInOne, LoneBreaksInSeveral, MixedBreaksInOne, MixedBreaksInSeveral, CaseCountsInPlain,
+    CaseOfAsciiAlone, FirstLinesAlone, FirstReplacementAlone, NoWildcardsOverLines, FindReplaceTitle,
     FindReplaceOverwrite, FindReplaceDoneOne, FindReplaceDoneMany, SortTitle, SortDone, SortOverwrite, SortFailed};
 // clang-format on
 

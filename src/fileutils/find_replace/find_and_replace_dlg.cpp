@@ -3,9 +3,6 @@
 #include "fileutils/fileutils_resource.h"
 #include "fileutils/fileutils_texts.h"
 #include "fileutils/target_pattern.h"
-#include "findreplace/request.h"
-#include "findreplace/wildcard.h"
-#include "win32/code_page.h"
 #include "win32/window_text.h"
 
 namespace FileUtils {
@@ -15,7 +12,6 @@ using namespace Ui;
 
 using namespace Quorvane::SDK;
 namespace Option = QVFindAndReplace::Option;
-using QVFindAndReplace::Mode;
 
 constexpr ListEntry kTargets[] = {
     {Text::SaveAs, Option::SaveAs},
@@ -28,6 +24,10 @@ constexpr ListEntry kModes[] = {
     {Text::ModeManySame, Option::ModeManySame},
     {Text::ModeMultiline, Option::ModeMultiline},
 };
+
+constexpr UINT kCountReady = WM_APP + 1;
+constexpr UINT_PTR kCountTimer = 1;
+constexpr UINT kCountPause = 300;  // milliseconds without a change
 
 // Keeps the extension, lies beside the original, and cannot be the original itself.
 constexpr wchar_t kProposal[] = L"*_new.*";
@@ -66,37 +66,7 @@ constexpr Anchor kAnchors[] = {
     {IDCANCEL, 100, 100, 100, 100},
 };
 
-/// The wildcards of a request that cannot be read. Multiline looks for plain text whatever the box says.
-std::wstring FindWildcardFault(const FindAndReplaceRequest& request) {
-    const Mode mode = QVFindAndReplace::ModeOf(request.options);
-    if (!(request.options & Option::Wildcard) || mode == Mode::Multiline) return {};
-    std::vector<std::wstring> patterns = QVFindAndReplace::SplitItems(request.find);
-    if (mode == Mode::One && patterns.size() > 1) patterns.resize(1);
-    for (const std::wstring& pattern : patterns) {
-        try {
-            QVFindAndReplace::MakeWildcardMatcher(pattern, (request.options & Option::IgnoreCase) != 0);
-        } catch (const std::regex_error&) {
-            return L"This wildcard cannot be read (braces hold a count, as in x{2}): " + pattern;
-        }
-    }
-    return {};
-}
-
 }  // namespace
-
-std::wstring WhyNotStart(const FindAndReplaceRequest& request) {
-    // The engine's own messages: what the dialog says beforehand is what a run would fail with.
-    if (const char* const fault =
-            QVFindAndReplace::Request(request.options, request.find, request.replacement, {}).FindFault())
-        return Win32::FromCodePage(fault, Win32::kUtf8CodePage);
-    // A run in the mode One that looks for nothing does nothing, and says nothing about it. Here it can be said.
-    const std::vector<std::wstring> items = QVFindAndReplace::SplitItems(request.find);
-    if (QVFindAndReplace::ModeOf(request.options) == Mode::One && (items.empty() || items.front().empty()))
-        return L"There is no text to find in the first line.";
-    std::wstring reason = FindWildcardFault(request);
-    if (reason.empty() && TakesFileName(request.options)) reason = WhyNotAFileName(request.targetPattern);
-    return reason;
-}
 
 FindAndReplaceDlg::FindAndReplaceDlg(HostTexts texts, std::vector<std::wstring> files, FindAndReplaceRequest request)
     : Dialog(IDD_FIND_AND_REPLACE),
@@ -109,6 +79,7 @@ std::optional<FindAndReplaceRequest> FindAndReplaceDlg::Show(HWND owner) {
 }
 
 bool FindAndReplaceDlg::OnInit() {
+    m_count.emplace(m_files, GetWindow(), kCountReady);
     MakeResizable(kAnchors);
     FillList(Item(IDC_FILES), m_files);
     // A target must be one: without any the files would be written over with no backup.
@@ -129,7 +100,7 @@ bool FindAndReplaceDlg::OnInit() {
 bool FindAndReplaceDlg::OnCommand(int id, int notification) {
     if (id == IDOK) {
         FindAndReplaceRequest request = FromControls();
-        if (!WhyNotStart(request).empty()) return true;
+        if (!WhyNotStart(request, m_files).empty()) return true;
         m_request = std::move(request);
         End(IDOK);
         return true;
@@ -138,6 +109,19 @@ bool FindAndReplaceDlg::OnCommand(int id, int notification) {
     if (notification != BN_CLICKED && notification != CBN_SELCHANGE && notification != EN_CHANGE) return false;
     if (id == IDCANCEL || id == IDC_FILES) return false;
     Refresh();
+    return true;
+}
+
+bool FindAndReplaceDlg::OnMessage(UINT message, WPARAM wParam, LPARAM) {
+    if (message == WM_DESTROY) m_count.reset();
+    if (!m_count) return false;
+    if (message == WM_TIMER && wParam == kCountTimer) {
+        KillTimer(GetWindow(), kCountTimer);
+        m_count->Begin(FromControls());
+        return true;
+    }
+    if (message != kCountReady) return false;
+    if (const auto count = m_count->Take()) ShowCount(*count);
     return true;
 }
 
@@ -158,9 +142,22 @@ void FindAndReplaceDlg::ProposeFileName() {
 void FindAndReplaceDlg::Refresh() {
     const FindAndReplaceRequest request = FromControls();
     EnableWithLabel(Item(IDC_FILE_NAME), TakesFileName(request.options));
-    const std::wstring reason = WhyNotStart(request);
-    SetTextOf(Item(IDC_REASON), reason);
+    const std::wstring reason = WhyNotStart(request, m_files);
+    SetTextOf(Item(IDC_REASON), reason.empty() ? DescribeUnused(m_texts, request) : reason);
     EnableWindow(Item(IDOK), reason.empty());
+    m_count->Cancel();
+    if (reason.empty())
+        SetTimer(GetWindow(), kCountTimer, kCountPause, nullptr);
+    else
+        KillTimer(GetWindow(), kCountTimer);
+}
+
+void FindAndReplaceDlg::ShowCount(const CountSummary& count) {
+    const FindAndReplaceRequest request = FromControls();
+    const std::wstring unused = DescribeUnused(m_texts, request);
+    std::wstring line = DescribeCount(m_texts, request, m_files.size(), count);
+    if (!unused.empty()) line += L' ' + unused;
+    SetTextOf(Item(IDC_REASON), line);
 }
 
 }  // namespace FileUtils

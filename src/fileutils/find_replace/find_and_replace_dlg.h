@@ -6,34 +6,20 @@
 #include <string>
 #include <vector>
 
-#include "findreplace/request.h"
+#include "fileutils/find_replace/find_replace_form.h"
+#include "fileutils/find_replace/live_count.h"
 #include "ui/controls.h"
 #include "ui/dialog.h"
 
 namespace FileUtils {
 
-struct FindAndReplaceRequest {
-    std::wstring find;
-    std::wstring replacement;
-    uint32_t options = 0;        // QVFindAndReplace::Option
-    std::wstring targetPattern;  // of "Save as"
-};
-
 /// The longest find or replacement text in UTF-16 units: the settings give back no longer one.
 inline constexpr uint32_t kLongestFindText = 4095;
 
-/// Why this request cannot be started, for people to read; "" when it can.
-std::wstring WhyNotStart(const FindAndReplaceRequest& request);
-
-/// "Save as" alone writes to a file of another name.
-constexpr bool TakesFileName(uint32_t options) {
-    return (options & QVFindAndReplace::Option::SaveAs) != 0;
-}
-
 class FindAndReplaceDlg final : private Ui::Dialog {
 public:
-    /// `files`: full paths, for show. The first shown state is `request`; where its options name no target or no mode,
-    /// that is a backup that is kept, and the mode One.
+    /// `files`: full paths, to be shown, and looked into for the count. The first shown state is `request`; where its
+    /// options name no target or no mode, that is a backup that is kept, and the mode One.
     FindAndReplaceDlg(Ui::HostTexts texts, std::vector<std::wstring> files, FindAndReplaceRequest request);
 
     /// The request as it stands when the user presses Start; nothing when the user cancels.
@@ -42,14 +28,18 @@ public:
 private:
     bool OnInit() override;
     bool OnCommand(int id, int notification) override;
+    bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     FindAndReplaceRequest FromControls() const;
     void ProposeFileName();
-    /// What follows from the state of the controls: what is enabled, and the reason line.
+    /// What follows from the state of the controls: what is enabled, and the reason line. Where the request can be
+    /// started, what it would do is counted once nothing was changed for a moment.
     void Refresh();
+    void ShowCount(const CountSummary& count);
 
     Ui::HostTexts m_texts;
     std::vector<std::wstring> m_files;
     FindAndReplaceRequest m_request;
+    std::optional<LiveCount> m_count;  // while the window is there
 };
 
 }  // namespace FileUtils

@@ -15,7 +15,6 @@
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
 #include "textio/qvutils_exception.h"
-#include "win32/code_page.h"
 
 namespace FileUtils {
 namespace {
@@ -70,11 +69,6 @@ uint32_t OptionsOf(ICustomCommandCall& call) {
     else
         options |= call.HasParameter(Parameter::Delete) ? Option::DropBackup : Option::SaveAs;
     return options;
-}
-
-QVFindAndReplace::Converted<char> ToNarrow(const std::wstring& text, QVUtils::EncodingKind kind) {
-    const bool isUtf8 = kind == QVUtils::EncodingKind::Utf8;
-    return Win32::ToCodePage(text, isUtf8 ? Win32::kUtf8CodePage : Win32::kThreadCodePage);
 }
 
 /// One request, applied file by file.
@@ -204,7 +198,7 @@ CallResult RunFindAndReplaceCommand(IHostServices& host, ICustomCommandCall& cal
     const Owned<IFileList> list(host.CreateFileList());
     if (!list || !list->AddItem(item.get())) return {false, ErrorCode::OutOfMemory};
 
-    QVFindAndReplace::Request request(OptionsOf(call), find, replacement, ToNarrow);
+    QVFindAndReplace::Request request = EngineRequest(OptionsOf(call), find, replacement);
     if (call.HasParameter(Parameter::Preview)) return PreviewFile(host, PathOf(*item), request);
     // A host without a main window is driven by a script or from a command line: a window of ours would wait there for
     // a user who may not exist. Such a host asks in its own way, or answers by itself.
@@ -235,7 +229,7 @@ uint32_t RunFindAndReplaceDialog(IHostServices& host, uint32_t) {
     if (!chosen) return 1;
     SaveSettings(host.GetSettings(), *chosen);
 
-    QVFindAndReplace::Request request(chosen->options, chosen->find, chosen->replacement, ToNarrow);
+    QVFindAndReplace::Request request = EngineRequest(chosen->options, chosen->find, chosen->replacement);
     // The user who pressed Start sits in front of the screen, so the matches are shown there even by a host without a
     // window.
     ConfirmReplaceDlg confirmation(host.GetMainWindow());
