@@ -46,6 +46,7 @@ public:
         const auto count = static_cast<uint32_t>(items.size());
         if (m_run.showsProgress) m_progress.reset(m_host.OpenProgress(m_title.c_str(), count));
         for (uint32_t index = 0; index < count && !m_result.isCancelled; ++index) ProcessItem(*items[index], index);
+        MakeWay();
         if (!m_result.isCancelled) Report();
         return m_result;
     }
@@ -90,6 +91,7 @@ private:
     TargetAnswer AskForTarget(const std::wstring& target) {
         if (!m_run.saveAs || m_mayOverwrite || !Win32::Exists(target)) return TargetAnswer::Write;
         if (m_run.isSilent) return TargetAnswer::Skip;
+        MakeWay();
         const std::wstring question = FormatText(HostText(m_host, m_run.overwriteQuestion), {target});
         switch (m_host.MessageBox(question.c_str(), m_title.c_str(), MB_YESNOCANCEL | MB_ICONQUESTION)) {
             case IDYES: m_mayOverwrite = true; return TargetAnswer::Write;
@@ -106,6 +108,10 @@ private:
             case FileResult::Failed: Count(m_result.failed, MarkKind::Failed, item); break;
             case FileResult::Cancelled: m_result.isCancelled = true; break;
         }
+    }
+
+    void MakeWay() {
+        if (m_run.makeWay) m_run.makeWay();
     }
 
     bool GoesOn(const std::wstring& path, uint32_t index, uint32_t percent) {

@@ -58,6 +58,7 @@ struct FileRun {
     std::vector<FileMark> marks;
 
     std::function<FileResult(const FileTask&)> process;
+    std::function<void()> makeWay;                       // the run is to show something, or is over; may be empty
     std::function<void(const FileTask&)> tellBadTarget;  // the target's name is not one that a file may have: failed
     std::function<void(const FileTask&)> tellSkipped;
     std::function<RunSummary(const FileRunResult&)> summary;

@@ -70,6 +70,7 @@
 #define IDC_ANSWER_REPLACE_ALL      1210
 #define IDC_ANSWER_FIND_NEXT        1211
 #define IDC_SWITCH_UTF8             1212
+#define IDC_ANSWER_SKIP_FILE        1213
 
 #define IDD_SORT_LINES 102
 

@@ -1,5 +1,7 @@
 #include "fileutils/find_replace/confirm_replace_dlg.h"
 
+#include <atomic>
+
 #include <gtest/gtest.h>
 
 #include "fileutils/fileutils_resource.h"
@@ -69,50 +71,104 @@ TEST(MatchView, CutsLongLinesAroundTheMatchAndNotAtIt) {
     EXPECT_EQ(MatchIn(FileUtils::ViewOf(cut, true)), L"");
 }
 
-/// One dialog asks about three matches; the person looks, changes the reading, moves it, and answers.
-TEST(ConfirmReplaceDlg, ShowsEachMatchWhereItWasAndTakesEachAnswer) {
-    FileUtils::ConfirmReplaceDlg dialog(nullptr);
-    const auto ask = [&](const ConfirmQuestion& question, const std::function<void(const DrivenDialog&)>& person) {
-        uint32_t answer = 0;
-        QVTest::WhileShown(L"Confirm Replace", person, [&] { answer = dialog.Ask(question); });
-        return answer;
-    };
-    RECT moved = {};
+/// As if pressed on the keyboard, while the window has the focus.
+void Type(const DrivenDialog& shown, UINT message, WPARAM key) {
+    PostMessageW(shown.Control(shown.Focus()), message, key, message == WM_SYSCHAR ? 1 << 29 : 1);
+}
+
+/// One window asks about each match; the person looks, changes the reading, moves it, and answers.
+TEST(ConfirmReplaceDlg, IsOneWindowForARunAndTakesEachAnswer) {
+    const HWND panel =
+        CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPED, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    FileUtils::ConfirmReplaceDlg dialog(panel);
     const ConfirmQuestion plain = Question(L"one\r\nthe ", L"match", L" here");
-    EXPECT_EQ(ask(plain,
-                  [&](const DrivenDialog& shown) {
-                      EXPECT_EQ(shown.Text(IDC_MATCH_FILE), L"C:\\letters\\order.txt");
-                      EXPECT_EQ(shown.Text(IDC_MATCH_CONTEXT_LABEL), L"&Match in line 12:");
-                      EXPECT_EQ(shown.Text(IDC_MATCH_CONTEXT), L"one\r\nthe match here");
-                      EXPECT_EQ(shown.Text(IDC_MATCH_REPLACEMENT), L"new");
-                      const HWND context = shown.Control(IDC_MATCH_CONTEXT);
-                      EXPECT_EQ(SendMessageW(context, EM_GETSEL, 0, 0), MAKELRESULT(9, 14));
-                      EXPECT_TRUE(GetWindowLongW(context, GWL_STYLE) & ES_NOHIDESEL);
-                      EXPECT_FALSE(shown.IsEnabled(IDC_SWITCH_UTF8)) << "UTF-16 reads in one way only";
-                      EXPECT_EQ(shown.Focus(), IDOK);
-                      GetWindowRect(shown.Window(), &moved);
-                      OffsetRect(&moved, -40, -30);
-                      SetWindowPos(shown.Window(), nullptr, moved.left, moved.top, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
-                      shown.PressAndClose(IDOK);
-                  }),
-              Answer::Replace);
-    EXPECT_EQ(ask(NarrowQuestion(),
-                  [&](const DrivenDialog& shown) {
-                      RECT now = {};
-                      GetWindowRect(shown.Window(), &now);
-                      EXPECT_TRUE(EqualRect(&now, &moved));
-                      const auto expectReading = [&](const std::wstring& word) {
-                          EXPECT_EQ(shown.Text(IDC_MATCH_CONTEXT), word + L" " + word + L"!");
-                          EXPECT_EQ(shown.Text(IDC_MATCH_REPLACEMENT), word);
-                          shown.Press(IDC_SWITCH_UTF8);
-                      };
-                      for (const wchar_t* word : {kWord, kWordInCodePage, kWord}) expectReading(word);
-                      shown.PressAndClose(IDC_ANSWER_FIND_NEXT);
-                  }),
-              Answer::FindNext);
-    const auto press = [](int button) { return [=](const DrivenDialog& shown) { shown.PressAndClose(button); }; };
-    EXPECT_EQ(ask(plain, press(IDC_ANSWER_REPLACE_ALL)), Answer::ReplaceAll);
-    EXPECT_EQ(ask(plain, press(IDCANCEL)), Answer::Cancel);
+    ConfirmQuestion narrow = NarrowQuestion();
+    narrow.fileNumber = narrow.fileCount = narrow.matchNumber = 2;
+    HWND window = nullptr;
+    RECT moved = {};
+    std::vector<uint32_t> answers;
+    QVTest::WhileShown(
+        L"Confirm Replace",
+        [&](const DrivenDialog& shown) {
+            window = shown.Window();
+            EXPECT_FALSE(IsWindowEnabled(panel));
+            EXPECT_EQ(shown.Text(IDC_MATCH_FILE), L"C:\\letters\\order.txt");
+            EXPECT_EQ(shown.Text(IDC_MATCH_FILE_LABEL), L"F&ile 1 of 1:");
+            EXPECT_EQ(shown.Text(IDC_MATCH_CONTEXT_LABEL), L"&Match 1 in line 12:");
+            EXPECT_EQ(shown.Text(IDC_MATCH_CONTEXT), L"one\r\nthe match here");
+            EXPECT_EQ(shown.Text(IDC_MATCH_REPLACEMENT), L"new");
+            const HWND context = shown.Control(IDC_MATCH_CONTEXT);
+            EXPECT_EQ(SendMessageW(context, EM_GETSEL, 0, 0), MAKELRESULT(9, 14));
+            EXPECT_TRUE(GetWindowLongW(context, GWL_STYLE) & ES_NOHIDESEL);
+            EXPECT_FALSE(shown.IsEnabled(IDC_SWITCH_UTF8)) << "UTF-16 reads in one way only";
+            EXPECT_EQ(shown.Focus(), IDOK);
+            GetWindowRect(shown.Window(), &moved);
+            OffsetRect(&moved, -40, -30);
+            SetWindowPos(shown.Window(), nullptr, moved.left, moved.top, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+            Type(shown, WM_CHAR, L'a');  // a letter without Alt presses nothing
+            shown.PressLater(IDOK);
+            EXPECT_TRUE(QVTest::WaitUntil([&] { return shown.Text(IDC_MATCH_FILE_LABEL) == L"F&ile 2 of 2:"; }));
+            EXPECT_EQ(shown.Text(IDC_MATCH_CONTEXT_LABEL), L"&Match 2 in line 12:");
+            const auto expectReading = [&](const std::wstring& word) {
+                EXPECT_EQ(shown.Text(IDC_MATCH_CONTEXT), word + L" " + word + L"!");
+                EXPECT_EQ(shown.Text(IDC_MATCH_REPLACEMENT), word);
+                shown.Press(IDC_SWITCH_UTF8);
+            };
+            for (const wchar_t* word : {kWord, kWordInCodePage, kWord}) expectReading(word);
+            shown.PressLater(IDC_ANSWER_FIND_NEXT);
+        },
+        [&] {
+            answers = {dialog.Ask(plain), dialog.Ask(narrow)};
+        });
+    EXPECT_EQ(answers, (std::vector<uint32_t>{Answer::Replace, Answer::FindNext}));
+    EXPECT_TRUE(IsWindow(window));
+    dialog.Close();
+    EXPECT_TRUE(!IsWindow(window) && IsWindowEnabled(panel));
+    for (const auto& [button, answer] :
+         {std::pair{IDC_ANSWER_REPLACE_ALL, Answer::ReplaceAll}, {IDCANCEL, Answer::Cancel}})
+        QVTest::WhileShown(
+            L"Confirm Replace",
+            [&, pressed = button](const DrivenDialog& shown) {
+                RECT now = {};
+                GetWindowRect(shown.Window(), &now);
+                EXPECT_TRUE(EqualRect(&now, &moved));
+                shown.PressAndClose(pressed);
+            },
+            [&, expected = answer] { EXPECT_EQ(dialog.Ask(plain), expected); });
+    DestroyWindow(panel);
+}
+
+/// All keys come while the first match is shown, and others take some of them from the queue.
+TEST(ConfirmReplaceDlg, LosesNoKeyThatComesBeforeTheNextQuestion) {
+    FileUtils::ConfirmReplaceDlg dialog(nullptr);
+    ConfirmQuestion first = Question(L"the ", L"match", L" here");
+    ConfirmQuestion second = first;
+    second.fileNumber = 2;
+    std::vector<uint32_t> answers;
+    std::atomic<bool> isTyped = false;
+    QVTest::WhileShown(
+        L"Confirm Replace",
+        [&](const DrivenDialog& shown) {
+            for (int i = 0; i < 5; ++i) Type(shown, WM_KEYDOWN, VK_RETURN);
+            for (const wchar_t key : {L'f', L'k', L'k', L'f'}) Type(shown, WM_SYSCHAR, key);
+            Type(shown, WM_KEYDOWN, VK_RETURN);
+            isTyped = true;
+        },
+        [&] {
+            answers.push_back(dialog.Ask(first));
+            EXPECT_TRUE(QVTest::WaitUntil([&] { return isTyped.load(); }));
+            const auto countIs = [&](size_t count) { return answers.size() == count; };
+            // A progress window of the host, which knows nothing of keys of other windows; then a message about the
+            // file.
+            for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) DispatchMessageW(&message);
+            dialog.Close();
+            while (!countIs(7)) answers.push_back(dialog.Ask(first));
+            while (!countIs(9)) answers.push_back(dialog.Ask(second));
+        });
+    std::vector<uint32_t> expected(5, Answer::Replace);
+    // The second "Skip File" was pressed for the file that was over with the first.
+    expected.insert(expected.end(), {Answer::FindNext, FileUtils::kSkipFile, Answer::FindNext, Answer::Replace});
+    EXPECT_EQ(answers, expected);
 }
 
 }  // namespace

@@ -20,9 +20,10 @@ TEST(FindAndReplaceCommand, AsksAboutEachMatchAndRemembersTheRequest) {
         dialog.Enter(IDC_FIND, L"one");
         dialog.Enter(IDC_REPLACEMENT, L"three");
         dialog.PressAndClose(IDOK);
-        driver.WaitFor(kConfirmTitle).PressAndClose(IDOK);
-        driver.WaitFor(kConfirmTitle).PressAndClose(IDC_ANSWER_FIND_NEXT);
-        driver.WaitFor(kConfirmTitle).PressAndClose(IDC_ANSWER_REPLACE_ALL);  // for b.txt as well
+        const DrivenDialog confirm = driver.WaitFor(kConfirmTitle);
+        confirm.PressLater(IDOK);
+        confirm.PressLater(IDC_ANSWER_FIND_NEXT);
+        confirm.PressAndClose(IDC_ANSWER_REPLACE_ALL);  // for b.txt as well
     });
     EXPECT_EQ(run.status, 0) << run.error;
     EXPECT_EQ(host.ReadAll(), (Contents{{L"a.txt", "three two one two three\r\n"},
@@ -46,8 +47,9 @@ TEST(FindAndReplaceCommand, FromAScriptAsksInTheDialogWhereTheHostHasAWindow) {
     const std::wstring file = L"FILE=" + host.Write(L"a.txt", "one one\n");
     const Words call = {L"call", L"FindAndReplace", file, L"FIND=one", L"REPLACEWITH=two", L"DELETE"};
     host.RunDriven(Joined({L"--windows"}, call), [](DialogDriver& driver) {
-        driver.WaitFor(kConfirmTitle).PressAndClose(IDC_ANSWER_FIND_NEXT);
-        driver.WaitFor(kConfirmTitle).PressAndClose(IDOK);
+        const DrivenDialog confirm = driver.WaitFor(kConfirmTitle);
+        confirm.PressLater(IDC_ANSWER_FIND_NEXT);
+        confirm.PressAndClose(IDOK);
     });
     EXPECT_EQ(host.Read(L"a.txt"), "one two\n");
 }

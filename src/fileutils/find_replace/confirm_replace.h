@@ -20,12 +20,20 @@ struct ConfirmQuestion {
     std::string rawReplacement;
     uint32_t rawOffset = 0;  // the match's place in `rawContext`, in bytes
     uint32_t rawLength = 0;
+    uint32_t matchNumber = 1;  // of the matches asked about in this file
+    uint32_t fileNumber = 1;   // of the run's
+    uint32_t fileCount = 1;
 };
 
-/// Answers with one of Answer.
+/// An answer besides those of Answer, which the engine does not know: the rest of this file stays as it is.
+inline constexpr uint32_t kSkipFile = 4;
+
+/// Answers with one of Answer, or kSkipFile.
 class IConfirmReplace {
 public:
     virtual uint32_t Ask(const ConfirmQuestion& question) = 0;
+    /// Another window is to open, or there are no more questions. A further question is answered all the same.
+    virtual void Close() {}
 
 protected:
     ~IConfirmReplace() = default;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <string_view>
+#include <utility>
 
 #include "fileutils/fileutils_resource.h"
 #include "ui/controls.h"
@@ -22,6 +23,7 @@ constexpr size_t kAfterMatch = 120;  // and after it
 constexpr size_t kLongestMatch = 400;
 constexpr size_t kLongestLine = 200;  // of the lines around it
 constexpr size_t kLongestReplacement = 4000;
+constexpr wchar_t kObjectOfWindow[] = L"QVUtils.ConfirmReplace";
 constexpr wchar_t kEllipsis = L'\u2026';
 
 constexpr Anchor kAnchors[] = {
@@ -32,18 +34,20 @@ constexpr Anchor kAnchors[] = {
     {IDOK, 0, 100, 0, 100},
     {IDC_ANSWER_REPLACE_ALL, 0, 100, 0, 100},
     {IDC_ANSWER_FIND_NEXT, 0, 100, 0, 100},
+    {IDC_ANSWER_SKIP_FILE, 0, 100, 0, 100},
     {IDCANCEL, 0, 100, 0, 100},
     {IDC_SWITCH_UTF8, 100, 100, 100, 100},
 };
 
 struct AnswerRow {
-    INT_PTR button;
+    int button;
     uint32_t answer;
 };
 constexpr AnswerRow kAnswers[] = {
     {IDOK, Answer::Replace},
     {IDC_ANSWER_REPLACE_ALL, Answer::ReplaceAll},
     {IDC_ANSWER_FIND_NEXT, Answer::FindNext},
+    {IDC_ANSWER_SKIP_FILE, kSkipFile},
     {IDCANCEL, Answer::Cancel},
 };
 
@@ -116,15 +120,58 @@ MatchView ViewOf(const ConfirmQuestion& question, bool asUtf8) {
 
 ConfirmReplaceDlg::ConfirmReplaceDlg(HWND mainWindow) : Dialog(IDD_CONFIRM_REPLACE), m_mainWindow(mainWindow) {}
 
+ConfirmReplaceDlg::~ConfirmReplaceDlg() {
+    Close();
+}
+
 uint32_t ConfirmReplaceDlg::Ask(const ConfirmQuestion& question) {
-    m_question = &question;
+    // Pressed while the last question was still to be seen.
+    TakeInput();
     // Each file begins as what it was found to be.
-    m_showsUtf8 = question.kind == EncodingKind::Utf8;
+    if (!GetWindow() || question.fileNumber != m_shownFile) m_showsUtf8 = question.kind == EncodingKind::Utf8;
+    m_question = question;
+    if (!GetWindow()) Open();
+    ShowQuestion();
+    const uint32_t answer = WaitForAnswer();
+    if (answer == Answer::ReplaceAll || answer == Answer::Cancel) {
+        Close();
+        m_pressed.clear();
+    }
+    return answer;
+}
+
+void ConfirmReplaceDlg::Close() {
+    TakeInput();
+    m_hook.Reset();
+    // First: a window that cannot be activated would leave the front to another program.
+    EnableOthers();
+    if (GetWindow()) End(IDCANCEL);
+}
+
+void ConfirmReplaceDlg::Open() {
     const HWND active = GetActiveWindow();
-    const INT_PTR button = ShowModal(active ? active : m_mainWindow);
-    // By button and not by answer: a dialog that the system does not show may end with 0, which would be "Replace".
-    const auto* const row = std::ranges::find(kAnswers, button, &AnswerRow::button);
-    return row == std::end(kAnswers) ? Answer::Cancel : row->answer;
+    const HWND owner = active ? active : m_mainWindow;
+    ShowModeless(owner);
+    SetPropW(GetWindow(), kObjectOfWindow, this);
+    m_hook.Reset(SetWindowsHookExW(WH_GETMESSAGE, FilterMessages, nullptr, GetCurrentThreadId()));
+    DisableOthers(owner);
+    ShowWindow(GetWindow(), SW_SHOW);
+    SetFocus(Item(IDOK));
+}
+
+void ConfirmReplaceDlg::DisableOthers(HWND owner) {
+    const auto disable = [&](HWND window) {
+        if (!IsWindow(window) || !IsWindowEnabled(window)) return;
+        m_disabled.push_back(window);
+        EnableWindow(window, FALSE);
+    };
+    for (HWND window = owner; window; window = ::GetWindow(window, GW_OWNER)) disable(GetAncestor(window, GA_ROOT));
+    disable(m_mainWindow);
+}
+
+void ConfirmReplaceDlg::EnableOthers() noexcept {
+    for (const HWND window : m_disabled) EnableWindow(window, TRUE);
+    m_disabled.clear();
 }
 
 bool ConfirmReplaceDlg::OnInit() {
@@ -132,22 +179,29 @@ bool ConfirmReplaceDlg::OnInit() {
     if (m_place)
         MoveWindow(GetWindow(), m_place->left, m_place->top, m_place->right - m_place->left,
                    m_place->bottom - m_place->top, FALSE);
-    SetTextOf(Item(IDC_MATCH_FILE), m_question->fileName);
-    // Of a path that is too long, its end says more.
-    SendMessageW(Item(IDC_MATCH_FILE), EM_SETSEL, m_question->fileName.size(),
-                 static_cast<LPARAM>(m_question->fileName.size()));
-    SendMessageW(Item(IDC_MATCH_FILE), EM_SCROLLCARET, 0, 0);
-    SetTextOf(Item(IDC_MATCH_CONTEXT_LABEL),
-              L"&Match in line " + std::to_wstring(m_question->match.startLine + 1) + L":");
-    // UTF-16 can be read in one way only.
-    EnableWindow(Item(IDC_SWITCH_UTF8), m_question->kind != EncodingKind::Utf16);
-    ShowMatch();
-    SetFocus(Item(IDOK));
     return false;
 }
 
+void ConfirmReplaceDlg::ShowQuestion() {
+    const auto place = [](uint32_t number, uint32_t count) {
+        return L" " + std::to_wstring(number) + L" of " + std::to_wstring(count);
+    };
+    m_shownFile = m_question.fileNumber;
+    SetTextOf(Item(IDC_MATCH_FILE_LABEL), L"F&ile" + place(m_question.fileNumber, m_question.fileCount) + L":");
+    SetTextOf(Item(IDC_MATCH_FILE), m_question.fileName);
+    // Of a path that is too long, its end says more.
+    SendMessageW(Item(IDC_MATCH_FILE), EM_SETSEL, m_question.fileName.size(),
+                 static_cast<LPARAM>(m_question.fileName.size()));
+    SendMessageW(Item(IDC_MATCH_FILE), EM_SCROLLCARET, 0, 0);
+    SetTextOf(Item(IDC_MATCH_CONTEXT_LABEL), L"&Match " + std::to_wstring(m_question.matchNumber) + L" in line " +
+                                                 std::to_wstring(m_question.match.startLine + 1) + L":");
+    // UTF-16 can be read in one way only.
+    EnableWindow(Item(IDC_SWITCH_UTF8), m_question.kind != EncodingKind::Utf16);
+    ShowMatch();
+}
+
 void ConfirmReplaceDlg::ShowMatch() {
-    const MatchView view = ViewOf(*m_question, m_showsUtf8);
+    const MatchView view = ViewOf(m_question, m_showsUtf8);
     const HWND context = Item(IDC_MATCH_CONTEXT);
     SetTextOf(context, view.context);
     // From its end to its start: the caret goes to the start, which is what must be in sight.
@@ -156,14 +210,78 @@ void ConfirmReplaceDlg::ShowMatch() {
     SetTextOf(Item(IDC_MATCH_REPLACEMENT), WithEditBreaks(view.replacement));
 }
 
+uint32_t ConfirmReplaceDlg::WaitForAnswer() {
+    for (;;) {
+        if (const auto answer = NextAnswer()) return *answer;
+        if (const std::exception_ptr failure = std::exchange(m_failure, nullptr)) std::rethrow_exception(failure);
+        if (!GetWindow()) return Answer::Cancel;
+        MSG message = {};
+        const BOOL isMessage = GetMessageW(&message, nullptr, 0, 0);
+        // Not ours to swallow.
+        if (isMessage == 0) PostQuitMessage(static_cast<int>(message.wParam));
+        if (isMessage <= 0) return Answer::Cancel;
+        if (HandleKey(message)) continue;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+std::optional<uint32_t> ConfirmReplaceDlg::NextAnswer() {
+    while (!m_pressed.empty()) {
+        const Pressed pressed = m_pressed.front();
+        m_pressed.pop_front();
+        if (pressed.answer != kSkipFile || pressed.fileNumber == m_question.fileNumber) return pressed.answer;
+    }
+    return std::nullopt;
+}
+
+void ConfirmReplaceDlg::TakeInput() {
+    struct Range {
+        UINT first, last;
+    };
+    for (const Range range : {Range{WM_KEYFIRST, WM_KEYLAST}, Range{WM_MOUSEFIRST, WM_MOUSELAST}}) {
+        MSG message = {};
+        while (GetWindow() && PeekMessageW(&message, GetWindow(), range.first, range.last, PM_REMOVE))
+            if (!HandleKey(message)) DispatchMessageW(&message);
+    }
+}
+
+bool ConfirmReplaceDlg::HandleKey(MSG& message) {
+    const bool isKey = message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST;
+    const HWND window = GetWindow();
+    if (!isKey || !window || (message.hwnd != window && !IsChild(window, message.hwnd))) return false;
+    bool isDone = true;
+    m_pressesFocused = message.message == WM_KEYDOWN || message.message == WM_KEYUP;
+    // A letter without Alt presses nothing.
+    if (message.message == WM_CHAR)
+        DispatchMessageW(&message);
+    else
+        isDone = IsDialogMessageW(window, &message) != FALSE;
+    m_pressesFocused = false;
+    return isDone;
+}
+
+LRESULT CALLBACK ConfirmReplaceDlg::FilterMessages(int code, WPARAM wParam, LPARAM lParam) noexcept {
+    auto* const message = reinterpret_cast<MSG*>(lParam);
+    if (code == HC_ACTION && wParam == PM_REMOVE && message->hwnd) {
+        const HWND root = GetAncestor(message->hwnd, GA_ROOT);
+        auto* const self = static_cast<ConfirmReplaceDlg*>(GetPropW(root, kObjectOfWindow));
+        if (self && self->HandleKey(*message)) message->message = WM_NULL;
+    }
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
 bool ConfirmReplaceDlg::OnCommand(int id, int) {
     if (id == IDC_SWITCH_UTF8) {
         m_showsUtf8 = !m_showsUtf8;
         ShowMatch();
         return true;
     }
-    if (std::ranges::find(kAnswers, id, &AnswerRow::button) == std::end(kAnswers)) return false;
-    End(id);
+    const auto* const row = std::ranges::find(kAnswers, id, &AnswerRow::button);
+    if (row == std::end(kAnswers)) return false;
+    m_pressed.push_back({row->answer, m_shownFile});
+    // Enter replaces, whatever was clicked or pressed with Alt before; only who goes to another button presses that.
+    if (!m_pressesFocused) SendMessageW(GetWindow(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(IDOK)), TRUE);
     return true;
 }
 
@@ -171,6 +289,8 @@ bool ConfirmReplaceDlg::OnMessage(UINT message, WPARAM, LPARAM) {
     if (message != WM_DESTROY) return false;
     RECT rect = {};
     if (GetWindowRect(GetWindow(), &rect)) m_place = rect;
+    RemovePropW(GetWindow(), kObjectOfWindow);
+    EnableOthers();
     return false;
 }
 

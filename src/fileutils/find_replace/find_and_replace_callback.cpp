@@ -26,7 +26,9 @@ void FindAndReplaceCallback::ReportErrorW(const wchar_t* text, uint32_t code) {
     const std::wstring message = std::wstring(L"[Find and Replace] Error : ") + (text ? text : L"[Unknown]") +
                                  L" ( ErrorCode : " + std::to_wstring(code) + L" )";
     m_host.Log(Quorvane::SDK::kLogLevel, Quorvane::SDK::LogKind::Failure, L"%s", message.c_str());
-    if (!(m_options & Option::Silent)) m_host.MessageBox(message.c_str(), L"Error", MB_OK | MB_ICONERROR);
+    if (m_options & Option::Silent) return;
+    m_confirmation.Close();
+    m_host.MessageBox(message.c_str(), L"Error", MB_OK | MB_ICONERROR);
 }
 
 void FindAndReplaceCallback::ReportErrorA(const char* text, uint32_t code) {
@@ -35,7 +37,7 @@ void FindAndReplaceCallback::ReportErrorA(const char* text, uint32_t code) {
 
 uint32_t FindAndReplaceCallback::ConfirmW(const wchar_t* context, QVUtils::EncodingKind kind, const Match& match,
                                           const wchar_t* replacement, uint32_t replacementLength) {
-    if (AsksNobody()) return Answer::ReplaceAll;
+    if (const auto answer = SettledAnswer()) return *answer;
     ConfirmQuestion question;
     question.context = context;
     question.replacement = ReplacementText(replacement, replacementLength);
@@ -46,7 +48,7 @@ uint32_t FindAndReplaceCallback::ConfirmW(const wchar_t* context, QVUtils::Encod
 
 uint32_t FindAndReplaceCallback::ConfirmA(const char* context, QVUtils::EncodingKind kind, const Match& match,
                                           const char* replacement, uint32_t replacementLength) {
-    if (AsksNobody()) return Answer::ReplaceAll;
+    if (const auto answer = SettledAnswer()) return *answer;
     ConfirmQuestion question;
     question.rawContext = context;
     question.rawReplacement = ReplacementText(replacement, replacementLength);
@@ -66,17 +68,23 @@ uint32_t FindAndReplaceCallback::ConfirmA(const char* context, QVUtils::Encoding
     return Ask(std::move(question));
 }
 
-bool FindAndReplaceCallback::AsksNobody() const {
-    return (m_options & (Option::ReplaceAll | Option::Silent)) != 0;
+std::optional<uint32_t> FindAndReplaceCallback::SettledAnswer() const {
+    if (m_options & (Option::ReplaceAll | Option::Silent)) return Answer::ReplaceAll;
+    if (m_skipsRest) return Answer::FindNext;
+    return std::nullopt;
 }
 
 uint32_t FindAndReplaceCallback::Ask(ConfirmQuestion question) {
     question.fileName = m_fileName;
+    question.matchNumber = ++m_matches;
+    question.fileNumber = m_fileNumber;
+    question.fileCount = m_fileCount;
     const uint32_t answer = m_confirmation.Ask(question);
     if (answer == Answer::ReplaceAll) m_options |= Option::ReplaceAll;
     if (answer == Answer::Cancel) m_isCancelled = true;
     if (answer != Answer::Replace && answer != Answer::ReplaceAll) m_hasLeftMatches = true;
-    return answer;
+    m_skipsRest = answer == kSkipFile;
+    return m_skipsRest ? Answer::FindNext : answer;
 }
 
 }  // namespace FileUtils

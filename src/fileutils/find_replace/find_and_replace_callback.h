@@ -1,6 +1,7 @@
 // find_and_replace_callback.h - reports a run's errors to the host and its questions to the user.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "fileutils/find_replace/confirm_replace.h"
@@ -11,9 +12,15 @@ namespace FileUtils {
 
 class FindAndReplaceCallback final : public QVFindAndReplace::IFindAndReplaceCallback {
 public:
-    /// `options`: the run's option word as it stands. Both other arguments must outlive the object.
-    FindAndReplaceCallback(Quorvane::SDK::IHostServices& host, uint32_t options, IConfirmReplace& confirmation)
-        : m_host(host), m_options(options), m_confirmation(confirmation) {}
+    /// `options`: the run's option word as it stands. The host and the confirmation must outlive the object.
+    /// `fileNumber` of `fileCount` is the file that it is made for.
+    FindAndReplaceCallback(Quorvane::SDK::IHostServices& host, uint32_t options, IConfirmReplace& confirmation,
+                           uint32_t fileNumber, uint32_t fileCount)
+        : m_host(host),
+          m_options(options),
+          m_confirmation(confirmation),
+          m_fileNumber(fileNumber),
+          m_fileCount(fileCount) {}
 
     /// The option word: with QVFindAndReplace::Option::ReplaceAll once the user wants no more questions.
     uint32_t GetOptions() const noexcept { return m_options; }
@@ -34,12 +41,17 @@ public:
     bool IsCancelled() override { return m_isCancelled; }
 
 private:
-    bool AsksNobody() const;
+    /// The answer that holds for every match of the file; nothing while each is asked about.
+    std::optional<uint32_t> SettledAnswer() const;
     uint32_t Ask(ConfirmQuestion question);
 
     Quorvane::SDK::IHostServices& m_host;
     uint32_t m_options;
     IConfirmReplace& m_confirmation;
+    const uint32_t m_fileNumber;
+    const uint32_t m_fileCount;
+    uint32_t m_matches = 0;  // asked about
+    bool m_skipsRest = false;
     std::wstring m_fileName;
     bool m_isCancelled = false;
     bool m_hasLeftMatches = false;

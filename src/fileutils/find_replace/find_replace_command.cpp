@@ -88,14 +88,17 @@ public:
         run.isSilent = (m_options & Option::Silent) != 0;
         run.marksBeforeProgressEnds = true;
         run.marks = {{MarkKind::Done, true}, {MarkKind::Failed, false}};
+        m_fileCount = files.GetCount();
+        run.makeWay = [&] { m_confirmation.Close(); };
         run.process = [&](const FileTask& task) { return Process(task); };
         run.tellBadTarget = [&](const FileTask& task) {
-            FindAndReplaceCallback(m_host, m_options, m_confirmation)
-                .ReportErrorW((L"The target cannot be a file name : " + task.target).c_str(), ErrorCode::InvalidName);
+            NextCallback().ReportErrorW((L"The target cannot be a file name : " + task.target).c_str(),
+                                        ErrorCode::InvalidName);
             m_lastErrorCode = ErrorCode::InvalidName;
             LogFailure(task);
         };
         run.tellSkipped = [&](const FileTask& task) {
+            ++m_fileNumber;
             m_lastErrorCode = ErrorCode::FileExists;
             LogLine(LogKind::Failure, L"[Find and Replace] - File already exists. Do not overwrite : %s", task.target);
         };
@@ -109,9 +112,11 @@ public:
     uint32_t GetLastErrorCode() const noexcept { return m_lastErrorCode; }
 
 private:
+    FindAndReplaceCallback NextCallback() { return {m_host, m_options, m_confirmation, ++m_fileNumber, m_fileCount}; }
+
     FileResult Process(const FileTask& task) {
         if (task.mayOverwrite) m_options |= Option::Overwrite;
-        FindAndReplaceCallback callback(m_host, m_options, m_confirmation);
+        FindAndReplaceCallback callback = NextCallback();
         QVFindAndReplace::FileNotes notes;
         const int64_t changes =
             QVFindAndReplace::ProcessFile(task.source, task.target, m_options, m_request, callback, notes, task.tell);
@@ -149,6 +154,8 @@ private:
     QVFindAndReplace::Request& m_request;
     uint32_t m_options;  // the run's: gains bits by the user's answers
     IConfirmReplace& m_confirmation;
+    uint32_t m_fileNumber = 0;
+    uint32_t m_fileCount = 0;
     int64_t m_changes = 0;
     uint32_t m_lastErrorCode = 0;
 };
