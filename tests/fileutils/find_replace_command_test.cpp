@@ -58,6 +58,7 @@ TEST(FindAndReplace, LogsEachFileAndHandsTheListsBack) {
         {L"f.txt", {L"FIND=a", L"TARGET=taken.txt", L"SILENT"}, "- File already exists. Do not overwrite : "},
         {L"f.txt", {L"FIND=a", L"TARGET=NUL", L"SILENT"}, " Error : The target cannot be a file name : "},
         {L"binary.bin", {L"FIND=a", L"DELETE", L"SILENT"}, "Unsupported file format ( ErrorCode : 11 )\n[Find and", 0},
+        {L"utf8.txt", {L"FIND=a", L"DELETE"}, "(line 1): [a] W\xC3\xB6rter -> [b] -> Find Next\n", 0, {L"find-next"}},
         {L"utf8.txt", {L"FIND=\xF6", L"DELETE", L"SILENT"}, "utf8.txt\n[Find and Replace] - Note : ", 0},
         {L"utf8.txt", {L"FIND=\xF6", L"DELETE", L"FORCEUTF8", L"SILENT"}, "] - 1 changes made to file : ", 0},
         {L"f.txt", {L"FIND=a", L"KEEPBACKUP", L"TARGET=t.txt", L"SILENT"}, "] - Note : TARGET is not used", 0},
@@ -138,4 +139,13 @@ TEST(FindAndReplace, NotesMatchesThatAnotherRunWouldGet) {
         EXPECT_EQ(run.out.find("Note : ") == std::string::npos, said.empty()) << why << run.out;
         EXPECT_TRUE(Holds(run.out, said)) << why;
     }
+}
+
+TEST(FindAndReplace, SkipsTheRestOfAFile) {
+    const CommandRunner folder;
+    folder.Write(L"f.txt", "a a a a\n");
+    const HostRun run = Replace(folder, L"f.txt", {L"FIND=a", L"REPLACEWITH=x", L"DELETE"},
+                                {L"find-next", L"replace", L"skip-file", L"replace"});
+    EXPECT_EQ(folder.Read(L"f.txt"), "a x a a\n");
+    EXPECT_TRUE(Holds(run.out, "] - 1 changes made to file : "));
 }
