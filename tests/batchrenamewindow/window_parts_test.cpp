@@ -5,6 +5,8 @@
 #include "batchrename/model/row_order.h"
 #include "batchrename/model/window_position.h"
 #include "batchrename/rows.h"
+#include "batchrename/window/name_painter.h"
+#include "batchrename/window/row_columns.h"
 #include "rename/rename_options.h"
 
 namespace {
@@ -33,10 +35,8 @@ TEST(FittedName, ShowsTheChangeAndAnEllipsisWhereverTextIsLeftOut) {
     const auto shown = [](const std::wstring& before, const std::wstring& name, int width) {
         std::vector<int> edges;
         for (size_t unit = 0; unit < name.size(); ++unit) edges.push_back(static_cast<int>(unit + 1) * 10);
-        std::wstring text;
-        for (const NamePiece& piece : FitName(name, FindChangedPart(before, name), edges, width, 10))
-            text += piece.isChanged ? L'[' + std::wstring(piece.text) + L']' : std::wstring(piece.text);
-        return text;
+        auto [text, changed] = FitName(name, FindChangedPart(before, name), edges, width, 10);
+        return text.insert(changed.end, L"]").insert(changed.begin, L"[");
     };
     const struct {
         const char* why;
@@ -55,10 +55,34 @@ TEST(FittedName, ShowsTheChangeAndAnEllipsisWhereverTextIsLeftOut) {
         {"too much has changed", L"ab-x", L"ab-new name-x", 60, L"\u2026[new ]\u2026"},
         {"another name altogether", L"x", L"abcdef", 40, L"[abc]\u2026"},
         {"something was taken out", L"abcdefXghi", L"abcdefghi", 60, L"\u2026ef[]ghi"},
-        {"no space at all", L"abc", L"abc2", 5, L"\u2026"},
-        {"no half of a pair", L"a", L"a\xD83D\xDE00x", 30, L"a\u2026"},
+        {"no space at all", L"abc", L"abc2", 5, L"[]\u2026"},
+        {"no half of a pair", L"a", L"a\xD83D\xDE00x", 30, L"a[]\u2026"},
     };
     for (const auto& c : cases) EXPECT_EQ(shown(c.before, c.name, c.width), c.expected) << c.why;
+    EXPECT_EQ(HiddenBlanks(L"  a b .txt\u00A0"), (std::vector<size_t>{0, 1, 5, 10}));
+    EXPECT_EQ(HiddenBlanks(L" "), std::vector<size_t>{0});
+    EXPECT_EQ(HiddenBlanks(L" a b"), std::vector<size_t>{0});
+}
+
+TEST(RowColumns, ShareWhatStatusAndLocationLeave) {
+    using Widths = std::array<int, kColumnCount>;
+    ColumnWishes wishes;
+    wishes.status = 100;
+    wishes.location = 80;
+    wishes.smallestName = 50;
+    EXPECT_EQ(FitColumns(1000, wishes), (Widths{410, 410, 100, 80}));
+    wishes.status = 900;
+    EXPECT_EQ(FitColumns(1000, wishes), (Widths{270, 270, 380, 80})) << "no status leaves the names without space";
+    wishes.fixed[2] = 500;
+    wishes.fixed[0] = 100;
+    EXPECT_EQ(FitColumns(1000, wishes), (Widths{100, 320, 500, 80})) << "by hand";
+    EXPECT_EQ(FitColumns(100, wishes), (Widths{100, 50, 500, 22}));
+}
+
+TEST(ReadableColour, IsTheSystemsMarkWhereItStandsOutFromTheGround) {
+    constexpr COLORREF kBlue = RGB(0, 102, 204);
+    EXPECT_EQ(ReadableColour(kBlue, RGB(255, 255, 255), 0), kBlue);
+    EXPECT_EQ(ReadableColour(kBlue, RGB(32, 32, 32), RGB(255, 255, 255)), RGB(255, 255, 255));
 }
 
 TEST(RowOrder, IsNaturalStableAndComesBack) {
@@ -96,6 +120,26 @@ TEST(RowMarks, StayWithTheirRowsAndWithThePathsOfNewOnes) {
         {"none", {}, {}},
     };
     for (const auto& c : cases) EXPECT_EQ(CarriedMarks(rows, second, c.now), c.expected) << c.why;
+}
+
+TEST(RowList, ShowsProblemsFirstWithoutTouchingTheOrder) {
+    const auto preview = std::make_shared<Preview>();
+    const auto rows = std::make_shared<const RenameItems>(Rows({L"same", L"new", L"bad", L"new too"}));
+    preview->rows = rows;
+    preview->computed = *rows;
+    for (const RowVerdict verdict : {RowVerdict::Ignored, RowVerdict::Rename, RowVerdict::Failed, RowVerdict::Rename})
+        preview->plans.push_back({verdict, RowReason::None, 0});
+    RowList list;
+    list.SetRows(rows);
+    list.ShowProblemsFirst(true);
+    EXPECT_EQ(list.Places(), std::nullopt) << "nothing is known yet";
+    list.SetPreview(preview);
+    EXPECT_EQ(list.Places(), (std::vector<uint32_t>{2, 1, 3, 0}));
+    list.ShowChangesOnly(true);
+    EXPECT_EQ(list.Places(), (std::vector<uint32_t>{2, 1, 3}));
+    list.ShowProblemsFirst(false);
+    EXPECT_EQ(list.Places(), (std::vector<uint32_t>{1, 2, 3}));
+    EXPECT_EQ(list.Rows(), rows);
 }
 
 TEST(Problems, AreGoneThroughInBothDirections) {

@@ -95,7 +95,7 @@ void FrameModel::RequestPreview(int delay, bool readsFolders) {
         request.session = m_session;
         request.entries = m_sessionEntries;
     }
-    if (request.rows->size() >= kRowsWorthShowingEarly && !m_choices.showsChangesOnly) {
+    if (request.rows->size() >= kRowsWorthShowingEarly && !m_choices.showsChangesOnly && !m_rows.AreProblemsFirst()) {
         const RowRange visible = m_actions.VisibleRows();
         request.firstVisible = visible.first;
         request.visibleCount = visible.count;
@@ -133,6 +133,7 @@ void FrameModel::SetRows(RowSnapshot rows) {
     m_mustLoadSession = false;
     m_mustSort = false;
     m_order = {};
+    m_rows.ShowProblemsFirst(false);
     m_actions.ShowOrder(m_order);
     m_actions.ShowTitle(false);
     ChangeRows(std::move(rows));
@@ -156,7 +157,9 @@ void FrameModel::Replace(const Change& change) {
 }
 
 void FrameModel::OnHeader(RowKey key) {
+    if (key == RowKey::Problems) return ShowProblemsFirst(!m_rows.AreProblemsFirst());
     if (IsRunning() || m_state == FrameState::Done) return;
+    if (m_rows.AreProblemsFirst()) ShowProblemsFirst(false);
     m_order = NextOrder(m_order, key);
     m_mustSort = true;
     m_actions.ShowOrder(m_order);
@@ -168,6 +171,12 @@ void FrameModel::OnHeader(RowKey key) {
         m_actions.ShowRows(true);
     }
     RequestPreview(0);
+}
+
+void FrameModel::ShowProblemsFirst(bool areFirst) {
+    m_rows.ShowProblemsFirst(areFirst);
+    m_actions.ShowOrder(areFirst ? RowOrder{RowKey::Problems} : m_order);
+    m_actions.ShowRows(false);
 }
 
 void FrameModel::OnRemoveRows(const std::vector<bool>& isSelected) {
@@ -184,6 +193,9 @@ void FrameModel::OnRemoveRows(const std::vector<bool>& isSelected) {
 void FrameModel::OnMoveRows(std::vector<bool> isSelected, bool isUp) {
     if (IsRunning() || m_state == FrameState::Done) return;
     if (std::ranges::find(isSelected, true) == isSelected.end()) return;
+    // Where a row goes would not be seen.
+    if (m_rows.AreProblemsFirst())
+        return m_actions.ShowStatus(L"Rows can be moved when problems do not stand first: click on \"Status\".");
     m_order = {};
     m_mustSort = false;
     m_actions.ShowOrder(m_order);

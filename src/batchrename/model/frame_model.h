@@ -140,6 +140,7 @@ private:
     void Invalidate();
     void RequestPreview(int delay, bool readsFolders = false);
     void ShowCounts();
+    void ShowProblemsFirst(bool areFirst);
     void ChangeRows(RowSnapshot rows);
     template <typename Change>
     void Replace(const Change& change);

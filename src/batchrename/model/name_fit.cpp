@@ -7,7 +7,10 @@
 namespace BatchRename {
 namespace {
 
-constexpr std::wstring_view kEllipsis = L"\u2026";
+constexpr wchar_t kEllipsis = L'\u2026';
+// The blank, those that break no line, and those of fixed widths.
+constexpr std::wstring_view kBlanks =
+    L" \u00A0\u2000\u2001\u2002\u2003\u2004\u2005\u2006\u2007\u2008\u2009\u200A\u202F\u205F\u3000";
 
 /// Where units begin, in pixels, and how many fit into a width.
 class Positions {
@@ -70,19 +73,27 @@ ChangedPart FindChangedPart(std::wstring_view oldName, std::wstring_view newName
     return {begin, end};
 }
 
-std::vector<NamePiece> FitName(std::wstring_view name, ChangedPart changed, std::span<const int> edges, int width,
-                               int ellipsis) {
+FittedName FitName(std::wstring_view name, ChangedPart changed, std::span<const int> edges, int width, int ellipsis) {
     const auto [begin, end] = ShownStretch(name, changed, Positions(edges), width, ellipsis);
-    const size_t changedBegin = std::clamp(changed.begin, begin, end);
-    const size_t changedEnd = std::clamp(changed.end, begin, end);
-    std::vector<NamePiece> pieces;
-    if (begin > 0) pieces.push_back({kEllipsis});
-    if (begin < changedBegin) pieces.push_back({name.substr(begin, changedBegin - begin)});
-    if (changedBegin < changedEnd || changed.begin == changed.end)
-        pieces.push_back({name.substr(changedBegin, changedEnd - changedBegin), true});
-    if (changedEnd < end) pieces.push_back({name.substr(changedEnd, end - changedEnd)});
-    if (end < name.size()) pieces.push_back({kEllipsis});
-    return pieces;
+    FittedName fitted;
+    if (begin > 0) fitted.text += kEllipsis;
+    const size_t first = fitted.text.size();
+    fitted.text += name.substr(begin, end - begin);
+    if (end < name.size()) fitted.text += kEllipsis;
+    fitted.changed = {first + std::clamp(changed.begin, begin, end) - begin,
+                      first + std::clamp(changed.end, begin, end) - begin};
+    return fitted;
+}
+
+std::vector<size_t> HiddenBlanks(std::wstring_view name) {
+    const size_t first = std::min(name.find_first_not_of(kBlanks), name.size());
+    const size_t dot = std::min(name.rfind(L'.'), name.size());
+    const size_t baseEnd = std::max(first, name.substr(0, dot).find_last_not_of(kBlanks) + 1);
+    const size_t end = std::max(first, name.find_last_not_of(kBlanks) + 1);
+    std::vector<size_t> places;
+    for (size_t at = 0; at < name.size(); ++at)
+        if (at < first || at >= end || (at >= baseEnd && at < dot)) places.push_back(at);
+    return places;
 }
 
 }  // namespace BatchRename

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -21,19 +22,21 @@ struct ChangedPart {
 /// only taken out. Surrogate pairs stay whole.
 ChangedPart FindChangedPart(std::wstring_view oldName, std::wstring_view newName);
 
-/// Drawn one after the other. An empty changed piece is a place where something was only taken out.
-struct NamePiece {
-    std::wstring_view text;
-    bool isChanged = false;
+/// A line as it is shown.
+struct FittedName {
+    std::wstring text;
+    ChangedPart changed;  // of that text
 
-    bool operator==(const NamePiece&) const = default;
+    bool operator==(const FittedName&) const = default;
 };
 
-/// The name in pieces that fit into `width` pixels, with an ellipsis wherever something is left out. The changed part
+/// As much of the name as fits into `width` pixels, with an ellipsis wherever something is left out. The changed part
 /// stays in sight, or its beginning where that alone is too wide: a name that seems to end where the column does would
 /// be read as the new name. Surrogate pairs stay whole.
 /// `edges`: for each unit of the name its right edge, in pixels from the name's beginning; `ellipsis`: its width.
-std::vector<NamePiece> FitName(std::wstring_view name, ChangedPart changed, std::span<const int> edges, int width,
-                               int ellipsis);
+FittedName FitName(std::wstring_view name, ChangedPart changed, std::span<const int> edges, int width, int ellipsis);
+
+/// The places of blanks that nobody would see: at the ends of the name, and before its extension.
+std::vector<size_t> HiddenBlanks(std::wstring_view name);
 
 }  // namespace BatchRename

@@ -1,5 +1,7 @@
 #include "batchrename/model/row_list.h"
 
+#include <algorithm>
+#include <map>
 #include <unordered_map>
 #include <utility>
 
@@ -138,14 +140,19 @@ void RowList::ForgetPreview() {
 
 void RowList::ShowChangesOnly(bool isFiltered) {
     m_wantsChangesOnly = isFiltered;
-    Filter();
+    Arrange();
+}
+
+void RowList::ShowProblemsFirst(bool areFirst) {
+    m_wantsProblemsFirst = areFirst;
+    Arrange();
 }
 
 void RowList::Count() {
     // Nothing of the former rows stays, even where memory ends below: a place must never lead beyond the rows.
     m_marks.clear();
     m_places.clear();
-    m_isFiltered = false;
+    m_hasPlaces = false;
     m_counts = {m_rows->size(), 0, 0};
     m_marks.reserve(m_rows->size());
     if (m_preview && m_preview->IsComplete())
@@ -156,30 +163,38 @@ void RowList::Count() {
         if (mark == RowMark::Change) ++m_counts.changes;
         if (mark == RowMark::Problem) ++m_counts.problems;
     }
-    Filter();
+    Arrange();
 }
 
-void RowList::Filter() {
+void RowList::Arrange() {
     m_places.clear();
-    m_isFiltered = m_wantsChangesOnly && m_marks.size() == m_rows->size();
-    if (!m_isFiltered) return;
-    for (size_t row = 0; row < m_marks.size(); ++row)
-        if (m_marks[row] != RowMark::None) m_places.push_back(static_cast<uint32_t>(row));
+    m_hasPlaces = (m_wantsChangesOnly || m_wantsProblemsFirst) && m_marks.size() == m_rows->size();
+    if (!m_hasPlaces) return;
+    const auto add = [&](const auto& isWanted) {
+        for (size_t row = 0; row < m_marks.size(); ++row)
+            if (isWanted(m_marks[row])) m_places.push_back(static_cast<uint32_t>(row));
+    };
+    const auto isProblem = [](RowMark mark) { return mark == RowMark::Problem; };
+    const auto isSame = [](RowMark mark) { return mark == RowMark::None; };
+    if (m_wantsProblemsFirst) add(isProblem);
+    add([&](RowMark mark) { return !isSame(mark) && !(m_wantsProblemsFirst && isProblem(mark)); });
+    if (!m_wantsChangesOnly) add(isSame);
 }
 
 const std::wstring& RowList::OldName(size_t row) const {
-    return m_result ? m_result->rows[row]->currentName : CurrentName(row);
+    return m_result ? m_result->rows[row]->currentName : (*m_rows)[row]->currentName;
 }
 
 const std::wstring& RowList::NewName(size_t row) const {
-    if (m_result) return m_result->rows[row]->newName;
+    if (m_result)
+        return m_result->outcomes[row].isNotBegun ? m_result->rows[row]->newName : (*m_rows)[row]->currentName;
     if (!m_preview || row < m_preview->first || row - m_preview->first >= m_preview->computed.size()) return kUnknown;
     return m_preview->computed[row - m_preview->first]->newName;
 }
 
 std::wstring RowList::Text(size_t row, RowColumn column) const {
     switch (column) {
-        case RowColumn::CurrentName: return CurrentName(row);
+        case RowColumn::CurrentName: return OldName(row);
         case RowColumn::NewName: return NewName(row);
         case RowColumn::Location: return (*m_rows)[row]->location;
         case RowColumn::Status: break;
@@ -187,6 +202,33 @@ std::wstring RowList::Text(size_t row, RowColumn column) const {
     if (m_result && row < m_result->outcomes.size()) return StatusOfOutcome(m_result->outcomes[row], m_isRestore);
     if (m_preview && m_preview->IsComplete()) return StatusOfPlan(*m_preview->computed[row], m_preview->plans[row]);
     return {};
+}
+
+std::vector<std::wstring> RowList::LongestStatuses() const {
+    // By kind of row, since a hundred thousand texts would take a while to write.
+    std::map<std::pair<RowVerdict, RowReason>, size_t> planned;
+    std::map<uint32_t, size_t> done;
+    if (m_result)
+        for (size_t row = 0; row < m_result->outcomes.size(); ++row) {
+            size_t& longest = done.try_emplace(m_result->outcomes[row].code, row).first->second;
+            if (m_result->outcomes[longest].reason.size() < m_result->outcomes[row].reason.size()) longest = row;
+        }
+    else if (m_preview && m_preview->IsComplete())
+        for (size_t row = 0; row < m_preview->plans.size(); ++row) {
+            const auto kind = std::pair(m_preview->plans[row].verdict, m_preview->plans[row].reason);
+            size_t& longest = planned.try_emplace(kind, row).first->second;
+            const bool hasName = kind.first == RowVerdict::Failed;
+            if (hasName && NewName(longest).size() < NewName(row).size()) longest = row;
+        }
+    std::vector<std::wstring> texts;
+    for (const auto& [kind, row] : planned) texts.push_back(Text(row, RowColumn::Status));
+    for (const auto& [code, row] : done) texts.push_back(Text(row, RowColumn::Status));
+    return texts;
+}
+
+std::wstring RowList::LongestLocation() const {
+    const auto longest = std::ranges::max_element(*m_rows, {}, [](const auto& row) { return row->location.size(); });
+    return longest == m_rows->end() ? std::wstring() : (*longest)->location;
 }
 
 std::vector<RowMark> RowList::MarksOfPlaces() const {

@@ -58,39 +58,45 @@ public:
     void ForgetPreview();
     /// Shows only rows that change or have a problem; all, while nothing is known of them.
     void ShowChangesOnly(bool isFiltered);
+    /// Shows the rows with a problem above the others, and those that stay as they are below them. The rows themselves
+    /// keep their order, by which counters count.
+    void ShowProblemsFirst(bool areFirst);
+    bool AreProblemsFirst() const { return m_wantsProblemsFirst; }
 
     const RowSnapshot& Rows() const { return m_rows; }
     const std::shared_ptr<const Preview>& CurrentPreview() const { return m_preview; }
     const std::shared_ptr<const RunResult>& Outcomes() const { return m_result; }
     const RowCounts& Counts() const { return m_counts; }
 
-    // Places in the list, which are not rows while some are left out.
-    size_t PlaceCount() const { return m_isFiltered ? m_places.size() : m_rows->size(); }
-    size_t RowAt(size_t place) const { return m_isFiltered ? m_places[place] : place; }
+    // Places in the list, which are not rows while some are left out or stand elsewhere.
+    size_t PlaceCount() const { return m_hasPlaces ? m_places.size() : m_rows->size(); }
+    size_t RowAt(size_t place) const { return m_hasPlaces ? m_places[place] : place; }
     /// The rows of all places; nothing while places are rows.
-    std::optional<std::vector<uint32_t>> Places() const {
-        return m_isFiltered ? std::optional(m_places) : std::nullopt;
-    }
+    std::optional<std::vector<uint32_t>> Places() const { return m_hasPlaces ? std::optional(m_places) : std::nullopt; }
 
     std::wstring Text(size_t row, RowColumn column) const;
-    const std::wstring& CurrentName(size_t row) const { return (*m_rows)[row]->currentName; }
-    /// The name before and after: a row that was renamed shows what it was called before.
+    /// The name before: after a run what the row was called before it.
     const std::wstring& OldName(size_t row) const;
+    /// The name after: after a run what the row is called now, or what it is to be called if the run goes on.
     const std::wstring& NewName(size_t row) const;
+    /// The longest text of each kind that the status column has to show, and the longest location.
+    std::vector<std::wstring> LongestStatuses() const;
+    std::wstring LongestLocation() const;
     RowMark Mark(size_t row) const { return row < m_marks.size() ? m_marks[row] : RowMark::None; }
     /// The marks of all places.
     std::vector<RowMark> MarksOfPlaces() const;
 
 private:
     void Count();
-    void Filter();
+    void Arrange();
 
     RowSnapshot m_rows = std::make_shared<const RenameItems>();
     std::shared_ptr<const Preview> m_preview;   // null: nothing is known
     std::shared_ptr<const RunResult> m_result;  // after a run
     bool m_isRestore = false;
     bool m_wantsChangesOnly = false;
-    bool m_isFiltered = false;
+    bool m_wantsProblemsFirst = false;
+    bool m_hasPlaces = false;
     std::vector<RowMark> m_marks;
     std::vector<uint32_t> m_places;
     RowCounts m_counts;

@@ -10,7 +10,8 @@
 
 namespace BatchRename {
 
-enum class RowKey : uint8_t { HostOrder, CurrentName, NewName, Location };
+/// Problems is an order of the list alone, in which the rows themselves keep theirs.
+enum class RowKey : uint8_t { HostOrder, CurrentName, NewName, Location, Problems };
 
 struct RowOrder {
     RowKey key = RowKey::HostOrder;

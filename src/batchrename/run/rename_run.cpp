@@ -206,6 +206,7 @@ private:
     void NotBegun(size_t row) {
         m_outcomes[row].code = RenameResult::Ignored;
         m_outcomes[row].reason = L"the run was stopped before";
+        m_outcomes[row].isNotBegun = true;
     }
 
     void Fail(size_t row, uint32_t code, std::wstring reason) {

@@ -19,9 +19,10 @@ namespace BatchRename {
 
 /// What became of a row.
 struct RowOutcome {
-    uint32_t code = 0;    // RenameResult, else a Windows error code
-    std::wstring reason;  // in words; "" for a row that was renamed
-    std::wstring name;    // under which the item is now
+    uint32_t code = 0;        // RenameResult, else a Windows error code
+    std::wstring reason;      // in words; "" for a row that was renamed
+    std::wstring name;        // under which the item is now
+    bool isNotBegun = false;  // the run was stopped before this row
 };
 
 /// What a run works with; all of it outlives the run.

@@ -45,8 +45,9 @@ void Fill(HDC context, int size, std::span<const POINT> corners, COLORREF colour
 
 void Draw(HDC context, int size, int picture) {
     const bool isPlain = IsHighContrast();
-    const auto colour = [&](COLORREF usual) { return isPlain ? GetSysColor(COLOR_WINDOWTEXT) : usual; };
-    const COLORREF ground = isPlain ? GetSysColor(COLOR_WINDOW) : RGB(255, 255, 255);
+    const COLORREF ground = GetSysColor(COLOR_WINDOW);
+    const COLORREF ink = GetSysColor(COLOR_WINDOWTEXT);
+    const auto colour = [&](COLORREF usual) { return isPlain ? ink : ReadableColour(usual, ground, ink); };
     if (picture == 1) Fill(context, size, kArrow, colour(kBlue));
     if (picture == 2) {
         Fill(context, size, kTriangle, colour(kRed));

@@ -1,85 +1,23 @@
 #include "batchrename/window/row_list_view.h"
 
 #include <algorithm>
-#include <numeric>
 #include <system_error>
 
-#include "batchrename/model/name_fit.h"
+#include "sdk/boundary.h"
 #include "ui/activation_context.h"
 #include "ui/controls.h"
-#include "win32/path.h"
 #include "win32/text.h"
 
 namespace BatchRename {
 namespace {
 
-constexpr Ui::ListColumn kColumns[] = {
-    {L"Current name", 624}, {L"New name", 624}, {L"Status", 1056}, {L"Location", 528}};
-constexpr int kNewNameColumn = 1;
-constexpr wchar_t kNewNameTitle[] = L"New name";
-constexpr wchar_t kOutdatedTitle[] = L"New name (not up to date)";
-constexpr int kNameColumns[] = {0, kNewNameColumn};
-constexpr int kGapWidth = 3;        // pixels
-constexpr int kNarrowestName = 40;  // pixels
-constexpr int kNameMargin = 6;      // pixels at 96 dots an inch: what the control leaves before a text
+constexpr int kNewNameColumn = static_cast<int>(RowColumn::NewName);
+// Pixels at 96 dots an inch: what the control leaves before and after a text, and after an icon.
+constexpr int kNameMargin = 6;
+constexpr int kFirstMargin = 2;
 
-FontHandle BoldOf(HFONT font) {
-    LOGFONTW description = {};
-    GetObjectW(font, sizeof(description), &description);
-    description.lfWeight = FW_BOLD;
-    return FontHandle(CreateFontIndirectW(&description));
-}
-
-RowKey KeyOfColumn(int column) {
-    constexpr RowKey kKeys[] = {RowKey::CurrentName, RowKey::NewName, RowKey::HostOrder, RowKey::Location};
-    return kKeys[std::clamp(column, 0, 3)];
-}
-
-/// Draws pieces of a line one after the other.
-class LineDrawing {
-public:
-    LineDrawing(HDC context, const RECT& bounds) : m_context(context), m_bounds(bounds) {}
-
-    /// Each unit is put where it was measured to be: what the system draws by itself may be narrower, and the gap
-    /// before the next piece would look like a blank in the name.
-    void Piece(std::wstring_view text, HFONT font) {
-        const HGDIOBJ before = SelectObject(m_context, font);
-        const auto length = static_cast<int>(text.size());
-        std::vector<int> advances(text.size());
-        SIZE size = {};
-        GetTextExtentExPointW(m_context, text.data(), length, 0, nullptr, advances.data(), &size);
-        std::adjacent_difference(advances.begin(), advances.end(), advances.begin());
-        const int top = (m_bounds.top + m_bounds.bottom - size.cy) / 2;
-        ExtTextOutW(m_context, m_bounds.left, top, ETO_CLIPPED, &m_bounds, text.data(), static_cast<UINT>(length),
-                    advances.data());
-        SelectObject(m_context, before);
-        m_bounds.left += size.cx;
-    }
-
-    /// A thin bar: here something was taken out.
-    void Gap() {
-        const RECT bar = {m_bounds.left, m_bounds.top + 2, m_bounds.left + 2, m_bounds.bottom - 2};
-        SetDCBrushColor(m_context, GetTextColor(m_context));
-        FillRect(m_context, &bar, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
-        m_bounds.left += kGapWidth;
-    }
-
-private:
-    HDC m_context;
-    RECT m_bounds;
-};
-
-/// Adds the right edge of each unit of the text, which begins where the last one ends.
-void AddEdges(HDC context, std::wstring_view text, HFONT font, std::vector<int>& edges) {
-    if (text.empty()) return;
-    const int left = edges.empty() ? 0 : edges.back();
-    const size_t first = edges.size();
-    edges.resize(first + text.size());
-    const HGDIOBJ before = SelectObject(context, font);
-    SIZE size = {};
-    GetTextExtentExPointW(context, text.data(), static_cast<int>(text.size()), 0, nullptr, edges.data() + first, &size);
-    SelectObject(context, before);
-    for (size_t at = first; at < edges.size(); ++at) edges[at] += left;
+bool IsNameColumn(int column) {
+    return column == static_cast<int>(RowColumn::CurrentName) || column == kNewNameColumn;
 }
 
 struct GlobalMemoryTraits {
@@ -119,19 +57,30 @@ void RowListView::Create(HWND parent, int id, HFONT font) {
     SetWindowLongPtrW(m_window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     m_control =
         reinterpret_cast<WNDPROC>(SetWindowLongPtrW(m_window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure)));
-    m_bold = BoldOf(font);
-    Ui::AddColumns(m_window, kColumns);
+    m_columns.Create(m_window);
+    m_tips.Create(m_window);
     Recolour();
 }
 
 LRESULT CALLBACK RowListView::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
-    const auto* const self = reinterpret_cast<const RowListView*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    const LRESULT result = CallWindowProcW(self->m_control, window, message, wParam, lParam);
-    // The control keeps what is drawn in a column whose right edge moves; a name that is cut at its beginning must move
-    // with the edge.
-    if (message == WM_NOTIFY && reinterpret_cast<const NMHDR*>(lParam)->code == HDN_ITEMCHANGEDW)
-        InvalidateRect(window, nullptr, FALSE);
+    auto* const self = reinterpret_cast<RowListView*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    LRESULT result = 0;
+    const auto isAnswered = [&] { return self->m_tips.OnMessage(message, wParam, lParam, result); };
+    if (Quorvane::SDK::AtBoundary(false, isAnswered)) return result;
+    result = CallWindowProcW(self->m_control, window, message, wParam, lParam);
+    if (message == WM_NOTIFY) self->OnHeaderNotice(*reinterpret_cast<const NMHEADERW*>(lParam));
     return result;
+}
+
+void RowListView::OnHeaderNotice(const NMHEADERW& notice) {
+    switch (notice.hdr.code) {
+        // The control keeps what is drawn in a column whose right edge moves; a name that is cut at its beginning must
+        // move with the edge.
+        case HDN_ITEMCHANGEDW: InvalidateRect(m_window, nullptr, FALSE); break;
+        case HDN_ENDTRACKW: m_columns.OnUsersWidth(notice.iItem, true); break;
+        case HDN_DIVIDERDBLCLICKW: m_columns.OnUsersWidth(notice.iItem, false); break;
+        default: break;
+    }
 }
 
 void RowListView::Recolour() {
@@ -147,7 +96,10 @@ void RowListView::Refresh(bool areInPlace) {
     std::vector<bool> isSelected = isSame || wasEmptied ? m_keptSelection : ShownRowsWith(LVNI_SELECTED);
     std::vector<bool> isFocused = isSame || wasEmptied ? m_keptFocus : ShownRowsWith(LVNI_FOCUSED);
     SendMessageW(m_window, LVM_SETITEMCOUNT, m_rows.PlaceCount(), LVSICF_NOSCROLL | LVSICF_NOINVALIDATEALL);
-    FillWidth();  // a scroll bar may have come or gone
+    if (rows != m_shownRows) m_columns.ForgetTexts();
+    m_columns.SetTexts(m_rows.LongestStatuses(), m_rows.LongestLocation());
+    m_columns.Fit();  // a scroll bar may have come or gone as well
+    m_columns.ShowState(m_isOutdated, m_rows.Outcomes() != nullptr);
     InvalidateRect(m_window, nullptr, FALSE);
     if (isSame) return;
     if (rows->empty()) {
@@ -195,43 +147,9 @@ void RowListView::SetStates(const std::vector<bool>& isSelected, const std::vect
     }
 }
 
-void RowListView::FillWidth() {
-    const auto widthOf = [&](int column) {
-        return static_cast<int>(SendMessageW(m_window, LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column), 0));
-    };
-    RECT client = {};
-    GetClientRect(m_window, &client);
-    int available = static_cast<int>(client.right);
-    for (int column = 0; column < static_cast<int>(std::size(kColumns)); ++column) available -= widthOf(column);
-    for (const int spare : m_spareWidths) available += spare;
-    for (const int column : kNameColumns) {
-        int& spare = m_spareWidths[static_cast<size_t>(column)];
-        const int former = std::exchange(spare, std::max(0, available / 2));
-        if (spare != former)
-            SendMessageW(m_window, LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(column),
-                         std::max(widthOf(column) + spare - former, kNarrowestName));
-    }
-}
-
 void RowListView::ShowOutdated(bool isOutdated) {
-    std::wstring title = isOutdated ? kOutdatedTitle : kNewNameTitle;
-    LVCOLUMNW column = {};
-    column.mask = LVCF_TEXT;
-    column.pszText = title.data();
-    SendMessageW(m_window, LVM_SETCOLUMNW, kNewNameColumn, reinterpret_cast<LPARAM>(&column));
-}
-
-void RowListView::ShowOrder(const RowOrder& order) {
-    const auto header = reinterpret_cast<HWND>(SendMessageW(m_window, LVM_GETHEADER, 0, 0));
-    for (int index = 0; index < static_cast<int>(std::size(kColumns)); ++index) {
-        HDITEMW item = {};
-        item.mask = HDI_FORMAT;
-        SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
-        item.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
-        if (order.key != RowKey::HostOrder && KeyOfColumn(index) == order.key)
-            item.fmt |= order.isDescending ? HDF_SORTDOWN : HDF_SORTUP;
-        SendMessageW(header, HDM_SETITEMW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
-    }
+    m_isOutdated = isOutdated;
+    m_columns.ShowState(isOutdated, m_rows.Outcomes() != nullptr);
 }
 
 RowRange RowListView::VisibleRows() const {
@@ -288,7 +206,7 @@ std::optional<LRESULT> RowListView::OnNotify(NMHDR& header) {
         case LVN_KEYDOWN: OnKey(reinterpret_cast<NMLVKEYDOWN&>(header).wVKey); return 0;
         case LVN_COLUMNCLICK: {
             const int column = reinterpret_cast<NMLISTVIEW&>(header).iSubItem;
-            if (KeyOfColumn(column) != RowKey::HostOrder) m_listener.OnHeader(KeyOfColumn(column));
+            m_listener.OnHeader(RowColumns::KeyOf(column));
             return 0;
         }
         case NM_CUSTOMDRAW: return OnDraw(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
@@ -302,6 +220,11 @@ void RowListView::FillItem(LVITEMW& item) const {
     if (item.mask & LVIF_TEXT)
         Ui::FillItemText(item.pszText, item.cchTextMax, m_rows.Text(row, static_cast<RowColumn>(item.iSubItem)));
     if (item.mask & LVIF_IMAGE) item.iImage = static_cast<int>(m_rows.Mark(row));
+}
+
+std::wstring RowListView::TextOfCell(int place, int column) const {
+    if (static_cast<size_t>(place) >= m_rows.PlaceCount()) return {};
+    return m_rows.Text(m_rows.RowAt(static_cast<size_t>(place)), static_cast<RowColumn>(column));
 }
 
 void RowListView::OnKey(WORD key) {
@@ -320,58 +243,56 @@ LRESULT RowListView::FindByText(const NMLVFINDITEMW& search) const {
     const size_t from = search.iStart < 0 ? 0 : static_cast<size_t>(search.iStart);
     for (size_t step = 0; step < count; ++step) {
         const size_t place = (from + step) % count;
-        const std::wstring_view name = m_rows.CurrentName(m_rows.RowAt(place));
+        const std::wstring_view name = m_rows.OldName(m_rows.RowAt(place));
         if (Win32::EqualIgnoringCase(name.substr(0, wanted.size()), wanted)) return static_cast<LRESULT>(place);
     }
     return -1;
 }
 
-LRESULT RowListView::OnDraw(NMLVCUSTOMDRAW& draw) {
+LRESULT RowListView::OnDraw(const NMLVCUSTOMDRAW& draw) const {
+    // The icon and the box of a row are the control's, so that the names are drawn after it.
     switch (draw.nmcd.dwDrawStage) {
         case CDDS_PREPAINT:
         case CDDS_ITEMPREPAINT: return CDRF_NOTIFYSUBITEMDRAW;  // the same number asks for the items
-        case CDDS_ITEMPREPAINT | CDDS_SUBITEM: break;
+        case CDDS_ITEMPREPAINT | CDDS_SUBITEM:
+            return IsNameColumn(draw.iSubItem) ? CDRF_NOTIFYPOSTPAINT : CDRF_DODEFAULT;
+        case CDDS_ITEMPOSTPAINT | CDDS_SUBITEM: break;
         default: return CDRF_DODEFAULT;
     }
     const size_t place = draw.nmcd.dwItemSpec;
-    if (draw.iSubItem != kNewNameColumn || place >= m_rows.PlaceCount()) return CDRF_DODEFAULT;
+    if (!IsNameColumn(draw.iSubItem) || place >= m_rows.PlaceCount()) return CDRF_DODEFAULT;
     const size_t row = m_rows.RowAt(place);
-    if (m_rows.NewName(row) == m_rows.OldName(row)) return CDRF_DODEFAULT;
-    DrawNewName(draw.nmcd.hdc, place);
-    return CDRF_SKIPDEFAULT;
+    const std::wstring& before = m_rows.OldName(row);
+    const std::wstring& after = m_rows.NewName(row);
+    const bool isNew = draw.iSubItem == kNewNameColumn;
+    const std::wstring& name = isNew ? after : before;
+    // Of both names the same part is in sight: what is there instead of the other's.
+    if (after.empty())
+        DrawName(draw.nmcd.hdc, draw, {name});
+    else
+        DrawName(
+            draw.nmcd.hdc, draw,
+            {name, isNew ? FindChangedPart(before, after) : FindChangedPart(after, before), isNew && before != after});
+    return CDRF_DODEFAULT;
 }
 
-void RowListView::DrawNewName(HDC context, size_t place) {
+void RowListView::DrawName(HDC context, const NMLVCUSTOMDRAW& cell, const DrawnName& name) const {
+    const size_t place = cell.nmcd.dwItemSpec;
     RECT bounds = {};
-    bounds.top = kNewNameColumn;
+    bounds.top = cell.iSubItem;
     bounds.left = LVIR_LABEL;
     SendMessageW(m_window, LVM_GETSUBITEMRECT, place, reinterpret_cast<LPARAM>(&bounds));
     const bool isSelected = SendMessageW(m_window, LVM_GETITEMSTATE, place, LVIS_SELECTED) != 0;
-    const bool hasFocus = GetFocus() == m_window;
-    const int ground = !isSelected ? COLOR_WINDOW : hasFocus ? COLOR_HIGHLIGHT : COLOR_BTNFACE;
-    const int ink = !isSelected ? COLOR_WINDOWTEXT : hasFocus ? COLOR_HIGHLIGHTTEXT : COLOR_BTNTEXT;
-    FillRect(context, &bounds, GetSysColorBrush(ground));
-    SetTextColor(context, GetSysColor(static_cast<int>(ink)));
-    SetBkMode(context, TRANSPARENT);
-
-    const size_t row = m_rows.RowAt(place);
-    const std::wstring_view name = m_rows.NewName(row);
-    const ChangedPart changed = FindChangedPart(m_rows.OldName(row), name);
-    const auto font = reinterpret_cast<HFONT>(SendMessageW(m_window, WM_GETFONT, 0, 0));
-    bounds.left += MulDiv(kNameMargin, GetDeviceCaps(context, LOGPIXELSX), USER_DEFAULT_SCREEN_DPI);
-    std::vector<int> edges;
-    AddEdges(context, name.substr(0, changed.begin), font, edges);
-    AddEdges(context, name.substr(changed.begin, changed.end - changed.begin), m_bold.Get(), edges);
-    AddEdges(context, name.substr(changed.end), font, edges);
-    std::vector<int> ellipsis;
-    AddEdges(context, L"\u2026", font, ellipsis);
-    const int gap = changed.begin == changed.end ? kGapWidth : 0;
-    LineDrawing line(context, bounds);
-    for (const NamePiece& piece : FitName(name, changed, edges, bounds.right - bounds.left - gap, ellipsis.back()))
-        if (piece.text.empty())
-            line.Gap();
-        else
-            line.Piece(piece.text, piece.isChanged ? m_bold.Get() : font);
+    NameColours colours = {COLOR_WINDOW, COLOR_WINDOWTEXT, COLOR_HOTLIGHT};
+    if (isSelected && GetFocus() == m_window)
+        colours = {COLOR_HIGHLIGHT, COLOR_HIGHLIGHTTEXT, COLOR_HIGHLIGHTTEXT};
+    else if (isSelected)
+        colours = {COLOR_BTNFACE, COLOR_BTNTEXT, COLOR_BTNTEXT};
+    FillRect(context, &bounds, GetSysColorBrush(colours.ground));
+    const int dotsPerInch = GetDeviceCaps(context, LOGPIXELSX);
+    bounds.left += MulDiv(cell.iSubItem == 0 ? kFirstMargin : kNameMargin, dotsPerInch, USER_DEFAULT_SCREEN_DPI);
+    bounds.right -= MulDiv(kNameMargin, dotsPerInch, USER_DEFAULT_SCREEN_DPI);
+    m_painter.Draw(context, bounds, name, colours);
 }
 
 }  // namespace BatchRename

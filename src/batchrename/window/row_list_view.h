@@ -1,13 +1,15 @@
 // row_list_view.h - the list control over a RowList: an owner-data list, so it holds no text and no row of its own, and
-// a hundred thousand rows cost it nothing. Draws the new names with their changed part in bold.
+// a hundred thousand rows cost it nothing.
 #pragma once
 
-#include <array>
 #include <optional>
 #include <vector>
 
 #include "batchrename/model/frame_model.h"
+#include "batchrename/window/cell_tips.h"
+#include "batchrename/window/name_painter.h"
 #include "batchrename/window/pane_listener.h"
+#include "batchrename/window/row_columns.h"
 #include "win32/handle.h"
 
 #include <commctrl.h>
@@ -21,21 +23,17 @@ struct ImageListTraits {
 };
 using ImageListHandle = Win32::UniqueHandle<ImageListTraits>;
 
-/// One picture for each RowMark, in its order; the first is empty. `size`: pixels. In high contrast all are in the
-/// colour of the text.
+/// One picture for each RowMark, in its order; the first is empty. `size`: pixels. In high contrast, and where its
+/// colour could not be seen, a picture is in the colour of the text.
 ImageListHandle MakeRowIcons(int size);
-
-struct FontTraits {
-    using Raw = HFONT;
-    static Raw Empty() noexcept { return nullptr; }
-    static void Close(Raw raw) noexcept { DeleteObject(raw); }
-};
-using FontHandle = Win32::UniqueHandle<FontTraits>;
 
 class RowListView {
 public:
     /// Both outlive the view.
-    RowListView(const RowList& rows, IPaneListener& listener) : m_rows(rows), m_listener(listener) {}
+    RowListView(const RowList& rows, IPaneListener& listener)
+        : m_rows(rows),
+          m_listener(listener),
+          m_tips([this](int place, int column) { return TextOfCell(place, column); }) {}
 
     /// @throws std::system_error
     void Create(HWND parent, int id, HFONT font);
@@ -45,11 +43,11 @@ public:
     /// selection stays with its rows, also over a moment in which there are none. `areInPlace`: each row stands for the
     /// one that had its number before, whatever it is called now.
     void Refresh(bool areInPlace = false);
-    /// The list is wider or narrower: the columns of names share what width the others leave, beyond their own.
-    void FillWidth();
+    /// The list is wider or narrower.
+    void FillWidth() { m_columns.Fit(); }
     /// The header over the new names tells when they are not up to date.
     void ShowOutdated(bool isOutdated);
-    void ShowOrder(const RowOrder& order);
+    void ShowOrder(const RowOrder& order) const { m_columns.ShowOrder(order); }
     void Recolour();
 
     RowRange VisibleRows() const;
@@ -66,14 +64,16 @@ public:
 
 private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
+    void OnHeaderNotice(const NMHEADERW& notice);
     void FillItem(LVITEMW& item) const;
+    std::wstring TextOfCell(int place, int column) const;
     void OnKey(WORD key);
     LRESULT FindByText(const NMLVFINDITEMW& search) const;
     /// By row of those that are shown: the selected ones, or the one with the focus.
     std::vector<bool> ShownRowsWith(WPARAM state) const;
     void SetStates(const std::vector<bool>& isSelected, const std::vector<bool>& isFocused);
-    LRESULT OnDraw(NMLVCUSTOMDRAW& draw);
-    void DrawNewName(HDC context, size_t place);
+    LRESULT OnDraw(const NMLVCUSTOMDRAW& draw) const;
+    void DrawName(HDC context, const NMLVCUSTOMDRAW& cell, const DrawnName& name) const;
 
     const RowList& m_rows;
     IPaneListener& m_listener;
@@ -84,9 +84,11 @@ private:
     std::optional<std::vector<uint32_t>> m_shownPlaces;
     std::vector<bool> m_keptSelection;
     std::vector<bool> m_keptFocus;
-    std::array<int, 2> m_spareWidths = {};  // pixels that each column of names has beyond its own
+    bool m_isOutdated = false;
+    RowColumns m_columns;
+    CellTips m_tips;
+    NamePainter m_painter;
     ImageListHandle m_icons;
-    FontHandle m_bold;
 };
 
 }  // namespace BatchRename
