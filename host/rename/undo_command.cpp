@@ -44,15 +44,17 @@ int List(RenameHost& host, Output& output) {
 /// By its file name, with or without the ending. "last" is the newest one that has not been restored, so that repeating
 /// it walks back; `isAny`: the newest one when all have been.
 SharedSession FindSession(RenameHost& host, const std::wstring& name, bool isAny) {
-    if (name != L"last")
-        if (SharedSession session = host.Journal().Find(name)) return session;
-    const std::vector<SharedSession>& sessions = host.Journal().Sessions();
-    if (name == L"last" && !sessions.empty()) {
-        const auto found = std::ranges::find(sessions, false, &BatchRenameUndo::haveRestored);
-        if (found != sessions.end()) return *found;
-        if (isAny) return sessions.front();
+    UndoStore& journal = host.Journal();
+    const auto newest = [&](bool mayBeRestored) {
+        return journal.FindNewest(
+            [&](const BatchRenameUndo& session) { return mayBeRestored || !session.haveRestored; });
+    };
+    SharedSession found = name == L"last" ? newest(false) : journal.Find(name);
+    if (!found && name == L"last" && isAny) found = newest(true);
+    if (found) return found;
+    const std::vector<SharedSession>& sessions = journal.Sessions();
+    if (name == L"last" && !sessions.empty())
         throw UsageError(L"every session has been restored (qvhost undo lists them)");
-    }
     std::vector<std::wstring> known;
     known.reserve(sessions.size());
     for (const SharedSession& session : sessions) known.push_back(session->fileName);
@@ -156,8 +158,9 @@ int RunUndo(const HostOptions& options, HostEnvironment& environment, Output& ou
         throw UsageError(L"--preview and --only go with qvhost undo restore");
     RenameHost host(options, environment, output);
     if (isList) return List(host, output);
-    if (verb == L"delete" && words[1] == L"last" && !host.Journal().Sessions().empty())
-        return Delete(host, output, host.Journal().Sessions().front());
+    if (verb == L"delete" && words[1] == L"last")
+        if (const SharedSession newest = host.Journal().FindNewest([](const BatchRenameUndo&) { return true; }))
+            return Delete(host, output, newest);
     const SharedSession session = FindSession(host, words[1], !isRestore);
     if (isRestore) return Restore(host, *session, options.undo);
     return verb == L"show" ? Show(output, *session) : Delete(host, output, session);

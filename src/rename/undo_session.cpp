@@ -315,4 +315,13 @@ const std::wstring& FileNameOf(BatchRenameUndo& session) {
     return name;
 }
 
+std::optional<CalendarTime> TimeOfFileName(const std::wstring& name) {
+    BatchRenameUndo session;
+    CalendarTime& time = session.time;
+    const int count = std::swscanf(name.c_str(), L"BatchRenameUndoData-%5d-%2d-%2d-%2d%2d%2d", &time.year, &time.month,
+                                   &time.day, &time.hour, &time.minute, &time.second);
+    constexpr int kFields = 6;
+    return count == kFields && FileNameOf(session) == name ? std::optional(time) : std::nullopt;
+}
+
 }  // namespace BatchRename

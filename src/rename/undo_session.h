@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -78,5 +79,7 @@ std::wstring DecodeSession(std::string_view bytes);
 
 /// The session's file name, made from its time and kept when it had none.
 const std::wstring& FileNameOf(BatchRenameUndo& session);
+/// The time that such a name was made from, without the day of the week; nothing for any other name.
+std::optional<CalendarTime> TimeOfFileName(const std::wstring& name);
 
 }  // namespace BatchRename

@@ -125,6 +125,26 @@ TEST(UndoStore, ListsTheNewestFirstAndDeletesWhatItCan) {
     EXPECT_EQ(folder.List(), (std::vector<std::wstring>{L"a.dat", L"damaged.dat", L"other.txt"}));
 }
 
+TEST(UndoStore, FindsTheNewestByItsNameAlone) {
+    const TemporaryFolder folder;
+    for (const wchar_t* time : {L"2015-12-31-235959", L"2024-02-29-000001", L"2016-03-07-142904"})
+        folder.Write(L"BatchRenameUndoData-" + std::wstring(time) + L".dat", "");
+    folder.Write(L"BatchRenameUndoData-2024-2-29-235959.dat", Utf16(kText));  // named by another: its time is in it
+    UndoStore store;
+    store.SetFolder(folder.Path());
+    std::vector<std::wstring> asked;
+    EXPECT_FALSE(store.FindNewest([&](const BatchRenameUndo& session) {
+        asked.push_back(session.fileName.substr(20));
+        return false;
+    }));
+    EXPECT_EQ(asked, (std::vector<std::wstring>{L"2024-02-29-000001.dat", L"2024-2-29-235959.dat",
+                                                L"2016-03-07-142904.dat", L"2015-12-31-235959.dat"}));
+    const auto newest = store.FindNewest([](const BatchRenameUndo&) { return true; });
+    ASSERT_TRUE(newest);
+    EXPECT_TRUE(store.Delete(newest));
+    EXPECT_EQ(store.Sessions().size(), 3u);
+}
+
 int g_flushes = 0;
 BOOL WINAPI CountFlush(HANDLE) {
     ++g_flushes;

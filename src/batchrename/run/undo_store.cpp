@@ -1,7 +1,11 @@
 #include "batchrename/run/undo_store.h"
 
 #include <algorithm>
+#include <functional>
+#include <optional>
 #include <string_view>
+#include <tuple>
+#include <utility>
 
 #include "batchrename/rule_context.h"
 #include "textio/replace_file.h"
@@ -54,16 +58,41 @@ std::shared_ptr<BatchRenameUndo> UndoStore::Read(const std::wstring& fileName) c
 const std::vector<std::shared_ptr<BatchRenameUndo>>& UndoStore::Sessions() {
     if (m_isListed) return m_sessions;
     m_sessions.clear();
-    std::vector<std::wstring> names;
-    Win32::ListFolder(m_folder, L"*.dat", names);
-    for (const std::wstring& name : names) m_sessions.push_back(Read(name));
-    std::ranges::stable_sort(m_sessions, [](const auto& left, const auto& right) {
-        const int64_t leftTime = SecondsOf(left->time);
-        const int64_t rightTime = SecondsOf(right->time);
-        return leftTime != rightTime ? leftTime > rightTime : left->fileName > right->fileName;
-    });
+    for (const Listed& listed : ListFolder())
+        m_sessions.push_back(listed.session ? listed.session : Read(listed.fileName));
     m_isListed = true;
     return m_sessions;
+}
+
+std::vector<UndoStore::Listed> UndoStore::ListFolder() const {
+    std::vector<std::wstring> names;
+    Win32::ListFolder(m_folder, L"*.dat", names);
+    std::vector<Listed> all;
+    for (std::wstring& name : names) {
+        Listed listed;
+        if (const std::optional<CalendarTime> time = TimeOfFileName(name)) {
+            listed.seconds = SecondsOf(*time);
+        } else {
+            listed.session = Read(name);
+            listed.seconds = SecondsOf(listed.session->time);
+        }
+        listed.fileName = std::move(name);
+        all.push_back(std::move(listed));
+    }
+    std::ranges::sort(all, std::greater(), [](const Listed& one) { return std::tie(one.seconds, one.fileName); });
+    return all;
+}
+
+std::shared_ptr<BatchRenameUndo> UndoStore::FindNewest(const std::function<bool(const BatchRenameUndo&)>& isWanted) {
+    if (m_isListed) {
+        const auto found = std::ranges::find_if(m_sessions, [&](const auto& session) { return isWanted(*session); });
+        return found == m_sessions.end() ? nullptr : *found;
+    }
+    for (const Listed& listed : ListFolder()) {
+        const auto session = listed.session ? listed.session : Read(listed.fileName);
+        if (isWanted(*session)) return m_sessions.emplace_back(session);
+    }
+    return nullptr;
 }
 
 std::shared_ptr<BatchRenameUndo> UndoStore::Find(const std::wstring& name) {

@@ -70,6 +70,8 @@ public:
     /// The sessions in the folder, newest first. They are read when they are asked for first: a run that is recorded
     /// does without.
     const std::vector<std::shared_ptr<BatchRenameUndo>>& Sessions();
+    /// The newest session of which `isWanted` is true; null when there is none. Reads as many as that takes.
+    std::shared_ptr<BatchRenameUndo> FindNewest(const std::function<bool(const BatchRenameUndo&)>& isWanted);
     /// Lets the next Sessions read the folder again.
     void Refresh() { m_isListed = false; }
     /// The session of this file name, with or without its ending; null when there is none. Reads no other.
@@ -88,7 +90,15 @@ public:
     void ForgetError() { m_lastError = 0; }
 
 private:
+    struct Listed {
+        int64_t seconds = 0;
+        std::wstring fileName;
+        std::shared_ptr<BatchRenameUndo> session;  // null: not read yet
+    };
+
     std::shared_ptr<BatchRenameUndo> Read(const std::wstring& fileName) const;
+    /// Newest first: by the time that a session's name tells, or the session itself where another has named it.
+    std::vector<Listed> ListFolder() const;
     std::wstring PathOf(BatchRenameUndo& session);
     uint32_t WriteFileOf(BatchRenameUndo& session, bool mayReplace);
     UndoProgress OpenAtEnd(BatchRenameUndo& session);
