@@ -20,16 +20,17 @@ namespace Option = SortOption;
 template <class CharT>
 using Lines = std::vector<std::basic_string<CharT>>;
 
+/// By so many threads; 0: on this one.
 template <class CharT>
-SortableLinesData<CharT> Load(const Lines<CharT>& lines) {
+SortableLinesData<CharT> Load(const Lines<CharT>& lines, uint32_t threads = 0) {
     std::basic_string<CharT> text;
     for (const auto& line : lines) (text += line) += CharT('\n');
     QVUtils::MemoryDataReader reader(text.data(), static_cast<uint32_t>(text.size() * sizeof(CharT)), false);
     QVUtils::Progress progress;
-    return SortableLinesData<CharT>(reader, 10, progress);  // the file has grown since it was opened
+    Workers workers(progress, threads);
+    return SortableLinesData<CharT>(reader, 10, workers);  // the file has grown since it was opened
 }
 
-/// By so many threads; 0: on this one.
 template <class CharT>
 void Sort(SortableLinesData<CharT>& data, const SortRequest& request, const std::basic_string<CharT>& dateFormat,
           uint32_t threads = 0) {

@@ -4,6 +4,7 @@
 #include "win32/code_page.h"
 #include "win32/files.h"
 #include "win32/path.h"
+#include "win32/system_lock.h"
 #include "win32/text.h"
 
 namespace Win32 {
@@ -37,6 +38,13 @@ bool Exists(const std::wstring&) {
 uint32_t GetStamp(void*, FileStamp&) {
     return 5;
 }
+
+// A target has one thread.
+void SystemLock::lock() noexcept {}
+void SystemLock::unlock() noexcept {}
+void SystemCondition::Wait(std::unique_lock<SystemLock>&, uint32_t) noexcept {}
+void SystemCondition::WakeOne() noexcept {}
+void SystemCondition::WakeAll() noexcept {}
 
 /// Byte by byte: decoding well is the system's affair.
 std::wstring FromCodePage(std::string_view text, uint32_t) {

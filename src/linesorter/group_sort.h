@@ -81,7 +81,6 @@ public:
         all.depth = ChoosePivot(all, m_readers.front());
         const uint32_t pivot = PivotOf(all).index;
         for (Reader& reader : m_readers) reader.SetPivot(pivot, 0);
-        m_workers.GetProgress().BeginPart(SortPart::KeysRead);
         m_workers.ForEach(m_entries.size(), [&](uint32_t begin, uint32_t end, uint32_t worker) {
             Load({.begin = begin, .end = end, .depth = all.depth}, m_readers[worker]);
         });

@@ -95,21 +95,19 @@ private:
         // Asked for while the file is open, which it is not for long.
         auto original = QVUtils::OriginalOf(file.GetFile(), m_source, m_target);
         Workers workers(m_progress, ThreadsFor(file.GetSize()));
-        m_progress.BeginPart(SortPart::TextRead);
-        SortableLinesData<CharT> data(file.GetReader(), file.GetSize(), m_progress);
+        SortableLinesData<CharT> data(file.GetReader(), file.GetSize(), workers);
         file.Close();
         m_progress.BeginPart(SortPart::KeysCut);
         m_result.linesTooShort = CutKeys(data, m_request, rule, workers);
-        m_progress.BeginPart(SortPart::KeysRead);
         m_result.lines = CountSorted(data, m_request);
         m_result.linesWithoutValue = SortLines(data, m_request, dateFormat, workers);
         if (m_request.Has(SortOption::RemoveBlankLines)) RemoveBlankLines(data, m_request);
         m_progress.BeginPart(SortPart::Written);
-        Save(data, std::move(original));
+        Save(data, std::move(original), workers);
     }
 
     template <class CharT>
-    void Save(const SortableLinesData<CharT>& data, std::optional<Win32::FileState>&& original) {
+    void Save(const SortableLinesData<CharT>& data, std::optional<Win32::FileState>&& original, Workers& workers) {
         const bool mayOverwrite = m_request.Has(SortOption::Overwrite);
         if (m_request.Has(SortOption::SaveAs) && !mayOverwrite && Win32::Exists(m_target))
             throw QVLineSorterException(ErrorCode::FileExists, "Target file already exists");
@@ -118,7 +116,7 @@ private:
                                                  .keepBackup = m_request.Has(SortOption::KeepBackup),
                                                  .dropBackup = m_request.Has(SortOption::DeleteBackup)};
         m_result.backupErrorCode = QVUtils::ReplaceFileContent(
-            replace, [&](QVUtils::DataWriter& writer) { WriteLines(data, writer, m_progress); }, std::move(original));
+            replace, [&](QVUtils::DataWriter& writer) { WriteLines(data, writer, workers); }, std::move(original));
     }
 
     const std::wstring& m_source;

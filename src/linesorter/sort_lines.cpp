@@ -23,18 +23,24 @@ Range SortedRange(SortableLinesData<CharT>& data, const SortRequest& request) {
     const size_t count = data.Lines().size();
     const size_t top = std::min<size_t>(request.keepTop, count);
     const size_t bottom = std::min<size_t>(request.keepBottom, count - top);
-    return Range(data.Lines()).subspan(top, count - top - bottom);
+    return data.Lines().subspan(top, count - top - bottom);
 }
 
 /// Sorts by entries, `sort` putting these in order, and moves the lines into it. The entries are all the memory that a
 /// sort takes for each line.
 template <class Sort>
 void SortEntries(Range lines, Workers& workers, Sort&& sort) {
-    std::vector<KeyedIndex> entries(lines.size());
-    for (uint32_t i = 0; i < entries.size(); ++i) entries[i].index = i;
-    sort(std::span(entries));
+    const Records<KeyedIndex> memory = AllocateRecords<KeyedIndex>(lines.size());
+    const std::span entries(memory.get(), lines.size());
+    QVUtils::Progress& progress = workers.GetProgress();
+    progress.BeginPart(SortPart::KeysCut);
+    workers.ForEach(lines.size(), [&](uint32_t begin, uint32_t end, uint32_t) {
+        for (uint32_t i = begin; i < end; ++i) entries[i] = {.index = i};
+    });
+    progress.BeginPart(SortPart::KeysRead);
+    sort(entries);
     static_assert(sizeof(SortableLine) == sizeof(KeyedIndex));
-    workers.GetProgress().BeginPart(SortPart::LinesMoved);
+    progress.BeginPart(SortPart::LinesMoved);
     workers.ForEach(lines.size(), [&](uint32_t begin, uint32_t end, uint32_t) {
         constexpr uint32_t kAhead = 16;
         for (uint32_t i = begin; i < end; ++i) {
@@ -42,8 +48,10 @@ void SortEntries(Range lines, Workers& workers, Sort&& sort) {
             entries[i] = std::bit_cast<KeyedIndex>(lines[entries[i].index]);
         }
     });
-    std::ranges::transform(entries, lines.begin(),
-                           [](const KeyedIndex& entry) { return std::bit_cast<SortableLine>(entry); });
+    progress.BeginPart(SortPart::LinesMoved);
+    workers.ForEach(lines.size(), [&](uint32_t begin, uint32_t end, uint32_t) {
+        for (uint32_t i = begin; i < end; ++i) lines[i] = std::bit_cast<SortableLine>(entries[i]);
+    });
 }
 
 /// A comparator on whole lines.
@@ -281,9 +289,9 @@ uint64_t SortLines(SortableLinesData<CharT>& data, const SortRequest& request,
 template <class CharT>
 void RemoveBlankLines(SortableLinesData<CharT>& data, const SortRequest& request) {
     const Range lines = SortedRange(data, request);
-    const auto first = data.Lines().begin() + (lines.data() - data.Lines().data());
-    const auto last = first + static_cast<ptrdiff_t>(lines.size());
-    data.Lines().erase(std::remove_if(first, last, [](const SortableLine& line) { return line.length == 0; }), last);
+    const auto blank = std::ranges::remove(lines, 0U, &SortableLine::length);
+    const auto end = static_cast<size_t>(lines.data() + lines.size() - data.Lines().data());
+    data.Drop(end - blank.size(), end);
 }
 
 template uint64_t CutKeys(SortableLinesData<char>&, const SortRequest&, const KeyRule<char>&, Workers&);

@@ -34,7 +34,8 @@ void Workers::Add(const Task& task, uint32_t worker) {
     try {
         std::unique_lock lock(m_lock, std::defer_lock);
         if (!m_threads.empty()) lock.lock();
-        m_tasks.push_back(task);
+        // A relay waits for its oldest piece first.
+        m_tasks.insert(task.kind == kRelayed ? m_tasks.begin() : m_tasks.end(), task);
     } catch (const std::bad_alloc&) {
         (*m_work)(task, worker);
         return;
@@ -55,12 +56,13 @@ void Workers::Run(const Work& work, const Task& first, uint64_t total) {
     }
 }
 
+/// All tasks that there are, where there is no thread for them.
 void Workers::RunHere() {
-    while (!m_tasks.empty()) {
+    while (m_threads.empty() && !m_tasks.empty()) {
         const Task task = m_tasks.back();
         m_tasks.pop_back();
         (*m_work)(task, 0);
-        m_progress.Advance(m_done, m_total);
+        if (m_total > 0) m_progress.Advance(m_done, m_total);
     }
 }
 
@@ -87,6 +89,65 @@ void Workers::RunOnThreads(const Task& first) {
     m_isStopped = false;
     if (cancelled) std::rethrow_exception(cancelled);
     if (m_failure) std::rethrow_exception(std::exchange(m_failure, nullptr));
+}
+
+void Workers::Run(const Relay& relay) {
+    const Work work = [&](const Task& task, uint32_t worker) {
+        relay.work(task, worker);
+        if (task.kind == kRelayed) FinishSlot(task.begin);
+    };
+    m_work = &work;
+    m_total = 0;
+    m_tasks.clear();
+    m_doneSlots = 0;
+    m_failure = nullptr;
+    m_isStopped = false;
+    try {
+        RunRelay(relay);
+    } catch (...) {
+        m_isStopped = true;
+        EndRelay();
+        throw;
+    }
+    EndRelay();
+    if (m_failure) std::rethrow_exception(std::exchange(m_failure, nullptr));
+}
+
+void Workers::RunRelay(const Relay& relay) {
+    uint32_t finished = 0;
+    uint32_t begun = 0;
+    for (bool hasMore = true; hasMore || finished != begun;) {
+        if (hasMore && begun - finished < relay.slots) {
+            hasMore = relay.begin(begun % relay.slots);
+            if (hasMore) Add({.begin = begun++ % relay.slots, .kind = kRelayed}, 0);
+        } else {
+            WaitForSlot(finished % relay.slots);
+            if (m_isStopped) return;
+            relay.finish(finished++ % relay.slots);
+        }
+    }
+    RunHere();
+}
+
+void Workers::WaitForSlot(uint32_t slot) {
+    RunHere();
+    std::unique_lock lock(m_lock);
+    while (!(m_doneSlots >> slot & 1) && !m_isStopped) m_isIdle.Wait(lock);
+    m_doneSlots &= ~(1U << slot);
+}
+
+void Workers::FinishSlot(uint32_t slot) {
+    const std::scoped_lock lock(m_lock);
+    m_doneSlots |= 1U << slot;
+    m_isIdle.WakeOne();
+}
+
+/// Until every thread rests.
+void Workers::EndRelay() noexcept {
+    std::unique_lock lock(m_lock);
+    if (m_isStopped) m_tasks.clear();
+    while (!IsIdle()) m_isIdle.Wait(lock);
+    m_isStopped = false;
 }
 
 void Workers::WorkUntilEnd(uint32_t worker) {

@@ -26,6 +26,7 @@ struct Task {
 /// How much of a file's work is done at the end of each part, in percent.
 namespace SortPart {
 inline constexpr uint32_t TextRead = 15;
+inline constexpr uint32_t LinesCut = 18;
 inline constexpr uint32_t KeysCut = 20;
 inline constexpr uint32_t KeysRead = 30;
 inline constexpr uint32_t Ordered = 70;
@@ -33,6 +34,14 @@ inline constexpr uint32_t LinesMoved = 75;
 inline constexpr uint32_t BeginningsPlaced = 80;
 inline constexpr uint32_t Written = 100;
 }  // namespace SortPart
+
+/// A row of pieces that the calling thread begins and finishes in order, while workers do what lies between.
+struct Relay {
+    uint32_t slots = 1;                        // so many pieces at most are begun and not finished; 32 at most
+    std::function<bool(uint32_t slot)> begin;  // false: there are no more
+    std::function<void(const Task&, uint32_t worker)> work;  // `task.begin` is the slot
+    std::function<void(uint32_t slot)> finish;
+};
 
 class Workers {
 public:
@@ -55,19 +64,25 @@ public:
     /// Does the task and all that are added meanwhile. The work calls Finish with what is done, out of `total`.
     /// @throws what the work throws, and QVUtilsException when the user has cancelled; no thread works on after that
     void Run(const Work& work, const Task& first, uint64_t total);
-    /// From inside a work: another task, for any thread.
+    /// Does all pieces of the relay, and what `begin` and `finish` add, which must not be of kind kRelayed.
+    /// @throws what its functions throw; no thread works on after that
+    void Run(const Relay& relay);
+    static constexpr uint16_t kRelayed = 0xFFFF;
+    /// From inside a work, a `begin` or a `finish`: another task, for any thread.
     void Add(const Task& task, uint32_t worker);
     void Finish(uint64_t count) noexcept { m_done += count; }
     /// From inside a work that takes long, each few thousand lines. @throws an exception that the work lets pass, when
     /// all is to end
     void Check();
 
-    /// Calls `work(begin, end, worker)` for all of `count` lines, in pieces.
+    static constexpr uint32_t kPiece = 4096;  // lines; a few milliseconds at most
+
+    /// Calls `work(begin, end, worker)` for all of `count` lines, or other things, in pieces of so many.
     template <class PieceWork>
-    void ForEach(size_t count, PieceWork&& work) {
+    void ForEach(size_t count, PieceWork&& work, uint32_t inPiece = kPiece) {
         const Work piece = [&](const Task& task, uint32_t worker) {
             uint32_t end = task.end;
-            while (end - task.begin > kPiece) {  // halves, so that the pieces spread without a long list of them
+            while (end - task.begin > inPiece) {  // halves, so that the pieces spread without a long list of them
                 const uint32_t middle = task.begin + (end - task.begin) / 2;
                 Add({.begin = middle, .end = end}, worker);
                 end = middle;
@@ -79,12 +94,14 @@ public:
     }
 
 private:
-    static constexpr uint32_t kPiece = 4096;  // lines; a few milliseconds at most
-
     struct Stopped {};
 
     void RunHere();
     void RunOnThreads(const Task& first);
+    void RunRelay(const Relay& relay);
+    void WaitForSlot(uint32_t slot);
+    void FinishSlot(uint32_t slot);
+    void EndRelay() noexcept;
     void WorkUntilEnd(uint32_t worker);
     bool IsIdle() const { return m_busy == 0 && m_tasks.empty(); }
     void DoOne(const Task& task, uint32_t worker) noexcept;
@@ -103,6 +120,7 @@ private:
     bool m_isOver = false;
     size_t m_busy = 0;
     size_t m_started = 0;
+    uint32_t m_doneSlots = 0;  // of a relay; one bit each
     std::exception_ptr m_failure;
     std::vector<std::jthread> m_threads;  // last: they use everything above
 };

@@ -130,6 +130,40 @@ bool HasOnlyCrLf(const CharT* begin, const CharT* end) {
 }
 
 template <class CharT>
+LineBegins CountLineBegins(const CharT* begin, const CharT* end) {
+    LineBegins found;
+#ifdef __SSE2__
+    using B = Block<CharT>;
+    const __m128i cr = B::Fill(CharT('\r'));
+    const __m128i lf = B::Fill(CharT('\n'));
+    const __m128i zero = _mm_setzero_si128();
+    __m128i zeros = zero;
+    while (static_cast<size_t>(end - begin) >= B::kUnits) {
+        // Each byte counts its own hits, and so many that it does not overflow.
+        const size_t blocks = std::min<size_t>(static_cast<size_t>(end - begin) / B::kUnits, 255);
+        __m128i counts = zero;
+        for (const CharT* const stop = begin + blocks * B::kUnits; begin != stop; begin += B::kUnits) {
+            const __m128i units = B::Load(begin);
+            const __m128i before = B::Load(begin - 1);
+            const __m128i isBegin =
+                _mm_or_si128(B::Equal(before, lf), _mm_andnot_si128(B::Equal(units, lf), B::Equal(before, cr)));
+            counts = _mm_sub_epi8(counts, isBegin);
+            zeros = _mm_or_si128(zeros, B::Equal(units, zero));
+        }
+        const __m128i sums = _mm_sad_epu8(counts, zero);
+        const auto bytes = static_cast<size_t>(_mm_cvtsi128_si64(_mm_add_epi64(sums, _mm_unpackhi_epi64(sums, sums))));
+        found.lines += bytes / sizeof(CharT);
+    }
+    found.hasZero = B::Mask(zeros) != 0;
+#endif
+    for (; begin != end; ++begin) {
+        if (begin[-1] == CharT('\n') || (begin[-1] == CharT('\r') && *begin != CharT('\n'))) ++found.lines;
+        found.hasZero = found.hasZero || *begin == CharT(0);
+    }
+    return found;
+}
+
+template <class CharT>
 const CharT* FindUnit(const CharT* begin, const CharT* end, CharT unit) {
 #ifdef __SSE2__
     using B = Block<CharT>;
@@ -268,6 +302,7 @@ const CharT* SequenceFinder<CharT>::FindLastBy(const CharT* begin, const CharT* 
     template class SequenceFinder<CharT>;                            \
     template const CaseFolding<CharT>& PlainCaseFolding();           \
     template const CharT* FindLineBreak(const CharT*, const CharT*); \
+    template LineBegins CountLineBegins(const CharT*, const CharT*); \
     template bool HasOnlyCrLf(const CharT*, const CharT*);           \
     template const CharT* FindUnit(const CharT*, const CharT*, CharT);
 QV_INSTANTIATE(char)

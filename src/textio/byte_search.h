@@ -47,6 +47,16 @@ const CharT* FindLineBreak(const CharT* begin, const CharT* end);
 template <class CharT>
 bool HasOnlyCrLf(const CharT* begin, const CharT* end);
 
+struct LineBegins {
+    size_t lines = 0;
+    bool hasZero = false;  // a unit of the text is zero
+};
+
+/// How many lines begin in the text: at each unit after a LF, and after a CR unless it is a LF. `begin[-1]` is looked
+/// at too, and must be there when the text is not empty.
+template <class CharT>
+LineBegins CountLineBegins(const CharT* begin, const CharT* end);
+
 /// The first unit equal to `unit`.
 template <class CharT>
 const CharT* FindUnit(const CharT* begin, const CharT* end, CharT unit);
