@@ -4,14 +4,12 @@
 #include <cstring>
 #include <sstream>
 
-#include <shlobj.h>
-
 #include "fileutils/command_runner.h"
 #include "support/replaced_imports.h"
-#include "win32/com.h"
 #include "win32/files.h"
 #include "win32/handle.h"
 #include "win32/path.h"
+#include "win32/shortcut.h"
 
 namespace {
 
@@ -157,16 +155,7 @@ TEST(LinkShortcut, HasTheseFields) {
     const std::wstring target = folder.Write(L"target", "x");
     const std::wstring link = folder / L"link.lnk";
     ASSERT_EQ(ThisSystem().saveShortcut(link, target, folder.Path(), L"words"), 0u);
-    const Win32::ComApartment apartment;
-    const auto shortcut = Win32::MakeComObject<IShellLinkW>(CLSID_ShellLink, IID_IShellLinkW);
-    const auto file = Win32::InterfaceOf<IPersistFile>(shortcut, IID_IPersistFile);
-    ASSERT_TRUE(file);
-    ASSERT_EQ(file->Load(link.c_str(), STGM_READ), S_OK);
-    wchar_t text[3][MAX_PATH] = {};
-    shortcut->GetPath(text[0], MAX_PATH, nullptr, SLGP_RAWPATH);
-    shortcut->GetWorkingDirectory(text[1], MAX_PATH);
-    shortcut->GetDescription(text[2], MAX_PATH);
-    EXPECT_EQ((Words{text[0], text[1], text[2]}), (Words{target, folder.Path(), L"words"}));
+    EXPECT_EQ(Win32::ReadShortcut(link), (Win32::Shortcut{target, L"", folder.Path(), L"words"}));
 }
 
 /// Runs "CreateLink" for a target and the link "link" of the runner's folder.

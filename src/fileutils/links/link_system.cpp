@@ -1,12 +1,10 @@
 #include "fileutils/links/link_creation.h"
 #include "win32/windows.h"
 
-#include <shlobj.h>
-
-#include "win32/com.h"
 #include "win32/handle.h"
 #include "win32/module.h"
 #include "win32/path.h"
+#include "win32/shortcut.h"
 
 namespace FileUtils {
 namespace {
@@ -47,14 +45,8 @@ uint32_t SetReparsePoint(const std::wstring& folder, const ReparseBuffer& buffer
 
 uint32_t SaveShortcut(const std::wstring& link, const std::wstring& target, const std::wstring& workingFolder,
                       const wchar_t* description) {
-    const Win32::ComApartment apartment;
-    const auto shortcut = Win32::MakeComObject<IShellLinkW>(CLSID_ShellLink, IID_IShellLinkW);
-    const auto file = Win32::InterfaceOf<IPersistFile>(shortcut, IID_IPersistFile);
-    if (!file) return ERROR_PATH_NOT_FOUND;
-    const bool isSaved = SUCCEEDED(shortcut->SetPath(target.c_str())) &&
-                         (workingFolder.empty() || SUCCEEDED(shortcut->SetWorkingDirectory(workingFolder.c_str()))) &&
-                         SUCCEEDED(shortcut->SetDescription(description)) && SUCCEEDED(file->Save(link.c_str(), TRUE));
-    return isSaved ? ERROR_SUCCESS : ERROR_PATH_NOT_FOUND;
+    return Win32::SaveShortcut(
+        link, {.target = target, .arguments = {}, .workingFolder = workingFolder, .description = description});
 }
 
 }  // namespace
