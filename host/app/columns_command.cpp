@@ -1,9 +1,6 @@
 #include "host/app/subcommands.h"
 
 #include <algorithm>
-#include <charconv>
-
-#include <nlohmann/json.hpp>
 
 #include "host/app/host_text.h"
 
@@ -74,30 +71,20 @@ void PrintCsv(Output& output, const ColumnValues& values, const Next& next) {
     while (FileItem* const item = next()) PrintCsvRow(output, RowOf(values, *item));
 }
 
-nlohmann::ordered_json JsonValue(FileItem& item, const ColumnValues::Column& column) {
+JsonValue JsonOf(FileItem& item, const ColumnValues::Column& column) {
     const std::optional<std::wstring> value = ColumnValues::ValueOf(item, column);
     if (!value) return nullptr;
-    const std::string text = ToUtf8(*value);
-    uint64_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    const bool isNumber = IsNumber(column) && error == std::errc() && end == text.data() + text.size();
-    if (isNumber) return number;
-    return text;
+    const std::optional<uint64_t> number = Win32::WholeNumber<uint64_t>(*value);
+    return IsNumber(column) && number ? JsonValue(*number) : JsonValue(*value);
 }
 
-void PrintJson(Output& output, const ColumnValues& values, const Next& next) {
-    std::wstring row;
-    output.Line(L"[");
+void PrintItems(Output& output, const ColumnValues& values, const Next& next) {
     while (FileItem* const item = next()) {
-        if (!row.empty()) output.Line(row + L",");
-        nlohmann::ordered_json object;
-        object[ToUtf8(kPathKey)] = ToUtf8(item->Path());
+        JsonFields fields = {{"path", item->Path()}, {"state", L"listed"}};
         for (const ColumnValues::Column& column : values.Columns())
-            object[ToUtf8(column.definition->key)] = JsonValue(*item, column);
-        row = L"  " + FromUtf8(object.dump()).value_or(L"");
+            fields.emplace_back(ToUtf8(column.definition->key), JsonOf(*item, column));
+        output.Item(fields);
     }
-    if (!row.empty()) output.Line(row);
-    output.Line(L"]");
 }
 
 }  // namespace
@@ -114,7 +101,7 @@ bool PrintColumns(Output& output, const ColumnValues& values, const Items& items
     switch (format) {
         case ColumnFormat::Table: PrintTable(output, values, next); break;
         case ColumnFormat::Csv: PrintCsv(output, values, next); break;
-        case ColumnFormat::Json: PrintJson(output, values, next); break;
+        case ColumnFormat::Items: PrintItems(output, values, next); break;
     }
     return isWhole;
 }

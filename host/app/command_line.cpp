@@ -14,6 +14,20 @@ namespace {
 
 constexpr wchar_t kServerAction[] = L"elevated-server";
 
+/// The words that an option takes as its value, or a subcommand as its first word, where these are few; a blank stands
+/// between them.
+constexpr struct {
+    std::string_view name;
+    std::string_view words;
+} kChoices[] = {
+    {"--case", "lower upper name-lower name-upper extension-lower extension-upper words sentence"},
+    {"--scope", "both name extension"},
+    {"--sort", "natural date size none"},
+    {"--on-clash", "fail number"},
+    {"undo", "list show restore delete"},
+    {"completion", "bash powershell"},
+};
+
 std::wstring Wide(const std::string& text) {
     return FromUtf8(text).value_or(L"");
 }
@@ -41,29 +55,34 @@ CLI::Option* AddValue(CLI::App& app, const char* name, const char* typeName, Tar
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
+std::string NotEmpty(const std::string& value) {
+    return value.empty() ? "needs a value that is not empty" : "";
+}
+
 void AddOptions(CLI::App& app, HostOptions& options) {
-    const auto notEmpty = [](const std::string& value) {
-        return value.empty() ? std::string("needs a value that is not empty") : std::string();
-    };
     app.set_version_flag("--version", "qvhost " QV_VERSION, "Print the version and exit");
     AddValue(app, "--library", "FILE", options.library,
              "The library to load (default: QVUtils.dll beside this program)")
-        ->check(notEmpty);
-    AddValue(app, "--config", "FOLDER", options.config, "Where settings are kept (default: per user)")->check(notEmpty);
+        ->check(NotEmpty);
+    AddValue(app, "--config", "FOLDER", options.config, "Where settings are kept (default: per user)")->check(NotEmpty);
     AddValue(app, "--language", "FILE", options.language, "The texts (default: qvhost-english.txt beside this program)")
-        ->check(notEmpty);
-    AddValue(app, "--log", "FILE", options.log, "Appends the log lines to a file as well")->check(notEmpty);
+        ->check(NotEmpty);
+    AddValue(app, "--log", "FILE", options.log, "Appends the log lines to a file as well")->check(NotEmpty);
     app.add_flag("--quiet", options.isQuiet, "No log lines on standard output");
     AddValue(app, "--answer", "ANSWER", options.answers,
              "Answers the next question: yes, no, cancel, ok, replace, replace-all, find-next, skip-file, or the text to "
              "choose or to enter. Repeat it for further questions; the last one repeats")
-        ->check(notEmpty);
+        ->check(NotEmpty);
     app.add_flag("--windows", options.asksInWindows,
                  "Asks questions in windows, and shows progress in one where there is no terminal");
+    app.add_flag("--no-console", options.hasNoConsole,
+                 "For shortcuts and buttons: the same without a console; a window tells what failed");
+    app.add_flag("--json", options.printsJson,
+                 "One JSON document instead of lines (call, command, columns, rename, undo)");
     AddValue(app, "--files-from", "FILE", options.filesFrom,
-             "Further paths, one a line, UTF-8; - for standard input. A call is made for each path, "
+             "Further paths, one a line, UTF-8 or UTF-16; - for standard input. A call is made for each path, "
              "which stands where its arguments say {}")
-        ->check(notEmpty);
+        ->check(NotEmpty);
     app.add_flag("--can-elevate", options.canElevate, "The host can start an elevated second process");
     app.add_flag("--elevated", options.isElevated, "The host counts as elevated");
     app.add_flag("--column-d", options.usesColumnD, "The control-panel menu leaves out what column D excludes");
@@ -110,8 +129,7 @@ void AddActions(CLI::App& app, HostOptions& options) {
     add("command", "ID PATH...: runs a menu command on the selection PATH...", Action::Command);
     CLI::App* const columns =
         add("columns", "PATH...: shows the property columns of files and folders", Action::Columns);
-    CLI::Option* const csv = columns->add_flag("--csv", options.printsCsv, "Comma-separated, for other programs");
-    columns->add_flag("--json", options.printsJson, "The same as JSON")->excludes(csv);
+    columns->add_flag("--csv", options.printsCsv, "Comma-separated, for other programs");
     AddRename(*add("rename", "PATH...: renames files and folders by a rule", Action::Rename), options.rename);
     CLI::App* const undo = add("undo",
                                "[list | show SESSION | restore SESSION | delete SESSION]: earlier renames; "
@@ -119,7 +137,18 @@ void AddActions(CLI::App& app, HostOptions& options) {
                                Action::Undo);
     undo->add_flag("--preview", options.undo.isPreview, "Restores nothing, shows what would be done");
     AddValue(*undo, "--only", "PATTERN", options.undo.only, "Restores the items whose old or new name matches");
-    add("panel", "[FOLDER]: shows a folder in a window with the menus of all extensions", Action::Panel);
+    add("panel", "[FOLDER | PATH...]: shows a folder in a window with all menus, or these paths selected",
+        Action::Panel);
+    CLI::App* const sendTo =
+        add("send-to", "Puts shortcuts into the menu \"Send to\", or takes them away", Action::SendTo);
+    sendTo->add_flag("--install", options.sendTo.installs, "Makes the shortcuts");
+    sendTo->add_flag("--remove", options.sendTo.removes, "Takes away those that lead here, and nothing else");
+    AddValue(*sendTo, "--folder", "FOLDER", options.sendTo.folder, "Another folder (default: the user's SendTo)")
+        ->check(NotEmpty);
+    add("selftest", "[FOLDER]: tries on this machine what the library needs of it, in a folder of its own",
+        Action::SelfTest);
+    add("completion", "bash | powershell: prints a script by which that shell completes command lines",
+        Action::Completion);
     CLI::App* const server =
         add(ToUtf8(kServerAction).c_str(), "The second process; started by the first", Action::ElevatedServer);
     server->group("");  // not in the help: nobody starts it by hand
@@ -184,28 +213,79 @@ void CheckServer(const HostOptions& options) {
         throw UsageError(L"elevated-server needs --pipe with a name as the first process makes it");
     HostOptions allowed;
     allowed.action = options.action;
+    allowed.actionName = options.actionName;
     allowed.library = options.library;
     allowed.pipe = options.pipe;
     allowed.extension = options.extension;
     if (options != allowed) throw UsageError(L"elevated-server takes --pipe, --extension and --library alone");
 }
 
+/// @throws UsageError for options that go with some subcommands alone
+void CheckOptions(const HostOptions& options) {
+    const auto isOneOf = [&](std::initializer_list<Action> actions) {
+        return std::ranges::find(actions, options.action) != actions.end();
+    };
+    if (options.filesFrom && !isOneOf({Action::Call, Action::Columns, Action::Command, Action::Rename, Action::Panel}))
+        throw UsageError(L"--files-from goes with call, columns, command, panel and rename alone");
+    if (options.printsJson && !isOneOf({Action::Call, Action::Columns, Action::Command, Action::Rename, Action::Undo}))
+        throw UsageError(L"--json goes with call, columns, command, rename and undo alone");
+}
+
 void CheckOperands(const HostOptions& options) {
     const bool takesOperands = options.action == Action::Call || options.action == Action::Command ||
                                options.action == Action::Columns || options.action == Action::Rename ||
-                               options.action == Action::Undo || options.action == Action::Panel;
+                               options.action == Action::Undo || options.action == Action::Panel ||
+                               options.action == Action::SelfTest || options.action == Action::Completion;
     if (!takesOperands && !options.operands.empty())
         throw UsageError(L"\"" + options.operands.front() + L"\" is one word too many");
     if (options.action == Action::Call && options.operands.empty())
         throw UsageError(L"call needs a name: qvhost call NAME [KEY=VALUE | SWITCH]...");
     if (options.action == Action::Command && options.operands.empty())
         throw UsageError(L"command needs an id: qvhost command ID PATH...");
-    if (options.action == Action::Panel && options.operands.size() > 1)
-        throw UsageError(L"panel shows one folder: qvhost panel [FOLDER]");
+    if (options.action == Action::SelfTest && options.operands.size() > 1)
+        throw UsageError(L"selftest works in one folder: qvhost selftest [FOLDER]");
+    if (options.action == Action::SendTo && options.sendTo.installs == options.sendTo.removes)
+        throw UsageError(L"it goes: qvhost send-to --install, or --remove");
+    if (options.printsCsv && options.printsJson) throw UsageError(L"--csv and --json do not go together");
     if (options.action == Action::ElevatedServer) CheckServer(options);
 }
 
+std::string ChoicesOf(std::string_view name) {
+    const auto* const found = std::ranges::find(kChoices, name, [](const auto& each) { return each.name; });
+    return found == std::end(kChoices) ? std::string() : std::string(found->words);
+}
+
+std::vector<OptionWords> WordsOf(const CLI::App& app) {
+    std::vector<OptionWords> words;
+    for (const CLI::Option* const option : app.get_options()) {
+        if (option->get_group().empty()) continue;
+        const bool takesValue = option->get_items_expected_min() > 0;
+        const std::string name = "--" + option->get_lnames().front();
+        words.push_back({.name = name,
+                         .value = takesValue ? option->get_type_name() : "",
+                         .choices = ChoicesOf(name),
+                         .description = option->get_description()});
+    }
+    return words;
+}
+
 }  // namespace
+
+std::vector<CommandWords> AllWords() {
+    HostOptions options;
+    CLI::App app;
+    AddOptions(app, options);
+    AddActions(app, options);
+    std::vector<CommandWords> words = {{.name = "", .description = "", .options = WordsOf(app), .choices = {}}};
+    for (const CLI::App* const sub :
+         app.get_subcommands([](const CLI::App* each) { return !each->get_group().empty(); })) {
+        words.push_back({.name = sub->get_name(),
+                         .description = sub->get_description(),
+                         .options = WordsOf(*sub),
+                         .choices = ChoicesOf(sub->get_name())});
+    }
+    return words;
+}
 
 HostOptions ParseCommandLine(const std::vector<std::wstring>& arguments) {
     HostOptions options;
@@ -229,8 +309,10 @@ HostOptions ParseCommandLine(const std::vector<std::wstring>& arguments) {
         throw UsageError(Wide(error.what()));
     }
     options.operands = std::move(split.operands);
+    options.actionName = std::move(*split.action);
+    CheckOptions(options);
     CheckOperands(options);
-    if (options.action == Action::Panel) options.asksInWindows = true;
+    options.asksInWindows |= options.action == Action::Panel || options.hasNoConsole;
     return options;
 }
 

@@ -8,7 +8,21 @@
 
 namespace QVHost {
 
-enum class Action { Extensions, Menus, Commands, Call, Command, Columns, Rename, Undo, Panel, ElevatedServer };
+enum class Action {
+    Extensions,
+    Menus,
+    Commands,
+    Call,
+    Command,
+    Columns,
+    Rename,
+    Undo,
+    Panel,
+    SendTo,
+    SelfTest,
+    Completion,
+    ElevatedServer
+};
 
 /// What `rename` is given, as texts: what they mean is the command's to say. Nothing for what is not given.
 struct RenameOptions {
@@ -43,8 +57,18 @@ struct UndoOptions {
     bool operator==(const UndoOptions&) const = default;
 };
 
+/// The same for `send-to`.
+struct SendToOptions {
+    std::wstring folder;  // "": the user's own
+    bool installs = false;
+    bool removes = false;
+
+    bool operator==(const SendToOptions&) const = default;
+};
+
 struct HostOptions {
     Action action = Action::Extensions;
+    std::wstring actionName;             // as people type it
     std::vector<std::wstring> operands;  // what stands after the action's name, as given
     std::wstring library;                // "": beside the program; so are the next two
     std::wstring config;
@@ -54,15 +78,17 @@ struct HostOptions {
     std::vector<std::wstring> answers;
     bool isQuiet = false;
     bool asksInWindows = false;
+    bool hasNoConsole = false;  // and so asks in windows
+    bool printsJson = false;
     bool canElevate = false;
     bool isElevated = false;
     bool usesColumnD = false;
     bool usesColumnE = false;
-    bool printsCsv = false;  // of `columns`; so is the next
-    bool printsJson = false;
+    bool printsCsv = false;     // of `columns`
     bool previewsCall = false;  // of `call`
     RenameOptions rename;
     UndoOptions undo;
+    SendToOptions sendTo;
     std::wstring pipe;  // these two: of an elevated second process only
     uint32_t extension = 0;
 
@@ -82,5 +108,22 @@ struct HelpText {
 /// @throws UsageError
 /// @throws HelpText for --help and --version
 HostOptions ParseCommandLine(const std::vector<std::wstring>& arguments);
+
+/// An option as people type it.
+struct OptionWords {
+    std::string name;     // with its dashes
+    std::string value;    // what it takes ("FILE"); "" for a switch
+    std::string choices;  // where the value is one of few words: these, with a blank between them
+    std::string description;
+};
+
+/// What there is to type: everything that ParseCommandLine knows and the help shows.
+struct CommandWords {
+    std::string name;  // "": the options that go with every subcommand
+    std::string description;
+    std::vector<OptionWords> options;
+    std::string choices;  // of its first word, where that is one of few
+};
+std::vector<CommandWords> AllWords();
 
 }  // namespace QVHost

@@ -2,12 +2,16 @@
 #include <fcntl.h>
 #include <io.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <iostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "host/app/host_error.h"
+#include "host/app/host_text.h"
 #include "host/app/run.h"
 #include "host/app/unix_paths.h"
 #include "win32/windows.h"
@@ -73,6 +77,22 @@ bool IsStartedAsWindow() {
     return !QVHost::RunsUnderWine() || IsWindowVisible(GetConsoleWindow());
 }
 
+/// Started from a shortcut or a button, which says so by an option.
+bool IsWithoutConsole(const std::vector<std::wstring>& arguments) {
+    const auto operands = std::ranges::find(arguments, L"--");
+    return std::find(arguments.begin(), operands, L"--no-console") != operands;
+}
+
+/// The end of it, in a window: nobody has seen the lines.
+void ShowWhatWasSaid(const std::string& said) {
+    constexpr size_t kLines = 20;
+    const std::vector<std::string_view> lines = QVHost::LinesOf(said);
+    std::wstring text;
+    for (size_t at = lines.size() - std::min(lines.size(), kLines); at < lines.size(); ++at)
+        text += QVHost::FromUtf8(lines[at]).value_or(L"") + L"\n";
+    if (!text.empty()) MessageBoxW(nullptr, text.c_str(), L"QVUtils", MB_OK | MB_ICONWARNING | MB_SETFOREGROUND);
+}
+
 std::wstring ProgramPath() {
     std::wstring path(32768, L'\0');
     path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
@@ -91,14 +111,19 @@ int wmain(int count, wchar_t** words) {
         FreeConsole();
         arguments = {L"panel"};
     }
+    const bool hasConsole = !IsWithoutConsole(arguments);
+    if (!hasConsole) FreeConsole();
+    std::ostringstream said;
     const Utf8Console utf8Console;
-    QVHost::HostEnvironment environment = {.out = std::cout,
-                                           .error = std::cerr,
+    QVHost::HostEnvironment environment = {.out = hasConsole ? std::cout : said,
+                                           .error = hasConsole ? std::cerr : said,
                                            .in = std::cin,
                                            .program = ProgramPath(),
                                            .outIsTerminal = IsConsole(STD_OUTPUT_HANDLE),
                                            .readAnswer = {},
                                            .progressWatch = {IsConsole(STD_ERROR_HANDLE), &g_isInterrupted}};
     if (IsConsole(STD_INPUT_HANDLE)) environment.readAnswer = ReadConsoleLine;
-    return QVHost::RunQvHost(arguments, environment);
+    const int status = QVHost::RunQvHost(arguments, environment);
+    if (!hasConsole && status != QVHost::ExitStatus::Done) ShowWhatWasSaid(said.str());
+    return status;
 }

@@ -19,9 +19,29 @@ void Output::ShowIn(IPanelView* panel) {
     m_panel = panel;
 }
 
+void Output::CollectIn(Report* report) {
+    Flush();
+    m_report = report;
+}
+
+bool Output::Item(const JsonFields& item) {
+    const std::lock_guard lock(m_mutex);
+    if (m_report) m_report->AddItem(item);
+    return m_report != nullptr;
+}
+
+void Output::Result(uint32_t code, const std::wstring& text) {
+    const std::lock_guard lock(m_mutex);
+    if (m_report) m_report->SetResult(code, text);
+}
+
 void Output::Line(std::wstring_view text, Tone tone) {
     if (m_panel) m_panel->ShowLine(text, tone);
     const std::lock_guard lock(m_mutex);
+    if (m_report) {
+        m_report->AddMessage("log", text);
+        return;
+    }
     m_pending += ToUtf8(text);
     m_pending += '\n';
     if (m_flushLines || m_pending.size() >= kBlock) FlushLines();
@@ -39,6 +59,10 @@ void Output::Lines(std::string_view lines) {
 void Output::Note(std::wstring_view text, Tone tone) {
     if (m_panel) m_panel->ShowLine(text, tone);
     const std::lock_guard lock(m_mutex);
+    if (m_report) {
+        m_report->AddMessage("note", text);
+        return;
+    }
     FlushLines();
     m_error << ToUtf8(text) + '\n' << std::flush;
 }

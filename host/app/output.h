@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "host/app/report.h"
 #include "host/contract/panel_view.h"
 #include "win32/handle.h"
 
@@ -24,6 +25,14 @@ public:
 
     /// From now on the panel shows the lines as well; null: no more. To be set while one thread alone writes.
     void ShowIn(IPanelView* panel);
+    /// From now on lines, notes and items go into the report and nowhere else; null: no more. To be set while one
+    /// thread alone writes.
+    void CollectIn(Report* report);
+    bool IsCollecting() const { return m_report != nullptr; }
+    /// False without a report: then the caller has a line to write.
+    bool Item(const JsonFields& item);
+    /// Of a custom command, for the report if there is one.
+    void Result(uint32_t code, const std::wstring& text);
 
     /// One line of standard output. Kept until there is a block of them or something needs the order.
     void Line(std::wstring_view text, Tone tone = Tone::Plain);
@@ -47,6 +56,7 @@ private:
     std::string m_pending;
     bool m_isWhole = true;
     IPanelView* m_panel = nullptr;
+    Report* m_report = nullptr;
 };
 
 /// Where the library's log lines go: standard output, unless that is to be quiet, and the end of a file.

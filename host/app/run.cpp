@@ -52,9 +52,10 @@ void TellNotDone(HostState& state, const CustomCommand& command, const CustomCom
         state.output.Note(L"qvhost: this host starts an elevated process only with --can-elevate");
 }
 
-/// One call with the arguments as they are. @throws UsageError for arguments that the command does not take
+/// One call with the arguments as they are, for the `path` of a list, if there is one.
+/// @throws UsageError for arguments that the command does not take
 bool CallOnce(Session& session, const CustomCommand& command, const std::vector<std::wstring>& arguments,
-              bool isPreview) {
+              bool isPreview, const std::wstring& path = {}) {
     HostState& state = session.State();
     CustomCommandCall call(command);
     if (isPreview) call.SetPreview();
@@ -66,7 +67,11 @@ bool CallOnce(Session& session, const CustomCommand& command, const std::vector<
     if (!call.ResultText().empty()) state.output.Note(L"[result] " + call.ResultText());
     if (call.ResultCode() != 0) state.output.Note(L"[result] " + DescribeError(call.ResultCode()));
     if (!handled) TellNotDone(state, command, call);
-    return handled && call.ResultCode() == 0;
+    state.output.Result(call.ResultCode(), call.ResultText());
+    const bool isDone = handled && call.ResultCode() == 0;
+    if (!path.empty())
+        state.output.Item(ItemFields(path, L"", isDone ? L"done" : L"failed", call.ResultCode(), call.ResultText()));
+    return isDone;
 }
 
 /// `arguments` with the path in the place of each {}.
@@ -91,7 +96,7 @@ int RunCall(Session& session, const HostOptions& options, std::istream& in) {
             isDone = false;
             break;
         }
-        isDone &= CallOnce(session, command, ArgumentsFor(arguments, path), options.previewsCall);
+        isDone &= CallOnce(session, command, ArgumentsFor(arguments, path), options.previewsCall, path);
     }
     return StatusOf(state, isDone, 0);
 }
@@ -107,7 +112,7 @@ int RunColumns(Session& session, const HostOptions& options, std::istream& in) {
     Select(state, options.operands, options.filesFrom, in);
     if (state.selection.empty()) throw UsageError(L"columns needs files: qvhost columns PATH...");
     const ColumnFormat format = options.printsCsv    ? ColumnFormat::Csv
-                                : options.printsJson ? ColumnFormat::Json
+                                : options.printsJson ? ColumnFormat::Items
                                                      : ColumnFormat::Table;
     const bool isWhole = PrintColumns(state.output, state.columns, state.selection, format,
                                       [&] { return IsStopped(state.progressWatch); });
@@ -131,18 +136,18 @@ int RunCommand(Session& session, const HostOptions& options, std::istream& in) {
 }
 
 int Run(const HostOptions& options, HostEnvironment& environment, Output& output) {
-    constexpr Action kTakeLists[] = {Action::Call, Action::Columns, Action::Command, Action::Rename};
-    if (options.filesFrom && std::ranges::find(kTakeLists, options.action) == std::end(kTakeLists))
-        throw UsageError(L"--files-from goes with call, columns, command and rename alone");
     if (options.action == Action::Rename) return RunRename(options, environment, output);
     if (options.action == Action::Undo) return RunUndo(options, environment, output);
     if (options.action == Action::ElevatedServer) return RunElevatedServer(options, environment);
+    if (options.action == Action::SendTo) return RunSendTo(options, environment, output);
+    if (options.action == Action::SelfTest) return RunSelfTest(options, environment, output);
+    if (options.action == Action::Completion) return PrintCompletion(options, output);
     Session session(options, environment, output);
     if (options.action == Action::Extensions) {
         PrintExtensions(output, session.Library().Extensions());
         return ExitStatus::Done;
     }
-    if (options.action == Action::Panel) return RunPanel(session, options);
+    if (options.action == Action::Panel) return RunPanel(session, options, environment.in);
     session.StartExtensions();
     switch (options.action) {
         case Action::Call: return RunCall(session, options, environment.in);
@@ -153,16 +158,20 @@ int Run(const HostOptions& options, HostEnvironment& environment, Output& output
     }
 }
 
-}  // namespace
-
-int RunQvHost(const std::vector<std::wstring>& arguments, HostEnvironment& environment) {
-    Output output(environment.out, environment.error, environment.outIsTerminal);
+/// Runs what the arguments say. The exit status, apart from output that cannot be written.
+int RunAndTell(const std::vector<std::wstring>& arguments, HostEnvironment& environment, Output& output,
+               Report& report) {
     try {
-        const int status = Run(ParseCommandLine(arguments), environment, output);
-        return output.Flush() ? status : std::max<int>(status, ExitStatus::Failed);
+        const HostOptions options = ParseCommandLine(arguments);
+        if (!options.printsJson) output.CollectIn(nullptr);
+        const bool hasName = options.action == Action::Call || options.action == Action::Command ||
+                             (options.action == Action::Undo && !options.operands.empty());
+        report.SetCommand(options.actionName, hasName ? options.operands.front() : L"");
+        return Run(options, environment, output);
     } catch (const HelpText& help) {
+        output.CollectIn(nullptr);
         output.Line(Wide(help.text.substr(0, help.text.find_last_not_of('\n') + 1)));
-        return output.Flush() ? ExitStatus::Done : ExitStatus::Failed;
+        return ExitStatus::Done;
     } catch (const UsageError& error) {
         output.Note(L"qvhost: " + Wide(error.what()));
         output.Note(L"qvhost: how it goes: qvhost --help");
@@ -171,6 +180,21 @@ int RunQvHost(const std::vector<std::wstring>& arguments, HostEnvironment& envir
         output.Note(L"qvhost: " + Wide(error.what()));
         return ExitStatus::Failed;
     }
+}
+
+}  // namespace
+
+int RunQvHost(const std::vector<std::wstring>& arguments, HostEnvironment& environment) {
+    Output output(environment.out, environment.error, environment.outIsTerminal);
+    Report report;
+    // Looked for by itself: who asks for a document gets one for a command line too that makes no sense.
+    if (std::ranges::find(arguments, L"--json") != arguments.end()) output.CollectIn(&report);
+    const int status = RunAndTell(arguments, environment, output, report);
+    if (output.IsCollecting()) {
+        output.CollectIn(nullptr);
+        output.Lines(report.Text(status));
+    }
+    return output.Flush() ? status : std::max<int>(status, ExitStatus::Failed);
 }
 
 }  // namespace QVHost

@@ -18,6 +18,20 @@ namespace {
 
 using TakePath = std::function<void(const std::wstring& path)>;
 
+/// A list in UTF-16, told by its mark, as UTF-8; nothing for any other. What UTF-16 cannot hold is damaged so that it
+/// is no path: a lone surrogate leads nowhere.
+std::optional<std::string> Utf8OfUtf16(std::string_view bytes) {
+    const bool isBigEndian = bytes.starts_with("\xFE\xFF");
+    if (!isBigEndian && !bytes.starts_with("\xFF\xFE")) return std::nullopt;
+    std::wstring text;
+    for (size_t at = 2; at + 1 < bytes.size(); at += 2) {
+        const auto first = static_cast<uint8_t>(bytes[at]);
+        const auto second = static_cast<uint8_t>(bytes[at + 1]);
+        text += static_cast<wchar_t>(isBigEndian ? first << 8 | second : second << 8 | first);
+    }
+    return ToUtf8(text);
+}
+
 void ReadList(const std::wstring& listFile, std::istream& in, const TakePath& take) {
     std::string bytes;
     if (listFile == L"-") {
@@ -29,10 +43,13 @@ void ReadList(const std::wstring& listFile, std::istream& in, const TakePath& ta
     }
     size_t number = 0;
     std::wstring path;
-    for (const std::string_view line : LinesOf(bytes)) {
+    const std::optional<std::string> fromUtf16 = Utf8OfUtf16(bytes);
+    for (const std::string_view line : LinesOf(fromUtf16 ? *fromUtf16 : bytes)) {
         ++number;
         const auto place = [&] { return L"line " + std::to_wstring(number) + L" of " + listFile; };
-        if (!FromUtf8(line, path)) throw UsageError(place() + L" is not UTF-8");
+        if (!FromUtf8(line, path)) throw UsageError(place() + L" is neither UTF-8 nor UTF-16 with a mark");
+        // No name holds quotes; lists that are copied from a file manager have them around each path.
+        if (path.size() > 1 && path.front() == L'"' && path.back() == L'"') path = path.substr(1, path.size() - 2);
         // Lists such as `find -print0` makes; the system would take what stands before the zero for the path.
         if (path.find(L'\0') != std::wstring::npos)
             throw UsageError(place() + L" holds a zero character; each path needs a line of its own");

@@ -14,7 +14,7 @@ using TakeSelected = std::function<void(const std::wstring& given, const std::ws
 
 /// Takes `given` and the paths in the list file (`-`: the lines of `in`), in this order, each as soon as it is known
 /// and whether it leads to something or not. Wildcards in the name of a given path stand for what they match; those of
-/// a list are taken as they are.
+/// a list are taken as they are. A list is in UTF-8 or, with a mark, in UTF-16; quotes around a path are left out.
 /// @throws UsageError for a list that cannot be read; the paths before that were taken
 void ForEachSelectedPath(const std::vector<std::wstring>& given, const std::optional<std::wstring>& listFile,
                          std::istream& in, const TakeSelected& take);

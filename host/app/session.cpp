@@ -117,6 +117,19 @@ std::wstring LibraryPath(const HostOptions& options, const HostEnvironment& envi
     return GivenOrBeside(options.library, environment.program, kLibraryName);
 }
 
+void ReadLanguage(LanguageTexts& texts, const HostOptions& options, const HostEnvironment& environment,
+                  Output& output) {
+    const std::wstring file = GivenOrBeside(options.language, environment.program, kLanguageName);
+    std::string bytes;
+    const uint32_t error = ReadWholeFile(file, bytes);
+    if (error != ERROR_SUCCESS && !options.language.empty())
+        throw UsageError(L"cannot read the language file " + file + L": " + DescribeError(error));
+    if (error != ERROR_SUCCESS)
+        output.Note(L"[language] " + file + L" cannot be read; texts show as their ids: " + DescribeError(error));
+    for (const std::wstring& fault : texts.Read(bytes))
+        output.Note(std::wstring(L"[language] ").append(file).append(L": ").append(fault));
+}
+
 HostState MakeHostState(const HostOptions& options, const HostEnvironment& environment, Output& output) {
     return {.output = output,
             .log = {output, options.log.empty() ? L"" : FullUserPath(options.log), options.isQuiet},
@@ -137,19 +150,7 @@ HostState MakeHostState(const HostOptions& options, const HostEnvironment& envir
 Session::Session(const HostOptions& options, HostEnvironment& environment, Output& output)
     : m_state(MakeHostState(options, environment, output)),
       m_library(Existing(LibraryPath(options, environment), !options.library.empty())) {
-    ReadLanguage(GivenOrBeside(options.language, environment.program, kLanguageName), !options.language.empty());
-}
-
-void Session::ReadLanguage(const std::wstring& file, bool mustExist) {
-    std::string bytes;
-    const uint32_t error = ReadWholeFile(file, bytes);
-    if (error != ERROR_SUCCESS && mustExist)
-        throw UsageError(L"cannot read the language file " + file + L": " + DescribeError(error));
-    if (error != ERROR_SUCCESS)
-        m_state.output.Note(L"[language] " + file + L" cannot be read; texts show as their ids: " +
-                            DescribeError(error));
-    for (const std::wstring& fault : m_state.texts.Read(bytes))
-        m_state.output.Note(std::wstring(L"[language] ").append(file).append(L": ").append(fault));
+    ReadLanguage(m_state.texts, options, environment, output);
 }
 
 void Session::StartExtensions() {
@@ -177,6 +178,16 @@ bool Session::RunCommand(uint32_t id) {
 
 void Session::ShutdownExtensions() {
     for (const auto& extension : m_extensions) extension->Shutdown();
+}
+
+bool IsProcessElevated() {
+    HANDLE raw = nullptr;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &raw)) return false;
+    const Win32::KernelHandle token(raw);
+    TOKEN_ELEVATION elevation = {};
+    DWORD size = 0;
+    return GetTokenInformation(token.Get(), TokenElevation, &elevation, sizeof(elevation), &size) &&
+           elevation.TokenIsElevated != 0;
 }
 
 bool HasWindowsOfOtherThreads() {

@@ -21,6 +21,11 @@ HostState MakeHostState(const HostOptions& options, const HostEnvironment& envir
 /// The library to load: the one that the options name, else the one beside the program.
 std::wstring LibraryPath(const HostOptions& options, const HostEnvironment& environment);
 
+/// The texts of the language file that the options name, else of the English one beside the program. What cannot be
+/// read of it is noted.
+/// @throws UsageError when the file that the options name cannot be read
+void ReadLanguage(LanguageTexts& texts, const HostOptions& options, const HostEnvironment& environment, Output& output);
+
 class Session {
 public:
     /// Loads the library and reads the language file; no extension is made yet.
@@ -49,13 +54,14 @@ public:
     const std::vector<std::unique_ptr<LoadedExtension>>& Extensions() const { return m_extensions; }
 
 private:
-    void ReadLanguage(const std::wstring& file, bool mustExist);
-
     HostState m_state;
     LoadedLibrary m_library;
     std::vector<std::unique_ptr<HostServices>> m_services;
     std::vector<std::unique_ptr<LoadedExtension>> m_extensions;
 };
+
+/// True when this process has administrator rights.
+bool IsProcessElevated();
 
 /// True while a thread of this process other than the calling one shows a window.
 bool HasWindowsOfOtherThreads();

@@ -28,7 +28,7 @@ void PrintCustomCommands(Output& output, const CustomCommandTable& table);
 enum class ColumnFormat {
     Table,  // for people: aligned, under the columns' names
     Csv,    // comma-separated, under the columns' keys; cells in quotes where they must be
-    Json,   // a list of objects with the columns' keys; null for a file without the value
+    Items,  // into the report, with the columns' keys; null for a file without the value
 };
 
 /// A server may take seconds for each owner's name, so it is asked before each file whether to stop; what is printed
@@ -36,16 +36,30 @@ enum class ColumnFormat {
 bool PrintColumns(Output& output, const ColumnValues& values, const std::vector<std::shared_ptr<FileItem>>& items,
                   ColumnFormat format, const std::function<bool()>& isStopped);
 
-/// `panel`: starts the extensions, shows a folder in a window and handles messages until that is closed. The exit
-/// status.
+/// `panel`: starts the extensions, shows a folder in a window, or the folder of the paths with these selected, and
+/// handles messages until that is closed. The exit status.
 /// @throws HostError when there is no window, or an extension does not start
-int RunPanel(Session& session, const HostOptions& options);
+int RunPanel(Session& session, const HostOptions& options, std::istream& in);
 
 /// `rename` and `undo`. The exit status. Unlike every other subcommand these two do not go through the library's
 /// exports: the extension offers a window and nothing that a command line could call, so they link its modules instead.
 /// @throws UsageError
 int RunRename(const HostOptions& options, HostEnvironment& environment, Output& output);
 int RunUndo(const HostOptions& options, HostEnvironment& environment, Output& output);
+
+/// `send-to`: shortcuts to this program in the folder that the shell's menu shows. One that is there already is not
+/// written again; a file of that name that is none of these shortcuts stays, and counts as failed. The exit status.
+/// @throws HostError when the user has no such folder
+int RunSendTo(const HostOptions& options, const HostEnvironment& environment, Output& output);
+
+/// `selftest`: what the library needs of this machine, tried in a folder of its own. A line for each thing: "passed",
+/// "failed" with the reason, or "not available here". The exit status: 1 when one failed.
+/// @throws UsageError when the folder cannot be used
+int RunSelfTest(const HostOptions& options, const HostEnvironment& environment, Output& output);
+
+/// `completion`: a script for the shell named, made of what the command line knows. The exit status.
+/// @throws UsageError for another shell
+int PrintCompletion(const HostOptions& options, Output& output);
 
 /// `elevated-server`: performs the requests that come through the pipe on this process's own copy of the library, one
 /// after the other, until the pipe ends. The exit status.

@@ -35,12 +35,12 @@ constexpr uint32_t kDone = 1;
 constexpr uint32_t kRefused = 0;
 constexpr uint32_t kFirstExtensionCommand = 30000;  // below are the host's own
 
-/// What stands before a path in the list of marked files; null for a kind that is none.
+/// What became of a marked file; null for a kind that is none.
 const wchar_t* WordOfMark(uint32_t kind) {
     switch (kind) {
-        case MarkKind::Done: return L"[done] ";
-        case MarkKind::Failed: return L"[failed] ";
-        case MarkKind::Skipped: return L"[skipped] ";
+        case MarkKind::Done: return L"done";
+        case MarkKind::Failed: return L"failed";
+        case MarkKind::Skipped: return L"skipped";
         default: return nullptr;
     }
 }
@@ -129,8 +129,8 @@ bool HostServices::MarkFiles(const FileList& list, uint32_t kind) {
     for (const std::shared_ptr<FileItem>& item : list.Items()) {
         if (m_state.panel)
             m_state.panel->MarkFile(item->Path(), kind);
-        else
-            m_state.output.Note(word + item->Path());
+        else if (!m_state.output.Item(ItemFields(item->Path(), L"", word, 0, L"")))
+            m_state.output.Note(std::wstring(L"[").append(word).append(L"] ").append(item->Path()));
     }
     m_state.loggedFailures = 0;
     if (kind == MarkKind::Failed) m_state.failedCount += static_cast<uint32_t>(list.Items().size());

@@ -113,13 +113,16 @@ bool FileOperations::GetPropertyName(uint32_t index, wchar_t* buffer, uint32_t c
 
 uint32_t FileOperations::Report(const RenameRow& row) {
     const std::wstring what = row.path + L" -> " + row.newName;
-    if (row.error == ERROR_SUCCESS) {
-        m_output.Note(L"[renamed] " + what, Tone::Success);
+    const bool isDone = row.error == ERROR_SUCCESS;
+    const bool isReported = m_output.Item(ItemFields(row.path, isDone ? row.now : L"", isDone ? L"renamed" : L"failed",
+                                                     row.error, isDone ? L"" : DescribeError(row.error)));
+    if (isDone) {
+        if (!isReported) m_output.Note(L"[renamed] " + what, Tone::Success);
         return row.error;
     }
     ++m_failedCount;
     const std::wstring place = row.now == row.path ? L"" : L"; it is now " + row.now;
-    m_output.Note(L"[not renamed] " + what + L": " + DescribeError(row.error) + place, Tone::Failure);
+    if (!isReported) m_output.Note(L"[not renamed] " + what + L": " + DescribeError(row.error) + place, Tone::Failure);
     return row.error;
 }
 

@@ -2,6 +2,7 @@
 #include "host/app/subcommands.h"
 
 #include "host/app/host_error.h"
+#include "host/app/selection.h"
 #include "host/app/unix_paths.h"
 #include "host/panel/panel_window.h"
 #include "win32/handle.h"
@@ -25,26 +26,25 @@ private:
     bool m_isStarted;
 };
 
-bool IsProcessElevated() {
-    HANDLE raw = nullptr;
-    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &raw)) return false;
-    const Win32::KernelHandle token(raw);
-    TOKEN_ELEVATION elevation = {};
-    DWORD size = 0;
-    return GetTokenInformation(token.Get(), TokenElevation, &elevation, sizeof(elevation), &size) &&
-           elevation.TokenIsElevated != 0;
+/// A path alone need not be there: the panel says what is wrong with it, and shows the folder above.
+std::vector<std::wstring> PathsToShow(const HostOptions& options, std::istream& in) {
+    if (options.filesFrom || options.operands.size() > 1) {
+        std::vector<std::wstring> paths = SelectedPaths(options.operands, options.filesFrom, in);
+        if (!paths.empty()) return paths;
+    }
+    return {FullUserPath(options.operands.empty() ? L"." : options.operands.front())};
 }
 
 }  // namespace
 
-int RunPanel(Session& session, const HostOptions& options) {
+int RunPanel(Session& session, const HostOptions& options, std::istream& in) {
     const OleApartment apartment;
     // A person sits here, and can answer the system's prompt.
     session.State().canElevate = true;
     session.State().isElevated |= IsProcessElevated();
     PanelWindow panel(session);
     session.StartExtensions();
-    panel.Open(FullUserPath(options.operands.empty() ? L"." : options.operands.front()));
+    panel.Open(PathsToShow(options, in));
     PumpWhile(
         session, [&] { return panel.IsOpen(); }, [&](MSG& message) { return panel.PreTranslate(message); });
     // While the panel is still there: a renaming in work reports to it, and a window that closes keeps its place.

@@ -38,7 +38,12 @@ enum class PanelText : uint32_t {
     EmptyLog,
     Ended,            // %s
     NothingSelected,  // %s
-    Last = NothingSelected,
+    OtherFolders,     // %d
+    SendToRename,     // the names of shortcuts; so are the next three
+    SendToFind,
+    SendToSort,
+    SendToPanel,
+    Last = SendToPanel,
 };
 
 inline constexpr wchar_t kPanelSection[] = L"Panel";

@@ -107,13 +107,16 @@ bool PanelWindow::IsOnOwnThread() const {
     return GetWindowThreadProcessId(m_frame, nullptr) == GetCurrentThreadId();
 }
 
-void PanelWindow::Open(const std::wstring& path) {
+void PanelWindow::Open(const std::vector<std::wstring>& paths) {
     m_menu = MakePanelMenu(m_session.State().menus, m_session.State().texts);
     m_keys = MakePanelKeys(m_session.State().menus);
     SetMenu(m_frame, m_menu.Get());
     m_content.emplace(m_frame, m_session, m_look);
     Layout();
-    GoTo(path);
+    if (paths.size() == 1)
+        GoTo(paths.front());
+    else
+        GoToAll(paths);
     m_before.clear();  // there is no way back before the first folder
     ShowAddress();
     m_isOpen = true;
@@ -345,13 +348,19 @@ void PanelWindow::OnDrop(HDROP drop) {
         DragQueryFileW(drop, at, path.data(), static_cast<UINT>(path.size()) + 1);
     }
     DragFinish(drop);
-    if (m_isBusy || paths.empty()) return;
+    if (!m_isBusy && !paths.empty()) GoToAll(paths);
+}
+
+void PanelWindow::GoToAll(const std::vector<std::wstring>& paths) {
     const std::wstring folder(Win32::FolderOf(paths.front()));
     if (!ShowFolder(folder)) return;
     std::vector<std::wstring> names;
     for (const std::wstring& path : paths)
         if (EqualIgnoringCase(Win32::FolderOf(path), folder)) names.emplace_back(Win32::FileNameOf(path));
     m_content->list.Select(names);
+    if (names.size() < paths.size())
+        ShowLine(FormatText(Text(PanelText::OtherFolders), {static_cast<int>(paths.size() - names.size())}),
+                 Tone::Note);
 }
 
 void PanelWindow::RunCommand(uint32_t id) {

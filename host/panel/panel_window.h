@@ -26,9 +26,9 @@ public:
     PanelWindow& operator=(const PanelWindow&) = delete;
     ~PanelWindow() override;
 
-    /// After the extensions have started: fills the window with what they registered, and shows `path` - a folder, or a
-    /// file, which is selected in its folder.
-    void Open(const std::wstring& path);
+    /// After the extensions have started: fills the window with what they registered, and shows `paths`: one folder, or
+    /// the folder of the first path with all that lie in it selected. At least one.
+    void Open(const std::vector<std::wstring>& paths);
     bool IsOpen() const { return m_isOpen; }
     /// Keys that belong to the panel; true when the message is dealt with.
     bool PreTranslate(MSG& message);
@@ -70,6 +70,8 @@ private:
     /// The folder of a path and the name to select in it; the path itself when it is a folder. False when it cannot be
     /// shown.
     bool GoTo(const std::wstring& path);
+    /// Shows the folder of the first path and selects in it what lies there.
+    void GoToAll(const std::vector<std::wstring>& paths);
     enum class Way : uint8_t { Forward, Back };  // the way back is not remembered
     bool ShowFolder(const std::wstring& folder, const std::wstring& focused = {}, Way way = Way::Forward);
     void GoUp();

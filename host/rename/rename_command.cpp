@@ -169,7 +169,8 @@ int RunRename(const HostOptions& options, HostEnvironment& environment, Output& 
     bool isDone = !given.saveProfile || SaveProfile(profiles, *given.saveProfile, definition);
     RenameRule rule(&host);
     rule.SetRule(definition, timeOfSetting);
-    const bool isPlain = !given.namesFrom && !given.sort && !given.onClash && !given.onlyChanges;
+    const bool isPlain =
+        !output.IsCollecting() && !given.namesFrom && !given.sort && !given.onClash && !given.onlyChanges;
     if (given.isPreview && isPlain) {
         isDone = PrintPreview(selection, rule, host) && isDone;
     } else if (given.isPreview) {

@@ -29,6 +29,10 @@ bool IsFailure(uint32_t code) {
     return code != Quorvane::SDK::RenameResult::Renamed && code != Quorvane::SDK::RenameResult::Ignored;
 }
 
+const wchar_t* StateOf(uint32_t code, const wchar_t* word) {
+    return IsFailure(code) ? L"failed" : code == Quorvane::SDK::RenameResult::Ignored ? L"ignored" : word;
+}
+
 /// A name may hold no tab, but a new one that is refused for it must not break the columns.
 void AppendCell(std::wstring& line, std::wstring_view text) {
     const size_t begin = line.size();
@@ -67,7 +71,7 @@ void AppendOutcome(std::wstring& text, const BatchRenameItem& row, uint32_t code
     text += L'\t';
     AppendCell(text, row.newName);
     text += L'\t';
-    text += IsFailure(code) ? L"failed" : code == Quorvane::SDK::RenameResult::Ignored ? L"ignored" : word;
+    text += StateOf(code, word);
     if (reason.empty()) return;
     text += L": ";
     AppendCell(text, reason);
@@ -155,9 +159,13 @@ bool RenameHost::PrintPlan(const RenameItems& rows, const RenamePlan& plan, cons
 bool RenameHost::PrintRow(const BatchRenameItem& row, uint32_t code, const std::wstring& reason, const wchar_t* word,
                           bool onlyChanges) {
     if (onlyChanges && code == Quorvane::SDK::RenameResult::Ignored && row.newName == row.currentName) return true;
-    std::wstring line;
-    AppendOutcome(line, row, code, reason, word);
-    m_state.output.Line(line);
+    const std::wstring path = Win32::JoinPath(row.location, row.currentName);
+    if (!m_state.output.Item(ItemFields(path, Win32::JoinPath(row.location, row.newName), StateOf(code, word),
+                                        IsFailure(code) ? code : 0, reason))) {
+        std::wstring line;
+        AppendOutcome(line, row, code, reason, word);
+        m_state.output.Line(line);
+    }
     return !IsFailure(code);
 }
 

@@ -7,6 +7,7 @@
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
 #include "host/rename/rename_host.h"
+#include "win32/path.h"
 
 namespace QVHost {
 namespace {
@@ -36,8 +37,13 @@ std::wstring StateText(const BatchRenameUndo& session) {
 /// One line a session, newest first: name, time, number of items, state.
 int List(RenameHost& host, Output& output) {
     for (const SharedSession& session : host.Journal().Sessions())
-        output.Line(session->fileName + L'\t' + TimeText(session->time) + L'\t' +
-                    std::to_wstring(session->entries.size()) + L" items\t" + StateText(*session));
+        if (!output.Item(
+                {{"session", session->fileName},
+                 {"time", TimeText(session->time)},
+                 {"entries", uint64_t{session->entries.size()}},
+                 {"state", session->haveRestored || session->isUnfinished ? StateText(*session) : L"recorded"}}))
+            output.Line(session->fileName + L'\t' + TimeText(session->time) + L'\t' +
+                        std::to_wstring(session->entries.size()) + L" items\t" + StateText(*session));
     return ExitStatus::Done;
 }
 
@@ -98,9 +104,15 @@ bool HasEntries(const BatchRenameUndo& session, Output& output) {
 int Show(Output& output, const BatchRenameUndo& session) {
     if (!HasEntries(session, output)) return ExitStatus::Failed;
     for (const UndoEntry& entry : session.entries) {
+        const std::wstring now = entry.reached.empty() ? entry.oldName : entry.reached;
+        if (output.Item({{"path", Win32::JoinPath(entry.location, entry.oldName)},
+                         {"newPath", Win32::JoinPath(entry.location, entry.newName)},
+                         {"state", session.isUnfinished ? L"unfinished" : L"recorded"},
+                         {"now", session.isUnfinished ? JsonValue(now) : JsonValue()}}))
+            continue;
         std::wstring line = entry.oldName + L'\t' + entry.newName + L'\t' + entry.location;
         if (session.isUnfinished) {
-            line += L"\tnow " + (entry.reached.empty() ? entry.oldName : entry.reached);
+            line += L"\tnow " + now;
             if (!entry.begun.empty()) line += L" or " + entry.begun;
         }
         output.Line(line);

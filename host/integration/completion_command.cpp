@@ -1,0 +1,153 @@
+#include "host/app/subcommands.h"
+
+#include <algorithm>
+
+#include "host/app/host_error.h"
+#include "host/app/host_text.h"
+
+namespace QVHost {
+namespace {
+
+std::string Joined(const std::vector<OptionWords>& options) {
+    std::string words;
+    for (const OptionWords& option : options) words += (words.empty() ? "" : " ") + option.name;
+    return words;
+}
+
+/// A branch for each option that takes something: one of few words, a path, or what nobody can guess.
+std::string BashValues(const std::vector<CommandWords>& commands) {
+    std::string script;
+    std::string paths;
+    std::string others;
+    for (const CommandWords& command : commands)
+        for (const OptionWords& option : command.options) {
+            if (option.value.empty()) continue;
+            if (!option.choices.empty()) {
+                script += "    " + option.name + ") COMPREPLY=($(compgen -W '" + option.choices +
+                          "' -- \"$word\")); return ;;\n";
+                continue;
+            }
+            std::string& list = option.value == "FILE" || option.value == "FOLDER" ? paths : others;
+            list += (list.empty() ? "" : " | ") + option.name;
+        }
+    return script + "    " + paths + ") COMPREPLY=($(compgen -f -- \"$word\")); return ;;\n    " + others +
+           ") return ;;\n";
+}
+
+/// A branch for each subcommand: its own options, and the words that it may begin with.
+std::string BashCommands(const std::vector<CommandWords>& commands) {
+    std::string script;
+    for (const CommandWords& command : commands)
+        if (!command.name.empty())
+            script += "    " + command.name + ") options='" + Joined(command.options) + "' words='" + command.choices +
+                      "' ;;\n";
+    return script;
+}
+
+std::string NamesOf(const std::vector<CommandWords>& commands) {
+    std::string names;
+    for (const CommandWords& command : commands)
+        if (!command.name.empty()) names += (names.empty() ? "" : " ") + command.name;
+    return names;
+}
+
+std::string BashScript(const std::vector<CommandWords>& commands) {
+    const std::string names = NamesOf(commands);
+    return "# Completion of qvhost for bash. To use it: qvhost completion bash >FILE, and in ~/.bashrc: source FILE\n"
+           "_qvhost() {\n"
+           "  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} command='' options='' words='' "
+           "each\n"
+           "  case \"$before\" in\n" +
+           BashValues(commands) +
+           "  esac\n"
+           "  for each in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
+           "    case \" " +
+           names +
+           " \" in *\" $each \"*) command=$each; break ;; esac\n"
+           "  done\n"
+           "  case \"$command\" in\n" +
+           BashCommands(commands) + "    *) words='" + names +
+           "' ;;\n"
+           "  esac\n"
+           "  [ \"$before\" = \"$command\" ] || [ -z \"$command\" ] || words=''\n"
+           "  case \"$word\" in\n"
+           "    -*) COMPREPLY=($(compgen -W \"$options " +
+           Joined(commands.front().options) +
+           "\" -- \"$word\")) ;;\n"
+           "    *) COMPREPLY=($(compgen -W \"$words\" -- \"$word\"))\n"
+           "       [ -z \"$command\" ] || COMPREPLY+=($(compgen -f -- \"$word\")) ;;\n"
+           "  esac\n"
+           "}\n"
+           "complete -o filenames -F _qvhost qvhost qvhost.exe\n";
+}
+
+/// A text in PowerShell's plain quotes.
+std::string Quoted(const std::string& text) {
+    std::string quoted = "'";
+    for (const char unit : text) quoted.append(unit == '\'' ? 2 : 1, unit);
+    return quoted + "'";
+}
+
+/// name = list of words and descriptions, by subcommand; '' is what goes with all of them.
+std::string PowerShellTable(const std::vector<CommandWords>& commands) {
+    std::string script;
+    for (const CommandWords& command : commands) {
+        script += "    " + Quoted(command.name) + " = @(\n";
+        for (const OptionWords& option : command.options)
+            script += "        ,@(" + Quoted(option.name) + ", " + Quoted(option.description) + ", " +
+                      Quoted(option.choices) + ")\n";
+        script += "    )\n";
+    }
+    return script;
+}
+
+std::string PowerShellWords(const std::vector<CommandWords>& commands) {
+    std::string script;
+    for (const CommandWords& command : commands)
+        if (!command.name.empty())
+            script += "    " + Quoted(command.name) + " = @(" + Quoted(command.description) + ", " +
+                      Quoted(command.choices) + ")\n";
+    return script;
+}
+
+std::string PowerShellScript(const std::vector<CommandWords>& commands) {
+    return "# Completion of qvhost for PowerShell. To use it, in $PROFILE:\n"
+           "#   qvhost completion powershell | Out-String | Invoke-Expression\n"
+           "$qvhostOptions = @{\n" +
+           PowerShellTable(commands) +
+           "}\n"
+           "$qvhostCommands = [ordered]@{\n" +
+           PowerShellWords(commands) +
+           "}\n"
+           "Register-ArgumentCompleter -Native -CommandName qvhost, qvhost.exe -ScriptBlock {\n"
+           "    param($word, $line, $position)\n"
+           "    $before = @($line.CommandElements | Where-Object { $_.Extent.EndOffset -lt $position } |\n"
+           "        ForEach-Object { \"$_\" })\n"
+           "    $command = $before | Where-Object { $qvhostCommands.Contains($_) } | Select-Object -First 1\n"
+           "    $options = @($qvhostOptions['']) + @(if ($command) { $qvhostOptions[$command] })\n"
+           "    $last = $options | Where-Object { $_ -and $_[0] -eq $before[-1] } | Select-Object -First 1\n"
+           "    $found = if ($last -and $last[2]) { -split $last[2] | ForEach-Object { ,@($_, $_) } }\n"
+           "        elseif ($word.StartsWith('-')) { $options | Where-Object { $_ } | ForEach-Object { ,@($_[0], "
+           "$_[1]) } }\n"
+           "        elseif (-not $command) { $qvhostCommands.Keys | ForEach-Object { ,@($_, $qvhostCommands[$_][0]) } "
+           "}\n"
+           "        elseif ($before[-1] -eq $command) { -split $qvhostCommands[$command][1] | ForEach-Object { ,@($_, "
+           "$_) } }\n"
+           "    $found | Where-Object { $_ -and $_[0].StartsWith($word) } | ForEach-Object {\n"
+           "        [System.Management.Automation.CompletionResult]::new($_[0], $_[0], 'ParameterValue', $_[1])\n"
+           "    }\n"
+           "}\n";
+}
+
+}  // namespace
+
+int PrintCompletion(const HostOptions& options, Output& output) {
+    const std::wstring shell = options.operands.size() == 1 ? options.operands.front() : L"";
+    if (shell != L"bash" && shell != L"powershell")
+        throw UsageError(L"it goes: qvhost completion bash, or qvhost completion powershell");
+    const std::vector<CommandWords> commands = AllWords();
+    output.Lines(shell == L"bash" ? BashScript(commands) : PowerShellScript(commands));
+    return ExitStatus::Done;
+}
+
+}  // namespace QVHost
