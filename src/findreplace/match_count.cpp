@@ -19,7 +19,8 @@ constexpr size_t kUnitsBefore = 60;  // of a long line, shown before the first d
 constexpr size_t kUnitsShown = 240;  // and in all
 constexpr wchar_t kEllipsis = L'\u2026';
 
-/// Gives the text up to a bound, and then nothing more.
+/// Gives the text up to a bound, and then nothing more. Lets go of the file at its end: a run that replaces it need
+/// not wait for the last block's count.
 class BoundedReader final : public QVUtils::DataReader {
 public:
     BoundedReader(QVUtils::DataReader& reader, const CountBounds& bounds, FileCount& count)
@@ -28,22 +29,26 @@ public:
     uint32_t Read(void* buffer, uint32_t size, uint32_t& bytesRead) override {
         bytesRead = 0;
         if (m_bounds.isStopped && m_bounds.isStopped()) m_count.isWhole = false;
-        if (!m_count.isWhole) return 1;
-        const uint64_t left = m_bounds.bytes - m_count.bytes;
-        if (left == 0) {
-            uint8_t more = 0;
-            m_reader.Read(&more, 1, bytesRead);
-            m_count.isWhole = bytesRead == 0;
-            bytesRead = 0;
-            return 1;
-        }
-        m_reader.Read(buffer, static_cast<uint32_t>(std::min<uint64_t>(size, left)), bytesRead);
-        m_count.bytes += bytesRead;
+        if (m_count.isWhole) ReadSome(buffer, size, bytesRead);
+        if (bytesRead == 0) m_reader.Close();
         return 1;
     }
     void Close() override { m_reader.Close(); }
 
 private:
+    void ReadSome(void* buffer, uint32_t size, uint32_t& bytesRead) {
+        const uint64_t left = m_bounds.bytes - m_count.bytes;
+        if (left > 0) {
+            m_reader.Read(buffer, static_cast<uint32_t>(std::min<uint64_t>(size, left)), bytesRead);
+            m_count.bytes += bytesRead;
+            return;
+        }
+        uint8_t more = 0;
+        uint32_t isMore = 0;
+        m_reader.Read(&more, 1, isMore);
+        m_count.isWhole = isMore == 0;
+    }
+
     QVUtils::DataReader& m_reader;
     const CountBounds& m_bounds;
     FileCount& m_count;

@@ -71,9 +71,9 @@ TEST(MatchView, CutsLongLinesAroundTheMatchAndNotAtIt) {
     EXPECT_EQ(MatchIn(FileUtils::ViewOf(cut, true)), L"");
 }
 
-/// As if pressed on the keyboard, while the window has the focus.
+/// As if pressed on the keyboard, with the focus on Replace.
 void Type(const DrivenDialog& shown, UINT message, WPARAM key) {
-    PostMessageW(shown.Control(shown.Focus()), message, key, message == WM_SYSCHAR ? 1 << 29 : 1);
+    PostMessageW(shown.Control(IDOK), message, key, message == WM_SYSCHAR ? 1 << 29 : 1);
 }
 
 /// One window asks about each match; the person looks, changes the reading, moves it, and answers.
@@ -101,7 +101,7 @@ TEST(ConfirmReplaceDlg, IsOneWindowForARunAndTakesEachAnswer) {
             EXPECT_EQ(SendMessageW(context, EM_GETSEL, 0, 0), MAKELRESULT(9, 14));
             EXPECT_TRUE(GetWindowLongW(context, GWL_STYLE) & ES_NOHIDESEL);
             EXPECT_FALSE(shown.IsEnabled(IDC_SWITCH_UTF8)) << "UTF-16 reads in one way only";
-            EXPECT_EQ(shown.Focus(), IDOK);
+            EXPECT_TRUE(QVTest::WaitUntil([&] { return shown.Focus() == IDOK; }));
             GetWindowRect(shown.Window(), &moved);
             OffsetRect(&moved, -40, -30);
             SetWindowPos(shown.Window(), nullptr, moved.left, moved.top, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
@@ -160,7 +160,11 @@ TEST(ConfirmReplaceDlg, LosesNoKeyThatComesBeforeTheNextQuestion) {
             const auto countIs = [&](size_t count) { return answers.size() == count; };
             // A progress window of the host, which knows nothing of keys of other windows; then a message about the
             // file.
-            for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) DispatchMessageW(&message);
+            MSG message = {};
+            for (int i = 0; i < 2; ++i) {
+                PeekMessageW(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE);
+                DispatchMessageW(&message);
+            }
             dialog.Close();
             while (!countIs(7)) answers.push_back(dialog.Ask(first));
             while (!countIs(9)) answers.push_back(dialog.Ask(second));

@@ -179,6 +179,7 @@ bool ConfirmReplaceDlg::OnInit() {
     if (m_place)
         MoveWindow(GetWindow(), m_place->left, m_place->top, m_place->right - m_place->left,
                    m_place->bottom - m_place->top, FALSE);
+    SetFocus(Item(IDOK));
     return false;
 }
 
