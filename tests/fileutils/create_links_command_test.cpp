@@ -96,11 +96,14 @@ TEST(CreateLinksDlg, AsksAboutALinkOnlyWhenItIsAnotherAndNotOnItsThread) {
     for (int number = 0; number < 20000; ++number) targets.push_back({L"C:\\t\\" + std::to_wstring(number), false});
     std::atomic<size_t> asked = 0;
     const DWORD windowThread = GetCurrentThreadId();
-    FileUtils::CreateLinksDlg dialog(targets, false, [&](uint32_t, const std::wstring&, const FileUtils::LinkTarget&) {
+    const auto check = [&](uint32_t, const std::wstring&, const FileUtils::LinkTarget&) {
         EXPECT_NE(GetCurrentThreadId(), windowThread);
         ++asked;
         return std::wstring();
-    });
+    };
+    // The first time a folder is chosen, the second time none.
+    const auto pick = [](HWND, const std::wstring& before) { return before.empty() ? L"C:\\u" : L""; };
+    FileUtils::CreateLinksDlg dialog(targets, false, check, pick);
     std::optional<FileUtils::CreateLinksRequest> request;
     const auto person = [&](const DrivenDialog& open) {
         EXPECT_TRUE(Says(open, L""));
@@ -115,7 +118,7 @@ TEST(CreateLinksDlg, AsksAboutALinkOnlyWhenItIsAnotherAndNotOnItsThread) {
         EXPECT_EQ(CellOf(list, 0, 0) + L" " + CellOf(list, 19999, 1), L"\u00C4 - link C:\\t\\19999");
         open.Enter(IDC_LINK_FOLDER, L"");
         EXPECT_TRUE(Says(open, L"A folder is needed."));
-        open.Enter(IDC_LINK_FOLDER, L"C:\\u");
+        for (int time = 0; time < 2; ++time) open.Press(IDC_LINK_PICK_FOLDER);
         open.PressAndClose(IDOK);
     };
     WhileShown(kTitle, person, [&] { request = dialog.Show(nullptr); });
@@ -132,7 +135,7 @@ TEST(CreateLinksDlg, WaitsForNoCheckThatIsVoidAndShowsNothingOfIt) {
         if (const int number = begun++; number < 2) WaitForSingleObject(goesOn[number].Get(), 10000);
         return link.ends_with(L"bad") ? L"bad" : L"";
     };
-    FileUtils::CreateLinksDlg dialog({{L"C:\\a", false}}, true, check);
+    FileUtils::CreateLinksDlg dialog({{L"C:\\a", false}}, true, check, {});
     const auto person = [&](const DrivenDialog& open) {
         EXPECT_TRUE(WaitUntil([&] { return begun == 1; }));
         SetWindowTextW(open.Control(IDC_LINK_NAME), L"bad");

@@ -1,6 +1,7 @@
 #include "fileutils/commands.h"
 
 #include "fileutils/links/create_links_dlg.h"
+#include "fileutils/links/folder_picker.h"
 #include "fileutils/links/link_creation.h"
 #include "fileutils/links/link_rules.h"
 #include "fileutils/names/rename_items.h"
@@ -29,9 +30,10 @@ uint32_t RunCreateLinks(IHostServices& host, uint32_t) {
     if (targets.empty()) return 1;
     const bool canElevate = host.CanElevate() && !host.IsElevated();
     LinkRules rules;
-    CreateLinksDlg dialog(targets, canElevate, [&](uint32_t type, const std::wstring& link, const LinkTarget& target) {
+    const auto whyNot = [&](uint32_t type, const std::wstring& link, const LinkTarget& target) {
         return rules.WhyNot(type, link, target.path, target.isFolder);
-    });
+    };
+    CreateLinksDlg dialog(targets, canElevate, whyNot, PickFolder);
     const auto chosen = dialog.Show(host.GetMainWindow());
     if (!chosen) return 1;
     size_t failed = 0;

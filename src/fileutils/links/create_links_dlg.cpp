@@ -23,9 +23,11 @@ constexpr const wchar_t* kKinds[] = {L"Hard link", L"Junction", L"Symbolic link"
 constexpr ListColumn kColumns[] = {{L"Link", 400}, {L"Leads to", 800}};
 
 constexpr Anchor kAnchors[] = {
-    {IDC_LINK_FOLDER, 0, 0, 100, 0},   {IDC_LINK_TARGETS, 0, 0, 100, 100},  {IDC_LINK_NAME_LABEL, 0, 100, 0, 100},
-    {IDC_LINK_NAME, 0, 100, 100, 100}, {IDC_LINK_AS_ADMIN, 0, 100, 0, 100}, {IDC_REASON, 0, 100, 100, 100},
-    {IDOK, 100, 100, 100, 100},        {IDCANCEL, 100, 100, 100, 100},
+    {IDC_LINK_FOLDER, 0, 0, 100, 0},    {IDC_LINK_PICK_FOLDER, 100, 0, 100, 0},
+    {IDC_LINK_TARGETS, 0, 0, 100, 100}, {IDC_LINK_NAME_LABEL, 0, 100, 0, 100},
+    {IDC_LINK_NAME, 0, 100, 100, 100},  {IDC_LINK_AS_ADMIN, 0, 100, 0, 100},
+    {IDC_REASON, 0, 100, 100, 100},     {IDOK, 100, 100, 100, 100},
+    {IDCANCEL, 100, 100, 100, 100},
 };
 
 /// The kind that most people mean: what needs no privilege and fits all targets.
@@ -37,10 +39,11 @@ uint32_t ProposedType(const std::vector<LinkTarget>& targets) {
 
 }  // namespace
 
-CreateLinksDlg::CreateLinksDlg(std::vector<LinkTarget> targets, bool canElevate, LinkCheck whyNot)
+CreateLinksDlg::CreateLinksDlg(std::vector<LinkTarget> targets, bool canElevate, LinkCheck whyNot, FolderPicker pick)
     : Dialog(IDD_CREATE_LINKS),
       m_names(std::move(targets)),
       m_canElevate(canElevate),
+      m_pick(std::move(pick)),
       m_thread(std::move(whyNot), [this] { PostMessageW(GetWindow(), kLinksAreChecked, 0, 0); }) {}
 
 std::optional<CreateLinksRequest> CreateLinksDlg::Show(HWND owner) {
@@ -67,6 +70,11 @@ bool CreateLinksDlg::OnInit() {
 bool CreateLinksDlg::OnCommand(int id, int notification) {
     if (id == IDOK) {
         Accept();
+        return true;
+    }
+    if (id == IDC_LINK_PICK_FOLDER && notification == BN_CLICKED) {
+        const std::wstring folder = m_pick(GetWindow(), Win32::WindowText(Item(IDC_LINK_FOLDER)));
+        if (!folder.empty()) SetTextOf(Item(IDC_LINK_FOLDER), folder);
         return true;
     }
     if (id == IDC_LINK_FOLDER && notification == EN_CHANGE) {

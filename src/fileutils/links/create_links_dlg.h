@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,12 +21,15 @@ struct CreateLinksRequest {
     std::vector<std::wstring> links;  // full paths, one for each target in its order
 };
 
+/// Opens a picker over a window, beginning in a folder, and gives the folder chosen; "" when none was chosen.
+using FolderPicker = std::function<std::wstring(HWND owner, const std::wstring& folder)>;
+
 /// Answers each key at once, however many targets there are: the list holds no texts of its own, and the links are
 /// looked at on another thread. Until that is done, OK waits for it.
 class CreateLinksDlg final : private Ui::Dialog {
 public:
     /// `targets` has at least one. Without `canElevate` administrator rights are not offered.
-    CreateLinksDlg(std::vector<LinkTarget> targets, bool canElevate, LinkCheck whyNot);
+    CreateLinksDlg(std::vector<LinkTarget> targets, bool canElevate, LinkCheck whyNot, FolderPicker pick);
 
     /// Nothing when the user cancels.
     std::optional<CreateLinksRequest> Show(HWND owner);
@@ -48,6 +52,7 @@ private:
 
     LinkNames m_names;
     bool m_canElevate;
+    FolderPicker m_pick;
     bool m_isChecked = false;        // the fault shown is that of the links as they are
     bool m_endsWhenChecked = false;  // OK was pressed before that
     std::optional<CreateLinksRequest> m_request;
