@@ -6,6 +6,7 @@
 #include "host/app/host_text.h"
 #include "host/contract/host_boundary.h"
 #include "host/contract/whole_file.h"
+#include "host/panel/panel_texts.h"
 #include "win32/folder.h"
 
 namespace QVHost {
@@ -33,6 +34,7 @@ using namespace Quorvane::SDK;
 
 constexpr uint32_t kDone = 1;
 constexpr uint32_t kRefused = 0;
+constexpr TextId kCancelWord = MakeTextId(3, 'g');
 constexpr uint32_t kFirstExtensionCommand = 30000;  // below are the host's own
 
 /// What became of a marked file; null for a kind that is none.
@@ -259,7 +261,9 @@ bool HostServices::ShowInputDialog(TextId prompt, wchar_t* buffer, uint32_t capa
     return Guarded(false, [&] {
         if (!buffer || capacity == 0) return false;
         const std::optional<std::wstring> text =
-            m_state.questions.Input({GetText(prompt), TextOfField(buffer, capacity)}, capacity - 1);
+            m_state.questions.Input({TextOf(m_state.texts, PanelText::Program), GetText(prompt),
+                                     TextOfField(buffer, capacity), GetText(kCancelWord)},
+                                    capacity - 1);
         if (text) CopyText(*text, buffer, capacity);
         return text.has_value();
     });
@@ -270,9 +274,10 @@ bool HostServices::ShowChoiceDialog(ChoiceRequest* request) {
         if (!request) return false;
         const std::shared_ptr<ChoiceList> choices = m_state.choiceLists.Find(request->choices);
         if (!choices || choices->Choices().empty()) return false;
-        const std::optional<uint32_t> position = m_state.questions.Choice(
-            {TextOfField(request->title, std::size(request->title)),
-             TextOfField(request->prompt, std::size(request->prompt)), choices->Choices(), request->position});
+        const std::optional<uint32_t> position =
+            m_state.questions.Choice({TextOfField(request->title, std::size(request->title)),
+                                      TextOfField(request->prompt, std::size(request->prompt)), choices->Choices(),
+                                      request->position, GetText(kCancelWord)});
         if (position) request->position = *position;
         return position.has_value();
     });

@@ -25,11 +25,14 @@ struct ChoiceQuestion {
     std::wstring prompt;
     std::vector<std::wstring> choices;
     uint32_t position = 0;  // of the choice proposed
+    std::wstring cancel;    // the word on the button
 };
 
 struct InputQuestion {
+    std::wstring title;
     std::wstring prompt;
     std::wstring proposed;
+    std::wstring cancel;  // the word on the button
 };
 
 class IAnswers {
