@@ -12,8 +12,8 @@ namespace {
 
 // compatibility: 11
 constexpr Ui::ListColumn kSessionColumns[] = {
-    {L"Date and time when files was renamed", 848}, {L"Items :", 176}, {L"State", 320}};
-constexpr Ui::ListColumn kEntryColumns[] = {{L"New name", 512}, {L"Old name", 512}, {L"Location", 720}};
+    {L"Date and time when files was renamed", 640}, {L"Items :", 128}, {L"State", 560}};
+constexpr Ui::ListColumn kEntryColumns[] = {{L"New name", 416}, {L"Old name", 416}, {L"Location", 480}};
 
 constexpr Ui::Anchor kAnchors[] = {
     {IDC_SESSIONS, 0, 0, 100, 40},  {IDC_ENTRIES_LABEL, 0, 40, 0, 40},  {IDC_ENTRIES, 0, 40, 100, 100},
