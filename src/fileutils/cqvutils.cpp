@@ -83,11 +83,22 @@ const char* CQVUtils::GetId() {
 }
 
 uint32_t CQVUtils::OnCommand(uint32_t id, uintptr_t, uintptr_t) {
-    return AtBoundary(0u, [&] {
+    bool hasEnded = false;
+    const uint32_t answer = AtBoundary(0u, [&] {
         if (id == kCommandShutdown) return Shutdown();
         const CommandHandler handler = FindHandler(id);
-        return m_services && handler ? handler(*m_services, id) : 0u;
+        const uint32_t result = m_services && handler ? handler(*m_services, id) : 0u;
+        hasEnded = true;
+        return result;
     });
+    // A command has no code that could say so.
+    if (!hasEnded && id != kCommandShutdown)
+        AtBoundary(0, [&] {
+            m_services->Log(kLogLevel, LogKind::Failure,
+                            L"[QVUtils] - Command %u broke off : memory ran out, or the host failed", id);
+            return 0;
+        });
+    return answer;
 }
 
 uint32_t CQVUtils::OnCustomCommand(ICustomCommandCall* call) {

@@ -12,6 +12,7 @@
 #include "win32/files.h"
 #include "win32/path.h"
 #include "win32/successor.h"
+#include "win32/windows.h"
 
 namespace FileUtils {
 namespace {
@@ -164,6 +165,11 @@ FileRunResult RunOverFiles(IHostServices& host, IFileList& files, const FileRun&
     return FileRunner(host, files, run).Execute();
 }
 
+CallResult CallWithout(IHostServices& host, const wchar_t* what) {
+    TellMissing(host, what);
+    return {false, ERROR_SERVICE_NOT_FOUND};
+}
+
 void TellTarget(IHostServices& host, const wchar_t* command, const FileTask& task) {
     if (task.target != task.source)
         host.Log(kLogLevel, LogKind::Success, L"[%s] - Note : The target is : %s", command,
@@ -178,7 +184,12 @@ void ForEachFile(IHostServices& host, IFileList& list,
         try {
             care.LookBeside(path);
             const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
-            if (files && files->Exists(path.c_str())) work(path, *files.Get());
+            if (!files)
+                tellFailure(path, L"The host gives no file operations", ERROR_SERVICE_NOT_FOUND);
+            else if (!files->Exists(path.c_str()))
+                tellFailure(path, L"There is no such file", QVUtils::ErrorCode::FileNotFound);
+            else
+                work(path, *files.Get());
         } catch (const QVUtils::QVUtilsException& error) {
             const std::string_view reason = error.what();
             tellFailure(path, std::wstring(reason.begin(), reason.end()), error.GetErrorCode());

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "fileutils/commands.h"
 #include "sdk/host_services.h"
 #include "textio/progress.h"
 
@@ -69,13 +70,16 @@ struct FileRun {
 /// nor summary come of a cancelled run.
 FileRunResult RunOverFiles(Quorvane::SDK::IHostServices& host, Quorvane::SDK::IFileList& files, const FileRun& run);
 
+/// The end of a custom command for which the host does not give what it needs; the log says what.
+CallResult CallWithout(Quorvane::SDK::IHostServices& host, const wchar_t* what);
+
 /// Logs the full path of the target, where that is not the source: of a file that failed the messages of the run name
 /// the source alone, and a target is named within the source's folder.
 void TellTarget(Quorvane::SDK::IHostServices& host, const wchar_t* command, const FileTask& task);
 
-/// Calls `work` for each path of the list that the host's file operations find. One that throws QVUtilsException or
-/// runs out of memory is told, with the reason in words ("" for want of memory) and the Windows error code, and the
-/// next one follows.
+/// Calls `work` for each path of the list. One that the host's file operations do not find, one that throws
+/// QVUtilsException or runs out of memory is told, with the reason in words ("" for want of memory) and the Windows
+/// error code, and the next one follows.
 void ForEachFile(
     Quorvane::SDK::IHostServices& host, Quorvane::SDK::IFileList& files,
     const std::function<void(const std::wstring& path, Quorvane::SDK::IFileOperations&)>& work,

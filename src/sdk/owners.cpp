@@ -29,9 +29,16 @@ std::wstring ReadText(uint32_t capacity, Read&& read) {
 
 }  // namespace
 
+void TellMissing(IHostServices& services, const wchar_t* what) {
+    services.Log(kLogLevel, LogKind::Failure, L"[QVUtils] - The host gives no %s", what);
+}
+
 Owned<IFileList> GatherSelection(IHostServices& services, uint32_t flags) {
     Owned<IFileList> list(services.CreateFileList());
-    if (list) services.RunHostCommand(HostCommand::GetSelection, list.get(), flags, 0);
+    if (list)
+        services.RunHostCommand(HostCommand::GetSelection, list.get(), flags, 0);
+    else
+        TellMissing(services, L"list of files");
     return list;
 }
 

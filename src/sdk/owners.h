@@ -69,7 +69,11 @@ inline const wchar_t* HostText(IHostServices& services, TextId id) {
     return text ? text : L"";
 }
 
-/// The panel's selected items; null when the host cannot make a list. `flags`: SelectionFlags.
+/// Tells in the host's log what the host does not give, where a command can only end: otherwise it would end without a
+/// word.
+void TellMissing(IHostServices& services, const wchar_t* what);
+
+/// The panel's selected items; null when the host cannot make a list, which is told. `flags`: SelectionFlags.
 Owned<IFileList> GatherSelection(IHostServices& services, uint32_t flags);
 
 /// The list's items in its order, up to the first that the host does not give: it may count more than it has. They live

@@ -13,7 +13,7 @@ constexpr uint32_t kTextCapacity = 100;  // units that the host's writer wants o
 
 void ConvertDocument(IHostServices& host, const std::wstring& path, uint32_t mode) {
     const Owned<IXmlService> service(host.GetXmlService(path.c_str(), mode));
-    if (!service) return;
+    if (!service) return TellMissing(host, (L"XML service for : " + path).c_str());
     const Owned<IXmlDocument> document(service->Load(path.c_str(), 0));
     if (!document) {
         host.Log(kLogLevel, LogKind::Failure, L"[Convert XML] - Failed to load file : %s", path.c_str());

@@ -197,7 +197,8 @@ CallResult RunFindAndReplaceCommand(IHostServices& host, ICustomCommandCall& cal
     if (find.empty() || replacement.empty()) return {false, ErrorCode::InvalidParameter};
 
     const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
-    const Owned<IFileItem> item(files ? files->CreateFileItem(fileName.c_str(), 1) : nullptr);
+    if (!files) return CallWithout(host, L"file operations");
+    const Owned<IFileItem> item(files->CreateFileItem(fileName.c_str(), 1));
     if (!item) {
         host.Log(kLogLevel, LogKind::Failure, L"[Custom Cmd - FindAndReplace] - FILE : %s not found", fileName.c_str());
         return {false, ErrorCode::FileNotFound};

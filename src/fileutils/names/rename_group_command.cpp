@@ -42,6 +42,7 @@ std::optional<std::wstring> AskForStem(IHostServices& host, const std::wstring& 
 
 uint32_t RunRenameGroup(IHostServices& host, uint32_t) {
     const Owned<IFileList> list(host.CreateFileList());
+    if (!list) TellMissing(host, L"list of files");
     if (!list || host.RunHostCommand(HostCommand::HasFocusedItem, list.get(), 0, 0) == 0) return 1;
     host.RunHostCommand(HostCommand::GroupItems, list.get(), 0, 0);
     IFileItem* const focused = list->GetItem(0);

@@ -41,10 +41,10 @@ void AskAndRename(IHostServices& host, std::vector<ItemRename> renames) {
 void RenameInOneBatch(IHostServices& host, const std::vector<ItemRename>& renames) {
     if (renames.empty()) return;
     const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
-    if (!files) return;
+    if (!files) return TellMissing(host, L"file operations");
     const auto end = [&](IRenameBatch* batch) { GiveBack([&] { files->EndRenameBatch(batch); }); };
     const std::unique_ptr<IRenameBatch, decltype(end)> batch(files->CreateRenameBatch(), end);
-    if (!batch) return;
+    if (!batch) return TellMissing(host, L"batch of renames");
     for (const ItemRename& rename : renames) batch->AddRename(rename.item, rename.newName.c_str(), 0);
     files->CommitRenameBatch(batch.get(), 0);
 }

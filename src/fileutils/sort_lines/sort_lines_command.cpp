@@ -128,7 +128,8 @@ CallResult RunSortLinesCommand(IHostServices& host, ICustomCommandCall& call) {
     try {
         SortRequest request = ReadSortParameters(call);
         const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
-        const Owned<IFileItem> item(files ? files->CreateFileItem(fileName.c_str(), 1) : nullptr);
+        if (!files) return CallWithout(host, L"file operations");
+        const Owned<IFileItem> item(files->CreateFileItem(fileName.c_str(), 1));
         if (item) return SortOneFile(host, call, *item, std::move(request));
         host.Log(kLogLevel, LogKind::Failure, L"[Custom Cmd - SortLines] - FILE : %s not found", fileName.c_str());
         return {false, ErrorCode::FileNotFound};
