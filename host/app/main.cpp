@@ -14,6 +14,7 @@
 #include "host/app/host_text.h"
 #include "host/app/run.h"
 #include "host/app/unix_paths.h"
+#include "win32/module.h"
 #include "win32/windows.h"
 
 namespace {
@@ -93,12 +94,6 @@ void ShowWhatWasSaid(const std::string& said) {
     if (!text.empty()) MessageBoxW(nullptr, text.c_str(), L"QVUtils", MB_OK | MB_ICONWARNING | MB_SETFOREGROUND);
 }
 
-std::wstring ProgramPath() {
-    std::wstring path(32768, L'\0');
-    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
-    return path;
-}
-
 }  // namespace
 
 int wmain(int count, wchar_t** words) {
@@ -118,7 +113,7 @@ int wmain(int count, wchar_t** words) {
     QVHost::HostEnvironment environment = {.out = hasConsole ? std::cout : said,
                                            .error = hasConsole ? std::cerr : said,
                                            .in = std::cin,
-                                           .program = ProgramPath(),
+                                           .program = Win32::PathOfModule(nullptr),
                                            .outIsTerminal = IsConsole(STD_OUTPUT_HANDLE),
                                            .readAnswer = {},
                                            .progressWatch = {IsConsole(STD_ERROR_HANDLE), &g_isInterrupted}};

@@ -1,10 +1,17 @@
 #include "ui/dialog.h"
 
+#include <algorithm>
 #include <system_error>
 #include <utility>
 
+#include "sdk/boundary.h"
 #include "ui/activation_context.h"
-#include "win32/handle.h"
+#include "ui/guide.h"
+#include "win32/module.h"
+#include "win32/text.h"
+#include "win32/window_position.h"
+
+#include <commctrl.h>
 
 namespace Ui {
 namespace {
@@ -13,12 +20,66 @@ namespace {
     throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
 }
 
-struct HookTraits {
-    using Raw = HHOOK;
-    static Raw Empty() noexcept { return nullptr; }
-    static void Close(Raw raw) noexcept { UnhookWindowsHookEx(raw); }
-};
-using Hook = Win32::UniqueHandle<HookTraits>;
+constexpr double kSmallestShare = 0.75;  // of its scale, at which a dialog can still be read
+constexpr uint32_t kSizeCapacity = 32;   // units
+constexpr int kWidestTip = 320;          // pixels at 96 to the inch; longer texts take several lines
+
+/// The system scales dialogs by itself where it does at all, from its own idea of their layout. Ours do it in one way
+/// on every system.
+void ScaleByOurselves(HWND dialog) {
+    using Function = BOOL(WINAPI*)(HWND, int, int);
+    constexpr int kAll = 1;  // DDC_DISABLE_ALL of winuser.h
+    const Win32::Module user = Win32::LoadSystemModule(L"user32.dll");
+    if (const auto set = Win32::FindFunction<Function>(user, "SetDialogDpiChangeBehavior")) set(dialog, kAll, kAll);
+}
+
+SIZE SizeOf(const RECT& rect) {
+    return {rect.right - rect.left, rect.bottom - rect.top};
+}
+
+SIZE SizeOf(HWND window) {
+    RECT rect = {};
+    GetWindowRect(window, &rect);
+    return SizeOf(rect);
+}
+
+/// The system cuts a dialog that is larger than the screen: what its controls need would not be known.
+void GiveWholeSize(HWND dialog, const DLGTEMPLATE* layout) {
+    constexpr WORD kExtended = 0xFFFF;  // the second word of a DLGTEMPLATEEX, whose size stands four words later
+    const auto* const words = reinterpret_cast<const WORD*>(layout);
+    const size_t place = words[1] == kExtended ? 11 : 7;
+    RECT wanted = {0, 0, words[place], words[place + 1]};
+    MapDialogRect(dialog, &wanted);
+    RECT client = {};
+    GetClientRect(dialog, &client);
+    const SIZE window = SizeOf(dialog);
+    SetWindowPos(dialog, nullptr, 0, 0, window.cx + std::max(0L, wanted.right - client.right),
+                 window.cy + std::max(0L, wanted.bottom - client.bottom), SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+/// "width,height"; nothing for another text.
+std::optional<SIZE> ParseSize(std::wstring_view text) {
+    const size_t comma = text.find(L',');
+    if (comma == std::wstring_view::npos) return std::nullopt;
+    const std::optional<uint16_t> width = Win32::WholeNumber<uint16_t>(text.substr(0, comma));
+    const std::optional<uint16_t> height = Win32::WholeNumber<uint16_t>(text.substr(comma + 1));
+    if (!width || !height) return std::nullopt;
+    return SIZE{*width, *height};
+}
+
+std::wstring TextOfSize(SIZE size, UINT dots) {
+    const auto length = [dots](LONG pixels) {
+        return std::to_wstring(Win32::Rescaled(static_cast<int>(pixels), dots, USER_DEFAULT_SCREEN_DPI));
+    };
+    return length(size.cx) + L"," + length(size.cy);
+}
+
+/// The controls of the system keep the colours that they have asked for once, and hear nothing of others themselves.
+void TellColours(HWND dialog) {
+    for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+        SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
+    RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
 
 }  // namespace
 
@@ -89,6 +150,17 @@ LRESULT CALLBACK Dialog::FilterLetters(int code, WPARAM wParam, LPARAM lParam) n
     return CallNextHookEx(nullptr, code, wParam, lParam);
 }
 
+LRESULT CALLBACK Dialog::FollowFocus(int code, WPARAM wParam, LPARAM lParam) noexcept {
+    if (code == HCBT_SETFOCUS)
+        for (HWND window = reinterpret_cast<HWND>(wParam); window; window = GetAncestor(window, GA_PARENT)) {
+            const HWND parent = GetAncestor(window, GA_PARENT);
+            if (GetWindowLongPtrW(parent, DWLP_DLGPROC) != reinterpret_cast<LONG_PTR>(Procedure)) continue;
+            if (auto* const self = reinterpret_cast<Dialog*>(GetWindowLongPtrW(parent, DWLP_USER)))
+                self->m_resizing.Reveal(window);
+        }
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
 INT_PTR CALLBACK Dialog::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     if (message == WM_INITDIALOG) {
         SetWindowLongPtrW(window, DWLP_USER, lParam);
@@ -98,7 +170,9 @@ INT_PTR CALLBACK Dialog::Procedure(HWND window, UINT message, WPARAM wParam, LPA
     if (!self) return FALSE;  // WM_SETFONT and others come before WM_INITDIALOG
     if (message == WM_NCDESTROY) {
         SetWindowLongPtrW(window, DWLP_USER, 0);
-        self->m_window = nullptr;
+        self->m_focusHook.Reset();
+        self->m_resizing = Resizing();
+        self->m_window = self->m_tips = nullptr;
         // While the window is being made the failure is the maker's; afterwards nobody is on the stack to throw to.
         return FALSE;
     }
@@ -123,18 +197,124 @@ INT_PTR CALLBACK Dialog::Procedure(HWND window, UINT message, WPARAM wParam, LPA
 INT_PTR Dialog::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     if (message != WM_INITDIALOG && OnMessage(message, wParam, lParam)) return TRUE;
     switch (message) {
-        case WM_INITDIALOG: return OnInit();
+        case WM_INITDIALOG: return Start();
         case WM_COMMAND:
             if (OnCommand(LOWORD(wParam), HIWORD(wParam))) return TRUE;
             if (LOWORD(wParam) != IDCANCEL) return FALSE;
             End(IDCANCEL);
             return TRUE;
-        case WM_GETMINMAXINFO: return m_resizing.LimitSize(*reinterpret_cast<MINMAXINFO*>(lParam));
+        case WM_HELP:
+            if (!m_host.page) return FALSE;
+            OpenGuide(m_window, m_host.page->topic, m_host.texts);
+            return TRUE;
+        case WM_GETMINMAXINFO: m_resizing.LimitSize(*reinterpret_cast<MINMAXINFO*>(lParam)); return TRUE;
         case WM_SIZE:
             if (wParam != SIZE_MINIMIZED) m_resizing.Arrange();
             return FALSE;
-        case WM_DPICHANGED: m_resizing.Rescale(LOWORD(wParam)); return FALSE;
+        case WM_HSCROLL:
+        case WM_VSCROLL: return lParam == 0 && m_resizing.OnScroll(message, wParam);
+        case WM_MOUSEWHEEL: return m_resizing.OnScroll(message, wParam);
+        case WM_DPICHANGED: OnScaleChange(LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam)); return TRUE;
+        case WM_SYSCOLORCHANGE:
+        case WM_THEMECHANGED: TellColours(m_window); return FALSE;
+        case WM_DESTROY: KeepSize(); return FALSE;
         default: return FALSE;
+    }
+}
+
+bool Dialog::Start() {
+    ScaleByOurselves(m_window);
+    GiveWholeSize(m_window, m_layout ? m_layout : DialogResource(m_resourceId));
+    const bool isFocusOpen = OnInit();
+    if (!m_resizing.IsStarted()) m_resizing.Start(m_window, {});
+    if (m_host.page) AddTips(m_host.page->tips, m_host.texts);
+    m_focusHook.Reset(SetWindowsHookExW(WH_CBT, FollowFocus, nullptr, GetCurrentThreadId()));
+    Place();
+    return isFocusOpen;
+}
+
+void Dialog::ShrinkToScreen() {
+    RECT rect = {};
+    GetWindowRect(m_window, &rect);
+    RECT client = {};
+    GetClientRect(m_window, &client);
+    const SIZE screen = SizeOf(Win32::WorkAreaNear(rect));
+    const SIZE frame = {rect.right - rect.left - client.right, rect.bottom - rect.top - client.bottom};
+    const double share = std::min({1.0, static_cast<double>(screen.cx - frame.cx) / client.right,
+                                   static_cast<double>(screen.cy - frame.cy) / client.bottom});
+    if (share >= 1.0) return;
+    const UINT dots = Win32::DotsPerInch(m_window);
+    m_resizing.Rescale(static_cast<UINT>(dots * std::max(share, kSmallestShare)));
+    const SIZE natural = m_resizing.NaturalClient();
+    InflateRect(&rect, (natural.cx - client.right) / 2, (natural.cy - client.bottom) / 2);
+    if (natural.cy + frame.cy > screen.cy) rect.right += GetSystemMetrics(SM_CXVSCROLL);
+    SetWindowPos(m_window, nullptr, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+    m_resizing.Arrange();
+}
+
+void Dialog::Place() {
+    const auto style = GetWindowLongPtrW(m_window, GWL_STYLE);
+    if (style & WS_CHILD) return;
+    ShrinkToScreen();
+    RECT rect = {};
+    GetWindowRect(m_window, &rect);
+    wchar_t text[kSizeCapacity + 1] = {};  // it ends whatever the host does
+    const bool isKept = (style & WS_THICKFRAME) && m_host.settings && m_host.page &&
+                        m_host.settings->GetString(1, kSizesSection, m_host.page->name, text, kSizeCapacity);
+    if (const std::optional<SIZE> size = isKept ? ParseSize(text) : std::nullopt) {
+        const UINT dots = Win32::DotsPerInch(m_window);
+        const auto more = [dots](LONG length, LONG now) {
+            return std::max(0L, Win32::Rescaled(static_cast<int>(length), USER_DEFAULT_SCREEN_DPI, dots) - now);
+        };
+        // Around the place where it would be otherwise, and never smaller than its controls need.
+        InflateRect(&rect, more(size->cx, rect.right - rect.left) / 2, more(size->cy, rect.bottom - rect.top) / 2);
+    }
+    const RECT fitted = Win32::FitInto(rect, Win32::WorkAreaNear(rect));
+    SetWindowPos(m_window, nullptr, fitted.left, fitted.top, fitted.right - fitted.left, fitted.bottom - fitted.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+    m_placed = SizeOf(m_window);
+}
+
+void Dialog::KeepSize() const noexcept {
+    if (!m_host.settings || !m_host.page || !(GetWindowLongPtrW(m_window, GWL_STYLE) & WS_THICKFRAME)) return;
+    // Only what the user has chosen: a size that was cut to a small screen would be kept for large ones.
+    const SIZE size = SizeOf(m_window);
+    if (size.cx == m_placed.cx && size.cy == m_placed.cy) return;
+    // Guarded, since a dialog that cannot keep its size must close all the same.
+    Quorvane::SDK::AtBoundary(false, [&] {
+        const std::wstring text = TextOfSize(size, Win32::DotsPerInch(m_window));
+        return m_host.settings->SetString(1, kSizesSection, m_host.page->name, text.c_str());
+    });
+}
+
+void Dialog::OnScaleChange(UINT dotsPerInch, const RECT& suggested) {
+    RescaleControls(dotsPerInch);
+    SetWindowPos(m_window, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
+                 suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void Dialog::RescaleControls(UINT dotsPerInch) {
+    m_resizing.Rescale(dotsPerInch);
+    m_resizing.Arrange();
+}
+
+void Dialog::AddTips(std::span<const Tip> tips, const HostTexts& texts) {
+    if (tips.empty()) return;
+    m_tips = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0, 0, 0,
+                             0, m_window, nullptr, OwnModule(), nullptr);
+    const int widest = MulDiv(kWidestTip, static_cast<int>(Win32::DotsPerInch(m_window)), USER_DEFAULT_SCREEN_DPI);
+    SendMessageW(m_tips, TTM_SETMAXTIPWIDTH, 0, widest);
+    for (const Tip& tip : tips) {
+        std::wstring text = texts(tip.text);
+        if (text.empty()) continue;
+        TTTOOLINFOW tool = {};
+        tool.cbSize = TTTOOLINFOW_V1_SIZE;
+        tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+        tool.hwnd = m_window;
+        tool.uId = reinterpret_cast<UINT_PTR>(Item(tip.control));
+        tool.lpszText = text.data();
+        SendMessageW(m_tips, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
     }
 }
 

@@ -3,11 +3,20 @@
 #pragma once
 
 #include <exception>
+#include <utility>
 
+#include "ui/dialog_host.h"
 #include "ui/resizing.h"
 #include "win32/windows.h"
 
 namespace Ui {
+
+struct HookTraits {
+    using Raw = HHOOK;
+    static Raw Empty() noexcept { return nullptr; }
+    static void Close(Raw raw) noexcept { UnhookWindowsHookEx(raw); }
+};
+using Hook = Win32::UniqueHandle<HookTraits>;
 
 /// One dialog. The object outlives its window: it may be shown again once the window is gone.
 ///
@@ -15,12 +24,20 @@ namespace Ui {
 /// throws it again; for a modeless dialog OnFailure gets it (and OutlivesFailure may keep it open).
 ///
 /// In a modal dialog a letter without Alt presses nothing. The message loop of a modeless one has to see to that.
+///
+/// The window lies on the screen whole: where that is too small, the dialog is made smaller, and scrolls where that
+/// does not suffice; the control with the focus is always in sight. It follows the system's colours, and the scale of
+/// the screen.
 class Dialog {
 public:
     Dialog(const Dialog&) = delete;
     Dialog& operator=(const Dialog&) = delete;
 
     HWND GetWindow() const noexcept { return m_window; }
+
+    /// From the next time on that it is shown: F1 opens its page of the guide, its controls have tooltips, and a dialog
+    /// whose size can be changed has the size that it had last.
+    void UseHost(DialogHost host) { m_host = std::move(host); }
 
 protected:
     /// From a dialog resource of our own module.
@@ -51,9 +68,14 @@ protected:
 
     HWND Item(int id) const noexcept { return GetDlgItem(m_window, id); }
     /// From OnInit on the controls follow the window's size, which cannot get smaller than it is then.
-    void MakeResizable(std::span<const Anchor> anchors) { m_resizing.Start(m_window, anchors); }
+    /// `column`: see Resizing::Start.
+    void MakeResizable(std::span<const Anchor> anchors, std::span<const int> column = {}) {
+        m_resizing.Start(m_window, anchors, column);
+    }
+    const Resizing& Sizes() const { return m_resizing; }
     /// For a dialog within a window, which hears nothing of another scale by itself.
-    void RescaleControls(UINT dotsPerInch) { m_resizing.Rescale(dotsPerInch); }
+    void RescaleControls(UINT dotsPerInch);
+    void AddTips(std::span<const Tip> tips, const HostTexts& texts);
 
 private:
     /// The system takes a letter for the key of a button, as if with Alt, where the control with the focus takes no
@@ -61,7 +83,15 @@ private:
     /// alone.
     static LRESULT CALLBACK FilterLetters(int code, WPARAM wParam, LPARAM lParam) noexcept;
     static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
+    static LRESULT CALLBACK FollowFocus(int code, WPARAM wParam, LPARAM lParam) noexcept;
     INT_PTR Handle(UINT message, WPARAM wParam, LPARAM lParam);
+    bool Start();
+    /// Where the screen is too small for the dialog at its scale, it takes a smaller one, within limits.
+    void ShrinkToScreen();
+    /// As large as it was last, and no larger than the screen.
+    void Place();
+    void KeepSize() const noexcept;
+    void OnScaleChange(UINT dotsPerInch, const RECT& suggested);
     void ThrowFailure();
 
     WORD m_resourceId = 0;
@@ -69,6 +99,10 @@ private:
     HWND m_window = nullptr;
     bool m_isModal = false;
     Resizing m_resizing;
+    DialogHost m_host;
+    Hook m_focusHook;
+    SIZE m_placed = {};     // the size that the window had at first
+    HWND m_tips = nullptr;  // a window of the system that goes with ours
     std::exception_ptr m_failure;
 };
 

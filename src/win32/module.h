@@ -1,6 +1,8 @@
 // module.h - libraries loaded at run time, and functions looked up in them.
 #pragma once
 
+#include <string>
+
 #include "win32/handle.h"
 
 namespace Win32 {
@@ -16,9 +18,15 @@ using Module = UniqueHandle<ModuleTraits>;
 /// host or in the current folder is never run. Empty when it cannot be loaded (see GetLastError).
 Module LoadSystemModule(const wchar_t* fileName);
 
+/// The folder that the system's own programs and libraries lie in.
+std::wstring SystemFolder();
+
 /// The program or library that holds this address; null for an address in none. It stays loaded by itself: nothing is
 /// to be closed.
 HMODULE ModuleOfAddress(const void* address) noexcept;
+
+/// The full path of a program or library; null for the program of this process.
+std::wstring PathOfModule(HMODULE module);
 
 /// The address of an exported function, or null. `Function` is a pointer-to-function type.
 template <class Function>

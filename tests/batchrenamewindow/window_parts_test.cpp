@@ -3,7 +3,6 @@
 #include "batchrename/model/name_sample.h"
 #include "batchrename/model/row_list.h"
 #include "batchrename/model/row_order.h"
-#include "batchrename/model/window_position.h"
 #include "batchrename/rows.h"
 #include "batchrename/window/name_painter.h"
 #include "batchrename/window/row_columns.h"
@@ -151,15 +150,6 @@ TEST(Problems, AreGoneThroughInBothDirections) {
     EXPECT_EQ(NextProblem(marks, kNowhere, true), 2u);
     EXPECT_EQ(NextProblem({RowMark::None}, 0, false), std::nullopt);
     EXPECT_EQ(NextProblem({}, kNowhere, true), std::nullopt);
-}
-
-TEST(WindowPosition, IsReadBackAndBroughtOntoTheScreen) {
-    const WindowPosition position = {-5, 10, 900, 700, true, 210};
-    EXPECT_EQ(ParseWindowPosition(FormatWindowPosition(position)), position);
-    for (const wchar_t* text : {L"", L"1,2,3,4,0,0,", L"9,9,3,12,0,0", L"a,b,c,d,e,f", L"1,2,999999999,4,0,0"})
-        EXPECT_EQ(ParseWindowPosition(text), std::nullopt) << text;
-    EXPECT_EQ(FitIntoScreen({2000, -50, 2400, 250, false, 0}, 0, 0, 1280, 1024),
-              (WindowPosition{880, 0, 1280, 300, false, 0}));
 }
 
 TEST(ItemTrial, CountsTheNamesThatAPairFindsInWhatTheRuleMakesOfThem) {

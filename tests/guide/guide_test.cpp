@@ -4,7 +4,10 @@
 // of the page.
 #include <algorithm>
 #include <filesystem>
+#include <set>
 
+#include "batchrename/dialogs/rename_dialog_pages.h"
+#include "fileutils/dialog_pages.h"
 #include "host/app/host_text.h"
 #include "host/app/unix_paths.h"
 #include "host/contract/whole_file.h"
@@ -136,6 +139,24 @@ TEST(UserGuide, GivesExamplesThatDoWhatItSays) {
 
 TEST(GrepAndSed, GivesExamplesThatDoWhatItSays) {
     EXPECT_EQ(RunExamplesOf(ReadDocument(L"grep-and-sed.md")), 3u);
+}
+
+TEST(Guide, HasTheTopicsThatTheDialogsOpen) {
+    std::string guide;
+    ASSERT_EQ(QVHost::ReadWholeFile(QVHost::FullUserPath(QVHost::FromUtf8(QV_GUIDE).value_or(L"")), guide), 0u);
+    std::set<std::wstring> topics;
+    for (const std::string_view line : QVHost::LinesOf(guide)) {
+        if (!line.starts_with("##")) continue;
+        std::wstring topic;
+        for (const char letter : line.substr(line.find(' ') + 1))
+            if (letter == ' ')
+                topic += L'-';
+            else if (isalnum(static_cast<unsigned char>(letter)))
+                topic += static_cast<wchar_t>(tolower(static_cast<unsigned char>(letter)));
+        topics.insert(topic);
+    }
+    for (const std::span<const Ui::DialogPage> pages : {FileUtils::DialogPages(), BatchRename::DialogPages()})
+        for (const Ui::DialogPage& page : pages) EXPECT_TRUE(topics.contains(page.topic)) << page.dialog;
 }
 
 }  // namespace

@@ -4,13 +4,16 @@
 #include <set>
 
 #include "batchrename/batchrename_texts.h"
+#include "batchrename/dialogs/rename_dialog_pages.h"
 #include "fileutils/control_panel/control_panel.h"
+#include "fileutils/dialog_pages.h"
 #include "fileutils/fileutils_texts.h"
 #include "host/app/host_text.h"
 #include "host/contract/whole_file.h"
 #include "host/panel/panel_texts.h"
 #include "host_runner.h"
 #include "security/ntfs_prop.h"
+#include "ui/guide.h"
 
 namespace {
 
@@ -55,6 +58,11 @@ TEST(LanguageTexts, AreThereForEveryIdOfTheLibraryAndThePanel) {
     for (const TextId id : Security::PropertyText::kAll) expectText(L"", id);
     for (const TextId id : BatchRename::Text::kAll) expectText(L"QVBatchRename", id);
     EXPECT_STRNE(texts.Find(L"QVBatchRename", 10_c), texts.Find(L"", 10_c)) << "one id, two extensions";
+    for (const TextId id : Ui::Text::kAll) expectText(L"", id);
+    for (const Ui::DialogPage& page : FileUtils::DialogPages())
+        for (const Ui::Tip& tip : page.tips) expectText(L"", tip.text);
+    for (const Ui::DialogPage& page : BatchRename::DialogPages())
+        for (const Ui::Tip& tip : page.tips) expectText(L"QVBatchRename", tip.text);
     for (uint32_t number = 1; number <= static_cast<uint32_t>(PanelText::Last); ++number) {
         const auto text = static_cast<PanelText>(number);
         EXPECT_NE(TextOf(texts, text), NameOfTextId(TextIdOf(text)));

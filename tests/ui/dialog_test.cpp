@@ -8,6 +8,7 @@
 #include "ui/activation_context.h"
 #include "ui/controls.h"
 #include "ui/dialog.h"
+#include "ui/guide.h"
 
 #include <commctrl.h>
 
@@ -32,6 +33,7 @@ public:
 
     using Dialog::ShowModal;
     using Dialog::ShowModeless;
+    using Dialog::UseHost;
 
     bool throwsInInit = false;
     std::vector<Ui::Anchor> anchors;
@@ -163,10 +165,102 @@ TEST(Resizing, CountsAnewOnAScreenOfAnotherScale) {
                                  scale * (button.right - button.left), scale * (button.bottom - button.top)};
     };
     const auto doubled = measures(2);
-    // As the system does it: it tells of the new scale, and makes window and controls larger.
-    SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(2 * dots, 2 * dots), reinterpret_cast<LPARAM>(&whole));
-    Resize(window, 2 * (whole.right - whole.left), 2 * (whole.bottom - whole.top));
+    const auto heightOfFont = [&] {
+        LOGFONTW font = {};
+        GetObjectW(reinterpret_cast<HFONT>(SendMessageW(GetDlgItem(window, IDOK), WM_GETFONT, 0, 0)), sizeof(font),
+                   &font);
+        return font.lfHeight;
+    };
+    const LONG before = heightOfFont();
+    // As the system does it: it tells of the new scale, and of a place for a window so much larger.
+    RECT client = {};
+    GetClientRect(window, &client);
+    const RECT larger = {whole.left, whole.top, whole.right + client.right, whole.bottom + client.bottom};
+    SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(2 * dots, 2 * dots), reinterpret_cast<LPARAM>(&larger));
     EXPECT_EQ(measures(1), doubled);
+    EXPECT_EQ(heightOfFont(), 2 * before);
+}
+
+TEST(Resizing, ScrollsWhereTheWindowIsTooSmallAndHasTheFocusInSight) {
+    EXPECT_EQ(Ui::BarsFor({100, 100}, {100, 100}, {16, 16}), Ui::Bars());
+    EXPECT_EQ(Ui::BarsFor({100, 100}, {90, 101}, {16, 16}), (Ui::Bars{true, true}))
+        << "one bar takes the other's space";
+    EXPECT_EQ(Ui::BarsFor({100, 100}, {84, 101}, {16, 16}), (Ui::Bars{false, true}));
+    const auto make = [](const wchar_t* windowClass, DWORD style, RECT rect, HWND parent) {
+        return CreateWindowExW(0, windowClass, L"", style, rect.left, rect.top, rect.right - rect.left,
+                               rect.bottom - rect.top, parent, nullptr, nullptr, nullptr);
+    };
+    const HWND window = make(L"STATIC", WS_POPUP, {0, 0, 300, 200}, nullptr);
+    const HWND low = make(L"BUTTON", WS_CHILD, {10, 170, 60, 190}, window);
+    const HWND right = make(L"BUTTON", WS_CHILD, {240, 10, 290, 30}, window);
+    SetWindowLongPtrW(right, GWLP_ID, IDOK);
+    const auto place = [&](HWND control) {
+        RECT rect = RectOf(control);
+        MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&rect), 2);
+        return std::pair(rect.left, rect.top);
+    };
+    Ui::Resizing sizes;
+    const int column[] = {IDOK};
+    sizes.Start(window, {}, column);
+    Resize(window, 200, 150);
+    sizes.Arrange();
+    EXPECT_LT(place(right).first, 20) << "the column is a row at the top now";
+    EXPECT_GT(place(low).second, 170);
+    sizes.Reveal(low);
+    EXPECT_LT(place(low).second, 150 - 20);
+    sizes.Reveal(right);
+    EXPECT_GE(place(right).second, 0);
+    Resize(window, 300, 200);
+    sizes.Arrange();
+    EXPECT_EQ(place(low), std::pair(10L, 170L));
+    EXPECT_EQ(place(right), std::pair(240L, 10L));
+    DestroyWindow(window);
+}
+
+/// Keeps one text.
+class OneSetting final : public Quorvane::SDK::ISettings {
+public:
+    std::wstring value;
+    bool GetString(uint32_t, const wchar_t*, const wchar_t*, wchar_t* buffer, uint32_t capacity) override {
+        Ui::FillItemText(buffer, static_cast<int>(capacity), value);
+        return !value.empty();
+    }
+    bool GetNumber(uint32_t, const wchar_t*, const wchar_t*, uint32_t*) override { return false; }
+    bool SetString(uint32_t, const wchar_t*, const wchar_t*, const wchar_t* text) override {
+        value = text;
+        return true;
+    }
+    bool SetNumber(uint32_t, const wchar_t*, const wchar_t*, uint32_t) override { return false; }
+};
+
+TEST(Dialog, HasTheSizeAgainThatTheUserGaveIt) {
+    OneSetting settings;
+    const Ui::DialogPage page = {IDD_CONFIRM_REPLACE, L"Sample", L"topic", {}};
+    const auto sizeAfter = [&](LONG more) {
+        Sample sample;
+        sample.UseHost({[](Quorvane::SDK::TextId) { return L""; }, &settings, &page});
+        sample.ShowModeless(nullptr);
+        const RECT rect = RectOf(sample.GetWindow());
+        const SIZE size = {rect.right - rect.left, rect.bottom - rect.top};
+        if (more > 0) Resize(sample.GetWindow(), size.cx + more, size.cy + more);
+        SendMessageW(sample.GetWindow(), WM_COMMAND, IDCANCEL, 0);
+        return std::pair(size.cx, size.cy);
+    };
+    const auto natural = sizeAfter(0);
+    EXPECT_EQ(settings.value, L"") << "nobody has chosen a size";
+    sizeAfter(60);
+    EXPECT_EQ(sizeAfter(0), std::pair(natural.first + 60, natural.second + 60));
+    for (const wchar_t* text : {L"1,1", L"nonsense", L"99999,", L""}) {
+        settings.value = text;
+        EXPECT_EQ(sizeAfter(0), natural) << text;
+    }
+}
+
+TEST(Guide, IsThePackedPageElseTheTextInTheCheckout) {
+    const Ui::GuidePlace packed = Ui::PlaceOfGuide(LR"(C:\QVUtils)", L"sort-lines");
+    EXPECT_EQ(packed.page, LR"(C:\QVUtils\docs\help\sort-lines.html)");
+    EXPECT_EQ(packed.text, L"") << "nothing above the folder is looked at";
+    EXPECT_EQ(Ui::PlaceOfGuide(LR"(C:\qv\build\release\bin)", L"x").text, LR"(C:\qv\docs\user-guide.md)");
 }
 
 TEST(ActivationContext, GivesOurWindowsTheNewerControls) {

@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "batchrename/dialogs/batchrename_resource.h"
+#include "batchrename/dialogs/rename_dialog_pages.h"
+#include "fileutils/dialog_pages.h"
 #include "fileutils/fileutils_resource.h"
 #include "ui/activation_context.h"
 #include "ui/controls.h"
@@ -172,6 +174,15 @@ TEST(Layout, EveryControlIsWithinReachOfTheKeyboard) {
         EXPECT_EQ(SendMessageW(open.Window(), DM_GETDEFID, 0, 0), MAKELONG(IDOK, DC_HASDEFID));
         EXPECT_TRUE(GetDlgItem(open.Window(), IDCANCEL));
     }
+}
+
+TEST(Layout, EveryTipIsSaidOfAControl) {
+    for (const std::span<const Ui::DialogPage> pages : {FileUtils::DialogPages(), BatchRename::DialogPages()})
+        for (const Ui::DialogPage& page : pages) {
+            const OpenDialog open(page.dialog, kPointSizes[0]);
+            for (const Ui::Tip& tip : page.tips)
+                EXPECT_TRUE(GetDlgItem(open.Window(), tip.control)) << page.dialog << ": " << tip.control;
+        }
 }
 
 }  // namespace

@@ -31,6 +31,7 @@ public:
 
     /// The tag; nothing when the user cancels.
     std::optional<std::wstring> Show(HWND owner);
+    using Dialog::UseHost;
 
 private:
     bool OnInit() override;

@@ -21,6 +21,7 @@ public:
     /// The pair; nothing when the user cancels. The dialog opens at the lower edge of its owner, whose list stays in
     /// sight.
     std::optional<SearchAndReplaceItem> Show(HWND owner);
+    using Dialog::UseHost;
 
 private:
     bool OnInit() override;

@@ -26,6 +26,7 @@ public:
 
     /// A name that is not empty. A name in use was asked about; nothing when the user cancels.
     std::optional<std::wstring> Show(HWND owner);
+    using Dialog::UseHost;
 
 private:
     bool OnInit() override;

@@ -24,6 +24,7 @@ public:
 
     /// What to load; nothing when the user closes the dialog.
     std::optional<SessionChoice> Show(HWND owner);
+    using Dialog::UseHost;
 
 private:
     bool OnInit() override;

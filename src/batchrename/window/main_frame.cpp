@@ -9,6 +9,7 @@
 #include "batchrename/rule_context.h"
 #include "sdk/boundary.h"
 #include "ui/activation_context.h"
+#include "win32/window_position.h"
 
 namespace BatchRename {
 namespace {
@@ -118,8 +119,8 @@ LRESULT BatchRenameMainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lPar
             break;
         case WM_NEXTDLGCTL: MoveFocus(wParam, LOWORD(lParam) != 0); return 0;
         case WM_SYSCOLORCHANGE:
-            if (m_list.GetWindow()) m_list.Recolour();
-            break;
+        case WM_THEMECHANGED: OnColours(); return 0;
+        case WM_HELP: OpenGuide(); return TRUE;
         case WM_NOTIFY: {
             auto& header = *reinterpret_cast<NMHDR*>(lParam);
             if (header.hwndFrom == m_list.GetWindow())
@@ -150,7 +151,7 @@ LRESULT BatchRenameMainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lPar
 }
 
 void BatchRenameMainFrame::OnCreate() {
-    m_dotsPerInch = Ui::DotsPerInch(m_window);
+    m_dotsPerInch = Win32::DotsPerInch(m_window);
     m_panel = std::make_unique<RulePanel>([this](Quorvane::SDK::TextId id) { return Text(id); },
                                           static_cast<IPaneListener&>(*this));
     // Made first: the list comes before the panel in the order of tabs, but shares the panel's font.
@@ -162,7 +163,7 @@ void BatchRenameMainFrame::OnCreate() {
         CreateWindowExW(0, STATUSCLASSNAMEW, L"", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0, m_window,
                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_STATUS_BAR)), Ui::OwnModule(), nullptr);
     SendMessageW(m_statusBar, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
-    m_panelHeight = m_panel->NaturalSize().cy;
+    m_wishedHeight = m_panel->NaturalSize().cy;
     // The window's handle, not the window: it may be gone when a thread has something to say.
     const HWND window = m_window;
     m_preview = std::make_unique<PreviewWorker>(m_environment.services,
@@ -218,14 +219,16 @@ void BatchRenameMainFrame::Layout() {
     SendMessageW(m_statusBar, WM_SIZE, 0, 0);
     const RECT client = ClientOf(m_window);
     const int available = client.bottom - HeightOf(m_statusBar) - Scaled(kSplitterHeight);
-    const int natural = m_panel->NaturalSize().cy;
-    m_panelHeight = std::clamp(m_panelHeight, natural, std::max(natural, available - Scaled(kSmallestList)));
+    // Some rows are always in sight: what the panel then has no space for, it scrolls.
+    const int most = std::max(available - Scaled(kSmallestList), available / 2);
+    m_panelHeight = std::clamp(m_wishedHeight, std::min(m_panel->HeightFor(client.right), most), most);
     const int top = SplitterTop();
+    // What the panes showed is not carried along: it would cover what the frame, or the other pane, shows there now.
     HDWP moves = BeginDeferWindowPos(2);
     const auto place = [&](HWND window, int y, int height) {
         if (moves)
             moves = DeferWindowPos(moves, window, nullptr, 0, y, client.right, std::max(height, 0),
-                                   SWP_NOZORDER | SWP_NOACTIVATE);
+                                   SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
     };
     place(m_list.GetWindow(), 0, top);
     place(m_panel->GetWindow(), top + Scaled(kSplitterHeight), m_panelHeight);
@@ -250,7 +253,7 @@ bool BatchRenameMainFrame::OnSplitter(UINT message, LPARAM lParam) {
             return true;
         case WM_MOUSEMOVE:
             if (!m_isDragging) return false;
-            m_panelHeight = ClientOf(m_window).bottom - HeightOf(m_statusBar) - mouse.y - Scaled(kSplitterHeight) / 2;
+            m_wishedHeight = ClientOf(m_window).bottom - HeightOf(m_statusBar) - mouse.y - Scaled(kSplitterHeight) / 2;
             Layout();
             return true;
         case WM_LBUTTONUP:
@@ -265,12 +268,24 @@ int BatchRenameMainFrame::Scaled(int pixels) const {
 }
 
 void BatchRenameMainFrame::OnScaleChange(UINT dotsPerInch, const RECT& suggested) {
-    m_panelHeight = MulDiv(m_panelHeight, static_cast<int>(dotsPerInch), static_cast<int>(m_dotsPerInch));
-    m_dotsPerInch = dotsPerInch;
+    m_wishedHeight = Win32::Rescaled(m_wishedHeight, m_dotsPerInch, dotsPerInch);
     m_panel->Rescale(dotsPerInch);
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(m_panel->GetWindow(), WM_GETFONT, 0, 0));
+    m_list.Rescale(font, m_dotsPerInch, dotsPerInch);
+    SendMessageW(m_statusBar, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+    m_dotsPerInch = dotsPerInch;
     SetWindowPos(m_window, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
                  suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
     Layout();
+}
+
+void BatchRenameMainFrame::OnColours() {
+    if (!m_list.GetWindow() || !m_panel || !m_statusBar) return;
+    m_list.Recolour();
+    // The system tells the frame only, and the controls keep the colours that they have asked for once.
+    for (const HWND pane : {m_list.GetWindow(), m_panel->GetWindow(), m_statusBar})
+        SendMessageW(pane, WM_SYSCOLORCHANGE, 0, 0);
+    RedrawWindow(m_window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 void BatchRenameMainFrame::SwitchPane() {
@@ -285,7 +300,7 @@ void BatchRenameMainFrame::SwitchPane() {
 }
 
 void BatchRenameMainFrame::MoveSplitter(bool isUp) {
-    m_panelHeight += isUp ? Scaled(kSplitterStep) : -Scaled(kSplitterStep);
+    m_wishedHeight = m_panelHeight + (isUp ? Scaled(kSplitterStep) : -Scaled(kSplitterStep));
     Layout();
 }
 
@@ -294,46 +309,35 @@ void BatchRenameMainFrame::LimitSize(MINMAXINFO& limits) const {
     RECT rect = {0, 0, m_panel->NaturalSize().cx,
                  Scaled(kSmallestList + kSplitterHeight) + m_panel->NaturalSize().cy + HeightOf(m_statusBar)};
     AdjustWindowRectEx(&rect, WS_OVERLAPPEDWINDOW, FALSE, 0);
-    limits.ptMinTrackSize = {rect.right - rect.left, rect.bottom - rect.top};
+    RECT window = {};
+    GetWindowRect(m_window, &window);
+    const RECT screen = Win32::WorkAreaNear(window);
+    limits.ptMinTrackSize = {std::min(rect.right - rect.left, screen.right - screen.left),
+                             std::min(rect.bottom - rect.top, screen.bottom - screen.top)};
 }
 
 void BatchRenameMainFrame::RestorePosition() {
-    std::optional<WindowPosition> position;
+    // Where the system has put it, unless it has had a place of its own.
+    Win32::WindowPosition position = Win32::PositionOf(m_window, 0);
+    position.right = position.left + kUsualWidth;
+    position.bottom = position.top + kUsualHeight;
     wchar_t text[kPositionCapacity + 1] = {};  // it ends whatever the host does
     Quorvane::SDK::ISettings* const settings = m_environment.services ? m_environment.services->GetSettings() : nullptr;
     if (settings && settings->GetString(1, kSettingsSection, kPositionKey, text, kPositionCapacity))
-        position = ParseWindowPosition(text);
-    if (position) {
-        // The screen it was on may be gone, or smaller than it was.
-        const RECT wanted = {position->left, position->top, position->right, position->bottom};
-        MONITORINFO monitor = {};
-        monitor.cbSize = sizeof(monitor);
-        GetMonitorInfoW(MonitorFromRect(&wanted, MONITOR_DEFAULTTONEAREST), &monitor);
-        const RECT& work = monitor.rcWork;
-        position = FitIntoScreen(*position, work.left, work.top, work.right, work.bottom);
-        SetWindowPos(m_window, nullptr, position->left, position->top, position->right - position->left,
-                     position->bottom - position->top, SWP_NOZORDER | SWP_NOACTIVATE);
-        m_panelHeight = std::max(position->panelHeight, m_panelHeight);
-        Layout();
-    } else {
-        SetWindowPos(m_window, nullptr, 0, 0, Scaled(kUsualWidth), Scaled(kUsualHeight), SWP_NOMOVE | SWP_NOZORDER);
-    }
-    ShowWindow(m_window, position && position->isMaximised ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL);
+        position = Win32::ParseWindowPosition(text).value_or(position);
+    m_wishedHeight = std::max(Win32::PlaceWindow(m_window, position), m_wishedHeight);
+    Layout();
+    ShowWindow(m_window, position.isMaximised ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL);
 }
 
 void BatchRenameMainFrame::SavePosition() const noexcept {
     // Guarded, since a window that cannot remember where it was must close all the same.
     Quorvane::SDK::AtBoundary(false, [&] {
-        WINDOWPLACEMENT placement = {};
-        placement.length = sizeof(placement);
         Quorvane::SDK::ISettings* const settings =
             m_environment.services ? m_environment.services->GetSettings() : nullptr;
-        if (!settings || !GetWindowPlacement(m_window, &placement)) return false;
-        const RECT& normal = placement.rcNormalPosition;
-        const bool isMaximised = IsZoomed(m_window) != FALSE;
-        const WindowPosition position = {normal.left,   normal.top,  normal.right,
-                                         normal.bottom, isMaximised, m_panelHeight};
-        return settings->SetString(1, kSettingsSection, kPositionKey, FormatWindowPosition(position).c_str()) != 0;
+        if (!settings) return false;
+        const std::wstring text = Win32::FormatWindowPosition(Win32::PositionOf(m_window, m_wishedHeight));
+        return settings->SetString(1, kSettingsSection, kPositionKey, text.c_str());
     });
 }
 

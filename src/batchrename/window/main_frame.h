@@ -11,7 +11,6 @@
 
 #include "batchrename/model/frame_model.h"
 #include "batchrename/model/preview_worker.h"
-#include "batchrename/model/window_position.h"
 #include "batchrename/profiles.h"
 #include "batchrename/rule_context.h"
 #include "batchrename/run/run_controller.h"
@@ -92,6 +91,8 @@ private:
     int Scaled(int pixels) const;
     void OnScaleChange(UINT dotsPerInch, const RECT& suggested);
     void LimitSize(MINMAXINFO& limits) const;
+    void OnColours();
+    void OpenGuide();
     void OnRunEnd(bool isAgain);
     void RestorePosition();
     void SavePosition() const noexcept;
@@ -125,6 +126,7 @@ private:
     void OnRemoveRows() override { m_model.OnRemoveRows(m_list.SelectedRows()); }
     RowSnapshot Rows() const override { return m_model.Rows().Rows(); }
     std::vector<std::wstring> PropertyNames() const override;
+    Ui::DialogHost DialogHostFor(WORD dialog) const override;
     /// Rows that the host hands over meanwhile are taken afterwards.
     void RunModal(const std::function<void()>& body) override;
 
@@ -147,7 +149,8 @@ private:
 
     UINT m_dotsPerInch = USER_DEFAULT_SCREEN_DPI;
     HWND m_focusInRule = nullptr;
-    int m_panelHeight = 0;
+    int m_panelHeight = 0;   // as it is, in pixels
+    int m_wishedHeight = 0;  // as the user had it last, where the window gives as much
     bool m_isDragging = false;
     ULONGLONG m_startTime = 0;  // of the last run, in milliseconds
 };

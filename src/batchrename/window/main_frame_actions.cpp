@@ -4,10 +4,12 @@
 
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/dialogs/profile_menu.h"
+#include "batchrename/dialogs/rename_dialog_pages.h"
 #include "batchrename/dialogs/undo_manager_dlg.h"
 #include "batchrename/host_properties.h"
 #include "batchrename/rule_context.h"
 #include "batchrename/window/main_frame.h"
+#include "ui/guide.h"
 #include "win32/window_text.h"
 
 namespace BatchRename {
@@ -94,6 +96,18 @@ std::vector<std::wstring> BatchRenameMainFrame::PropertyNames() const {
 
 // --- dialogs
 
+Ui::DialogHost BatchRenameMainFrame::DialogHostFor(WORD dialog) const {
+    Quorvane::SDK::IHostServices* const services = m_environment.services;
+    return {[this](Quorvane::SDK::TextId id) { return Text(id); }, services ? services->GetSettings() : nullptr,
+            &PageOf(dialog)};
+}
+
+void BatchRenameMainFrame::OpenGuide() {
+    RunModal([this] {
+        Ui::OpenGuide(m_window, PageOf(IDD_RULE_PANEL).topic, [this](Quorvane::SDK::TextId id) { return Text(id); });
+    });
+}
+
 void BatchRenameMainFrame::RunModal(const std::function<void()>& body) {
     {
         struct OpenDialog {
@@ -116,7 +130,9 @@ int BatchRenameMainFrame::AskBox(const std::wstring& text, UINT style) {
 
 void BatchRenameMainFrame::OpenUndoManager() {
     std::optional<SessionChoice> choice;
-    RunModal([&] { choice = BatchRenameUndoManagerDlg(m_environment.context.undo).Show(m_window); });
+    BatchRenameUndoManagerDlg dialog(m_environment.context.undo);
+    dialog.UseHost(DialogHostFor(IDD_UNDO_MANAGER));
+    RunModal([&] { choice = dialog.Show(m_window); });
     if (choice && !m_environment.isClosing) m_model.LoadSession(std::move(choice->session), std::move(choice->entries));
 }
 
@@ -141,7 +157,9 @@ void BatchRenameMainFrame::OpenProfiles() {
 
 void BatchRenameMainFrame::SaveProfile() {
     std::optional<std::wstring> name;
-    RunModal([&] { name = SaveProfileDlg(m_environment.profiles.Profiles()).Show(m_window); });
+    SaveProfileDlg dialog(m_environment.profiles.Profiles());
+    dialog.UseHost(DialogHostFor(IDD_SAVE_PROFILE));
+    RunModal([&] { name = dialog.Show(m_window); });
     if (!name || m_environment.isClosing) return;
     m_environment.profiles.Set(ProfileOf(*name, m_panel->Rule()));
     ReportProfiles();

@@ -7,6 +7,7 @@
 
 #include "batchrename/model/preview.h"
 #include "batchrename/model/row_order.h"
+#include "ui/dialog_host.h"
 
 namespace BatchRename {
 
@@ -23,6 +24,8 @@ public:
     virtual RowSnapshot Rows() const = 0;
     /// Those that the host knows.
     virtual std::vector<std::wstring> PropertyNames() const = 0;
+    /// For the dialog of this resource.
+    virtual Ui::DialogHost DialogHostFor(WORD dialog) const = 0;
     /// Runs what opens a dialog or a menu.
     virtual void RunModal(const std::function<void()>& body) = 0;
 

@@ -34,6 +34,8 @@ public:
     /// Other rows come: their words may be shorter.
     void ForgetTexts() { m_wishes.status = 0; }
     void Fit();
+    /// The list's font has become that of another scale.
+    void Rescale(UINT from, UINT to);
     /// The header has another width for a column, by the user's hand; or none any more.
     void OnUsersWidth(int column, bool isGiven);
 

@@ -7,6 +7,7 @@
 #include "ui/activation_context.h"
 #include "ui/controls.h"
 #include "win32/text.h"
+#include "win32/window_position.h"
 
 namespace BatchRename {
 namespace {
@@ -83,8 +84,15 @@ void RowListView::OnHeaderNotice(const NMHEADERW& notice) {
     }
 }
 
+void RowListView::Rescale(HFONT font, UINT from, UINT to) {
+    SendMessageW(m_window, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+    m_columns.Rescale(from, to);
+    m_iconSize = Win32::Rescaled(m_iconSize, from, to);
+    Recolour();
+}
+
 void RowListView::Recolour() {
-    m_icons = MakeRowIcons(GetSystemMetrics(SM_CXSMICON));
+    m_icons = MakeRowIcons(m_iconSize);
     SendMessageW(m_window, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(m_icons.Get()));
 }
 

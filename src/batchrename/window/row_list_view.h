@@ -49,6 +49,8 @@ public:
     void ShowOutdated(bool isOutdated);
     void ShowOrder(const RowOrder& order) const { m_columns.ShowOrder(order); }
     void Recolour();
+    /// The font for the screen's new scale; columns and pictures follow.
+    void Rescale(HFONT font, UINT from, UINT to);
 
     RowRange VisibleRows() const;
     /// By row, true for the selected ones.
@@ -88,6 +90,7 @@ private:
     RowColumns m_columns;
     CellTips m_tips;
     NamePainter m_painter;
+    int m_iconSize = GetSystemMetrics(SM_CXSMICON);  // pixels
     ImageListHandle m_icons;
 };
 

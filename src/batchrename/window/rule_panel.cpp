@@ -6,6 +6,7 @@
 #include "batchrename/dialogs/add_tag_dlg.h"
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/dialogs/find_replace_dlg.h"
+#include "batchrename/dialogs/rename_dialog_pages.h"
 #include "batchrename/profiles.h"
 #include "batchrename/window/cell_edit.h"
 #include "ui/controls.h"
@@ -83,6 +84,9 @@ constexpr Ui::Anchor kAnchors[] = {
     {IDC_RESET_LIST, 100, 0, 100, 0},     {IDC_CLOSE, 100, 100, 100, 100},
 };
 
+// At the right, or in a row above the rest where the window is too narrow for that.
+constexpr int kColumn[] = {IDC_START, IDC_UNDO, IDC_PROFILES, IDC_RESET_LIST, IDC_CLOSE};
+
 /// The first entry that stands for the bits; case bits are honoured from the lowest on.
 void SelectEntry(HWND combo, std::span<const Ui::ListEntry> entries, uint32_t options, int otherwise) {
     int selected = otherwise;
@@ -115,11 +119,8 @@ void RulePanel::Create(HWND parent) {
 }
 
 bool RulePanel::OnInit() {
-    RECT rect = {};
-    GetWindowRect(GetWindow(), &rect);
-    m_naturalSize = {rect.right - rect.left, rect.bottom - rect.top};
-    m_dotsPerInch = Ui::DotsPerInch(GetWindow());
-    MakeResizable(kAnchors);
+    MakeResizable(kAnchors, kColumn);
+    AddTips(PageOf(IDD_RULE_PANEL).tips, m_texts);
     for (const int edit : kEdits) SendMessageW(Item(edit), EM_LIMITTEXT, kLongestProfileText, 0);
     Ui::FillCombo(Item(IDC_CASE), m_texts, kCases, 0, 0);
     Ui::FillCombo(Item(IDC_SCOPE), m_texts, kScopes, 0, RenameOption::ScopeBoth);
@@ -129,13 +130,6 @@ bool RulePanel::OnInit() {
     Ui::SetChecked(Item(IDC_SAVE_UNDO), true);
     SetRule({});
     return false;  // the window decides where the focus goes
-}
-
-void RulePanel::Rescale(UINT dotsPerInch) {
-    for (LONG* const length : {&m_naturalSize.cx, &m_naturalSize.cy})
-        *length = MulDiv(*length, static_cast<int>(dotsPerInch), static_cast<int>(m_dotsPerInch));
-    m_dotsPerInch = dotsPerInch;
-    RescaleControls(dotsPerInch);
 }
 
 uint32_t RulePanel::Options() const {
@@ -263,8 +257,10 @@ void RulePanel::InsertTag(int button, int edit) {
     std::optional<std::wstring> tag;
     m_listener.RunModal([&] {
         tag = PickTag(GetWindow(), Item(button), m_texts);
-        if (tag && tag->empty())
-            tag = BatchRenameAddTag(m_listener.PropertyNames()).Show(GetAncestor(GetWindow(), GA_ROOT));
+        if (!tag || !tag->empty()) return;
+        BatchRenameAddTag dialog(m_listener.PropertyNames());
+        dialog.UseHost(m_listener.DialogHostFor(IDD_ADD_TAG));
+        tag = dialog.Show(GetAncestor(GetWindow(), GA_ROOT));
     });
     if (!tag) return;
     SetFocus(Item(edit));
@@ -298,6 +294,7 @@ void RulePanel::EditItem(bool isNew) {
     const SearchAndReplaceItem given = m_items[place];
     BatchRenameFindReplaceDlg dialog(Rule(), place, m_listener.Rows(),
                                      [&](const SearchAndReplaceItem& typed) { FollowItem(place, typed); });
+    dialog.UseHost(m_listener.DialogHostFor(IDD_RENAME_ITEM));
     std::optional<SearchAndReplaceItem> item;
     m_listener.RunModal([&] { item = dialog.Show(GetAncestor(GetWindow(), GA_ROOT)); });
     if (item) m_items[place] = *item;

@@ -20,11 +20,13 @@ public:
     /// @throws std::system_error
     void Create(HWND parent);
     using Dialog::GetWindow;
-    /// As the resource has it, in pixels: the smallest that shows everything.
-    SIZE NaturalSize() const { return m_naturalSize; }
+    /// As the resource has it, in pixels: the smallest that shows everything in its usual place.
+    SIZE NaturalSize() const { return Sizes().NaturalClient(); }
+    /// The least that shows everything in a window that is so wide.
+    int HeightFor(int width) const { return Sizes().HeightFor(width); }
 
-    /// The window goes to a screen of another scale; the system scales the controls.
-    void Rescale(UINT dotsPerInch);
+    /// The window goes to a screen of another scale.
+    void Rescale(UINT dotsPerInch) { RescaleControls(dotsPerInch); }
 
     RuleDefinition Rule() const;
     void SetRule(const RuleDefinition& rule);
@@ -58,8 +60,6 @@ private:
     Ui::HostTexts m_texts;
     IPaneListener& m_listener;
     HWND m_parent = nullptr;
-    UINT m_dotsPerInch = USER_DEFAULT_SCREEN_DPI;
-    SIZE m_naturalSize = {};
     SearchAndReplaceItems m_items;
     PanelState m_state;
     HWND m_cell = nullptr;  // null: no cell is being edited

@@ -29,6 +29,7 @@ public:
 
     /// Nothing when the user cancels. The account exists.
     std::optional<AccessChoice> Show(HWND owner);
+    using Dialog::UseHost;
 
 private:
     bool OnInit() override;

@@ -1,4 +1,6 @@
 #include "fileutils/commands.h"
+#include "fileutils/dialog_pages.h"
+#include "fileutils/fileutils_resource.h"
 #include "fileutils/ids.h"
 
 #include "fileutils/access/account_picker.h"
@@ -22,13 +24,9 @@ bool AccountExists(const std::wstring& account) {
 }
 
 std::optional<AccessChoice> AskForAccess(IHostServices& host, const std::wstring& account) {
-    const auto texts = [&](TextId id) {
-        if (static_cast<char>(id & 0xFF) != 'g') return HostText(host, id);
-        // General words are not this extension's own: module 0 has them.
-        const wchar_t* const text = host.GetModuleText(0, id);
-        return text ? text : L"";
-    };
-    ChangeAccessDlg dialog(texts, account, AccountExists, PickAccount);
+    Ui::DialogHost dialogHost = DialogHostFor(host, IDD_CHANGE_ACCESS);
+    ChangeAccessDlg dialog(dialogHost.texts, account, AccountExists, PickAccount);
+    dialog.UseHost(std::move(dialogHost));
     const HWND active = GetActiveWindow();
     return dialog.Show(active ? active : host.GetMainWindow());
 }

@@ -46,13 +46,9 @@ public:
     uint32_t Ask(const ConfirmQuestion& question) override;
     /// The next question opens the window anew, in its old place.
     void Close() override;
+    using Dialog::UseHost;
 
 private:
-    struct HookTraits {
-        using Raw = HHOOK;
-        static Raw Empty() noexcept { return nullptr; }
-        static void Close(Raw raw) noexcept { UnhookWindowsHookEx(raw); }
-    };
     struct Pressed {
         uint32_t answer;
         uint32_t fileNumber;  // of the file shown
@@ -85,7 +81,7 @@ private:
     std::deque<Pressed> m_pressed;
     std::optional<RECT> m_place;
     std::vector<HWND> m_disabled;
-    Win32::UniqueHandle<HookTraits> m_hook;
+    Ui::Hook m_hook;
     std::exception_ptr m_failure;
 };
 

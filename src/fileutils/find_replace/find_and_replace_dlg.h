@@ -24,6 +24,7 @@ public:
 
     /// The request as it stands when the user presses Start; nothing when the user cancels.
     std::optional<FindAndReplaceRequest> Show(HWND owner);
+    using Dialog::UseHost;
 
 private:
     bool OnInit() override;

@@ -1,4 +1,6 @@
 #include "fileutils/commands.h"
+#include "fileutils/dialog_pages.h"
+#include "fileutils/fileutils_resource.h"
 #include "fileutils/ids.h"
 #include "win32/text.h"
 
@@ -212,6 +214,7 @@ CallResult RunFindAndReplaceCommand(IHostServices& host, ICustomCommandCall& cal
     // a user who may not exist. Such a host asks in its own way, or answers by itself.
     ConfirmByChoice choice(host);
     ConfirmReplaceDlg dialog(host.GetMainWindow());
+    dialog.UseHost(DialogHostFor(host, IDD_CONFIRM_REPLACE));
     IConfirmReplace* confirmation = &choice;
     if (host.GetMainWindow()) confirmation = &dialog;
     std::wstring pattern = TextParameter(call, Parameter::Target);
@@ -233,6 +236,7 @@ uint32_t RunFindAndReplaceDialog(IHostServices& host, uint32_t) {
     FindAndReplaceRequest last;
     LoadSettings(host.GetSettings(), last);
     FindAndReplaceDlg dialog([&](TextId id) { return HostText(host, id); }, PathsOf(*files), std::move(last));
+    dialog.UseHost(DialogHostFor(host, IDD_FIND_AND_REPLACE));
     const auto chosen = dialog.Show(host.GetMainWindow());
     if (!chosen) return 1;
     SaveSettings(host.GetSettings(), *chosen);
@@ -241,6 +245,7 @@ uint32_t RunFindAndReplaceDialog(IHostServices& host, uint32_t) {
     // The user who pressed Start sits in front of the screen, so the matches are shown there even by a host without a
     // window.
     ConfirmReplaceDlg confirmation(host.GetMainWindow());
+    confirmation.UseHost(DialogHostFor(host, IDD_CONFIRM_REPLACE));
     FindReplaceWork(host, request, confirmation).RunOver(*files, chosen->targetPattern);
     return 1;
 }

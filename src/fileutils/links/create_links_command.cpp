@@ -1,5 +1,7 @@
 #include "fileutils/commands.h"
 
+#include "fileutils/dialog_pages.h"
+#include "fileutils/fileutils_resource.h"
 #include "fileutils/links/create_links_dlg.h"
 #include "fileutils/links/folder_picker.h"
 #include "fileutils/links/link_creation.h"
@@ -34,6 +36,7 @@ uint32_t RunCreateLinks(IHostServices& host, uint32_t) {
         return rules.WhyNot(type, link, target.path, target.isFolder);
     };
     CreateLinksDlg dialog(targets, canElevate, whyNot, PickFolder);
+    dialog.UseHost(DialogHostFor(host, IDD_CREATE_LINKS));
     const auto chosen = dialog.Show(host.GetMainWindow());
     if (!chosen) return 1;
     size_t failed = 0;

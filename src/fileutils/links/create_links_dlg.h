@@ -33,6 +33,7 @@ public:
 
     /// Nothing when the user cancels.
     std::optional<CreateLinksRequest> Show(HWND owner);
+    using Dialog::UseHost;
 
 private:
     bool OnInit() override;

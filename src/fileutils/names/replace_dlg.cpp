@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "fileutils/commands.h"
+#include "fileutils/dialog_pages.h"
 #include "fileutils/fileutils_resource.h"
 #include "fileutils/names/rename_items.h"
 #include "sdk/owners.h"
@@ -165,6 +166,7 @@ uint32_t RunReplaceInNames(IHostServices& host, uint32_t) {
         }
         return changes;
     });
+    dialog.UseHost(DialogHostFor(host, IDD_REPLACE_IN_NAMES));
     const std::optional<NameReplacement> request = dialog.Show(host.GetMainWindow());
     if (!request) return 1;
     std::vector<ItemRename> renames;

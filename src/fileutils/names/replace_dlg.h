@@ -35,6 +35,7 @@ public:
 
     /// A request that changes at least one name, and each to what can be one; nothing when the user cancels.
     std::optional<NameReplacement> Show(HWND owner);
+    using Dialog::UseHost;
 
 private:
     bool OnInit() override;

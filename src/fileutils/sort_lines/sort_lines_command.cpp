@@ -1,4 +1,6 @@
 #include "fileutils/commands.h"
+#include "fileutils/dialog_pages.h"
+#include "fileutils/fileutils_resource.h"
 #include "fileutils/ids.h"
 
 #include <string>
@@ -148,6 +150,7 @@ uint32_t RunSortLinesDialog(IHostServices& host, uint32_t) {
     last.itemNumber = 1;  // until the user asks for another item
     LoadSortLinesSettings(host.GetSettings(), last);
     SortLinesDlg dialog([&](TextId id) { return HostText(host, id); }, PathsOf(*files), std::move(last));
+    dialog.UseHost(DialogHostFor(host, IDD_SORT_LINES));
     auto chosen = dialog.Show(host.GetMainWindow());
     if (!chosen) return 1;
     SaveSortLinesSettings(host.GetSettings(), *chosen);

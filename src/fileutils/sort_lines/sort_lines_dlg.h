@@ -19,6 +19,7 @@ public:
 
     /// The request as it stands when the user presses OK; nothing when the user cancels.
     std::optional<QVLineSorter::SortRequest> Show(HWND owner);
+    using Dialog::UseHost;
 
 private:
     bool OnInit() override;
