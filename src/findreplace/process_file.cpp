@@ -74,9 +74,12 @@ public:
         if (asksNobody) m_passingLines = PassingLines<CharT>::Make(m_job.request, m_document.GetKind());
         QVUtils::ToldDataReader reader(m_file.GetReader(), m_file.GetSize(), m_job.progress);
         m_job.progress.BeginPart(100);
+        // Fewer calls of the system for what only passes; a small file needs no larger buffer.
+        const bool isLong = asksNobody && m_file.GetSize() > Blocks::kBlockSize;
         Blocks blocks(reader, static_cast<uint32_t>(m_file.GetMarkSize()),
                       asksNobody ? Blocks::kBlockSize : Blocks::kWholeText, m_file.GetSize(),
-                      m_pairs && !m_watch.IsOn() ? Blocks::Cut::AnywhereInLongLines : Blocks::Cut::AfterLines);
+                      m_pairs && !m_watch.IsOn() ? Blocks::Cut::AnywhereInLongLines : Blocks::Cut::AfterLines,
+                      isLong ? static_cast<uint32_t>(Blocks::kBlockSize) : Blocks::kChunkSize);
         // Cancelled while over several lines: nothing is saved, yet the file counts one change and the run goes on.
         // compatibility: 4
         if (!Replace(blocks, asksNobody)) return 1;

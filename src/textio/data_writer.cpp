@@ -44,12 +44,11 @@ void FileDataWriter::Close() {
 
 void BufferedDataWriter::Append(const void* data, uint64_t size) {
     const auto* bytes = static_cast<const uint8_t*>(data);
-    if (m_block.size() + size > m_blockSize) {
-        Flush();
-        if (size >= m_blockSize) {
-            WriteAll(m_target, bytes, size);
-            return;
-        }
+    const bool isLarge = size >= std::min(kLargeWrite, m_blockSize);
+    if (isLarge || m_block.size() + size > m_blockSize) Flush();
+    if (isLarge) {
+        WriteAll(m_target, bytes, size);
+        return;
     }
     if (m_block.capacity() == 0) m_block.reserve(m_blockSize);
     m_block.insert(m_block.end(), bytes, bytes + size);

@@ -132,6 +132,9 @@ class BufferedDataWriter final : public DataWriter {
 public:
     static constexpr uint32_t kBlockSize = 256 * 1024;  // larger blocks are slower to write, not faster
 
+    /// A write of this size gains nothing by being copied first.
+    static constexpr uint32_t kLargeWrite = 64 * 1024;
+
     explicit BufferedDataWriter(DataWriter& target, uint32_t blockSize = kBlockSize)
         : m_target(target), m_blockSize(blockSize) {
         SetLineBreak(target.GetLineBreak());

@@ -99,27 +99,35 @@ TEST(ProcessFile, NotesUtf8ThatNothingCallsSo) {
     }
 }
 
-// A callback that is asked gets the whole text at once, so the two ways can be compared.
+// A callback that is asked gets the whole text at once and a table of its lines, so the two ways can be compared.
 TEST(ProcessFile, BlocksGiveWhatTheWholeTextGives) {
     std::mt19937 random(5);
-    const wchar_t* const finds[] = {L"a\nb", L"b\na\n", L"\na", L"a\n\nb", L"a\nx\ny\nb", L"ab\nx\ny\nb\nb", L"a"};
-    const wchar_t* const replacements[] = {L"x", L"ab\na", L"b\n\nab\nb", L"\nb"};
-    for (int round = 0; round < 40; ++round) {
-        std::string text = round % 5 == 0 ? kUtf8Mark : "";
+    const auto oneOf = [&](const auto& list) { return list[random() % std::size(list)]; };
+    const std::wstring finds[] = {L"a\nb",       L"b\na\n",         L"\na", L"a\n\nb",
+                                  L"a\nx\ny\nb", L"ab\nx\ny\nb\nb", L"a",   L"aab\nb"};
+    const std::wstring replacements[] = {L"x", L"ab\na", L"b\n\nab\nb", L"\nb", L"aaba\nbb"};
+    // Breaks of all kinds, of one kind, hardly any, and with zero characters.
+    const std::string alphabets[] = {"aaabb\n\n\n\r\r\n", "aaabb\n\n", std::string(4000, 'a') + "bbbbb\r\n",
+                                     "aabb\0\n"s};
+    const uint32_t modes[] = {Option::ModeOne, Option::ModeManySame, Option::ModeMultiline, Option::ModeMultiline};
+    for (int round = 0; round < 60; ++round) {
+        std::string text;
         if (round % 10 == 0)  // the first change comes after the first blocks
             for (int line = 0; line < 30'000; ++line) text += "ccccccccc\n";
-        const size_t size = text.size() + 130'000 + random() % 150'000;
-        while (text.size() < size) text += "aaabb\n\n\n\r\r\n"[random() % (round % 2 ? 8 : 11)];
+        const std::string alphabet = oneOf(alphabets);
+        const size_t size = text.size() + 130'000 + random() % 300'000;
+        while (text.size() < size) text += oneOf(alphabet);
+        if (round % 3 == 0) text = "\xFF\xFE" + Utf16(std::wstring(text.begin(), text.end()));
+        if (round % 3 == 1) text = kUtf8Mark + text;
         const TemporaryFolder folder;
         const std::wstring whole = folder.Write(L"whole", text);
         const std::wstring inBlocks = folder.Write(L"blocks", text);
-        const wchar_t* const find = finds[random() % std::size(finds)];
-        const wchar_t* const replacement = replacements[random() % std::size(replacements)];
+        const std::wstring find = oneOf(finds), replacement = oneOf(replacements);
         RecordingCallback callback({Answer::ReplaceAll});
-        const uint32_t options = round % 4 == 0 ? kBase : Option::ModeMultiline | Option::DropBackup;
+        const uint32_t options = oneOf(modes) | Option::DropBackup;
         const int64_t changes = Process(whole, options, find, replacement, callback);
-        ASSERT_EQ(Process(inBlocks, options | Option::Silent, find, replacement, callback), changes);
-        ASSERT_EQ(folder.Read(L"blocks"), folder.Read(L"whole"));
+        ASSERT_EQ(Process(inBlocks, options | Option::Silent, find, replacement, callback), changes) << round;
+        ASSERT_TRUE(folder.Read(L"blocks") == folder.Read(L"whole")) << round;
     }
 }
 
