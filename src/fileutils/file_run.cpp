@@ -31,6 +31,33 @@ private:
     std::set<std::wstring> m_done;
 };
 
+/// The host's display of the progress of a run; a host may have none.
+class RunProgress {
+public:
+    RunProgress() = default;
+    RunProgress(IHostServices& host, const std::wstring& title, uint32_t count)
+        : m_display(host.OpenProgress(title.c_str(), count)) {}
+
+    /// Shows the item that is next. False when the user has cancelled.
+    bool GoesOn(uint32_t index, const std::wstring& shown) const {
+        if (!m_display) return true;
+        m_display->Advance(index, shown.c_str());
+        return !m_display->IsCancelled();
+    }
+
+    /// For a file that takes long: how much of it is done stands in front of its path. `path` must outlive it.
+    QVUtils::TellProgress TellOf(uint32_t index, const std::wstring& path) const {
+        if (!m_display) return {};
+        return
+            [this, index, &path](uint32_t percent) { return GoesOn(index, std::to_wstring(percent) + L" % " + path); };
+    }
+
+    void Close() { m_display.reset(); }
+
+private:
+    OwnedProgress m_display;
+};
+
 class FileRunner {
 public:
     FileRunner(IHostServices& host, IFileList& files, const FileRun& run)
@@ -45,7 +72,7 @@ public:
     FileRunResult Execute() {
         const std::vector<IFileItem*> items = ItemsOf(m_files);
         const auto count = static_cast<uint32_t>(items.size());
-        if (m_run.showsProgress) m_progress.reset(m_host.OpenProgress(m_title.c_str(), count));
+        if (m_run.showsProgress) m_progress.emplace(m_host, m_title, count);
         for (uint32_t index = 0; index < count && !m_result.isCancelled; ++index) ProcessItem(*items[index], index);
         MakeWay();
         if (!m_result.isCancelled) Report();
@@ -64,10 +91,7 @@ private:
     void ProcessItem(IFileItem& item, uint32_t index) {
         FileTask task = {.source = PathOf(item), .target = {}};
         if (task.source.empty()) return;
-        if (m_progress) {
-            m_progress->Advance(index, task.source.c_str());
-            m_result.isCancelled = m_progress->IsCancelled();
-        }
+        m_result.isCancelled = m_progress && !m_progress->GoesOn(index, task.source);
         if (m_result.isCancelled) return;
         task.target = TargetOf(task.source);
         m_care.LookBeside(task.source);
@@ -103,7 +127,7 @@ private:
 
     void Process(FileTask& task, IFileItem& item, uint32_t index) {
         task.mayOverwrite = m_mayOverwrite;
-        if (m_progress) task.tell = [&](uint32_t percent) { return GoesOn(task.source, index, percent); };
+        if (m_progress) task.tell = m_progress->TellOf(index, task.source);
         switch (m_run.process(task)) {
             case FileResult::Done: Count(m_result.done, MarkKind::Done, item); break;
             case FileResult::Failed: Count(m_result.failed, MarkKind::Failed, item); break;
@@ -113,11 +137,6 @@ private:
 
     void MakeWay() {
         if (m_run.makeWay) m_run.makeWay();
-    }
-
-    bool GoesOn(const std::wstring& path, uint32_t index, uint32_t percent) {
-        m_progress->Advance(index, (std::to_wstring(percent) + L" % " + path).c_str());
-        return !m_progress->IsCancelled();
     }
 
     void Skip(const FileTask& task, IFileItem& item) {
@@ -155,7 +174,7 @@ private:
     const std::wstring m_title;
     std::vector<MarkedList> m_lists;
     FolderCare m_care;
-    OwnedProgress m_progress;
+    std::optional<RunProgress> m_progress;
     FileRunResult m_result;
 };
 
@@ -176,11 +195,14 @@ void TellTarget(IHostServices& host, const wchar_t* command, const FileTask& tas
                  Win32::FullPath(task.target).c_str());
 }
 
-void ForEachFile(IHostServices& host, IFileList& list,
-                 const std::function<void(const std::wstring&, IFileOperations&)>& work,
+void ForEachFile(IHostServices& host, IFileList& list, TextId title,
+                 const std::function<void(const std::wstring&, IFileOperations&, const QVUtils::TellProgress&)>& work,
                  const std::function<void(const std::wstring&, const std::wstring&, uint32_t)>& tellFailure) {
     FolderCare care;
-    for (const std::wstring& path : PathsOf(list)) {
+    const std::vector<std::wstring> paths = PathsOf(list);
+    RunProgress progress(host, HostText(host, title), static_cast<uint32_t>(paths.size()));
+    for (uint32_t index = 0; index < paths.size() && progress.GoesOn(index, paths[index]); ++index) {
+        const std::wstring& path = paths[index];
         try {
             care.LookBeside(path);
             const AcquiredService<IFileOperations> files(host, ServiceNumber::FileOperations);
@@ -189,7 +211,7 @@ void ForEachFile(IHostServices& host, IFileList& list,
             else if (!files->Exists(path.c_str()))
                 tellFailure(path, L"There is no such file", QVUtils::ErrorCode::FileNotFound);
             else
-                work(path, *files.Get());
+                work(path, *files.Get(), progress.TellOf(index, path));
         } catch (const QVUtils::QVUtilsException& error) {
             const std::string_view reason = error.what();
             tellFailure(path, std::wstring(reason.begin(), reason.end()), error.GetErrorCode());

@@ -77,12 +77,14 @@ CallResult CallWithout(Quorvane::SDK::IHostServices& host, const wchar_t* what);
 /// the source alone, and a target is named within the source's folder.
 void TellTarget(Quorvane::SDK::IHostServices& host, const wchar_t* command, const FileTask& task);
 
-/// Calls `work` for each path of the list. One that the host's file operations do not find, one that throws
-/// QVUtilsException or runs out of memory is told, with the reason in words ("" for want of memory) and the Windows
-/// error code, and the next one follows.
+/// Calls `work` for each path of the list, and shows the progress under `title`; `tell` is for a file that takes long.
+/// One that the host's file operations do not find, one that throws QVUtilsException or runs out of memory is told,
+/// with the reason in words ("" for want of memory) and the Windows error code, and the next one follows, unless the
+/// user has cancelled.
 void ForEachFile(
-    Quorvane::SDK::IHostServices& host, Quorvane::SDK::IFileList& files,
-    const std::function<void(const std::wstring& path, Quorvane::SDK::IFileOperations&)>& work,
+    Quorvane::SDK::IHostServices& host, Quorvane::SDK::IFileList& files, Quorvane::SDK::TextId title,
+    const std::function<void(const std::wstring& path, Quorvane::SDK::IFileOperations&,
+                             const QVUtils::TellProgress& tell)>& work,
     const std::function<void(const std::wstring& path, const std::wstring& reason, uint32_t error)>& tellFailure);
 
 }  // namespace FileUtils

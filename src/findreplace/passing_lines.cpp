@@ -14,11 +14,11 @@ using QVUtils::FindUnit;
 
 namespace {
 
-/// Could a hit of `item` begin in `text`, whatever follows that?
+/// Could a search for `item` find a hit, or its end, in `text`, whatever follows that?
 template <class CharT>
-bool MayBeginIn(std::basic_string_view<CharT> text, std::basic_string_view<CharT> item) {
+bool EndsSearchIn(std::basic_string_view<CharT> text, std::basic_string_view<CharT> item) {
     for (; !text.empty(); text.remove_prefix(1))
-        if (text.substr(0, item.size()) == item.substr(0, text.size())) return true;
+        if (text.front() == CharT(0) || text.substr(0, item.size()) == item.substr(0, text.size())) return true;
     return false;
 }
 
@@ -43,7 +43,7 @@ std::optional<PassingLines<CharT>> PassingLines<CharT>::Make(Request& request, Q
     if (!fits(find.front()) || !(find.back().empty() || fits(find.back()))) return std::nullopt;
     // What the last replacement line puts after the match's end is searched again.
     const View last = replacement.size() > 1 ? View(replacement.back()) : View();
-    if (last.size() > find.back().size() && MayBeginIn(last.substr(find.back().size()), View(find.front())))
+    if (last.size() > find.back().size() && EndsSearchIn(last.substr(find.back().size()), View(find.front())))
         return std::nullopt;
     return PassingLines(std::move(find), std::move(replacement));
 }

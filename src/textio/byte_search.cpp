@@ -185,15 +185,22 @@ CaseFolding<CharT>::CaseFolding() : m_folded(size_t{1} << 8 * sizeof(CharT)) {
             m_folded[index] = static_cast<CharT>(Win32::UpperWide(static_cast<wchar_t>(unit)));
         else
             m_folded[index] = Win32::UpperAscii(unit);
+        if (m_folded[index] != unit) m_others.push_back(unit);
     }
 }
 
 template <class CharT>
+void CaseFolding<CharT>::Equate(CharT unit, CharT other) {
+    m_folded[Index(unit)] = (*this)(other);
+    m_others.push_back(unit);
+}
+
+template <class CharT>
 std::vector<CharT> CaseFolding<CharT>::UnitsLike(CharT unit) const {
-    const CharT wanted = (*this)(unit);
-    std::vector<CharT> units;
-    for (size_t index = 0; index < m_folded.size(); ++index)
-        if (m_folded[index] == wanted) units.push_back(static_cast<CharT>(index));
+    // What stands for others stands for itself.
+    std::vector<CharT> units = {(*this)(unit)};
+    for (const CharT other : m_others)
+        if ((*this)(other) == units.front()) units.push_back(other);
     return units;
 }
 

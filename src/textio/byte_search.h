@@ -21,7 +21,7 @@ public:
     CharT operator()(CharT unit) const { return m_folded[Index(unit)]; }
 
     /// From now on `unit` counts as `other` does.
-    void Equate(CharT unit, CharT other) { m_folded[Index(unit)] = (*this)(other); }
+    void Equate(CharT unit, CharT other);
 
     /// All units that count as `unit` does, itself among them.
     std::vector<CharT> UnitsLike(CharT unit) const;
@@ -30,6 +30,7 @@ private:
     static size_t Index(CharT unit) { return static_cast<std::make_unsigned_t<CharT>>(unit); }
 
     std::vector<CharT> m_folded;
+    std::vector<CharT> m_others;  // the units that something else stands for
 };
 
 /// As it is made without a word.

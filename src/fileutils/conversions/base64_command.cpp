@@ -15,6 +15,7 @@
 #include "sdk/text_format.h"
 #include "textio/data_reader.h"
 #include "textio/replace_file.h"
+#include "textio/told_streams.h"
 #include "win32/code_page.h"
 #include "win32/files.h"
 #include "win32/path.h"
@@ -122,8 +123,12 @@ std::wstring TargetOf(const std::wstring& path, bool encodes) {
 /// whole. What was written of a new target stays when the rest fails: the bytes decoded so far may be all that is left
 /// of a damaged file. One that was there before keeps its content then.
 /// Gives the number of characters that were ignored. @throws QVUtilsException
-uint64_t Convert(bool encodes, const std::wstring& path, const std::wstring& target, bool overwrites) {
-    QVUtils::FileDataReader reader(path, Win32::FileSharing::Read);
+uint64_t Convert(bool encodes, const std::wstring& path, const std::wstring& target, bool overwrites,
+                 const QVUtils::TellProgress& tell) {
+    QVUtils::FileDataReader file(path, Win32::FileSharing::Read);
+    QVUtils::Progress progress(tell);
+    progress.BeginPart(100);
+    QVUtils::ToldDataReader reader(file, file.GetFileSize(), progress);
     uint64_t ignored = 0;
     QVUtils::ReplaceFileContent(
         {.target = target, .mayOverwrite = overwrites, .keepsPart = true, .sharing = Win32::FileSharing::Read},
@@ -137,7 +142,8 @@ uint64_t Convert(bool encodes, const std::wstring& path, const std::wstring& tar
 }
 
 /// @throws QVUtilsException
-void ConvertFile(IHostServices& host, IFileOperations& files, bool encodes, const std::wstring& path) {
+void ConvertFile(IHostServices& host, IFileOperations& files, bool encodes, const std::wstring& path,
+                 const QVUtils::TellProgress& tell) {
     const std::wstring target = TargetOf(path, encodes);
     // By whatever name: writing the target would empty the file before it is read.
     if (Win32::EqualIgnoringCase(target, path) || Win32::IsSameFile(path, target))
@@ -153,7 +159,13 @@ void ConvertFile(IHostServices& host, IFileOperations& files, bool encodes, cons
     }
     uint64_t ignored = 0;
     try {
-        ignored = Convert(encodes, path, target, overwrites);
+        ignored = Convert(encodes, path, target, overwrites, tell);
+    } catch (const QVUtilsException& failure) {
+        // What was given up by the user serves nobody.
+        if (failure.GetErrorCode() == QVUtils::ErrorCode::Cancelled && !overwrites)
+            Win32::RemoveFileWhateverItsAttributes(target);
+        TellTarget(host, L"Base64", {path, target, overwrites});
+        throw;
     } catch (...) {
         TellTarget(host, L"Base64", {path, target, overwrites});
         throw;
@@ -171,7 +183,10 @@ uint32_t RunBase64(IHostServices& host, uint32_t id) {
     if (!list) return 1;
     const bool encodes = id == CommandId::EncodeBase64;
     ForEachFile(
-        host, *list, [&](const std::wstring& path, IFileOperations& files) { ConvertFile(host, files, encodes, path); },
+        host, *list, encodes ? Text::EncodeBase64 : Text::DecodeBase64,
+        [&](const std::wstring& path, IFileOperations& files, const QVUtils::TellProgress& tell) {
+            ConvertFile(host, files, encodes, path, tell);
+        },
         [&](const std::wstring& path, const std::wstring& reason, uint32_t error) {
             host.Log(kLogLevel, LogKind::Failure, L"[Base64] - Failed to %s file : %s ( %s, ErrorCode : %d )",
                      encodes ? L"encode" : L"decode", path.c_str(), reason.empty() ? L"Out of memory" : reason.c_str(),

@@ -13,6 +13,7 @@
 #include "sdk/text_format.h"
 #include "textio/data_reader.h"
 #include "textio/replace_file.h"
+#include "textio/told_streams.h"
 #include "win32/windows.h"
 
 namespace FileUtils {
@@ -67,13 +68,17 @@ void ConvertBytes(QVUtils::DataReader& reader, TextConverter converter, QVUtils:
 /// Converts one file. The converted form is complete on disk before it takes the file's place. When it cannot (the file
 /// is in use, or read-only) both stay: the work is done, and can be put in place once the file is free. When another
 /// program has saved the file meanwhile, its content stays and the converted form of the old one goes.
-/// @throws QVUtilsException, also when there is a file of the temporary name
-void ConvertFile(IHostServices& host, const std::wstring& path, const TextConverter& converter) {
+/// @throws QVUtilsException, also when there is a file of the temporary name, and when the user cancels (code 1223)
+void ConvertFile(IHostServices& host, const std::wstring& path, const TextConverter& converter,
+                 const QVUtils::TellProgress& tell) {
     const std::wstring temporary = path + L".temp" + std::to_wstring(std::time(nullptr));
     QVUtils::FileDataReader reader(path);
     QVUtils::FileReplacement replacement({.target = path, .mayOverwrite = true, .temporaryPath = temporary});
     replacement.Begin(QVUtils::OriginalOf(reader, path));
-    ConvertBytes(reader, converter, replacement.GetWriter());
+    QVUtils::Progress progress(tell);
+    progress.BeginPart(100);
+    QVUtils::ToldDataReader told(reader, reader.GetFileSize(), progress);
+    ConvertBytes(told, converter, replacement.GetWriter());
     reader.Close();
     const uint32_t error = replacement.Commit();
     if (error != 0 && replacement.IsInPlace())
@@ -113,7 +118,10 @@ uint32_t RunTextConversion(IHostServices& host, uint32_t id) {
     }
     const TextConverter converter(row->conversion, tabWidth);
     ForEachFile(
-        host, *list, [&](const std::wstring& path, IFileOperations&) { ConvertFile(host, path, converter); },
+        host, *list, Text::ConvertTitle,
+        [&](const std::wstring& path, IFileOperations&, const QVUtils::TellProgress& tell) {
+            ConvertFile(host, path, converter, tell);
+        },
         [&](const std::wstring& path, const std::wstring& reason, uint32_t error) {
             LogFailure(host, path, reason, error);
         });
