@@ -16,6 +16,26 @@ namespace {
 using namespace FileUtils;
 namespace MarkKind = Quorvane::SDK::MarkKind;
 
+TEST(ForEachFile, EndsWhereTheUserStopsIt) {
+    QVTest::ServicesOfHost host(QV_HOST_PROGRAM, {});
+    const QVTest::TemporaryFolder folder;
+    Quorvane::SDK::IFileList* const list = host.Services().CreateFileList();
+    for (const wchar_t* name : {L"a.txt", L"b.txt"}) list->AddItem(&host.Select(folder.Write(name, "")));
+    std::atomic<bool> isCancelled = false;
+    host.State().progressWatch.isCancelled = &isCancelled;
+    std::string told;
+    ForEachFile(
+        host.Services(), *list, Text::ConvertTitle,
+        [&](const std::wstring&, Quorvane::SDK::IFileOperations&, const QVUtils::TellProgress& tell) {
+            told += "work ";
+            isCancelled = true;
+            QVUtils::Progress(tell).Advance(1, 2);
+        },
+        [&](const std::wstring&, const std::wstring&, uint32_t error) { told += std::to_string(error); });
+    list->Release();
+    EXPECT_EQ(told, "work 1223");
+}
+
 /// In the folder: a.txt, b.txt, and taken.x, c.x beside c.txt. Processing "b.txt" fails.
 std::string Transcript(FileRun run, const wchar_t* answers, bool cancelsAfterFirst) {
     QVHost::HostOptions options;
