@@ -43,13 +43,26 @@ inline constexpr TextId ScopeBoth = 340_d;
 inline constexpr TextId ScopeName = 341_d;
 inline constexpr TextId ScopeExtension = 342_d;
 
+// The menu of the list's rows; a key stands after a tab.
+inline constexpr TextId NameRow = 350_m;
+inline constexpr TextId DropRowName = 351_m;
+inline constexpr TextId CheckRows = 352_m;
+inline constexpr TextId UncheckRows = 353_m;
+inline constexpr TextId TakeOutRows = 354_m;
+inline constexpr TextId KeepRows = 355_m;
+inline constexpr TextId CopyRows = 356_m;
+inline constexpr TextId SelectAllRows = 357_m;
+inline constexpr TextId NextProblem = 358_m;
+inline constexpr TextId OpenRowFolder = 359_m;
+
 /// All of them, so that a test can look for each in the language files.
 // clang-format off
 inline constexpr TextId kAll[] = {
     Menu, Command, NameTag, ExtensionTag, CounterTag, FolderTag, YearTag, MonthTag, DayTag, HourTag, MinuteTag,
     SecondTag, PropertyTag, SaveProfile, DeleteProfile, NoProfiles, CaseUnchanged, CaseLowerBoth, CaseUpperBoth,
     CaseLowerName, CaseUpperName, CaseLowerExtension, CaseUpperExtension, CaseWords, CaseSentence, ScopeBoth,
-    ScopeName, ScopeExtension};
+    ScopeName, ScopeExtension, NameRow, DropRowName, CheckRows, UncheckRows, TakeOutRows, KeepRows, CopyRows,
+    SelectAllRows, NextProblem, OpenRowFolder};
 // clang-format on
 
 }  // namespace BatchRename::Text

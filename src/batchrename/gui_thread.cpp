@@ -40,7 +40,8 @@ MessageLoopTable& ModuleMessageLoops() {
 
 namespace {
 
-constexpr DWORD kCollectPatience = 3000;  // milliseconds for the host to collect the selection again
+// Milliseconds for the host to collect the selection again while the window waits; what comes later is taken too.
+constexpr DWORD kCollectPatience = 1000;
 
 /// The thread's side of things: everything in it is made, used and ended on the GUI thread.
 class GuiSide final : public IMessageFilter, private IFrameHost {

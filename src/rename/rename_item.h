@@ -38,6 +38,8 @@ struct BatchRenameItem {
     bool isFolder = false;
     RuleFault fault = RuleFault::None;
     uint32_t state = RowState::Ready;
+    bool isLeftOut = false;      // keeps its name and gets no number, but stays in the list
+    std::wstring ownName = {};   // given by hand instead of what the rule computes; "": none
     uint32_t hostOrder = 0;      // its place in the host's selection
     ItemIdentity identity = {};  // the one item that the row stands for; not known: whatever has the name
 };

@@ -222,7 +222,8 @@ private:
         if (item.fault != RuleFault::None) return Fail(row, RowReason::RuleFault, kInvalidName);
         if (item.newName == item.currentName) {
             const bool isGone = !m_places[m_from[row]].isOnDisk && m_folderErrors[folder] == 0;
-            if (isGone && item.state == RowState::Restore) return Fail(row, RowReason::Gone, kFileNotFound);
+            if (isGone && item.state == RowState::Restore && !item.isLeftOut)
+                return Fail(row, RowReason::Gone, kFileNotFound);
             m_plan.rows[row] = {RowVerdict::Ignored, RowReason::Unchanged, 0};
             ++m_places[m_from[row]].wanterCount;
             return;
@@ -357,6 +358,7 @@ std::wstring DescribeRowPlan(const BatchRenameItem& row, const RowPlan& plan) {
     switch (plan.reason) {
         case RowReason::None: return {};
         case RowReason::Unchanged:
+            if (row.isLeftOut) return L"it is not checked";
             return row.state == RowState::Restore ? L"it has its old name" : L"the name stays the same";
         case RowReason::RuleFault: return DescribeRuleFault(row.fault);
         case RowReason::BadName: return Win32::DescribeNameFault(row.newName, Win32::CheckFileName(row.newName));

@@ -105,6 +105,11 @@ bool RenameRule::SetRule(const RuleDefinition& definition, const CalendarTime& n
 }
 
 bool RenameRule::Compute(BatchRenameItem& row) {
+    if (row.isLeftOut) {
+        row.newName = row.currentName;
+        row.fault = RuleFault::None;
+        return true;
+    }
     if (row.state == RowState::Restore) return true;
     std::tie(m_base, m_extension) = BaseAndExtension(row);
     m_fault = RuleFault::None;
@@ -131,8 +136,9 @@ bool RenameRule::Compute(BatchRenameItem& row) {
         m_newBase += m_newExtension;
     }
     RemoveLineBreaks(m_newBase);
-    row.newName = m_newBase;
-    row.fault = m_fault;
+    const bool isByHand = !row.ownName.empty();
+    row.newName = isByHand ? row.ownName : m_newBase;
+    row.fault = isByHand ? RuleFault::None : m_fault;
     m_base = {};
     m_extension = {};
     return true;

@@ -54,8 +54,11 @@ public:
     ///     out before, by CheckRegularExpressions.
     bool SetRule(const RuleDefinition& definition, const CalendarTime& now);
 
-    /// Sets the row's new name and fault. Rows are to come in list order: the counters count them. A row whose state is
-    /// RowState::Restore is left alone.
+    /// Sets the row's new name and fault. Rows are to come in list order: the counters count them.
+    ///
+    /// - A row that is left out keeps its name and is not counted, so that the names that are given have no gaps.
+    /// - A name given by hand stands in the place of the rule's, and is counted like that: the others keep theirs.
+    /// - A row whose state is RowState::Restore has its new name already.
     bool Compute(BatchRenameItem& row);
 
     /// Whether the last of the pairs that are not skipped found its text in the row computed last.

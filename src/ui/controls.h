@@ -68,6 +68,8 @@ void AddColumns(HWND list, std::span<const ListColumn> columns);
 void SetListText(HWND list, int row, int column, const std::wstring& text);
 /// The first selected row, or -1.
 int SelectedRow(HWND list);
+/// The row with the focus, or -1.
+int FocusedRow(HWND list);
 /// Selects this row alone and brings it into view.
 void SelectRow(HWND list, int row);
 /// Copies a text into the buffer that a list view offers for it, cut to its capacity.

@@ -153,6 +153,11 @@ TEST(FrameModel, AnswersEachEventInEachState) {
     const auto move = [](F f) { f.model.OnMoveRows({false, true}, true); };
     const auto rows = [](F f) { f.model.SetRows(Two()); };
     const auto reset = [](F f) { f.model.OnResetRows(); };
+    const auto uncheck = [](F f) { f.model.OnCheckRows({true, false}, false); };
+    const auto check = [](F f) { f.model.OnCheckRows({true, false}, true); };
+    const auto name = [](F f) { f.model.OnNameRows({true, false}, L"mine"); };
+    const auto keep = [](F f) { f.model.OnKeepRows({true, false}); };
+    const auto problems = [](F f) { f.model.OnHeader(RowKey::Problems); };
     const auto refresh = [](F f) { f.model.OnRefresh(); };
     const auto session = [](F f) { f.model.LoadSession(std::make_shared<BatchRenameUndo>()); };
     const auto close = [](F f) { f.model.OnClose(false); };
@@ -214,7 +219,17 @@ TEST(FrameModel, AnswersEachEventInEachState) {
         {"move", move, kUnrun, anew, Computing, Start},
         {"move", move, {Running, Stopping, FrameState::Done}, "", kSame},
         {"rows", rows, kIdle, anew, Computing, Start, L"Computing the new names..."},
-        {"reset", reset, kIdle, anew + ", collect, take", Computing, Off, L"Asking for the selected files..."},
+        {"reset", reset, kIdle, "collect, take", kSame, Any, L"Asking for the selected files..."},
+        {"uncheck", uncheck, kUnrun, "cancel, request", Computing, Start},
+        {"uncheck", uncheck, {FrameState::Done}, "cancel, request folders", Computing, Start},
+        {"uncheck", uncheck, kBusy, "", kSame, Stop},
+        {"check what is checked", check, kAll, "", kSame},
+        {"name", name, kUnrun, "cancel, request", Computing, Start},
+        {"name", name, {FrameState::Done}, "cancel, request folders", Computing, Start},
+        {"name", name, kBusy, "", kSame, Stop},
+        {"keep", keep, kIdle, anew, Computing, Start},
+        {"keep", keep, kBusy, "", kSame, Stop},
+        {"problems first", problems, kAll, "", kSame},
         {"reset", reset, kBusy, "", kSame, Stop},
         {"refresh", refresh, {Outdated, Computing, Ready, Asking}, "request folders", Computing, Start},
         {"refresh", refresh, {Starting}, "request folders", Starting, Start},
@@ -227,7 +242,7 @@ TEST(FrameModel, AnswersEachEventInEachState) {
         {"close", close, kBusy, "stop", Stopping, Stop, L"Stopping after the current file..."},
         {"shutdown", shutdown, kUnasked, "close", kSame},
         {"shutdown", shutdown, {Asking}, "end dialogs", Asking},
-        {"preview", preview, {Computing}, "", Ready, Start, L"2 items, 2 will be renamed"},
+        {"preview", preview, {Computing}, "", Ready, Start, L"2 of 2 items will be renamed"},
         {"preview", preview, {Starting}, "begin recorded", Running, Stop},
         {"part of a preview", partial, {Computing, Starting}, "", kSame, Start},
         {"failed preview", failure, {Computing, Starting}, "", Outdated, Start, L"wrong"},
@@ -314,7 +329,7 @@ TEST(FrameModel, RestoresWhateverTheRuleIs) {
     EXPECT_TRUE(frame.isRestoring && frame.panel.isRestoring);
     frame.request.rows = Two();
     frame.model.OnPreview(frame.Answer());
-    EXPECT_EQ(frame.status, L"2 items, 2 will be restored");
+    EXPECT_EQ(frame.status, L"2 of 2 items will be restored");
     frame.Done();
     frame.model.OnRemoveRows({true, false});
     frame.model.OnPreview(frame.Answer());
@@ -328,6 +343,43 @@ TEST(FrameModel, RestoresWhateverTheRuleIs) {
     frame.model.OnRunEnd(frame.Result());
     frame.model.SetRows(Two());
     EXPECT_FALSE(frame.isRestoring || frame.panel.canStart) << "the rule is still wrong";
+}
+
+TEST(FrameModel, GoesOnWithTheRestOfARunThatWasStopped) {
+    RecordedFrame frame;
+    Bring(frame, Running);
+    const auto stopped = frame.Result();
+    stopped->outcomes[1] = {Quorvane::SDK::RenameResult::Ignored, L"stopped", L"a", true};
+    frame.model.OnRunEnd(stopped);
+    EXPECT_TRUE(frame.panel.canStart && frame.panel.canGoOn);
+    frame.Done();
+    frame.model.OnStart(false);
+    EXPECT_EQ(frame.Done(), "begin recorded");
+    ASSERT_EQ(frame.run.rows.size(), 1u);
+    EXPECT_EQ(frame.run.rows[0]->currentName + frame.run.rows[0]->newName, L"aa2");
+    frame.model.OnRunProgress(1);
+    EXPECT_EQ(frame.status, L"Renaming: 1 of 1");
+    frame.model.OnRunEnd(frame.Result());
+    EXPECT_FALSE(frame.panel.canStart || frame.panel.canGoOn);
+    for (const size_t row : {0, 1}) {
+        EXPECT_EQ(frame.model.Rows().OldName(row) + L"2", frame.model.Rows().NewName(row));
+        EXPECT_EQ(frame.model.Rows().Mark(row), RowMark::Done);
+    }
+}
+
+TEST(FrameModel, GivesNamesByHandAndBackAndLeavesTheOthersOutAfterARun) {
+    RecordedFrame frame;
+    Bring(frame, Ready);
+    const auto asked = [&](size_t row) -> const BatchRenameItem& { return *(*frame.request.rows)[row]; };
+    frame.model.OnNameRows({false, true}, L"mine");
+    EXPECT_EQ(asked(1).ownName, L"mine");
+    EXPECT_TRUE(asked(0).ownName.empty() && !asked(0).isLeftOut);
+    frame.model.OnNameRows({true, true}, {});
+    EXPECT_EQ(asked(1).ownName, L"");
+    RecordedFrame done;
+    Bring(done, FrameState::Done);
+    done.model.OnNameRows({false, true}, L"mine");
+    EXPECT_TRUE((*done.request.rows)[0]->isLeftOut && !(*done.request.rows)[1]->isLeftOut);
 }
 
 TEST(FrameModel, HasTheVisibleRowsOfManyComputedFirst) {
@@ -347,7 +399,9 @@ TEST(FrameModel, SaysSoWhereThereIsNoThreadNoAnswerAndNothingToDo) {
     EXPECT_EQ(frame.model.State(), Ready);
     EXPECT_EQ(frame.status, L"The run could not be started; the system has no thread for it.");
     frame.model.OnResetRows();
-    EXPECT_EQ(frame.status, L"The file manager did not answer in time.");
+    EXPECT_EQ(frame.status, L"The file manager has not answered yet. The list stays as it is until it does.");
+    EXPECT_EQ(frame.model.Rows().Rows()->size(), 2u);
+    frame.model.SetRows(std::make_shared<const RenameItems>());
     frame.model.OnPreview(frame.Answer());
     EXPECT_EQ(frame.status, L"No files");
     frame.Done();

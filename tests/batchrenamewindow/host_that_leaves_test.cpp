@@ -35,7 +35,7 @@ public:
     HMODULE Library() const { return m_process.Library(); }
     void Open() {
         m_extension->OnCommand(31000, 0, 0);
-        EXPECT_TRUE(WaitUntil([&] { return Status().starts_with(L"1 item"); }));
+        EXPECT_TRUE(WaitUntil([&] { return Status().find(L" of 1 item") != std::wstring::npos; }));
     }
     void Delete() { m_process.Delete(m_extension, 2); }
 
@@ -69,7 +69,7 @@ void ChooseInMenu(int control, const std::vector<WPARAM>& keys) {
 
 void Rename() {
     HostThatLeaves::Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
-    EXPECT_TRUE(WaitUntil([&] { return HostThatLeaves::Status() == L"1 item, 1 will be renamed"; }));
+    EXPECT_TRUE(WaitUntil([&] { return HostThatLeaves::Status() == L"1 of 1 item will be renamed"; }));
     HostThatLeaves::Panel().Press(IDC_START);
 }
 

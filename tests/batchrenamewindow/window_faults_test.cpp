@@ -40,7 +40,7 @@ TEST(RenameWindowWithoutThreads, SaysSoAndOpensLater) {
     }
     window.Open(kNames);
     window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
-    ASSERT_TRUE(window.WaitForStatus(L"2 items, 2 will be renamed"));
+    ASSERT_TRUE(window.WaitForStatus(L"2 of 2 items will be renamed"));
     {
         const ReplacedImport replaced(Library(), "_beginthreadex", reinterpret_cast<void*>(NoThreadOfTheRuntime));
         window.Panel().Press(IDC_START);
@@ -66,7 +66,7 @@ TEST(RenameWindowWithoutMemory, StaysAndWorksAgain) {
         if (box && PostMessageW(box, WM_CLOSE, 0, 0)) return false;
         window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]");
         return window.Panel().IsEnabled(IDC_NAME_TEMPLATE) &&
-               WaitUntil([&] { return window.Status() == L"2 items, 0 will be renamed"; });
+               WaitUntil([&] { return window.Status() == L"0 of 2 items will be renamed"; });
     };
     const struct {
         const char* what;
@@ -118,7 +118,7 @@ TEST(RenameWindowWithoutMemory, ShowsTheEndOfARun) {
         SCOPED_TRACE("allocation " + std::to_string(number));
         g_begin = [&memory, number] { memory.Arm(number, true); };
         window.Panel().Enter(IDC_NAME_TEMPLATE, rule += L"2");
-        ASSERT_TRUE(window.WaitForStatus(L"2 items, 2 will be renamed"));
+        ASSERT_TRUE(window.WaitForStatus(L"2 of 2 items will be renamed"));
         window.Panel().Press(IDC_START);
         ASSERT_TRUE(window.WaitForStatus(L"2 Renamed")) << window.Status();
         ASSERT_TRUE(memory.HasFailed() && window.Panel().IsEnabled(IDC_NAME_TEMPLATE));
@@ -133,7 +133,7 @@ TEST(RenameWindowWithoutMemory, RenamesWhollyOrNot) {
         RenameWindow window(kNames);
         window.Open(kNames);
         window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
-        ASSERT_TRUE(window.WaitForStatus(L"2 items, 2 will be renamed"));
+        ASSERT_TRUE(window.WaitForStatus(L"2 of 2 items will be renamed"));
         // Held, so that what was replaced in it can be put back.
         const Win32::Module held(LoadLibraryW(L"QVUtils.dll"));  // the loaded one, whatever its folder
         FailingMemory memory(Library());

@@ -14,7 +14,7 @@ TEST(RenameWindow, EndsWithItsHostWhateverItIsAt) {
         {"a dialog is open, and a box over it",
          [](RenameWindow& window) {
              window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
-             window.WaitForStatus(L"2 items, 2 will be renamed");
+             window.WaitForStatus(L"2 of 2 items will be renamed");
              window.Panel().Press(IDC_START);
              window.WaitForStatus(L"2 Renamed");
              window.Panel().PressLater(IDC_UNDO);

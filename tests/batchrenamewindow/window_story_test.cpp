@@ -23,7 +23,7 @@ TEST(RenameWindow, RenamesShowsAndTakesBack) {
     // Typed, previewed, with a name that is there already.
     window.AddPair(L"a", L"taken");
     window.AddPair(L"b", L"x:y");
-    ASSERT_TRUE(window.WaitForStatus(L"3 items, 0 will be renamed, 2 problems (F8)"));
+    ASSERT_TRUE(window.WaitForStatus(L"0 of 3 items will be renamed, 2 problems (F8)"));
     window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]");
     EXPECT_EQ(window.Column(kNewName), (Words{L"taken.txt", L"x:y.txt", L"c.txt"}));
     EXPECT_EQ(window.Cell(0, kState), L"\"taken.txt\" is there already");
@@ -33,7 +33,7 @@ TEST(RenameWindow, RenamesShowsAndTakesBack) {
     // The rest goes on, once the question is answered, however often Start is pressed.
     window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]-[C]");
     window.AddPair(L"b-02", L"taken");
-    ASSERT_TRUE(window.WaitForStatus(L"3 items, 2 will be renamed, 1 problem (F8)"))
+    ASSERT_TRUE(window.WaitForStatus(L"2 of 3 items will be renamed, 1 problem (F8)"))
         << testing::PrintToString(window.Column(kState));
     window.Panel().PressLater(IDC_START);
     window.Panel().PressLater(IDC_START);
@@ -54,12 +54,12 @@ TEST(RenameWindow, RenamesShowsAndTakesBack) {
     selected.state = selected.stateMask = LVIS_SELECTED;
     SendMessageW(sessions.Control(IDC_ENTRIES), LVM_SETITEMSTATE, 1, reinterpret_cast<LPARAM>(&selected));
     sessions.PressAndClose(IDOK);
-    ASSERT_TRUE(window.WaitForStatus(L"1 item, 1 will be restored"));
+    ASSERT_TRUE(window.WaitForStatus(L"1 of 1 item will be restored"));
     window.Panel().Press(IDC_START);
     ASSERT_TRUE(window.WaitForStatus(L"1 Restored"));
     window.Panel().PressLater(IDC_UNDO);
     window.Dialog(L"Undo BatchRename").PressAndClose(IDOK);
-    ASSERT_TRUE(window.WaitForStatus(L"2 items, 1 will be restored"));
+    ASSERT_TRUE(window.WaitForStatus(L"1 of 2 items will be restored"));
     EXPECT_FALSE(window.Panel().IsEnabled(IDC_NAME_TEMPLATE));
     window.Panel().Press(IDC_START);
     ASSERT_TRUE(window.WaitForStatus(L"1 Restored, 1 Ignored"));
@@ -67,7 +67,7 @@ TEST(RenameWindow, RenamesShowsAndTakesBack) {
 
     // The host's selection again, and the rule as it was.
     window.Panel().PressLater(IDC_RESET_LIST);
-    ASSERT_TRUE(window.WaitForStatus(L"3 items, 2 will be renamed, 1 problem (F8)"));
+    ASSERT_TRUE(window.WaitForStatus(L"2 of 3 items will be renamed, 1 problem (F8)"));
     EXPECT_EQ(window.Panel().Text(IDC_NAME_TEMPLATE), L"[N]-[C]");
     window.Panel().PressLater(IDC_CLOSE);
     EXPECT_TRUE(window.WaitFor([&] { return !window.Frame(); }));
@@ -85,20 +85,20 @@ TEST(RenameWindow, GoesOnWithOtherRowsAndRulesAsTheyAreTyped) {
     EXPECT_FALSE(window.Panel().IsEnabled(IDC_REPLACE_ALL_MATCHES));
     for (const auto& [find, replaceWith] : {std::pair(L"^1$", L"x"), {L"^3$", L"1"}, {L"^2$", L"3"}, {L"^x$", L"2"}})
         window.AddPair(find, replaceWith);
-    ASSERT_TRUE(window.WaitForStatus(L"3 items, 3 will be renamed"));
+    ASSERT_TRUE(window.WaitForStatus(L"3 of 3 items will be renamed"));
     window.Panel().Press(IDC_START);
     ASSERT_TRUE(window.WaitForStatus(L"3 Renamed"));
     EXPECT_EQ(window.Files().Read(L"2") + window.Files().Read(L"3") + window.Files().Read(L"1"), "123");
 
     // The rows go on under their new names, of folders as they are now.
     window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]b");
-    ASSERT_TRUE(window.WaitForStatus(L"3 items, 3 will be renamed"));
+    ASSERT_TRUE(window.WaitForStatus(L"3 of 3 items will be renamed"));
     EXPECT_EQ(window.Column(kNewName), (Words{L"2b", L"3b", L"1b"}));
 
     // The command again: the same window and thread, other rows.
     const HWND frame = window.Frame();
     window.RunCommand({L"1", L"3"});
-    ASSERT_TRUE(window.WaitForStatus(L"2 items, 2 will be renamed"));
+    ASSERT_TRUE(window.WaitForStatus(L"2 of 2 items will be renamed"));
     EXPECT_EQ(window.Frame(), frame);
 
     // One letter after the other, through every half of an expression.
@@ -119,7 +119,7 @@ TEST(RenameWindow, GoesOnWithOtherRowsAndRulesAsTheyAreTyped) {
     EXPECT_FALSE(window.Panel().IsEnabled(IDC_START));
     window.Panel().PressLater(IDC_UNDO);
     window.Dialog(L"Undo BatchRename").PressAndClose(IDOK);
-    ASSERT_TRUE(window.WaitForStatus(L"3 items, 3 will be restored"));
+    ASSERT_TRUE(window.WaitForStatus(L"3 of 3 items will be restored"));
     window.Panel().Press(IDC_START);
     EXPECT_TRUE(window.WaitForStatus(L"3 Restored"));
 }
@@ -173,7 +173,7 @@ TEST(RenameWindow, StartsAndClosesByNoLetterWithoutAlt) {
     RenameWindow window({L"a"});
     window.Open({L"a"});
     window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
-    ASSERT_TRUE(window.WaitForStatus(L"1 item, 1 will be renamed"));
+    ASSERT_TRUE(window.WaitForStatus(L"1 of 1 item will be renamed"));
     for (const int control : {IDC_LIVE_PREVIEW, IDC_PROFILES, IDC_START, IDC_ROWS})
         for (wchar_t letter = L'a'; letter <= L'z'; ++letter)
             PostMessageW(GetDlgItem(control == IDC_ROWS ? window.Frame() : window.Panel().Window(), control), WM_CHAR,
@@ -206,18 +206,18 @@ TEST(RenameWindow, KeepsTheSelectionOnItsRows) {
     EXPECT_TRUE(window.WaitFor([&] { return window.Column(0) == Words{L"a", L"b", L"c", L"d"}; }));
     EXPECT_EQ(selected(), Words{L"b"});
     window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
-    ASSERT_TRUE(window.WaitForStatus(L"4 items, 4 will be renamed"));
+    ASSERT_TRUE(window.WaitForStatus(L"4 of 4 items will be renamed"));
     EXPECT_EQ(selected(), Words{L"b"});
 
     // Read again, as the host has them: by an arrow the selection goes on from its row.
     window.Panel().PressLater(IDC_RESET_LIST);
     ASSERT_TRUE(window.WaitFor([&] { return window.Column(0) == names; }));
     EXPECT_EQ(selected(), Words{L"b"});
-    ASSERT_TRUE(window.WaitForStatus(L"4 items, 4 will be renamed"));
+    ASSERT_TRUE(window.WaitForStatus(L"4 of 4 items will be renamed"));
     press(VK_DOWN);
     ASSERT_TRUE(window.WaitFor([&] { return selected() == Words{L"c"}; }));
     press(VK_DELETE);
-    ASSERT_TRUE(window.WaitForStatus(L"3 items, 3 will be renamed"));
+    ASSERT_TRUE(window.WaitForStatus(L"3 of 3 items will be renamed"));
     EXPECT_EQ(window.Column(0), (Words{L"b", L"a", L"d"}));
 
     // What is selected stays so under its new name.
@@ -225,6 +225,47 @@ TEST(RenameWindow, KeepsTheSelectionOnItsRows) {
     window.Panel().Press(IDC_START);
     ASSERT_TRUE(window.WaitForStatus(L"3 Renamed"));
     EXPECT_EQ(selected(), Words{L"a"}) << "by its old name";
+}
+
+TEST(RenameWindow, LeavesOutWhatIsNotCheckedAndTakesNamesByHand) {
+    const Words names = {L"a.txt", L"b.txt", L"c.txt"};
+    RenameWindow window(names);
+    window.Open(names);
+    window.Panel().Enter(IDC_NAME_TEMPLATE, L"[C]");
+    ASSERT_TRUE(window.WaitForStatus(L"3 of 3 items will be renamed"));
+    const auto press = [&](WPARAM key) { PostMessageW(window.List(), WM_KEYDOWN, key, 1); };
+    // Nothing is selected: the row with the focus is meant.
+    SendMessageW(window.List(), LVM_SETSELECTIONMARK, 0, 0);
+    press(VK_HOME);
+    press(VK_SPACE);
+    ASSERT_TRUE(window.WaitForStatus(L"2 of 3 items will be renamed, 1 not checked"));
+    EXPECT_EQ(window.Column(kNewName), (Words{L"a.txt", L"01.txt", L"02.txt"}));
+    EXPECT_EQ(window.Cell(0, kState), L"Not checked");
+    EXPECT_EQ(ListView_GetItemState(window.List(), 0, LVIS_STATEIMAGEMASK), INDEXTOSTATEIMAGEMASK(1));
+
+    press(VK_DOWN);
+    press(VK_F2);
+    HWND field = nullptr;
+    ASSERT_TRUE(window.WaitFor([&] { return (field = FindWindowExW(window.List(), nullptr, L"Edit", nullptr)); }));
+    EXPECT_EQ(ShownText(field, WM_GETTEXT), L"01.txt");
+    SendMessageW(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"02.txt"));
+    PostMessageW(field, WM_KEYDOWN, VK_RETURN, 1);
+    ASSERT_TRUE(window.WaitForStatus(L"0 of 3 items will be renamed, 1 not checked, 2 problems (F8)"));
+    press(VK_F2);
+    ASSERT_TRUE(window.WaitFor([&] { return (field = FindWindowExW(window.List(), nullptr, L"Edit", nullptr)); }));
+    SendMessageW(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"mine"));
+    PostMessageW(field, WM_KEYDOWN, VK_RETURN, 1);
+    ASSERT_TRUE(window.WaitForStatus(L"2 of 3 items will be renamed, 1 not checked"));
+    EXPECT_EQ(window.Cell(1, kState), L"Will be renamed, by hand");
+    window.Panel().Press(IDC_START);
+    ASSERT_TRUE(window.WaitForStatus(L"2 Renamed, 1 Ignored"));
+    EXPECT_EQ(window.NamesOnDisk(), (Words{L"02.txt", L"a.txt", L"mine"}));
+    window.Panel().PressLater(IDC_UNDO);
+    window.Dialog(L"Undo BatchRename").PressAndClose(IDOK);
+    ASSERT_TRUE(window.WaitForStatus(L"2 of 2 items will be restored"));
+    window.Panel().Press(IDC_START);
+    ASSERT_TRUE(window.WaitForStatus(L"2 Restored"));
+    EXPECT_EQ(window.NamesOnDisk(), names);
 }
 
 TEST(RenameWindow, LoadsTheProfileChosenAmongNamesakes) {
@@ -257,7 +298,7 @@ TEST(RenameWindow, AnswersWhileAHundredThousandRowsArePreviewed) {
             DWORD_PTR result = 0;
             if (SendMessageTimeoutW(window.Frame(), WM_NULL, 0, 0, SMTO_NORMAL, 5000, &result)) ++answers;
         }
-        return window.Status().starts_with(L"100000 items");
+        return window.Status().find(L" of 100000 items") != std::wstring::npos;
     });
     EXPECT_TRUE(isDone);
     EXPECT_GE(answers, 100);

@@ -90,6 +90,22 @@ TEST(RenameRule, LeavesRowsOfARestoreAlone) {
     EXPECT_EQ(Computed(Rule(L"x"), row)->newName, L"given");
 }
 
+TEST(RenameRule, CountsNamesByHandAndSkipsRowsThatAreLeftOut) {
+    RenameRule rule;
+    rule.SetRule(Rule(L"[C]", L""), kTime);
+    const auto compute = [&](bool isLeftOut, const wchar_t* ownName) {
+        const auto row = Row(L"C:", L"x", L"before");
+        row->isLeftOut = isLeftOut;
+        row->ownName = ownName;
+        rule.Compute(*row);
+        return row->newName;
+    };
+    EXPECT_EQ(compute(false, L""), L"01");
+    EXPECT_EQ(compute(true, L"mine"), L"x");
+    EXPECT_EQ(compute(false, L"mine"), L"mine");
+    EXPECT_EQ(compute(false, L""), L"03");
+}
+
 TEST(RenameRule, ConvertsCaseByTheLowestBit) {
     using namespace RenameOption;
     const std::tuple<uint32_t, const wchar_t*, const wchar_t*> cases[] = {

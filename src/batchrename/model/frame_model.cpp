@@ -29,7 +29,8 @@ void FrameModel::ShowState() {
     state.isRunning = IsRunning();
     state.isRestoring = m_session != nullptr;
     const bool hasWork = IsUpToDate() ? m_rows.Counts().changes > 0 : !m_rows.Rows()->empty();
-    state.canStart = hasWork && !IsRunning() && m_state != FrameState::Done && !HasRuleError();
+    state.canGoOn = m_state == FrameState::Done && m_rows.Counts().notBegun > 0;
+    state.canStart = state.canGoOn || (hasWork && !IsRunning() && m_state != FrameState::Done && !HasRuleError());
     m_actions.ShowState(state);
 }
 
@@ -163,8 +164,8 @@ void FrameModel::OnHeader(RowKey key) {
     m_order = NextOrder(m_order, key);
     m_mustSort = true;
     m_actions.ShowOrder(m_order);
-    // Sorted by what is shown: only the preview has the new names.
-    if (key == RowKey::NewName && IsUpToDate()) {
+    // Sorted by what is shown: only the preview has the new names, but for those of a session.
+    if (key == RowKey::NewName && IsUpToDate() && !m_session) {
         RowSnapshot named = std::make_shared<const RenameItems>(m_rows.CurrentPreview()->computed);
         m_state = FrameState::Outdated;
         m_rows.SetRows(std::move(named));
@@ -190,6 +191,50 @@ void FrameModel::OnRemoveRows(const std::vector<bool>& isSelected) {
     m_actions.SelectRows(next);
 }
 
+void FrameModel::OnKeepRows(std::vector<bool> isSelected) {
+    if (std::ranges::find(isSelected, true) == isSelected.end()) return;
+    isSelected.flip();
+    OnRemoveRows(isSelected);
+    m_actions.SelectRows(std::vector<bool>(m_rows.Rows()->size(), true));
+}
+
+/// Puts changed copies in the place of the marked rows.
+template <typename Change>
+void FrameModel::EditRows(const std::vector<bool>& isMarked, const Change& change) {
+    RenameItems rows = *m_rows.Rows();
+    bool isChanged = false;
+    for (size_t row = 0; row < rows.size(); ++row) {
+        if (!isMarked[row]) continue;
+        const auto copy = std::make_shared<BatchRenameItem>(*rows[row]);
+        if (!change(row, *copy)) continue;
+        rows[row] = copy;
+        isChanged = true;
+    }
+    if (!isChanged) return;
+    m_state = FrameState::Outdated;
+    Replace([&] { m_rows.SetEdited(std::make_shared<const RenameItems>(std::move(rows))); });
+    m_actions.ShowRows(true);
+    Invalidate();
+    RequestPreview(0);
+}
+
+void FrameModel::OnCheckRows(const std::vector<bool>& isSelected, bool isChecked) {
+    if (IsRunning()) return;
+    EditRows(isSelected,
+             [&](size_t, BatchRenameItem& item) { return std::exchange(item.isLeftOut, !isChecked) == isChecked; });
+}
+
+void FrameModel::OnNameRows(const std::vector<bool>& isSelected, const std::wstring& name) {
+    if (!CanNameRows()) return;
+    std::vector<bool> isMarked = isSelected;
+    if (m_state == FrameState::Done) isMarked.assign(isSelected.size(), true);
+    EditRows(isMarked, [&](size_t row, BatchRenameItem& item) {
+        if (m_state == FrameState::Done) item.isLeftOut = !isSelected[row];
+        if (isSelected[row]) item.ownName = name;
+        return true;
+    });
+}
+
 void FrameModel::OnMoveRows(std::vector<bool> isSelected, bool isUp) {
     if (IsRunning() || m_state == FrameState::Done) return;
     if (std::ranges::find(isSelected, true) == isSelected.end()) return;
@@ -205,12 +250,10 @@ void FrameModel::OnMoveRows(std::vector<bool> isSelected, bool isUp) {
 
 void FrameModel::OnResetRows() {
     if (IsRunning()) return;
-    SetRows(std::make_shared<const RenameItems>());
     m_actions.ShowStatus(L"Asking for the selected files...");
-    if (m_actions.CollectRows())
-        m_actions.TakeRows();
-    else
-        m_actions.ShowStatus(L"The file manager did not answer in time.");
+    if (m_actions.CollectRows()) return m_actions.TakeRows();
+    // It may show a dialog; its answer is taken whenever it comes.
+    m_actions.ShowStatus(L"The file manager has not answered yet. The list stays as it is until it does.");
 }
 
 void FrameModel::LoadSession(std::shared_ptr<BatchRenameUndo> session, std::vector<size_t> entries) {
@@ -232,7 +275,9 @@ void FrameModel::OnStart(bool isSecondClick) {
         return;
     }
     // While a dialog is open: a second click that was on its way before the question disabled the button.
-    if (m_openDialogs > 0 || m_state == FrameState::Done || HasRuleError() || m_rows.Rows()->empty()) return;
+    if (m_openDialogs > 0) return;
+    if (m_state == FrameState::Done && m_rows.Counts().notBegun > 0 && !isSecondClick) return BeginRun();
+    if (m_state == FrameState::Done || HasRuleError() || m_rows.Rows()->empty()) return;
     if (m_state == FrameState::Outdated) RequestPreview(0);
     if (!IsUpToDate()) {
         m_state = FrameState::Starting;
@@ -254,12 +299,16 @@ void FrameModel::OnAnswer(bool isYes) {
 void FrameModel::BeginRun() {
     RunRequest request;
     m_isUnrecorded = false;
+    m_rest.clear();
     request.session = m_session;
     request.rows.reserve(m_rows.Rows()->size());
-    for (const auto& row : m_rows.CurrentPreview()->computed) {
-        request.rows.push_back(std::make_shared<BatchRenameItem>(*row));
-        if (m_session) request.entries.push_back(row->hostOrder);
-    }
+    if (m_state == FrameState::Done)
+        AddRest(request);
+    else
+        for (const auto& row : m_rows.CurrentPreview()->computed)
+            request.rows.push_back(std::make_shared<BatchRenameItem>(*row));
+    if (m_session)
+        for (const auto& row : request.rows) request.entries.push_back(row->hostOrder);
     if (!m_actions.BeginRun(std::move(request), m_session || m_choices.savesUndo))
         return m_actions.ShowStatus(L"The run could not be started; the system has no thread for it.");
     m_state = FrameState::Running;
@@ -267,10 +316,25 @@ void FrameModel::BeginRun() {
     ShowState();
 }
 
+/// The rows that a run was stopped before, with the names that it was to give them: their numbers go on.
+void FrameModel::AddRest(RunRequest& request) {
+    const RunResult& stopped = *m_rows.Outcomes();
+    for (uint32_t row = 0; row < stopped.outcomes.size(); ++row) {
+        if (!stopped.outcomes[row].isNotBegun) continue;
+        const auto copy = std::make_shared<BatchRenameItem>(*(*m_rows.Rows())[row]);
+        copy->newName = stopped.rows[row]->newName;
+        copy->identity = stopped.rows[row]->identity;
+        if (m_session) copy->state = RowState::Restore;
+        request.rows.push_back(copy);
+        m_rest.push_back(row);
+    }
+}
+
 void FrameModel::OnRunProgress(uint32_t renameCount) {
     if (!IsRunning()) return;
     m_actions.ShowStatus((m_session ? L"Restoring: " : L"Renaming: ") + std::to_wstring(renameCount) + L" of " +
-                         std::to_wstring(m_rows.Counts().changes) + (m_isUnrecorded ? L", without undo" : L""));
+                         std::to_wstring(m_rest.empty() ? m_rows.Counts().changes : m_rest.size()) +
+                         (m_isUnrecorded ? L", without undo" : L""));
 }
 
 void FrameModel::OnRunUnrecorded(uint32_t code) {
@@ -293,13 +357,14 @@ void FrameModel::OnRunEnd(const std::shared_ptr<const RunResult>& result) {
     if (isClosing) return m_actions.Close();
     m_actions.CancelPreview(++m_generation);
     m_mustReadFolders = true;
-    if (result->outcomes.empty())
-        m_rows.ForgetPreview();
-    else
+    if (!result->outcomes.empty())
         Replace([&] {
-            m_rows.SetOutcomes(std::make_shared<const RenameItems>(RowsAfterRun(result->rows, result->outcomes)),
-                               result, m_session != nullptr);
+            const auto whole = m_rest.empty() ? result : WithRest(*m_rows.Outcomes(), *result, m_rest);
+            m_rows.SetOutcomes(std::make_shared<const RenameItems>(RowsAfterRun(whole->rows, whole->outcomes)), whole,
+                               m_session != nullptr);
         });
+    else if (m_rest.empty())
+        m_rows.ForgetPreview();
     m_actions.ShowRows(true);
     m_actions.ShowStatus(TextAfterRun(result->error, result->counts, m_session != nullptr));
     ShowState();

@@ -18,6 +18,7 @@ struct PanelState {
     bool isRunning = false;
     bool isRestoring = false;  // the names come from a session: the rule is not used
     bool canStart = false;
+    bool canGoOn = false;  // Start takes up a run that was stopped
 
     bool operator==(const PanelState&) const = default;
 };
@@ -110,7 +111,15 @@ public:
     void OnAnswer(bool isYes);
     void OnHeader(RowKey key);
     void OnRemoveRows(const std::vector<bool>& isSelected);
+    /// Takes all others out.
+    void OnKeepRows(std::vector<bool> isSelected);
     void OnMoveRows(std::vector<bool> isSelected, bool isUp);
+    /// Those that are not checked keep their names.
+    void OnCheckRows(const std::vector<bool>& isSelected, bool isChecked);
+    /// A name by hand for the rows; "" gives them the rule's again. After a run the others are left out then: the rule
+    /// would be applied to them a second time.
+    void OnNameRows(const std::vector<bool>& isSelected, const std::wstring& name);
+    bool CanNameRows() const { return !IsRunning() && !m_session; }
     /// The list is asked for again.
     void OnResetRows();
     /// Names and folders are looked at again.
@@ -143,8 +152,11 @@ private:
     void ShowProblemsFirst(bool areFirst);
     void ChangeRows(RowSnapshot rows);
     template <typename Change>
+    void EditRows(const std::vector<bool>& isMarked, const Change& change);
+    template <typename Change>
     void Replace(const Change& change);
     void BeginRun();
+    void AddRest(RunRequest& request);
 
     IFrameActions& m_actions;
     RuleDefinition& m_rule;
@@ -159,6 +171,7 @@ private:
     std::shared_ptr<BatchRenameUndo> m_session;  // being restored; null: the rule is used
     std::vector<size_t> m_sessionEntries;        // those alone; empty: all
     bool m_isUnrecorded = false;                 // the run that is under way
+    std::vector<uint32_t> m_rest;                // the rows of that run, if it is the rest of one that was stopped
     // What the next preview has to do as well.
     bool m_mustSort = false;
     bool m_mustLoadSession = false;

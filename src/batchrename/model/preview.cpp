@@ -17,13 +17,14 @@ std::shared_ptr<Preview> BeginPreview(const PreviewRequest& request, const RowSn
 /// Computes the rows from `first` to `last` into copies: the rows themselves belong to all threads. False when
 /// cancelled.
 bool ComputeRows(RenameRule& rule, const RenameItems& rows, size_t first, size_t last, const Cancelled& isCancelled,
-                 RenameItems& computed) {
-    computed.reserve(last - first);
+                 Preview& preview) {
+    preview.computed.reserve(last - first);
     for (size_t row = first; row < last; ++row) {
         if (isCancelled()) return false;
         auto copy = std::make_shared<BatchRenameItem>(*rows[row]);
         rule.Compute(*copy);
-        computed.push_back(std::move(copy));
+        if (copy->isLeftOut) ++preview.leftOutCount;
+        preview.computed.push_back(std::move(copy));
     }
     return true;
 }
@@ -61,11 +62,11 @@ void MakePreview(const PreviewRequest& request, FolderCache& folders, IPropertyS
         const std::shared_ptr<Preview> visible = BeginPreview(request, rows);
         visible->first = request.firstVisible;
         const size_t last = std::min(rows->size(), request.firstVisible + request.visibleCount);
-        if (!ComputeRows(rule, *rows, request.firstVisible, last, isCancelled, visible->computed)) return;
+        if (!ComputeRows(rule, *rows, request.firstVisible, last, isCancelled, *visible)) return;
         publish(visible);
     }
     const std::shared_ptr<Preview> preview = BeginPreview(request, rows);
-    if (!ComputeRows(rule, *rows, 0, rows->size(), isCancelled, preview->computed)) return;
+    if (!ComputeRows(rule, *rows, 0, rows->size(), isCancelled, *preview)) return;
     std::vector<FolderNames> listings;
     for (const std::wstring& folder : FoldersOf(*rows)) {
         if (isCancelled()) return;

@@ -38,6 +38,7 @@ struct Preview {
     RenameItems computed;  // copies of the rows, or of those from `first` on, with new names and faults
     size_t first = 0;
     std::vector<RowPlan> plans;  // one for each row; empty while only names are known
+    size_t leftOutCount = 0;     // of the computed ones
     std::wstring error;          // the pass failed: there is nothing but this text
     bool IsComplete() const { return error.empty() && plans.size() == computed.size() && first == 0; }
 };

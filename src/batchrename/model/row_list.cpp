@@ -40,10 +40,11 @@ std::wstring StatusOfPlan(const BatchRenameItem& row, const RowPlan& plan) {
     if (plan.verdict == RowVerdict::Rename) {
         const std::wstring warning = DescribeRowPlan(row, plan);
         return (row.state == RowState::Restore ? L"Will be restored" : L"Will be renamed") +
-               (warning.empty() ? warning : L"; " + warning);
+               std::wstring(row.ownName.empty() ? L"" : L", by hand") + (warning.empty() ? warning : L"; " + warning);
     }
-    if (plan.reason == RowReason::Unchanged) return L"Unchanged";
-    return Sentence(DescribeRowPlan(row, plan));
+    if (row.isLeftOut) return L"Not checked";
+    std::wstring text = plan.reason == RowReason::Unchanged ? L"Unchanged" : Sentence(DescribeRowPlan(row, plan));
+    return row.ownName.empty() ? text : text + L", by hand";
 }
 
 std::wstring StatusOfOutcome(const RowOutcome& outcome, bool isRestore) {
@@ -53,8 +54,9 @@ std::wstring StatusOfOutcome(const RowOutcome& outcome, bool isRestore) {
 }
 
 std::wstring TextOfCounts(const RowCounts& counts, bool isRestore) {
-    std::wstring text = Count(counts.all, L" item", L" items");
-    text += L", " + std::to_wstring(counts.changes) + (isRestore ? L" will be restored" : L" will be renamed");
+    std::wstring text = std::to_wstring(counts.changes) + L" of " + Count(counts.all, L" item", L" items") +
+                        (isRestore ? L" will be restored" : L" will be renamed");
+    if (counts.leftOut > 0) text += L", " + std::to_wstring(counts.leftOut) + L" not checked";
     if (counts.problems > 0) text += L", " + Count(counts.problems, L" problem", L" problems") + L" (F8)";
     return text;
 }
@@ -117,6 +119,11 @@ void RowList::SetRows(RowSnapshot rows) {
     ForgetPreview();
 }
 
+void RowList::SetEdited(RowSnapshot rows) {
+    if (m_result) return SetRows(std::move(rows));
+    m_rows = std::move(rows);
+}
+
 void RowList::SetPreview(std::shared_ptr<const Preview> preview) {
     m_rows = preview->rows;
     m_preview = std::move(preview);
@@ -163,6 +170,9 @@ void RowList::Count() {
         if (mark == RowMark::Change) ++m_counts.changes;
         if (mark == RowMark::Problem) ++m_counts.problems;
     }
+    if (m_preview) m_counts.leftOut = m_preview->leftOutCount;
+    if (m_result)
+        m_counts.notBegun = static_cast<size_t>(std::ranges::count(m_result->outcomes, true, &RowOutcome::isNotBegun));
     Arrange();
 }
 
@@ -172,12 +182,15 @@ void RowList::Arrange() {
     if (!m_hasPlaces) return;
     const auto add = [&](const auto& isWanted) {
         for (size_t row = 0; row < m_marks.size(); ++row)
-            if (isWanted(m_marks[row])) m_places.push_back(static_cast<uint32_t>(row));
+            if (isWanted(row)) m_places.push_back(static_cast<uint32_t>(row));
     };
-    const auto isProblem = [](RowMark mark) { return mark == RowMark::Problem; };
-    const auto isSame = [](RowMark mark) { return mark == RowMark::None; };
+    const auto isProblem = [&](size_t row) { return m_wantsProblemsFirst && m_marks[row] == RowMark::Problem; };
+    // A row that is not checked stays in sight: there is no other way to check it again.
+    const auto isSame = [&](size_t row) {
+        return m_marks[row] == RowMark::None && !(m_wantsChangesOnly && !IsChecked(row));
+    };
     if (m_wantsProblemsFirst) add(isProblem);
-    add([&](RowMark mark) { return !isSame(mark) && !(m_wantsProblemsFirst && isProblem(mark)); });
+    add([&](size_t row) { return !isSame(row) && !isProblem(row); });
     if (!m_wantsChangesOnly) add(isSame);
 }
 
@@ -237,6 +250,15 @@ std::vector<RowMark> RowList::MarksOfPlaces() const {
     return marks;
 }
 
+std::shared_ptr<const RunResult> WithRest(const RunResult& stopped, const RunResult& now,
+                                          const std::vector<uint32_t>& rest) {
+    auto whole = std::make_shared<RunResult>();
+    whole->rows = stopped.rows;
+    whole->outcomes = stopped.outcomes;
+    for (size_t row = 0; row < now.outcomes.size(); ++row) whole->outcomes[rest[row]] = now.outcomes[row];
+    return whole;
+}
+
 RenameItems RowsAfterRun(const RenameItems& rows, const std::vector<RowOutcome>& outcomes) {
     NewPlaces places(rows, outcomes);
     RenameItems after;
@@ -247,6 +269,7 @@ RenameItems RowsAfterRun(const RenameItems& rows, const std::vector<RowOutcome>&
         copy->currentName = outcomes[row].name;
         copy->newName = outcomes[row].name;
         copy->isFolder = rows[row]->isFolder;
+        copy->isLeftOut = rows[row]->isLeftOut;
         copy->hostOrder = rows[row]->hostOrder;
         after.push_back(std::move(copy));
     }

@@ -29,9 +29,11 @@ struct RowCounts {
     size_t all = 0;
     size_t changes = 0;
     size_t problems = 0;
+    size_t leftOut = 0;
+    size_t notBegun = 0;  // by a run that was stopped
 };
 
-/// "20 items, 12 will be renamed, 3 problems"
+/// "12 of 20 items will be renamed, 2 not checked, 3 problems (F8)"
 std::wstring TextOfCounts(const RowCounts& counts, bool isRestore);
 
 /// The question before a run in which some rows cannot take part.
@@ -50,6 +52,8 @@ class RowList {
 public:
     /// Other rows, of which nothing is known yet.
     void SetRows(RowSnapshot rows);
+    /// Other versions of the same rows, in the same order: what is known of their names is shown until there is more.
+    void SetEdited(RowSnapshot rows);
     /// Takes over the rows as well: a pass may have put them into another order.
     void SetPreview(std::shared_ptr<const Preview> preview);
     /// The rows as they are after a run, and what became of each.
@@ -82,6 +86,7 @@ public:
     /// The longest text of each kind that the status column has to show, and the longest location.
     std::vector<std::wstring> LongestStatuses() const;
     std::wstring LongestLocation() const;
+    bool IsChecked(size_t row) const { return !(*m_rows)[row]->isLeftOut; }
     RowMark Mark(size_t row) const { return row < m_marks.size() ? m_marks[row] : RowMark::None; }
     /// The marks of all places.
     std::vector<RowMark> MarksOfPlaces() const;
@@ -101,6 +106,11 @@ private:
     std::vector<uint32_t> m_places;
     RowCounts m_counts;
 };
+
+/// What became of all rows of a run that was stopped, once the rest of it has ended. `rest`: the row that each outcome
+/// of `now` is for.
+std::shared_ptr<const RunResult> WithRest(const RunResult& stopped, const RunResult& now,
+                                          const std::vector<uint32_t>& rest);
 
 /// Copies of the rows under the names that they have now, ready for another rule. Rows within a folder that was renamed
 /// by the same run follow it.

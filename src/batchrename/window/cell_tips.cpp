@@ -3,13 +3,30 @@
 #include <windowsx.h>
 
 #include "ui/activation_context.h"
+#include "win32/text.h"
 
 namespace BatchRename {
 namespace {
 
-constexpr int kTipWidth = 600;     // pixels at 96 to the inch, before the text goes on in a second line
-constexpr int kTipTime = 30000;    // milliseconds: a long name takes its time
-constexpr LONG kCellMargins = 12;  // pixels at 96 to the inch: what the control leaves around a text
+constexpr int kTipWidth = 600;          // pixels at 96 to the inch, before the text goes on in a second line
+constexpr size_t kLongestStretch = 60;  // units
+constexpr int kTipTime = 30000;         // milliseconds: a long name takes its time
+constexpr LONG kCellMargins = 12;       // pixels at 96 to the inch: what the control leaves around a text
+
+/// With a line break wherever a long stretch has no blank at which the tip could break it by itself.
+std::wstring Wrapped(const std::wstring& text) {
+    std::wstring wrapped;
+    size_t length = 0;
+    for (const wchar_t unit : text) {
+        length = unit == L' ' ? 0 : length + 1;
+        if (length > kLongestStretch && !Win32::IsLowSurrogate(unit)) {
+            wrapped += L'\n';
+            length = 1;
+        }
+        wrapped += unit;
+    }
+    return wrapped;
+}
 
 }  // namespace
 
@@ -39,7 +56,7 @@ bool CellTips::OnMessage(UINT message, WPARAM, LPARAM lParam, LRESULT& result) {
     ReleaseDC(m_list, context);
     SendMessageW(m_tips, TTM_SETMAXTIPWIDTH, 0, MulDiv(kTipWidth, dotsPerInch, USER_DEFAULT_SCREEN_DPI));
     auto& info = reinterpret_cast<NMTTDISPINFOW&>(header);
-    m_text = TextUnderMouse();
+    m_text = Wrapped(TextUnderMouse());
     info.lpszText = m_text.data();
     result = 0;
     return true;

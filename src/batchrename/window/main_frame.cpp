@@ -58,7 +58,7 @@ int HeightOf(HWND window) {
 BatchRenameMainFrame::BatchRenameMainFrame(const FrameEnvironment& environment)
     : m_environment(environment),
       m_model(*this, environment.context.rule, LocalTimeNow()),
-      m_list(m_model.Rows(), *this) {}
+      m_list(m_model.Rows(), *this, [this](Quorvane::SDK::TextId id) { return Text(id); }) {}
 
 BatchRenameMainFrame::~BatchRenameMainFrame() {
     CloseWindow();

@@ -123,7 +123,12 @@ private:
     void OnRuleChanged() override;
     void OnButton(int id) override;
     void OnHeader(RowKey key) override { m_model.OnHeader(key); }
-    void OnRemoveRows() override { m_model.OnRemoveRows(m_list.SelectedRows()); }
+    void OnRows(RowAction action, const std::vector<bool>& isMarked) override;
+    void OnName(const std::vector<bool>& isMarked, const std::wstring& name) override {
+        m_model.OnNameRows(isMarked, name);
+    }
+    bool CanChangeRows() const override { return !m_model.IsRunning(); }
+    bool CanNameRows() const override { return m_model.CanNameRows(); }
     RowSnapshot Rows() const override { return m_model.Rows().Rows(); }
     std::vector<std::wstring> PropertyNames() const override;
     Ui::DialogHost DialogHostFor(WORD dialog) const override;
@@ -131,6 +136,7 @@ private:
     void RunModal(const std::function<void()>& body) override;
 
     int AskBox(const std::wstring& text, UINT style);
+    void OpenFolderOf(const std::vector<bool>& isMarked);
     void OpenUndoManager();
     void OpenProfiles();
     void SaveProfile();

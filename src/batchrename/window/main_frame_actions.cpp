@@ -1,4 +1,6 @@
 // main_frame_actions.cpp - the window between its model, its panes, its threads and its dialogs.
+#include <shellapi.h>
+#include <algorithm>
 #include <system_error>
 #include <utility>
 
@@ -10,6 +12,7 @@
 #include "batchrename/rule_context.h"
 #include "batchrename/window/main_frame.h"
 #include "ui/guide.h"
+#include "win32/path.h"
 #include "win32/window_text.h"
 
 namespace BatchRename {
@@ -81,13 +84,38 @@ void BatchRenameMainFrame::OnRuleChanged() {
 
 void BatchRenameMainFrame::OnButton(int id) {
     switch (id) {
-        case IDC_START: return m_model.OnStart(GetTickCount64() - m_startTime <= GetDoubleClickTime());
+        case IDC_START:
+            m_list.EndEdit();
+            return m_model.OnStart(GetTickCount64() - m_startTime <= GetDoubleClickTime());
         case IDC_UNDO: return OpenUndoManager();
         case IDC_PROFILES: return OpenProfiles();
         case IDC_RESET_LIST: return m_model.OnResetRows();
         case IDC_CLOSE: PostMessageW(m_window, WM_CLOSE, 0, 0); return;
         default: return m_model.OnChoices(m_panel->Choices());
     }
+}
+
+void BatchRenameMainFrame::OnRows(RowAction action, const std::vector<bool>& isMarked) {
+    switch (action) {
+        case RowAction::Check: return m_model.OnCheckRows(isMarked, true);
+        case RowAction::Uncheck: return m_model.OnCheckRows(isMarked, false);
+        case RowAction::TakeOut: return m_model.OnRemoveRows(isMarked);
+        case RowAction::Keep: return m_model.OnKeepRows(isMarked);
+        case RowAction::OpenFolder: return OpenFolderOf(isMarked);
+        default: return;  // the list's own
+    }
+}
+
+/// Of the first row that is marked, with the item selected in it.
+void BatchRenameMainFrame::OpenFolderOf(const std::vector<bool>& isMarked) {
+    const auto first = std::ranges::find(isMarked, true);
+    if (first == isMarked.end()) return;
+    const BatchRenameItem& row = *(*m_model.Rows().Rows())[static_cast<size_t>(first - isMarked.begin())];
+    const std::wstring arguments = L"/select,\"" + Win32::JoinPath(row.location, row.currentName) + L'"';
+    const HINSTANCE result =
+        ShellExecuteW(m_window, nullptr, L"explorer.exe", arguments.c_str(), nullptr, SW_SHOWNORMAL);
+    // 32 and less are errors.
+    if (reinterpret_cast<INT_PTR>(result) <= 32) ShowStatus(L"The folder could not be opened: " + row.location);
 }
 
 std::vector<std::wstring> BatchRenameMainFrame::PropertyNames() const {

@@ -1,6 +1,7 @@
 // pane_listener.h - what the list and the rule panel tell the window, and ask of it.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -11,14 +12,31 @@
 
 namespace BatchRename {
 
+/// What can be done to rows of the list.
+enum class RowAction : uint8_t {
+    Name,
+    DropName,
+    Check,
+    Uncheck,
+    TakeOut,
+    Keep,
+    Copy,
+    SelectAll,
+    NextProblem,
+    OpenFolder
+};
+
 class IPaneListener {
 public:
     virtual void OnRuleChanged() = 0;
     /// A button, or a box that is no part of the rule.
     virtual void OnButton(int id) = 0;
     virtual void OnHeader(RowKey key) = 0;
-    /// Of the selected rows.
-    virtual void OnRemoveRows() = 0;
+    /// For the rows that are marked. What the list does by itself does not come here.
+    virtual void OnRows(RowAction action, const std::vector<bool>& isMarked) = 0;
+    virtual void OnName(const std::vector<bool>& isMarked, const std::wstring& name) = 0;
+    virtual bool CanChangeRows() const = 0;
+    virtual bool CanNameRows() const = 0;
 
     /// To try a find text on.
     virtual RowSnapshot Rows() const = 0;

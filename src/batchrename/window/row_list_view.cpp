@@ -21,30 +21,6 @@ bool IsNameColumn(int column) {
     return column == static_cast<int>(RowColumn::CurrentName) || column == kNewNameColumn;
 }
 
-struct GlobalMemoryTraits {
-    using Raw = HGLOBAL;
-    static Raw Empty() noexcept { return nullptr; }
-    static void Close(Raw raw) noexcept { GlobalFree(raw); }
-};
-using GlobalMemory = Win32::UniqueHandle<GlobalMemoryTraits>;
-
-GlobalMemory GlobalCopyOf(const std::wstring& text) {
-    GlobalMemory memory(GlobalAlloc(GMEM_MOVEABLE, (text.size() + 1) * sizeof(wchar_t)));
-    if (void* const bytes = memory ? GlobalLock(memory.Get()) : nullptr) {
-        std::copy_n(text.c_str(), text.size() + 1, static_cast<wchar_t*>(bytes));
-        GlobalUnlock(memory.Get());
-    }
-    return memory;
-}
-
-void PutOnClipboard(HWND owner, const std::wstring& text) {
-    GlobalMemory memory = GlobalCopyOf(text);
-    if (!memory || !OpenClipboard(owner)) return;
-    EmptyClipboard();
-    if (SetClipboardData(CF_UNICODETEXT, memory.Get())) memory.Release();  // it is the clipboard's now
-    CloseClipboard();
-}
-
 }  // namespace
 
 void RowListView::Create(HWND parent, int id, HFONT font) {
@@ -59,6 +35,8 @@ void RowListView::Create(HWND parent, int id, HFONT font) {
     m_control =
         reinterpret_cast<WNDPROC>(SetWindowLongPtrW(m_window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure)));
     m_columns.Create(m_window);
+    SendMessageW(m_window, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);
+    SendMessageW(m_window, LVM_SETCALLBACKMASK, LVIS_STATEIMAGEMASK, 0);
     m_tips.Create(m_window);
     Recolour();
 }
@@ -66,7 +44,9 @@ void RowListView::Create(HWND parent, int id, HFONT font) {
 LRESULT CALLBACK RowListView::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     auto* const self = reinterpret_cast<RowListView*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     LRESULT result = 0;
-    const auto isAnswered = [&] { return self->m_tips.OnMessage(message, wParam, lParam, result); };
+    const auto isAnswered = [&] {
+        return self->m_tips.OnMessage(message, wParam, lParam, result) || self->OnMessage(message, wParam, lParam);
+    };
     if (Quorvane::SDK::AtBoundary(false, isAnswered)) return result;
     result = CallWindowProcW(self->m_control, window, message, wParam, lParam);
     if (message == WM_NOTIFY) self->OnHeaderNotice(*reinterpret_cast<const NMHEADERW*>(lParam));
@@ -109,6 +89,7 @@ void RowListView::Refresh(bool areInPlace) {
     m_columns.Fit();  // a scroll bar may have come or gone as well
     m_columns.ShowState(m_isOutdated, m_rows.Outcomes() != nullptr);
     InvalidateRect(m_window, nullptr, FALSE);
+    if (rows != m_shownRows && !areInPlace) m_edit.Close(false);  // whatever is typed was for another row
     if (isSame) return;
     if (rows->empty()) {
         m_keptSelection = std::move(isSelected);
@@ -183,35 +164,13 @@ void RowListView::Select(const std::vector<bool>& isSelected) {
     SendMessageW(m_window, LVM_ENSUREVISIBLE, static_cast<WPARAM>(place), FALSE);
 }
 
-bool RowListView::GoToProblem(bool isBack) {
-    const LRESULT focused = SendMessageW(m_window, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED);
-    const std::optional<size_t> place = NextProblem(m_rows.MarksOfPlaces(), static_cast<size_t>(focused), isBack);
-    if (!place) return false;
-    Ui::SelectRow(m_window, static_cast<int>(*place));
-    SetFocus(m_window);
-    return true;
-}
-
-void RowListView::SelectAll() {
-    LVITEMW state = {};
-    state.state = LVIS_SELECTED;
-    state.stateMask = LVIS_SELECTED;
-    SendMessageW(m_window, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&state));
-}
-
-void RowListView::CopySelection() const {
-    std::wstring text;
-    const std::vector<bool> isSelected = SelectedRows();
-    for (size_t row = 0; row < isSelected.size(); ++row)
-        if (isSelected[row]) text += m_rows.OldName(row) + L'\t' + m_rows.NewName(row) + L"\r\n";
-    if (!text.empty()) PutOnClipboard(m_window, text);
-}
-
 std::optional<LRESULT> RowListView::OnNotify(NMHDR& header) {
     switch (header.code) {
         case LVN_GETDISPINFOW: FillItem(reinterpret_cast<NMLVDISPINFOW&>(header).item); return 0;
         case LVN_ODFINDITEMW: return FindByText(reinterpret_cast<NMLVFINDITEMW&>(header));
         case LVN_KEYDOWN: OnKey(reinterpret_cast<NMLVKEYDOWN&>(header).wVKey); return 0;
+        case NM_CLICK:
+        case NM_DBLCLK: OnClick(reinterpret_cast<NMITEMACTIVATE&>(header).ptAction, header.code == NM_DBLCLK); return 0;
         case LVN_COLUMNCLICK: {
             const int column = reinterpret_cast<NMLISTVIEW&>(header).iSubItem;
             m_listener.OnHeader(RowColumns::KeyOf(column));
@@ -227,20 +186,14 @@ void RowListView::FillItem(LVITEMW& item) const {
     const size_t row = m_rows.RowAt(static_cast<size_t>(item.iItem));
     if (item.mask & LVIF_TEXT)
         Ui::FillItemText(item.pszText, item.cchTextMax, m_rows.Text(row, static_cast<RowColumn>(item.iSubItem)));
+    if (item.mask & LVIF_STATE && item.stateMask & LVIS_STATEIMAGEMASK)
+        item.state = INDEXTOSTATEIMAGEMASK(m_rows.IsChecked(row) ? 2U : 1U);
     if (item.mask & LVIF_IMAGE) item.iImage = static_cast<int>(m_rows.Mark(row));
 }
 
 std::wstring RowListView::TextOfCell(int place, int column) const {
     if (static_cast<size_t>(place) >= m_rows.PlaceCount()) return {};
     return m_rows.Text(m_rows.RowAt(static_cast<size_t>(place)), static_cast<RowColumn>(column));
-}
-
-void RowListView::OnKey(WORD key) {
-    const bool isControl = GetKeyState(VK_CONTROL) < 0;
-    if (key == VK_DELETE) m_listener.OnRemoveRows();
-    if (key == L'C' && isControl) CopySelection();
-    if (key == VK_INSERT && isControl) CopySelection();
-    if (key == L'A' && isControl) SelectAll();
 }
 
 LRESULT RowListView::FindByText(const NMLVFINDITEMW& search) const {

@@ -7,9 +7,11 @@
 
 #include "batchrename/model/frame_model.h"
 #include "batchrename/window/cell_tips.h"
+#include "batchrename/window/name_edit.h"
 #include "batchrename/window/name_painter.h"
 #include "batchrename/window/pane_listener.h"
 #include "batchrename/window/row_columns.h"
+#include "ui/controls.h"
 #include "win32/handle.h"
 
 #include <commctrl.h>
@@ -30,9 +32,10 @@ ImageListHandle MakeRowIcons(int size);
 class RowListView {
 public:
     /// Both outlive the view.
-    RowListView(const RowList& rows, IPaneListener& listener)
+    RowListView(const RowList& rows, IPaneListener& listener, Ui::HostTexts texts)
         : m_rows(rows),
           m_listener(listener),
+          m_texts(std::move(texts)),
           m_tips([this](int place, int column) { return TextOfCell(place, column); }) {}
 
     /// @throws std::system_error
@@ -58,8 +61,8 @@ public:
     void Select(const std::vector<bool>& isSelected);
     /// Goes to the next or previous row with a problem; false when there is none.
     bool GoToProblem(bool isBack);
-    void SelectAll();
-    void CopySelection() const;
+    /// Takes over the name that is being typed, if there is one.
+    void EndEdit() { m_edit.Close(true); }
 
     /// The answer to a WM_NOTIFY of this list; nothing when the default is wanted.
     std::optional<LRESULT> OnNotify(NMHDR& header);
@@ -69,7 +72,21 @@ private:
     void OnHeaderNotice(const NMHEADERW& notice);
     void FillItem(LVITEMW& item) const;
     std::wstring TextOfCell(int place, int column) const;
+
+    // What is done to rows (row_list_actions.cpp).
+    void Act(RowAction action);
     void OnKey(WORD key);
+    /// True for a message that the control is not to get.
+    bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    void OnClick(POINT point, bool isDouble);
+    void ToggleCheck(int place);
+    void SelectAll();
+    void Copy(const std::vector<bool>& isMarked) const;
+    /// The selected rows; when there is none, the one with the focus.
+    std::vector<bool> TargetRows() const;
+    void ShowMenu(POINT point);
+    void EditName(int place);
+
     LRESULT FindByText(const NMLVFINDITEMW& search) const;
     /// By row of those that are shown: the selected ones, or the one with the focus.
     std::vector<bool> ShownRowsWith(WPARAM state) const;
@@ -79,6 +96,7 @@ private:
 
     const RowList& m_rows;
     IPaneListener& m_listener;
+    Ui::HostTexts m_texts;
     HWND m_window = nullptr;
     WNDPROC m_control = nullptr;  // the system's
     // What the control's places stand for, and what was selected in it when it was emptied.
@@ -89,6 +107,7 @@ private:
     bool m_isOutdated = false;
     RowColumns m_columns;
     CellTips m_tips;
+    NameEdit m_edit;
     NamePainter m_painter;
     int m_iconSize = GetSystemMetrics(SM_CXSMICON);  // pixels
     ImageListHandle m_icons;

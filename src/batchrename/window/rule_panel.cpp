@@ -171,7 +171,7 @@ PanelChoices RulePanel::Choices() const {
 }
 
 void RulePanel::SetState(const PanelState& state) {
-    const bool wasRunning = std::exchange(m_state, state).isRunning;
+    const PanelState former = std::exchange(m_state, state);
     const bool isIdle = !state.isRunning;
     if (state.isRunning || state.isRestoring) EndCell(true);
     const HWND focus = GetFocus();
@@ -179,7 +179,8 @@ void RulePanel::SetState(const PanelState& state) {
     for (const int id : {IDC_UNDO, IDC_RESET_LIST}) EnableWindow(Item(id), isIdle);
     EnableWindow(Item(IDC_SAVE_UNDO), isIdle && !state.isRestoring);  // restores are not recorded
     EnableWindow(Item(IDC_START), state.isRunning || state.canStart);
-    if (wasRunning != state.isRunning) SetWindowTextW(Item(IDC_START), state.isRunning ? L"&Stop" : L"&Start");
+    if (former.isRunning != state.isRunning || former.canGoOn != state.canGoOn)
+        SetWindowTextW(Item(IDC_START), state.isRunning ? L"&Stop" : state.canGoOn ? L"Go on with re&st" : L"&Start");
     RefreshButtons();
     // A disabled control would keep the focus and no key would arrive anywhere.
     if (focus && IsChild(GetWindow(), focus) && !IsWindowEnabled(focus))
