@@ -73,7 +73,9 @@ TEST(RenameWindow, RenamesShowsAndTakesBack) {
     EXPECT_TRUE(window.WaitFor([&] { return !window.Frame(); }));
     window.EndHost();
     for (const char* line : {"[Batch Rename] - Failed : ", "\\b.txt : \"taken.txt\" is there already\n",
-                             "[Batch Rename] - 2 Renamed, 1 Failed\n", "[Batch Rename] - 1 Restored, 1 Ignored\n"})
+                             "[Batch Rename] - Renamed : ", "\\taken-01.txt : was \"a.txt\"\n",
+                             "[Batch Rename] - Restored : ", "[Batch Rename] - 2 Renamed, 1 Failed\n",
+                             "[Batch Rename] - 1 Restored, 1 Ignored\n"})
         EXPECT_NE(window.Log().find(line), std::string::npos) << line << window.Log();
 }
 

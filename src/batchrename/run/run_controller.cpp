@@ -15,17 +15,29 @@ namespace {
 
 constexpr ULONGLONG kProgressPause = 100;  // milliseconds between two reports of progress
 
-/// What became of the run, for the time after the window is closed. What was renamed is in the undo session.
+constexpr uint32_t kLoggedRenames = 1000;  // the undo session has them all; a log of many thousands is read by nobody
+
+/// What became of the run, for the time after the window is closed.
 void LogRun(IHostServices& host, const RunResult& result, bool isRestore) {
+    uint32_t renameCount = 0;
+    uint32_t restCount = 0;
     for (size_t row = 0; row < result.outcomes.size(); ++row) {
         const RowOutcome& outcome = result.outcomes[row];
-        if (outcome.code == RenameResult::Renamed || outcome.code == RenameResult::Ignored ||
-            outcome.code == ERROR_CANCELLED)
-            continue;
         const BatchRenameItem& item = *result.rows[row];
-        host.Log(kLogLevel, LogKind::Failure, L"[Batch Rename] - Failed : %s : %s",
-                 Win32::JoinPath(item.location, item.currentName).c_str(), outcome.reason.c_str());
+        if (outcome.isNotBegun) ++restCount;
+        if (outcome.code == RenameResult::Renamed) {
+            if (++renameCount <= kLoggedRenames)
+                host.Log(kLogLevel, LogKind::Success, L"[Batch Rename] - %s : %s : was \"%s\"",
+                         isRestore ? L"Restored" : L"Renamed", Win32::JoinPath(item.location, outcome.name).c_str(),
+                         item.currentName.c_str());
+        } else if (outcome.code != RenameResult::Ignored && outcome.code != ERROR_CANCELLED) {
+            host.Log(kLogLevel, LogKind::Failure, L"[Batch Rename] - Failed : %s : %s",
+                     Win32::JoinPath(item.location, item.currentName).c_str(), outcome.reason.c_str());
+        }
     }
+    if (renameCount > kLoggedRenames)
+        host.Log(kLogLevel, LogKind::Success, L"[Batch Rename] - and %u more", renameCount - kLoggedRenames);
+    if (restCount > 0) host.Log(kLogLevel, LogKind::Failure, L"[Batch Rename] - Stopped before the last %u", restCount);
     const std::wstring counts = RunStatusText(result.counts, isRestore);
     const uint32_t kind = result.counts.FailedCount() == 0 ? LogKind::Success : LogKind::Failure;
     if (!counts.empty()) host.Log(kLogLevel, kind, L"[Batch Rename] - %s", counts.c_str());
