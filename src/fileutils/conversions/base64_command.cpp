@@ -170,6 +170,8 @@ void ConvertFile(IHostServices& host, IFileOperations& files, bool encodes, cons
         TellTarget(host, L"Base64", {path, target, overwrites});
         throw;
     }
+    host.Log(kLogLevel, LogKind::Success, L"[Base64] - %s file : %s (Saved as : %s)", encodes ? L"Encoded" : L"Decoded",
+             path.c_str(), target.c_str());
     if (ignored > 0)
         host.Log(kLogLevel, LogKind::Success,
                  L"[Base64] - Note : %s characters were ignored (no Base64 text, or after its end) : %s",

@@ -81,11 +81,13 @@ void ConvertFile(IHostServices& host, const std::wstring& path, const TextConver
     ConvertBytes(told, converter, replacement.GetWriter());
     reader.Close();
     const uint32_t error = replacement.Commit();
-    if (error != 0 && replacement.IsInPlace())
+    if (error == 0)
+        host.Log(kLogLevel, LogKind::Success, L"[Convert text] - Converted file : %s", path.c_str());
+    else if (replacement.IsInPlace())
         host.Log(kLogLevel, LogKind::Failure,
                  L"[Convert text] - Unable to delete the backup (.bak) of the file : %s ( ErrorCode : %d )",
                  path.c_str(), error);
-    else if (error != 0)
+    else
         host.Log(kLogLevel, LogKind::Failure,
                  L"[Convert text] - Failed to replace file : %s ( ErrorCode : %d ), its converted form is %s",
                  path.c_str(), error, temporary.c_str());

@@ -21,7 +21,10 @@ void ConvertDocument(IHostServices& host, const std::wstring& path, uint32_t mod
     }
     wchar_t text[kTextCapacity + 1] = {};
     service->ReadText(document.get(), text, kTextCapacity);
-    if (service->Save(document.get(), path.c_str(), mode, text)) return;
+    if (service->Save(document.get(), path.c_str(), mode, text)) {
+        host.Log(kLogLevel, LogKind::Success, L"[Convert XML] - Converted file : %s", path.c_str());
+        return;
+    }
     host.Log(kLogLevel, LogKind::Failure, L"[Convert XML] - Failed to save file : %s", path.c_str());
     host.MessageBox(L"Failed to save xml file", L"Error", MB_ICONERROR);
 }
