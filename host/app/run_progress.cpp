@@ -28,7 +28,7 @@ bool IsTime(ULONGLONG last) {
 
 }  // namespace
 
-ProgressWindow::ProgressWindow(const std::wstring& title) {
+ProgressWindow::ProgressWindow(const ProgressTitle& words) {
     const DialogTemplate layout(
         260, 54,
         {{kTextId, ControlClass::Static, SS_LEFT | SS_NOPREFIX | SS_PATHELLIPSIS, 8, 8, 244, 10},
@@ -36,8 +36,8 @@ ProgressWindow::ProgressWindow(const std::wstring& title) {
     m_window = UniqueWindow(CreateDialogIndirectParamW(GetModuleHandleW(nullptr), layout.Get(), GetActiveWindow(),
                                                        OnMessage, reinterpret_cast<LPARAM>(this)));
     if (!m_window) return;
-    SetWindowTextW(m_window.Get(), title.c_str());
-    SetDlgItemTextW(m_window.Get(), IDCANCEL, L"Cancel");
+    SetWindowTextW(m_window.Get(), words.title.c_str());
+    SetDlgItemTextW(m_window.Get(), IDCANCEL, words.cancel.c_str());
     ShowWindow(m_window.Get(), SW_SHOW);
 }
 
@@ -87,10 +87,10 @@ constexpr size_t kWidth = 78;  // of the narrowest usual terminal, less what a c
 
 }  // namespace
 
-Progress::Progress(Shelf<Progress>& shelf, Output& output, ProgressWatch watch, const std::wstring& title,
+Progress::Progress(Shelf<Progress>& shelf, Output& output, ProgressWatch watch, const ProgressTitle& words,
                    uint32_t total)
-    : m_shelf(shelf), m_output(output), m_watch(watch), m_title(OnOneLine(title)), m_total(total) {
-    if (watch.isInWindow) m_window.emplace(title);
+    : m_shelf(shelf), m_output(output), m_watch(watch), m_title(OnOneLine(words.title)), m_total(total) {
+    if (watch.isInWindow) m_window.emplace(words);
 }
 
 Progress::~Progress() {

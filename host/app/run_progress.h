@@ -25,12 +25,17 @@ using UniqueWindow = Win32::UniqueHandle<WindowTraits>;
 /// answer them. To be destroyed on the same thread. Empty when the system gives none.
 UniqueWindow MakeMainWindow();
 
+struct ProgressTitle {
+    std::wstring title;
+    std::wstring cancel;  // the word on the button
+};
+
 /// To be made, used and destroyed on one thread, which is the one that does the work: the window is alive while Show
 /// and IsCancelled are called, that is between two files, and inside those that take long.
 class ProgressWindow {
 public:
     /// Without a display there is no window, and every call does nothing.
-    explicit ProgressWindow(const std::wstring& title);
+    explicit ProgressWindow(const ProgressTitle& words);
     ProgressWindow(const ProgressWindow&) = delete;
     ProgressWindow& operator=(const ProgressWindow&) = delete;
 
@@ -62,7 +67,7 @@ inline bool IsStopped(const ProgressWatch& watch) {
 
 class Progress final : public Quorvane::SDK::IProgress {
 public:
-    Progress(Shelf<Progress>& shelf, Output& output, ProgressWatch watch, const std::wstring& title, uint32_t total);
+    Progress(Shelf<Progress>& shelf, Output& output, ProgressWatch watch, const ProgressTitle& words, uint32_t total);
     ~Progress();
 
     void Advance(uint32_t done, const wchar_t* currentItem) override;

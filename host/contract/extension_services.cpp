@@ -34,7 +34,6 @@ using namespace Quorvane::SDK;
 
 constexpr uint32_t kDone = 1;
 constexpr uint32_t kRefused = 0;
-constexpr TextId kCancelWord = MakeTextId(3, 'g');
 constexpr uint32_t kFirstExtensionCommand = 30000;  // below are the host's own
 
 /// What became of a marked file; null for a kind that is none.
@@ -233,7 +232,8 @@ IFileList* HostServices::CreateFileList() {
 IProgress* HostServices::OpenProgress(const wchar_t* title, uint32_t total) {
     return Guarded<IProgress*>(nullptr, [&] {
         return m_state.progressDisplays.Keep(std::make_shared<Progress>(
-            m_state.progressDisplays, m_state.output, m_state.progressWatch, TextOrEmpty(title), total));
+            m_state.progressDisplays, m_state.output, m_state.progressWatch,
+            ProgressTitle{TextOrEmpty(title), TextOf(m_state.texts, PanelText::Cancel)}, total));
     });
 }
 
@@ -251,6 +251,11 @@ void HostServices::Log(uint32_t, uint32_t kind, const wchar_t* format, ...) {
     va_end(arguments);
 }
 
+DialogWords HostServices::Words() {
+    const auto text = [&](PanelText id) { return TextOf(m_state.texts, id); };
+    return {text(PanelText::Input), text(PanelText::Ok), text(PanelText::Cancel)};
+}
+
 uint32_t HostServices::MessageBox(const wchar_t* message, const wchar_t* caption, uint32_t style) {
     return Guarded(SafeButton(style).id, [&] {
         return m_state.questions.Box({TextOrEmpty(caption), TextOrEmpty(message), style});
@@ -261,9 +266,7 @@ bool HostServices::ShowInputDialog(TextId prompt, wchar_t* buffer, uint32_t capa
     return Guarded(false, [&] {
         if (!buffer || capacity == 0) return false;
         const std::optional<std::wstring> text =
-            m_state.questions.Input({TextOf(m_state.texts, PanelText::Program), GetText(prompt),
-                                     TextOfField(buffer, capacity), GetText(kCancelWord)},
-                                    capacity - 1);
+            m_state.questions.Input({GetText(prompt), TextOfField(buffer, capacity), Words()}, capacity - 1);
         if (text) CopyText(*text, buffer, capacity);
         return text.has_value();
     });
@@ -274,10 +277,9 @@ bool HostServices::ShowChoiceDialog(ChoiceRequest* request) {
         if (!request) return false;
         const std::shared_ptr<ChoiceList> choices = m_state.choiceLists.Find(request->choices);
         if (!choices || choices->Choices().empty()) return false;
-        const std::optional<uint32_t> position =
-            m_state.questions.Choice({TextOfField(request->title, std::size(request->title)),
-                                      TextOfField(request->prompt, std::size(request->prompt)), choices->Choices(),
-                                      request->position, GetText(kCancelWord)});
+        const std::optional<uint32_t> position = m_state.questions.Choice(
+            {TextOfField(request->title, std::size(request->title)),
+             TextOfField(request->prompt, std::size(request->prompt)), choices->Choices(), request->position, Words()});
         if (position) request->position = *position;
         return position.has_value();
     });

@@ -51,6 +51,7 @@ private:
     IPanelView::Items SelectedItems() const;
     IPanelView::Items FocusedGroup() const;
     bool MarkFiles(const FileList& list, uint32_t kind);
+    DialogWords Words();
 
     HostState& m_state;
     uint32_t m_extension;

@@ -30,9 +30,6 @@ constexpr FixedColumn kFixedColumns[] = {
 
 constexpr int kTitleMargin = 24;  // what a header needs beside its title
 
-constexpr COLORREF kDoneColour = RGB(0, 110, 50);
-constexpr COLORREF kFailedColour = RGB(190, 0, 30);
-
 /// "12,345" as the user writes numbers.
 std::wstring GroupedNumber(uint64_t number) {
     wchar_t separator[8] = {};
@@ -322,6 +319,32 @@ void FolderView::AskForProperties(size_t row) {
     m_worker.Ask({ItemOf(shown), row, m_reading});
 }
 
+void FolderView::Rescale(UINT from) {
+    SendMessageW(m_list, WM_SETFONT, reinterpret_cast<WPARAM>(m_parts.look.Font()), TRUE);
+    Ui::RescaleColumns(m_list, from, m_parts.look.DotsPerInch());
+}
+
+std::vector<std::wstring> FolderView::SelectedPaths() const {
+    std::vector<std::wstring> paths;
+    for (const size_t row : SelectedRows()) paths.push_back(PathOf(m_rows[row]));
+    return paths;
+}
+
+SelectionKind FolderView::KindOfSelected() const {
+    SelectionKind kind;
+    if (m_folder.empty()) return kind;
+    for (const size_t row : SelectedRows()) ++(m_rows[row].IsFolder() ? kind.folders : kind.files);
+    return kind;
+}
+
+POINT FolderView::PlaceOfFocused() const {
+    RECT rect = {};
+    ListView_GetItemRect(m_list, std::max(Focused(), 0), &rect, LVIR_LABEL);
+    POINT place = {rect.left, rect.bottom};
+    ClientToScreen(m_list, &place);
+    return place;
+}
+
 void FolderView::OnAnswers() {
     for (PropertyWorker::Answer& answer : m_worker.TakeAnswers())
         if (answer.reading == m_reading) m_rows[answer.row].properties = std::move(answer.properties);
@@ -337,19 +360,14 @@ void FolderView::SortBy(int column) {
     Refresh();
 }
 
-LRESULT FolderView::OnCustomDraw(const NMLVCUSTOMDRAW& draw) {
+LRESULT FolderView::OnCustomDraw(NMLVCUSTOMDRAW& draw) {
     if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return m_rows.empty() ? CDRF_NOTIFYPOSTPAINT : CDRF_NOTIFYITEMDRAW;
     if (draw.nmcd.dwDrawStage == CDDS_POSTPAINT)
         m_parts.look.DrawHint(m_list, draw.nmcd.hdc, TextOf(m_parts.texts, PanelText::EmptyFolder));
     const auto row = static_cast<size_t>(draw.nmcd.dwItemSpec);
-    if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT || row >= m_rows.size() || !m_parts.look.UsesColours())
-        return CDRF_DODEFAULT;
-    const std::wstring result = ResultOf(m_rows[row]);
-    if (result.empty()) return CDRF_DODEFAULT;
-    const bool isFailure = result == TextOf(m_parts.texts, PanelText::Failed);
-    // Only the text of the row is coloured, and the column Result says the same in words.
-    const_cast<NMLVCUSTOMDRAW&>(draw).clrText = isFailure ? kFailedColour : kDoneColour;
-    return CDRF_NEWFONT;
+    if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT || row >= m_rows.size()) return CDRF_DODEFAULT;
+    const bool isFailure = ResultOf(m_rows[row]) == TextOf(m_parts.texts, PanelText::Failed);
+    return m_parts.look.Ink(draw, isFailure ? Tone::Failure : Tone::Plain);
 }
 
 bool FolderView::OnNotification(NMHDR& header, LRESULT& result) {
@@ -369,7 +387,7 @@ bool FolderView::OnNotification(NMHDR& header, LRESULT& result) {
             return true;
         }
         case LVN_COLUMNCLICK: SortBy(reinterpret_cast<const NMLISTVIEW&>(header).iSubItem); return true;
-        case NM_CUSTOMDRAW: result = OnCustomDraw(reinterpret_cast<const NMLVCUSTOMDRAW&>(header)); return true;
+        case NM_CUSTOMDRAW: result = OnCustomDraw(reinterpret_cast<NMLVCUSTOMDRAW&>(header)); return true;
         default: return false;
     }
 }

@@ -12,6 +12,7 @@
 #include "host/contract/panel_view.h"
 #include "host/panel/folder_rows.h"
 #include "host/panel/panel_look.h"
+#include "host/panel/panel_menu.h"
 #include "host/panel/property_worker.h"
 
 #include <commctrl.h>
@@ -60,6 +61,13 @@ public:
     /// A notification of the list; true when `result` answers it.
     bool OnNotification(NMHDR& header, LRESULT& result);
     void OnAnswers();
+    /// The look has another scale than `from`, dots per inch.
+    void Rescale(UINT from);
+
+    SelectionKind KindOfSelected() const;
+    std::vector<std::wstring> SelectedPaths() const;
+    /// On the screen, for a menu that a key opens.
+    POINT PlaceOfFocused() const;
 
 private:
     std::wstring CellText(size_t row, int column);
@@ -74,7 +82,7 @@ private:
     void SortBy(int column);
     std::vector<size_t> SelectedRows() const;
     int Focused() const;
-    LRESULT OnCustomDraw(const NMLVCUSTOMDRAW& draw);
+    LRESULT OnCustomDraw(NMLVCUSTOMDRAW& draw);
 
     HWND m_parent;
     UINT m_answersMessage;

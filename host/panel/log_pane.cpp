@@ -6,14 +6,13 @@
 
 #include "host/app/host_text.h"
 #include "win32/handle.h"
+#include "win32/window_position.h"
 
 namespace QVHost {
 namespace {
 
-constexpr COLORREF kSuccessColour = RGB(0, 110, 50);
-constexpr COLORREF kFailureColour = RGB(190, 0, 30);
-constexpr COLORREF kNoteColour = RGB(100, 100, 100);
-constexpr int kMargin = 16;  // pixels at 96 to the inch that a cell needs beside its text
+constexpr int kBoldShare = 8;  // of its width that a text takes more in bold, about
+constexpr int kMargin = 16;    // pixels at 96 to the inch that a cell needs beside its text
 
 struct MemoryTraits {
     using Raw = HGLOBAL;
@@ -21,6 +20,8 @@ struct MemoryTraits {
     static void Close(Raw raw) noexcept { GlobalFree(raw); }
 };
 using Memory = Win32::UniqueHandle<MemoryTraits>;
+
+}  // namespace
 
 void PutOnClipboard(HWND owner, const std::wstring& text) {
     const size_t bytes = (text.size() + 1) * sizeof(wchar_t);
@@ -33,8 +34,6 @@ void PutOnClipboard(HWND owner, const std::wstring& text) {
     if (SetClipboardData(CF_UNICODETEXT, memory.Get())) memory.Release();  // it is the system's now
     CloseClipboard();
 }
-
-}  // namespace
 
 LogPane::LogPane(HWND parent, int id, UINT linesMessage, const PanelLook& look, std::wstring hint)
     : m_parent(parent),
@@ -82,9 +81,9 @@ void LogPane::TakeLines() {
 }
 
 void LogPane::Widen(const std::wstring& text) {
-    const auto needed =
-        static_cast<int>(SendMessageW(m_list, LVM_GETSTRINGWIDTHW, 0, reinterpret_cast<LPARAM>(text.c_str()))) +
-        m_look.Scaled(kMargin);
+    const auto width =
+        static_cast<int>(SendMessageW(m_list, LVM_GETSTRINGWIDTHW, 0, reinterpret_cast<LPARAM>(text.c_str())));
+    const int needed = width + width / kBoldShare + m_look.Scaled(kMargin);
     if (needed <= m_width) return;
     m_width = needed;
     ListView_SetColumnWidth(m_list, 0, m_width);
@@ -104,24 +103,42 @@ void LogPane::Copy() const {
     PutOnClipboard(m_parent, text);
 }
 
+std::wstring LogPane::FocusedLine() const {
+    const int at = ListView_GetNextItem(m_list, -1, LVNI_FOCUSED);
+    return at < 0 || static_cast<size_t>(at) >= m_lines.size() ? std::wstring() : m_lines[static_cast<size_t>(at)].text;
+}
+
+void LogPane::TakeFocus() {
+    // Without a focused line nothing would show that the keys go here.
+    if (!m_lines.empty() && ListView_GetNextItem(m_list, -1, LVNI_FOCUSED) < 0)
+        ListView_SetItemState(m_list, static_cast<int>(m_lines.size()) - 1, LVIS_FOCUSED | LVIS_SELECTED,
+                              LVIS_FOCUSED | LVIS_SELECTED);
+}
+
+POINT LogPane::PlaceOfFocused() const {
+    RECT rect = {};
+    ListView_GetItemRect(m_list, std::max(ListView_GetNextItem(m_list, -1, LVNI_FOCUSED), 0), &rect, LVIR_LABEL);
+    POINT place = {rect.left, rect.bottom};
+    ClientToScreen(m_list, &place);
+    return place;
+}
+
+void LogPane::Rescale(UINT from) {
+    SendMessageW(m_list, WM_SETFONT, reinterpret_cast<WPARAM>(m_look.Font()), TRUE);
+    Ui::RescaleColumns(m_list, from, m_look.DotsPerInch());
+    m_width = Win32::Rescaled(m_width, from, m_look.DotsPerInch());
+}
+
 void LogPane::SelectAll() {
     ListView_SetItemState(m_list, -1, LVIS_SELECTED, LVIS_SELECTED);
 }
 
-LRESULT LogPane::OnCustomDraw(const NMLVCUSTOMDRAW& draw) const {
+LRESULT LogPane::OnCustomDraw(NMLVCUSTOMDRAW& draw) const {
     if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return m_lines.empty() ? CDRF_NOTIFYPOSTPAINT : CDRF_NOTIFYITEMDRAW;
     if (draw.nmcd.dwDrawStage == CDDS_POSTPAINT) m_look.DrawHint(m_list, draw.nmcd.hdc, m_hint.c_str());
     const auto at = static_cast<size_t>(draw.nmcd.dwItemSpec);
-    if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT || at >= m_lines.size() || !m_look.UsesColours())
-        return CDRF_DODEFAULT;
-    auto& colour = const_cast<NMLVCUSTOMDRAW&>(draw).clrText;
-    switch (m_lines[at].tone) {
-        case Tone::Success: colour = kSuccessColour; break;
-        case Tone::Failure: colour = kFailureColour; break;
-        case Tone::Note: colour = kNoteColour; break;
-        case Tone::Plain: return CDRF_DODEFAULT;
-    }
-    return CDRF_NEWFONT;
+    if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT || at >= m_lines.size()) return CDRF_DODEFAULT;
+    return m_look.Ink(draw, m_lines[at].tone);
 }
 
 bool LogPane::OnNotification(NMHDR& header, LRESULT& result) {
@@ -133,7 +150,8 @@ bool LogPane::OnNotification(NMHDR& header, LRESULT& result) {
                 CopyText(m_lines[at].text, item.pszText, static_cast<uint32_t>(item.cchTextMax));
             return true;
         }
-        case NM_CUSTOMDRAW: result = OnCustomDraw(reinterpret_cast<const NMLVCUSTOMDRAW&>(header)); return true;
+        case NM_SETFOCUS: TakeFocus(); return true;
+        case NM_CUSTOMDRAW: result = OnCustomDraw(reinterpret_cast<NMLVCUSTOMDRAW&>(header)); return true;
         default: return false;
     }
 }

@@ -1,4 +1,5 @@
-// log_pane.h - the panel's lower list: what commands have reported, failures in colour. Lines may come from any thread.
+// log_pane.h - the panel's lower list: what commands have reported, failures standing out. Lines may come from any
+// thread.
 #pragma once
 
 #include <mutex>
@@ -11,6 +12,8 @@
 #include <commctrl.h>
 
 namespace QVHost {
+
+void PutOnClipboard(HWND owner, const std::wstring& text);
 
 class LogPane {
 public:
@@ -28,6 +31,12 @@ public:
     /// The selected lines go to the clipboard; all, when none is selected.
     void Copy() const;
     void SelectAll();
+    /// "" when there is none.
+    std::wstring FocusedLine() const;
+    /// On the screen, for a menu that a key opens.
+    POINT PlaceOfFocused() const;
+    /// The look has another scale than `from`, dots per inch.
+    void Rescale(UINT from);
 
     /// A notification of the list; true when `result` answers it.
     bool OnNotification(NMHDR& header, LRESULT& result);
@@ -37,8 +46,9 @@ private:
         std::wstring text;
         Tone tone;
     };
+    void TakeFocus();
     void Widen(const std::wstring& text);
-    LRESULT OnCustomDraw(const NMLVCUSTOMDRAW& draw) const;
+    LRESULT OnCustomDraw(NMLVCUSTOMDRAW& draw) const;
 
     HWND m_parent;
     UINT m_linesMessage;

@@ -1,37 +1,50 @@
 #include "host/panel/panel_look.h"
 #include "win32/module.h"
-
-#include <commctrl.h>
+#include "win32/window_position.h"
 
 namespace QVHost {
 namespace {
 
 constexpr int kHintTop = 12;  // pixels at 96 to the inch
 
-/// True for a ground on which dark colours can be read.
-bool IsLight(COLORREF ground) {
-    return 2 * GetRValue(ground) + 5 * GetGValue(ground) + GetBValue(ground) > 8 * 128;  // about as the eye weighs them
-}
-
 }  // namespace
 
 PanelLook::PanelLook() {
-    const HDC screen = GetDC(nullptr);
-    if (const int pixels = GetDeviceCaps(screen, LOGPIXELSY); pixels > 0) m_pixelsPerInch = pixels;
-    ReleaseDC(nullptr, screen);
+    m_startDots = m_dots = Win32::DotsPerInch(GetDesktopWindow());
     NONCLIENTMETRICSW metrics = {};
     metrics.cbSize = sizeof(metrics);
-    if (SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0))
-        m_font = CreateFontIndirectW(&metrics.lfMessageFont);
-    ReadContrast();
+    if (SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0)) m_message = metrics.lfMessageFont;
+    MakeFonts();
 }
 
-void PanelLook::ReadContrast() {
-    HIGHCONTRASTW contrast = {};
-    contrast.cbSize = sizeof(contrast);
-    const bool isHigh = SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof(contrast), &contrast, 0) &&
-                        (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
-    m_usesColours = !isHigh && IsLight(GetSysColor(COLOR_WINDOW));
+void PanelLook::MakeFonts() {
+    if (m_message.lfHeight == 0) return;
+    LOGFONTW description = m_message;
+    description.lfHeight = Win32::Rescaled(static_cast<int>(description.lfHeight), m_startDots, m_dots);
+    m_font.Reset(CreateFontIndirectW(&description));
+    description.lfWeight = FW_BOLD;
+    m_bold.Reset(CreateFontIndirectW(&description));
+}
+
+void PanelLook::Rescale(UINT dotsPerInch) {
+    m_dots = dotsPerInch;
+    MakeFonts();
+}
+
+LRESULT PanelLook::Ink(NMLVCUSTOMDRAW& draw, Tone tone) const {
+    const HWND list = draw.nmcd.hdr.hwndFrom;
+    const bool isSelected = ListView_GetItemState(list, static_cast<int>(draw.nmcd.dwItemSpec), LVIS_SELECTED) != 0;
+    // In some themes the ground of a selection without the focus is that of the list.
+    if (isSelected && GetFocus() != list && GetSysColor(COLOR_BTNFACE) == GetSysColor(COLOR_WINDOW)) {
+        draw.nmcd.uItemState &= ~static_cast<UINT>(CDIS_SELECTED);
+        draw.clrText = GetSysColor(COLOR_HIGHLIGHTTEXT);
+        draw.clrTextBk = GetSysColor(COLOR_HIGHLIGHT);
+    }
+    if (tone == Tone::Note && !isSelected) draw.clrText = GetSysColor(COLOR_GRAYTEXT);
+    if (tone != Tone::Failure) return CDRF_NEWFONT;
+    if (!isSelected) draw.clrText = GetSysColor(COLOR_HOTLIGHT);
+    if (m_bold) SelectObject(draw.nmcd.hdc, m_bold.Get());
+    return CDRF_NEWFONT;
 }
 
 void PanelLook::DrawHint(HWND list, HDC context, const wchar_t* text) const {
@@ -42,11 +55,9 @@ void PanelLook::DrawHint(HWND list, HDC context, const wchar_t* text) const {
     area.top += header.bottom - header.top + Scaled(kHintTop);
     area.left += Scaled(kHintTop);
     area.right -= Scaled(kHintTop);
+    SetTextColor(context, GetSysColor(COLOR_WINDOWTEXT));
+    SetBkMode(context, TRANSPARENT);
     DrawTextW(context, text, -1, &area, DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);
-}
-
-PanelLook::~PanelLook() {
-    if (m_font) DeleteObject(m_font);
 }
 
 void LoadCommonControls() {

@@ -25,6 +25,12 @@ enum : WORD {
     ClearLog,
     Exit,
     Address,
+    OpenFocused,
+    CopyPaths,
+    GoToFile,
+    SelectLog,
+    SwitchPane,
+    Guide,
     FirstOfExtensions = 1000,
 };
 }  // namespace PanelCommand
@@ -44,6 +50,19 @@ struct KeysTraits {
 using UniqueKeys = Win32::UniqueHandle<KeysTraits>;
 
 UniqueMenu MakePanelMenu(const MenuModel& model, LanguageTexts& texts);
+
+/// What is selected in the panel.
+struct SelectionKind {
+    size_t files = 0;
+    size_t folders = 0;
+};
+/// Whether a command has something to do for such a selection. The contract does not tell what a command is for; by
+/// their numbers, those from 30100 to 30299 work on the content of files, and those below 30000 on no selection.
+bool Fits(uint32_t command, const SelectionKind& selected);
+/// What can be done with the selection: the panel's own commands, then those of the extensions that fit it.
+UniqueMenu MakeContextMenu(const MenuModel& model, LanguageTexts& texts, const SelectionKind& selected);
+/// What can be done with the line of the log that has the focus. `namesFile`: it names one that is there.
+UniqueMenu MakeLogMenu(LanguageTexts& texts, bool hasLines, bool namesFile);
 UniqueKeys MakePanelKeys(const MenuModel& model);
 
 /// The extension's command for a WM_COMMAND; null for one of the panel's own.

@@ -43,7 +43,27 @@ enum class PanelText : uint32_t {
     SendToFind,
     SendToSort,
     SendToPanel,
-    Last = SendToPanel,
+    Open,
+    CopyPaths,
+    GoToFile,
+    Guide,
+    NoFileNamed,
+    Summary,         // %s: %s, the parts below that are not 0, with commas between
+    CountOfChanged,  // each with one %d, as those that follow
+    CountOfAdded,
+    CountOfGone,
+    CountOfRenamed,
+    CountOfReplaced,
+    CountOfFailed,
+    CountOfSkipped,
+    Ok,
+    Cancel,
+    Input,  // the title of a question for a text
+    KeyCtrl,
+    KeyShift,
+    KeyUp,
+    KeyLeft,
+    Last = KeyLeft,
 };
 
 inline constexpr wchar_t kPanelSection[] = L"Panel";

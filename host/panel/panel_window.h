@@ -12,6 +12,7 @@
 #include "host/panel/panel_look.h"
 #include "host/panel/panel_menu.h"
 #include "host/panel/panel_texts.h"
+#include "host/panel/run_report.h"
 
 #include <shellapi.h>
 
@@ -53,25 +54,40 @@ private:
         HWND status;
     };
 
+    // The window (panel_window.cpp).
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT OnNotification(NMHDR& header);
     void OnListKey(WORD key);
     void OnLogKey(WORD key);
+    /// Away from the window, the focus is remembered; back in it, the same control has it.
+    void OnActivate(bool isActive);
+    void Layout() const;
+    void LimitSize(MINMAXINFO& limits) const;
+    void OnScaleChange(UINT dotsPerInch, const RECT& suggested);
+    /// True when it was maximised.
+    bool RestorePosition();
+    void SavePosition() const;
+
+    // What it does (panel_window_actions.cpp).
     void OnCommand(WORD command);
     void OnEnter();
     void OnAddress();
-    /// Away from the window, the focus is remembered; back in it, the same control has it.
-    void OnActivate(bool isActive);
     void OnDrop(HDROP drop);
-    void Layout() const;
-
+    void OnContextMenu(HWND control, bool isByKey, POINT place);
     void RunCommand(uint32_t id);
+    std::wstring SummaryOf(const RunCounts& counts) const;
+    /// That the focused line of the log names; "" for none.
+    std::wstring FileOfLog() const;
+    void GoToFileOfLog();
+    void CopyPaths();
     /// The folder of a path and the name to select in it; the path itself when it is a folder. False when it cannot be
     /// shown.
     bool GoTo(const std::wstring& path);
     /// Shows the folder of the first path and selects in it what lies there.
     void GoToAll(const std::vector<std::wstring>& paths);
+    /// Its folder, with the item selected.
+    bool GoToItem(const std::wstring& path);
     enum class Way : uint8_t { Forward, Back };  // the way back is not remembered
     bool ShowFolder(const std::wstring& folder, const std::wstring& focused = {}, Way way = Way::Forward);
     void GoUp();
@@ -87,6 +103,7 @@ private:
     PanelLook m_look;
     HWND m_frame = nullptr;  // owned by the session's state
     HWND m_lastFocus = nullptr;
+    RunReport m_report;  // of the running command, or the last one
     UniqueMenu m_menu;
     UniqueKeys m_keys;
     std::optional<Content> m_content;

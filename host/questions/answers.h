@@ -20,19 +20,25 @@ struct BoxQuestion {
     uint32_t style = 0;  // coded as MessageBoxW
 };
 
+/// What the windows of the host itself are made of, in the user's language.
+struct DialogWords {
+    std::wstring title = L"Input";  // of a question for a text
+    std::wstring ok = L"OK";
+    std::wstring cancel = L"Cancel";
+};
+
 struct ChoiceQuestion {
     std::wstring title;
     std::wstring prompt;
     std::vector<std::wstring> choices;
     uint32_t position = 0;  // of the choice proposed
-    std::wstring cancel;    // the word on the button
+    DialogWords words = {};
 };
 
 struct InputQuestion {
-    std::wstring title;
     std::wstring prompt;
     std::wstring proposed;
-    std::wstring cancel;  // the word on the button
+    DialogWords words = {};
 };
 
 class IAnswers {

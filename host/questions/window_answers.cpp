@@ -24,7 +24,7 @@ DialogTemplate Layout(WORD fieldClass, DWORD fieldStyle, short fieldHeight) {
 struct DialogState {
     const std::wstring& title;
     const std::wstring& prompt;
-    const std::wstring& cancel;
+    const DialogWords& words;
     const std::vector<std::wstring>* choices;  // null: the field is an edit
     uint32_t position;
     std::wstring text;
@@ -33,8 +33,8 @@ struct DialogState {
 void Fill(HWND dialog, const DialogState& state) {
     SetWindowTextW(dialog, state.title.c_str());
     SetDlgItemTextW(dialog, kPromptId, state.prompt.c_str());
-    SetDlgItemTextW(dialog, IDOK, L"OK");
-    SetDlgItemTextW(dialog, IDCANCEL, state.cancel.c_str());
+    SetDlgItemTextW(dialog, IDOK, state.words.ok.c_str());
+    SetDlgItemTextW(dialog, IDCANCEL, state.words.cancel.c_str());
     if (!state.choices) {
         SetDlgItemTextW(dialog, kFieldId, state.text.c_str());
         return;
@@ -84,13 +84,13 @@ uint32_t WindowAnswers::AnswerBox(const BoxQuestion& question) {
 }
 
 std::optional<uint32_t> WindowAnswers::Choose(const ChoiceQuestion& question) {
-    DialogState state = {question.title, question.prompt, question.cancel, &question.choices, question.position, {}};
+    DialogState state = {question.title, question.prompt, question.words, &question.choices, question.position, {}};
     if (!Show(Layout(ControlClass::List, LBS_NOINTEGRALHEIGHT | WS_VSCROLL, 60), state)) return std::nullopt;
     return state.position;
 }
 
 std::optional<std::wstring> WindowAnswers::Enter(const InputQuestion& question) {
-    DialogState state = {question.title, question.prompt, question.cancel, nullptr, 0, question.proposed};
+    DialogState state = {question.words.title, question.prompt, question.words, nullptr, 0, question.proposed};
     if (!Show(Layout(ControlClass::Edit, ES_AUTOHSCROLL, 14), state)) return std::nullopt;
     return state.text;
 }

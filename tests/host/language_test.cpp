@@ -107,6 +107,8 @@ TEST(LanguageTexts, HaveNoAccessKeyTwiceInOneMenuOrDialog) {
             }
         };
         expectOwnKeys(kPanelSection, TextIdOf(PanelText::OpenFolder), TextIdOf(PanelText::Exit));
+        // What the menus over the files and over the log have besides.
+        expectOwnKeys(kPanelSection, TextIdOf(PanelText::Open), TextIdOf(PanelText::GoToFile));
         expectOwnKeys(L"", 202_d, 205_d);
     }
 }

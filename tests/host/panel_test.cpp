@@ -1,9 +1,12 @@
 // panel_test.cpp - the panel: its parts as functions, and one story through the real window.
 #include <algorithm>
+#include <set>
 
 #include "host/panel/folder_rows.h"
 #include "host/panel/panel_menu.h"
+#include "host/panel/run_report.h"
 #include "host_runner.h"
+#include "sdk/file_list.h"
 #include "support/dialog_driver.h"
 
 #include <shlobj.h>
@@ -41,6 +44,53 @@ TEST(FolderRows, KeepFoldersAboveAndReadNumbersInNames) {
     EXPECT_EQ(FindByBeginning(rows, L"q", 0), -1);
     EXPECT_EQ(ReadFolder(folder / L"Big.txt", rows), uint32_t{ERROR_DIRECTORY});
     EXPECT_EQ(rows.size(), 4u) << "a failure leaves the rows alone";
+}
+
+TEST(PanelMenu, OffersWhatFitsTheSelection) {
+    constexpr SelectionKind kFolder = {0, 1};
+    constexpr SelectionKind kBoth = {1, 1};
+    const struct {
+        uint32_t command;
+        bool fitsFolder, fitsBoth;
+    } cases[] = {
+        {6161, false, false}, {30000, true, true}, {30151, false, true}, {30300, true, true}, {31000, true, true}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(Fits(c.command, kFolder), c.fitsFolder) << c.command;
+        EXPECT_EQ(Fits(c.command, kBoth), c.fitsBoth) << c.command;
+        EXPECT_FALSE(Fits(c.command, {})) << c.command;
+    }
+}
+
+TEST(RunReport, CountsByTheFilesWhatACommandDid) {
+    const auto row = [](const wchar_t* name, uint64_t size, DWORD attributes = 0) {
+        return FolderRow{{name, attributes, size, size}};
+    };
+    RunReport report;
+    report.Begin({row(L"same", 1), row(L"changed", 2), row(L"Old", 3), row(L"gone", 4),
+                  row(L"sub", 5, FILE_ATTRIBUTE_DIRECTORY)});
+    report.Rename(LR"(C:\d\old)", LR"(C:\d\new)");
+    report.Line(L"[Find and Replace] - 7 changes made to file : changed", Tone::Success);
+    report.Line(L"reason", Tone::Failure);
+    report.Mark(Quorvane::SDK::MarkKind::Skipped);
+    const RunCounts counts = report.End({row(L"same", 1), row(L"changed", 3), row(L"new", 3), row(L"changed.bak", 2),
+                                         row(L"sub", 6, FILE_ATTRIBUTE_DIRECTORY)});
+    EXPECT_EQ(counts,
+              (RunCounts{.changed = 1, .added = 1, .gone = 1, .renamed = 1, .failed = 1, .skipped = 1, .replaced = 7}));
+}
+
+TEST(RunReport, FindsTheFileThatALineNames) {
+    const std::set<std::wstring> there = {LR"(C:\d)", LR"(C:\d\a b.txt)", LR"(C:\d\new.txt)", LR"(\\s\f\x)"};
+    const auto exists = [&](const std::wstring& path) { return there.contains(path); };
+    const std::pair<const wchar_t*, const wchar_t*> cases[] = {
+        {LR"([x] - 2 changes made to file : C:\d\a b.txt)", LR"(C:\d\a b.txt)"},
+        {LR"(Sorted lines in file : C:\d\a b.txt (Saved as : C:\d\new.txt))", LR"(C:\d\a b.txt)"},
+        {LR"([renamed] C:\d\old.txt -> new.txt)", LR"(C:\d\new.txt)"},
+        {LR"(Failed : \\s\f\x: reason)", LR"(\\s\f\x)"},
+        {LR"(gone: C:\d\gone.txt)", LR"(C:\d)"},
+        {LR"(C:\nowhere\x)", L""},
+        {L"Sort: ended", L""},
+    };
+    for (const auto& [line, path] : cases) EXPECT_EQ(PathIn(line, exists), path) << line;
 }
 
 TEST(PanelMenu, WritesShortcutsAsPeopleDo) {
@@ -140,7 +190,8 @@ TEST(Panel, ShowsAFolderRunsACommandAndMarksWhatBecameOfTheFiles) {
             EXPECT_TRUE(WaitUntil([&] { return panel.Status() == L"20w"; })) << "something is selected";
 
             panel.ChooseFirstOfLastMenu();
-            EXPECT_TRUE(WaitUntil([&] { return panel.Log().size() == 2; }));
+            EXPECT_TRUE(WaitUntil([&] { return panel.Log().size() == 3; }));
+            EXPECT_EQ(panel.Log().back(), L"38w") << "what was done is summed up";
             EXPECT_TRUE(panel.Log().front().starts_with(L"bad.txt in " + folder.Path())) << "the selection, in order";
             EXPECT_EQ(panel.Column(3), (Names{L"", L"16w", L"15w", L""})) << "failed and done are marked";
 

@@ -14,11 +14,12 @@ TEST(ProgressWindow, ShowsTheFileInWorkAndTakesTheWishToStop) {
         [](DialogDriver& driver) {
             const DrivenDialog window = driver.WaitFor(L"Sorting");
             EXPECT_TRUE(QVTest::WaitUntil([&] { return window.Text(kTextId) == L"1/2 C:\\a.txt"; }));
+            EXPECT_EQ(window.Text(IDCANCEL), L"Abbrechen");
             window.PressLater(IDCANCEL);
             window.WaitUntilClosed();
         },
         [] {
-            QVHost::ProgressWindow window(L"Sorting");
+            QVHost::ProgressWindow window({L"Sorting", L"Abbrechen"});
             EXPECT_FALSE(window.IsCancelled());
             EXPECT_TRUE(QVTest::WaitUntil([&] {
                 window.Show(L"1/2 C:\\a.txt");

@@ -1,4 +1,4 @@
-// row_icons.cpp - the small pictures that stand for the state of a row: shapes first, colours only beside them.
+// row_icons.cpp - the small pictures that stand for the state of a row, told apart by their shapes.
 #include <array>
 #include <span>
 
@@ -7,11 +7,8 @@
 namespace BatchRename {
 namespace {
 
-constexpr int kGrid = 16;  // the pictures are drawn on a grid of 16 by 16
-constexpr COLORREF kTransparent = RGB(255, 0, 255);
-constexpr COLORREF kBlue = RGB(0, 84, 166);
-constexpr COLORREF kRed = RGB(192, 32, 32);
-constexpr COLORREF kGreen = RGB(0, 128, 48);
+constexpr int kGrid = 16;                            // the pictures are drawn on a grid of 16 by 16
+constexpr COLORREF kTransparent = RGB(255, 0, 255);  // never seen: it stands for what the list shows around a picture
 
 constexpr POINT kArrow[] = {{2, 6}, {8, 6}, {8, 3}, {14, 8}, {8, 13}, {8, 10}, {2, 10}};
 constexpr POINT kTriangle[] = {{8, 1}, {15, 14}, {1, 14}};
@@ -27,13 +24,6 @@ Function FromCommonControls(const char* name) noexcept {
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(controls, name)));
 }
 
-bool IsHighContrast() {
-    HIGHCONTRASTW contrast = {};
-    contrast.cbSize = sizeof(contrast);
-    return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof(contrast), &contrast, 0) &&
-           (contrast.dwFlags & HCF_HIGHCONTRASTON);
-}
-
 void Fill(HDC context, int size, std::span<const POINT> corners, COLORREF colour) {
     std::array<POINT, 8> scaled = {};
     for (size_t at = 0; at < corners.size(); ++at)
@@ -43,18 +33,17 @@ void Fill(HDC context, int size, std::span<const POINT> corners, COLORREF colour
     Polygon(context, scaled.data(), static_cast<int>(corners.size()));
 }
 
+/// Shapes tell the states apart. Colours are the system's, which suit the ground of a list in every theme.
 void Draw(HDC context, int size, int picture) {
-    const bool isPlain = IsHighContrast();
-    const COLORREF ground = GetSysColor(COLOR_WINDOW);
     const COLORREF ink = GetSysColor(COLOR_WINDOWTEXT);
-    const auto colour = [&](COLORREF usual) { return isPlain ? ink : ReadableColour(usual, ground, ink); };
-    if (picture == 1) Fill(context, size, kArrow, colour(kBlue));
+    const COLORREF ground = GetSysColor(COLOR_WINDOW);
+    if (picture == 1) Fill(context, size, kArrow, GetSysColor(COLOR_HOTLIGHT));
     if (picture == 2) {
-        Fill(context, size, kTriangle, colour(kRed));
+        Fill(context, size, kTriangle, ink);
         Fill(context, size, kExclamation, ground);
         Fill(context, size, kDot, ground);
     }
-    if (picture == 3) Fill(context, size, kCheck, colour(kGreen));
+    if (picture == 3) Fill(context, size, kCheck, ink);
 }
 
 }  // namespace

@@ -25,8 +25,8 @@ struct ImageListTraits {
 };
 using ImageListHandle = Win32::UniqueHandle<ImageListTraits>;
 
-/// One picture for each RowMark, in its order; the first is empty. `size`: pixels. In high contrast, and where its
-/// colour could not be seen, a picture is in the colour of the text.
+/// One picture for each RowMark, in its order; the first is empty. `size`: pixels. In the system's colours as they are
+/// now.
 ImageListHandle MakeRowIcons(int size);
 
 class RowListView {
