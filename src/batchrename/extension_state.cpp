@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "sdk/boundary.h"
 #include "win32/path.h"
 
 namespace BatchRename {
@@ -45,7 +46,11 @@ void HostCallback::RefreshFolders(const std::vector<std::wstring>& folders) {
     // Not under the lock: the host may need its own thread for a refresh, and that thread may be the one in Release.
     for (const std::wstring& folder : folders)
         if (const std::shared_ptr<Service> service = Get(); service && *service)
-            (*service)->RefreshFolder(folder.c_str());
+            // Guarded, since the end of a run must be shown whatever the host does with the news of it.
+            AtBoundary(false, [&] {
+                (*service)->RefreshFolder(folder.c_str());
+                return true;
+            });
 }
 
 RuleContext& ExtensionState::Context() {

@@ -107,7 +107,11 @@ uint32_t QVBatchRename::OnCommand(uint32_t id, uintptr_t first, uintptr_t second
             case kCommandShutdown: return Shutdown();
             case kRenameCommand: return OpenWindow();
             case kCollectCommand: {
-                CollectRows();
+                // Guarded by itself: the window waits for the event, whatever the host does.
+                AtBoundary(false, [&] {
+                    CollectRows();
+                    return true;
+                });
                 // The event comes in either value; the other is 0.
                 const auto event = reinterpret_cast<HANDLE>(second != 0 ? second : first);
                 if (event) SetEvent(event);

@@ -21,9 +21,9 @@ public:
     /// `afterwards` is done at the end of each such call ("CLASS SLOT") by a thread of the library.
     HostThatLeaves(const std::string& slowCall, std::function<void()> afterwards) {
         m_files.Write(L"a", "a");
-        m_host.Select(m_files / L"a");
+        Select();
         m_host.State().panel = &m_panel;
-        m_extension->SetHost(&m_host.Services());
+        Create();
         HostCalls::Tell([=, thread = GetCurrentThreadId()](const std::string& call) {
             if (call == slowCall && GetCurrentThreadId() != thread) afterwards();
         });
@@ -32,7 +32,28 @@ public:
     HostThatLeaves& operator=(const HostThatLeaves&) = delete;
 
     IPluginInterface& Extension() { return *m_extension; }
+    /// What the library has put into the host's queue is done here, too.
+    bool WaitFor(const std::function<bool()>& isTrue) {
+        return WaitUntil([&] {
+            for (const QVHost::QueuedCommand& command : m_host.State().commandQueue.Take()) {
+                m_extension->OnCommand(command.id, 0, command.value);
+                ++m_collections;
+            }
+            return isTrue();
+        });
+    }
+    int Collections() const { return m_collections; }
+    const TemporaryFolder& Files() const { return m_files; }
+    /// The file, whatever its name is now.
+    void Select() {
+        m_host.State().selection.clear();
+        m_host.Select(m_files / m_files.List().front());
+    }
     HMODULE Library() const { return m_process.Library(); }
+    void Create() {
+        m_extension = m_process.Create(2);
+        m_extension->SetHost(&m_host.Services());
+    }
     void Open() {
         m_extension->OnCommand(31000, 0, 0);
         EXPECT_TRUE(WaitUntil([&] { return Status().find(L" of 1 item") != std::wstring::npos; }));
@@ -49,8 +70,9 @@ private:
     InProcessHost m_process;
     ServicesOfHost m_host{QV_HOST_PROGRAM};
     FakePanel m_panel{[this] { return m_host.State().selection; }, [](const std::wstring&) {}};
-    IPluginInterface* m_extension = m_process.Create(2);
+    IPluginInterface* m_extension = nullptr;
     HostCalls m_calls{&m_host.Services()};
+    int m_collections = 0;
 };
 
 std::vector<DWORD> waits;
@@ -173,6 +195,77 @@ TEST(HostThatShutsDown, OnTheWindowsThreadIsRecognisedFromItsFirstCall) {
     host.Extension().Shutdown();
     EXPECT_EQ(host.Extension().OnCommand(31000, 0, 0), 0u) << "there is no host any more";
     host.Delete();
+}
+
+/// Each call of the host goes wrong in turn while the window does one thing. It comes to rest, works again, and has
+/// given everything back.
+TEST(FaultsOfTheHost, AreBorneByTheWindow) {
+    HostThatLeaves host("", [] {});
+    host.Open();
+    const auto shows = [&](const std::wstring& status) {
+        // What is said in a box is read and gone.
+        const HWND box = GetLastActivePopup(HostThatLeaves::Frame());
+        if (box != HostThatLeaves::Frame()) PostMessageW(box, WM_CLOSE, 0, 0);
+        return HostThatLeaves::Panel().IsEnabled(IDC_NAME_TEMPLATE) && HostThatLeaves::Status() == status;
+    };
+    const auto newName = [] { return CellOf(GetDlgItem(HostThatLeaves::Frame(), IDC_ROWS), 0, 1); };
+    const auto enter = [&](const std::wstring& rule, const std::wstring& status) {
+        HostThatLeaves::Panel().Enter(IDC_NAME_TEMPLATE, rule);
+        EXPECT_TRUE(host.WaitFor([&] { return shows(status); })) << HostThatLeaves::Status();
+    };
+    int collections = 0;
+    const struct {
+        const char* what;
+        std::function<void()> act;
+        std::function<bool()> isDone;
+    } cases[] = {
+        {"collecting", [] { HostThatLeaves::Panel().PressLater(IDC_RESET_LIST); },
+         [&] { return host.Collections() > collections; }},
+        {"a preview", [] { HostThatLeaves::Panel().Enter(IDC_NAME_TEMPLATE, L"[?size]-[?modified]"); },
+         [&] { return newName().find(L'-') != std::wstring::npos; }},
+        {"a run", [] { HostThatLeaves::Panel().Press(IDC_START); }, [&] { return shows(L"1 Renamed"); }},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const auto act = [&] {
+            c.act();
+            EXPECT_TRUE(host.WaitFor([&] { return !HostCalls::FailedCall().empty() || c.isDone(); }));
+        };
+        const auto restore = [&] {
+            EXPECT_TRUE(host.WaitFor([&] { return shows(HostThatLeaves::Status()); }));
+            host.Select();
+            HostThatLeaves::Panel().PressLater(IDC_RESET_LIST);
+            EXPECT_TRUE(host.WaitFor([&] { return host.Collections() > collections; }));
+            enter(L"[N]", L"1 item, 0 will be renamed");
+            enter(L"[N]2", L"1 item, 1 will be renamed");
+            collections = host.Collections();
+            EXPECT_EQ(host.Files().Read(host.Files().List().front()), "a");
+        };
+        HostCalls::Walk(act, restore);
+    }
+    host.Extension().Shutdown();
+    host.Delete();
+}
+
+void WINAPI PauseShortly(DWORD milliseconds) {
+    Sleep(milliseconds / 10);
+}
+
+TEST(FaultsOfTheHost, AreBorneWhileTheWindowComesAndGoes) {
+    HostThatLeaves host("", [] {});
+    const ReplacedImport hurried(host.Library(), "Sleep", reinterpret_cast<void*>(PauseShortly));
+    host.Delete();
+    const auto openAndClose = [&] {
+        host.Create();
+        host.Extension().OnCommand(31000, 0, 0);
+        EXPECT_TRUE(host.WaitFor([] {
+            return !HostCalls::FailedCall().empty() || HostThatLeaves::Status() == L"1 item, 0 will be renamed";
+        }));
+        host.Extension().Shutdown();
+        host.Delete();
+        EXPECT_FALSE(HostThatLeaves::Frame());
+    };
+    HostCalls::Walk(openAndClose, [] {});
 }
 
 }  // namespace

@@ -24,8 +24,9 @@ public:
     /// Does `act` undisturbed, and again for each of its calls, which throws, or gives null or false, or nonsense (an
     /// object that does nothing, great numbers, true, texts without an end or with marks), or the error 1. The first
     /// call of a slot goes wrong in all ways, a later one in one; all in all when QV_EVERY_FAULT is set. What the
-    /// library is given it has to give back each time, once.
-    static void Walk(const std::function<void()>& act);
+    /// library is given it has to give back each time, once. With `restore`, which is done undisturbed after each act,
+    /// an act takes its time: a later call does not go wrong, and the first throws and goes wrong in another way.
+    static void Walk(const std::function<void()>& act, const std::function<void()>& restore = nullptr);
     /// "CLASS SLOT" of the call that has gone wrong; "" when none has.
     static std::string FailedCall();
 
