@@ -1,5 +1,5 @@
 // exception_reserve.cpp - what the library does when it is loaded, so that it can report that memory has run out even
-// when none at all is left.
+// when none at all is left, and what it gives back when it is unloaded.
 #include "win32/windows.h"
 
 #include <atomic>
@@ -40,7 +40,14 @@ void PrepareExceptionReserve() noexcept {
 
 }  // namespace
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
+namespace __gnu_cxx {       // NOLINT(bugprone-reserved-identifier, cert-dcl37-c, cert-dcl51-cpp): the runtime's
+void __freeres() noexcept;  // NOLINT(bugprone-reserved-identifier, cert-dcl37-c, cert-dcl51-cpp,
+                            // readability-identifier-naming)
+}  // namespace __gnu_cxx
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID endOfProcess) {
     if (reason == DLL_PROCESS_ATTACH) PrepareExceptionReserve();
+    // The reserve takes 71 KB, which a host that unloads the library would lose each time.
+    if (reason == DLL_PROCESS_DETACH && !endOfProcess) __gnu_cxx::__freeres();
     return TRUE;
 }
