@@ -40,10 +40,11 @@ void PrepareExceptionReserve() noexcept {
 
 }  // namespace
 
-namespace __gnu_cxx {       // NOLINT(bugprone-reserved-identifier, cert-dcl37-c, cert-dcl51-cpp): the runtime's
-void __freeres() noexcept;  // NOLINT(bugprone-reserved-identifier, cert-dcl37-c, cert-dcl51-cpp,
-                            // readability-identifier-naming)
+// NOLINTBEGIN(clang-diagnostic-reserved-identifier, bugprone-reserved-identifier): the runtime's names.
+namespace __gnu_cxx {
+void __freeres() noexcept;
 }  // namespace __gnu_cxx
+// NOLINTEND(clang-diagnostic-reserved-identifier, bugprone-reserved-identifier)
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID endOfProcess) {
     if (reason == DLL_PROCESS_ATTACH) PrepareExceptionReserve();
