@@ -42,25 +42,4 @@ void FileDataWriter::Close() {
         throw QVUtilsException(GetLastError(), "Failed to write data to file");
 }
 
-void BufferedDataWriter::Append(const void* data, uint64_t size) {
-    const auto* bytes = static_cast<const uint8_t*>(data);
-    const bool isLarge = size >= std::min(kLargeWrite, m_blockSize);
-    if (isLarge || m_block.size() + size > m_blockSize) Flush();
-    if (isLarge) {
-        WriteAll(m_target, bytes, size);
-        return;
-    }
-    if (m_block.capacity() == 0) m_block.reserve(m_blockSize);
-    m_block.insert(m_block.end(), bytes, bytes + size);
-}
-
-void BufferedDataWriter::Flush() {
-    // Out of the member first: what a failure left unwritten is not written a second time.
-    std::vector<uint8_t> block;
-    block.swap(m_block);
-    WriteAll(m_target, block.data(), block.size());
-    block.clear();
-    m_block.swap(block);
-}
-
 }  // namespace QVUtils

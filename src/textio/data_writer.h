@@ -1,14 +1,17 @@
 // data_writer.h - the one abstract sink for bytes, backed by a file or by memory, and a buffer to put in front of it.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <cstring>
+#include <exception>
 #include <memory>
 #include <string>
-#include <vector>
+#include <thread>
 
 #include "textio/qvutils_exception.h"
 #include "win32/files.h"
+#include "win32/system_lock.h"
 
 namespace QVUtils {
 
@@ -125,35 +128,51 @@ private:
     uint32_t m_sinceLineBreak = 0;
 };
 
-/// Collects small writes into blocks for another writer; large ones go through as they are. The line break is taken
-/// from the other writer when this one is made. The user of it calls Flush at the end; a buffer that is
-/// destroyed without it (after a failure) drops what it holds.
+/// Collects what it is given into blocks, which are written in order, and from the second megabyte on while the next
+/// one is collected. What fails then is thrown by a later call. Without memory or a thread for that, everything is
+/// written at once. A writer that is destroyed without Flush (after a failure) drops what it holds.
 class BufferedDataWriter final : public DataWriter {
 public:
     static constexpr uint32_t kBlockSize = 256 * 1024;  // larger blocks are slower to write, not faster
 
-    /// A write of this size gains nothing by being copied first.
-    static constexpr uint32_t kLargeWrite = 64 * 1024;
+    /// The other writer must outlive this one, and is not to be used meanwhile. Its line break is taken over.
+    explicit BufferedDataWriter(DataWriter& target) : m_target(target) { SetLineBreak(target.GetLineBreak()); }
+    ~BufferedDataWriter() override { Stop(); }
 
-    explicit BufferedDataWriter(DataWriter& target, uint32_t blockSize = kBlockSize)
-        : m_target(target), m_blockSize(blockSize) {
-        SetLineBreak(target.GetLineBreak());
-    }
+    uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* bytesWritten) override;
 
-    uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* bytesWritten) override {
-        Append(buffer, size);
-        if (bytesWritten) *bytesWritten = size;
-        return 1;
-    }
-
-    /// As WriteData, for blocks of any size.
-    void Append(const void* data, uint64_t size);
+    /// Everything is written when this returns.
     void Flush();
+    /// Waits for what is being written. No more is written after this.
+    void Stop() noexcept;
 
 private:
+    static constexpr uint64_t kAtOnce = 1 << 20;
+    static constexpr size_t kBlocks = 3;
+
+    struct Block {
+        std::unique_ptr<uint8_t[]> bytes;
+        uint32_t size = 0;  // to be written; 0: free
+    };
+
+    void HandOver();
+    bool HasThread();
+    void WaitUntilFree(size_t block);
+    void WriteBlocks(size_t first) noexcept;
+
     DataWriter& m_target;
-    uint32_t m_blockSize;
-    std::vector<uint8_t> m_block;
+    uint64_t m_writtenAtOnce = 0;
+    size_t m_filling = 0;      // the block that is filled; a free one
+    uint32_t m_collected = 0;  // bytes in it
+
+    // Under the lock, once there is a thread.
+    Win32::SystemLock m_lock;
+    Win32::SystemCondition m_isFilled;
+    Win32::SystemCondition m_isFree;
+    std::array<Block, kBlocks> m_blocks;
+    std::exception_ptr m_failure;
+    bool m_isOver = false;
+    std::jthread m_thread;
 };
 
 }  // namespace QVUtils

@@ -54,6 +54,7 @@ std::optional<Win32::FileState> OriginalOf(const FileDataReader& reader, const s
 
 FileReplacement::~FileReplacement() {
     if (m_isOurs && !m_isBeside && m_request.keepsPart) KeepPart();
+    if (m_buffer) m_buffer->Stop();
     if (m_isOurs && m_isBeside) Win32::RemoveWhenClosed(m_file.GetSystemHandle());
     m_file.Abandon();
     if (m_isOurs) Win32::RemoveFileAt(m_path.c_str());
@@ -113,7 +114,7 @@ void FileReplacement::KeepPart() noexcept {
     m_isOurs = false;
     try {
         m_buffer->Flush();
-    } catch (const QVUtilsException&) {
+    } catch (const std::exception&) {
         // What could be written of it is there.
     }
 }

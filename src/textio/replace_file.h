@@ -79,7 +79,8 @@ public:
     /// target cannot be a file name", "The file has several names (hard links)"
     void Begin(std::optional<Win32::FileState> original = std::nullopt);
     bool HasBegun() const noexcept { return m_buffer.has_value(); }
-    /// Buffered. Only after Begin.
+    /// Buffered, and a large content is written on a thread of its own: what fails may show later, at the latest in
+    /// Commit. Only after Begin.
     DataWriter& GetWriter() { return *m_buffer; }
 
     /// Puts the new content in the target's place; every other user of the target must be closed by now. Returns 0, or

@@ -49,16 +49,22 @@ TEST(WriteAll, GoesOnAfterShortWritesAndFailsWhenNothingIsTaken) {
     }
 }
 
-TEST(BufferedDataWriter, JoinsSmallWritesAndPassesLargeOnesOn) {
-    ReluctantWriter target(1000, 1000);
-    BufferedDataWriter buffer(target, 10);
+TEST(BufferedDataWriter, WritesInOrderAndTellsWhatFailed) {
     std::string expected;
-    for (const size_t size : {3u, 3u, 3u, 2u, 25u, 10u, 1u, 9u, 1u}) {
-        const std::string piece(size, static_cast<char>('a' + expected.size() % 26));
-        buffer.Write(piece.data(), piece.size());
-        expected += piece;
+    while (expected.size() < 4'000'000) expected += std::to_string(expected.size()) + " ";
+    for (const size_t capacity : {size_t{0}, size_t{1'000'000}, size_t{2'000'000}, expected.size() - 1, SIZE_MAX}) {
+        ReluctantWriter target(300'000, capacity);
+        uint32_t error = 0;
+        try {
+            BufferedDataWriter buffer(target);
+            size_t size = 1;
+            for (size_t at = 0; at < expected.size(); at += size, size = size * 3 % 1'000'003)
+                buffer.Write(expected.data() + at, std::min(size, expected.size() - at));
+            buffer.Flush();
+        } catch (const QVUtilsException& failure) {
+            error = failure.GetErrorCode();
+        }
+        EXPECT_EQ(error, capacity == SIZE_MAX ? 0 : ErrorCode::DiskFull) << capacity;
+        EXPECT_TRUE(target.text == expected.substr(0, capacity)) << capacity;
     }
-    buffer.Flush();
-    EXPECT_EQ(target.text, expected);
-    EXPECT_LT(target.calls, 9);
 }
