@@ -123,14 +123,18 @@ TEST(Base64Command, AsksBeforeATargetIsReplacedAndRefusesTheSourceAsItsOwn) {
 }
 
 // What a target keeps where the source ends early is held by the tests of the one writer.
-TEST(Base64Command, LeavesWhatAnotherProgramWrites) {
+TEST(Base64Command, LeavesWhatAnotherProgramWritesAndFolders) {
     const CommandRunner runner;
     const std::wstring busy = runner.Write(L"busy", "half of i");
     const Win32::FileHandle writer(CreateFileW(busy.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                                OPEN_EXISTING, 0, nullptr));
-    const HostRun run = runner.Run({L"command", L"30210", busy});
-    EXPECT_TRUE(Holds(run.out, "( Unable to open file, ErrorCode : 32 )"));
-    EXPECT_EQ(runner.List(), Names{L"busy"});
+    const std::wstring folder = runner.MakeFolder(L"sub");
+    for (const wchar_t* command : {L"30210", L"30211"}) {
+        const HostRun run = runner.Run({L"command", command, busy, folder});
+        EXPECT_TRUE(Holds(run.out, "\\busy ( Unable to open file, ErrorCode : 32 )")) << run.out;
+        EXPECT_TRUE(Holds(run.out, "\\sub ( Unable to open file, ErrorCode : 5 )")) << run.out;
+        EXPECT_EQ(runner.List(), (Names{L"busy", L"sub"}));
+    }
 }
 
 }  // namespace
