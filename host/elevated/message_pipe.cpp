@@ -6,6 +6,7 @@
 #include <random>
 
 #include "win32/files.h"
+#include "win32/module.h"
 #include "win32/text.h"
 
 #include <aclapi.h>
@@ -80,12 +81,17 @@ std::wstring ImageOf(DWORD processId) {
     return path;
 }
 
-/// A text that the system has of this process's session, in lower or upper case as it likes.
+/// A text that the system has of this process's session, in lower or upper case as it likes. The library is loaded for
+/// it: it is no other command's affair, and each start would wait for it.
 std::wstring TextOfSession(WTS_INFO_CLASS what) {
+    const Win32::Module library = Win32::LoadSystemModule(L"wtsapi32.dll");
+    const auto query =
+        Win32::FindFunction<decltype(&WTSQuerySessionInformationW)>(library, "WTSQuerySessionInformationW");
+    const auto free = Win32::FindFunction<decltype(&WTSFreeMemory)>(library, "WTSFreeMemory");
     wchar_t* text = nullptr;
     DWORD size = 0;
-    if (!WTSQuerySessionInformationW(WTS_CURRENT_SERVER_HANDLE, WTS_CURRENT_SESSION, what, &text, &size)) return {};
-    const std::unique_ptr<wchar_t, decltype(&WTSFreeMemory)> owner(text, WTSFreeMemory);
+    if (!query || !free || !query(WTS_CURRENT_SERVER_HANDLE, WTS_CURRENT_SESSION, what, &text, &size)) return {};
+    const std::unique_ptr<wchar_t, decltype(free)> owner(text, free);
     return text;
 }
 
