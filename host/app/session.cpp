@@ -18,7 +18,8 @@ namespace QVHost {
 namespace {
 
 constexpr const wchar_t* kLibraryName = L"QVUtils.dll";
-constexpr const wchar_t* kLanguageName = L"qvhost-english.txt";
+constexpr const wchar_t* kEnglishName = L"qvhost-english.txt";
+constexpr const wchar_t* kGermanName = L"qvhost-german.txt";
 constexpr const wchar_t* kConfigurationName = L"QVUtils Host";
 constexpr const wchar_t* kSettingsName = L"settings.json";
 
@@ -33,6 +34,13 @@ std::wstring EnvironmentText(const wchar_t* name) {
 /// The path given, in full, or `name` beside the program.
 std::wstring GivenOrBeside(const std::wstring& given, const std::wstring& program, const wchar_t* name) {
     return given.empty() ? Win32::JoinPath(Win32::FolderOf(program), name) : FullUserPath(given);
+}
+
+/// Windows speak the user's language; scripts get the same words on every machine.
+const wchar_t* LanguageNameFor(const HostOptions& options) {
+    const bool isForPeople = options.asksInWindows || options.action == Action::SendTo;
+    const bool isGerman = PRIMARYLANGID(GetUserDefaultUILanguage()) == LANG_GERMAN;
+    return isForPeople && isGerman ? kGermanName : kEnglishName;
 }
 
 /// "" for an elevated second process: what it would read and write there, others without its rights can change.
@@ -119,7 +127,7 @@ std::wstring LibraryPath(const HostOptions& options, const HostEnvironment& envi
 
 void ReadLanguage(LanguageTexts& texts, const HostOptions& options, const HostEnvironment& environment,
                   Output& output) {
-    const std::wstring file = GivenOrBeside(options.language, environment.program, kLanguageName);
+    const std::wstring file = GivenOrBeside(options.language, environment.program, LanguageNameFor(options));
     std::string bytes;
     const uint32_t error = ReadWholeFile(file, bytes);
     if (error != ERROR_SUCCESS && !options.language.empty())

@@ -21,8 +21,8 @@ HostState MakeHostState(const HostOptions& options, const HostEnvironment& envir
 /// The library to load: the one that the options name, else the one beside the program.
 std::wstring LibraryPath(const HostOptions& options, const HostEnvironment& environment);
 
-/// The texts of the language file that the options name, else of the English one beside the program. What cannot be
-/// read of it is noted.
+/// The texts of the language file that the options name, else of one beside the program: for windows the one in the
+/// user's language, where there is such a one, and the English one for everything else. What cannot be read is noted.
 /// @throws UsageError when the file that the options name cannot be read
 void ReadLanguage(LanguageTexts& texts, const HostOptions& options, const HostEnvironment& environment, Output& output);
 

@@ -62,7 +62,7 @@ class SendToMenu {
 public:
     SendToMenu(const HostOptions& options, const std::wstring& program, Output& output)
         : m_options(options),
-          m_program(program),
+          m_program(FullUserPath(program)),
           m_output(output),
           m_folder(options.sendTo.folder.empty() ? SendToFolder() : FullUserPath(options.sendTo.folder)) {}
 
@@ -112,7 +112,7 @@ private:
     }
 
     const HostOptions& m_options;
-    const std::wstring& m_program;
+    std::wstring m_program;
     Output& m_output;
     std::wstring m_folder;
 };
