@@ -186,13 +186,14 @@ TEST(Panel, ShowsAFolderRunsACommandAndMarksWhatBecameOfTheFiles) {
             const SeenPanel panel;
             EXPECT_EQ(panel.Title(), folder.Path() + L" - 1w");
             EXPECT_EQ(panel.Column(0), (Names{L"sub", L"bad.txt", L"good.txt", L"other.txt"}));
-            panel.Select({L"bad.txt", L"good.txt"});
+            EXPECT_EQ(panel.Selected(), (Names{L"bad.txt", L"good.txt"})) << "as the command line says";
+            EXPECT_EQ(panel.Log(), Names{L"33w"}) << "and what lies elsewhere is told";
             EXPECT_TRUE(WaitUntil([&] { return panel.Status() == L"20w"; })) << "something is selected";
 
             panel.ChooseFirstOfLastMenu();
-            EXPECT_TRUE(WaitUntil([&] { return panel.Log().size() == 3; }));
-            EXPECT_EQ(panel.Log().back(), L"38w") << "what was done is summed up";
-            EXPECT_TRUE(panel.Log().front().starts_with(L"bad.txt in " + folder.Path())) << "the selection, in order";
+            EXPECT_TRUE(WaitUntil([&] { return panel.Log().size() == 4; }));
+            EXPECT_EQ(panel.Log().back(), L"43w") << "what was done is summed up";
+            EXPECT_TRUE(panel.Log()[1].starts_with(L"bad.txt in " + folder.Path())) << "the selection, in order";
             EXPECT_EQ(panel.Column(3), (Names{L"", L"16w", L"15w", L""})) << "failed and done are marked";
 
             folder.Write(L"added.txt", "");
@@ -230,7 +231,7 @@ TEST(Panel, ShowsAFolderRunsACommandAndMarksWhatBecameOfTheFiles) {
             EXPECT_EQ(panel.Selected(), (Names{L"sub", L"another name.txt"})) << "the selection goes with the file";
         },
         [&] {
-            run = host.Run({L"panel", folder / L"good.txt"});
+            run = host.Run({L"panel", folder / L"good.txt", folder / L"bad.txt", host.Folder().Path()});
         });
     EXPECT_EQ(run.status, 0) << run.error;
     EXPECT_NE(run.out.find("other.txt in "), std::string::npos) << "log lines go to the console too";
