@@ -9,7 +9,10 @@ template <class CharT>
 void Sort(std::string_view text, uint8_t rule, uint8_t order) {
     Lines<CharT> lines;
     std::basic_string<CharT> line;
-    for (const CharT unit : Widened<CharT>(text)) {
+    std::basic_string<CharT> units = Widened<CharT>(text);
+    // The mark of UTF-16 is no part of the text.
+    if (sizeof(CharT) > 1 && units.starts_with(static_cast<CharT>(0xFEFF))) units.erase(0, 1);
+    for (const CharT unit : units) {
         if (unit != CharT('\n') && unit != CharT('\r'))
             line += unit;
         else
