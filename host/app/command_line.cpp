@@ -65,7 +65,8 @@ void AddOptions(CLI::App& app, HostOptions& options) {
              "The library to load (default: QVUtils.dll beside this program)")
         ->check(NotEmpty);
     AddValue(app, "--config", "FOLDER", options.config, "Where settings are kept (default: per user)")->check(NotEmpty);
-    AddValue(app, "--language", "FILE", options.language, "The texts (default: beside this program; for windows in your language)")
+    AddValue(app, "--language", "FILE", options.language,
+             "The texts (default: beside this program; for windows in your language)")
         ->check(NotEmpty);
     AddValue(app, "--log", "FILE", options.log, "Appends the log lines to a file as well")->check(NotEmpty);
     app.add_flag("--quiet", options.isQuiet, "No log lines on standard output");
