@@ -271,7 +271,7 @@ void BatchRenameMainFrame::OnScaleChange(UINT dotsPerInch, const RECT& suggested
     m_wishedHeight = Win32::Rescaled(m_wishedHeight, m_dotsPerInch, dotsPerInch);
     m_panel->Rescale(dotsPerInch);
     const auto font = reinterpret_cast<HFONT>(SendMessageW(m_panel->GetWindow(), WM_GETFONT, 0, 0));
-    m_list.Rescale(font, m_dotsPerInch, dotsPerInch);
+    m_list.Rescale(font);
     SendMessageW(m_statusBar, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
     m_dotsPerInch = dotsPerInch;
     SetWindowPos(m_window, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,

@@ -109,58 +109,103 @@ NamePainter::NamePainter() : m_library(Win32::LoadSystemModule(L"usp10.dll")) {}
 
 bool NamePainter::Draw(HDC context, const RECT& bounds, const DrawnName& name, const NameColours& colours) const {
     const Line whole(m_library, context, name.text);
+    if (!whole) return false;
+    const std::vector<int> edges = whole.Edges();
+    const int width = bounds.right - bounds.left;
+    if (edges.back() <= width) {
+        DrawLine(context, bounds, whole, name, colours);
+        return true;
+    }
     const Line ellipsis(m_library, context, L"\u2026");
-    if (!whole || !ellipsis) return false;
-    const FittedName fitted =
-        FitName(name.text, name.changed, whole.Edges(), bounds.right - bounds.left, ellipsis.Edges().back());
+    if (!ellipsis) return false;
+    const FittedName fitted = FitName(name.text, name.changed, edges, width, ellipsis.Edges().back());
     const Line line(m_library, context, fitted.text);
-    if (!line) return false;
+    if (line) DrawLine(context, bounds, line, {fitted.text, fitted.changed, name.isMarked}, colours);
+    return static_cast<bool>(line);
+}
 
-    TEXTMETRICW metrics = {};
-    GetTextMetricsW(context, &metrics);
-    const int top = (bounds.top + bounds.bottom - metrics.tmHeight) / 2;
-    const LONG stroke = std::max(1, GetDeviceCaps(context, LOGPIXELSX) / USER_DEFAULT_SCREEN_DPI);
-    const LONG baseline = top + metrics.tmAscent;
-    const COLORREF ground = GetSysColor(colours.ground);
-    const COLORREF ink = GetSysColor(colours.ink);
-    const COLORREF mark = ReadableColour(GetSysColor(colours.mark), ground, ink);
-    const auto clipped = [&](LONG left, LONG upper, LONG right, LONG lower) {
-        return RECT{std::max(bounds.left, left), std::max(bounds.top, upper), std::min(bounds.right, right),
-                    std::min(bounds.bottom, lower)};
-    };
-    FillWith(context, bounds, ground);
-    SetBkMode(context, TRANSPARENT);
-    SetTextColor(context, ink);
-    line.Draw(context, bounds.left, top, bounds);
-    for (const size_t blank : HiddenBlanks(fitted.text)) {
-        const auto [left, right] = std::minmax({line.PlaceOf(blank, false), line.PlaceOf(blank, true)});
-        const LONG from = bounds.left + left;
-        const LONG to = std::max(from + 3 * stroke, bounds.left + right);
-        const LONG upper = baseline - metrics.tmAscent / 3;
-        FillWith(context, clipped(from, baseline, to, baseline + stroke), mark);
-        FillWith(context, clipped(from, upper, from + stroke, baseline), mark);
-        FillWith(context, clipped(to - stroke, upper, to, baseline), mark);
+/// The marks of one line: its measures and colours.
+class NamePainter::Marks {
+public:
+    Marks(HDC context, const RECT& bounds, const Line& line, const NameColours& colours)
+        : m_context(context), m_bounds(bounds), m_line(line), m_ground(GetSysColor(colours.ground)) {
+        TEXTMETRICW metrics = {};
+        GetTextMetricsW(context, &metrics);
+        m_top = (bounds.top + bounds.bottom - metrics.tmHeight) / 2;
+        m_baseline = m_top + metrics.tmAscent;
+        m_stroke = std::max(1, GetDeviceCaps(context, LOGPIXELSX) / USER_DEFAULT_SCREEN_DPI);
+        m_ink = GetSysColor(colours.ink);
+        m_mark = ReadableColour(GetSysColor(colours.mark), m_ground, m_ink);
     }
-    if (!name.isMarked) return true;
-    SetTextColor(context, mark);
-    for (const auto& [left, right] : line.StretchesOf(fitted.changed)) {
-        const LONG from = bounds.left + left;
-        const LONG to = bounds.left + right;
-        const RECT part = clipped(from, bounds.top, to + stroke, bounds.bottom);
-        FillWith(context, clipped(from, bounds.top, to, bounds.bottom), ground);
-        // The line itself again, and once more a stroke to the right: heavier, and not a pixel wider.
-        for (const LONG step : {0L, stroke}) line.Draw(context, bounds.left + step, top, part);
-        FillWith(context, clipped(from, baseline + stroke, to, baseline + 2 * stroke), mark);
+
+    void DrawText() const {
+        FillWith(m_context, m_bounds, m_ground);
+        SetBkMode(m_context, TRANSPARENT);
+        SetTextColor(m_context, m_ink);
+        m_line.Draw(m_context, m_bounds.left, m_top, m_bounds);
     }
-    if (name.changed.begin == name.changed.end) {
-        // A wedge: here something was taken out.
-        const size_t last = fitted.text.size() - 1;
-        const bool isAtEnd = fitted.changed.begin > last;
-        const LONG at = bounds.left + line.PlaceOf(isAtEnd ? last : fitted.changed.begin, isAtEnd);
-        FillWith(context, clipped(at - stroke, bounds.top + stroke, at + stroke, baseline + stroke), mark);
-        FillWith(context, clipped(at - 3 * stroke, baseline + stroke, at + 3 * stroke, baseline + 2 * stroke), mark);
+
+    /// A bracket below the blank.
+    void ShowBlank(size_t unit) const {
+        const auto [left, right] = std::minmax({m_line.PlaceOf(unit, false), m_line.PlaceOf(unit, true)});
+        const LONG end = std::max(left + 3 * m_stroke, static_cast<LONG>(right));
+        const LONG upper = m_baseline - (m_baseline - m_top) / 3;
+        Fill(left, m_baseline, end, m_baseline + m_stroke, m_mark);
+        Fill(left, upper, left + m_stroke, m_baseline, m_mark);
+        Fill(end - m_stroke, upper, end, m_baseline, m_mark);
     }
-    return true;
+
+    void ShowChange(ChangedPart part) const {
+        SetTextColor(m_context, m_mark);
+        for (const auto& [left, right] : m_line.StretchesOf(part)) {
+            Fill(left, m_bounds.top, right, m_bounds.bottom, m_ground);
+            // The line itself again, and once more a stroke to the right: heavier, and not a pixel wider.
+            const RECT within = Clipped(left, m_bounds.top, right + m_stroke, m_bounds.bottom);
+            for (const LONG step : {0L, m_stroke}) m_line.Draw(m_context, m_bounds.left + step, m_top, within);
+            Fill(left, m_baseline + m_stroke, right, m_baseline + 2 * m_stroke, m_mark);
+        }
+    }
+
+    /// A wedge: something was taken out before this unit.
+    void ShowGap(size_t unit, size_t count) const {
+        const bool isAtEnd = unit == count;
+        const LONG at = m_line.PlaceOf(isAtEnd ? unit - 1 : unit, isAtEnd);
+        Fill(at - m_stroke, m_bounds.top + m_stroke, at + m_stroke, m_baseline + m_stroke, m_mark);
+        Fill(at - 3 * m_stroke, m_baseline + m_stroke, at + 3 * m_stroke, m_baseline + 2 * m_stroke, m_mark);
+    }
+
+private:
+    /// `left` and `right` from the line's left edge.
+    RECT Clipped(LONG left, LONG top, LONG right, LONG bottom) const {
+        return {m_bounds.left + std::max(0L, left), std::max(m_bounds.top, top),
+                std::min(m_bounds.right, m_bounds.left + right), std::min(m_bounds.bottom, bottom)};
+    }
+    void Fill(LONG left, LONG top, LONG right, LONG bottom, COLORREF colour) const {
+        const RECT part = Clipped(left, top, right, bottom);
+        if (part.left < part.right) FillWith(m_context, part, colour);
+    }
+
+    HDC m_context;
+    const RECT& m_bounds;
+    const Line& m_line;
+    COLORREF m_ground;
+    COLORREF m_ink = 0;
+    COLORREF m_mark = 0;
+    LONG m_top = 0;
+    LONG m_baseline = 0;
+    LONG m_stroke = 1;  // pixels
+};
+
+void NamePainter::DrawLine(HDC context, const RECT& bounds, const Line& line, const DrawnName& name,
+                           const NameColours& colours) {
+    const Marks marks(context, bounds, line, colours);
+    marks.DrawText();
+    for (const size_t blank : HiddenBlanks(name.text)) marks.ShowBlank(blank);
+    if (!name.isMarked) return;
+    if (name.changed.begin == name.changed.end)
+        marks.ShowGap(name.changed.begin, name.text.size());
+    else
+        marks.ShowChange(name.changed);
 }
 
 }  // namespace BatchRename

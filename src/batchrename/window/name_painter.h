@@ -35,6 +35,10 @@ public:
 
 private:
     class Line;
+    class Marks;
+    /// All of a line that fits.
+    static void DrawLine(HDC context, const RECT& bounds, const Line& line, const DrawnName& name,
+                         const NameColours& colours);
 
     Win32::Module m_library;  // of the system's layout of text
 };

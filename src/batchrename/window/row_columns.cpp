@@ -4,7 +4,6 @@
 
 #include "batchrename/model/row_list.h"
 #include "ui/controls.h"
-#include "win32/window_position.h"
 
 #include <commctrl.h>
 
@@ -51,6 +50,11 @@ std::array<int, kColumnCount> FitColumns(int available, const ColumnWishes& wish
 void RowColumns::Create(HWND list) {
     m_list = list;
     Ui::AddColumns(list, kColumns);
+    Measure();
+}
+
+void RowColumns::Measure() {
+    m_wishes = {};
     m_wishes.smallestName = WidthOf(kNarrowestName);
     SetTexts({}, {});
 }
@@ -76,14 +80,6 @@ void RowColumns::Fit() {
     for (size_t column = 0; column < widths.size(); ++column)
         if (SendMessageW(m_list, LVM_GETCOLUMNWIDTH, column, 0) != widths[column])
             SendMessageW(m_list, LVM_SETCOLUMNWIDTH, column, widths[column]);
-}
-
-void RowColumns::Rescale(UINT from, UINT to) {
-    for (std::optional<int>& width : m_wishes.fixed)
-        if (width) *width = Win32::Rescaled(*width, from, to);
-    for (int* const width : {&m_wishes.status, &m_wishes.location}) *width = Win32::Rescaled(*width, from, to);
-    m_wishes.smallestName = WidthOf(kNarrowestName);
-    Fit();
 }
 
 void RowColumns::OnUsersWidth(int column, bool isGiven) {

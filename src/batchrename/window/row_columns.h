@@ -28,14 +28,14 @@ class RowColumns {
 public:
     /// Adds the columns to the list, which has a font.
     void Create(HWND list);
+    /// The list has another font. Widths that were given by hand, in pixels, are forgotten.
+    void Measure();
     /// What the two columns that are as wide as their words may have to show. The status grows only: names that move
     /// to and fro while a rule is typed cannot be read.
     void SetTexts(std::span<const std::wstring> status, const std::wstring& location);
     /// Other rows come: their words may be shorter.
     void ForgetTexts() { m_wishes.status = 0; }
     void Fit();
-    /// The list's font has become that of another scale.
-    void Rescale(UINT from, UINT to);
     /// The header has another width for a column, by the user's hand; or none any more.
     void OnUsersWidth(int column, bool isGiven);
 

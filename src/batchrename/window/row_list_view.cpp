@@ -16,6 +16,7 @@ constexpr int kNewNameColumn = static_cast<int>(RowColumn::NewName);
 // Pixels at 96 dots an inch: what the control leaves before and after a text, and after an icon.
 constexpr int kNameMargin = 6;
 constexpr int kFirstMargin = 2;
+constexpr int kIconSize = 16;
 
 bool IsNameColumn(int column) {
     return column == static_cast<int>(RowColumn::CurrentName) || column == kNewNameColumn;
@@ -64,15 +65,18 @@ void RowListView::OnHeaderNotice(const NMHEADERW& notice) {
     }
 }
 
-void RowListView::Rescale(HFONT font, UINT from, UINT to) {
-    SendMessageW(m_window, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
-    m_columns.Rescale(from, to);
-    m_iconSize = Win32::Rescaled(m_iconSize, from, to);
+void RowListView::Rescale(HFONT font) {
+    SendMessageW(m_window, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+    // The control draws its boxes once.
+    for (const LPARAM boxes : {0, LVS_EX_CHECKBOXES})
+        SendMessageW(m_window, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, boxes);
+    m_columns.Measure();
     Recolour();
+    Refresh(true);
 }
 
 void RowListView::Recolour() {
-    m_icons = MakeRowIcons(m_iconSize);
+    m_icons = MakeRowIcons(MulDiv(kIconSize, static_cast<int>(Win32::DotsPerInch(m_window)), USER_DEFAULT_SCREEN_DPI));
     SendMessageW(m_window, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(m_icons.Get()));
 }
 

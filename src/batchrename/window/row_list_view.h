@@ -52,8 +52,8 @@ public:
     void ShowOutdated(bool isOutdated);
     void ShowOrder(const RowOrder& order) const { m_columns.ShowOrder(order); }
     void Recolour();
-    /// The font for the screen's new scale; columns and pictures follow.
-    void Rescale(HFONT font, UINT from, UINT to);
+    /// The window has gone to a screen of another scale, for which this is the font.
+    void Rescale(HFONT font);
 
     RowRange VisibleRows() const;
     /// By row, true for the selected ones.
@@ -109,7 +109,6 @@ private:
     CellTips m_tips;
     NameEdit m_edit;
     NamePainter m_painter;
-    int m_iconSize = GetSystemMetrics(SM_CXSMICON);  // pixels
     ImageListHandle m_icons;
 };
 
