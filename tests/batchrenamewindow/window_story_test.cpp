@@ -222,6 +222,17 @@ TEST(RenameWindow, KeepsTheSelectionOnItsRows) {
     ASSERT_TRUE(window.WaitForStatus(L"3 of 3 items will be renamed"));
     EXPECT_EQ(window.Column(0), (Words{L"b", L"a", L"d"}));
 
+    // All are selected, then others come: those alone stay so.
+    ListView_SetItemState(window.List(), -1, LVIS_SELECTED, LVIS_SELECTED);
+    window.RunCommand({L"d", L"b", L"c"});
+    ASSERT_TRUE(window.WaitFor([&] { return window.Column(0) == Words{L"d", L"b", L"c"}; }));
+    EXPECT_EQ(selected(), (Words{L"d", L"b"}));
+    window.RunCommand({L"b", L"a", L"d"});
+    ASSERT_TRUE(window.WaitFor([&] { return window.Column(0) == Words{L"b", L"a", L"d"}; }));
+    ListView_SetItemState(window.List(), -1, 0, LVIS_SELECTED);
+    ListView_SetItemState(window.List(), 1, LVIS_SELECTED, LVIS_SELECTED);
+    ASSERT_TRUE(window.WaitForStatus(L"3 of 3 items will be renamed"));
+
     // What is selected stays so under its new name.
     EXPECT_EQ(selected(), Words{L"a"});
     window.Panel().Press(IDC_START);
