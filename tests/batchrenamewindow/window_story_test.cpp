@@ -276,8 +276,20 @@ TEST(RenameWindow, LeavesOutWhatIsNotCheckedAndTakesNamesByHand) {
     window.Panel().PressLater(IDC_UNDO);
     window.Dialog(L"Undo BatchRename").PressAndClose(IDOK);
     ASSERT_TRUE(window.WaitForStatus(L"2 of 2 items will be restored"));
+    // What is left out of a restore can be restored later.
+    press(VK_F2);
+    EXPECT_TRUE(window.WaitForStatus(L"The names of a restore come from its session."));
+    press(VK_HOME);
+    press(VK_SPACE);
+    ASSERT_TRUE(window.WaitForStatus(L"1 of 2 items will be restored, 1 not checked"));
     window.Panel().Press(IDC_START);
-    ASSERT_TRUE(window.WaitForStatus(L"2 Restored"));
+    ASSERT_TRUE(window.WaitForStatus(L"1 Restored, 1 Ignored"));
+    EXPECT_EQ(window.NamesOnDisk(), (Words{L"02.txt", L"a.txt", L"b.txt"}));
+    window.Panel().PressLater(IDC_UNDO);
+    window.Dialog(L"Undo BatchRename").PressAndClose(IDOK);
+    ASSERT_TRUE(window.WaitForStatus(L"1 of 2 items will be restored"));
+    window.Panel().Press(IDC_START);
+    ASSERT_TRUE(window.WaitForStatus(L"1 Restored, 1 Ignored"));
     EXPECT_EQ(window.NamesOnDisk(), names);
 }
 

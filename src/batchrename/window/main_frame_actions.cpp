@@ -96,7 +96,9 @@ void BatchRenameMainFrame::OnButton(int id) {
 }
 
 void BatchRenameMainFrame::OnRows(RowAction action, const std::vector<bool>& isMarked) {
+    if (m_model.IsRunning() && action != RowAction::OpenFolder) return static_cast<void>(MessageBeep(MB_OK));
     switch (action) {
+        case RowAction::Name: return ShowStatus(L"The names of a restore come from its session.");
         case RowAction::Check: return m_model.OnCheckRows(isMarked, true);
         case RowAction::Uncheck: return m_model.OnCheckRows(isMarked, false);
         case RowAction::TakeOut: return m_model.OnRemoveRows(isMarked);

@@ -32,7 +32,8 @@ public:
     /// A button, or a box that is no part of the rule.
     virtual void OnButton(int id) = 0;
     virtual void OnHeader(RowKey key) = 0;
-    /// For the rows that are marked. What the list does by itself does not come here.
+    /// For the rows that are marked. What the list does by itself does not come here, but for names that it cannot
+    /// change.
     virtual void OnRows(RowAction action, const std::vector<bool>& isMarked) = 0;
     virtual void OnName(const std::vector<bool>& isMarked, const std::wstring& name) = 0;
     virtual bool CanChangeRows() const = 0;

@@ -164,7 +164,7 @@ void RowListView::ShowMenu(POINT point) {
 
 void RowListView::EditName(int place) {
     if (place < 0 || static_cast<size_t>(place) >= m_rows.PlaceCount()) return;
-    if (!m_listener.CanNameRows()) return MessageBeep(MB_OK), void();
+    if (!m_listener.CanNameRows()) return m_listener.OnRows(RowAction::Name, {});
     const size_t row = m_rows.RowAt(static_cast<size_t>(place));
     const std::wstring name = m_rows.NewName(row).empty() ? m_rows.OldName(row) : m_rows.NewName(row);
     SendMessageW(m_window, LVM_ENSUREVISIBLE, static_cast<WPARAM>(place), FALSE);
