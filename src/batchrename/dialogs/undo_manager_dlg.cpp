@@ -12,8 +12,8 @@ namespace {
 
 // compatibility: 11
 constexpr Ui::ListColumn kSessionColumns[] = {
-    {L"Date and time when files was renamed", 640}, {L"Items :", 128}, {L"State", 560}};
-constexpr Ui::ListColumn kEntryColumns[] = {{L"New name", 416}, {L"Old name", 416}, {L"Location", 480}};
+    {L"Date and time when files was renamed", 848}, {L"Items :", 176}, {L"State", 640}};
+constexpr Ui::ListColumn kEntryColumns[] = {{L"New name", 544}, {L"Old name", 544}, {L"Location", 576}};
 
 constexpr Ui::Anchor kAnchors[] = {
     {IDC_SESSIONS, 0, 0, 100, 40},  {IDC_ENTRIES_LABEL, 0, 40, 0, 40},  {IDC_ENTRIES, 0, 40, 100, 100},

@@ -126,6 +126,7 @@ bool RulePanel::OnInit() {
     Ui::FillCombo(Item(IDC_SCOPE), m_texts, kScopes, 0, RenameOption::ScopeBoth);
     Ui::AddColumns(Item(IDC_ITEMS), kItemColumns);
     SendMessageW(Item(IDC_ITEMS), LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);
+    ShareItemColumns();
     Ui::SetChecked(Item(IDC_LIVE_PREVIEW), true);
     Ui::SetChecked(Item(IDC_SAVE_UNDO), true);
     SetRule({});
