@@ -169,6 +169,15 @@ TEST(RenameWindow, FollowsAPairWhileItIsTypedAndSwitched) {
     EXPECT_TRUE(shows({L"a", L"b"})) << "switched off";
     PostMessageW(pairs, WM_KEYDOWN, VK_SPACE, 1);
     EXPECT_TRUE(shows({L"a", L"x"}));
+
+    // What is typed counts for Start, also without the preview.
+    window.Panel().Press(IDC_LIVE_PREVIEW);
+    PostMessageW(pairs, WM_KEYDOWN, VK_F2, 1);
+    ASSERT_TRUE(edits(L"b"));
+    SendMessageW(cell(), WM_CHAR, L'a', 1);
+    PostMessageW(cell(), WM_SYSCHAR, L's', KF_ALTDOWN << 16 | 1);
+    EXPECT_TRUE(window.WaitForStatus(L"1 Renamed, 1 Ignored"));
+    EXPECT_EQ(window.NamesOnDisk(), (Words{L"b", L"x"}));
 }
 
 TEST(RenameWindow, StartsAndClosesByNoLetterWithoutAlt) {

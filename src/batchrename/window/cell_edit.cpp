@@ -24,8 +24,9 @@ void Tell(HWND edit, int code) {
 
 LRESULT CALLBACK Procedure(HWND edit, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     const auto usual = reinterpret_cast<WNDPROC>(GetWindowLongPtrW(edit, GWLP_USERDATA));
-    // The dialog would take these keys for its own.
-    if (message == WM_GETDLGCODE) return DLGC_WANTALLKEYS;
+    // The dialog would take these keys for its own; those with Alt are.
+    const auto* const asked = message == WM_GETDLGCODE ? reinterpret_cast<const MSG*>(lParam) : nullptr;
+    if (asked && asked->message == WM_KEYDOWN && EndOfKey(asked->wParam) != 0) return DLGC_WANTALLKEYS;
     // The control is gone once it has told of its end.
     if (message == WM_KEYDOWN)
         if (const int end = EndOfKey(wParam)) return Tell(edit, end), 0;

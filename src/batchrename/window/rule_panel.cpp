@@ -197,6 +197,7 @@ bool RulePanel::OnCommand(int id, int notification) {
         return true;
     }
     const bool isClick = notification == BN_CLICKED;
+    if (isClick) EndCell(true);  // what the button does may change its row
     if (isClick && id == IDC_NAME_TAGS) InsertTag(id, IDC_NAME_TEMPLATE);
     if (isClick && id == IDC_EXTENSION_TAGS) InsertTag(id, IDC_EXTENSION_TEMPLATE);
     if (isClick && id >= IDC_ITEM_NEW && id <= IDC_ITEM_DOWN) OnItemButton(id);
@@ -270,7 +271,6 @@ void RulePanel::InsertTag(int button, int edit) {
 }
 
 void RulePanel::OnItemButton(int id) {
-    EndCell(true);
     const int selected = Ui::SelectedRow(Item(IDC_ITEMS));
     if (id == IDC_ITEM_NEW) return EditItem(true);
     if (selected < 0 || static_cast<size_t>(selected) >= m_items.size()) return;
@@ -344,11 +344,10 @@ void RulePanel::EndCell(bool isTaken) {
     if (GetFocus() == cell) SetFocus(Item(IDC_ITEMS));
     DestroyWindow(cell);
     SearchAndReplaceItem& item = m_items[m_cellRow];
-    const bool isLive = Ui::IsChecked(Item(IDC_LIVE_PREVIEW));
-    const bool mustFollow = item != m_cellBefore && (!isTaken || !isLive);
+    const bool hasChanged = item != m_cellBefore;
     if (!isTaken) item = std::exchange(m_cellBefore, {});
     ShowTexts(static_cast<int>(m_cellRow), item);
-    if (mustFollow) m_listener.OnRuleChanged();
+    if (hasChanged) m_listener.OnRuleChanged();
 }
 
 void RulePanel::ShowItems(int selected) {
