@@ -3,180 +3,80 @@
 namespace Bench {
 namespace {
 
-constexpr uint64_t kMegabyte = 1'000'000;
-constexpr uint64_t kIdleProcess = 13 * kMegabyte;
-// Whatever goes through a file in blocks: the same for every size.
-constexpr uint64_t kBlocksOnly = kIdleProcess + 12 * kMegabyte;
-
-const char* const kFreshPeer = "rm -f $W/out.peer";
-const char* const kEqual = "cmp $W/out.ours $W/out.peer";
-const char* const kSameLines =
-    "[ \"$(LC_ALL=C sort $W/out.ours | md5sum)\" = \"$(LC_ALL=C sort $W/out.peer | md5sum)\" ]";
-
-/// Find and replace in a copy of a sample.
-Case Find(std::string name, const std::string& sample, uint64_t bytes, Peer peer, const std::string& parameters,
-          const std::string& peerFilter) {
-    return {std::move(name),
-            std::move(peer),
-            bytes,
-            "B",
-            {sample},
-            "ln -sf $D/" + sample + " $W/in.txt; rm -f $W/out.ours",
-            kFreshPeer,
-            "exec $QV call FindAndReplace SILENT FILE=$W/in.txt TARGET=out.ours " + parameters,
-            peerFilter + " > $W/out.peer",
-            kEqual,
-            kBlocksOnly};
+/// A menu command that changes a file in its place; another tool writes beside it and moves the result over it.
+Case Convert(const std::string& what, const std::string& sample, uint64_t bytes, double limit,
+             const std::string& command, std::vector<Peer> filters) {
+    for (Peer& peer : filters) peer.command += " < $W/out.peer > $W/new && mv $W/new $W/out.peer";
+    return {.name = what + " in " + sample.substr(0, sample.find('.')),
+            .limit = limit,
+            .amount = bytes,
+            .unit = "B",
+            .samples = {sample},
+            .prepare = "cp $D/" + sample + " $W/out.ours",
+            .preparePeer = "cp $D/" + sample + " $W/out.peer",
+            .ours = "exec $QV " + command + " $W/out.ours",
+            .peers = std::move(filters),
+            .compare = kEqual,
+            .memoryLimit = kBlocksOnly};
 }
 
-/// What is sorted, and what a line of it takes at most, in bytes.
-struct SortSample {
-    std::string name;
-    std::string file;
-    uint64_t lineBytes;
-};
-constexpr uint64_t kSortMemory = 32;                // bytes a line besides its text
-constexpr uint64_t kSortOverhead = 12 * kMegabyte;  // for buffers and threads
-
-/// In some order, against GNU sort with all processors.
-Case Sort(const std::string& order, const SortSample& sample, uint64_t lines, double limit,
-          const std::string& parameters, const std::string& peerOptions) {
-    return {"sort " + sample.name + ", " + order,
-            {"GNU sort", "sort", limit, "half of it"},
-            lines,
-            "lines",
-            {sample.file},
-            "ln -sf $D/" + sample.file + " $W/in.txt; rm -f $W/out.ours",
-            kFreshPeer,
-            "exec $QV call SortLines SILENT FILE=$W/in.txt TARGET=out.ours " + parameters,
-            "LC_ALL=C sort -s " + peerOptions + " $W/in.txt -o $W/out.peer",
-            kEqual,
-            kIdleProcess + kSortOverhead + (kSortMemory + sample.lineBytes) * lines};
+void AddTextConversions(std::vector<Case>& cases, const std::string& set, uint64_t text) {
+    cases.push_back(Convert("to LF", set + ".few.crlf", text, 0.7, "--answer yes command 30101",
+                            {{"tr", "tr", "tr -d '\\r'"},
+                             {"dos2unix", "dos2unix", "dos2unix -q"},
+                             {"GNU sed", "sed", "LC_ALL=C sed 's/\\r$//'"},
+                             {"perl", "perl", "perl -0777 -pe 's/\\r\\n/\\n/g'"},
+                             {"sd", "sd", "sd '\\r\\n' '\\n'"}}));
+    cases.push_back(Convert("to CR LF", set + ".few.lf", text, 0.7, "--answer yes command 30102",
+                            {{"unix2dos", "unix2dos", "unix2dos -q"},
+                             {"GNU sed", "sed", "LC_ALL=C sed 's/$/\\r/'"},
+                             {"perl", "perl", "perl -0777 -pe 's/\\n/\\r\\n/g'"},
+                             {"sd", "sd", "sd '\\n' '\\r\\n'"}}));
+    cases.push_back(Convert("tabs to spaces", set + ".few.tabs", text, 0.6, "--answer yes --answer 4 command 30110",
+                            {{"GNU sed", "sed", "LC_ALL=C sed 's/\\t/    /g'"},
+                             {"perl", "perl", "perl -0777 -pe 's/\\t/    /g'"},
+                             {"sd", "sd", "sd '\\t' '    '"}}));
 }
 
-/// A menu command that changes a file in its place; the other tool writes beside it and moves the result over it.
-Case Convert(std::string name, const std::string& sample, uint64_t bytes, Peer peer, const std::string& command,
-             const std::string& peerFilter) {
-    return {std::move(name),
-            std::move(peer),
-            bytes,
-            "B",
-            {sample},
-            "cp $D/" + sample + " $W/out.ours",
-            "cp $D/" + sample + " $W/out.peer",
-            "exec $QV " + command,
-            peerFilter + " < $W/out.peer > $W/new && mv $W/new $W/out.peer",
-            kEqual,
-            kBlocksOnly};
-}
-
-void AddSearches(std::vector<Case>& cases, const Data& data) {
-    const uint64_t text = data.TextBytes();
-    cases.push_back(Find("literal, 100 hits", "few.txt", text, {"GNU sed", "sed", 1.0, "ripgrep"},
-                         "FIND=needle REPLACEWITH=pin", "sed s/needle/pin/g $W/in.txt"));
-    cases.push_back(Find("literal, a hit a line", "many.txt", text, {"GNU sed", "sed", 0.8, "sd"},
-                         "FIND=needle REPLACEWITH=longer-pin", "sed s/needle/longer-pin/g $W/in.txt"));
-    Case none = Find("literal, no hit", "few.txt", text, {"GNU sed", "sed", 0.5, "grep"}, "FIND=needlx REPLACEWITH=pin",
-                     "sed s/needlx/pin/g $W/in.txt");
-    none.compare = "[ ! -e $W/out.ours ]";
-    cases.push_back(none);
-    cases.push_back(Find("wildcard, 100 hits", "few.txt", text, {"GNU sed", "sed", 0.65, "0.8 of sd"},
-                         "WILDCARD FIND=nee?le REPLACEWITH=pin", "sed s/nee.le/pin/g $W/in.txt"));
-    cases.push_back(Find("wildcard, a hit a line", "many.txt", text, {"perl", "perl", 0.65, "0.8 of sd"},
-                         "WILDCARD 'FIND=request*ms' REPLACEWITH=pin", "perl -pe 's/request.*ms/pin/g' $W/in.txt"));
-    cases.push_back(Find("three pairs", "many.txt", text, {"GNU sed", "sed", 0.65, "0.45"},
-                         "MODE=Many 'FIND=worker\\nrequest\\nneedle' 'REPLACEWITH=thread\\ncall\\npin'",
-                         "sed -e s/worker/thread/g -e s/request/call/g -e s/needle/pin/g $W/in.txt"));
-    cases.push_back(Find("over line breaks", "many.txt", text, {"perl -0777", "perl", 1.0, "sd"},
-                         "MODE=Multiline 'FIND=needle\\n2026-03-07' 'REPLACEWITH=pin\\n2027-04-08'",
-                         "perl -0777 -pe 's/needle\\n2026-03-07/pin\\n2027-04-08/g' $W/in.txt"));
-    cases.push_back(Find("UTF-16, 100 hits", "few16.txt", text, {"iconv, sed, iconv", "iconv", 0.7, "perl on bytes"},
-                         "FIND=needle REPLACEWITH=pin",
-                         "iconv -f UTF-16 -t UTF-8 $W/in.txt | sed s/needle/pin/g | iconv -f UTF-8 -t UTF-16"));
-    cases.push_back(Find("UTF-16, a hit a line", "many16.txt", text,
-                         {"iconv, sed, iconv", "iconv", 0.7, "perl on bytes"}, "FIND=needle REPLACEWITH=pin",
-                         "iconv -f UTF-16 -t UTF-8 $W/in.txt | sed s/needle/pin/g | iconv -f UTF-8 -t UTF-16"));
-    cases.push_back(Find("one line, 600,000 hits", "line.txt", data.LineBytes(), {"GNU sed", "sed", 1.0, "sd"},
-                         "FIND=needle REPLACEWITH=longer-pin", "sed s/needle/longer-pin/g $W/in.txt"));
-    // Held whole, as it was and as it becomes.
-    cases.back().memoryLimit = kIdleProcess + 26 * data.LineBytes() / 10;
-}
-
-void AddTextSorts(std::vector<Case>& cases, const SortSample& sample, uint64_t lines) {
-    cases.push_back(Sort("by line", sample, lines, 0.8, "", ""));
-    // Where capital letters are the only difference, the two orders are not the same.
-    cases.push_back(Sort("ignoring case", sample, lines, 0.8, "IGNORECASE", "-f"));
-    cases.back().compare = kSameLines;
-    // Nor are they in every detail of a language.
-    Case language = Sort("in a language", sample, lines, 0.6, "LANGUAGEORDER", "");
-    language.peer.name = "GNU sort, en_US";
-    language.peerCommand = "LOCPATH=$D/locale LC_ALL=en_US.UTF-8 sort -s $W/in.txt -o $W/out.peer";
-    language.prepare +=
-        "; [ -e $D/locale/en_US.UTF-8 ] || "
-        "{ mkdir -p $D/locale; localedef -i en_US -f UTF-8 $D/locale/en_US.UTF-8; }";
-    language.compare = kSameLines;
-    cases.push_back(language);
-    cases.push_back(Sort("naturally", sample, lines, 0.6, "LANGUAGEORDER NATRUALNUMORDER", "-V"));
-    cases.back().peer.name = "GNU sort -V";
-    cases.back().compare = kSameLines;
-}
-
-void AddSorts(std::vector<Case>& cases, const Data& data) {
-    const uint64_t lines = data.SortLines();
-    const SortSample table = {"a table", "sort.txt", 54};
-    const SortSample logs = {"logs", "sort-logs.txt", 80};
-    for (const SortSample& sample :
-         {table, logs, SortSample{"words", "sort-words.txt", 72}, SortSample{"alike", "sort-alike.txt", 68}})
-        AddTextSorts(cases, sample, lines);
-    cases.push_back(Sort("by number", table, lines, 0.8, "SORTBY=item 'ITEMSEP=;' ITEM=2 SORTAS=num", "-t';' -k2,2n"));
-    cases.push_back(Sort("by number", logs, lines, 0.8, "SORTBY=item 'ITEMSEP= ' ITEM=5 SORTAS=num", "-t' ' -k5,5n"));
-    cases.push_back(Sort("by date", table, lines, 0.3, "SORTBY=item 'ITEMSEP=;' ITEM=3 SORTAS=date DATEFORMAT=%d.%m.%Y",
-                         "-t';' -k3.7,3.10n -k3.4,3.5n -k3.1,3.2n"));
-    cases.push_back(Sort("by date", logs, lines, 0.3, "SORTBY=item 'ITEMSEP= ' ITEM=1 SORTAS=date DATEFORMAT=%Y-%m-%d",
-                         "-t' ' -k1.1,1.4n -k1.6,1.7n -k1.9,1.10n"));
-    cases.push_back(Sort("by name", table, lines, 0.6, "SORTBY=item 'ITEMSEP=;' ITEM=4 LANGUAGEORDER NATRUALNUMORDER",
-                         "-t';' -k4,4V"));
-    cases.back().peer.name = "GNU sort -V";
+void AddBase64(std::vector<Case>& cases, const std::string& sample, uint64_t bytes) {
+    const std::string in = " of " + sample.substr(0, sample.find('.'));
+    const std::string link = "ln -sf $D/" + sample + " $W/in.bin";
+    cases.push_back({.name = "Base64 encode" + in,
+                     .limit = 0.8,
+                     .amount = bytes,
+                     .unit = "B",
+                     .samples = {sample},
+                     .prepare = link + "; rm -f $W/in.bin.b64",
+                     .preparePeer = kFreshPeer,
+                     .ours = "exec $QV --answer yes command 30210 $W/in.bin",
+                     .peers = {{"base64", "base64", "base64 -w 76 $W/in.bin > $W/out.peer"},
+                               {"perl MIME", "perl",
+                                "perl -MMIME::Base64 -e 'binmode STDIN; while (read(STDIN, $b, 57 * 1024)) "
+                                "{ print encode_base64($b, \"\\r\\n\") }' < $W/in.bin > $W/out.peer"}},
+                     .compare = "base64 -di $W/out.peer | cmp - $W/in.bin && "
+                                "sed '1,/^\\r*$/d' $W/in.bin.b64 | base64 -di | cmp - $W/in.bin",
+                     .memoryLimit = kBlocksOnly});
+    cases.push_back(
+        {.name = "Base64 decode" + in,
+         .limit = 0.8,
+         .amount = bytes,
+         .unit = "B",
+         .samples = {sample},
+         .prepare = "rm -f $W/in.bin; [ -e $W/in.b64 ] || { base64 -w 76 $D/" + sample +
+                    " > $W/body; { printf '%s\\n' MIME-Version:\\ 1.0 "
+                    "'Content-Type: application/octet-stream; name=\"in.bin\"' "
+                    "'Content-Transfer-Encoding: base64' ''; cat $W/body; } > $W/in.b64; }",
+         .preparePeer = kFreshPeer,
+         .ours = "exec $QV --answer yes command 30211 $W/in.b64",
+         .peers = {{"base64", "base64", "base64 -d $W/body > $W/out.peer"},
+                   {"perl MIME", "perl", "perl -MMIME::Base64 -ne 'print decode_base64($_)' < $W/body > $W/out.peer"}},
+         .compare = "cmp $W/in.bin $W/out.peer",
+         .memoryLimit = kBlocksOnly});
 }
 
 void AddConversions(std::vector<Case>& cases, const Data& data) {
-    const uint64_t text = data.TextBytes();
-    cases.push_back(Convert("to LF", "crlf.txt", text, {"tr", "tr", 0.75, "1.15 of a copy"},
-                            "--answer yes command 30101 $W/out.ours", "tr -d '\\r'"));
-    cases.push_back(Convert("to CR LF", "few.txt", text, {"GNU sed", "sed", 0.75, "1.15 of a copy"},
-                            "--answer yes command 30102 $W/out.ours", "sed 's/$/\\r/'"));
-    cases.push_back(Convert("tabs to spaces", "tabs.txt", text, {"sd", "sd", 0.7, "0.55"},
-                            "--answer yes --answer 4 command 30110 $W/out.ours", "sd '\\t' '    '"));
-    const std::string encode =
-        "perl -MMIME::Base64 -e 'binmode STDIN; while (read(STDIN, $b, 57 * 1024)) "
-        "{ print encode_base64($b, \"\\r\\n\") }' < $D/bytes.bin > $W/out.peer";
-    const std::string decode = "perl -MMIME::Base64 -ne 'print decode_base64($_)' < $W/body > $W/out.peer";
-    cases.push_back({"Base64 encode",
-                     {"perl MIME", "perl", 0.95, "1.3 of a copy"},
-                     text,
-                     "B",
-                     {"bytes.bin"},
-                     "ln -sf $D/bytes.bin $W/bytes.bin; rm -f $W/bytes.bin.b64",
-                     kFreshPeer,
-                     "exec $QV --answer yes command 30210 $W/bytes.bin",
-                     encode,
-                     "base64 -di $W/out.peer | cmp - $W/bytes.bin && "
-                     "sed '1,/^\\r*$/d' $W/bytes.bin.b64 | base64 -di | cmp - $W/bytes.bin",
-                     kBlocksOnly});
-    cases.push_back({"Base64 decode",
-                     {"perl MIME", "perl", 0.95, "1.3 of a copy"},
-                     text,
-                     "B",
-                     {"bytes.bin"},
-                     "rm -f $W/bytes.bin; [ -e $W/in.b64 ] || { base64 -w 76 $D/bytes.bin > $W/body; "
-                     "{ printf '%s\\n' MIME-Version:\\ 1.0 "
-                     "'Content-Type: application/octet-stream; name=\"bytes.bin\"' "
-                     "'Content-Transfer-Encoding: base64' ''; cat $W/body; } > $W/in.b64; }",
-                     kFreshPeer,
-                     "exec $QV --answer yes command 30211 $W/in.b64",
-                     decode,
-                     "cmp $W/bytes.bin $D/bytes.bin",
-                     kBlocksOnly});
+    for (const char* set : {"random", "logs", "prose"}) AddTextConversions(cases, set, data.TextBytes());
+    for (const char* sample : {"bytes.bin", "logs.few.lf", "prose.few.lf"}) AddBase64(cases, sample, data.TextBytes());
 }
 
 /// Each gets a copy of a folder of files of its own.
@@ -216,54 +116,68 @@ const char* const kPreviewInPerl = R"(
     }
 )";
 
+/// What every call begins with: a program of the platform, the library, its beginning and its end.
+Case Start() {
+    const std::string tenTimes = "for i in 1 2 3 4 5 6 7 8 9 10; do ";
+    return {
+        .name = "start",
+        .limit = 1.3,
+        .amount = 10,
+        .unit = "starts",
+        .prepare = ": > $W/empty.txt",
+        .ours =
+            tenTimes + "$QV call FindAndReplace SILENT DELETE FILE=$W/empty.txt FIND=a REPLACEWITH=b || exit 1; done",
+        .peers = {{"a program that loads an empty library", "sh", tenTimes + "$WINE $LOOPS/start.exe || exit 1; done"}},
+        .memoryLimit = kBlocksOnly};
+}
+
 void AddFiles(std::vector<Case>& cases, const Data& data) {
+    cases.push_back(Start());
     cases.push_back(
-        {"small files, a hit each",
-         {"bare loop", "sh", 1.5, "1.3"},
-         data.SmallFiles(),
-         "files",
-         {"small"},
-         CopyOf("small", "ours"),
-         CopyOf("small", "peer"),
-         "exec $QV --files-from $W/ours.list call FindAndReplace FILE={} FIND=needle REPLACEWITH=pin DELETE "
-         "SILENT",
-         "exec $WINE $LOOPS/small_files_loop.exe $W/peer.list",
-         "diff -r $W/ours $W/peer",
-         kBlocksOnly});
-    cases.push_back({"rename files",
-                     {"bare loop", "sh", 1.3, "1.15"},
-                     data.RenamedFiles(),
-                     "files",
-                     {"renamed"},
-                     CopyOf("renamed", "ours"),
-                     CopyOf("renamed", "peer"),
-                     "exec $QV --files-from $W/ours.list rename --name '[N]-renamed'",
-                     "exec $WINE $LOOPS/rename_loop.exe $W/peer.list",
-                     "diff -r $W/ours $W/peer",
-                     kIdleProcess + 3000 * data.RenamedFiles()});
-    cases.push_back({"rename preview",
-                     {"perl", "perl", 0.5, "0.3"},
-                     data.PreviewNames(),
-                     "names",
-                     {"names"},
-                     "",
-                     "",
-                     "exec $QV --files-from $D/names.list rename --preview --name '[C1,1,6]_[N]' --case lower "
-                     "--find draft --replace final > $W/out.ours",
-                     std::string("perl -e '") + kPreviewInPerl + "' $D/names.list > $W/out.peer",
-                     kEqual,
-                     kIdleProcess + 300 * data.PreviewNames()});
-    cases.push_back({"columns",
-                     {"bare loop", "sh", 1.3, "1.1"},
-                     data.SmallFiles(),
-                     "files",
-                     {"small"},
-                     "",
-                     "",
-                     "exec $QV --files-from $D/small.list columns --csv",
-                     "exec $WINE $LOOPS/columns_loop.exe $D/small.list",
-                     "",
-                     kBlocksOnly});
+        {.name = "small files, a hit each",
+         .limit = 1.5,
+         .amount = data.SmallFiles(),
+         .unit = "files",
+         .samples = {"small"},
+         .prepare = CopyOf("small", "ours"),
+         .preparePeer = CopyOf("small", "peer"),
+         .ours =
+             "exec $QV --files-from $W/ours.list call FindAndReplace FILE={} FIND=needle REPLACEWITH=pin DELETE SILENT",
+         .peers = {{"bare loop", "sh", "exec $WINE $LOOPS/small_files_loop.exe $W/peer.list"}},
+         .compare = "diff -r $W/ours $W/peer",
+         .memoryLimit = kBlocksOnly});
+    cases.push_back({.name = "rename files",
+                     .limit = 1.25,
+                     .amount = data.RenamedFiles(),
+                     .unit = "files",
+                     .samples = {"renamed"},
+                     .prepare = CopyOf("renamed", "ours"),
+                     .preparePeer = CopyOf("renamed", "peer"),
+                     .ours = "exec $QV --files-from $W/ours.list rename --name '[N]-renamed'",
+                     .peers = {{"bare loop", "sh", "exec $WINE $LOOPS/rename_loop.exe $W/peer.list"}},
+                     .compare = "diff -r $W/ours $W/peer",
+                     .memoryLimit = kIdleProcess + 3000 * data.RenamedFiles(),
+                     .holdsWork = true});
+    cases.push_back(
+        {.name = "rename preview",
+         .limit = 0.5,
+         .amount = data.PreviewNames(),
+         .unit = "names",
+         .samples = {"names"},
+         .ours = "exec $QV --files-from $D/names.list rename --preview --name '[C1,1,6]_[N]' --case lower "
+                 "--find draft --replace final > $W/out.ours",
+         .peers = {{"perl", "perl", std::string("perl -e '") + kPreviewInPerl + "' $D/names.list > $W/out.peer"}},
+         .compare = kEqual,
+         .memoryLimit = kIdleProcess + 300 * data.PreviewNames(),
+         .holdsWork = true});
+    cases.push_back({.name = "columns",
+                     .limit = 1.0,
+                     .amount = data.SmallFiles(),
+                     .unit = "files",
+                     .samples = {"small"},
+                     .ours = "exec $QV --files-from $D/small.list columns --csv",
+                     .peers = {{"bare loop", "sh", "exec $WINE $LOOPS/columns_loop.exe $D/small.list"}},
+                     .memoryLimit = kBlocksOnly});
 }
 
 }  // namespace
@@ -275,6 +189,27 @@ std::vector<Case> AllCases(const Data& data) {
     AddConversions(cases, data);
     AddFiles(cases, data);
     return cases;
+}
+
+std::vector<Case> LargeCases() {
+    constexpr uint64_t kBytes = 10'000'000'000;
+    // Mostly holes, which the disk need not hold: each megabyte ends in a line of text.
+    const std::string make =
+        "rm -f $W/out.ours $W/in.txt; perl -e 'open F, \">\", shift; print F \"begin\\n\" x 10000; "
+        "for (1 .. 10000) { seek F, $_ * 1000000, 0; print F \"\\na needle and\\ttabs\\r\\n\" }' $W/in.txt";
+    const auto large = [&](const std::string& name, const std::string& command) {
+        return Case{.name = "10 GB, " + name,
+                    .amount = kBytes,
+                    .unit = "B",
+                    .prepare = make,
+                    .ours = "exec $QV " + command,
+                    .memoryLimit = 25 * kMegabyte};
+    };
+    return {large("find and replace",
+                  "call FindAndReplace SILENT FILE=$W/in.txt TARGET=out.ours FIND=needle REPLACEWITH=pin"),
+            large("to LF", "--answer yes command 30101 $W/in.txt"),
+            large("tabs to spaces", "--answer yes --answer 4 command 30110 $W/in.txt"),
+            large("Base64 encode", "--answer yes command 30210 $W/in.txt")};
 }
 
 }  // namespace Bench

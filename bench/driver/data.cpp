@@ -14,19 +14,42 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr size_t kLine = 80;             // bytes of a log line, its break included
-constexpr uint64_t kFewHits = 100;       // in a log with few hits
+constexpr size_t kLine = 80;             // bytes of a line of random text and logs to sort, its break included
+constexpr uint64_t kFewHits = 100;       // in a text with few hits
 constexpr uint64_t kFilesAFolder = 500;  // the test platform's cost of a new name grows with its folder
-constexpr const char* kHit = "needle";
-constexpr const char* kNoHit = "noodle";
-constexpr const char* kUtf16Mark = "\xFF\xFE";
+using Random = std::mt19937_64;          // the same numbers everywhere
 
-using Random = std::mt19937_64;  // the same numbers everywhere
+/// What becomes of each line of a text on its way into the file.
+class Form {
+public:
+    explicit Form(const std::string& name) : m_name(name) {
+        for (const char* known : {"lf", "crlf", "tabs", "utf8", "utf16", "line"})
+            if (name == known) return;
+        throw std::runtime_error("there is no form of text called " + name);
+    }
+
+    std::string Begin() const { return m_name == "utf8" ? "\xEF\xBB\xBF" : m_name == "utf16" ? "\xFF\xFE" : ""; }
+    std::string Line(std::string line) const {
+        if (m_name == "tabs") std::ranges::replace(line, ' ', '\t');
+        line += m_name == "crlf" ? "\r\n" : m_name == "line" ? " " : "\n";
+        if (m_name != "utf16") return line;
+        std::string wide(2 * line.size(), '\0');
+        for (size_t at = 0; at < line.size(); ++at) wide[2 * at] = line[at];
+        return wide;
+    }
+
+private:
+    std::string m_name;
+};
 
 class Output {
 public:
-    explicit Output(const fs::path& path) : m_path(path), m_file(path, std::ios::binary) {}
+    explicit Output(const fs::path& path, const Form& form = Form("lf"))
+        : m_path(path), m_form(form), m_file(path, std::ios::binary) {
+        Write(form.Begin());
+    }
     void Write(const std::string& bytes) { m_file.write(bytes.data(), static_cast<std::streamsize>(bytes.size())); }
+    void WriteLine(std::string line) { Write(m_form.Line(std::move(line))); }
     void Close() {
         m_file.close();
         if (!m_file) throw std::runtime_error("cannot write " + m_path.string());
@@ -34,6 +57,7 @@ public:
 
 private:
     fs::path m_path;
+    Form m_form;
     std::ofstream m_file;
 };
 
@@ -43,91 +67,108 @@ std::string Word(Random& random, size_t length) {
     return word;
 }
 
-/// A line of a log, without its break. What is looked for stands at its end, so that a match over two lines can be.
+std::string Format(const char* format, auto... values) {
+    char text[160];
+    std::snprintf(text, sizeof(text), format, values...);
+    return text;
+}
+
+// Lines without their break. What is looked for stands at the end, so that a match over two lines can be.
+
+std::string RandomLine(Random& random, uint64_t number, bool isHit) {
+    std::string line = Format("2026-03-%02u %02u:%02u worker-%02u request %07u took %04u ms ",
+                              unsigned(1 + number % 28), unsigned(number / 60 % 24), unsigned(number % 60),
+                              unsigned(random() % 40), unsigned(number % 10'000'000), unsigned(random() % 10'000));
+    line += Word(random, kLine - 1 - std::string(" needle").size() - line.size());
+    return line + (isHit ? " needle" : " noodle");
+}
+
 std::string LogLine(Random& random, uint64_t number, bool isHit) {
-    char start[64];
-    std::snprintf(start, sizeof(start), "2026-03-%02u %02u:%02u worker-%02u request %07u took %04u ms ",
-                  static_cast<unsigned>(1 + number % 28), static_cast<unsigned>(number / 60 % 24),
-                  static_cast<unsigned>(number % 60), static_cast<unsigned>(random() % 40),
-                  static_cast<unsigned>(number % 10'000'000), static_cast<unsigned>(random() % 10'000));
-    std::string line = start;
-    const size_t padding = kLine - 1 - 1 - std::string(kHit).size();
-    line += Word(random, padding - line.size());
-    return line + ' ' + (isHit ? kHit : kNoHit);
+    static constexpr const char* kPaths[] = {"orders", "customers/addresses", "search", "basket/items", "login"};
+    return Format("2026-03-%02uT%02u:%02u:%02u.%03uZ node-%02u gateway[%u]: INFO request GET /api/v2/%s/%u took %u ms ",
+                  unsigned(1 + number % 28), unsigned(number / 3600 % 24), unsigned(number / 60 % 60),
+                  unsigned(number % 60), unsigned(random() % 1000), unsigned(random() % 40),
+                  unsigned(1000 + random() % 8), kPaths[random() % 5], unsigned(random() % 100'000),
+                  unsigned(random() % 2000)) +
+           (isHit ? "rejected" : "received");
 }
 
-/// Calls `take` with each line of a log of `bytes` bytes.
-void ForEachLogLine(uint64_t bytes, bool hasManyHits, const std::function<void(const std::string&)>& take) {
+std::string ProseLine(Random& random, uint64_t number, bool isHit) {
+    static constexpr const char* kWords[] = {
+        "the",         "international",  "government",    "of",       "organisation",
+        "because",     "development",    "and",           "internal", "constitution",
+        "in",          "interpretation", "international", "to",       "government",
+        "information", "which",          "administrative"};
+    std::string line = Format("Chapter %02u", unsigned(1 + number % 28));
+    // The first words come more often.
+    for (uint64_t words = 4 + random() % 8; words > 0; --words)
+        line += std::string(" ") + kWords[std::min(random() % std::size(kWords), random() % std::size(kWords))];
+    return line + (isHit ? " internationally" : " internationalism");
+}
+
+const struct {
+    const char* name;
+    std::string (*line)(Random&, uint64_t, bool);
+} kSets[] = {{"random", RandomLine}, {"logs", LogLine}, {"prose", ProseLine}};
+
+/// `bytes` as they are in 8-bit text.
+void WriteText(const fs::path& path, std::string (*line)(Random&, uint64_t, bool), uint64_t bytes, bool hasManyHits,
+               const Form& form) {
+    Output out(path, form);
     Random random(1);
-    const uint64_t lines = bytes / kLine;
-    const uint64_t distance = std::max<uint64_t>(lines / kFewHits, 1);
-    for (uint64_t number = 0; number < lines; ++number)
-        take(LogLine(random, number, hasManyHits || number % distance == distance / 2));
-}
-
-std::string Utf16(const std::string& ascii) {
-    std::string wide;
-    wide.reserve(2 * ascii.size());
-    for (const char unit : ascii) {
-        wide += unit;
-        wide += '\0';
+    const uint64_t distance = std::max<uint64_t>(bytes / kLine / kFewHits, 1);
+    for (uint64_t number = 0, written = 0; written < bytes; ++number) {
+        std::string text = line(random, number, hasManyHits || number % distance == distance / 2);
+        written += text.size() + 1;
+        out.WriteLine(std::move(text));
     }
-    return wide;
-}
-
-std::string WithTabs(std::string line) {
-    for (char& unit : line)
-        if (unit == ' ') unit = '\t';
-    return line;
-}
-
-void WriteLog(const fs::path& path, uint64_t bytes, bool hasManyHits,
-              const std::function<std::string(const std::string&)>& form, const std::string& begin = {}) {
-    Output out(path);
-    out.Write(begin);
-    ForEachLogLine(bytes, hasManyHits, [&](const std::string& line) { out.Write(form(line)); });
     out.Close();
 }
 
 /// "Word;number;day.month.year;name12.txt": each item has its own order.
-void WriteSortLines(const fs::path& path, uint64_t lines) {
-    Output out(path);
+std::string TableLine(Random& random) {
+    std::string word = Word(random, 6 + random() % 8);
+    if (random() % 2) word[0] = static_cast<char>(word[0] - 'a' + 'A');
+    return word + Format(";%u;%02u.%02u.%04u;file%u.txt", unsigned(random() % 100'000'000), unsigned(1 + random() % 28),
+                         unsigned(1 + random() % 12), unsigned(1971 + random() % 60), unsigned(random() % 1'000'000));
+}
+
+/// A word of a vocabulary from which the first words come more often.
+std::string CommonWord(Random& random) {
+    static const std::vector<std::string> kVocabulary = [] {
+        Random fixed(4);
+        std::vector<std::string> words(20'000);
+        for (std::string& word : words) word = Word(fixed, 3 + fixed() % 7);
+        return words;
+    }();
+    return kVocabulary[std::min({random() % 20'000, random() % 20'000, random() % 20'000})];
+}
+
+std::string WordsLine(Random& random) {
+    std::string line = CommonWord(random);
+    for (uint64_t more = 3 + random() % 6; more > 0; --more) line += ' ' + CommonWord(random);
+    return line;
+}
+
+std::string AddressLine(Random& random) {
+    return "https://www.example.org/archive/" + std::to_string(2000 + random() % 27) + '/' + CommonWord(random) + '/' +
+           CommonWord(random) + '-' + std::to_string(random() % 1000) + ".html";
+}
+
+const struct {
+    const char* name;
+    std::string (*line)(Random&);
+} kSorts[] = {
+    {"sort-table", TableLine},
+    {"sort-logs", [](Random& random) { return RandomLine(random, random() % 10'000'000, false); }},
+    {"sort-words", WordsLine},
+    {"sort-alike", AddressLine},
+};
+
+void WriteLines(const fs::path& path, std::string (*line)(Random&), uint64_t lines, const Form& form) {
+    Output out(path, form);
     Random random(2);
-    for (uint64_t line = 0; line < lines; ++line) {
-        std::string word = Word(random, 6 + random() % 8);
-        if (random() % 2) word[0] = static_cast<char>(word[0] - 'a' + 'A');
-        char rest[64];
-        std::snprintf(rest, sizeof(rest), ";%u;%02u.%02u.%04u;file%u.txt\n",
-                      static_cast<unsigned>(random() % 100'000'000), static_cast<unsigned>(1 + random() % 28),
-                      static_cast<unsigned>(1 + random() % 12), static_cast<unsigned>(1971 + random() % 60),
-                      static_cast<unsigned>(random() % 1'000'000));
-        out.Write(word + rest);
-    }
-    out.Close();
-}
-
-/// `line(random, words)` for each line, with a vocabulary from which the first words come more often.
-void WriteWordLines(const fs::path& path, uint64_t lines,
-                    const std::function<std::string(Random&, const std::function<std::string()>&)>& line) {
-    Output out(path);
-    Random random(4);
-    std::vector<std::string> vocabulary;
-    while (vocabulary.size() < 20'000) vocabulary.push_back(Word(random, 3 + random() % 7));
-    const std::function<std::string()> word = [&] {
-        return vocabulary[std::min({random() % 20'000, random() % 20'000, random() % 20'000})];
-    };
-    for (uint64_t number = 0; number < lines; ++number) out.Write(line(random, word) + "\n");
-    out.Close();
-}
-
-/// Lines of a log at any times, in no order.
-void WriteSortLogs(const fs::path& path, uint64_t lines) {
-    Output out(path);
-    Random random(5);
-    for (uint64_t number = 0; number < lines; ++number) {
-        const uint64_t when = random() % 10'000'000;
-        out.Write(LogLine(random, when, false) + "\n");
-    }
+    for (uint64_t number = 0; number < lines; ++number) out.WriteLine(line(random));
     out.Close();
 }
 
@@ -176,51 +217,29 @@ fs::path Data::Make(const std::string& name) const {
 }
 
 void Data::Write(const std::string& name, const fs::path& path) const {
-    const auto endedBy = [](const char* end) { return [end](const std::string& line) { return line + end; }; };
-    const auto wide = [](const std::string& line) { return Utf16(line + "\n"); };
-    const auto tabbed = [](const std::string& line) { return WithTabs(line) + "\n"; };
     const auto twoLines = [](uint64_t number) {
         Random random(number);
-        return LogLine(random, number, true) + "\n" + LogLine(random, number + 1, false) + "\n";
+        return RandomLine(random, number, true) + "\n" + RandomLine(random, number + 1, false) + "\n";
     };
     const auto nothing = [](uint64_t) { return std::string(); };
-    const uint64_t text = TextBytes();
-    const struct {
-        const char* name;
-        std::function<void()> write;
-    } samples[] = {
-        {"few.txt", [&] { WriteLog(path, text, false, endedBy("\n")); }},
-        {"many.txt", [&] { WriteLog(path, text, true, endedBy("\n")); }},
-        {"few16.txt", [&] { WriteLog(path, text / 2, false, wide, kUtf16Mark); }},
-        {"many16.txt", [&] { WriteLog(path, text / 2, true, wide, kUtf16Mark); }},
-        {"crlf.txt", [&] { WriteLog(path, text, false, endedBy("\r\n")); }},
-        {"tabs.txt", [&] { WriteLog(path, text, false, tabbed); }},
-        {"line.txt", [&] { WriteLog(path, LineBytes(), true, endedBy(" ")); }},
-        {"sort.txt", [&] { WriteSortLines(path, SortLines()); }},
-        {"sort-logs.txt", [&] { WriteSortLogs(path, SortLines()); }},
-        {"sort-words.txt",
-         [&] {
-             WriteWordLines(path, SortLines(), [](Random& random, const auto& word) {
-                 std::string line = word();
-                 for (uint64_t more = 3 + random() % 6; more > 0; --more) line += ' ' + word();
-                 return line;
-             });
-         }},
-        {"sort-alike.txt",
-         [&] {
-             WriteWordLines(path, SortLines(), [](Random& random, const auto& word) {
-                 return "https://www.example.org/archive/" + std::to_string(2000 + random() % 27) + '/' + word() + '/' +
-                        word() + '-' + std::to_string(random() % 1000) + ".html";
-             });
-         }},
-        {"bytes.bin", [&] { WriteBytes(path, text); }},
-        {"small", [&] { WriteFiles(path, SmallFiles(), twoLines); }},
-        {"renamed", [&] { WriteFiles(path, RenamedFiles(), nothing); }},
-        {"names", [&] { WriteFiles(path, PreviewNames(), nothing); }},
-    };
-    for (const auto& sample : samples)
-        if (name == sample.name) return sample.write();
+    if (name == "bytes.bin") return WriteBytes(path, TextBytes());
+    if (name == "small") return WriteFiles(path, SmallFiles(), twoLines);
+    if (name == "renamed") return WriteFiles(path, RenamedFiles(), nothing);
+    if (name == "names") return WriteFiles(path, PreviewNames(), nothing);
+    const size_t first = name.find('.'), last = name.rfind('.');
+    const std::string kind = name.substr(0, first), form = name.substr(last + 1);
+    for (const auto& sort : kSorts)
+        if (kind == sort.name) return WriteLines(path, sort.line, SortLines(), Form(form));
+    for (const auto& set : kSets)
+        if (kind == set.name && first != last) {
+            const uint64_t bytes = form == "line" ? LineBytes() : form == "utf16" ? TextBytes() / 2 : TextBytes();
+            return WriteText(path, set.line, bytes, name.substr(first + 1, last - first - 1) == "many", Form(form));
+        }
     throw std::runtime_error("there is no sample called " + name);
+}
+
+std::string NameOf(TextSet set) {
+    return kSets[static_cast<size_t>(set)].name;
 }
 
 }  // namespace Bench

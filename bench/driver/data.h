@@ -8,16 +8,21 @@
 
 namespace Bench {
 
+/// Lines of 80 bytes, the half of them random letters; of a service's log, of any length; and of a few long words that
+/// are alike. Each ends in the word that is looked for or in one that begins like it.
+enum class TextSet : uint8_t { Random, Logs, Prose };
+std::string NameOf(TextSet set);  // in small letters
+
 /// `scale` 1 means 200 MB of text, 1,000,000 lines to sort, one line of 50 MB, 5,000 small files, 100,000 names.
 class Data {
 public:
     Data(std::filesystem::path folder, double scale) : m_folder(std::move(folder)), m_scale(scale) {}
 
-    /// Makes `name`, one of: few.txt, many.txt (logs of 80-byte lines with a hit in 100 of them, in each), few16.txt,
-    /// many16.txt (the same in UTF-16), crlf.txt, tabs.txt (the same with other breaks, with tabs), line.txt (one line
-    /// with a hit every 80 bytes), sort.txt (word;number;date;name), sort-logs.txt (log lines in no order),
-    /// sort-words.txt (words, some of them common), sort-alike.txt (addresses that begin alike), bytes.bin; and folders
-    /// of files that are listed in NAME.list: small (a hit in each), renamed and names (empty ones).
+    /// Makes `name`, one of: SET.HITS.FORM, where HITS is few (100 in all) or many (one a line) and FORM lf, crlf, tabs
+    /// (in the place of spaces), utf8 (with mark), utf16 (the same) or line (spaces in the place of breaks);
+    /// sort-KIND.FORM, where KIND is table (word;number;date;name), logs, words (some of them common) or alike
+    /// (addresses that begin alike), in no order; bytes.bin; and folders of files that are listed in NAME.list: small
+    /// (a hit in each), renamed and names (empty ones).
     /// @throws std::runtime_error for an unknown name or a disk that is full
     std::filesystem::path Make(const std::string& name) const;
 
