@@ -54,15 +54,33 @@ void SortEntries(Range lines, Workers& workers, Sort&& sort) {
     });
 }
 
+/// Tells of the progress of comparisons, but not with each one, since that reads the clock.
+class ComparisonWatch {
+public:
+    explicit ComparisonWatch(QVUtils::Progress& progress) : m_progress(progress) {}
+    void Pass(const SortableLine& left, const SortableLine& right) {
+        constexpr uint64_t kEnough = 65536;  // characters; a millisecond or so
+        constexpr uint32_t kOverhead = 64;   // of a comparison, in characters
+        m_passed += kOverhead + std::min(left.length, right.length);
+        if (m_passed < kEnough) return;
+        m_passed = 0;
+        m_progress.Advance(0, 1);
+    }
+
+private:
+    QVUtils::Progress& m_progress;
+    uint64_t m_passed = 0;
+};
+
 /// A comparator on whole lines.
 template <class CharT>
 class KeyLess {
 public:
-    KeyLess(const SortableLinesData<CharT>& data, LineCompare_TextBase<CharT>& compare, Workers& workers)
-        : m_data(data), m_compare(compare), m_workers(workers) {}
+    KeyLess(const SortableLinesData<CharT>& data, LineCompare_TextBase<CharT>& compare, ComparisonWatch& watch)
+        : m_data(data), m_compare(compare), m_watch(watch) {}
 
     bool operator()(const SortableLine& left, const SortableLine& right) const {
-        m_workers.GetProgress().Advance(0, 1);
+        m_watch.Pass(left, right);
         const auto leftKey = m_data.KeyText(left);
         const auto rightKey = m_data.KeyText(right);
         return m_compare.Less(leftKey.data(), static_cast<uint32_t>(leftKey.size()), rightKey.data(),
@@ -72,21 +90,23 @@ public:
 private:
     const SortableLinesData<CharT>& m_data;
     LineCompare_TextBase<CharT>& m_compare;
-    Workers& m_workers;
+    ComparisonWatch& m_watch;
 };
 
 /// The plain way, for few lines, and where there is no memory for entries; the others must agree with it.
 template <class CharT>
 void SortByComparing(const SortableLinesData<CharT>& data, Range lines, LineCompare_TextBase<CharT>&& compare,
                      Workers& workers) {
-    std::stable_sort(lines.begin(), lines.end(), KeyLess<CharT>(data, compare, workers));
+    ComparisonWatch watch(workers.GetProgress());
+    std::stable_sort(lines.begin(), lines.end(), KeyLess<CharT>(data, compare, watch));
 }
 
 /// Sorts the lines themselves; `isLess` is an order, and lines that are equal in it stand as in the file.
 template <class IsLess>
 void SortInPlace(Range lines, Workers& workers, IsLess&& isLess) {
+    ComparisonWatch watch(workers.GetProgress());
     std::ranges::sort(lines, [&](const SortableLine& left, const SortableLine& right) {
-        workers.GetProgress().Advance(0, 1);
+        watch.Pass(left, right);
         if (isLess(left, right)) return true;
         return left.start < right.start && !isLess(right, left);
     });

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <new>
-#include <system_error>
 #include <utility>
 
 #include "textio/data_writer.h"
@@ -11,7 +10,10 @@ uint32_t BufferedDataWriter::WriteData(const void* buffer, uint32_t size, uint32
     const auto* bytes = static_cast<const uint8_t*>(buffer);
     for (uint32_t left = size; left > 0;) {
         Block& block = m_blocks[m_filling];
-        if (!block.bytes) block.bytes = std::make_unique_for_overwrite<uint8_t[]>(kBlockSize);
+        if (!HasMemory(block)) {
+            WriteAll(m_target, bytes, left);
+            break;
+        }
         const uint32_t part = std::min(left, kBlockSize - m_collected);
         std::memcpy(block.bytes.get() + m_collected, bytes, part);
         bytes += part;
@@ -45,19 +47,26 @@ void BufferedDataWriter::HandOver() {
     WaitUntilFree(m_filling);
 }
 
+bool BufferedDataWriter::HasMemory(Block& block) {
+    try {
+        if (!block.bytes) block.bytes = std::make_unique_for_overwrite<uint8_t[]>(kBlockSize);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    return true;
+}
+
 /// Starts it as soon as there is enough to write.
 bool BufferedDataWriter::HasThread() {
     if (m_thread.joinable() || m_writtenAtOnce < kAtOnce) return m_thread.joinable();
+    m_writtenAtOnce = 0;  // in case that it cannot be had: asked again after a while
+    if (!std::ranges::all_of(m_blocks, HasMemory)) return false;
     try {
-        for (Block& block : m_blocks)
-            if (!block.bytes) block.bytes = std::make_unique_for_overwrite<uint8_t[]>(kBlockSize);
         m_thread = std::jthread([this, first = m_filling] { WriteBlocks(first); });
-    } catch (const std::bad_alloc&) {
-        m_writtenAtOnce = 0;  // asked again after a while
-    } catch (const std::system_error&) {
-        m_writtenAtOnce = 0;
+    } catch (const std::exception&) {
+        return false;
     }
-    return m_thread.joinable();
+    return true;
 }
 
 void BufferedDataWriter::WaitUntilFree(size_t block) {

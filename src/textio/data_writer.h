@@ -155,6 +155,7 @@ private:
         uint32_t size = 0;  // to be written; 0: free
     };
 
+    static bool HasMemory(Block& block);
     void HandOver();
     bool HasThread();
     void WaitUntilFree(size_t block);
