@@ -102,10 +102,7 @@ int wmain(int count, wchar_t** words) {
     std::setvbuf(stderr, nullptr, _IOFBF, kErrorBufferSize);
     SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
     std::vector<std::wstring> arguments(words + 1, words + count);
-    if (arguments.empty() && IsStartedAsWindow()) {
-        FreeConsole();
-        arguments = {L"panel"};
-    }
+    if (arguments.empty() && IsStartedAsWindow()) arguments = {L"panel", L"--no-console"};
     const bool hasConsole = !IsWithoutConsole(arguments);
     if (!hasConsole) FreeConsole();
     std::ostringstream said;

@@ -64,7 +64,8 @@ std::unique_ptr<IAnswers> MakeAnswers(const HostOptions& options, const HostEnvi
     if (options.action == Action::ElevatedServer) return std::make_unique<SafeAnswers>();
     if (!options.answers.empty()) return std::make_unique<ScriptedAnswers>(output, options.answers);
     if (options.asksInWindows) return std::make_unique<WindowAnswers>();
-    if (environment.readAnswer) return std::make_unique<ConsoleAnswers>(output, environment.readAnswer);
+    if (environment.readAnswer && !options.printsJson)
+        return std::make_unique<ConsoleAnswers>(output, environment.readAnswer);
     return std::make_unique<SafeAnswers>();
 }
 

@@ -74,6 +74,8 @@ TEST(Report, HasOneSchemaForEveryCommandAndOutcome) {
         EXPECT_EQ(messages.empty(), std::string_view(c.said).empty()) << messages;
     }
     EXPECT_EQ(host.Run({L"menus", L"--json"}).status, 2);
+    const HostRun unasked = host.Run({L"call", L"Ask", L"STYLE=35", L"--json"}, {}, Words{L"YES"});
+    EXPECT_NE(unasked.out.find("button 7"), std::string::npos) << "nobody sees a question in a document";
 }
 
 TEST(SendTo, InstallsItsShortcutsOnceAndTakesAwayNoOthers) {
