@@ -65,6 +65,15 @@ TYPED_TEST(ByteSearch, FindsWhatTheObviousLoopFinds) {
         ASSERT_EQ(finder.FindLast(begin, end) - begin, std::ptrdiff_t(last));
         ASSERT_EQ(FindUnit(begin, end, item[0]) - begin, std::ptrdiff_t(std::min(text.find(item[0]), text.size())));
         const CharT breaks[] = {CharT('\r'), CharT('\n'), 0};
+        // Pairs all along, and often one that is not whole.
+        std::basic_string<CharT> lines;
+        while (lines.size() < text.size()) lines += random() % 3 ? CharT('a') : CharT('\n');
+        for (size_t at = 0; (at = lines.find(CharT('\n'), at)) != lines.npos; at += 2) lines.insert(at, 1, CharT('\r'));
+        if (random() % 2 == 0 && !lines.empty()) lines.erase(random() % lines.size(), 1);
+        bool isWhole = lines.empty() || lines.front() != CharT('\n');
+        for (size_t at = 0; at < lines.size(); ++at)
+            isWhole = isWhole && (lines[at] == CharT('\r')) == (at + 1 < lines.size() && lines[at + 1] == CharT('\n'));
+        ASSERT_EQ(HasOnlyCrLf(lines.data(), lines.data() + lines.size()), isWhole);
         ASSERT_EQ(FindLineBreak(begin, end) - begin, std::ptrdiff_t(std::min(text.find_first_of(breaks), text.size())));
     }
 }
