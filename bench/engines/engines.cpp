@@ -10,6 +10,7 @@
 #include "fileutils/conversions/base64.h"
 #include "fileutils/conversions/text_conversion.h"
 #include "findreplace/line_matcher.h"
+#include "findreplace/passing_pairs.h"
 #include "findreplace/wildcard.h"
 #include "linesorter/date_key.h"
 #include "linesorter/line_compare.h"
@@ -168,6 +169,8 @@ int main(int argc, char** argv) {
         return base64;
     }();
     const auto plain = QVFindAndReplace::MakePlainMatcher<char>("northerly", false);
+    QVFindAndReplace::PassingPair<char> pair("request", "a longer one");
+    QVFindAndReplace::PassingText<char> passed;
     const auto anyCase = QVFindAndReplace::MakePlainMatcher<char>("NORTHERN", true);
     const auto wildcard = QVFindAndReplace::MakeWildcardMatcher<char>("req*ms", false);
     const auto counted = QVFindAndReplace::MakeWildcardMatcher<char>("to{2}k", false);
@@ -191,6 +194,12 @@ int main(int argc, char** argv) {
         {"search, plain, no hit", look, [&] { return Search(*plain, text); }},
         {"search, plain, line by line", look, [&] { return SearchLines(*plain, lines); }},
         {"search, ignore case, a hit a line", look, [&] { return SearchLines(*anyCase, lines); }},
+        {"replacement, plain, a hit a line", copy,
+         [&] {
+             uint64_t changes = 0;
+             pair.Replace(text, true, passed, changes);
+             return changes;
+         }},
         {"wildcard with a star", look, [&] { return SearchLines(*wildcard, lines); }},
         {"wildcard with a count", look, [&] { return SearchLines(*counted, lines); }},
         {"to LF", copy, [&] { return Convert(TextConversion::ToLf, text, out); }},

@@ -50,19 +50,20 @@ PassingPair<CharT>::PassingPair(const Text& item, const Text& replacement)
 }
 
 template <class CharT>
-typename PassingPair<CharT>::View PassingPair<CharT>::Replace(View block, bool endsLine, uint64_t& changes) {
+typename PassingPair<CharT>::View PassingPair<CharT>::Replace(View block, bool endsLine, PassingText<CharT>& out,
+                                                              uint64_t& changes) {
     m_block = block;
     m_end = block.data() + block.size();
     m_endsLine = endsLine;
     m_hasZero.reset();
     m_left = 0;
-    m_out.Clear();
+    out.Clear();
     uint64_t count = 0;
     const CharT* written = block.data();
     const CharT* at = BeginSearch();
     while (const CharT* const hit = NextHit(at)) {
-        m_out.Append(written, hit);
-        written = PutReplacement(hit, count);
+        out.Append(written, hit);
+        written = PutReplacement(hit, out, count);
         if (m_left > 0) break;
         if (m_replacement.size() < m_item.size()) m_skip = m_item.size() - m_replacement.size();
         at = Skip(written);
@@ -73,8 +74,8 @@ typename PassingPair<CharT>::View PassingPair<CharT>::Replace(View block, bool e
     }
     changes += count;
     if (count == 0) return block.substr(0, block.size() - m_left);
-    m_out.Append(written, m_end - m_left);
-    return m_out.Get();
+    out.Append(written, m_end - m_left);
+    return out.Get();
 }
 
 /// Where the search goes on in a line that has begun in the block before.
@@ -125,25 +126,25 @@ const CharT* PassingPair<CharT>::FindZero(const CharT* begin, const CharT* end) 
 /// Puts what takes a hit's place, and gives where the text goes on. Where too little follows to tell that, nothing is
 /// put, and all from the hit on is left for the next block.
 template <class CharT>
-const CharT* PassingPair<CharT>::PutReplacement(const CharT* hit, uint64_t& count) {
-    const size_t sizeBefore = m_out.Size();
+const CharT* PassingPair<CharT>::PutReplacement(const CharT* hit, PassingText<CharT>& out, uint64_t& count) {
+    const size_t sizeBefore = out.Size();
     const uint64_t countBefore = count;
     const CharT* after = hit;
     for (size_t overlap = 0;;) {
         after += m_item.size() - overlap;
-        m_out.Append(m_replacement);
+        out.Append(m_replacement);
         ++count;
         if (m_overlaps.empty()) return after;
         const View following(after, std::min(m_item.size(), static_cast<size_t>(m_end - after)));
         if (!m_endsLine && following.size() < m_item.size()) {
-            m_out.Shorten(sizeBefore);
+            out.Shorten(sizeBefore);
             count = countBefore;
             m_left = static_cast<size_t>(m_end - hit);
             return hit;
         }
         overlap = OverlapWith(following);
         if (overlap == 0) return after;
-        m_out.Shorten(m_out.Size() - overlap);
+        out.Shorten(out.Size() - overlap);
     }
 }
 
@@ -166,7 +167,7 @@ std::optional<PassingPairs<CharT>> PassingPairs<CharT>::Make(Request& request, Q
     for (const auto& [item, replacement] : PairsOf(items, request.GetMode())) {
         if (!*item || (*item)->empty()) continue;
         if (!*replacement || !PassingPair<CharT>::CanReplace(**item, **replacement, kind)) return std::nullopt;
-        pairs.m_stages.push_back({PassingPair<CharT>(**item, **replacement), {}, {}});
+        pairs.m_stages.push_back({PassingPair<CharT>(**item, **replacement), {}});
     }
     return pairs;
 }
@@ -174,21 +175,25 @@ std::optional<PassingPairs<CharT>> PassingPairs<CharT>::Make(Request& request, Q
 template <class CharT>
 typename PassingPairs<CharT>::View PassingPairs<CharT>::Replace(View block, bool endsLine, uint64_t& changes) {
     View text = block;
+    size_t free = 0;  // the text of the two in which `text` does not lie
     m_left = 0;
     for (Stage& stage : m_stages) {
         if (!stage.left.empty()) {
-            stage.joined.Clear();
-            stage.joined.Append(stage.left);
-            stage.joined.Append(text);
-            text = stage.joined.Get();
+            PassingText<CharT>& joined = m_texts[free];
+            joined.Clear();
+            joined.Append(stage.left);
+            joined.Append(text);
+            text = joined.Get();
+            free = 1 - free;
         }
-        const View out = stage.pair.Replace(text, endsLine, changes);
+        const View out = stage.pair.Replace(text, endsLine, m_texts[free], changes);
         const View left = text.substr(text.size() - stage.pair.GetLeft());
         // What is left of the block itself is given once more; of what another stage gave, it is kept here.
         if (&stage == &m_stages.front())
             m_left = left.size();
         else
             stage.left = left;
+        if (out.data() != text.data()) free = 1 - free;
         text = out;
     }
     return text;

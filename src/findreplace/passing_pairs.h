@@ -28,9 +28,9 @@ public:
     PassingPair(const Text& item, const Text& replacement);
 
     /// What becomes of a block that begins where the last one ended, but for what was left of that. It ends with a
-    /// line, or with the text, when `endsLine`; else it lies inside of one and has no break. The result is valid until
-    /// the next call, and as long as `block`. Adds to `changes`.
-    View Replace(View block, bool endsLine, uint64_t& changes);
+    /// line, or with the text, when `endsLine`; else it lies inside of one and has no break. The result lies in `out`,
+    /// which is emptied first, or in the block. Adds to `changes`.
+    View Replace(View block, bool endsLine, PassingText<CharT>& out, uint64_t& changes);
 
     /// Units at the end of the block given last that are to be given once more: only what follows says what becomes of
     /// them. 0 where the block ended a line.
@@ -41,7 +41,7 @@ private:
     const CharT* Skip(const CharT* from);
     const CharT* NextHit(const CharT* from);
     const CharT* FindZero(const CharT* begin, const CharT* end);
-    const CharT* PutReplacement(const CharT* hit, uint64_t& count);
+    const CharT* PutReplacement(const CharT* hit, PassingText<CharT>& out, uint64_t& count);
     size_t OverlapWith(View following) const;
 
     Text m_item;
@@ -56,7 +56,6 @@ private:
     size_t m_skip = 0;              // units of the line ahead that the position jumps over
     bool m_isLineDone = false;      // nothing more is found in the line ahead
     size_t m_left = 0;
-    PassingText<CharT> m_out;
 };
 
 /// The pairs of a request, one after the other over each block.
@@ -68,18 +67,18 @@ public:
     /// Nothing for requests that are the engine's.
     static std::optional<PassingPairs> Make(Request& request, QVUtils::EncodingKind kind);
 
-    /// As PassingPair.
+    /// As PassingPair. The result is valid until the next call, and as long as `block`.
     View Replace(View block, bool endsLine, uint64_t& changes);
     size_t GetLeft() const noexcept { return m_left; }
 
 private:
     struct Stage {
         PassingPair<CharT> pair;
-        PassingText<CharT> joined;  // what was left, and what the stage before it gives
-        std::basic_string<CharT> left;
+        std::basic_string<CharT> left;  // of what the stage before it gave
     };
 
     std::vector<Stage> m_stages;
+    PassingText<CharT> m_texts[2];  // what comes of a stage goes into the one where its own text does not lie
     size_t m_left = 0;
 };
 
