@@ -112,54 +112,32 @@ TEST(FindAndReplaceDlg, FillsARequestThatCanStartAndOpensWithIt) {
 
 TEST(FindAndReplaceRules, TellWhatACountSays) {
     const Ui::HostTexts english = TextsOf(L"qvhost-english.txt");
-    const Ui::HostTexts german = TextsOf(L"qvhost-german.txt");
-    constexpr uint32_t kCase = Option::ModeOne | Option::IgnoreCase;
-    const struct {
-        const Ui::HostTexts& texts;
-        FindAndReplaceRequest request;
-        size_t files;
-        FileUtils::CountSummary count;
-        std::wstring line;
-    } cases[] = {
-        {english, {L"a"}, 3, {.files = 3}, L"No match."},
-        {english, {L"a"}, 1, {.matches = 1, .files = 1, .filesWithMatches = 1}, L"1 match in this file."},
-        {english,
-         {L"a"},
-         5,
-         {.matches = 12, .files = 5, .filesWithMatches = 3, .notText = 1, .utf8 = 2},
-         L"12 matches in 3 of 5 files. 1 file is not text. 2 files hold UTF-8: tick Force UTF8."},
-        {german,
-         {L"a"},
-         5,
-         {.matches = 1, .files = 5, .filesWithMatches = 1, .notText = 2, .utf8 = 1},
-         L"1 Treffer in 1 von 5 Dateien. 2 Dateien sind kein Text. 1 Datei enth\xE4lt UTF-8: Force UTF8 ankreuzen."},
-        {english,
-         {L"a"},
-         2,
-         {.matches = 9,
-          .files = 2,
-          .filesWithMatches = 1,
-          .loneBreaks = 1,
-          .mixedBreaks = 2,
-          .failed = 1,
-          .failure = "Too bad",
-          .isWhole = false},
-         L"At least 9 matches in 1 of 2 files. 1 file would fail: Too bad. 1 file loses its lone line ends (CR). "
-         L"Line ends become one kind in 2 files."},
-        {english,
-         {L"a", L"", kCase},
-         1,
-         {.files = 1, .eightBit = 1},
-         L"No match. Ignore case has no effect in 8-bit text without wildcards."},
-        {english, {L"1", L"", kCase}, 1, {.files = 1, .eightBit = 1}, L"No match."},
-        {english, {L"a", L"", kCase | Option::Wildcard}, 1, {.files = 1, .eightBit = 1}, L"No match."},
-        {english,
-         {L"\xE4", L"", kCase | Option::Wildcard},
-         1,
-         {.files = 1, .eightBit = 1},
-         L"No match. In 8-bit text the case of A to Z alone is ignored."},
+    const auto line = [&](size_t files, const FileUtils::CountSummary& count, const wchar_t* find = L"a",
+                          uint32_t options = 0) {
+        return FileUtils::DescribeCount(english, {find, L"", options}, files, count);
     };
-    for (const auto& c : cases) EXPECT_EQ(FileUtils::DescribeCount(c.texts, c.request, c.files, c.count), c.line);
+    const FileUtils::CountSummary much = {.matches = 12, .filesWithMatches = 3, .notText = 1, .utf8 = 2};
+    EXPECT_EQ(line(3, {}), L"No match.");
+    EXPECT_EQ(line(1, {.matches = 1, .filesWithMatches = 1}), L"1 match in this file.");
+    EXPECT_EQ(line(5, much), L"12 matches in 3 of 5 files. 1 file is not text. 2 files hold UTF-8: tick Force UTF8.");
+    EXPECT_EQ(
+        FileUtils::DescribeCount(TextsOf(L"qvhost-german.txt"), {L"a"}, 5, much),
+        L"12 Treffer in 3 von 5 Dateien. 1 Datei ist kein Text. 2 Dateien enthalten UTF-8: Force UTF8 ankreuzen.");
+    EXPECT_EQ(line(2, {.matches = 9,
+                       .filesWithMatches = 1,
+                       .loneBreaks = 1,
+                       .mixedBreaks = 2,
+                       .failed = 1,
+                       .failure = "Bad",
+                       .isWhole = false}),
+              L"At least 9 matches in 1 of 2 files. 1 file would fail: Bad. 1 file loses its lone line ends (CR). "
+              L"Line ends become one kind in 2 files.");
+    const FileUtils::CountSummary eightBit = {.eightBit = 1};
+    constexpr uint32_t kWildcard = Option::IgnoreCase | Option::Wildcard;
+    EXPECT_EQ(line(1, eightBit, L"a", Option::IgnoreCase),
+              L"No match. Ignore case has no effect in 8-bit text without wildcards.");
+    EXPECT_EQ(line(1, eightBit, L"\xE4", kWildcard), L"No match. In 8-bit text the case of A to Z alone is ignored.");
+    EXPECT_EQ(line(1, eightBit, L"1", Option::IgnoreCase) + line(1, eightBit, L"a", kWildcard), L"No match.No match.");
     const std::tuple<FindAndReplaceRequest, std::wstring> unused[] = {
         {{L"a\r\nb", L"c", Option::ModeOne}, L"548d"},
         {{L"a", L"b\nc", Option::ModeOne}, L"548d"},
@@ -168,7 +146,7 @@ TEST(FindAndReplaceRules, TellWhatACountSays) {
         {{L"a\nb", L"c\nd", Option::ModeMultiline}, L""},
         {{L"a", L"c", Option::ModeMultiline | Option::Wildcard}, L"550d"},
     };
-    for (const auto& [request, line] : unused) EXPECT_EQ(FileUtils::DescribeUnused(QVTest::EchoTexts(), request), line);
+    for (const auto& [request, said] : unused) EXPECT_EQ(FileUtils::DescribeUnused(QVTest::EchoTexts(), request), said);
 }
 
 /// The dialog counts what it shows, over real files, while it can be started all the time.

@@ -99,7 +99,6 @@ std::wstring WhyNotStart(const FindAndReplaceRequest& request, std::span<const s
 }
 
 void CountSummary::Add(const QVFindAndReplace::FileCount& count, bool dependsOnEncoding) {
-    ++files;
     isWhole &= count.isWhole;
     if (count.errorCode != 0 && failed++ == 0) failure = count.error;
     if (count.errorCode != 0) return;

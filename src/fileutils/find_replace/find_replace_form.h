@@ -33,7 +33,6 @@ std::wstring WhyNotStart(const FindAndReplaceRequest& request, std::span<const s
 /// What a request would do to all files, added up.
 struct CountSummary {
     uint64_t matches = 0;  // changes that a run would make
-    uint32_t files = 0;    // looked at
     uint32_t filesWithMatches = 0;
     uint32_t notText = 0;
     uint32_t utf8 = 0;         // read in a code page where that makes a difference
