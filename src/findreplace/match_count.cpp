@@ -201,10 +201,14 @@ bool MayBeRunAgain(Request& request) {
         text += item.value_or(WideString()) + WideChar('\n');
         if (mode == Mode::One || mode == Mode::ManySame) break;  // the others are not put in
     }
-    TextDocumentT<WideChar> document(EncodingKind::Utf16);
     if (text.empty()) text = WideChar('\n');  // nothing is put in, and wildcards find nothing too
+    TextDocumentT<WideChar> document(EncodingKind::Utf16);
     document.GetLines().Reset(text);
-    return FindAndReplace<WideChar>(document, request, nullptr) == 0;
+    try {
+        return FindAndReplace<WideChar>(document, request, nullptr) == 0;
+    } catch (const QVUtilsException&) {
+        return false;  // a match that cuts a character of the replacement is one
+    }
 }
 
 }  // namespace QVFindAndReplace

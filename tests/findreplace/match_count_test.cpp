@@ -90,9 +90,13 @@ TEST(MatchCount, SaysWhatAFileIsAndWhereItStopped) {
 
 TEST(MatchCount, KnowsWhatAnotherRunWouldReplaceAnew) {
     const std::tuple<uint32_t, const wchar_t*, const wchar_t*, bool> cases[] = {
-        {Option::ModeOne, L"a", L"b\na", true},         {Option::ModeMany, L"a\nb", L"b\na", false},
-        {Option::ModeMultiline, L"a\nb", L"a b", true}, {Option::ModeMultiline, L"a\nb", L"1\na\nb", false},
-        {Option::ModeManySame, L"a\nb", L"", true},     {Option::ModeOne | Option::Wildcard, L"*", L"", false},
+        {Option::ModeOne, L"a", L"b\na", true},
+        {Option::ModeMany, L"a\nb", L"b\na", false},
+        {Option::ModeMultiline, L"a\nb", L"a b", true},
+        {Option::ModeMultiline, L"a\nb", L"1\na\nb", false},
+        {Option::ModeManySame, L"a\nb", L"", true},
+        {Option::ModeOne | Option::Wildcard, L"*", L"", false},
+        {Option::ModeOne | Option::Wildcard, L"n?", L"n\xD83D\xDE00", false},
     };
     for (const auto& [options, find, replacement, expected] : cases) {
         Request request(options, find, replacement, ToNarrow);
