@@ -77,7 +77,6 @@ void RowListView::OnKey(WORD key) {
     switch (key) {
         case VK_DELETE: return Act(RowAction::TakeOut);
         case VK_F2: return Act(isShift ? RowAction::DropName : RowAction::Name);
-        case VK_SPACE: return isControl ? void() : ToggleCheck(Ui::FocusedRow(m_window));
         default: break;
     }
     if (!isControl) return;
@@ -93,7 +92,12 @@ void RowListView::OnKey(WORD key) {
 
 bool RowListView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
-        // The blank is the key of the boxes; the list would look for a name that begins with it.
+        // The blank is the key of the boxes: the control would select its row alone, and look for a name that begins
+        // with it.
+        case WM_KEYDOWN:
+            if (wParam != VK_SPACE || GetKeyState(VK_CONTROL) < 0) return false;
+            ToggleCheck(Ui::FocusedRow(m_window));
+            return true;
         case WM_CHAR: return wParam == L' ';
         case WM_CONTEXTMENU:
             ShowMenu({static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))});

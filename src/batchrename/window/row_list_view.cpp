@@ -84,7 +84,9 @@ void RowListView::Refresh(bool areInPlace) {
     const RowSnapshot& rows = m_rows.Rows();
     std::optional<std::vector<uint32_t>> places = m_rows.Places();
     const bool wasEmptied = !m_keptSelection.empty();
-    const bool isSame = !wasEmptied && rows == m_shownRows && places == m_shownPlaces;
+    // Then each place stands for the row it stood for, and what is selected in the control stays true.
+    const bool isSame = !wasEmptied && places == m_shownPlaces &&
+                        (rows == m_shownRows || (areInPlace && rows->size() == m_shownRows->size()));
     std::vector<bool> isSelected = isSame || wasEmptied ? m_keptSelection : ShownRowsWith(LVNI_SELECTED);
     std::vector<bool> isFocused = isSame || wasEmptied ? m_keptFocus : ShownRowsWith(LVNI_FOCUSED);
     SendMessageW(m_window, LVM_SETITEMCOUNT, m_rows.PlaceCount(), LVSICF_NOSCROLL | LVSICF_NOINVALIDATEALL);
@@ -94,7 +96,10 @@ void RowListView::Refresh(bool areInPlace) {
     m_columns.ShowState(m_isOutdated, m_rows.Outcomes() != nullptr);
     InvalidateRect(m_window, nullptr, FALSE);
     if (rows != m_shownRows && !areInPlace) m_edit.Close(false);  // whatever is typed was for another row
-    if (isSame) return;
+    if (isSame) {
+        m_shownRows = rows;
+        return;
+    }
     if (rows->empty()) {
         m_keptSelection = std::move(isSelected);
         m_keptFocus = std::move(isFocused);
@@ -113,11 +118,21 @@ void RowListView::Refresh(bool areInPlace) {
 std::vector<bool> RowListView::ShownRowsWith(WPARAM state) const {
     std::vector<bool> marked(m_shownRows->size(), false);
     const size_t count = m_shownPlaces ? m_shownPlaces->size() : m_shownRows->size();
-    for (LRESULT place = -1;;) {
-        place = SendMessageW(m_window, LVM_GETNEXTITEM, static_cast<WPARAM>(place), static_cast<LPARAM>(state));
-        if (place < 0 || static_cast<size_t>(place) >= count) return marked;
-        marked[m_shownPlaces ? (*m_shownPlaces)[static_cast<size_t>(place)] : static_cast<size_t>(place)] = true;
+    const auto mark = [&](size_t place) { marked[m_shownPlaces ? (*m_shownPlaces)[place] : place] = true; };
+    // No message for each row, and no search to the end, where the number tells: there may be a hundred thousand.
+    const size_t wanted =
+        state == LVNI_SELECTED ? static_cast<size_t>(SendMessageW(m_window, LVM_GETSELECTEDCOUNT, 0, 0)) : 1;
+    if (wanted == count && wanted > 1) {
+        for (size_t place = 0; place < count; ++place) mark(place);
+        return marked;
     }
+    LRESULT place = -1;
+    for (size_t found = 0; found < wanted; ++found) {
+        place = SendMessageW(m_window, LVM_GETNEXTITEM, static_cast<WPARAM>(place), static_cast<LPARAM>(state));
+        if (place < 0 || static_cast<size_t>(place) >= count) break;
+        mark(static_cast<size_t>(place));
+    }
+    return marked;
 }
 
 void RowListView::SetStates(const std::vector<bool>& isSelected, const std::vector<bool>& isFocused) {
@@ -128,7 +143,6 @@ void RowListView::SetStates(const std::vector<bool>& isSelected, const std::vect
         SendMessageW(m_window, LVM_SETITEMSTATE, place, reinterpret_cast<LPARAM>(&item));
     };
     constexpr size_t kAll = SIZE_MAX;
-    // One message for all rows where it will do: there may be a hundred thousand.
     const bool areAll = std::ranges::find(isSelected, false) == isSelected.end();
     set(kAll, areAll ? LVIS_SELECTED : 0);
     for (size_t place = 0; place < m_rows.PlaceCount(); ++place) {
