@@ -43,7 +43,8 @@ int List(RenameHost& host, Output& output) {
                  {"entries", uint64_t{session->entries.size()}},
                  {"state", session->haveRestored || session->isUnfinished ? StateText(*session) : L"recorded"}}))
             output.Line(session->fileName + L'\t' + TimeText(session->time) + L'\t' +
-                        std::to_wstring(session->entries.size()) + L" items\t" + StateText(*session));
+                        std::to_wstring(session->entries.size()) +
+                        (session->entries.size() == 1 ? L" item\t" : L" items\t") + StateText(*session));
     return ExitStatus::Done;
 }
 

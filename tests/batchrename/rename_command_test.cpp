@@ -62,7 +62,7 @@ TEST_F(RenameCommand, ShowsAndRestoresPartsOfASessionAndWalksBack) {
     EXPECT_EQ(Rename({L"c"}, {L"--name", L"c1"}).status, 0);
     EXPECT_EQ(m_host.Run({L"undo", L"restore", L"last"}).out, "c1\tc\trestored\n");
     const std::string list = m_host.Run({L"undo"}).out;
-    EXPECT_LT(list.find("\t1 items\trestored\nBatchRenameUndoData-"), list.find("\t2 items\t\n")) << list;
+    EXPECT_LT(list.find("\t1 item\trestored\nBatchRenameUndoData-"), list.find("\t2 items\t\n")) << list;
     const std::string folder = ContentOf(m_files.Path());
     const std::wstring session(list.begin() + static_cast<ptrdiff_t>(list.rfind("BatchRename")),
                                list.begin() + static_cast<ptrdiff_t>(list.find('\t', list.rfind("BatchRename"))));
@@ -80,7 +80,7 @@ TEST_F(RenameCommand, ShowsAndRestoresPartsOfASessionAndWalksBack) {
     DeleteFileW((m_files / L"a").c_str());
     for (const int status : {0, 2}) EXPECT_EQ(m_host.Run({L"undo", L"restore", L"last"}).status, status);
     EXPECT_EQ(m_host.Run({L"undo", L"delete", L"last"}).status, 0);
-    EXPECT_EQ(m_host.Run({L"undo"}).out.find("1 items"), std::string::npos) << "the latest of all";
+    EXPECT_EQ(m_host.Run({L"undo"}).out.find("1 item\t"), std::string::npos) << "the latest of all";
 }
 
 TEST_F(RenameCommand, FindsItemsAgainAndLeavesOthersAlone) {

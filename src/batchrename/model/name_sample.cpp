@@ -55,7 +55,8 @@ std::wstring TextOfTrial(const ItemTrial& trial, size_t rowCount) {
     if (trial.tried == 0) return L"Type the text to find.";
     const bool isPart = trial.tried < rowCount;
     std::wstring text = std::to_wstring(trial.matches) + (isPart ? L" of the first " : L" of ") +
-                        std::to_wstring(trial.tried) + (trial.tried == 1 ? L" name matches" : L" names match");
+                        std::to_wstring(trial.tried) + (trial.tried == 1 ? L" name" : L" names") +
+                        (trial.tried == 1 || trial.matches == 1 ? L" matches" : L" match");
     if (trial.matches > 0) text += L"\n" + trial.before + L"\n" + trial.after;
     return text;
 }

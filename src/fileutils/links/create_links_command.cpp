@@ -47,8 +47,10 @@ uint32_t RunCreateLinks(IHostServices& host, uint32_t) {
         if (error != ERROR_SUCCESS) ++failed;
     }
     if (failed > 0) {
-        const std::wstring message = std::to_wstring(failed) + L" of " + std::to_wstring(targets.size()) +
-                                     L" links could not be created. The log says why.";
+        const std::wstring which =
+            targets.size() == 1 ? L"The link"
+                                : std::to_wstring(failed) + L" of " + std::to_wstring(targets.size()) + L" links";
+        const std::wstring message = which + L" could not be created. The log says why.";
         host.MessageBox(message.c_str(), L"Create links", MB_ICONWARNING);
     }
     return 1;
