@@ -4,6 +4,7 @@
 #include <cwchar>
 #include <functional>
 #include <iterator>
+#include <limits>
 #include <utility>
 
 #include "sdk/owners.h"
@@ -65,6 +66,23 @@ SearchAndReplaceItem ReadItem(IXmlElement& item) {
     return {AttributeOf(item, L"find"), AttributeOf(item, L"replacewith")};
 }
 
+/// Those that are switched off are in the order of their places.
+SearchAndReplaceItems ReadItems(IXmlElement& search) {
+    SearchAndReplaceItems items;
+    IXmlElement* next = search.FirstChild(L"item");
+    const auto takeUpTo = [&](int32_t place) {
+        for (; next && std::cmp_less(items.size(), place); next = next->NextSibling(L"item"))
+            items.push_back(ReadItem(*next));
+    };
+    for (IXmlElement* off = search.FirstChild(kSwitchedOff); off; off = off->NextSibling(kSwitchedOff)) {
+        takeUpTo(NumberOf(*off, L"place"));
+        items.push_back(ReadItem(*off));
+        items.back().isOn = false;
+    }
+    takeUpTo(std::numeric_limits<int32_t>::max());
+    return items;
+}
+
 RenameProfile ReadProfile(IXmlElement& element) {
     RenameProfile profile;
     wchar_t name[kTextCapacity + 1] = {};
@@ -79,12 +97,7 @@ RenameProfile ReadProfile(IXmlElement& element) {
     IXmlElement* const search = element.FirstChild(L"searchandreplace");
     if (!search) return profile;
     profile.searchOptions = ReadSearchOptions(*search);
-    for (IXmlElement* item = search->FirstChild(L"item"); item; item = item->NextSibling(L"item"))
-        profile.items.push_back(ReadItem(*item));
-    for (IXmlElement* item = search->FirstChild(kSwitchedOff); item; item = item->NextSibling(kSwitchedOff)) {
-        const auto place = std::clamp(NumberOf(*item, L"place"), 0, static_cast<int32_t>(profile.items.size()));
-        profile.items.insert(profile.items.begin() + place, ReadItem(*item))->isOn = false;
-    }
+    profile.items = ReadItems(*search);
     return profile;
 }
 
