@@ -245,6 +245,7 @@ void PanelWindow::Layout() const {
     RECT area = {};
     GetClientRect(m_frame, &area);
     SendMessageW(m_content->status, WM_SIZE, 0, 0);
+    InvalidateRect(m_content->status, nullptr, TRUE);  // its corner has moved
     RECT status = {};
     GetWindowRect(m_content->status, &status);
     const int margin = m_look.Scaled(kMargin);

@@ -121,10 +121,9 @@ int Resizing::SpareWidth() const {
 }
 
 Resizing::Content Resizing::ContentFor(int width) const {
-    const bool hasColumn = std::ranges::any_of(m_places, &Place::isInColumn);
     Content content = {NaturalClient(), 0};
-    if (!hasColumn || width >= content.size.cx) return content;
-    content.size.cx = WidthBesideColumn() - SpareWidth();
+    if (!HasColumn() || width >= content.size.cx) return content;
+    content.size.cx = LeastWidth();
     const int gap = GapOfButtons();
     int x = gap;
     int bottom = gap;
@@ -145,6 +144,14 @@ Resizing::Content Resizing::ContentFor(int width) const {
 
 SIZE Resizing::NaturalClient() const {
     return {Scaled(m_client.cx), Scaled(m_client.cy)};
+}
+
+bool Resizing::HasColumn() const {
+    return std::ranges::any_of(m_places, &Place::isInColumn);
+}
+
+int Resizing::LeastWidth() const {
+    return HasColumn() ? WidthBesideColumn() - SpareWidth() : static_cast<int>(NaturalClient().cx);
 }
 
 int Resizing::HeightFor(int width) const {
@@ -234,12 +241,8 @@ void Resizing::Rescale(UINT dotsPerInch) {
     LOGFONTW description = m_startFont;
     description.lfHeight = Scaled(description.lfHeight);
     FontHandle font(CreateFontIndirectW(&description));
-    const auto give = [&](HWND window) {
-        SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), TRUE);
-    };
-    if (font) give(m_dialog);
     for (const Place& place : m_places) {
-        if (font) give(place.control);
+        if (font) SendMessageW(place.control, WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), TRUE);
         if (IsListView(place.control)) RescaleColumns(place.control, before, m_dots);
     }
     if (font) m_font = std::move(font);

@@ -45,8 +45,9 @@ public:
     /// Puts the controls where they belong in the window as it is.
     void Arrange();
     void LimitSize(MINMAXINFO& limits) const noexcept;
-    /// What the controls need, in pixels; their height in a window that is so wide.
+    /// What the controls need, in pixels: in their usual places, at least, and in height in a window that is so wide.
     SIZE NaturalClient() const;
+    int LeastWidth() const;
     int HeightFor(int width) const;
     /// The window goes to a screen of another scale: sizes, fonts and the columns of lists are made anew.
     void Rescale(UINT dotsPerInch);
@@ -71,6 +72,7 @@ private:
 
     int Scaled(LONG length) const { return MulDiv(length, static_cast<int>(m_dots), static_cast<int>(m_startDots)); }
     int GapOfButtons() const;
+    bool HasColumn() const;
     int WidthBesideColumn() const;
     int SpareWidth() const;
     Content ContentFor(int width) const;

@@ -2,6 +2,7 @@
 
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrenamewindow/rename_window.h"
+#include "win32/window_position.h"
 
 namespace {
 
@@ -194,6 +195,43 @@ TEST(RenameWindow, StartsAndClosesByNoLetterWithoutAlt) {
     ASSERT_TRUE(window.WaitForStatus(L"1 Renamed"));
     EXPECT_EQ(window.NamesOnDisk(), Words{L"a2"});
     EXPECT_TRUE(window.Panel().IsChecked(IDC_LIVE_PREVIEW));
+}
+
+TEST(RenameWindow, IsLaidOutAnewForAnotherScaleAndBackOnANarrowScreen) {
+    RenameWindow window({L"a.txt"});
+    window.Open({L"a.txt"});
+    ASSERT_TRUE(window.WaitForStatus(L"1 item, 0 will be renamed"));
+    const HWND start = window.Panel().Control(IDC_START);
+    const auto sizes = [&] {
+        LOGFONTW font = {};
+        GetObjectW(reinterpret_cast<HFONT>(SendMessageW(window.List(), WM_GETFONT, 0, 0)), sizeof(font), &font);
+        RECT button = {};
+        GetWindowRect(start, &button);
+        const HWND pairs = window.Panel().Control(IDC_ITEMS);
+        return std::vector<LONG>{font.lfHeight, button.right - button.left, button.bottom - button.top,
+                                 ListView_GetColumnWidth(pairs, 0)};
+    };
+    const auto before = sizes();
+    const auto scale = [&](UINT dots, LONG width, LONG height) {
+        const RECT place = {0, 0, width, height};
+        SendMessageW(window.Frame(), WM_DPICHANGED, MAKEWPARAM(dots, dots), reinterpret_cast<LPARAM>(&place));
+    };
+    const UINT dots = Win32::DotsPerInch(window.Frame());
+    scale(2 * dots, 2400, 1600);
+    std::vector<LONG> doubled = before;
+    for (LONG& length : doubled) length *= 2;
+    EXPECT_EQ(sizes(), doubled);
+    scale(dots, 700, 560);
+    EXPECT_EQ(sizes(), before);
+    // Where there is no place for a column of buttons they are a row, and the list keeps some lines.
+    RECT panel = {};
+    GetWindowRect(window.Panel().Window(), &panel);
+    for (const int button : {IDC_START, IDC_UNDO, IDC_PROFILES, IDC_RESET_LIST, IDC_CLOSE, IDC_ITEM_NEW}) {
+        RECT rect = {};
+        GetWindowRect(window.Panel().Control(button), &rect);
+        RECT common = {};
+        EXPECT_TRUE(IntersectRect(&common, &rect, &panel) && EqualRect(&common, &rect)) << button;
+    }
 }
 
 TEST(RenameWindow, KeepsTheSelectionOnItsRows) {

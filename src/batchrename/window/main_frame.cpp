@@ -217,6 +217,7 @@ int BatchRenameMainFrame::SplitterTop() const {
 void BatchRenameMainFrame::Layout() {
     if (!m_statusBar || IsIconic(m_window)) return;
     SendMessageW(m_statusBar, WM_SIZE, 0, 0);
+    InvalidateRect(m_statusBar, nullptr, TRUE);  // its corner has moved
     const RECT client = ClientOf(m_window);
     const int available = client.bottom - HeightOf(m_statusBar) - Scaled(kSplitterHeight);
     // Some rows are always in sight: what the panel then has no space for, it scrolls.
@@ -270,7 +271,8 @@ int BatchRenameMainFrame::Scaled(int pixels) const {
 void BatchRenameMainFrame::OnScaleChange(UINT dotsPerInch, const RECT& suggested) {
     m_wishedHeight = Win32::Rescaled(m_wishedHeight, m_dotsPerInch, dotsPerInch);
     m_panel->Rescale(dotsPerInch);
-    const auto font = reinterpret_cast<HFONT>(SendMessageW(m_panel->GetWindow(), WM_GETFONT, 0, 0));
+    // That of its controls: a dialog goes on telling the one that it was made with.
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(m_panel->Button(IDC_START), WM_GETFONT, 0, 0));
     m_list.Rescale(font);
     SendMessageW(m_statusBar, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
     m_dotsPerInch = dotsPerInch;
@@ -306,8 +308,9 @@ void BatchRenameMainFrame::MoveSplitter(bool isUp) {
 
 void BatchRenameMainFrame::LimitSize(MINMAXINFO& limits) const {
     if (!m_panel || !m_statusBar) return;
-    RECT rect = {0, 0, m_panel->NaturalSize().cx,
-                 Scaled(kSmallestList + kSplitterHeight) + m_panel->NaturalSize().cy + HeightOf(m_statusBar)};
+    const int width = m_panel->LeastWidth();
+    RECT rect = {0, 0, width,
+                 Scaled(kSmallestList + kSplitterHeight) + m_panel->HeightFor(width) + HeightOf(m_statusBar)};
     AdjustWindowRectEx(&rect, WS_OVERLAPPEDWINDOW, FALSE, 0);
     RECT window = {};
     GetWindowRect(m_window, &window);

@@ -22,6 +22,7 @@ public:
     using Dialog::GetWindow;
     /// As the resource has it, in pixels: the smallest that shows everything in its usual place.
     SIZE NaturalSize() const { return Sizes().NaturalClient(); }
+    int LeastWidth() const { return Sizes().LeastWidth(); }
     /// The least that shows everything in a window that is so wide.
     int HeightFor(int width) const { return Sizes().HeightFor(width); }
 
