@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <functional>
 #include <iostream>
 
 #include "cases.h"
@@ -20,7 +19,7 @@ using namespace Bench;
 
 // The most of n log n, from a hundred thousand to a million, with what a measurement is off by.
 constexpr double kMostPower = 1.2;
-constexpr uint64_t kFlat = 2 * kMegabyte;  // by which memory that does not grow may differ
+constexpr double kFlatKilobytes = 2000;  // by which memory that does not grow may differ
 // A peer that takes so many times as long as the fastest one in the first round is not run again.
 constexpr double kNoRival = 1.4;
 
@@ -157,69 +156,68 @@ Result Measure(const Case& job, const Options& options, const Data& data) {
 
 /// A case with an eighth, a quarter, half and all of the work.
 struct Step {
-    double work = 1;
+    Options options;
     Case job;
     Cost best;
 };
 
-Step MakeStep(const Options& options, const std::string& name, double work) {
-    Step step = {work, {}, {}};
-    const Data data(SamplesOf(options, options.scale * work), options.scale * work);
+Step MakeStep(Options options, const std::string& name, double work) {
+    options.scale *= work;
+    Step step = {options, {}, {}};
+    const Data data(SamplesOf(options, options.scale), options.scale);
     for (const Case& job : AllCases(data))
         if (job.name == name) step.job = job;
     for (const std::string& sample : step.job.samples) data.Make(sample);
     return step;
 }
 
-/// The power of the work with which `cost` grows, by least squares of the logarithms.
-double PowerOf(const std::vector<Step>& steps, const std::function<double(const Cost&)>& cost) {
-    double x = 0, y = 0, xx = 0, xy = 0;
-    for (const Step& step : steps) {
-        const double work = std::log(step.work);
-        const double value = std::log(std::max(cost(step.best), 1e-3));
-        x += work, y += value, xx += work * work, xy += work * value;
-    }
-    const auto count = static_cast<double>(steps.size());
-    return (count * xy - x * y) / (count * xx - x * x);
+/// The power of the work with which something grows that was measured with once, twice, four and eight times the work:
+/// the slope of the logarithms of what each step adds, so that what a run costs without work does not count.
+double PowerOf(const std::vector<double>& measured, double leastDifference) {
+    double sum = 0;
+    const auto logarithm = [&](size_t step) {
+        return std::log2(std::max(measured[step + 1] - measured[step], leastDifference));
+    };
+    const size_t last = measured.size() - 2;
+    for (size_t step = 0; step <= last; ++step)
+        sum += (static_cast<double>(step) - static_cast<double>(last) / 2) * logarithm(step);
+    double squares = 0;
+    for (size_t step = 0; step <= last; ++step)
+        squares += std::pow(static_cast<double>(step) - static_cast<double>(last) / 2, 2);
+    return sum / squares;
 }
 
-/// All in turns, like ours and its peers. `idle` is what an empty run costs.
-Growth MeasureGrowth(const Options& options, const Case& job, const Cost& idle) {
+/// All in turns, like ours and its peers, in processor time: waiting does not grow with the work.
+Growth MeasureGrowth(const Options& options, const Case& job) {
     std::vector<Step> steps;
     for (const double work : {0.125, 0.25, 0.5, 1.0}) steps.push_back(MakeStep(options, job.name, work));
     for (int round = 0; round < options.rounds; ++round) {
         for (Step& step : steps) {
             const Workshop workshop(options);
-            SetVariables(options, SamplesOf(options, options.scale * step.work), workshop.folder);
+            SetVariables(options, SamplesOf(step.options, step.options.scale), workshop.folder);
             const Cost cost = RunOne(step.job.prepare, step.job.ours, workshop.log);
-            if (IsCheaper(cost, step.best)) step.best = cost;
+            if (round == 0 || cost.processorTime < step.best.processorTime) step.best = cost;
         }
     }
     Growth growth = {.job = &job};
-    for (const Step& step : steps) growth.costs.push_back(step.best);
-    growth.timePower = PowerOf(steps, [&](const Cost& cost) { return cost.seconds - idle.seconds; });
-    growth.memoryPower =
-        PowerOf(steps, [&](const Cost& cost) { return double(std::max(cost.peakKilobytes - idle.peakKilobytes, 1L)); });
-    const uint64_t more =
-        1024 * uint64_t(std::max(growth.costs.back().peakKilobytes - growth.costs.front().peakKilobytes, 0L));
-    const bool isMemoryRight = job.holdsWork ? growth.memoryPower <= kMostPower : more <= kFlat;
-    growth.holds = growth.timePower <= kMostPower && isMemoryRight;
+    std::vector<double> seconds, kilobytes;
+    for (const Step& step : steps) {
+        growth.costs.push_back(step.best);
+        seconds.push_back(step.best.processorTime);
+        kilobytes.push_back(static_cast<double>(step.best.peakKilobytes));
+    }
+    growth.timePower = PowerOf(seconds, 0.01);
+    growth.memoryPower = PowerOf(kilobytes, 100);
+    const bool isFlat = kilobytes.back() - kilobytes.front() <= kFlatKilobytes;
+    growth.holds = growth.timePower <= kMostPower && (isFlat || (job.holdsWork && growth.memoryPower <= kMostPower));
     return growth;
 }
 
 int ShowGrowth(const Options& options, const std::vector<Case>& cases) {
-    Cost idle;
-    for (const Case& job : cases) {
-        if (job.name != "start") continue;
-        const Workshop workshop(options);
-        SetVariables(options, SamplesOf(options, options.scale), workshop.folder);
-        idle = RunOne(job.prepare, job.ours, workshop.log);
-        idle.seconds /= static_cast<double>(job.amount);
-    }
     bool allHold = true;
     for (const Case& job : cases) {
         if (!IsWanted(options, job.name) || job.samples.empty()) continue;
-        const Growth growth = MeasureGrowth(options, job, idle);
+        const Growth growth = MeasureGrowth(options, job);
         PrintGrowth(growth);
         allHold &= growth.holds;
     }

@@ -78,7 +78,7 @@ void PrintRow(const Result& result) {
 
 void PrintGrowth(const Growth& growth) {
     std::printf("%-36s", growth.job->name.c_str());
-    for (const Cost& cost : growth.costs) std::printf(" %6.2f s", cost.seconds);
+    for (const Cost& cost : growth.costs) std::printf(" %6.2f s", cost.processorTime);
     std::printf("  power %5.2f ", growth.timePower);
     for (const Cost& cost : growth.costs) std::printf(" %4ld", cost.peakKilobytes / 1000);
     std::printf(" MB  power %5.2f %s\n", growth.memoryPower, growth.holds ? "holds" : "MISSES");

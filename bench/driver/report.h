@@ -31,7 +31,7 @@ struct Result {
 };
 
 /// Costs of 1, 2, 4 and 8 times the work, and the power of the work with which they grow: 1 when twice the work costs
-/// twice as much. What an empty run costs is taken off before.
+/// twice as much.
 struct Growth {
     const Case* job = nullptr;
     std::vector<Cost> costs = {};
