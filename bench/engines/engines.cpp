@@ -18,6 +18,7 @@
 #include "rename/rename_plan.h"
 #include "rename/rename_rule.h"
 #include "textio/encoding.h"
+#include "windows_bench.h"
 
 namespace {
 
@@ -217,6 +218,7 @@ int main(int argc, char** argv) {
         {"names of 100,000 rows", look, [&] { return ComputeNames(rows); }},
         {"plan of 100,000 rows", look, [&] { return BatchRename::PlanRenames(rows, listings).steps.size(); }},
     };
+    Bench::ShowWindows(wanted, rows, listings);
     std::printf("%-36s %10s %s\n", "engine, over 16 MB or as said", "ms", "times memcpy or memchr");
     std::printf("%-36s %10.2f\n%-36s %10.2f\n", "memcpy", copy * 1e3, "memchr", look * 1e3);
     for (const auto& job : jobs) {
