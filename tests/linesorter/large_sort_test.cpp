@@ -1,13 +1,12 @@
 // Sorts that are large enough for threads and for groups in groups, and what ends one.
 #include <algorithm>
-#include <cstdlib>
 #include <random>
 
 #include "fuzz/plain_order.h"
 #include "linesorter/group_sort.h"
 #include "linesorter/sample_lines.h"
 #include "linesorter/sort_file.h"
-#include "support/replaced_imports.h"
+#include "support/limited_memory.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -47,18 +46,7 @@ TEST(LargeSort, IsTheSameForAnyNumberOfThreadsAndWhenSortedAgain) {
     }
 }
 
-// The replaced function is a plain one, so what it knows is global.
-size_t g_largestBlock = SIZE_MAX;
-
-void* LimitedMalloc(size_t size) {
-    // The runtime's own: this program's import of it is what is replaced.
-    static const auto original =
-        reinterpret_cast<decltype(&std::malloc)>(GetProcAddress(GetModuleHandleW(L"msvcrt.dll"), "malloc"));
-    return size > g_largestBlock ? nullptr : original(size);
-}
-
 TEST(LargeSort, GivesTheSameOrderWithoutMemoryForEntries) {
-    const QVTest::ReplacedImport malloc(GetModuleHandleW(nullptr), "malloc", reinterpret_cast<void*>(LimitedMalloc));
     Lines<char> lines = GroupedLines(3000);
     std::erase_if(lines, [](const std::string& line) { return line.size() > 1000; });  // comparing may convert one
     for (size_t i = 0; i < lines.size(); i += 10) lines[i].insert(0, std::to_string(i * 7919 % 1000) + ".1.20 ");
@@ -70,9 +58,10 @@ TEST(LargeSort, GivesTheSameOrderWithoutMemoryForEntries) {
             auto data = Load(lines);
             QVUtils::Progress progress;
             Workers workers(progress, 2);
-            g_largestBlock = isShort ? lines.size() * sizeof(KeyedIndex) - 1 : SIZE_MAX;
-            SortLines<char>(data, request, "%d.%m.%y", workers);
-            g_largestBlock = SIZE_MAX;
+            {
+                const QVTest::LimitedMemory limit(isShort ? lines.size() * sizeof(KeyedIndex) - 1 : SIZE_MAX);
+                SortLines<char>(data, request, "%d.%m.%y", workers);
+            }
             sorted[isShort] = Texts(data);
         }
         EXPECT_TRUE(sorted[0] == sorted[1]) << std::hex << order;

@@ -1,4 +1,5 @@
 
+#include "support/limited_memory.h"
 #include "support/string_writer.h"
 #include "textio/data_writer.h"
 #include "textio/text_file.h"
@@ -52,19 +53,27 @@ TEST(WriteAll, GoesOnAfterShortWritesAndFailsWhenNothingIsTaken) {
 TEST(BufferedDataWriter, WritesInOrderAndTellsWhatFailed) {
     std::string expected;
     while (expected.size() < 4'000'000) expected += std::to_string(expected.size()) + " ";
+    const auto write = [&](ReluctantWriter& target) {
+        BufferedDataWriter buffer(target);
+        size_t size = 1;
+        for (size_t at = 0; at < expected.size(); at += size, size = size * 3 % 1'000'003)
+            buffer.Write(expected.data() + at, std::min(size, expected.size() - at));
+        buffer.Flush();
+    };
     for (const size_t capacity : {size_t{0}, size_t{1'000'000}, size_t{2'000'000}, expected.size() - 1, SIZE_MAX}) {
         ReluctantWriter target(300'000, capacity);
         uint32_t error = 0;
         try {
-            BufferedDataWriter buffer(target);
-            size_t size = 1;
-            for (size_t at = 0; at < expected.size(); at += size, size = size * 3 % 1'000'003)
-                buffer.Write(expected.data() + at, std::min(size, expected.size() - at));
-            buffer.Flush();
+            write(target);
         } catch (const QVUtilsException& failure) {
             error = failure.GetErrorCode();
         }
         EXPECT_EQ(error, capacity == SIZE_MAX ? 0 : ErrorCode::DiskFull) << capacity;
         EXPECT_TRUE(target.text == expected.substr(0, capacity)) << capacity;
     }
+    ReluctantWriter target(300'000, SIZE_MAX);
+    target.text.reserve(expected.size());
+    const QVTest::LimitedMemory noBlocks(100'000);
+    write(target);
+    EXPECT_TRUE(target.text == expected);
 }
