@@ -278,6 +278,8 @@ uint64_t SortByValue(const SortableLinesData<CharT>& data, Range lines, const So
 template <class CharT>
 uint64_t CutKeys(SortableLinesData<CharT>& data, const SortRequest& request, const KeyRule<CharT>& rule,
                  Workers& workers) {
+    if (rule.kind == KeyRule<CharT>::Kind::FromOffset && rule.lineOffset == 0 && !rule.skipLeadingSpaces)
+        return 0;  // each line is its own key already
     const Range lines = SortedRange(data, request);
     std::atomic<uint64_t> tooShort = 0;
     workers.ForEach(lines.size(), [&](uint32_t begin, uint32_t end, uint32_t) {

@@ -44,7 +44,6 @@ auto SortableLinesData<CharT>::ReadText(QVUtils::DataReader& reader, uint64_t ex
     // Space for one read beyond the expected end: it finds nothing there, unless the file grows while it is read.
     const size_t capacity = std::min<uint64_t>(expectedSize, kSizeLimit) + 1;
     m_bytes = std::make_unique_for_overwrite<uint8_t[]>(capacity + kSpareBytes);
-    m_text = reinterpret_cast<const CharT*>(m_bytes.get());
     std::vector<Block> blocks((capacity + kBlockSize - 1) / kBlockSize);
     std::array<uint32_t, kAhead> blockOfSlot = {};
     uint32_t begun = 0;
@@ -73,14 +72,14 @@ auto SortableLinesData<CharT>::ReadText(QVUtils::DataReader& reader, uint64_t ex
             workers.GetProgress().Advance(m_size, expectedSize);
             QVUtils::RefuseOversizedText(m_size);
         }
-        if constexpr (sizeof(CharT) == 2)
-            if (block == 0 && m_size >= sizeof(CharT) && *m_text == CharT(0xFEFF)) ++m_text;
+        if (block == 0) FindText();
         blocks[block].bytes = m_size - begin;
         if (m_size > begin) workers.Add({.begin = block}, 0);
     };
     workers.Run(relay);
     if (m_size == capacity) {
         ReadRest(reader, capacity, expectedSize, workers.GetProgress());
+        FindText();
         blocks.assign((m_size + kBlockSize - 1) / kBlockSize, Block());
         for (size_t block = 0; block < blocks.size(); ++block)
             blocks[block].bytes = std::min(kBlockSize, m_size - block * kBlockSize);
@@ -95,7 +94,6 @@ auto SortableLinesData<CharT>::ReadText(QVUtils::DataReader& reader, uint64_t ex
 template <class CharT>
 void SortableLinesData<CharT>::ReadRest(QVUtils::DataReader& reader, size_t capacity, uint64_t expectedSize,
                                         QVUtils::Progress& progress) {
-    const auto mark = m_text - reinterpret_cast<const CharT*>(m_bytes.get());
     for (uint32_t received = 1; received > 0;) {
         if (m_size == capacity) {
             capacity += capacity / 2 + kBlockSize;
@@ -108,7 +106,13 @@ void SortableLinesData<CharT>::ReadRest(QVUtils::DataReader& reader, size_t capa
         progress.Advance(m_size, expectedSize);
         QVUtils::RefuseOversizedText(m_size);
     }
-    m_text = reinterpret_cast<const CharT*>(m_bytes.get()) + mark;
+}
+
+template <class CharT>
+void SortableLinesData<CharT>::FindText() {
+    m_text = reinterpret_cast<const CharT*>(m_bytes.get());
+    if constexpr (sizeof(CharT) == 2)
+        if (m_size >= sizeof(CharT) && *m_text == CharT(0xFEFF)) ++m_text;
 }
 
 template <class CharT>

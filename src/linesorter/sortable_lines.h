@@ -99,6 +99,7 @@ private:
 
     std::vector<Block> ReadText(QVUtils::DataReader& reader, uint64_t expectedSize, Workers& workers);
     void ReadRest(QVUtils::DataReader& reader, size_t capacity, uint64_t expectedSize, QVUtils::Progress& progress);
+    void FindText();
     View TextOf(size_t block, size_t bytes) const;
     void LookAt(size_t block, Block& found) const;
     void CutIntoLines(std::vector<Block>& blocks, Workers& workers);
