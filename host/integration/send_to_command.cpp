@@ -33,7 +33,7 @@ constexpr struct {
 std::wstring SendToFolder() {
     wchar_t* raw = nullptr;
     const HRESULT result = SHGetKnownFolderPath(FOLDERID_SendTo, KF_FLAG_CREATE, nullptr, &raw);
-    const std::wstring folder = TextOrEmpty(raw);
+    std::wstring folder = TextOrEmpty(raw);
     CoTaskMemFree(raw);
     if (FAILED(result) || folder.empty()) throw HostError(L"this user has no folder for the menu \"Send to\"");
     return folder;

@@ -187,7 +187,7 @@ CheckResult ReplaceKeepsStreams(const Trial& trial) {
     if (!made || !WriteFile(made.Get(), kNote.data(), static_cast<DWORD>(kNote.size()), &count, nullptr))
         return FailedBecause(Reason(L"a stream cannot be written", GetLastError()));
     made.Reset();
-    const CheckResult result = trial.Replace(file);
+    CheckResult result = trial.Replace(file);
     if (result.kind != CheckResult::Kind::Passed) return result;
     std::string bytes(2 * kNote.size(), '\0');
     const Win32::FileHandle kept = open(GENERIC_READ, OPEN_EXISTING);
@@ -252,7 +252,7 @@ CheckResult LongPaths(const Trial& trial) {
     const std::wstring folder = part + L'\\' + part + L'\\' + part;
     trial.MakeFolder(folder);
     const std::wstring file = trial.MakeFile(folder + L"\\file.txt");
-    const CheckResult result = trial.Replace(file);
+    CheckResult result = trial.Replace(file);
     if (result.kind != CheckResult::Kind::Passed) return result;
     const Trial::Said said = trial.Run({L"rename", file, L"--name", L"renamed"});
     const bool isThere = Win32::Exists(trial.PathOf(folder + L"\\renamed.txt"));
@@ -277,7 +277,7 @@ CheckResult RenameCaseOnly(const Trial& trial) {
 CheckResult NamesAtTheirLimit(const Trial& trial) {
     constexpr size_t kLongest = 255;  // units, as NTFS has it
     const std::wstring longest(kLongest - 4, L'n');
-    const CheckResult result = RenameTo(trial, trial.MakeFile(L"short.txt"), longest);
+    CheckResult result = RenameTo(trial, trial.MakeFile(L"short.txt"), longest);
     if (result.kind != CheckResult::Kind::Passed) return result;
     const std::wstring file = trial.PathOf(longest + L".txt");
     const Trial::Said said = trial.Run({L"rename", file, L"--name", longest + L"n"});

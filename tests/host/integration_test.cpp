@@ -119,6 +119,21 @@ TEST(SendTo, InstallsItsShortcutsOnceAndTakesAwayNoOthers) {
     EXPECT_EQ(menu.Read(L"Sort lines.lnk"), "no shortcut");
 }
 
+// With a library that has no such commands; what passes with the right one is an example of docs/scripts.md.
+TEST(SelfTest, TellsWhatFailedAndNotWhereAndLeavesNothing) {
+    const HostRunner host;
+    const TemporaryFolder folder;
+    const HostRun run = host.Run({L"selftest", folder.Path()});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.out.find("failed: replacing text in a file: qvhost: there is no custom command"), std::string::npos);
+    EXPECT_NE(run.out.find("failed: window: sort lines: "), std::string::npos);
+    EXPECT_NE(run.out.find("passed: names of 255 characters"), std::string::npos) << run.out;
+    EXPECT_EQ(run.out.find(QVHost::ToUtf8(folder.Path())), std::string::npos) << run.out;
+    EXPECT_EQ(run.out.find(" 0 failed"), std::string::npos);
+    EXPECT_EQ(folder.List(), Words());
+    EXPECT_EQ(host.Run({L"selftest", folder / L"none"}).status, 2);
+}
+
 TEST(FilesFrom, TakesListsAsPeopleAndProgramsWriteThem) {
     const HostRunner host;
     const std::wstring path = host.Folder().Write(L"\u65E5\u672C.txt", "");
