@@ -46,11 +46,12 @@ inline constexpr Chunk kBeforePivot = {};           // the key is less than the 
 inline constexpr Chunk kEndsWithPivot = {0, 1};     // it is that beginning
 inline constexpr Chunk kAfterPivot = {~0ULL, ~0U};  // it is greater
 
-/// Equal ones by index. That makes every two entries different, so any sort gives what a stable one would.
-inline bool IsLess(const KeyedIndex& left, const KeyedIndex& right) {
+/// Equal ones by index. That makes every two entries different, so any sort gives what a stable one would. An object,
+/// since a sort would call a function anew for each two entries.
+inline constexpr auto kIsLess = [](const KeyedIndex& left, const KeyedIndex& right) {
     const auto rest = [](const KeyedIndex& entry) { return uint64_t{entry.tail} << 32 | entry.index; };
     return left.key != right.key ? left.key < right.key : rest(left) < rest(right);
-}
+};
 
 /// Where the order of groups comes from. Each worker has a reader of its own. Depths count in the reader's own units.
 ///
@@ -236,7 +237,7 @@ private:
             SortGroup(part, worker);
             task.begin = greater;
         }
-        std::ranges::sort(MembersOf(task), IsLess);
+        std::ranges::sort(MembersOf(task), kIsLess);
         uint32_t seen = task.begin;
         for (Task group = task; group.begin < task.end; group.begin = group.end) {
             PrefetchGroups(task, group.begin, seen, m_readers[worker]);
