@@ -234,6 +234,7 @@ std::vector<std::wstring> RowList::LongestStatuses() const {
             if (hasName && NewName(longest).size() < NewName(row).size()) longest = row;
         }
     std::vector<std::wstring> texts;
+    texts.reserve(planned.size() + done.size());
     for (const auto& [kind, row] : planned) texts.push_back(Text(row, RowColumn::Status));
     for (const auto& [code, row] : done) texts.push_back(Text(row, RowColumn::Status));
     return texts;

@@ -115,6 +115,7 @@ LRESULT BatchRenameMainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lPar
             if (m_lastFocus) SetFocus(m_lastFocus);
             return 0;
         case WM_ACTIVATE:
+            if (LOWORD(wParam) == WA_INACTIVE) m_list.EndEdit();  // its field must not be where the focus returns
             if (LOWORD(wParam) == WA_INACTIVE && IsChild(m_window, GetFocus())) m_lastFocus = GetFocus();
             break;
         case WM_NEXTDLGCTL: MoveFocus(wParam, LOWORD(lParam) != 0); return 0;
@@ -293,7 +294,7 @@ void BatchRenameMainFrame::OnColours() {
 void BatchRenameMainFrame::SwitchPane() {
     const HWND focus = GetFocus();
     const HWND list = m_list.GetWindow();
-    if (focus == list) {
+    if (focus == list || IsChild(list, focus)) {
         SetFocus(m_focusInRule ? m_focusInRule : m_panel->Button(IDC_NAME_TEMPLATE));
         return;
     }
@@ -371,7 +372,7 @@ bool BatchRenameMainFrame::OnKey(const MSG& message) {
         return true;
     }
     if (message.message == WM_SYSKEYDOWN && isArrow && message.hwnd == m_list.GetWindow()) {
-        m_model.OnMoveRows(m_list.SelectedRows(), message.wParam == VK_UP);
+        m_model.OnMoveRows(m_list.TargetRows(), message.wParam == VK_UP);
         return true;
     }
     return false;

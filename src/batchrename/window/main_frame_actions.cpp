@@ -1,5 +1,4 @@
 // main_frame_actions.cpp - the window between its model, its panes, its threads and its dialogs.
-#include <shellapi.h>
 #include <algorithm>
 #include <system_error>
 #include <utility>
@@ -14,6 +13,8 @@
 #include "ui/guide.h"
 #include "win32/path.h"
 #include "win32/window_text.h"
+
+#include <shellapi.h>
 
 namespace BatchRename {
 namespace {

@@ -56,8 +56,8 @@ public:
     void Rescale(HFONT font);
 
     RowRange VisibleRows() const;
-    /// By row, true for the selected ones.
-    std::vector<bool> SelectedRows() const;
+    /// By row, true for the selected ones; when there is none, for the one with the focus.
+    std::vector<bool> TargetRows() const;
     void Select(const std::vector<bool>& isSelected);
     /// Goes to the next or previous row with a problem; false when there is none.
     bool GoToProblem(bool isBack);
@@ -81,9 +81,8 @@ private:
     void OnClick(POINT point, bool isDouble);
     void ToggleCheck(int place);
     void SelectAll();
+    std::vector<bool> SelectedRows() const;
     void Copy(const std::vector<bool>& isMarked) const;
-    /// The selected rows; when there is none, the one with the focus.
-    std::vector<bool> TargetRows() const;
     void ShowMenu(POINT point);
     void EditName(int place);
 
