@@ -1,4 +1,6 @@
 // The parts of the window that need none.
+#include <gtest/gtest.h>
+
 #include "batchrename/model/name_fit.h"
 #include "batchrename/model/name_sample.h"
 #include "batchrename/model/row_list.h"
