@@ -33,7 +33,7 @@ private:
     std::vector<CharT> m_others;  // the units that something else stands for
 };
 
-/// As it is made without a word.
+/// One such table for all, made when it is first asked for. Nothing is equated in it.
 template <class CharT>
 const CaseFolding<CharT>& PlainCaseFolding();
 
