@@ -70,9 +70,10 @@ void AddOptions(CLI::App& app, HostOptions& options) {
         ->check(NotEmpty);
     AddValue(app, "--log", "FILE", options.log, "Appends the log lines to a file as well")->check(NotEmpty);
     app.add_flag("--quiet", options.isQuiet, "No log lines on standard output");
-    AddValue(app, "--answer", "ANSWER", options.answers,
-             "Answers the next question: yes, no, cancel, ok, replace, replace-all, find-next, skip-file, or the text to "
-             "choose or to enter. Repeat it for further questions; the last one repeats")
+    AddValue(
+        app, "--answer", "ANSWER", options.answers,
+        "Answers the next question: yes, no, cancel, ok, replace, replace-all, find-next, skip-file, or the text to "
+        "choose or to enter. Repeat it for further questions; the last one repeats")
         ->check(NotEmpty);
     app.add_flag("--windows", options.asksInWindows,
                  "Asks questions in windows, and shows progress in one where there is no terminal");

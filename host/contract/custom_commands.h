@@ -83,8 +83,8 @@ public:
     /// Takes `KEY=VALUE` (cut at the first `=`) or the name of a switch.
     /// @throws UsageError for an unknown name, a name given twice, or a value that does not fit the kind
     void SetArgument(const std::wstring& argument);
-    /// The command is to write nothing. It hears of it by a switch that it has not registered, PREVIEW, so that none of
-    /// its parameters can be taken for it. @throws UsageError for a command that would not heed it
+    /// The command is to write nothing. It hears of it by a switch that it has not registered, PREVIEW, so that no
+    /// parameter of its own can be taken for it. @throws UsageError for a command that would not heed it
     void SetPreview();
     /// Names of the parameters that must be given and are not, or with an empty text.
     std::vector<std::wstring> MissingParameters() const;

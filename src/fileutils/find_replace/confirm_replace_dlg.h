@@ -26,7 +26,7 @@ struct MatchView {
 /// Of the line with the match, what stands right around the match is kept, and the match itself up to 400 units.
 MatchView ViewOf(const ConfirmQuestion& question, bool asUtf8);
 
-/// One for each run: a window that stays open from question to question, with the host's window disabled behind it.
+/// One for each run: a window that stays open from question to question, while the host's window is disabled.
 ///
 /// Every press of a key or a button answers one question, also one that comes while the next match is looked for: those
 /// answer the following questions, in order. "Skip File" means the file that was shown when it was pressed, and is used
