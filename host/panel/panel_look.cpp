@@ -1,4 +1,5 @@
 #include "host/panel/panel_look.h"
+#include "ui/system_ink.h"
 #include "win32/module.h"
 #include "win32/window_position.h"
 
@@ -40,9 +41,8 @@ LRESULT PanelLook::Ink(NMLVCUSTOMDRAW& draw, Tone tone) const {
         draw.clrText = GetSysColor(COLOR_HIGHLIGHTTEXT);
         draw.clrTextBk = GetSysColor(COLOR_HIGHLIGHT);
     }
-    if (tone == Tone::Note && !isSelected) draw.clrText = GetSysColor(COLOR_GRAYTEXT);
     if (tone != Tone::Failure) return CDRF_NEWFONT;
-    if (!isSelected) draw.clrText = GetSysColor(COLOR_HOTLIGHT);
+    if (!isSelected) draw.clrText = Ui::AccentInk();
     if (m_bold) SelectObject(draw.nmcd.hdc, m_bold.Get());
     return CDRF_NEWFONT;
 }

@@ -9,6 +9,7 @@
 #include "ui/controls.h"
 #include "ui/dialog.h"
 #include "ui/guide.h"
+#include "ui/system_ink.h"
 
 #include <commctrl.h>
 
@@ -254,6 +255,20 @@ TEST(Dialog, HasTheSizeAgainThatTheUserGaveIt) {
         settings.value = text;
         EXPECT_EQ(sizeAfter(0), natural) << text;
     }
+}
+
+TEST(SystemInk, KnowsWhatCanBeRead) {
+    EXPECT_NEAR(Ui::ContrastOf(RGB(0, 0, 0), RGB(255, 255, 255)), 21, 0.01);
+    EXPECT_NEAR(Ui::ContrastOf(RGB(119, 119, 119), RGB(255, 255, 255)), 4.48, 0.01)
+        << "the usual example of too little";
+    const int kinds[] = {COLOR_HOTLIGHT, COLOR_WINDOW};
+    const COLORREF before[] = {GetSysColor(COLOR_HOTLIGHT), GetSysColor(COLOR_WINDOW)};
+    for (const auto& [link, expected] : {std::pair(RGB(0, 0, 200), RGB(0, 0, 200)), {RGB(200, 200, 200), 0}}) {
+        const COLORREF colours[] = {link, RGB(255, 255, 255)};
+        SetSysColors(2, kinds, colours);
+        EXPECT_EQ(Ui::AccentInk(), expected == 0 ? GetSysColor(COLOR_WINDOWTEXT) : expected);
+    }
+    SetSysColors(2, kinds, before);
 }
 
 TEST(Guide, IsThePackedPageElseTheTextInTheCheckout) {

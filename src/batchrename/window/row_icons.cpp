@@ -3,6 +3,7 @@
 #include <span>
 
 #include "batchrename/window/row_list_view.h"
+#include "ui/system_ink.h"
 
 namespace BatchRename {
 namespace {
@@ -37,7 +38,7 @@ void Fill(HDC context, int size, std::span<const POINT> corners, COLORREF colour
 void Draw(HDC context, int size, int picture) {
     const COLORREF ink = GetSysColor(COLOR_WINDOWTEXT);
     const COLORREF ground = GetSysColor(COLOR_WINDOW);
-    if (picture == 1) Fill(context, size, kArrow, GetSysColor(COLOR_HOTLIGHT));
+    if (picture == 1) Fill(context, size, kArrow, Ui::AccentInk());
     if (picture == 2) {
         Fill(context, size, kTriangle, ink);
         Fill(context, size, kExclamation, ground);

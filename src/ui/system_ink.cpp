@@ -1,0 +1,32 @@
+#include "ui/system_ink.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Ui {
+namespace {
+
+constexpr double kReadable = 4.5;
+
+/// From 0 (black) to 1 (white), as the eye weighs the three parts.
+double LuminanceOf(COLORREF colour) noexcept {
+    const auto linear = [](BYTE part) {
+        const double share = part / 255.0;
+        return share <= 0.04045 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(GetRValue(colour)) + 0.7152 * linear(GetGValue(colour)) + 0.0722 * linear(GetBValue(colour));
+}
+
+}  // namespace
+
+double ContrastOf(COLORREF left, COLORREF right) noexcept {
+    const auto [darker, lighter] = std::minmax({LuminanceOf(left), LuminanceOf(right)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+COLORREF AccentInk() noexcept {
+    const COLORREF accent = GetSysColor(COLOR_HOTLIGHT);
+    return ContrastOf(accent, GetSysColor(COLOR_WINDOW)) >= kReadable ? accent : GetSysColor(COLOR_WINDOWTEXT);
+}
+
+}  // namespace Ui

@@ -1,0 +1,15 @@
+// system_ink.h - the system's colours where something is to stand out, in every theme.
+#pragma once
+
+#include "win32/windows.h"
+
+namespace Ui {
+
+/// How far apart two colours are, from 1 (the same) to 21 (black and white): the contrast ratio of WCAG 2.1.
+double ContrastOf(COLORREF left, COLORREF right) noexcept;
+
+/// The colour of links, which every theme has beside that of texts; that of texts where links could not be read on the
+/// ground of a list (a contrast below 4.5, as WCAG 2.1 has it), since not every theme means them to.
+COLORREF AccentInk() noexcept;
+
+}  // namespace Ui
