@@ -1,9 +1,10 @@
 // exception_reserve.cpp - what the library does when it is loaded, so that it can report that memory has run out even
-// when none at all is left, and what it gives back when it is unloaded.
+// when none at all is left, and what it gives back of the runtime's when it is unloaded.
 #include "win32/windows.h"
 
 #include <atomic>
 #include <cstddef>
+#include <cstdlib>
 
 namespace {
 
@@ -40,7 +41,33 @@ void PrepareExceptionReserve() noexcept {
 
 }  // namespace
 
-// NOLINTBEGIN(clang-diagnostic-reserved-identifier, bugprone-reserved-identifier): the runtime's names.
+// The runtime takes a place for values of threads and keeps it: a process has 1,088 of them, and a host that had loaded
+// and unloaded the library so often would be ended by the runtime. The linker leads the one call for it through here.
+// NOLINTBEGIN(clang-diagnostic-reserved-identifier, bugprone-reserved-identifier): the linker's and the runtime's
+// names.
+extern "C" {
+using TakePlace = DWORD WINAPI();
+extern TakePlace* const __real___imp_TlsAlloc;
+extern TakePlace* const __wrap___imp_TlsAlloc;
+}
+
+namespace {
+
+DWORD g_place = TLS_OUT_OF_INDEXES;
+
+DWORD WINAPI KeepPlace() {
+    return g_place = __real___imp_TlsAlloc();
+}
+
+/// The first constructor of all: so this comes after the last destructor, when the runtime is not used any more.
+[[gnu::constructor(101)]] void GiveBackPlaceAtEnd() {
+    std::atexit([] { TlsFree(g_place); });
+}
+
+}  // namespace
+
+TakePlace* const __wrap___imp_TlsAlloc = KeepPlace;
+
 namespace __gnu_cxx {
 void __freeres() noexcept;
 }  // namespace __gnu_cxx
