@@ -84,14 +84,15 @@ std::wstring ImageOf(DWORD processId) {
 /// A text that the system has of this process's session, in lower or upper case as it likes. The library is loaded for
 /// it: it is no other command's affair, and each start would wait for it.
 std::wstring TextOfSession(WTS_INFO_CLASS what) {
+    // From the system's folder: as an import, a file of that name beside this program would be taken.
     const Win32::Module library = Win32::LoadSystemModule(L"wtsapi32.dll");
     const auto query =
         Win32::FindFunction<decltype(&WTSQuerySessionInformationW)>(library, "WTSQuerySessionInformationW");
-    const auto free = Win32::FindFunction<decltype(&WTSFreeMemory)>(library, "WTSFreeMemory");
+    const auto release = Win32::FindFunction<decltype(&WTSFreeMemory)>(library, "WTSFreeMemory");
     wchar_t* text = nullptr;
     DWORD size = 0;
-    if (!query || !free || !query(WTS_CURRENT_SERVER_HANDLE, WTS_CURRENT_SESSION, what, &text, &size)) return {};
-    const std::unique_ptr<wchar_t, decltype(free)> owner(text, free);
+    if (!query || !release || !query(WTS_CURRENT_SERVER_HANDLE, WTS_CURRENT_SESSION, what, &text, &size)) return {};
+    const std::unique_ptr<wchar_t, decltype(&WTSFreeMemory)> owner(text, release);
     return text;
 }
 

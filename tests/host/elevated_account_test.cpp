@@ -55,6 +55,21 @@ BOOL WINAPI SaySessionOfProcess(DWORD, DWORD* session) {
     return TRUE;
 }
 
+std::vector<std::wstring> g_asked;
+BOOL WINAPI AskForElevation(SHELLEXECUTEINFOW* start) {
+    g_asked = {start->lpVerb, start->lpFile, start->lpParameters};
+    SetLastError(ERROR_CANCELLED);
+    return FALSE;
+}
+/// What is found by name: nothing of the test platform, and the functions of libraries that are loaded when needed.
+FARPROC WINAPI FindAsOnWindows(HMODULE module, const char* name) {
+    const std::string_view wanted = name;
+    if (wanted == "ShellExecuteExW") return reinterpret_cast<FARPROC>(AskForElevation);
+    if (wanted == "WTSQuerySessionInformationW") return reinterpret_cast<FARPROC>(SaySession);
+    if (wanted == "WTSFreeMemory") return reinterpret_cast<FARPROC>(FreeSession);
+    return wanted.starts_with("wine_") ? nullptr : g_getProcAddress(module, name);
+}
+
 TEST(ElevatedAccount, IsServedForTheUserOfThisDesktop) {
     const HMODULE program = GetModuleHandleW(nullptr);
     MessagePipe server;
@@ -64,9 +79,9 @@ TEST(ElevatedAccount, IsServedForTheUserOfThisDesktop) {
     ASSERT_EQ(client.Open(name), 0u);
     const ReplacedImport replaced[] = {{program, "GetTokenInformation", reinterpret_cast<void*>(SayUser)},
                                        {program, "LookupAccountSidW", reinterpret_cast<void*>(SayAccount)},
-                                       {program, "WTSQuerySessionInformationW", reinterpret_cast<void*>(SaySession)},
-                                       {program, "WTSFreeMemory", reinterpret_cast<void*>(FreeSession)},
                                        {program, "ProcessIdToSessionId", reinterpret_cast<void*>(SaySessionOfProcess)}};
+    const ReplacedImport windows(program, "GetProcAddress", reinterpret_cast<void*>(FindAsOnWindows));
+    g_getProcAddress = reinterpret_cast<decltype(g_getProcAddress)>(windows.Original());
     g_getTokenInformation = reinterpret_cast<decltype(g_getTokenInformation)>(replaced[0].Original());
     for (const ReplacedImport& import : replaced) ASSERT_NE(import.Original(), nullptr);
     const struct {
@@ -84,18 +99,6 @@ TEST(ElevatedAccount, IsServedForTheUserOfThisDesktop) {
         g_said = c.said;
         EXPECT_EQ(client.IsMadeByOwnHost(), c.isServed) << c.who;
     }
-}
-
-std::vector<std::wstring> g_asked;
-BOOL WINAPI AskForElevation(SHELLEXECUTEINFOW* start) {
-    g_asked = {start->lpVerb, start->lpFile, start->lpParameters};
-    SetLastError(ERROR_CANCELLED);
-    return FALSE;
-}
-/// Nothing of the test platform, and the prompt, which is loaded with its first call.
-FARPROC WINAPI FindAsOnWindows(HMODULE module, const char* name) {
-    if (std::string_view(name) == "ShellExecuteExW") return reinterpret_cast<FARPROC>(AskForElevation);
-    return std::string_view(name).starts_with("wine_") ? nullptr : g_getProcAddress(module, name);
 }
 
 /// A person who says No is not got round by a start without the rights.
