@@ -108,8 +108,10 @@ TEST_P(Rounds, HoldNoMoreThanTheRuntimeKeeps) {
     const Held before = HeldNow();
     run(CountRounds());
     const Held after = HeldNow();
-    // A thread of the system for windows may come late.
-    EXPECT_LE(after.handles, before.handles + loads * kHandlesOfRuntime + 8);
+    // A thread of the system for windows may come late. Where the window's thread is the last to let go of the library,
+    // the runtime keeps a handle of it, too.
+    const size_t ofWindows = staysLoaded ? 0 : CountRounds();
+    EXPECT_LE(after.handles, before.handles + loads * kHandlesOfRuntime + ofWindows + 8);
     EXPECT_LE(after.threads, before.threads + 1);
     EXPECT_LE(after.place, before.place + 1);
     EXPECT_LE(after.bytes, before.bytes + loads * kBytesOfRuntime + CountRounds() * kBytesOfRound);
