@@ -142,7 +142,9 @@ std::vector<std::wstring> CommonOptions(const HostOptions& options, const std::w
 }  // namespace
 
 int RunSelfTest(const HostOptions& options, const HostEnvironment& environment, Output& output) {
-    const OwnFolder own(options.operands.empty() ? TemporaryFolder() : FullUserPath(options.operands.front()));
+    const std::wstring where(
+        Win32::WithoutSeparator(options.operands.empty() ? TemporaryFolder() : FullUserPath(options.operands.front())));
+    const OwnFolder own(where);
     const Volume volume = VolumeOf(own.Path());
     PrintHead(output, volume);
     size_t counts[3] = {};
@@ -154,7 +156,7 @@ int RunSelfTest(const HostOptions& options, const HostEnvironment& environment, 
         const Trial trial(folder, volume.flags, environment.program, CommonOptions(options, own.Path()));
         const CheckResult result = RunCheck(check, trial);
         ++counts[static_cast<size_t>(result.kind)];
-        output.Line(LineOf(check, result, own.Path()));
+        output.Line(LineOf(check, result, where));
     }
     output.Line(L"");
     output.Line(std::to_wstring(counts[0]) + L" passed, " + std::to_wstring(counts[1]) + L" failed, " +

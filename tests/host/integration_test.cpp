@@ -128,9 +128,10 @@ TEST(SelfTest, TellsWhatFailedAndNotWhereAndLeavesNothing) {
     EXPECT_NE(run.out.find("failed: replacing text in a file: qvhost: there is no custom command"), std::string::npos);
     EXPECT_NE(run.out.find("failed: window: sort lines: "), std::string::npos);
     EXPECT_NE(run.out.find("passed: names of 255 characters"), std::string::npos) << run.out;
-    EXPECT_EQ(run.out.find(QVHost::ToUtf8(folder.Path())), std::string::npos) << run.out;
     EXPECT_EQ(run.out.find(" 0 failed"), std::string::npos);
     EXPECT_EQ(folder.List(), Words());
+    const HostRun lost = host.Run({L"selftest", folder.Path(), L"--library", folder / L"none.dll"});
+    EXPECT_NE(lost.out.find("there is no file FOLDER\\none.dll"), std::string::npos) << lost.out;
     EXPECT_EQ(host.Run({L"selftest", folder / L"none"}).status, 2);
 }
 
