@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/app/report.h"
+#include "host/app/json_report.h"
 #include "host/contract/panel_view.h"
 #include "win32/handle.h"
 

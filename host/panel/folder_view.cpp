@@ -200,9 +200,15 @@ void FolderView::NoteRenamed(const std::wstring& before, const std::wstring& now
     m_renamings.push_back({before, now});
 }
 
-void FolderView::Select(const std::vector<std::wstring>& names) {
+size_t FolderView::Select(const std::vector<std::wstring>& paths) {
+    size_t elsewhere = 0;
     std::set<std::wstring> wanted;
-    for (const std::wstring& name : names) wanted.insert(Win32::ToLowerCase(name));
+    for (const std::wstring& path : paths) {
+        if (Win32::EqualIgnoringCase(Win32::WithoutSeparator(Win32::FolderOf(path)), m_folder))
+            wanted.insert(Win32::ToLowerCase(Win32::FileNameOf(path)));
+        else
+            ++elsewhere;
+    }
     ListView_SetItemState(m_list, -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
     bool isFirst = true;
     for (size_t row = 0; row < m_rows.size(); ++row) {
@@ -212,6 +218,7 @@ void FolderView::Select(const std::vector<std::wstring>& names) {
         if (isFirst) ListView_EnsureVisible(m_list, at, FALSE);
         isFirst = false;
     }
+    return elsewhere;
 }
 
 void FolderView::SelectAll() {

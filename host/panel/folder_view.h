@@ -42,8 +42,9 @@ public:
     uint32_t Open(const std::wstring& folder, const std::wstring& focused = {});
     /// Reads the folder anew. Selected and focused items stay so, also those that have been renamed.
     uint32_t Refresh();
-    /// These names and no others; the first one gets the focus.
-    void Select(const std::vector<std::wstring>& names);
+    /// Those of these paths that lie in the folder, and no others; the first row of them gets the focus. Gives the
+    /// number of paths that lie elsewhere.
+    size_t Select(const std::vector<std::wstring>& paths);
     void SelectAll();
     /// The path of the focused row; "" when there is none.
     std::wstring FocusedPath() const;

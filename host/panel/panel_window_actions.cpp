@@ -106,15 +106,9 @@ void PanelWindow::OnDrop(HDROP drop) {
 }
 
 void PanelWindow::GoToAll(const std::vector<std::wstring>& paths) {
-    const std::wstring folder(Win32::FolderOf(paths.front()));
-    if (!ShowFolder(folder)) return;
-    std::vector<std::wstring> names;
-    for (const std::wstring& path : paths)
-        if (EqualIgnoringCase(Win32::FolderOf(path), folder)) names.emplace_back(Win32::FileNameOf(path));
-    m_content->list.Select(names);
-    if (names.size() < paths.size())
-        ShowLine(FormatText(Text(PanelText::OtherFolders), {static_cast<int>(paths.size() - names.size())}),
-                 Tone::Note);
+    if (!ShowFolder(std::wstring(Win32::FolderOf(paths.front())))) return;
+    if (const size_t elsewhere = m_content->list.Select(paths))
+        ShowLine(FormatText(Text(PanelText::OtherFolders), {static_cast<int>(elsewhere)}), Tone::Note);
 }
 
 void PanelWindow::RunCommand(uint32_t id) {
@@ -201,7 +195,7 @@ bool PanelWindow::GoTo(const std::wstring& path) {
 
 bool PanelWindow::GoToItem(const std::wstring& path) {
     if (!ShowFolder(std::wstring(Win32::FolderOf(path)))) return false;
-    m_content->list.Select({std::wstring(Win32::FileNameOf(path))});
+    m_content->list.Select({path});
     return true;
 }
 

@@ -136,7 +136,7 @@ CheckResult ReplaceKeeps(const Trial& trial, const wchar_t* what, uint32_t attri
     CheckResult result = trial.Replace(file);
     const DWORD now = GetFileAttributesW(file.c_str());
     if (result.kind == CheckResult::Kind::Passed && (now & attribute) != attribute)
-        return FailedBecause(std::wstring(L"the file is ").append(what).append(L" no longer"));
+        return FailedBecause(std::wstring(L"afterwards the file is not ").append(what));
     return result;
 }
 

@@ -3,7 +3,7 @@
 
 #include "host/app/command_line.h"
 #include "host/app/host_text.h"
-#include "host/app/report.h"
+#include "host/app/json_report.h"
 #include "host_runner.h"
 #include "win32/shortcut.h"
 

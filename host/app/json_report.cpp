@@ -1,4 +1,4 @@
-#include "host/app/report.h"
+#include "host/app/json_report.h"
 
 #include <cstdio>
 

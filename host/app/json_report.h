@@ -1,4 +1,4 @@
-// report.h - what a run has done and said, as one JSON document for other programs (`--json`).
+// json_report.h - what a run has done and said, as one JSON document for other programs (`--json`).
 //
 // The document is an object: "schema" (1), "program", "command" (the subcommand), "name" (which command, or what to do
 // with undo; or null), "items", "messages" (each with "kind", "log" or "note", and "text"), "counts" (items by their
