@@ -5,6 +5,7 @@
 
 #include "findreplace/matching.h"
 #include "findreplace/text_blocks.h"
+#include "textio/progress.h"
 #include "textio/text_file.h"
 #include "win32/code_page.h"
 
@@ -83,6 +84,7 @@ public:
         : m_file(file), m_request(request), m_tell(tell), m_count(count), m_document(count.kind) {}
 
     void Run(const CountBounds& bounds) {
+        if (bounds.isStopped) m_progress = QVUtils::Progress([&](uint32_t) { return !bounds.isStopped(); });
         BoundedReader reader(m_file.GetReader(), bounds, m_count);
         const bool isOverLines = m_request.GetMode() == Mode::Multiline;
         TextBlocks<CharT> blocks(reader, static_cast<uint32_t>(m_file.GetMarkSize()),
@@ -94,7 +96,7 @@ public:
         do {
             LookAt(block);
             m_document.GetLines().Reset(block);
-            m_count.changes = FindAndReplace<CharT>(m_document, m_request, nullptr);
+            m_count.changes = FindAndReplace<CharT>(m_document, m_request, nullptr, nullptr, &m_progress);
             if (m_tell) Tell();
             hasBlock = hasBlock && blocks.Next(block);
         } while (hasBlock);
@@ -155,6 +157,7 @@ private:
     const TellChange& m_tell;
     FileCount& m_count;
     TextDocumentT<CharT> m_document;
+    QVUtils::Progress m_progress;  // only carries the wish to stop, into long lines too
     uint64_t m_linesBefore = 0;
     QVUtils::LineBreak m_firstBreak = QVUtils::LineBreak::None;
     bool m_mayBeUtf8 = m_count.kind == EncodingKind::CodePage && !Win32::IsUtf8(Win32::kThreadCodePage);
@@ -185,7 +188,10 @@ FileCount CountMatches(const std::wstring& path, Request& request, const CountBo
     try {
         Count(path, request, bounds, tell, count);
     } catch (const QVUtilsException& failure) {
-        fail(failure.what(), failure.GetErrorCode());
+        if (failure.GetErrorCode() == ErrorCode::Cancelled)
+            count.isWhole = false;
+        else
+            fail(failure.what(), failure.GetErrorCode());
     } catch (const std::bad_alloc&) {
         fail("Out of memory", ErrorCode::OutOfMemory);
     } catch (const std::exception& failure) {

@@ -15,7 +15,7 @@ namespace QVFindAndReplace {
 /// How far a count goes at the most.
 struct CountBounds {
     uint64_t bytes = std::numeric_limits<uint64_t>::max();
-    std::function<bool()> isStopped = {};  // asked for each 32 KB or so; empty: never
+    std::function<bool()> isStopped = {};  // asked for each 32 KB or so, and in long lines; empty: never
 };
 
 /// What a run with the same request would find in one file.

@@ -168,6 +168,9 @@ TEST(ConfirmReplaceDlg, LosesNoKeyThatComesBeforeTheNextQuestion) {
             dialog.Close();
             while (!countIs(7)) answers.push_back(dialog.Ask(first));
             while (!countIs(9)) answers.push_back(dialog.Ask(second));
+            EXPECT_FALSE(dialog.IsCancelled());
+            PostMessageW(FindWindowW(L"#32770", L"Confirm Replace"), WM_KEYDOWN, VK_ESCAPE, 1);
+            EXPECT_TRUE(dialog.IsCancelled());
         });
     std::vector<uint32_t> expected(5, Answer::Replace);
     // The second "Skip File" was pressed for the file that was over with the first.

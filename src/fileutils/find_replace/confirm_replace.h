@@ -34,6 +34,8 @@ public:
     virtual uint32_t Ask(const ConfirmQuestion& question) = 0;
     /// Another window is to open, or there are no more questions. A further question is answered all the same.
     virtual void Close() {}
+    /// True when the user does not want to wait for the next question, but cancels.
+    virtual bool IsCancelled() { return false; }
 
 protected:
     ~IConfirmReplace() = default;

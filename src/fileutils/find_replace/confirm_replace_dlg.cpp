@@ -148,6 +148,11 @@ void ConfirmReplaceDlg::Close() {
     if (GetWindow()) End(IDCANCEL);
 }
 
+bool ConfirmReplaceDlg::IsCancelled() {
+    TakeInput();
+    return !m_pressed.empty() && m_pressed.front().answer == Answer::Cancel;
+}
+
 void ConfirmReplaceDlg::Open() {
     const HWND active = GetActiveWindow();
     const HWND owner = active ? active : m_mainWindow;

@@ -46,6 +46,7 @@ public:
     uint32_t Ask(const ConfirmQuestion& question) override;
     /// The next question opens the window anew, in its old place.
     void Close() override;
+    bool IsCancelled() override;
     using Dialog::UseHost;
 
 private:

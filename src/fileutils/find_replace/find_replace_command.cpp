@@ -120,8 +120,12 @@ private:
         if (task.mayOverwrite) m_options |= Option::Overwrite;
         FindAndReplaceCallback callback = NextCallback();
         QVFindAndReplace::FileNotes notes;
+        // While it is open the question's window stands before the progress, whose Cancel is out of reach.
+        const auto tell = [&](uint32_t percent) {
+            return (!task.tell || task.tell(percent)) && !m_confirmation.IsCancelled();
+        };
         const int64_t changes =
-            QVFindAndReplace::ProcessFile(task.source, task.target, m_options, m_request, callback, notes, task.tell);
+            QVFindAndReplace::ProcessFile(task.source, task.target, m_options, m_request, callback, notes, tell);
         if (changes >= 0) {
             m_host.Log(kLogLevel, LogKind::Success, L"[Find and Replace] - %I64d changes made to file : %s", changes,
                        task.source.c_str());
