@@ -118,7 +118,7 @@ TEST(ProcessFile, BlocksGiveWhatTheWholeTextGives) {
         const size_t size = text.size() + 130'000 + random() % 300'000;
         while (text.size() < size) text += oneOf(alphabet);
         if (round % 3 == 0) text = "\xFF\xFE" + Utf16(std::wstring(text.begin(), text.end()));
-        if (round % 3 == 1) text = kUtf8Mark + text;
+        if (round % 3 == 1) text.insert(0, kUtf8Mark);
         const TemporaryFolder folder;
         const std::wstring whole = folder.Write(L"whole", text);
         const std::wstring inBlocks = folder.Write(L"blocks", text);
