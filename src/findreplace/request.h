@@ -93,8 +93,8 @@ struct Items {
 template <class CharT>
 using ItemPair = std::pair<const Converted<CharT>*, const Converted<CharT>*>;
 
-/// What a request looks for in single lines, in the order in which it is applied. Of Mode::Multiline the first find item
-/// by the first replacement item. Where there is no replacement item the whole text, which then is empty, is one.
+/// What a request looks for in single lines, in the order in which it is applied. Of Mode::Multiline the first find
+/// item by the first replacement item. Where there is no replacement item the whole text, which then is empty, is one.
 template <class CharT>
 std::vector<ItemPair<CharT>> PairsOf(const Items<CharT>& items, Mode mode) {
     const Converted<CharT>* const shared =
