@@ -113,7 +113,7 @@ std::wstring PathIn(std::wstring_view line, const std::function<bool(const std::
     std::wstring folder;
     for (size_t at = FindPath(line, 0); at != std::wstring_view::npos; at = FindPath(line, at + kShortestPath)) {
         const std::wstring_view rest = line.substr(at);
-        const std::wstring renamed = RenamedIn(rest);
+        std::wstring renamed = RenamedIn(rest);
         if (!renamed.empty() && exists(renamed)) return renamed;
         std::wstring path = ExistingBeginning(rest, exists);
         if (!path.empty()) return path;
