@@ -130,8 +130,9 @@ void AddSet(std::vector<Case>& cases, const Words& words, const Data& data) {
         finds += (finds.empty() ? "" : "\\n") + from;
         replacements += (replacements.empty() ? "" : "\\n") + to;
         each += "s/" + from + "/" + to + "/g;";
-        chain +=
-            (chain.empty() ? "sd -s " : " | sd -s ") + from + " " + Quoted(to) + (chain.empty() ? " < $W/in.txt" : "");
+        const bool isFirst = chain.empty();
+        chain.append(isFirst ? "sd -s " : " | sd -s ").append(from).append(" ").append(Quoted(to));
+        if (isFirst) chain.append(" <").append(kInput);
     }
     cases.push_back(Find("three pairs" + in, 0.8, many + "lf", text,
                          "MODE=Many " + Quoted("FIND=" + finds) + " " + Quoted("REPLACEWITH=" + replacements),
