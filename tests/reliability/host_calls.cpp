@@ -188,6 +188,10 @@ std::string HostCalls::FailedCall() {
     return g_round ? g_round->failed : "";
 }
 
+bool HostCalls::HasGivenNonsense() {
+    return g_round && g_round->fault == GivesNonsense;
+}
+
 void HostCalls::Tell(std::function<void(const std::string&)> onCall) {
     Begin(Round{.onCall = std::move(onCall)});
 }

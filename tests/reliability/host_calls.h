@@ -29,6 +29,8 @@ public:
     static void Walk(const std::function<void()>& act, const std::function<void()>& restore = nullptr);
     /// "CLASS SLOT" of the call that has gone wrong; "" when none has.
     static std::string FailedCall();
+    /// It has given nonsense, and not nothing.
+    static bool HasGivenNonsense();
 
     /// From now on `onCall` is told "CLASS SLOT" when the host has done its part, on the thread of the call.
     static void Tell(std::function<void(const std::string& call)> onCall);
