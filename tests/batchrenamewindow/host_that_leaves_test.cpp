@@ -236,8 +236,8 @@ TEST(FaultsOfTheHost, AreBorneByTheWindow) {
             host.Select();
             HostThatLeaves::Panel().PressLater(IDC_RESET_LIST);
             EXPECT_TRUE(host.WaitFor([&] { return host.Collections() > collections; }));
-            enter(L"[N]", L"1 item, 0 will be renamed");
-            enter(L"[N]2", L"1 item, 1 will be renamed");
+            enter(L"[N]", L"0 of 1 item will be renamed");
+            enter(L"[N]2", L"1 of 1 item will be renamed");
             collections = host.Collections();
             EXPECT_EQ(host.Files().Read(host.Files().List().front()), "a");
         };
@@ -259,7 +259,7 @@ TEST(FaultsOfTheHost, AreBorneWhileTheWindowComesAndGoes) {
         host.Create();
         host.Extension().OnCommand(31000, 0, 0);
         EXPECT_TRUE(host.WaitFor([] {
-            return !HostCalls::FailedCall().empty() || HostThatLeaves::Status() == L"1 item, 0 will be renamed";
+            return !HostCalls::FailedCall().empty() || HostThatLeaves::Status() == L"0 of 1 item will be renamed";
         }));
         host.Extension().Shutdown();
         host.Delete();

@@ -74,7 +74,7 @@ void UseTheWindow() {
     const ReplacedImport hurried(GetModuleHandleW(L"QVUtils.dll"), "Sleep", reinterpret_cast<void*>(PauseShortly));
     window.Open({L"a", L"b"});
     window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
-    EXPECT_TRUE(window.WaitForStatus(L"2 items, 2 will be renamed"));
+    EXPECT_TRUE(window.WaitForStatus(L"2 of 2 items will be renamed"));
     window.Panel().Press(IDC_START);
     EXPECT_TRUE(window.WaitForStatus(L"2 Renamed"));
     window.Panel().PressLater(IDC_UNDO);

@@ -200,16 +200,14 @@ TEST(RenameWindow, StartsAndClosesByNoLetterWithoutAlt) {
 TEST(RenameWindow, IsLaidOutAnewForAnotherScaleAndBackOnANarrowScreen) {
     RenameWindow window({L"a.txt"});
     window.Open({L"a.txt"});
-    ASSERT_TRUE(window.WaitForStatus(L"1 item, 0 will be renamed"));
+    ASSERT_TRUE(window.WaitForStatus(L"0 of 1 item will be renamed"));
     const HWND start = window.Panel().Control(IDC_START);
     const auto sizes = [&] {
         LOGFONTW font = {};
         GetObjectW(reinterpret_cast<HFONT>(SendMessageW(window.List(), WM_GETFONT, 0, 0)), sizeof(font), &font);
         RECT button = {};
         GetWindowRect(start, &button);
-        const HWND pairs = window.Panel().Control(IDC_ITEMS);
-        return std::vector<LONG>{font.lfHeight, button.right - button.left, button.bottom - button.top,
-                                 ListView_GetColumnWidth(pairs, 0)};
+        return std::vector<LONG>{font.lfHeight, button.right - button.left, button.bottom - button.top};
     };
     const auto before = sizes();
     const auto scale = [&](UINT dots, LONG width, LONG height) {
