@@ -165,7 +165,8 @@ TEST(ItemTrial, CountsTheNamesThatAPairFindsInWhatTheRuleMakesOfThem) {
     constexpr uint32_t kRegex = RenameOption::RegularExpression;
     EXPECT_EQ(trial({{L"a(\\d)", L"$1"}}, kRegex), L"2 of 3 names match\na1.txt\n1.txt");
     EXPECT_EQ(trial({{L"a", L"a"}}, 0), L"2 of 3 names match\na1.txt\na1.txt") << "what stays the same is found too";
-    EXPECT_EQ(trial({{L"b", L"x"}, {L"x", L""}}, 0), L"1 of 3 names matches\nb.txt\n.txt") << "the pairs before it count";
+    EXPECT_EQ(trial({{L"b", L"x"}, {L"x", L""}}, 0), L"1 of 3 names matches\nb.txt\n.txt")
+        << "the pairs before it count";
     EXPECT_EQ(trial({{L"b", L"x", false}, {L"x", L"", false}}, 0), L"0 of 3 names match") << "those that are on";
     EXPECT_EQ(trial({{L"A", L"x"}}, RenameOption::UpperName | RenameOption::CaseSensitive).substr(0, 6), L"2 of 3");
     EXPECT_EQ(trial({{L"(", L""}, {L"b", L""}}, kRegex).substr(0, 6), L"1 of 3") << "its own fault counts, no other";
