@@ -209,6 +209,11 @@ Result GatedHost::Pass(Result closed, Call&& call) {
 }
 
 const wchar_t* GatedHost::GetModuleText(uint16_t module, TextId id) {
+    {
+        // The window asks for the same texts at each row that it shows.
+        const std::lock_guard lock(m_textLock);
+        if (const auto known = m_texts.find({module, id}); known != m_texts.end()) return known->second.c_str();
+    }
     const std::wstring text = Pass(std::wstring(), [&](IHostServices& services) {
         const wchar_t* const found = services.GetModuleText(module, id);
         return std::wstring(found ? found : L"");

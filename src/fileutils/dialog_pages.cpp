@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "fileutils/fileutils_resource.h"
+#include "fileutils/fileutils_texts.h"
 #include "sdk/owners.h"
+#include "ui/name_fault_texts.h"
 
 namespace FileUtils {
 namespace {
@@ -28,19 +30,33 @@ constexpr Ui::Tip kSortLinesTips[] = {
 constexpr Ui::Tip kCreateLinksTips[] = {{IDC_LINK_KIND, 813_d}, {IDC_LINK_AS_ADMIN, 814_d}};
 constexpr Ui::Tip kChangeAccessTips[] = {{IDC_ACCESS_ACCOUNT, 815_d}};
 
+constexpr Ui::Tip kChangeAccessTexts[] = {
+    {0, Text::AccessDialog},
+    {IDC_ACCESS_ACCOUNT_LABEL, Text::Account},
+    {IDC_ACCESS_FIND, Text::FindAccount},
+    {IDC_ACCESS_RIGHTS_LABEL, Text::AccessRights},
+    {IDOK, Text::GrantPermissions},
+    {IDC_ACCESS_NOTE, Text::AccessNote},
+    {IDCANCEL, Text::Cancel},
+};
+
 constexpr Ui::DialogPage kPages[] = {
     {IDD_FIND_AND_REPLACE, L"FindAndReplace", L"find-and-replace", kFindAndReplaceTips},
     {IDD_CONFIRM_REPLACE, L"ConfirmReplace", L"the-question-about-each-match", kConfirmReplaceTips},
     {IDD_SORT_LINES, L"SortLines", L"sort-lines", kSortLinesTips},
     {IDD_REPLACE_IN_NAMES, L"ReplaceInNames", L"names-text-links-and-conversions", {}},
     {IDD_CREATE_LINKS, L"CreateLinks", L"names-text-links-and-conversions", kCreateLinksTips},
-    {IDD_CHANGE_ACCESS, L"ChangeAccess", L"ownership-and-access-rights", kChangeAccessTips},
+    {IDD_CHANGE_ACCESS, L"ChangeAccess", L"ownership-and-access-rights", kChangeAccessTips, kChangeAccessTexts},
 };
 
 }  // namespace
 
 std::span<const Ui::DialogPage> DialogPages() {
     return kPages;
+}
+
+std::wstring Reason(std::wstring_view english, const Words& say) {
+    return say.Translated(english, {Text::kReasons, Ui::Text::kNameFaults});
 }
 
 Ui::DialogHost DialogHostFor(IHostServices& host, WORD dialog) {

@@ -2,16 +2,16 @@
 // holds nothing but comments and macros.
 #pragma once
 
-// Controls that several dialogs have.
-#define IDC_HEADING         1000
-#define IDC_WARNING         1001
-#define IDC_FILES           1002
-#define IDC_TARGET          1004
-#define IDC_FILE_NAME       1005
-#define IDC_REASON          1006  // why the dialog cannot start
-#define IDC_FILES_LABEL     1007
-#define IDC_TARGET_LABEL    1008
-#define IDC_FILE_NAME_LABEL 1009
+// Controls that several dialogs have. Their last two digits tell them from the system's buttons (ui/dialog_host.h).
+#define IDC_HEADING         1010
+#define IDC_WARNING         1011
+#define IDC_FILES           1012
+#define IDC_TARGET          1014
+#define IDC_FILE_NAME       1015
+#define IDC_REASON          1016  // why the dialog cannot start
+#define IDC_FILES_LABEL     1017
+#define IDC_TARGET_LABEL    1018
+#define IDC_FILE_NAME_LABEL 1019
 
 // "Grant Permissions" is IDOK.
 #define IDD_CHANGE_ACCESS        111

@@ -2,11 +2,13 @@
 // of the control panel's menu stand in its table.
 #pragma once
 
-#include "sdk/text_format.h"
+#include "sdk/words.h"
 
 namespace FileUtils::Text {
 
 using namespace Quorvane::SDK::TextIdLiterals;
+using Quorvane::SDK::CountedText;
+using Quorvane::SDK::OwnText;
 using Quorvane::SDK::TextId;
 
 // Menus, in the order in which they are built.
@@ -155,6 +157,74 @@ inline constexpr TextId SortDone = 573_d;       // one argument: the number of f
 inline constexpr TextId SortOverwrite = 575_d;  // one argument: the path of the target
 inline constexpr TextId SortFailed = 581_d;     // one argument: the files that failed or were skipped
 
+// Links.
+inline constexpr OwnText LinkColumn = {600_d, L"Link"};
+inline constexpr OwnText TargetColumn = {601_d, L"Leads to"};
+inline constexpr OwnText HardLink = {602_d, L"Hard link"};
+inline constexpr OwnText Junction = {603_d, L"Junction"};
+inline constexpr OwnText SymbolicLink = {604_d, L"Symbolic link"};
+inline constexpr OwnText Shortcut = {605_d, L"Shortcut"};
+inline constexpr OwnText LookingAtLinks = {606_d, L"Looking at the links..."};
+inline constexpr OwnText FolderNeeded = {607_d, L"A folder is needed."};
+inline constexpr OwnText LinkNotCreated = {608_d, L"The link could not be created. The log says why."};
+inline constexpr OwnText LinksNotCreated = {609_d, L"%d of %d links could not be created. The log says why."};
+inline constexpr OwnText CreateLinksTitle = {610_d, L"Create links"};
+
+// Text in names.
+inline constexpr OwnText PartName = {620_d, L"the name"};
+inline constexpr OwnText PartExtension = {621_d, L"the extension"};
+inline constexpr OwnText PartBoth = {622_d, L"name and extension"};
+inline constexpr OwnText NothingToFind = {623_d, L"There is no text to find."};
+inline constexpr OwnText NoNameHoldsIt = {624_d, L"No name holds this text."};
+inline constexpr CountedText NamesChange = {{625_d, L"%d name will change."}, {626_d, L"%d names will change."}};
+inline constexpr OwnText NameImpossible = {627_d, L"\"%s\" cannot be a name: %s."};
+inline constexpr OwnText MoreImpossible = {628_d, L" So it is with %d names."};
+
+// Access, and the question about a match.
+inline constexpr OwnText NoSuchAccount = {630_d, L"There is no user or group of this name."};
+inline constexpr OwnText FileOfFiles = {640_d, L"F&ile %d of %d:"};
+inline constexpr OwnText MatchInLine = {641_d, L"&Match %d in line %d:"};
+
+/// Why a dialog cannot start, and what may surprise: texts of the engines and of the forms, which know no host.
+// clang-format off
+inline constexpr OwnText kReasons[] = {
+    {650_d, L"\"%s\": %s."},
+    {651_d, L"Find match are too short. Atleast one character need"},
+    {652_d, L"To few find items. Atleast one must be set"},
+    {653_d, L"Find and Replace item do not match"},
+    {654_d, L"There is no text to find in the first line."},
+    {655_d, L"This wildcard cannot be read (braces hold a count, as in x{2}): %s"},
+    {656_d, L"Several files would be saved as %s. A * stands for each original's name."},
+    {657_d, L"Save as needs a file name, such as *_new.*"},
+    {658_d, L"A file name has none of \\ / : < > | \" ? in it. A * stands for the original's name."},
+    {660_d, L"Item Separator is one character; \\t stands for a tab."},
+    {661_d, L"Item is a number of 1 or more."},
+    {662_d, L"End character is one character or none; \\t stands for a tab."},
+    {663_d, L"Entire lines have no number and no date to sort by: choose a substring or an item."},
+    {664_d, L"Numbers are read from %s characters at most: Substring lenght counts for them too."},
+    {665_d, L"Dates need a format: the button < has examples."},
+    {666_d, L"%s is a number from 0 to 4294967295."},
+    {667_d, L"Start Line"},
+    {668_d, L"End Line"},
+    {669_d, L"Start at line position"},
+    {670_d, L"Item"},
+    {671_d, L"Substring lenght"},
+    {672_d, L"Substring lenght is above 63, the longest number key."},
+    {673_d, L"The date format is longer than 127 characters."},
+    {674_d, L"The date format uses %s, which is not supported."},
+    {680_d, L"There is too little memory to look at all links."},
+    {681_d, L"A link has no name: %s"},
+    {682_d, L"Two links have the same name: %s"},
+    {683_d, L"This cannot be a name: %s"},
+    {684_d, L"This name is in use: %s"},
+    {685_d, L"There is no folder %s"},
+    {686_d, L"A hard link cannot lead to a folder: %s"},
+    {687_d, L"A hard link cannot lead to another volume: %s"},
+    {688_d, L"A junction cannot lead to a file: %s"},
+    {689_d, L"A junction cannot lead to another computer: %s"},
+};
+// clang-format on
+
 /// All of them, so that a test can look for each in the language files.
 // clang-format off
 inline constexpr TextId kAll[] = {
@@ -175,6 +245,15 @@ inline constexpr TextId kAll[] = {
     SeveralHoldUtf8, LoneBreaksInOne, LoneBreaksInSeveral, MixedBreaksInOne, MixedBreaksInSeveral, CaseCountsInPlain,
     CaseOfAsciiAlone, FirstLinesAlone, FirstReplacementAlone, NoWildcardsOverLines, FindReplaceTitle,
     FindReplaceOverwrite, FindReplaceDoneOne, FindReplaceDoneMany, SortTitle, SortDone, SortOverwrite, SortFailed};
+// clang-format on
+
+/// Those with an English text of their own, likewise.
+// clang-format off
+inline constexpr OwnText kOwn[] = {
+    LinkColumn, TargetColumn, HardLink, Junction, SymbolicLink, Shortcut, LookingAtLinks, FolderNeeded,
+    LinkNotCreated, LinksNotCreated, CreateLinksTitle, PartName, PartExtension, PartBoth, NothingToFind,
+    NoNameHoldsIt, NamesChange.one, NamesChange.others, NameImpossible, MoreImpossible, NoSuchAccount, FileOfFiles,
+    MatchInLine};
 // clang-format on
 
 }  // namespace FileUtils::Text

@@ -137,13 +137,13 @@ constexpr wchar_t kSample[] = L"abcdefghijklmnopqrstuvwxyz";
 
 }  // namespace
 
-void AddColumns(HWND list, std::span<const ListColumn> columns) {
+void AddColumns(HWND list, std::span<const ListColumn> columns, const Quorvane::SDK::Words& say) {
     SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
     const LRESULT sample = SendMessageW(list, LVM_GETSTRINGWIDTHW, 0, reinterpret_cast<LPARAM>(kSample));
     const int character = std::max(static_cast<int>(sample) / 26, 1);
     int index = 0;
     for (const ListColumn& column : columns) {
-        std::wstring title = column.title;
+        std::wstring title = say(column.title);
         LVCOLUMNW added = {};
         added.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_SUBITEM;
         added.pszText = title.data();

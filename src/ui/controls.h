@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "sdk/text_format.h"
+#include "sdk/words.h"
 #include "win32/handle.h"
 #include "win32/windows.h"
 
@@ -59,12 +59,12 @@ std::optional<uint32_t> NumberFromText(std::wstring_view text);
 void EnableWithLabel(HWND control, bool isEnabled);
 
 struct ListColumn {
-    const wchar_t* title;
+    Quorvane::SDK::OwnText title;
     int width;  // in sixteenths of an average character of the list's font: so it grows with the font
 };
 
 /// Adds the columns, and selects whole rows.
-void AddColumns(HWND list, std::span<const ListColumn> columns);
+void AddColumns(HWND list, std::span<const ListColumn> columns, const Quorvane::SDK::Words& say);
 void SetListText(HWND list, int row, int column, const std::wstring& text);
 /// The first selected row, or -1.
 int SelectedRow(HWND list);

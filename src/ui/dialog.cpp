@@ -225,6 +225,8 @@ INT_PTR Dialog::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
 bool Dialog::Start() {
     ScaleByOurselves(m_window);
     GiveWholeSize(m_window, m_layout ? m_layout : DialogResource(m_resourceId));
+    if (m_host.texts && m_resourceId != 0)
+        ShowTexts(m_window, m_resourceId, m_host.texts, m_host.page ? m_host.page->texts : std::span<const Tip>());
     const bool isFocusOpen = OnInit();
     if (!m_resizing.IsStarted()) m_resizing.Start(m_window, {});
     if (m_host.page) AddTips(m_host.page->tips, m_host.texts);

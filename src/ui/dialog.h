@@ -5,6 +5,7 @@
 #include <exception>
 #include <utility>
 
+#include "sdk/words.h"
 #include "ui/dialog_host.h"
 #include "ui/resizing.h"
 #include "win32/windows.h"
@@ -35,8 +36,8 @@ public:
 
     HWND GetWindow() const noexcept { return m_window; }
 
-    /// From the next time on that it is shown: F1 opens its page of the guide, its controls have tooltips, and a dialog
-    /// whose size can be changed has the size that it had last.
+    /// From the next time on that it is shown: it speaks the host's language, F1 opens its page of the guide, its
+    /// controls have tooltips, and a dialog whose size can be changed has the size that it had last.
     void UseHost(DialogHost host) { m_host = std::move(host); }
 
 protected:
@@ -66,6 +67,8 @@ protected:
     /// hears of it), and what was asked for is not done.
     virtual bool OutlivesFailure() const noexcept { return false; }
 
+    /// Our own texts in the host's language.
+    Quorvane::SDK::Words Say() const { return Quorvane::SDK::Words(m_host.texts); }
     HWND Item(int id) const noexcept { return GetDlgItem(m_window, id); }
     /// From OnInit on the controls follow the window's size, which cannot get smaller than it is then.
     /// `column`: see Resizing::Start.

@@ -250,7 +250,7 @@ TEST(ChangeAccessDlg, TakesTheAccountThatWasFound) {
         open.Select(IDC_ACCESS_RIGHTS, 2);
         open.PressAndClose(IDOK);
     };
-    WhileShown(L"text", person, [&] { choice = dialog.Show(nullptr); });
+    WhileShown(L"Add File Access", person, [&] { choice = dialog.Show(nullptr); });
     ASSERT_TRUE(choice);
     EXPECT_EQ(choice->account, L"D\\found");
     EXPECT_EQ(choice->mask, 0x1301BFu);

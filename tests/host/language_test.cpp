@@ -14,6 +14,7 @@
 #include "host_runner.h"
 #include "security/ntfs_prop.h"
 #include "ui/guide.h"
+#include "ui/name_fault_texts.h"
 
 namespace {
 
@@ -63,6 +64,14 @@ TEST(LanguageTexts, AreThereForEveryIdOfTheLibraryAndThePanel) {
         for (const Ui::Tip& tip : page.tips) expectText(L"", tip.text);
     for (const Ui::DialogPage& page : BatchRename::DialogPages())
         for (const Ui::Tip& tip : page.tips) expectText(L"QVBatchRename", tip.text);
+    const auto expectEnglish = [&](const wchar_t* section, std::span<const OwnText> own) {
+        for (const OwnText& text : own) EXPECT_STREQ(texts.Find(section, text.id), text.english) << section;
+    };
+    for (const auto& own : {std::span<const OwnText>(FileUtils::Text::kOwn), {FileUtils::Text::kReasons}})
+        expectEnglish(L"", own);
+    expectEnglish(L"", Ui::Text::kNameFaults);
+    for (const auto& own : {std::span<const OwnText>(BatchRename::Text::kOwn), {BatchRename::Text::kReasons}})
+        expectEnglish(L"QVBatchRename", own);
     for (uint32_t number = 1; number <= static_cast<uint32_t>(PanelText::Last); ++number) {
         const auto text = static_cast<PanelText>(number);
         EXPECT_NE(TextOf(texts, text), NameOfTextId(TextIdOf(text)));

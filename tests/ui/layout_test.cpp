@@ -1,6 +1,9 @@
-// Walks every dialog as the resources have it, in two sizes: at 100 % and, by a font of half the size again, at 150 %.
+// Walks every dialog as the resources have it and in each language of the stand-in host, in two sizes: at 100 % and, by
+// a font of half the size again, at 150 %.
+#include <algorithm>
 #include <cwctype>
 #include <map>
+#include <memory>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -9,9 +12,12 @@
 #include "batchrename/dialogs/rename_dialog_pages.h"
 #include "fileutils/dialog_pages.h"
 #include "fileutils/fileutils_resource.h"
+#include "host/contract/language.h"
+#include "host/contract/whole_file.h"
 #include "ui/activation_context.h"
 #include "ui/controls.h"
 #include "ui/dialog.h"
+#include "win32/path.h"
 #include "win32/window_text.h"
 
 namespace {
@@ -38,12 +44,41 @@ INT_PTR CALLBACK HandleNothing(HWND, UINT, WPARAM, LPARAM) {
     return FALSE;
 }
 
+constexpr const wchar_t* kLanguages[] = {L"", L"qvhost-english.txt", L"qvhost-german.txt"};  // "": the resources'
+
+std::unique_ptr<QVHost::LanguageTexts> ReadLanguage(const wchar_t* file) {
+    auto texts = std::make_unique<QVHost::LanguageTexts>();
+    std::string bytes;
+    EXPECT_EQ(QVHost::ReadWholeFile(Win32::JoinPath(Win32::FolderOf(QV_HOST_PROGRAM), file), bytes), 0u);
+    texts->Read(bytes);
+    return texts;
+}
+
+/// Gives a dialog of ours the texts of a language file. Each control with a text has one there.
+void ShowLanguage(HWND window, WORD dialog, const wchar_t* file) {
+    const auto texts = ReadLanguage(file);
+    const std::span<const Ui::DialogPage> ours = BatchRename::DialogPages();
+    const bool isRenamers = std::ranges::find(ours, dialog, &Ui::DialogPage::dialog) != ours.end();
+    const std::span<const Ui::DialogPage> pages = isRenamers ? ours : FileUtils::DialogPages();
+    const auto text = [&](Quorvane::SDK::TextId id) {
+        const wchar_t* const found = texts->Find(isRenamers ? L"QVBatchRename" : L"", id);
+        const uint32_t number = id >> 16;
+        constexpr uint32_t kSameInAll[] = {10201, 10301, 10701, 10801, 11001, IDC_DATE_MENU};  // "OK" and "<"
+        EXPECT_TRUE(std::ranges::find(kSameInAll, number) != std::end(kSameInAll) ||
+                    Quorvane::SDK::IsHostText(found, id))
+            << number;
+        return found;
+    };
+    Ui::ShowTexts(window, dialog, text, std::ranges::find(pages, dialog, &Ui::DialogPage::dialog)->texts);
+}
+
 class OpenDialog {
 public:
-    OpenDialog(WORD dialog, WORD points) : m_template(TemplateWithFont(dialog, points)) {
+    OpenDialog(WORD dialog, WORD points, const wchar_t* language = L"") : m_template(TemplateWithFont(dialog, points)) {
         const Ui::ActivationContext context;
         m_window = CreateDialogIndirectParamW(Ui::OwnModule(), reinterpret_cast<const DLGTEMPLATE*>(m_template.data()),
                                               GetDesktopWindow(), HandleNothing, 0);  // a panel needs a parent
+        if (*language) ShowLanguage(m_window, dialog, language);
     }
     ~OpenDialog() { DestroyWindow(m_window); }
     OpenDialog(const OpenDialog&) = delete;
@@ -117,10 +152,13 @@ std::string Name(HWND control) {
 }
 
 TEST(Layout, EverythingFitsAndNothingOverlaps) {
-    for (const WORD dialog : kDialogs)
+    for (size_t walk = 0; walk < std::size(kDialogs) * std::size(kLanguages); ++walk)
         for (const WORD points : kPointSizes) {
-            SCOPED_TRACE("dialog " + std::to_string(dialog) + ", " + std::to_string(points) + " points");
-            const OpenDialog open(dialog, points);
+            const WORD dialog = kDialogs[walk / std::size(kLanguages)];
+            const size_t language = walk % std::size(kLanguages);
+            SCOPED_TRACE("dialog " + std::to_string(dialog) + ", " + std::to_string(points) + " points, language " +
+                         std::to_string(language));
+            const OpenDialog open(dialog, points, kLanguages[language]);
             ASSERT_TRUE(open.Window());
             RECT client = {};
             GetClientRect(open.Window(), &client);
@@ -149,9 +187,11 @@ TEST(Layout, EverythingFitsAndNothingOverlaps) {
 }
 
 TEST(Layout, EveryControlIsWithinReachOfTheKeyboard) {
-    for (const WORD dialog : kDialogs) {
-        SCOPED_TRACE("dialog " + std::to_string(dialog));
-        const OpenDialog open(dialog, kPointSizes[0]);
+    for (size_t walk = 0; walk < std::size(kDialogs) * std::size(kLanguages); ++walk) {
+        const WORD dialog = kDialogs[walk / std::size(kLanguages)];
+        const size_t language = walk % std::size(kLanguages);
+        SCOPED_TRACE("dialog " + std::to_string(dialog) + ", language " + std::to_string(language));
+        const OpenDialog open(dialog, kPointSizes[0], kLanguages[language]);
         ASSERT_TRUE(open.Window());
         std::map<wchar_t, HWND> keys;
         HWND before = nullptr;

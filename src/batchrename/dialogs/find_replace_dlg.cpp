@@ -4,6 +4,7 @@
 #include <memory>
 #include <utility>
 
+#include "batchrename/batchrename_texts.h"
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/model/name_sample.h"
 #include "batchrename/profiles.h"
@@ -16,13 +17,12 @@ namespace {
 constexpr ULONGLONG kPatience = 40;  // milliseconds for one look at the names: goes unnoticed while typing
 
 struct Group {
-    const wchar_t* text;
+    Quorvane::SDK::OwnText text;
     const wchar_t* code;
 };
 constexpr Group kGroups[] = {
-    {L"$&&\tthe whole match", L"$&"}, {L"$1\tfirst group", L"$1"},  {L"$2\tsecond group", L"$2"},
-    {L"$3\tthird group", L"$3"},      {L"$4\tfourth group", L"$4"}, {L"$5\tfifth group", L"$5"},
-    {L"$$\ta dollar sign", L"$$"},
+    {Text::GroupWhole, L"$&"},  {Text::GroupFirst, L"$1"}, {Text::GroupSecond, L"$2"}, {Text::GroupThird, L"$3"},
+    {Text::GroupFourth, L"$4"}, {Text::GroupFifth, L"$5"}, {Text::GroupDollar, L"$$"},
 };
 
 }  // namespace
@@ -45,7 +45,7 @@ bool BatchRenameFindReplaceDlg::OnInit() {
         SendMessageW(Item(edit), EM_LIMITTEXT, kLongestProfileText, 0);
     Ui::SetTextOf(Item(IDC_ITEM_REPLACE), m_items[m_place].replaceWith);
     Ui::SetTextOf(Item(IDC_ITEM_FIND), m_items[m_place].find);
-    Ui::SetTextOf(Item(IDC_ITEM_MODES), TextOfModes(m_rule.options));
+    Ui::SetTextOf(Item(IDC_ITEM_MODES), TextOfModes(m_rule.options, Say()));
     EnableWindow(Item(IDC_ITEM_GROUPS), (m_rule.options & RenameOption::RegularExpression) != 0);
     MoveToLowerEdge();
     Refresh();
@@ -80,7 +80,7 @@ void BatchRenameFindReplaceDlg::MoveToLowerEdge() {
 
 void BatchRenameFindReplaceDlg::PickGroup() {
     Ui::PopupMenu menu;
-    for (const Group& group : kGroups) menu.Add(group.text);
+    for (const Group& group : kGroups) menu.Add(Say()(group.text));
     const int chosen = menu.Show(GetWindow(), Item(IDC_ITEM_GROUPS));
     if (chosen < 0) return;
     SendMessageW(Item(IDC_ITEM_REPLACE), EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(kGroups[chosen].code));
@@ -94,7 +94,7 @@ bool BatchRenameFindReplaceDlg::Refresh() {
     m_rule.items = std::make_shared<const SearchAndReplaceItems>(m_items);
     const ULONGLONG end = GetTickCount64() + kPatience;
     const ItemTrial trial = TryItem(m_rule, m_place, *m_rows, [&] { return GetTickCount64() > end; });
-    const std::wstring text = m_rows->empty() && trial.error.empty() ? L"" : TextOfTrial(trial, m_rows->size());
+    const std::wstring text = m_rows->empty() && trial.error.empty() ? L"" : TextOfTrial(trial, m_rows->size(), Say());
     Ui::SetTextOf(Item(IDC_ITEM_MATCHES), text);
     const bool isUsable = !item.find.empty() && trial.error.empty();
     EnableWindow(Item(IDOK), isUsable);

@@ -64,8 +64,9 @@ bool SaveProfileDlg::OnCommand(int id, int notification) {
 
 bool SaveProfileDlg::MayTake(const std::wstring& name) {
     if (std::ranges::find(m_profiles, name, &RenameProfile::name) == m_profiles.end()) return true;
-    const std::wstring question = L"There is a profile \"" + name + L"\" already. Replace it?";
-    return MessageBoxW(GetWindow(), question.c_str(), L"Save profile", MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) ==
+    const std::wstring question = Say()(Text::ReplaceProfile, {name});
+    const std::wstring title = Win32::WindowText(GetWindow());
+    return MessageBoxW(GetWindow(), question.c_str(), title.c_str(), MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) ==
            IDYES;
 }
 

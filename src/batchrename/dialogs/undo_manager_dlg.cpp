@@ -1,7 +1,9 @@
 #include "batchrename/dialogs/undo_manager_dlg.h"
 
+#include "batchrename/batchrename_texts.h"
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "ui/controls.h"
+#include "win32/window_text.h"
 
 #include <utility>
 
@@ -11,9 +13,8 @@ namespace BatchRename {
 namespace {
 
 // compatibility: 11
-constexpr Ui::ListColumn kSessionColumns[] = {
-    {L"Date and time when files was renamed", 848}, {L"Items :", 176}, {L"State", 640}};
-constexpr Ui::ListColumn kEntryColumns[] = {{L"New name", 544}, {L"Old name", 544}, {L"Location", 576}};
+constexpr Ui::ListColumn kSessionColumns[] = {{Text::TimeOfRun, 848}, {Text::Items, 176}, {Text::State, 640}};
+constexpr Ui::ListColumn kEntryColumns[] = {{Text::NewName, 544}, {Text::OldName, 544}, {Text::Location, 576}};
 
 constexpr Ui::Anchor kAnchors[] = {
     {IDC_SESSIONS, 0, 0, 100, 40},  {IDC_ENTRIES_LABEL, 0, 40, 0, 40},  {IDC_ENTRIES, 0, 40, 100, 100},
@@ -21,9 +22,9 @@ constexpr Ui::Anchor kAnchors[] = {
     {IDCANCEL, 100, 100, 100, 100}, {IDC_ENTRIES_HINT, 0, 100, 0, 100},
 };
 
-const wchar_t* StateOf(const BatchRenameUndo& session) {
-    if (session.haveRestored) return L"Restored";
-    return session.isUnfinished ? L"Did not come to its end" : L"";
+std::wstring StateOf(const BatchRenameUndo& session, const Quorvane::SDK::Words& say) {
+    if (session.haveRestored) return say(Text::Restored);
+    return session.isUnfinished ? say(Text::Unfinished) : std::wstring();
 }
 
 }  // namespace
@@ -54,8 +55,8 @@ std::optional<SessionChoice> BatchRenameUndoManagerDlg::Show(HWND owner) {
 
 bool BatchRenameUndoManagerDlg::OnInit() {
     MakeResizable(kAnchors);
-    Ui::AddColumns(Item(IDC_SESSIONS), kSessionColumns);
-    Ui::AddColumns(Item(IDC_ENTRIES), kEntryColumns);
+    Ui::AddColumns(Item(IDC_SESSIONS), kSessionColumns, Say());
+    Ui::AddColumns(Item(IDC_ENTRIES), kEntryColumns, Say());
     FillSessions();
     SetFocus(Item(IDC_SESSIONS));
     return false;
@@ -68,7 +69,7 @@ void BatchRenameUndoManagerDlg::FillSessions() {
     for (const auto& session : m_store.Sessions()) {
         Ui::SetListText(list, row, 0, TextOfTime(session->time));
         Ui::SetListText(list, row, 1, std::to_wstring(session->entries.size()));
-        Ui::SetListText(list, row++, 2, StateOf(*session));
+        Ui::SetListText(list, row++, 2, StateOf(*session, Say()));
     }
     if (row > 0) Ui::SelectRow(list, 0);
     Refresh();
@@ -142,21 +143,17 @@ void BatchRenameUndoManagerDlg::Refresh() {
 
 void BatchRenameUndoManagerDlg::DeleteAll(const std::vector<std::shared_ptr<BatchRenameUndo>>& sessions) {
     if (sessions.empty()) return;
-    const std::wstring question =
-        (sessions.size() == 1 ? std::wstring(L"Delete this session?")
-                              : L"Delete " + std::to_wstring(sessions.size()) + L" sessions?") +
-        L"\n\nWhat it renamed stays as it is, and can no longer be undone.";
-    if (MessageBoxW(GetWindow(), question.c_str(), L"Undo BatchRename", MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) !=
-        IDYES)
+    const std::wstring question = Say()(Text::DeleteSessions, sessions.size()) + L"\n\n" + Say()(Text::WhatStays);
+    const std::wstring title = Win32::WindowText(GetWindow());
+    if (MessageBoxW(GetWindow(), question.c_str(), title.c_str(), MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) != IDYES)
         return;
     size_t failedCount = 0;
     for (const auto& session : sessions)
         if (!m_store.Delete(session)) ++failedCount;
     FillSessions();
     if (failedCount == 0) return;
-    const std::wstring text = std::to_wstring(failedCount) + L" of the sessions could not be deleted (error " +
-                              std::to_wstring(m_store.LastError()) + L").";
-    MessageBoxW(GetWindow(), text.c_str(), L"Undo BatchRename", MB_OK | MB_ICONWARNING);
+    const std::wstring text = Say()(Text::SessionsNotDeleted, {failedCount, m_store.LastError()});
+    MessageBoxW(GetWindow(), text.c_str(), title.c_str(), MB_OK | MB_ICONWARNING);
 }
 
 }  // namespace BatchRename

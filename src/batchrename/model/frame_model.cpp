@@ -4,25 +4,29 @@
 #include <new>
 #include <utility>
 
+#include "batchrename/batchrename_texts.h"
 #include "rename/rename_options.h"
 
 namespace BatchRename {
+
+using Quorvane::SDK::Words;
+
 namespace {
 
 constexpr int kTypingPause = 150;                // milliseconds after the last key
 constexpr size_t kRowsWorthShowingEarly = 2000;  // fewer are there at once: showing part of them would only flicker
 
-std::wstring ErrorOf(const RuleDefinition& rule) {
+std::wstring ErrorOf(const RuleDefinition& rule, const Words& say) {
     if (!(rule.options & RenameOption::RegularExpression) || !rule.items) return {};
     const ItemFault fault = CheckRegularExpressions(*rule.items, (rule.options & RenameOption::CaseSensitive) != 0);
     if (fault.item == 0) return {};
-    return L"Expression " + std::to_wstring(fault.item) + L" is not valid: " + fault.error;
+    return say(Text::ExpressionOfPairInvalid, {fault.item, Reason(fault.error, say)});
 }
 
 }  // namespace
 
-FrameModel::FrameModel(IFrameActions& actions, RuleDefinition& rule, const CalendarTime& now)
-    : m_actions(actions), m_rule(rule), m_time(now) {}
+FrameModel::FrameModel(IFrameActions& actions, RuleDefinition& rule, const CalendarTime& now, Words say)
+    : m_actions(actions), m_say(std::move(say)), m_rule(rule), m_time(now), m_rows(m_say) {}
 
 void FrameModel::ShowState() {
     PanelState state;
@@ -34,18 +38,22 @@ void FrameModel::ShowState() {
     m_actions.ShowState(state);
 }
 
+void FrameModel::ShowStatus(const Quorvane::SDK::OwnText& text,
+                            std::initializer_list<Quorvane::SDK::TextArgument> arguments) {
+    m_actions.ShowStatus(m_say(text, arguments));
+}
+
 void FrameModel::ShowCounts() {
     if (HasRuleError()) return m_actions.ShowStatus(m_ruleError);
-    if (m_rows.Rows()->empty())
-        return m_actions.ShowStatus(m_mustLoadSession ? L"Looking for the files of the session..." : L"No files");
-    if (IsUpToDate()) return m_actions.ShowStatus(TextOfCounts(m_rows.Counts(), m_session != nullptr));
-    m_actions.ShowStatus(m_choices.isLive ? L"Computing the new names..." : L"The new names are not up to date.");
+    if (m_rows.Rows()->empty()) return ShowStatus(m_mustLoadSession ? Text::LookingForSession : Text::NoFiles);
+    if (IsUpToDate()) return m_actions.ShowStatus(TextOfCounts(m_rows.Counts(), m_session != nullptr, m_say));
+    ShowStatus(m_choices.isLive ? Text::Computing : Text::OutOfDate);
 }
 
 // --- rule and preview
 
 void FrameModel::OnRuleChanged(RuleDefinition rule, const CalendarTime& now) {
-    m_ruleError = ErrorOf(rule);
+    m_ruleError = ErrorOf(rule, m_say);
     if (!m_ruleError.empty()) {
         // The rule as it was before stays, and so do the names that it gave.
         m_actions.ShowStatus(m_ruleError);
@@ -113,7 +121,7 @@ void FrameModel::OnPreview(std::shared_ptr<const Preview> preview) {
     const bool isComplete = preview->IsComplete();
     // Until the names are taken over: there may be no memory for that, and no other preview is on its way.
     if (isComplete || !preview->error.empty()) m_state = FrameState::Outdated;
-    if (!preview->error.empty()) return m_actions.ShowStatus(preview->error);
+    if (!preview->error.empty()) return m_actions.ShowStatus(Reason(preview->error, m_say));
     Replace([&] { m_rows.SetPreview(std::move(preview)); });
     if (isComplete) {
         m_state = FrameState::Ready;
@@ -239,8 +247,7 @@ void FrameModel::OnMoveRows(std::vector<bool> isSelected, bool isUp) {
     if (IsRunning() || m_state == FrameState::Done) return;
     if (std::ranges::find(isSelected, true) == isSelected.end()) return;
     // Where a row goes would not be seen.
-    if (m_rows.AreProblemsFirst())
-        return m_actions.ShowStatus(L"Rows can be moved when problems do not stand first: click on \"Status\".");
+    if (m_rows.AreProblemsFirst()) return ShowStatus(Text::ProblemsFirst);
     m_order = {};
     m_mustSort = false;
     m_actions.ShowOrder(m_order);
@@ -250,10 +257,10 @@ void FrameModel::OnMoveRows(std::vector<bool> isSelected, bool isUp) {
 
 void FrameModel::OnResetRows() {
     if (IsRunning()) return;
-    m_actions.ShowStatus(L"Asking for the selected files...");
+    ShowStatus(Text::AskingForFiles);
     if (m_actions.CollectRows()) return m_actions.TakeRows();
     // It may show a dialog; its answer is taken whenever it comes.
-    m_actions.ShowStatus(L"The file manager has not answered yet. The list stays as it is until it does.");
+    ShowStatus(Text::NoAnswerYet);
 }
 
 void FrameModel::LoadSession(std::shared_ptr<BatchRenameUndo> session, std::vector<size_t> entries) {
@@ -287,7 +294,7 @@ void FrameModel::OnStart(bool isSecondClick) {
     if (counts.changes == 0) return;
     if (counts.problems == 0) return BeginRun();
     m_state = FrameState::Asking;
-    m_actions.Ask(QuestionBeforeRun(counts));
+    m_actions.Ask(QuestionBeforeRun(counts, m_say));
 }
 
 void FrameModel::OnAnswer(bool isYes) {
@@ -310,9 +317,9 @@ void FrameModel::BeginRun() {
     if (m_session)
         for (const auto& row : request.rows) request.entries.push_back(row->hostOrder);
     if (!m_actions.BeginRun(std::move(request), m_session || m_choices.savesUndo))
-        return m_actions.ShowStatus(L"The run could not be started; the system has no thread for it.");
+        return ShowStatus(Text::RunNotStarted);
     m_state = FrameState::Running;
-    m_actions.ShowStatus(m_session ? L"Restoring..." : L"Renaming...");
+    ShowStatus(m_session ? Text::Restoring : Text::Renaming);
     ShowState();
 }
 
@@ -332,16 +339,15 @@ void FrameModel::AddRest(RunRequest& request) {
 
 void FrameModel::OnRunProgress(uint32_t renameCount) {
     if (!IsRunning()) return;
-    m_actions.ShowStatus((m_session ? L"Restoring: " : L"Renaming: ") + std::to_wstring(renameCount) + L" of " +
-                         std::to_wstring(m_rest.empty() ? m_rows.Counts().changes : m_rest.size()) +
-                         (m_isUnrecorded ? L", without undo" : L""));
+    const std::wstring text = m_say(m_session ? Text::RestoringSome : Text::RenamingSome,
+                                    {renameCount, m_rest.empty() ? m_rows.Counts().changes : m_rest.size()});
+    m_actions.ShowStatus(m_isUnrecorded ? m_say(Text::WithoutUndo, {text}) : text);
 }
 
 void FrameModel::OnRunUnrecorded(uint32_t code) {
     if (!IsRunning()) return;
     m_isUnrecorded = true;
-    m_actions.ShowStatus(L"This run cannot be recorded for undo (error " + std::to_wstring(code) +
-                         L"); it goes on without.");
+    ShowStatus(Text::Unrecorded, {code});
 }
 
 void FrameModel::OnRunEnd(const std::shared_ptr<const RunResult>& result) {
@@ -366,7 +372,7 @@ void FrameModel::OnRunEnd(const std::shared_ptr<const RunResult>& result) {
     else if (m_rest.empty())
         m_rows.ForgetPreview();
     m_actions.ShowRows(true);
-    m_actions.ShowStatus(TextAfterRun(result->error, result->counts, m_session != nullptr));
+    m_actions.ShowStatus(TextAfterRun(result->error, result->counts, m_session != nullptr, m_say));
     ShowState();
     m_actions.TakeRows();
 }
@@ -381,7 +387,7 @@ void FrameModel::OnClose(bool isShutdown) {
     if (!IsRunning() || isShutdown) return m_actions.Close();
     m_state = FrameState::Stopping;
     m_actions.StopRun();
-    m_actions.ShowStatus(L"Stopping after the current file...");
+    ShowStatus(Text::Stopping);
 }
 
 }  // namespace BatchRename

@@ -93,7 +93,7 @@ class FrameModel {
 public:
     /// `rule` outlives the model, and is the last one without a fault. `now`: the time that its tags give until it
     /// changes.
-    FrameModel(IFrameActions& actions, RuleDefinition& rule, const CalendarTime& now);
+    FrameModel(IFrameActions& actions, RuleDefinition& rule, const CalendarTime& now, Quorvane::SDK::Words say = {});
 
     FrameState State() const { return m_state; }
     const RowList& Rows() const { return m_rows; }
@@ -148,6 +148,8 @@ private:
     bool HasRuleError() const { return !m_session && !m_ruleError.empty(); }
     void Invalidate();
     void RequestPreview(int delay, bool readsFolders = false);
+    void ShowStatus(const Quorvane::SDK::OwnText& text,
+                    std::initializer_list<Quorvane::SDK::TextArgument> arguments = {});
     void ShowCounts();
     void ShowProblemsFirst(bool areFirst);
     void ChangeRows(RowSnapshot rows);
@@ -159,6 +161,7 @@ private:
     void AddRest(RunRequest& request);
 
     IFrameActions& m_actions;
+    Quorvane::SDK::Words m_say;
     RuleDefinition& m_rule;
     CalendarTime m_time;
     RowList m_rows;

@@ -3,9 +3,14 @@
 #include <memory>
 #include <utility>
 
+#include "batchrename/batchrename_texts.h"
 #include "batchrename/rule_context.h"
 
 namespace BatchRename {
+
+using Quorvane::SDK::CountedText;
+using Quorvane::SDK::Words;
+
 namespace {
 
 /// The pairs before the one at `place`, and this one. A fault of another pair is told of in its own dialog: without it
@@ -50,24 +55,25 @@ ItemTrial TryItem(const RuleDefinition& rule, size_t place, const RenameItems& r
     return trial;
 }
 
-std::wstring TextOfTrial(const ItemTrial& trial, size_t rowCount) {
-    if (!trial.error.empty()) return L"The expression is not valid: " + trial.error;
-    if (trial.tried == 0) return L"Type the text to find.";
-    const bool isPart = trial.tried < rowCount;
-    std::wstring text = std::to_wstring(trial.matches) + (isPart ? L" of the first " : L" of ") +
-                        std::to_wstring(trial.tried) + (trial.tried == 1 ? L" name" : L" names") +
-                        (trial.tried == 1 || trial.matches == 1 ? L" matches" : L" match");
+std::wstring TextOfTrial(const ItemTrial& trial, size_t rowCount, const Words& say) {
+    if (!trial.error.empty()) return say(Text::ExpressionInvalid, {say.Translated(trial.error, {Text::kReasons})});
+    if (trial.tried == 0) return say(Text::TypeTextToFind);
+    const CountedText& count = trial.tried < rowCount ? Text::FirstNamesTried
+                               : trial.tried == 1     ? Text::OneNameTried
+                                                      : Text::NamesTried;
+    std::wstring text = say(count, trial.matches, {trial.matches, trial.tried});
     if (trial.matches > 0) text += L"\n" + trial.before + L"\n" + trial.after;
     return text;
 }
 
-std::wstring TextOfModes(uint32_t options) {
+std::wstring TextOfModes(uint32_t options, const Words& say) {
     const bool isRegex = (options & RenameOption::RegularExpression) != 0;
-    std::wstring text = isRegex ? L"Regular expression" : L"Plain text";
-    text += isRegex || (options & RenameOption::ReplaceAll) ? L", every match" : L", first match";
-    text += options & RenameOption::CaseSensitive ? L", case counts" : L", any case";
-    if (options & RenameOption::ScopeName) return text + L", name only";
-    return text + (options & RenameOption::ScopeExtension ? L", extension only" : L", name and extension");
+    return say(isRegex ? Text::ModeRegex : Text::ModePlain) +
+           say(isRegex || (options & RenameOption::ReplaceAll) ? Text::ModeEveryMatch : Text::ModeFirstMatch) +
+           say(options & RenameOption::CaseSensitive ? Text::ModeCaseCounts : Text::ModeAnyCase) +
+           say(options & RenameOption::ScopeName        ? Text::ModeNameOnly
+               : options & RenameOption::ScopeExtension ? Text::ModeExtensionOnly
+                                                        : Text::ModeWholeName);
 }
 
 }  // namespace BatchRename

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "rename/rename_rule.h"
+#include "sdk/words.h"
 
 namespace BatchRename {
 
@@ -23,9 +24,9 @@ ItemTrial TryItem(const RuleDefinition& rule, size_t place, const RenameItems& r
                   const std::function<bool()>& isTimeUp);
 
 /// "3 of 20 names match", the first example, or what is wrong.
-std::wstring TextOfTrial(const ItemTrial& trial, size_t rowCount);
+std::wstring TextOfTrial(const ItemTrial& trial, size_t rowCount, const Quorvane::SDK::Words& say = {});
 
 /// How the options make a pair work: "regular expression, every match, ..."
-std::wstring TextOfModes(uint32_t options);
+std::wstring TextOfModes(uint32_t options, const Quorvane::SDK::Words& say);
 
 }  // namespace BatchRename

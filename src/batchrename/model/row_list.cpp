@@ -5,10 +5,15 @@
 #include <unordered_map>
 #include <utility>
 
+#include "batchrename/batchrename_texts.h"
+#include "ui/name_fault_texts.h"
 #include "win32/path.h"
 #include "win32/text.h"
 
 namespace BatchRename {
+
+using Quorvane::SDK::Words;
+
 namespace {
 
 std::wstring Sentence(std::wstring text) {
@@ -16,11 +21,11 @@ std::wstring Sentence(std::wstring text) {
     return text;
 }
 
-std::wstring Count(size_t count, const wchar_t* one, const wchar_t* many) {
-    return std::to_wstring(count) + (count == 1 ? one : many);
-}
-
 }  // namespace
+
+std::wstring Reason(std::wstring_view english, const Words& say) {
+    return say.Translated(english, {Text::kReasons, Ui::Text::kNameFaults});
+}
 
 RowMark MarkOfPlan(const RowPlan& plan) {
     switch (plan.verdict) {
@@ -36,39 +41,41 @@ RowMark MarkOfOutcome(const RowOutcome& outcome) {
     return outcome.code == Quorvane::SDK::RenameResult::Ignored ? RowMark::None : RowMark::Problem;
 }
 
-std::wstring StatusOfPlan(const BatchRenameItem& row, const RowPlan& plan) {
+std::wstring StatusOfPlan(const BatchRenameItem& row, const RowPlan& plan, const Words& say) {
+    const auto withHand = [&](const std::wstring& text) {
+        return row.ownName.empty() ? text : say(Text::ByHand, {text});
+    };
     if (plan.verdict == RowVerdict::Rename) {
-        const std::wstring warning = DescribeRowPlan(row, plan);
-        return (row.state == RowState::Restore ? L"Will be restored" : L"Will be renamed") +
-               std::wstring(row.ownName.empty() ? L"" : L", by hand") + (warning.empty() ? warning : L"; " + warning);
+        const std::wstring warning = Reason(DescribeRowPlan(row, plan), say);
+        return withHand(say(row.state == RowState::Restore ? Text::WillBeRestored : Text::WillBeRenamed)) +
+               (warning.empty() ? warning : L"; " + warning);
     }
-    if (row.isLeftOut) return L"Not checked";
-    std::wstring text = plan.reason == RowReason::Unchanged ? L"Unchanged" : Sentence(DescribeRowPlan(row, plan));
-    return row.ownName.empty() ? text : text + L", by hand";
+    if (row.isLeftOut) return say(Text::NotChecked);
+    return withHand(plan.reason == RowReason::Unchanged ? say(Text::Unchanged)
+                                                        : Sentence(Reason(DescribeRowPlan(row, plan), say)));
 }
 
-std::wstring StatusOfOutcome(const RowOutcome& outcome, bool isRestore) {
-    if (outcome.code == Quorvane::SDK::RenameResult::Renamed) return isRestore ? L"Restored" : L"Renamed";
+std::wstring StatusOfOutcome(const RowOutcome& outcome, bool isRestore, const Words& say) {
+    if (outcome.code == Quorvane::SDK::RenameResult::Renamed) return say(isRestore ? Text::Restored : Text::Renamed);
     const bool isIgnored = outcome.code == Quorvane::SDK::RenameResult::Ignored;
-    return (isIgnored ? L"Ignored: " : L"Failed: ") + outcome.reason;
+    return say(isIgnored ? Text::IgnoredBecause : Text::FailedBecause, {Reason(outcome.reason, say)});
 }
 
-std::wstring TextOfCounts(const RowCounts& counts, bool isRestore) {
-    std::wstring text = std::to_wstring(counts.changes) + L" of " + Count(counts.all, L" item", L" items") +
-                        (isRestore ? L" will be restored" : L" will be renamed");
-    if (counts.leftOut > 0) text += L", " + std::to_wstring(counts.leftOut) + L" not checked";
-    if (counts.problems > 0) text += L", " + Count(counts.problems, L" problem", L" problems") + L" (F8)";
+std::wstring TextOfCounts(const RowCounts& counts, bool isRestore, const Words& say) {
+    std::wstring text =
+        say(isRestore ? Text::WouldRestore : Text::WouldRename, counts.all, {counts.changes, counts.all});
+    if (counts.leftOut > 0) text += say(Text::LeftOut, {counts.leftOut});
+    if (counts.problems > 0) text += say(Text::Problems, counts.problems);
     return text;
 }
 
-std::wstring QuestionBeforeRun(const RowCounts& counts) {
-    return Count(counts.problems, L" name", L" names") + L" cannot be used; the status column says why.\n\n" +
-           (counts.changes == 1 ? L"Rename the other one?"
-                                : L"Rename the other " + std::to_wstring(counts.changes) + L"?");
+std::wstring QuestionBeforeRun(const RowCounts& counts, const Words& say) {
+    return say(Text::UnusableNames, counts.problems) + L"\n\n" + say(Text::RenameOthers, counts.changes);
 }
 
-std::wstring TextAfterRun(const std::wstring& error, const CRenameResultCallback& results, bool isRestore) {
-    return error.empty() ? RunStatusText(results, isRestore) : error;
+std::wstring TextAfterRun(const std::wstring& error, const CRenameResultCallback& results, bool isRestore,
+                          const Words& say) {
+    return error.empty() ? RunStatusText(results, isRestore, say) : Reason(error, say);
 }
 
 std::optional<size_t> NextProblem(const std::vector<RowMark>& marks, size_t from, bool isBack) {
@@ -212,8 +219,10 @@ std::wstring RowList::Text(size_t row, RowColumn column) const {
         case RowColumn::Location: return (*m_rows)[row]->location;
         case RowColumn::Status: break;
     }
-    if (m_result && row < m_result->outcomes.size()) return StatusOfOutcome(m_result->outcomes[row], m_isRestore);
-    if (m_preview && m_preview->IsComplete()) return StatusOfPlan(*m_preview->computed[row], m_preview->plans[row]);
+    if (m_result && row < m_result->outcomes.size())
+        return StatusOfOutcome(m_result->outcomes[row], m_isRestore, m_say);
+    if (m_preview && m_preview->IsComplete())
+        return StatusOfPlan(*m_preview->computed[row], m_preview->plans[row], m_say);
     return {};
 }
 

@@ -5,12 +5,15 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "batchrename/model/preview.h"
 #include "batchrename/run/rename_run.h"
 #include "batchrename/run/run_controller.h"
 #include "rename/rename_plan.h"
+#include "sdk/words.h"
 
 namespace BatchRename {
 
@@ -20,10 +23,13 @@ enum class RowMark : uint8_t { None, Change, Problem, Done };
 RowMark MarkOfPlan(const RowPlan& plan);
 RowMark MarkOfOutcome(const RowOutcome& outcome);
 
+/// A reason of the engine or of a run, which the log has in English, in the host's language.
+std::wstring Reason(std::wstring_view english, const Quorvane::SDK::Words& say);
+
 /// The status column before a run: "Will be renamed", "Unchanged", or why not.
-std::wstring StatusOfPlan(const BatchRenameItem& row, const RowPlan& plan);
+std::wstring StatusOfPlan(const BatchRenameItem& row, const RowPlan& plan, const Quorvane::SDK::Words& say);
 /// The status column after it.
-std::wstring StatusOfOutcome(const RowOutcome& outcome, bool isRestore);
+std::wstring StatusOfOutcome(const RowOutcome& outcome, bool isRestore, const Quorvane::SDK::Words& say);
 
 struct RowCounts {
     size_t all = 0;
@@ -34,13 +40,14 @@ struct RowCounts {
 };
 
 /// "12 of 20 items will be renamed, 2 not checked, 3 problems (F8)"
-std::wstring TextOfCounts(const RowCounts& counts, bool isRestore);
+std::wstring TextOfCounts(const RowCounts& counts, bool isRestore, const Quorvane::SDK::Words& say);
 
 /// The question before a run in which some rows cannot take part.
-std::wstring QuestionBeforeRun(const RowCounts& counts);
+std::wstring QuestionBeforeRun(const RowCounts& counts, const Quorvane::SDK::Words& say);
 
 /// What the status bar says after a run: the error while there is one, else the counts of the run.
-std::wstring TextAfterRun(const std::wstring& error, const CRenameResultCallback& results, bool isRestore);
+std::wstring TextAfterRun(const std::wstring& error, const CRenameResultCallback& results, bool isRestore,
+                          const Quorvane::SDK::Words& say);
 
 /// The next place with a problem after `from` (before it, when `isBack`), going round at the end; nothing when there
 /// is none. `from` may be beyond the end: then the search begins at the first place, or at the last.
@@ -50,6 +57,10 @@ enum class RowColumn : uint8_t { CurrentName, NewName, Status, Location };
 
 class RowList {
 public:
+    /// In English.
+    RowList() = default;
+    explicit RowList(Quorvane::SDK::Words say) : m_say(std::move(say)) {}
+
     /// Other rows, of which nothing is known yet.
     void SetRows(RowSnapshot rows);
     /// Other versions of the same rows, in the same order: what is known of their names is shown until there is more.
@@ -95,6 +106,7 @@ private:
     void Count();
     void Arrange();
 
+    Quorvane::SDK::Words m_say;
     RowSnapshot m_rows = std::make_shared<const RenameItems>();
     std::shared_ptr<const Preview> m_preview;   // null: nothing is known
     std::shared_ptr<const RunResult> m_result;  // after a run

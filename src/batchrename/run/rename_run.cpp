@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "batchrename/batchrename_texts.h"
 #include "win32/error_text.h"
 #include "win32/folder.h"
 #include "win32/path.h"
@@ -364,16 +365,16 @@ std::vector<RowOutcome> RunRestore(BatchRenameUndo& session, const RestoreRows& 
     return outcomes;
 }
 
-std::wstring RunStatusText(const CRenameResultCallback& results, bool isRestore) {
+std::wstring RunStatusText(const CRenameResultCallback& results, bool isRestore, const Words& say) {
     std::wstring text;
-    const auto add = [&](uint32_t count, const wchar_t* word) {
+    const auto add = [&](uint32_t count, const OwnText& word) {
         if (count == 0) return;
         if (!text.empty()) text += L", ";
-        text += std::to_wstring(count) + word;
+        text += say(word, {count});
     };
-    add(results.DoneCount(), isRestore ? L" Restored" : L" Renamed");
-    add(results.IgnoredCount(), L" Ignored");
-    add(results.FailedCount(), L" Failed");
+    add(results.DoneCount(), isRestore ? Text::CountRestored : Text::CountRenamed);
+    add(results.IgnoredCount(), Text::CountIgnored);
+    add(results.FailedCount(), Text::CountFailed);
     return text;
 }
 

@@ -14,6 +14,7 @@
 #include "rename/rename_plan.h"
 #include "rename/restore_rows.h"
 #include "sdk/services.h"
+#include "sdk/words.h"
 
 namespace BatchRename {
 
@@ -59,6 +60,6 @@ std::vector<RowOutcome> RunRestore(BatchRenameUndo& session, const RestoreRows& 
                                    const RunEnvironment& environment, CRenameResultCallback& results);
 
 /// "2 Renamed, 1 Ignored, 3 Failed": only what is not 0. "Restored" for a restore.
-std::wstring RunStatusText(const CRenameResultCallback& results, bool isRestore);
+std::wstring RunStatusText(const CRenameResultCallback& results, bool isRestore, const Quorvane::SDK::Words& say = {});
 
 }  // namespace BatchRename

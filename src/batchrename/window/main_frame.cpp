@@ -57,8 +57,8 @@ int HeightOf(HWND window) {
 
 BatchRenameMainFrame::BatchRenameMainFrame(const FrameEnvironment& environment)
     : m_environment(environment),
-      m_model(*this, environment.context.rule, LocalTimeNow()),
-      m_list(m_model.Rows(), *this, [this](Quorvane::SDK::TextId id) { return Text(id); }) {}
+      m_model(*this, environment.context.rule, LocalTimeNow(), Quorvane::SDK::Words(Texts())),
+      m_list(m_model.Rows(), *this, Texts()) {}
 
 BatchRenameMainFrame::~BatchRenameMainFrame() {
     CloseWindow();
@@ -153,8 +153,7 @@ LRESULT BatchRenameMainFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lPar
 
 void BatchRenameMainFrame::OnCreate() {
     m_dotsPerInch = Win32::DotsPerInch(m_window);
-    m_panel = std::make_unique<RulePanel>([this](Quorvane::SDK::TextId id) { return Text(id); },
-                                          static_cast<IPaneListener&>(*this));
+    m_panel = std::make_unique<RulePanel>(Texts(), static_cast<IPaneListener&>(*this));
     // Made first: the list comes before the panel in the order of tabs, but shares the panel's font.
     m_panel->Create(m_window);
     const auto font = reinterpret_cast<HFONT>(SendMessageW(m_panel->GetWindow(), WM_GETFONT, 0, 0));

@@ -142,6 +142,13 @@ private:
     void SaveProfile();
     void ReportProfiles();
     const wchar_t* Text(Quorvane::SDK::TextId id) const;
+    Ui::HostTexts Texts() const {
+        return [this](Quorvane::SDK::TextId id) { return Text(id); };
+    }
+    std::wstring Say(const Quorvane::SDK::OwnText& text,
+                     std::initializer_list<Quorvane::SDK::TextArgument> arguments = {}) const {
+        return Quorvane::SDK::Words(Texts())(text, arguments);
+    }
 
     FrameEnvironment m_environment;
     FrameModel m_model;

@@ -3,6 +3,7 @@
 #include <system_error>
 #include <utility>
 
+#include "batchrename/batchrename_texts.h"
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "batchrename/dialogs/profile_menu.h"
 #include "batchrename/dialogs/rename_dialog_pages.h"
@@ -99,7 +100,7 @@ void BatchRenameMainFrame::OnButton(int id) {
 void BatchRenameMainFrame::OnRows(RowAction action, const std::vector<bool>& isMarked) {
     if (m_model.IsRunning() && action != RowAction::OpenFolder) return static_cast<void>(MessageBeep(MB_OK));
     switch (action) {
-        case RowAction::Name: return ShowStatus(L"The names of a restore come from its session.");
+        case RowAction::Name: return ShowStatus(Say(Text::NamesOfSession));
         case RowAction::Check: return m_model.OnCheckRows(isMarked, true);
         case RowAction::Uncheck: return m_model.OnCheckRows(isMarked, false);
         case RowAction::TakeOut: return m_model.OnRemoveRows(isMarked);
@@ -118,7 +119,7 @@ void BatchRenameMainFrame::OpenFolderOf(const std::vector<bool>& isMarked) {
     const HINSTANCE result =
         ShellExecuteW(m_window, nullptr, L"explorer.exe", arguments.c_str(), nullptr, SW_SHOWNORMAL);
     // 32 and less are errors.
-    if (reinterpret_cast<INT_PTR>(result) <= 32) ShowStatus(L"The folder could not be opened: " + row.location);
+    if (reinterpret_cast<INT_PTR>(result) <= 32) ShowStatus(Say(Text::FolderNotOpened, {row.location}));
 }
 
 std::vector<std::wstring> BatchRenameMainFrame::PropertyNames() const {
@@ -129,14 +130,11 @@ std::vector<std::wstring> BatchRenameMainFrame::PropertyNames() const {
 
 Ui::DialogHost BatchRenameMainFrame::DialogHostFor(WORD dialog) const {
     Quorvane::SDK::IHostServices* const services = m_environment.services;
-    return {[this](Quorvane::SDK::TextId id) { return Text(id); }, services ? services->GetSettings() : nullptr,
-            &PageOf(dialog)};
+    return {Texts(), services ? services->GetSettings() : nullptr, &PageOf(dialog)};
 }
 
 void BatchRenameMainFrame::OpenGuide() {
-    RunModal([this] {
-        Ui::OpenGuide(m_window, PageOf(IDD_RULE_PANEL).topic, [this](Quorvane::SDK::TextId id) { return Text(id); });
-    });
+    RunModal([this] { Ui::OpenGuide(m_window, PageOf(IDD_RULE_PANEL).topic, Texts()); });
 }
 
 void BatchRenameMainFrame::RunModal(const std::function<void()>& body) {
@@ -170,8 +168,7 @@ void BatchRenameMainFrame::OpenUndoManager() {
 void BatchRenameMainFrame::OpenProfiles() {
     std::optional<ProfileChoice> choice;
     RunModal([&] {
-        choice = PickProfile(m_window, m_panel->Button(IDC_PROFILES), m_environment.profiles.Profiles(),
-                             [this](Quorvane::SDK::TextId id) { return Text(id); });
+        choice = PickProfile(m_window, m_panel->Button(IDC_PROFILES), m_environment.profiles.Profiles(), Texts());
     });
     if (!choice || m_environment.isClosing) return;
     if (choice->action == ProfileAction::SaveAs) return SaveProfile();
@@ -180,7 +177,7 @@ void BatchRenameMainFrame::OpenProfiles() {
         return OnRuleChanged();
     }
     const std::wstring& name = choice->profile.name;
-    const std::wstring question = L"Delete the profile \"" + name + L"\"?";
+    const std::wstring question = Say(Text::DeleteThisProfile, {name});
     if (AskBox(question, MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) != IDYES) return;
     m_environment.profiles.Delete(name);
     ReportProfiles();
@@ -198,9 +195,8 @@ void BatchRenameMainFrame::SaveProfile() {
 
 void BatchRenameMainFrame::ReportProfiles() {
     if (m_environment.profiles.Save() && m_environment.profiles.WasWritten())
-        return ShowStatus(L"The profiles are saved.");
-    AskBox(L"The profiles could not be written; the log says why. They are kept until the file manager ends.",
-           MB_OK | MB_ICONWARNING);
+        return ShowStatus(Say(Text::ProfilesSaved));
+    AskBox(Say(Text::ProfilesNotSaved), MB_OK | MB_ICONWARNING);
 }
 
 }  // namespace BatchRename

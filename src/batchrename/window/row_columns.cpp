@@ -1,7 +1,9 @@
 #include "batchrename/window/row_columns.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "batchrename/batchrename_texts.h"
 #include "batchrename/model/row_list.h"
 #include "ui/controls.h"
 
@@ -11,11 +13,9 @@ namespace BatchRename {
 namespace {
 
 constexpr Ui::ListColumn kColumns[] = {
-    {L"Current name", 448}, {L"New name", 448}, {L"Status", 256}, {L"Location", 256}};
+    {Text::CurrentName, 448}, {Text::NewName, 448}, {Text::Status, 256}, {Text::Location, 256}};
 static_assert(std::size(kColumns) == kColumnCount);
 constexpr RowKey kKeys[] = {RowKey::CurrentName, RowKey::NewName, RowKey::Problems, RowKey::Location};
-constexpr wchar_t kOldNameTitle[] = L"Old name";
-constexpr wchar_t kOutdatedTitle[] = L"New name (not up to date)";
 constexpr wchar_t kNarrowestName[] = L"A name.txt";
 constexpr wchar_t kMargins[] = L"mm";  // as wide as what the control leaves around a text, and a little more
 constexpr int kStatusPart = 38;        // percent of the list, at most
@@ -47,9 +47,10 @@ std::array<int, kColumnCount> FitColumns(int available, const ColumnWishes& wish
     return widths;
 }
 
-void RowColumns::Create(HWND list) {
+void RowColumns::Create(HWND list, Quorvane::SDK::Words say) {
     m_list = list;
-    Ui::AddColumns(list, kColumns);
+    m_say = std::move(say);
+    Ui::AddColumns(list, kColumns, m_say);
     Measure();
 }
 
@@ -69,8 +70,8 @@ int RowColumns::WidthOf(const std::wstring& text) const {
 void RowColumns::SetTexts(std::span<const std::wstring> status, const std::wstring& location) {
     // The header has to show its word and an arrow.
     for (const std::wstring& text : status) m_wishes.status = std::max(m_wishes.status, WidthOf(text));
-    m_wishes.status = std::max(m_wishes.status, WidthOf(kColumns[kStatus].title) + WidthOf({}));
-    m_wishes.location = std::max(WidthOf(location), WidthOf(kColumns[kLocation].title) + WidthOf({}));
+    m_wishes.status = std::max(m_wishes.status, WidthOf(m_say(kColumns[kStatus].title)) + WidthOf({}));
+    m_wishes.location = std::max(WidthOf(location), WidthOf(m_say(kColumns[kLocation].title)) + WidthOf({}));
 }
 
 void RowColumns::Fit() {
@@ -91,15 +92,15 @@ void RowColumns::OnUsersWidth(int column, bool isGiven) {
 }
 
 void RowColumns::ShowState(bool isOutdated, bool isAfterRun) {
-    const auto show = [&](size_t column, const wchar_t* title) {
-        std::wstring text = title;
+    const auto show = [&](size_t column, const Quorvane::SDK::OwnText& title) {
+        std::wstring text = m_say(title);
         LVCOLUMNW shown = {};
         shown.mask = LVCF_TEXT;
         shown.pszText = text.data();
         SendMessageW(m_list, LVM_SETCOLUMNW, column, reinterpret_cast<LPARAM>(&shown));
     };
-    show(kCurrent, isAfterRun ? kOldNameTitle : kColumns[kCurrent].title);
-    show(kNew, isOutdated ? kOutdatedTitle : kColumns[kNew].title);
+    show(kCurrent, isAfterRun ? Text::OldName : kColumns[kCurrent].title);
+    show(kNew, isOutdated ? Text::OutdatedName : kColumns[kNew].title);
 }
 
 void RowColumns::ShowOrder(const RowOrder& order) const {

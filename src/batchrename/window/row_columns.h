@@ -7,6 +7,7 @@
 #include <string>
 
 #include "batchrename/model/row_order.h"
+#include "sdk/words.h"
 #include "win32/windows.h"
 
 namespace BatchRename {
@@ -27,7 +28,7 @@ std::array<int, kColumnCount> FitColumns(int available, const ColumnWishes& wish
 class RowColumns {
 public:
     /// Adds the columns to the list, which has a font.
-    void Create(HWND list);
+    void Create(HWND list, Quorvane::SDK::Words say);
     /// The list has another font. Widths that were given by hand, in pixels, are forgotten.
     void Measure();
     /// What the two columns that are as wide as their words may have to show. The status grows only: names that move
@@ -51,6 +52,7 @@ private:
     int WidthOf(const std::wstring& text) const;
 
     HWND m_list = nullptr;
+    Quorvane::SDK::Words m_say;
     ColumnWishes m_wishes;
 };
 

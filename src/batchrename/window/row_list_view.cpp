@@ -35,7 +35,7 @@ void RowListView::Create(HWND parent, int id, HFONT font) {
     SetWindowLongPtrW(m_window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     m_control =
         reinterpret_cast<WNDPROC>(SetWindowLongPtrW(m_window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure)));
-    m_columns.Create(m_window);
+    m_columns.Create(m_window, Quorvane::SDK::Words(m_texts));
     SendMessageW(m_window, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);
     SendMessageW(m_window, LVM_SETCALLBACKMASK, LVIS_STATEIMAGEMASK, 0);
     m_tips.Create(m_window);

@@ -71,7 +71,7 @@ constexpr int kRuleControls[] = {
 
 constexpr UINT kArranged = WM_APP;
 
-constexpr Ui::ListColumn kItemColumns[] = {{L"Find", 336}, {L"Replace with", 336}};
+constexpr Ui::ListColumn kItemColumns[] = {{Text::Find, 336}, {Text::ReplaceWith, 336}};
 
 constexpr Ui::Anchor kAnchors[] = {
     {IDC_ITEMS, 0, 0, 100, 100},          {IDC_ITEM_NEW, 100, 0, 100, 0},
@@ -111,7 +111,10 @@ void CheckRow(HWND list, int row, bool isChecked) {
 }  // namespace
 
 RulePanel::RulePanel(Ui::HostTexts texts, IPaneListener& listener)
-    : Dialog(IDD_RULE_PANEL), m_texts(std::move(texts)), m_listener(listener) {}
+    : Dialog(IDD_RULE_PANEL), m_texts(std::move(texts)), m_listener(listener) {
+    // Without a page: the window itself opens the guide.
+    UseHost({m_texts, nullptr, nullptr});
+}
 
 void RulePanel::Create(HWND parent) {
     m_parent = parent;
@@ -124,7 +127,7 @@ bool RulePanel::OnInit() {
     for (const int edit : kEdits) SendMessageW(Item(edit), EM_LIMITTEXT, kLongestProfileText, 0);
     Ui::FillCombo(Item(IDC_CASE), m_texts, kCases, 0, 0);
     Ui::FillCombo(Item(IDC_SCOPE), m_texts, kScopes, 0, RenameOption::ScopeBoth);
-    Ui::AddColumns(Item(IDC_ITEMS), kItemColumns);
+    Ui::AddColumns(Item(IDC_ITEMS), kItemColumns, Say());
     SendMessageW(Item(IDC_ITEMS), LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);
     ShareItemColumns();
     Ui::SetChecked(Item(IDC_LIVE_PREVIEW), true);
@@ -181,7 +184,7 @@ void RulePanel::SetState(const PanelState& state) {
     EnableWindow(Item(IDC_SAVE_UNDO), isIdle && !state.isRestoring);  // restores are not recorded
     EnableWindow(Item(IDC_START), state.isRunning || state.canStart);
     if (former.isRunning != state.isRunning || former.canGoOn != state.canGoOn)
-        SetWindowTextW(Item(IDC_START), state.isRunning ? L"&Stop" : state.canGoOn ? L"Go on with re&st" : L"&Start");
+        Ui::SetTextOf(Item(IDC_START), Say()(state.isRunning ? Text::Stop : state.canGoOn ? Text::GoOn : Text::Start));
     RefreshButtons();
     // A disabled control would keep the focus and no key would arrive anywhere.
     if (focus && IsChild(GetWindow(), focus) && !IsWindowEnabled(focus))

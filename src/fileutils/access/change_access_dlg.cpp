@@ -19,16 +19,6 @@ constexpr ListEntry kRights[] = {
     {Text::AllRights, 0x1F01FF},            // everything that can be done with a file
 };
 
-struct ControlText {
-    int control;
-    TextId text;
-};
-constexpr ControlText kTexts[] = {
-    {IDC_ACCESS_ACCOUNT_LABEL, Text::Account},     {IDC_ACCESS_FIND, Text::FindAccount},
-    {IDC_ACCESS_RIGHTS_LABEL, Text::AccessRights}, {IDOK, Text::GrantPermissions},
-    {IDC_ACCESS_NOTE, Text::AccessNote},           {IDCANCEL, Text::Cancel},
-};
-
 constexpr Anchor kAnchors[] = {
     {IDC_ACCESS_NOTE, 0, 0, 100, 0},   {IDC_ACCESS_ACCOUNT, 0, 0, 100, 0}, {IDC_ACCESS_FIND, 100, 0, 100, 0},
     {IDC_ACCESS_RIGHTS, 0, 0, 100, 0}, {IDC_REASON, 0, 100, 100, 100},     {IDOK, 100, 100, 100, 100},
@@ -56,8 +46,6 @@ std::optional<AccessChoice> ChangeAccessDlg::Show(HWND owner) {
 
 bool ChangeAccessDlg::OnInit() {
     MakeResizable(kAnchors);
-    SetWindowTextW(GetWindow(), m_texts(Text::AccessDialog));
-    for (const ControlText& text : kTexts) SetWindowTextW(Item(text.control), m_texts(text.text));
     FillCombo(Item(IDC_ACCESS_RIGHTS), m_texts, kRights, m_choice.mask, kReadAndExecute);
     SetTextOf(Item(IDC_ACCESS_ACCOUNT), m_choice.account);
     EnableWindow(Item(IDOK), !m_choice.account.empty());
@@ -90,7 +78,7 @@ void ChangeAccessDlg::Accept() {
         End(IDOK);
         return;
     }
-    SetTextOf(Item(IDC_REASON), L"There is no user or group of this name.");
+    SetTextOf(Item(IDC_REASON), Say()(Text::NoSuchAccount));
     SetFocus(Item(IDC_ACCESS_ACCOUNT));
     SendMessageW(Item(IDC_ACCESS_ACCOUNT), EM_SETSEL, 0, -1);
 }

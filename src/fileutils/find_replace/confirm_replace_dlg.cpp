@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "fileutils/fileutils_resource.h"
+#include "fileutils/fileutils_texts.h"
 #include "ui/controls.h"
 #include "win32/code_page.h"
 #include "win32/text.h"
@@ -189,18 +190,15 @@ bool ConfirmReplaceDlg::OnInit() {
 }
 
 void ConfirmReplaceDlg::ShowQuestion() {
-    const auto place = [](uint32_t number, uint32_t count) {
-        return L" " + std::to_wstring(number) + L" of " + std::to_wstring(count);
-    };
     m_shownFile = m_question.fileNumber;
-    SetTextOf(Item(IDC_MATCH_FILE_LABEL), L"F&ile" + place(m_question.fileNumber, m_question.fileCount) + L":");
+    SetTextOf(Item(IDC_MATCH_FILE_LABEL), Say()(Text::FileOfFiles, {m_question.fileNumber, m_question.fileCount}));
     SetTextOf(Item(IDC_MATCH_FILE), m_question.fileName);
     // Of a path that is too long, its end says more.
     SendMessageW(Item(IDC_MATCH_FILE), EM_SETSEL, m_question.fileName.size(),
                  static_cast<LPARAM>(m_question.fileName.size()));
     SendMessageW(Item(IDC_MATCH_FILE), EM_SCROLLCARET, 0, 0);
-    SetTextOf(Item(IDC_MATCH_CONTEXT_LABEL), L"&Match " + std::to_wstring(m_question.matchNumber) + L" in line " +
-                                                 std::to_wstring(m_question.match.startLine + 1) + L":");
+    SetTextOf(Item(IDC_MATCH_CONTEXT_LABEL),
+              Say()(Text::MatchInLine, {m_question.matchNumber, m_question.match.startLine + 1}));
     // UTF-16 can be read in one way only.
     EnableWindow(Item(IDC_SWITCH_UTF8), m_question.kind != EncodingKind::Utf16);
     ShowMatch();

@@ -1,5 +1,6 @@
 #include "fileutils/find_replace/find_and_replace_dlg.h"
 
+#include "fileutils/dialog_pages.h"
 #include "fileutils/fileutils_resource.h"
 #include "fileutils/fileutils_texts.h"
 #include "fileutils/target_pattern.h"
@@ -143,7 +144,7 @@ void FindAndReplaceDlg::Refresh() {
     const FindAndReplaceRequest request = FromControls();
     EnableWithLabel(Item(IDC_FILE_NAME), TakesFileName(request.options));
     const std::wstring reason = WhyNotStart(request, m_files);
-    SetTextOf(Item(IDC_REASON), reason.empty() ? DescribeUnused(m_texts, request) : reason);
+    SetTextOf(Item(IDC_REASON), reason.empty() ? DescribeUnused(m_texts, request) : Reason(reason, Say()));
     EnableWindow(Item(IDOK), reason.empty());
     m_count->Cancel();
     if (reason.empty())

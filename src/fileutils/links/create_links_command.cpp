@@ -2,6 +2,7 @@
 
 #include "fileutils/dialog_pages.h"
 #include "fileutils/fileutils_resource.h"
+#include "fileutils/fileutils_texts.h"
 #include "fileutils/links/create_links_dlg.h"
 #include "fileutils/links/folder_picker.h"
 #include "fileutils/links/link_creation.h"
@@ -47,11 +48,10 @@ uint32_t RunCreateLinks(IHostServices& host, uint32_t) {
         if (error != ERROR_SUCCESS) ++failed;
     }
     if (failed > 0) {
-        const std::wstring which =
-            targets.size() == 1 ? L"The link"
-                                : std::to_wstring(failed) + L" of " + std::to_wstring(targets.size()) + L" links";
-        const std::wstring message = which + L" could not be created. The log says why.";
-        host.MessageBox(message.c_str(), L"Create links", MB_ICONWARNING);
+        const Words say(DialogHostFor(host, IDD_CREATE_LINKS).texts);
+        const std::wstring message =
+            targets.size() == 1 ? say(Text::LinkNotCreated) : say(Text::LinksNotCreated, {failed, targets.size()});
+        host.MessageBox(message.c_str(), say(Text::CreateLinksTitle).c_str(), MB_ICONWARNING);
     }
     return 1;
 }

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "fileutils/dialog_pages.h"
 #include "fileutils/fileutils_resource.h"
+#include "fileutils/fileutils_texts.h"
 #include "fileutils/links/link_creation.h"
 #include "ui/controls.h"
 #include "win32/path.h"
@@ -18,9 +20,9 @@ constexpr UINT_PTR kPatienceTimer = 1;
 constexpr UINT kPatienceMilliseconds = 300;
 
 // In the order of their numbers, from 1.
-constexpr const wchar_t* kKinds[] = {L"Hard link", L"Junction", L"Symbolic link", L"Shortcut"};
+constexpr Quorvane::SDK::OwnText kKinds[] = {Text::HardLink, Text::Junction, Text::SymbolicLink, Text::Shortcut};
 
-constexpr ListColumn kColumns[] = {{L"Link", 400}, {L"Leads to", 800}};
+constexpr ListColumn kColumns[] = {{Text::LinkColumn, 400}, {Text::TargetColumn, 800}};
 
 constexpr Anchor kAnchors[] = {
     {IDC_LINK_FOLDER, 0, 0, 100, 0},    {IDC_LINK_PICK_FOLDER, 100, 0, 100, 0},
@@ -52,12 +54,12 @@ std::optional<CreateLinksRequest> CreateLinksDlg::Show(HWND owner) {
 
 bool CreateLinksDlg::OnInit() {
     MakeResizable(kAnchors);
-    for (const wchar_t* kind : kKinds)
-        SendMessageW(Item(IDC_LINK_KIND), CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(kind));
+    for (const Quorvane::SDK::OwnText& kind : kKinds)
+        SendMessageW(Item(IDC_LINK_KIND), CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(Say()(kind).c_str()));
     SendMessageW(Item(IDC_LINK_KIND), CB_SETCURSEL, ProposedType(m_names.Targets()) - 1, 0);
     EnableWindow(Item(IDC_LINK_AS_ADMIN), m_canElevate);
     const HWND list = Item(IDC_LINK_TARGETS);
-    AddColumns(list, kColumns);
+    AddColumns(list, kColumns, Say());
     m_names.SetFolder(std::wstring(Win32::WithoutSeparator(Win32::FolderOf(m_names.Targets().front().path))));
     SetTextOf(Item(IDC_LINK_FOLDER), m_names.Folder());
     SendMessageW(list, LVM_SETITEMCOUNT, m_names.Targets().size(), 0);
@@ -96,11 +98,11 @@ bool CreateLinksDlg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_NOTIFY) return OnNotify(*reinterpret_cast<const NMHDR*>(lParam), lParam);
     if (message == WM_TIMER && wParam == kPatienceTimer) {
         KillTimer(GetWindow(), kPatienceTimer);
-        if (!m_isChecked) SetTextOf(Item(IDC_REASON), L"Looking at the links...");
+        if (!m_isChecked) SetTextOf(Item(IDC_REASON), Say()(Text::LookingAtLinks));
         return true;
     }
     if (message != kLinksAreChecked) return false;
-    if (const std::optional<std::wstring> fault = m_thread.Take(); fault && !m_isChecked) ShowFault(*fault);
+    if (const auto fault = m_thread.Take(); fault && !m_isChecked) ShowFault(Reason(*fault, Say()));
     return true;
 }
 
@@ -144,7 +146,7 @@ void CreateLinksDlg::Accept() {
 void CreateLinksDlg::Refresh() {
     m_endsWhenChecked = false;
     if (m_names.Folder().empty()) {
-        ShowFault(L"A folder is needed.");
+        ShowFault(Say()(Text::FolderNeeded));
         return;
     }
     m_isChecked = false;

@@ -57,7 +57,7 @@ uint32_t RunRenameGroup(IHostServices& host, uint32_t) {
         const std::wstring name = NameOf(*file);
         renames.push_back({file, *newStem + name.substr(stem.size())});
     }
-    if (const std::wstring told = TakeOutImpossibleNames(renames); !told.empty())
+    if (const std::wstring told = TakeOutImpossibleNames(host, renames); !told.empty())
         host.MessageBox(told.c_str(), HostText(host, Text::RenameTitle), MB_ICONWARNING);
     RenameInOneBatch(host, renames);
     return 1;

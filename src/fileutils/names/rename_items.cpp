@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "fileutils/dialog_pages.h"
 #include "fileutils/fileutils_texts.h"
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
@@ -13,20 +14,21 @@ namespace FileUtils {
 
 using namespace Quorvane::SDK;
 
-std::wstring TakeOutImpossibleNames(std::vector<ItemRename>& renames) {
+std::wstring TakeOutImpossibleNames(IHostServices& host, std::vector<ItemRename>& renames) {
     const auto isPossible = [](const ItemRename& rename) { return Win32::IsFileName(rename.newName); };
     const auto first = std::stable_partition(renames.begin(), renames.end(), isPossible);
     if (first == renames.end()) return {};
-    std::wstring told = L"\"" + first->newName + L"\" cannot be a name: " +
-                        Win32::DescribeNameFault(first->newName, Win32::CheckFileName(first->newName)) + L'.';
+    const std::wstring fault = Win32::DescribeNameFault(first->newName, Win32::CheckFileName(first->newName));
+    const Words say([&](TextId id) { return HostText(host, id); });
+    std::wstring told = say(Text::NameImpossible, {first->newName, Reason(fault, say)});
     const auto count = renames.end() - first;
-    if (count > 1) told += L" So it is with " + std::to_wstring(count) + L" names.";
+    if (count > 1) told += say(Text::MoreImpossible, {count});
     renames.erase(first, renames.end());
     return told;
 }
 
 void AskAndRename(IHostServices& host, std::vector<ItemRename> renames) {
-    const std::wstring told = TakeOutImpossibleNames(renames);
+    const std::wstring told = TakeOutImpossibleNames(host, renames);
     if (renames.empty()) {
         if (!told.empty()) host.MessageBox(told.c_str(), HostText(host, Text::RenameTitle), MB_ICONWARNING);
         return;

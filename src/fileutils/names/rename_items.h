@@ -20,7 +20,7 @@ inline bool IsFolder(Quorvane::SDK::IFileItem& item) {
 }
 
 /// Takes out the renames to what cannot be a name, and tells of them in a sentence for people; "" when there is none.
-std::wstring TakeOutImpossibleNames(std::vector<ItemRename>& renames);
+std::wstring TakeOutImpossibleNames(Quorvane::SDK::IHostServices& host, std::vector<ItemRename>& renames);
 
 /// Asks whether so many names are to change, and has the host change them; names that cannot be are left out and told
 /// of. Asks nothing when there is none. What the host refuses, it reports itself.

@@ -5,6 +5,7 @@
 #include "fileutils/commands.h"
 #include "fileutils/dialog_pages.h"
 #include "fileutils/fileutils_resource.h"
+#include "fileutils/fileutils_texts.h"
 #include "fileutils/names/rename_items.h"
 #include "sdk/owners.h"
 #include "ui/controls.h"
@@ -23,7 +24,7 @@ constexpr WPARAM kLongestText = 255;     // units of a name
 constexpr wchar_t kArrow[] = L"  ->  ";
 
 // In the order of NamePart.
-constexpr const wchar_t* kParts[] = {L"the name", L"the extension", L"name and extension"};
+constexpr Quorvane::SDK::OwnText kParts[] = {Text::PartName, Text::PartExtension, Text::PartBoth};
 
 constexpr Anchor kAnchors[] = {
     {IDC_NAME_FIND, 0, 0, 100, 0},  {IDC_NAME_REPLACEMENT, 0, 0, 100, 0}, {IDC_NAME_PREVIEW, 0, 0, 100, 100},
@@ -59,8 +60,8 @@ std::optional<NameReplacement> CReplaceDlg::Show(HWND owner) {
 
 bool CReplaceDlg::OnInit() {
     MakeResizable(kAnchors);
-    for (const wchar_t* part : kParts)
-        SendMessageW(Item(IDC_NAME_PART), CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(part));
+    for (const Quorvane::SDK::OwnText& part : kParts)
+        SendMessageW(Item(IDC_NAME_PART), CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(Say()(part).c_str()));
     SendMessageW(Item(IDC_NAME_PART), CB_SETCURSEL, 0, 0);
     for (const int edit : {IDC_NAME_FIND, IDC_NAME_REPLACEMENT})
         SendMessageW(Item(edit), EM_LIMITTEXT, kLongestText, 0);
@@ -94,11 +95,11 @@ bool CReplaceDlg::Refresh() {
     FillList(Item(IDC_NAME_PREVIEW), PreviewOf(changes));
     const size_t count = changes.size();
     const std::wstring fault = FaultOf(changes);
-    SetTextOf(Item(IDC_REASON), request.find.empty() ? L"There is no text to find."
-                                : !fault.empty()     ? fault
-                                : count == 0         ? L"No name holds this text."
-                                : count == 1         ? L"1 name will change."
-                                                     : std::to_wstring(count) + L" names will change.");
+    const Quorvane::SDK::Words say = Say();
+    SetTextOf(Item(IDC_REASON), request.find.empty() ? say(Text::NothingToFind)
+                                : !fault.empty()     ? Reason(fault, say)
+                                : count == 0         ? say(Text::NoNameHoldsIt)
+                                                     : say(Text::NamesChange, count));
     const bool canEnd = count > 0 && fault.empty();
     EnableWindow(Item(IDOK), canEnd);
     return canEnd;

@@ -1,5 +1,6 @@
 #include "fileutils/sort_lines/sort_lines_dlg.h"
 
+#include "fileutils/dialog_pages.h"
 #include "fileutils/fileutils_resource.h"
 #include "fileutils/fileutils_texts.h"
 #include "fileutils/target_pattern.h"
@@ -224,7 +225,7 @@ void SortLinesDlg::Refresh() {
     EnableWindow(Item(IDC_NATURAL_NUMBERS), enabled.naturalNumbers);
 
     const SortReading reading = RequestOf(form, m_request);
-    SetTextOf(Item(IDC_REASON), reading.fault.empty() ? reading.hint : reading.fault);
+    SetTextOf(Item(IDC_REASON), Reason(reading.fault.empty() ? reading.hint : reading.fault, Say()));
     EnableWindow(Item(IDOK), reading.fault.empty());
 }
 
