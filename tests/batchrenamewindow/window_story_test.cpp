@@ -209,6 +209,12 @@ TEST(RenameWindow, IsLaidOutAnewForAnotherScaleAndBackOnANarrowScreen) {
         GetWindowRect(start, &button);
         return std::vector<LONG>{font.lfHeight, button.right - button.left, button.bottom - button.top};
     };
+    const auto pairsAreShared = [&] {
+        const HWND pairs = window.Panel().Control(IDC_ITEMS);
+        RECT client = {};
+        GetClientRect(pairs, &client);
+        return ListView_GetColumnWidth(pairs, 0) == client.right / 2;
+    };
     const auto before = sizes();
     const auto scale = [&](UINT dots, LONG width, LONG height) {
         const RECT place = {0, 0, width, height};
@@ -219,8 +225,10 @@ TEST(RenameWindow, IsLaidOutAnewForAnotherScaleAndBackOnANarrowScreen) {
     std::vector<LONG> doubled = before;
     for (LONG& length : doubled) length *= 2;
     EXPECT_EQ(sizes(), doubled);
+    EXPECT_TRUE(window.WaitFor(pairsAreShared));
     scale(dots, 700, 560);
     EXPECT_EQ(sizes(), before);
+    EXPECT_TRUE(window.WaitFor(pairsAreShared));
     // Where there is no place for a column of buttons they are a row, and the list keeps some lines.
     RECT panel = {};
     GetWindowRect(window.Panel().Window(), &panel);
