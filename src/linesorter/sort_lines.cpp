@@ -311,9 +311,10 @@ uint64_t SortLines(SortableLinesData<CharT>& data, const SortRequest& request,
 template <class CharT>
 void RemoveBlankLines(SortableLinesData<CharT>& data, const SortRequest& request) {
     const Range lines = SortedRange(data, request);
-    const auto blank = std::ranges::remove(lines, 0U, &SortableLine::length);
+    const auto isBlank = [](const SortableLine& line) { return line.length == 0; };
+    const auto blank = static_cast<size_t>(lines.end() - std::remove_if(lines.begin(), lines.end(), isBlank));
     const auto end = static_cast<size_t>(lines.data() + lines.size() - data.Lines().data());
-    data.Drop(end - blank.size(), end);
+    data.Drop(end - blank, end);
 }
 
 template uint64_t CutKeys(SortableLinesData<char>&, const SortRequest&, const KeyRule<char>&, Workers&);
