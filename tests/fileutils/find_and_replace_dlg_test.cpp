@@ -120,9 +120,9 @@ TEST(FindAndReplaceRules, TellWhatACountSays) {
     EXPECT_EQ(line(3, {}), L"No match.");
     EXPECT_EQ(line(1, {.matches = 1, .filesWithMatches = 1}), L"1 match in this file.");
     EXPECT_EQ(line(5, much), L"12 matches in 3 of 5 files. 1 file is not text. 2 files hold UTF-8: tick Force UTF8.");
-    EXPECT_EQ(
-        FileUtils::DescribeCount(TextsOf(L"qvhost-german.txt"), {L"a"}, 5, much),
-        L"12 Treffer in 3 von 5 Dateien. 1 Datei ist kein Text. 2 Dateien enthalten UTF-8: \"Als UTF-8 lesen\" ankreuzen.");
+    EXPECT_EQ(FileUtils::DescribeCount(TextsOf(L"qvhost-german.txt"), {L"a"}, 5, much),
+              L"12 Treffer in 3 von 5 Dateien. 1 Datei ist kein Text. 2 Dateien enthalten UTF-8: \"Als UTF-8 lesen\" "
+              L"ankreuzen.");
     EXPECT_EQ(line(2, {.matches = 9,
                        .filesWithMatches = 1,
                        .loneBreaks = 1,
