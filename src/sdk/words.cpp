@@ -36,7 +36,7 @@ bool IsHostText(const wchar_t* text, TextId id) {
 
 std::wstring Words::operator()(const OwnText& text, std::initializer_list<TextArgument> arguments) const {
     const wchar_t* const hosts = m_texts ? m_texts(text.id) : nullptr;
-    return FormatText(IsHostText(hosts, text.id) ? hosts : text.english, arguments);
+    return FormatText(hosts && IsHostText(hosts, text.id) ? hosts : text.english, arguments);
 }
 
 std::wstring Words::Translated(std::wstring_view english, std::initializer_list<std::span<const OwnText>> known) const {
