@@ -17,7 +17,8 @@ namespace ErrorCode = QVUtils::ErrorCode;
 using QVFindAndReplace::FileCount;
 using QVFindAndReplace::Request;
 
-constexpr uint64_t kMostBytesLeft = uint64_t{64} * 1024 * 1024;  // read for the note on matches that are left
+// Read for the note on matches that are left: more would cost a large file a second reading.
+constexpr uint64_t kMostBytesLeft = uint64_t{4} * 1024 * 1024;
 
 void LogLine(IHostServices& host, uint32_t kind, const std::wstring& line) {
     host.Log(kLogLevel, kind, L"%s", line.c_str());

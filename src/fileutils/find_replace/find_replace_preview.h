@@ -25,7 +25,7 @@ CallResult PreviewFile(Quorvane::SDK::IHostServices& host, const std::wstring& p
 void NoteUtf8(Quorvane::SDK::IHostServices& host, const std::wstring& path);
 
 /// A note in the log when matches are left in a file that the request has just been run over, and another run would
-/// get them. Counts in the first 64 MB of the file.
+/// get them. Counts in the first 4 MB of the file.
 void NoteMatchesLeft(Quorvane::SDK::IHostServices& host, const std::wstring& path, QVFindAndReplace::Request& request);
 
 }  // namespace FileUtils
