@@ -5,7 +5,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
+#include <stdexcept>
+#include <string>
 
 #include "cases.h"
 #include "data.h"
@@ -81,13 +84,20 @@ bool IsCheaper(const Cost& cost, const Cost& best) {
     return best.seconds == 0 || cost.seconds < best.seconds;
 }
 
+/// `what`, and the last line of the log: the next case writes that anew.
+std::runtime_error FailureOf(const std::string& what, const std::string& log) {
+    std::ifstream file(log);
+    std::string last;
+    for (std::string line; std::getline(file, line);)
+        if (!line.empty()) last = line;
+    return std::runtime_error(what + ": " + (last.empty() ? "without a word" : last));
+}
+
 /// Our command once, with what must come before it. @throws std::runtime_error when it fails
 Cost RunOne(const std::string& prepare, const std::string& command, const std::string& log) {
-    if (!prepare.empty() && Run(prepare, log).exitStatus != 0)
-        throw std::runtime_error("the preparation failed, see " + log);
+    if (!prepare.empty() && Run(prepare, log).exitStatus != 0) throw FailureOf("the preparation failed", log);
     const Cost cost = Run(command, log);
-    if (cost.exitStatus != 0)
-        throw std::runtime_error("ended with " + std::to_string(cost.exitStatus) + ", see " + log);
+    if (cost.exitStatus != 0) throw FailureOf("ended with " + std::to_string(cost.exitStatus), log);
     return cost;
 }
 
