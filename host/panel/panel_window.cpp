@@ -107,7 +107,7 @@ void PanelWindow::Open(const std::vector<std::wstring>& paths) {
     m_before.clear();  // there is no way back before the first folder
     ShowAddress();
     m_isOpen = true;
-    // Whoever works with keys sees where they go from the beginning, and not only after the first of them.
+    // People who work with keys see where they go from the beginning, and not only after the first of them.
     SendMessageW(m_frame, WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS), 0);
     ShowWindow(m_frame, isMaximised ? SW_SHOWMAXIMIZED : SW_SHOWDEFAULT);
     m_lastFocus = m_content->list.Window();

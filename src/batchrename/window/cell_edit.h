@@ -7,8 +7,8 @@
 
 namespace BatchRename {
 
-/// Notification codes of the edit control, beside those that every edit control has: how it came to its end. Whoever
-/// gets one destroys the control.
+/// Notification codes of the edit control, beside those that every edit control has: how it came to its end. The window
+/// that gets one destroys the control.
 namespace CellEnd {
 inline constexpr int Taken = 0x4001;  // by Enter, and where another control gets the focus
 inline constexpr int Next = 0x4002;   // by Tab
