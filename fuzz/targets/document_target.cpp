@@ -4,20 +4,11 @@
 #include "findreplace/lines.h"
 #include "findreplace/text_blocks.h"
 #include "fuzz/input.h"
+#include "fuzz/text_writer.h"
 #include "linesorter/sortable_lines.h"
 
 namespace QVFuzz {
 namespace {
-
-class TextWriter final : public QVUtils::DataWriter {
-public:
-    uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* written) override {
-        text.append(static_cast<const char*>(buffer), size);
-        if (written) *written = size;
-        return 1;
-    }
-    std::string text;
-};
 
 template <class CharT>
 std::string BytesOf(std::basic_string_view<CharT> text) {

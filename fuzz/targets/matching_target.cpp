@@ -7,6 +7,7 @@
 #include "findreplace/passing_pairs.h"
 #include "findreplace/text_blocks.h"
 #include "fuzz/input.h"
+#include "fuzz/text_writer.h"
 #include "win32/text.h"
 
 namespace QVFuzz {
@@ -126,16 +127,6 @@ bool SharesALetter(std::string_view left, std::string_view right) {
         return unit != '\n' && (right.find(unit) != right.npos || right.find(other) != right.npos);
     });
 }
-
-class TextWriter final : public QVUtils::DataWriter {
-public:
-    uint32_t WriteData(const void* buffer, uint32_t size, uint32_t* written) override {
-        text.append(static_cast<const char*>(buffer), size);
-        if (written) *written = size;
-        return 1;
-    }
-    std::string text;
-};
 
 template <class CharT>
 std::string Saved(const Lines<CharT>& lines, QVUtils::LineBreak style) {

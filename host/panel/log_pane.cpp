@@ -1,11 +1,10 @@
 #include "host/panel/log_pane.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 #include "host/app/host_text.h"
-#include "win32/handle.h"
+#include "ui/controls.h"
 #include "win32/window_position.h"
 
 namespace QVHost {
@@ -14,26 +13,7 @@ namespace {
 constexpr int kBoldShare = 8;  // of its width that a text takes more in bold, about
 constexpr int kMargin = 16;    // pixels at 96 to the inch that a cell needs beside its text
 
-struct MemoryTraits {
-    using Raw = HGLOBAL;
-    static Raw Empty() noexcept { return nullptr; }
-    static void Close(Raw raw) noexcept { GlobalFree(raw); }
-};
-using Memory = Win32::UniqueHandle<MemoryTraits>;
-
 }  // namespace
-
-void PutOnClipboard(HWND owner, const std::wstring& text) {
-    const size_t bytes = (text.size() + 1) * sizeof(wchar_t);
-    Memory memory(GlobalAlloc(GMEM_MOVEABLE, bytes));
-    void* const target = memory ? GlobalLock(memory.Get()) : nullptr;
-    if (!target || !OpenClipboard(owner)) return;
-    std::memcpy(target, text.c_str(), bytes);
-    GlobalUnlock(memory.Get());
-    EmptyClipboard();
-    if (SetClipboardData(CF_UNICODETEXT, memory.Get())) memory.Release();  // it is the system's now
-    CloseClipboard();
-}
 
 LogPane::LogPane(HWND parent, int id, UINT linesMessage, const PanelLook& look, std::wstring hint)
     : m_parent(parent),
@@ -100,7 +80,7 @@ void LogPane::Copy() const {
     std::wstring text;
     for (int at = -1; (at = ListView_GetNextItem(m_list, at, isAll ? LVNI_ALL : LVNI_SELECTED)) >= 0;)
         text += m_lines[static_cast<size_t>(at)].text + L"\r\n";
-    PutOnClipboard(m_parent, text);
+    Ui::PutOnClipboard(m_parent, text);
 }
 
 std::wstring LogPane::FocusedLine() const {

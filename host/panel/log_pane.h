@@ -13,8 +13,6 @@
 
 namespace QVHost {
 
-void PutOnClipboard(HWND owner, const std::wstring& text);
-
 class LogPane {
 public:
     /// `parent` gets the message `linesMessage` when lines have come. `hint` is shown while there is no line.

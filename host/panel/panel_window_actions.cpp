@@ -6,6 +6,7 @@
 #include "host/app/unix_paths.h"
 #include "host/panel/panel_window.h"
 #include "sdk/text_format.h"
+#include "ui/controls.h"
 #include "ui/guide.h"
 #include "win32/files.h"
 #include "win32/path.h"
@@ -184,7 +185,7 @@ void PanelWindow::GoToFileOfLog() {
 void PanelWindow::CopyPaths() {
     std::wstring text;
     for (const std::wstring& path : m_content->list.SelectedPaths()) text += path + L"\r\n";
-    PutOnClipboard(m_frame, text);
+    Ui::PutOnClipboard(m_frame, text);
 }
 
 bool PanelWindow::GoTo(const std::wstring& path) {

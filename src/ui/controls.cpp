@@ -2,8 +2,10 @@
 
 #include <commctrl.h>
 #include <algorithm>
+#include <cstring>
 #include <limits>
 
+#include "win32/handle.h"
 #include "win32/text.h"
 #include "win32/window_text.h"
 
@@ -11,6 +13,12 @@ namespace Ui {
 namespace {
 
 constexpr WPARAM kListMargin = 8;  // pixels
+
+struct GlobalMemoryTraits {
+    using Raw = HGLOBAL;
+    static Raw Empty() noexcept { return nullptr; }
+    static void Close(Raw raw) noexcept { GlobalFree(raw); }
+};
 
 /// Finds the widest of some texts, in pixels, as a control shows them.
 class TextMeter {
@@ -225,6 +233,18 @@ std::wstring MenuText(std::wstring_view name) {
         text += unit == L'\t' ? L' ' : unit;
     }
     return text;
+}
+
+void PutOnClipboard(HWND owner, const std::wstring& text) {
+    const size_t bytes = (text.size() + 1) * sizeof(wchar_t);
+    Win32::UniqueHandle<GlobalMemoryTraits> memory(GlobalAlloc(GMEM_MOVEABLE, bytes));
+    void* const target = memory ? GlobalLock(memory.Get()) : nullptr;
+    if (!target || !OpenClipboard(owner)) return;
+    std::memcpy(target, text.c_str(), bytes);
+    GlobalUnlock(memory.Get());
+    EmptyClipboard();
+    if (SetClipboardData(CF_UNICODETEXT, memory.Get())) memory.Release();  // it is the clipboard's now
+    CloseClipboard();
 }
 
 }  // namespace Ui

@@ -103,4 +103,7 @@ private:
 /// A name as a menu shows it: "&" would mark a key, a tab would begin another column.
 std::wstring MenuText(std::wstring_view name);
 
+/// Nothing changes where the clipboard is in use or memory is short.
+void PutOnClipboard(HWND owner, const std::wstring& text);
+
 }  // namespace Ui

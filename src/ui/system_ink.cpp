@@ -24,9 +24,12 @@ double ContrastOf(COLORREF left, COLORREF right) noexcept {
     return (lighter + 0.05) / (darker + 0.05);
 }
 
+COLORREF ReadableInk(COLORREF first, COLORREF ground, COLORREF other) noexcept {
+    return ContrastOf(first, ground) >= kReadable ? first : other;
+}
+
 COLORREF AccentInk() noexcept {
-    const COLORREF accent = GetSysColor(COLOR_HOTLIGHT);
-    return ContrastOf(accent, GetSysColor(COLOR_WINDOW)) >= kReadable ? accent : GetSysColor(COLOR_WINDOWTEXT);
+    return ReadableInk(GetSysColor(COLOR_HOTLIGHT), GetSysColor(COLOR_WINDOW), GetSysColor(COLOR_WINDOWTEXT));
 }
 
 }  // namespace Ui

@@ -80,12 +80,6 @@ TEST(RowColumns, ShareWhatStatusAndLocationLeave) {
     EXPECT_EQ(FitColumns(100, wishes), (Widths{100, 50, 500, 22}));
 }
 
-TEST(ReadableColour, IsTheSystemsMarkWhereItStandsOutFromTheGround) {
-    constexpr COLORREF kBlue = RGB(0, 102, 204);
-    EXPECT_EQ(ReadableColour(kBlue, RGB(255, 255, 255), 0), kBlue);
-    EXPECT_EQ(ReadableColour(kBlue, RGB(32, 32, 32), RGB(255, 255, 255)), RGB(255, 255, 255));
-}
-
 TEST(RowOrder, IsNaturalStableAndComesBack) {
     const RenameItems rows = Rows({L"b10", L"a", L"b2", L"A"});
     const auto never = [] { return false; };

@@ -2,24 +2,15 @@
 
 #include <usp10.h>
 #include <algorithm>
-#include <cmath>
 #include <numeric>
 #include <vector>
+
+#include "ui/system_ink.h"
 
 namespace BatchRename {
 namespace {
 
 constexpr DWORD kLayout = SSA_GLYPHS | SSA_FALLBACK | SSA_LINK;
-constexpr double kReadableContrast = 4.5;  // WCAG 2.1, success criterion 1.4.3
-
-/// Relative luminance of a colour, 0 to 1 (WCAG 2.1).
-double LuminanceOf(COLORREF colour) {
-    const auto linear = [](BYTE value) {
-        const double part = value / 255.0;
-        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(GetRValue(colour)) + 0.7152 * linear(GetGValue(colour)) + 0.0722 * linear(GetBValue(colour));
-}
 
 void FillWith(HDC context, const RECT& rect, COLORREF colour) {
     SetDCBrushColor(context, colour);
@@ -27,11 +18,6 @@ void FillWith(HDC context, const RECT& rect, COLORREF colour) {
 }
 
 }  // namespace
-
-COLORREF ReadableColour(COLORREF first, COLORREF ground, COLORREF second) {
-    const auto [darker, lighter] = std::minmax({LuminanceOf(first), LuminanceOf(ground)});
-    return (lighter + 0.05) / (darker + 0.05) >= kReadableContrast ? first : second;
-}
 
 /// A text as the system lays it out.
 class NamePainter::Line {
@@ -135,7 +121,7 @@ public:
         m_baseline = m_top + metrics.tmAscent;
         m_stroke = std::max(1, GetDeviceCaps(context, LOGPIXELSX) / USER_DEFAULT_SCREEN_DPI);
         m_ink = GetSysColor(colours.ink);
-        m_mark = ReadableColour(GetSysColor(colours.mark), m_ground, m_ink);
+        m_mark = Ui::ReadableInk(GetSysColor(colours.mark), m_ground, m_ink);
     }
 
     void DrawText() const {

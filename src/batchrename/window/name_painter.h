@@ -43,7 +43,4 @@ private:
     Win32::Module m_library;  // of the system's layout of text
 };
 
-/// The first colour if it is readable on the ground, else the second.
-COLORREF ReadableColour(COLORREF first, COLORREF ground, COLORREF second);
-
 }  // namespace BatchRename

@@ -6,33 +6,6 @@
 #include "ui/controls.h"
 
 namespace BatchRename {
-namespace {
-
-struct GlobalMemoryTraits {
-    using Raw = HGLOBAL;
-    static Raw Empty() noexcept { return nullptr; }
-    static void Close(Raw raw) noexcept { GlobalFree(raw); }
-};
-using GlobalMemory = Win32::UniqueHandle<GlobalMemoryTraits>;
-
-GlobalMemory GlobalCopyOf(const std::wstring& text) {
-    GlobalMemory memory(GlobalAlloc(GMEM_MOVEABLE, (text.size() + 1) * sizeof(wchar_t)));
-    if (void* const bytes = memory ? GlobalLock(memory.Get()) : nullptr) {
-        std::copy_n(text.c_str(), text.size() + 1, static_cast<wchar_t*>(bytes));
-        GlobalUnlock(memory.Get());
-    }
-    return memory;
-}
-
-void PutOnClipboard(HWND owner, const std::wstring& text) {
-    GlobalMemory memory = GlobalCopyOf(text);
-    if (!memory || !OpenClipboard(owner)) return;
-    EmptyClipboard();
-    if (SetClipboardData(CF_UNICODETEXT, memory.Get())) memory.Release();  // it is the clipboard's now
-    CloseClipboard();
-}
-
-}  // namespace
 
 bool RowListView::GoToProblem(bool isBack) {
     const LRESULT focused = SendMessageW(m_window, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED);
@@ -54,7 +27,7 @@ void RowListView::Copy(const std::vector<bool>& isMarked) const {
     std::wstring text;
     for (size_t row = 0; row < isMarked.size(); ++row)
         if (isMarked[row]) text += m_rows.OldName(row) + L'\t' + m_rows.NewName(row) + L"\r\n";
-    if (!text.empty()) PutOnClipboard(m_window, text);
+    if (!text.empty()) Ui::PutOnClipboard(m_window, text);
 }
 
 void RowListView::Act(RowAction action) {
