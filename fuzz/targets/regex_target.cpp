@@ -8,7 +8,7 @@
 namespace QVFuzz {
 namespace {
 
-constexpr int kSteps = 2000;
+constexpr int kRegexSteps = 2000;
 constexpr int kCasesOfASeed = 50;
 constexpr size_t kLongestExpression = 100;  // for the standard engine, in units; and of texts
 #ifdef _WIN32
@@ -36,7 +36,8 @@ RegexCase CaseOf(Input& input, uint8_t shape) {
 }
 
 void Compare(const RegexCase& given) {
-    Require(CompareWithStandard(given, kSteps, kStack) != RegexVerdict::Different, "what the standard engine finds");
+    Require(CompareWithStandard(given, kRegexSteps, kStack) != RegexVerdict::Different,
+            "what the standard engine finds");
 }
 
 /// What is too much for the standard engine. Ours ends, whatever it is given.
@@ -44,7 +45,7 @@ void RunAlone(const RegexCase& given) {
     try {
         const BatchRename::RegexProgram program = BatchRename::CompileRegex(given.pattern, given.ignoresCase);
         BatchRename::RegexMatcher matcher(program);
-        matcher.Begin(given.text, kSteps);
+        matcher.Begin(given.text, kRegexSteps);
         if (!matcher.Search(0, {})) return;
         for (const BatchRename::RegexGroup& group : matcher.Groups())
             Require(!group.IsMatched() || (group.begin <= group.end && group.end <= given.text.size()), "within");

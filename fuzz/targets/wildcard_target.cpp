@@ -7,7 +7,7 @@
 namespace QVFuzz {
 namespace {
 
-constexpr int kSteps = 4000;
+constexpr int kWildcardSteps = 4000;
 
 template <class CharT>
 WildcardResult ByOurs(const std::basic_string<CharT>& pattern, bool ignoreCase, std::basic_string_view<CharT> text) {
@@ -33,7 +33,7 @@ void Compare(std::string_view patternBytes, bool ignoreCase, std::string_view te
     const std::wstring widePattern(pattern.begin(), pattern.end());
     const std::wstring wideText(text.View().begin(), text.View().end());
     try {
-        const WildcardResult standard = SearchByTheStandard<wchar_t>(widePattern, ignoreCase, wideText, kSteps);
+        const WildcardResult standard = SearchByTheStandard<wchar_t>(widePattern, ignoreCase, wideText, kWildcardSteps);
         Require(ours == standard, "what the standard engine finds");
     } catch (const TooManySteps&) {
     }

@@ -28,10 +28,6 @@ constexpr struct {
     {"completion", "bash powershell"},
 };
 
-std::wstring Wide(const std::string& text) {
-    return FromUtf8(text).value_or(L"");
-}
-
 void Store(std::wstring& target, std::wstring value) {
     target = std::move(value);
 }

@@ -16,6 +16,7 @@ using Win32::DescribeError;
 using Win32::EqualIgnoringCase;
 using Win32::FromUtf8;
 using Win32::ToUtf8;
+using Win32::Wide;
 
 /// Copies as the contract says: at most `capacity` units with the closing zero. The result is the whole text's length
 /// in units; a null buffer or no capacity only asks for it.

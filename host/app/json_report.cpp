@@ -52,7 +52,7 @@ void AppendObject(std::string& json, const JsonFields& fields) {
     const char* separator = "";
     for (const auto& [key, value] : fields) {
         json += separator;
-        AppendText(json, Win32::FromUtf8(key).value_or(L""));
+        AppendText(json, Win32::Wide(key));
         json += ": ";
         AppendJson(json, value);
         separator = ", ";
@@ -115,7 +115,7 @@ std::string Report::Text(int status) const {
         json += ",\n ";
     };
     add("schema", kSchema);
-    add("program", Win32::FromUtf8("qvhost " QV_VERSION).value_or(L""));
+    add("program", Win32::Wide("qvhost " QV_VERSION));
     add("command", m_command);
     add("name", m_name);
     add("status", static_cast<uint64_t>(status));

@@ -12,7 +12,7 @@ namespace {
 
 using namespace Quorvane::SDK;
 
-constexpr size_t kIndent = 2;
+constexpr size_t kDepthIndent = 2;
 constexpr size_t kTextColumn = 56;  // where shortcuts begin, at the least
 
 std::wstring Hex(uint32_t number, int digits) {
@@ -48,13 +48,13 @@ std::wstring DescribeShortcut(uint32_t shortcut) {
 
 void PrintCommand(Output& output, const Command& command, size_t depth) {
     std::wstring line =
-        std::wstring(depth * kIndent, L' ') + Padded(std::to_wstring(command.id), 7) + OnOneLine(command.text);
+        std::wstring(depth * kDepthIndent, L' ') + Padded(std::to_wstring(command.id), 7) + OnOneLine(command.text);
     const std::wstring shortcut = DescribeShortcut(command.shortcut);
     output.Line(shortcut.empty() ? line : Padded(line, kTextColumn) + L"  " + shortcut);
 }
 
 void PrintMenu(Output& output, const Menu& menu, size_t depth) {
-    output.Line(std::wstring(depth * kIndent, L' ') + OnOneLine(menu.text));
+    output.Line(std::wstring(depth * kDepthIndent, L' ') + OnOneLine(menu.text));
     for (const Menu::Entry& entry : menu.entries) {
         if (entry.menu) PrintMenu(output, *entry.menu, depth + 1);
         if (entry.command) PrintCommand(output, *entry.command, depth + 1);
@@ -102,13 +102,12 @@ void PrintCustomCommands(Output& output, const CustomCommandTable& table) {
     for (const CustomCommand* command : table.Commands()) {
         if (!isFirst) output.Line(L"");
         isFirst = false;
-        output.Line(WithoutTail(FromUtf8(command->Name()).value_or(L"") + L" (" + std::to_wstring(command->Id()) +
-                                L"): " + OnOneLine(command->Description())));
+        output.Line(WithoutTail(Wide(command->Name()) + L" (" + std::to_wstring(command->Id()) + L"): " +
+                                OnOneLine(command->Description())));
         size_t width = 0;
         for (const CustomParameter& parameter : command->Parameters()) width = std::max(width, parameter.name.size());
         for (const CustomParameter& parameter : command->Parameters())
-            output.Line(WithoutTail(L"  " + Padded(FromUtf8(parameter.name).value_or(L""), width + 2) +
-                                    Padded(KindOf(parameter), 8) +
+            output.Line(WithoutTail(L"  " + Padded(Wide(parameter.name), width + 2) + Padded(KindOf(parameter), 8) +
                                     Padded(parameter.Is(ParameterFlags::Required) ? L"required" : L"", 10) +
                                     OnOneLine(parameter.description)));
         if (command->HasPreview())

@@ -90,7 +90,7 @@ void ShowWhatWasSaid(const std::string& said) {
     const std::vector<std::string_view> lines = QVHost::LinesOf(said);
     std::wstring text;
     for (size_t at = lines.size() - std::min(lines.size(), kLines); at < lines.size(); ++at)
-        text += QVHost::FromUtf8(lines[at]).value_or(L"") + L"\n";
+        text += QVHost::Wide(lines[at]) + L"\n";
     if (!text.empty()) MessageBoxW(nullptr, text.c_str(), L"QVUtils", MB_OK | MB_ICONWARNING | MB_SETFOREGROUND);
 }
 

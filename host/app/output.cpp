@@ -4,6 +4,7 @@
 
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
+#include "win32/handle.h"
 #include "win32/path.h"
 #include "win32/windows.h"
 
@@ -49,8 +50,7 @@ void Output::Line(std::wstring_view text, Tone tone) {
 
 void Output::Lines(std::string_view lines) {
     if (m_panel)
-        for (const std::string_view line : LinesOf(lines))
-            m_panel->ShowLine(FromUtf8(line).value_or(std::wstring()), Tone::Plain);
+        for (const std::string_view line : LinesOf(lines)) m_panel->ShowLine(Wide(line), Tone::Plain);
     const std::lock_guard lock(m_mutex);
     m_pending += lines;
     if (m_flushLines || m_pending.size() >= kBlock) FlushLines();
@@ -100,9 +100,8 @@ void Output::ReportLoss(unsigned long error) {
 
 Log::Log(Output& output, const std::wstring& file, bool quiet) : m_output(output), m_path(file), m_quiet(quiet) {
     if (file.empty()) return;
-    m_file.Reset(CreateFileW(Win32::ExtendedPath(file).c_str(), FILE_APPEND_DATA,
-                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
-                             FILE_ATTRIBUTE_NORMAL, nullptr));
+    m_file.Reset(CreateFileW(Win32::ExtendedPath(file).c_str(), FILE_APPEND_DATA, Win32::kShareAll, nullptr,
+                             OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!m_file) throw HostError(L"cannot open the log file " + file + L": " + DescribeError(GetLastError()));
 }
 

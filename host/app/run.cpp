@@ -14,10 +14,6 @@ namespace {
 
 constexpr std::wstring_view kPathPlace = L"{}";  // in the arguments of a call that is made for each path
 
-std::wstring Wide(const std::string& text) {
-    return FromUtf8(text).value_or(L"");
-}
-
 /// The status of a command that was `handled`, with everything that counts against it.
 int StatusOf(HostState& state, bool handled, uint32_t resultCode) {
     const bool isSaved = state.settings.Save();

@@ -83,7 +83,7 @@ void ProgressWindow::HandleInput() {
 
 namespace {
 
-constexpr size_t kWidth = 78;  // of the narrowest usual terminal, less what a cursor needs
+constexpr size_t kLineWidth = 78;  // of the narrowest usual terminal, less what a cursor needs
 
 }  // namespace
 
@@ -117,7 +117,7 @@ void Progress::Close() {
 
 void Progress::Show(std::wstring text) {
     if (!m_watch.isShown || (text.empty() && m_shown == 0)) return;
-    if (text.size() > kWidth) text.resize(kWidth);
+    if (text.size() > kLineWidth) text.resize(kLineWidth);
     const size_t units = text.size();
     // Blanks wipe out the rest of a longer line before; an empty text leaves a clean line.
     text.resize(std::max(units, m_shown), L' ');

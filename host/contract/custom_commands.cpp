@@ -12,10 +12,6 @@ namespace {
 
 namespace ParameterFlags = Quorvane::SDK::ParameterFlags;
 
-std::wstring Wide(const std::string& name) {
-    return FromUtf8(name).value_or(L"");
-}
-
 }  // namespace
 
 void CustomCommand::AddParameter(const char* name, uint32_t flags, const wchar_t* description) {

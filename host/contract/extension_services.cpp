@@ -76,7 +76,7 @@ HWND HostServices::GetMainWindow() {
 
 uint16_t HostServices::GetTextModule(const char* extensionId) {
     return Guarded<uint16_t>(0, [&]() -> uint16_t {
-        const std::wstring id = FromUtf8(extensionId ? extensionId : "").value_or(L"");
+        const std::wstring id = Wide(extensionId ? extensionId : "");
         if (id.empty()) return 0;
         // The section of an extension in this library goes by its short name, that of any other by its id.
         return m_state.texts.ModuleOf(id == m_extensionId ? m_section : id);

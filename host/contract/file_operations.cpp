@@ -134,7 +134,7 @@ void FolderRefresh::RefreshFolder(const wchar_t* location) {
 
 void PropertySet::SetExtension(const char* extensionId, const wchar_t* groupName) {
     GuardedCall([&] {
-        m_columns.extensionId = FromUtf8(extensionId ? extensionId : "").value_or(L"");
+        m_columns.extensionId = Wide(extensionId ? extensionId : "");
         m_columns.groupName = TextOrEmpty(groupName);
     });
 }

@@ -13,7 +13,7 @@
 namespace QVHost {
 namespace {
 
-constexpr int kIndent = 2;
+constexpr int kJsonIndent = 2;
 constexpr int kMostSaves = 20;
 constexpr int kMostDamagedFiles = 1000;
 
@@ -148,7 +148,7 @@ uint32_t SettingsFile::SaveChanges() {
     }
     if (!original) values = m_values;
     for (const Change& change : m_changes) PlaceOf(values, change.names) = change.value;
-    return QVUtils::ReplaceRecord(m_path, values.dump(kIndent) + "\n", original.has_value(), original);
+    return QVUtils::ReplaceRecord(m_path, values.dump(kJsonIndent) + "\n", original.has_value(), original);
 }
 
 bool ExtensionSettings::GetString(uint32_t, const wchar_t* section, const wchar_t* key, wchar_t* buffer,

@@ -1,5 +1,6 @@
 #include "host/contract/whole_file.h"
 
+#include "win32/handle.h"
 #include "win32/path.h"
 #include "win32/windows.h"
 
@@ -9,9 +10,8 @@ namespace {
 constexpr LONGLONG kLargest = LONGLONG{256} * 1024 * 1024;  // bytes
 
 Win32::HeldFile OpenToRead(const std::wstring& path) {
-    return Win32::HeldFileOf(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_READ,
-                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                                         FILE_ATTRIBUTE_NORMAL, nullptr));
+    return Win32::HeldFileOf(CreateFileW(Win32::ExtendedPath(path).c_str(), GENERIC_READ, Win32::kShareAll, nullptr,
+                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
 uint32_t ReadAll(void* file, std::string& bytes) {

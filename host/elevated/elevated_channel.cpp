@@ -13,7 +13,6 @@ namespace QVHost {
 namespace {
 
 constexpr DWORD kConnectMilliseconds = 30000;  // a person answers the system's prompt before this begins
-constexpr DWORD kWriteMilliseconds = 30000;
 constexpr DWORD kSilenceMilliseconds = 15000;  // several times the distance of two signs of work
 constexpr ULONGLONG kWorkMilliseconds = 5 * 60 * 1000;
 constexpr DWORD kEndMilliseconds = 2000;  // it ends with its pipe, unless it hangs
@@ -125,7 +124,7 @@ uint32_t ElevatedChannel::Write(std::span<const uint8_t> request) {
     uint32_t error = ERROR_SUCCESS;
     while (!request.empty() && error == ERROR_SUCCESS) {
         const size_t size = std::min<size_t>(request.size(), kLargestMessage);
-        error = m_pipe.Write(request.first(size), m_process.Get(), kWriteMilliseconds);
+        error = m_pipe.Write(request.first(size), m_process.Get(), kMessageMilliseconds);
         request = request.subspan(size);
     }
     return error;
@@ -142,7 +141,7 @@ uint32_t ElevatedChannel::AwaitReply(Reply& reply) {
         if (!decoded) return ERROR_INVALID_DATA;
         reply = std::move(*decoded);
         for (const std::string& text = ToUtf8(reply.log); const std::string_view line : LinesOf(text))
-            LogLine(FromUtf8(line).value_or(L""), reply.result);
+            LogLine(Wide(line), reply.result);
         return ERROR_SUCCESS;
     } while (GetTickCount64() < end);
     return ERROR_TIMEOUT;

@@ -13,7 +13,6 @@
 namespace QVHost {
 namespace {
 
-constexpr DWORD kWriteMilliseconds = 30000;
 constexpr DWORD kPortionMilliseconds = 30000;
 constexpr DWORD kIdleMilliseconds =
     5 * 60 * 1000;                     // the other process ends the pipe when it is done; this one may hang
@@ -52,7 +51,7 @@ public:
 private:
     void Give(MessagePipe& pipe) {
         while (WaitForSingleObject(m_isDone.Get(), kBetweenSigns) == WAIT_TIMEOUT)
-            GuardedCall([&] { pipe.Write(EncodeAtWork(), nullptr, kWriteMilliseconds); });
+            GuardedCall([&] { pipe.Write(EncodeAtWork(), nullptr, kMessageMilliseconds); });
     }
 
     Win32::KernelHandle m_isDone{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
@@ -82,13 +81,13 @@ public:
 
     /// 0 when the other side has closed the pipe, else a Windows error code.
     uint32_t Serve() {
-        uint32_t error = m_pipe.Write(EncodeReply({ERROR_SUCCESS, {}}), nullptr, kWriteMilliseconds);
+        uint32_t error = m_pipe.Write(EncodeReply({ERROR_SUCCESS, {}}), nullptr, kMessageMilliseconds);
         while (error == ERROR_SUCCESS) {
             Bytes bytes;
             error = ReadRequest(bytes);
             if (error == ERROR_BROKEN_PIPE) return ERROR_SUCCESS;
             if (error != ERROR_SUCCESS && error != ERROR_INVALID_PARAMETER) return error;
-            error = m_pipe.Write(EncodeReply(Answer(error, bytes)), nullptr, kWriteMilliseconds);
+            error = m_pipe.Write(EncodeReply(Answer(error, bytes)), nullptr, kMessageMilliseconds);
         }
         return error;
     }
@@ -128,7 +127,7 @@ private:
     /// What was logged and noted since the last time.
     std::wstring TakeLines() {
         m_output.Flush();
-        return FromUtf8(std::exchange(m_lines, std::ostringstream()).str()).value_or(L"");
+        return Wide(std::exchange(m_lines, std::ostringstream()).str());
     }
 
     MessagePipe& m_pipe;
@@ -152,8 +151,8 @@ int RunElevatedServer(const HostOptions& options, HostEnvironment& environment) 
             error = Server(options, environment, pipe).Serve();
         } catch (const std::exception& failure) {
             // Where the other process still waits to hear that this one is ready, it gets the reason.
-            const std::wstring reason = FromUtf8(failure.what()).value_or(L"");
-            pipe.Write(EncodeReply({ERROR_GEN_FAILURE, reason}), nullptr, kWriteMilliseconds);
+            const std::wstring reason = Wide(failure.what());
+            pipe.Write(EncodeReply({ERROR_GEN_FAILURE, reason}), nullptr, kMessageMilliseconds);
             throw;
         }
     }

@@ -11,6 +11,8 @@
 
 namespace QVHost {
 
+inline constexpr DWORD kMessageMilliseconds = 30000;  // that the other end has to take a message
+
 class MessagePipe {
 public:
     MessagePipe() = default;

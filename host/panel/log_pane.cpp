@@ -10,8 +10,8 @@
 namespace QVHost {
 namespace {
 
-constexpr int kBoldShare = 8;  // of its width that a text takes more in bold, about
-constexpr int kMargin = 16;    // pixels at 96 to the inch that a cell needs beside its text
+constexpr int kBoldShare = 8;    // of its width that a text takes more in bold, about
+constexpr int kCellMargin = 16;  // pixels at 96 to the inch that a cell needs beside its text
 
 }  // namespace
 
@@ -63,7 +63,7 @@ void LogPane::TakeLines() {
 void LogPane::Widen(const std::wstring& text) {
     const auto width =
         static_cast<int>(SendMessageW(m_list, LVM_GETSTRINGWIDTHW, 0, reinterpret_cast<LPARAM>(text.c_str())));
-    const int needed = width + width / kBoldShare + m_look.Scaled(kMargin);
+    const int needed = width + width / kBoldShare + m_look.Scaled(kCellMargin);
     if (needed <= m_width) return;
     m_width = needed;
     ListView_SetColumnWidth(m_list, 0, m_width);

@@ -135,7 +135,7 @@ void RenameHost::LoadProviders() {
         m_providers = std::make_unique<LoadedProviders>(m_state, m_libraryPath);
     } catch (const HostError& error) {
         // Then nobody knows the property, which each row will say.
-        m_state.output.Note(L"qvhost: " + FromUtf8(error.what()).value_or(L""));
+        m_state.output.Note(L"qvhost: " + Wide(error.what()));
     }
 }
 

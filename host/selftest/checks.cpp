@@ -20,8 +20,6 @@ namespace {
 
 using Words = std::vector<std::wstring>;
 
-constexpr int kOk = IDOK;
-
 std::wstring Reason(const wchar_t* what, uint32_t error) {
     return std::wstring(what).append(L": ").append(DescribeError(error));
 }
@@ -110,7 +108,7 @@ CheckResult ResetRights(const Trial& trial) {
 CheckResult GrantRights(const Trial& trial) {
     return WithNarrowList(trial, [](const Trial& self, const std::wstring& file) {
         const std::wstring before = AccessListOf(file);
-        const Trial::Said said = self.RunInWindows({L"command", L"30311", file}, kOk);
+        const Trial::Said said = self.RunInWindows({L"command", L"30311", file}, IDOK);
         if (said.status != ExitStatus::Done) return FailedBecause(said.text);
         return AccessListOf(file) != before ? CheckResult() : Undone(L"the list stayed as it was");
     });

@@ -94,7 +94,7 @@ void PrintHead(Output& output, const Volume& volume) {
     const int scale = MulDiv(GetDeviceCaps(screen, LOGPIXELSX), 100, USER_DEFAULT_SCREEN_DPI);
     ReleaseDC(nullptr, screen);
     output.Line(L"QVUtils self-test");
-    output.Line(L"program:      qvhost " + FromUtf8(QV_VERSION).value_or(L""));
+    output.Line(L"program:      qvhost " + Wide(QV_VERSION));
     output.Line(L"platform:     Windows " + SystemVersion() + L", 64 bits" + (RunsUnderWine() ? L", under Wine" : L""));
     output.Line(L"file system:  " + volume.name);
     output.Line(L"language:     " + std::wstring(locale.data()) + L", code page " + std::to_wstring(GetACP()));
@@ -108,7 +108,7 @@ CheckResult RunCheck(const Check& check, const Trial& trial) {
     try {
         return check.run(trial);
     } catch (const std::exception& error) {
-        return FailedBecause(FromUtf8(error.what()).value_or(L""));
+        return FailedBecause(Wide(error.what()));
     }
 }
 

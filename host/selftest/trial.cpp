@@ -16,7 +16,7 @@
 namespace QVHost {
 namespace {
 
-constexpr DWORD kLook = 50;           // milliseconds between two looks for windows
+constexpr DWORD kBetweenLooks = 50;   // milliseconds between two looks for windows
 constexpr ULONGLONG kAgain = 3'000;   // milliseconds until a window that is still there is closed once more
 constexpr int kMaximumLooks = 1'200;  // a minute in all
 
@@ -61,7 +61,7 @@ private:
         for (int look = 0; look < kMaximumLooks && !m_isOver; ++look) {
             for (HWND window : OwnWindows())
                 if (std::ranges::find(m_known, window) == m_known.end()) Close(window);
-            Sleep(kLook);
+            Sleep(kBetweenLooks);
         }
     }
 
@@ -126,7 +126,7 @@ Trial::Said Trial::Run(const std::vector<std::wstring>& words) const {
                                    .readAnswer = {},
                                    .progressWatch = {}};
     const int status = RunQvHost(arguments, environment);
-    return {status, OnOneLine(Win32::Trimmed(FromUtf8(said.str()).value_or(L"")))};
+    return {status, OnOneLine(Win32::Trimmed(Wide(said.str())))};
 }
 
 Trial::Said Trial::RunInWindows(std::vector<std::wstring> words, int button) const {

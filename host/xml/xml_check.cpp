@@ -8,13 +8,12 @@
 namespace QVHost {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
 // The system's parsers go no deeper, and their time grows with the square of the attributes of one element.
 constexpr size_t kDeepest = 250;
 constexpr size_t kMostAttributes = 500;
 
 bool IsBlank(char byte) {
-    return kBlanks.find(byte) != std::string_view::npos;
+    return kXmlBlanks.find(byte) != std::string_view::npos;
 }
 
 /// "Char" of XML 1.0.
@@ -52,7 +51,7 @@ public:
     explicit Checker(std::string_view text) : m_text(text) {}
 
     std::optional<XmlFault> Run() {
-        if (m_text.find_first_not_of(kBlanks) == std::string_view::npos) return XmlFault{0, "it holds no XML"};
+        if (m_text.find_first_not_of(kXmlBlanks) == std::string_view::npos) return XmlFault{0, "it holds no XML"};
         for (size_t at = 0; at < m_text.size();) {
             const size_t size = CharacterSize(m_text.substr(at));
             if (size == 0) return XmlFault{at, "this is no character of UTF-8, or one that XML cannot hold"};
@@ -100,7 +99,7 @@ private:
     }
 
     void Text(std::string_view text) {
-        const size_t other = text.find_first_not_of(kBlanks);
+        const size_t other = text.find_first_not_of(kXmlBlanks);
         if (m_open.empty() && other != std::string_view::npos) Fail(m_at + other, "text stands outside the root");
         if (const size_t end = text.find("]]>"); end != std::string_view::npos)
             Fail(m_at + end, "]]> stands in a text");

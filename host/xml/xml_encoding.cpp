@@ -54,8 +54,6 @@ constexpr EncodingName kNames[] = {
     {L"big5", 950},
 };
 
-constexpr std::string_view kBlanks = " \t\r\n";
-
 /// encoding="..." in a declaration: the whole of it, and the value. Both are "" when it has none.
 struct DeclaredEncoding {
     std::string_view whole;
@@ -64,9 +62,9 @@ struct DeclaredEncoding {
 DeclaredEncoding EncodingIn(std::string_view declaration) {
     size_t at = std::min(kDeclarationStart.size(), declaration.size());
     for (;;) {
-        const size_t begin = declaration.find_first_not_of(kBlanks, at);
+        const size_t begin = declaration.find_first_not_of(kXmlBlanks, at);
         const size_t sign = declaration.find('=', begin);
-        const size_t quote = declaration.find_first_not_of(kBlanks, sign == declaration.npos ? sign : sign + 1);
+        const size_t quote = declaration.find_first_not_of(kXmlBlanks, sign == declaration.npos ? sign : sign + 1);
         if (quote == declaration.npos || (declaration[quote] != '"' && declaration[quote] != '\'')) return {};
         const size_t end = declaration.find(declaration[quote], quote + 1);
         if (end == declaration.npos) return {};
@@ -196,7 +194,7 @@ std::optional<std::string> EncodeXml(const XmlEncoding& encoding, std::string_vi
 
 std::string_view XmlDeclarationOf(std::string_view text) {
     const bool begins = text.starts_with(kDeclarationStart) && text.size() > kDeclarationStart.size() &&
-                        kBlanks.find(text[kDeclarationStart.size()]) != std::string_view::npos;
+                        kXmlBlanks.find(text[kDeclarationStart.size()]) != std::string_view::npos;
     const size_t end = begins ? text.find(kDeclarationEnd) : std::string_view::npos;
     return end == std::string_view::npos ? std::string_view() : text.substr(0, end + kDeclarationEnd.size());
 }

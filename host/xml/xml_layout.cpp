@@ -7,8 +7,6 @@
 namespace QVHost {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
-
 enum class Kind : uint8_t { Blank, Text, Start, End, Other };  // Other: comments, instructions, the document type
 
 struct Piece {
@@ -72,7 +70,7 @@ namespace {
 bool KeepsBlanks(std::string_view tag) {
     size_t at = tag.find_first_of(" \t\r\n/>");
     for (;;) {
-        const size_t name = tag.find_first_not_of(kBlanks, at);
+        const size_t name = tag.find_first_not_of(kXmlBlanks, at);
         const size_t sign = tag.find('=', name);
         if (sign == std::string_view::npos) return false;
         const size_t quote = tag.find_first_of("\"'", sign);
@@ -98,7 +96,7 @@ struct OpenElement {
 Piece PieceAt(std::string_view text) {
     if (!text.starts_with('<')) {
         const std::string_view piece = text.substr(0, text.find('<'));
-        const bool isBlank = piece.find_first_not_of(kBlanks) == std::string_view::npos;
+        const bool isBlank = piece.find_first_not_of(kXmlBlanks) == std::string_view::npos;
         return {.kind = isBlank ? Kind::Blank : Kind::Text, .text = piece};
     }
     if (text.starts_with("<!--")) return {.kind = Kind::Other, .text = CommentAt(text)};
@@ -165,7 +163,7 @@ private:
     bool m_keepsAll = false;
 };
 
-struct Layout {
+struct DocumentLayout {
     bool isReadable = false;
     bool keepsOuterBlanks = true;
 };
@@ -173,7 +171,7 @@ struct Layout {
 /// Writes pieces one after the other.
 class Writer {
 public:
-    Writer(std::string_view text, Layout layout) : m_layout(layout), m_lineBreak(LineBreakOf(text)) {
+    Writer(std::string_view text, DocumentLayout layout) : m_layout(layout), m_lineBreak(LineBreakOf(text)) {
         m_result.reserve(text.size());
     }
 
@@ -204,7 +202,7 @@ private:
         m_result.append(m_depth, '\t');
     }
 
-    Layout m_layout;
+    DocumentLayout m_layout;
     std::string_view m_lineBreak;
     std::string m_result;
     size_t m_depth = 0;
@@ -212,7 +210,7 @@ private:
     bool m_isAfterBlank = false;
 };
 
-std::optional<std::string> LaidOut(std::string_view text, Layout layout) {
+std::optional<std::string> LaidOut(std::string_view text, DocumentLayout layout) {
     Pieces pieces;
     if (!pieces.Read(text)) return std::nullopt;
     Writer writer(text, layout);

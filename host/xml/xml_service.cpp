@@ -191,7 +191,7 @@ uint32_t XmlService::ReadText(Quorvane::SDK::IXmlDocument* document, wchar_t* bu
         const std::shared_ptr<XmlDocument> known = m_documents.Find(document);
         std::string text;
         if (known) known->ToText(text);
-        return CopyText(FromUtf8(text).value_or(L""), buffer, capacity);
+        return CopyText(Wide(text), buffer, capacity);
     });
 }
 

@@ -12,6 +12,8 @@
 
 namespace QVHost {
 
+inline constexpr std::string_view kXmlBlanks = " \t\r\n";  // white space in XML 1.0, section 2.3
+
 struct XmlEncoding {
     static constexpr uint32_t kUtf16 = 1200;
     static constexpr uint32_t kUtf16BigEndian = 1201;

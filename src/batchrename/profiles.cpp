@@ -21,7 +21,7 @@ using namespace Quorvane::SDK;
 namespace {
 
 // In units. Buffers have one more than the host is told of: the text ends there whatever the host does.
-constexpr uint32_t kFolderCapacity = 1024;
+constexpr uint32_t kProfileFolderCapacity = 1024;
 constexpr uint32_t kTextCapacity = kLongestProfileText + 1;
 constexpr uint32_t kIndented = 1;
 constexpr int kMostKeptFiles = 1000;
@@ -227,8 +227,8 @@ bool ProfileStore::Load(IHostServices* services, const wchar_t* fileName) {
     m_changes.clear();
     m_isUnreadable = false;
     if (!services) return false;
-    wchar_t folder[kFolderCapacity + 1] = {};
-    services->GetConfigurationFolder(folder, kFolderCapacity);
+    wchar_t folder[kProfileFolderCapacity + 1] = {};
+    services->GetConfigurationFolder(folder, kProfileFolderCapacity);
     m_path = std::wstring(folder) + fileName;
     const Owned<IXmlService> xml(services->GetXmlService(m_path.c_str(), 0));
     if (!xml) return false;

@@ -10,7 +10,6 @@
 namespace BatchRename {
 namespace {
 
-using Token = RegexToken;
 using Bits = std::ctype_base::mask;
 
 constexpr uint32_t kAsciiEnd = 128;
@@ -87,7 +86,7 @@ public:
 
     CharacterSet Read(bool isNegated) {
         // A dash that comes first stands for itself.
-        if (m_scanner.Token() == Token::Unit || m_scanner.Token() == Token::Dash) SetLast(TakeUnit());
+        if (m_scanner.Token() == RegexToken::Unit || m_scanner.Token() == RegexToken::Dash) SetLast(TakeUnit());
         while (ReadTerm()) {
         }
         AddLast();
@@ -96,14 +95,14 @@ public:
     }
 
 private:
-    bool Take(Token token) {
+    bool Take(RegexToken token) {
         if (m_scanner.Token() != token) return false;
         m_scanner.Advance();
         return true;
     }
 
     wchar_t TakeUnit() {
-        const wchar_t unit = m_scanner.Token() == Token::Dash ? L'-' : m_scanner.Unit();
+        const wchar_t unit = m_scanner.Token() == RegexToken::Dash ? L'-' : m_scanner.Unit();
         m_scanner.Advance();
         return unit;
     }
@@ -117,19 +116,19 @@ private:
     /// False at the end of the class.
     bool ReadTerm() {
         switch (m_scanner.Token()) {
-            case Token::ClassEnd: m_scanner.Advance(); return false;
-            case Token::Unit: SetLast(TakeUnit()); return true;
-            case Token::Dash: return ReadDash();
-            case Token::Collating: SetLast(CollatingElementOf(TakeName())); return true;
-            case Token::Equivalence:
+            case RegexToken::ClassEnd: m_scanner.Advance(); return false;
+            case RegexToken::Unit: SetLast(TakeUnit()); return true;
+            case RegexToken::Dash: return ReadDash();
+            case RegexToken::Collating: SetLast(CollatingElementOf(TakeName())); return true;
+            case RegexToken::Equivalence:
                 EndWithClass();
                 m_set.AddEquivalents(CollatingElementOf(TakeName()));
                 return true;
-            case Token::ClassName:
+            case RegexToken::ClassName:
                 EndWithClass();
                 m_set.Add(ClassOf(TakeName(), m_ignoresCase));
                 return true;
-            case Token::LetterClass: ReadLetterClass(TakeUnit()); return true;
+            case RegexToken::LetterClass: ReadLetterClass(TakeUnit()); return true;
             default: FailRegex(std::regex_constants::error_brack);
         }
     }
@@ -145,7 +144,7 @@ private:
 
     bool ReadDash() {
         m_scanner.Advance();
-        if (Take(Token::ClassEnd)) {
+        if (Take(RegexToken::ClassEnd)) {
             SetLast(L'-');
             return false;
         }
@@ -158,7 +157,7 @@ private:
     }
 
     void ReadEndOfRange(wchar_t first) {
-        if (m_scanner.Token() != Token::Unit && m_scanner.Token() != Token::Dash)
+        if (m_scanner.Token() != RegexToken::Unit && m_scanner.Token() != RegexToken::Dash)
             FailRegex(std::regex_constants::error_range);
         const wchar_t last = TakeUnit();
         if (first > last) FailRegex(std::regex_constants::error_range);

@@ -11,7 +11,6 @@ namespace BatchRename {
 namespace {
 
 using namespace std::regex_constants;
-using Token = RegexToken;
 
 constexpr size_t kMostStates = 100'000;
 constexpr uint32_t kNoState = RegexState::kNoState;
@@ -25,7 +24,7 @@ struct Piece {
 
 /// A group that has not ended, or the whole expression.
 struct OpenGroup {
-    Token kind = Token::GroupBegin;
+    RegexToken kind = RegexToken::GroupBegin;
     uint32_t number = 0;                 // of a GroupBegin
     Piece begin = {};                    // not of lookaheads
     std::optional<Piece> branches = {};  // that have ended, joined
@@ -37,16 +36,16 @@ public:
     Compiler(std::wstring_view pattern, bool ignoresCase) : m_scanner(pattern), m_ignoresCase(ignoresCase) {}
 
     RegexProgram Compile() {
-        Open(Token::GroupBegin);
+        Open(RegexToken::GroupBegin);
         for (;;) {
             if (CompileTerm()) continue;
             EndBranch();
-            if (Take(Token::Bar)) continue;
+            if (Take(RegexToken::Bar)) continue;
             if (m_open.size() == 1) break;
-            if (!Take(Token::GroupEnd)) FailRegex(error_paren);
+            if (!Take(RegexToken::GroupEnd)) FailRegex(error_paren);
             CloseGroup();
         }
-        if (m_scanner.Token() != Token::End) FailRegex(error_paren);
+        if (m_scanner.Token() != RegexToken::End) FailRegex(error_paren);
         Piece all = Closed(m_open.back());
         Append(all, InsertPiece({RegexOp::Accept}));
         Finish();
@@ -54,7 +53,7 @@ public:
     }
 
 private:
-    bool Take(Token token) {
+    bool Take(RegexToken token) {
         if (m_scanner.Token() != token) return false;
         m_scanner.Advance();
         return true;
@@ -89,22 +88,22 @@ private:
 
     /// False where no term begins.
     bool CompileTerm() {
-        const Token token = m_scanner.Token();
+        const RegexToken token = m_scanner.Token();
         switch (token) {
-            case Token::TextBegin: return CompileAssertion({RegexOp::TextBegin});
-            case Token::TextEnd: return CompileAssertion({RegexOp::TextEnd});
-            case Token::WordBorder: return CompileAssertion({RegexOp::WordBorder});
-            case Token::NoWordBorder: return CompileAssertion({RegexOp::WordBorder, true});
-            case Token::Any: return CompileAtom({RegexOp::Any}, false);
-            case Token::Unit: return CompileAtom(UnitState(m_scanner.Unit()), false);
-            case Token::LetterClass: return CompileLetterClass(m_scanner.Unit());
-            case Token::BackReference: return CompileBackReference(static_cast<uint32_t>(m_scanner.Number()));
-            case Token::ClassBegin:
-            case Token::NegatedClassBegin: return CompileClass(token == Token::NegatedClassBegin);
-            case Token::GroupBegin:
-            case Token::PlainGroupBegin:
-            case Token::LookaheadBegin:
-            case Token::NegativeLookaheadBegin:
+            case RegexToken::TextBegin: return CompileAssertion({RegexOp::TextBegin});
+            case RegexToken::TextEnd: return CompileAssertion({RegexOp::TextEnd});
+            case RegexToken::WordBorder: return CompileAssertion({RegexOp::WordBorder});
+            case RegexToken::NoWordBorder: return CompileAssertion({RegexOp::WordBorder, true});
+            case RegexToken::Any: return CompileAtom({RegexOp::Any}, false);
+            case RegexToken::Unit: return CompileAtom(UnitState(m_scanner.Unit()), false);
+            case RegexToken::LetterClass: return CompileLetterClass(m_scanner.Unit());
+            case RegexToken::BackReference: return CompileBackReference(static_cast<uint32_t>(m_scanner.Number()));
+            case RegexToken::ClassBegin:
+            case RegexToken::NegatedClassBegin: return CompileClass(token == RegexToken::NegatedClassBegin);
+            case RegexToken::GroupBegin:
+            case RegexToken::PlainGroupBegin:
+            case RegexToken::LookaheadBegin:
+            case RegexToken::NegativeLookaheadBegin:
                 m_scanner.Advance();
                 Open(token);
                 return true;
@@ -152,12 +151,12 @@ private:
         return true;
     }
 
-    void Open(Token kind) {
+    void Open(RegexToken kind) {
         OpenGroup group = {.kind = kind, .number = m_program.groups};
-        if (kind == Token::GroupBegin) {
+        if (kind == RegexToken::GroupBegin) {
             group.begin = InsertPiece({.op = RegexOp::GroupBegin, .index = m_program.groups++});
             m_isOpen.push_back(true);
-        } else if (kind == Token::PlainGroupBegin) {
+        } else if (kind == RegexToken::PlainGroupBegin) {
             group.begin = InsertPiece({});
         }
         m_open.push_back(group);
@@ -188,14 +187,14 @@ private:
 
     Piece Closed(const OpenGroup& group) {
         Piece content = *group.branches;
-        if (group.kind == Token::LookaheadBegin || group.kind == Token::NegativeLookaheadBegin) {
+        if (group.kind == RegexToken::LookaheadBegin || group.kind == RegexToken::NegativeLookaheadBegin) {
             Append(content, InsertPiece({RegexOp::Accept}));
-            const bool isNegative = group.kind == Token::NegativeLookaheadBegin;
+            const bool isNegative = group.kind == RegexToken::NegativeLookaheadBegin;
             return InsertPiece({.op = RegexOp::Lookahead, .isSpecial = isNegative, .other = content.start});
         }
         Piece piece = group.begin;
         Append(piece, content);
-        if (group.kind == Token::GroupBegin) {
+        if (group.kind == RegexToken::GroupBegin) {
             m_isOpen[group.number] = false;
             Append(piece, InsertPiece({.op = RegexOp::GroupEnd, .index = group.number}));
         }
@@ -204,13 +203,13 @@ private:
 
     Piece Quantified(Piece piece) {
         for (;;) {
-            if (Take(Token::Star))
+            if (Take(RegexToken::Star))
                 piece = Star(piece);
-            else if (Take(Token::Plus))
+            else if (Take(RegexToken::Plus))
                 piece = Plus(piece);
-            else if (Take(Token::Question))
+            else if (Take(RegexToken::Question))
                 piece = Optional(piece);
-            else if (Take(Token::CountBegin))
+            else if (Take(RegexToken::CountBegin))
                 piece = Counted(piece);
             else
                 return piece;
@@ -226,14 +225,14 @@ private:
     }
 
     Piece Star(Piece piece) {
-        const bool isLazy = Take(Token::Question);
+        const bool isLazy = Take(RegexToken::Question);
         const Piece repeat = InsertPiece(RepeatOf(piece, isLazy));
         Append(piece, repeat);
         return repeat;
     }
 
     Piece Plus(Piece piece) {
-        const bool isLazy = Take(Token::Question);
+        const bool isLazy = Take(RegexToken::Question);
         const bool canBeEmpty = piece.canBeEmpty;
         Append(piece, InsertPiece(RepeatOf(piece, isLazy)));
         piece.canBeEmpty = canBeEmpty;
@@ -241,7 +240,7 @@ private:
     }
 
     Piece Optional(Piece piece) {
-        const bool isLazy = Take(Token::Question);
+        const bool isLazy = Take(RegexToken::Question);
         const Piece end = InsertPiece({});
         Piece repeat = InsertPiece(RepeatOf(piece, isLazy));
         Append(piece, end);
@@ -256,17 +255,17 @@ private:
     }
 
     Piece Counted(const Piece& piece) {
-        if (m_scanner.Token() != Token::Number) FailRegex(error_badbrace);
+        if (m_scanner.Token() != RegexToken::Number) FailRegex(error_badbrace);
         const int64_t least = TakeNumber();
         Piece all = InsertPiece({});
         bool isEndless = false;
         int64_t more = 0;
-        if (Take(Token::Comma)) {
-            isEndless = m_scanner.Token() != Token::Number;
+        if (Take(RegexToken::Comma)) {
+            isEndless = m_scanner.Token() != RegexToken::Number;
             if (!isEndless) more = TakeNumber() - least;
         }
-        if (!Take(Token::CountEnd)) FailRegex(error_brace);
-        const bool isLazy = Take(Token::Question);
+        if (!Take(RegexToken::CountEnd)) FailRegex(error_brace);
+        const bool isLazy = Take(RegexToken::Question);
         for (int64_t at = 0; at < least; ++at) Append(all, Copy(piece));
         if (isEndless)
             AppendEndless(all, piece, isLazy);

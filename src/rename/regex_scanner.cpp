@@ -9,7 +9,6 @@ namespace BatchRename {
 namespace {
 
 using namespace std::regex_constants;
-using Token = RegexToken;
 
 bool IsDigit(wchar_t unit) {
     return RegexLocale().is(std::ctype_base::digit, unit);
@@ -25,7 +24,7 @@ int RegexDigitValue(wchar_t unit) {
 
 void RegexScanner::Advance() {
     if (IsAtEnd()) {
-        m_token = Token::End;
+        m_token = RegexToken::End;
         return;
     }
     switch (m_state) {
@@ -47,7 +46,7 @@ wchar_t RegexScanner::Take(error_type otherwise) {
 }
 
 void RegexScanner::SetUnit(wchar_t unit) {
-    m_token = Token::Unit;
+    m_token = RegexToken::Unit;
     m_unit = unit;
 }
 
@@ -56,46 +55,46 @@ void RegexScanner::ScanNormal() {
     switch (unit) {
         case L'\\': return ScanEscape();
         case L'(': return ScanGroupBegin();
-        case L')': m_token = Token::GroupEnd; return;
+        case L')': m_token = RegexToken::GroupEnd; return;
         case L'[': return ScanClassBegin();
         case L'{':
-            m_token = Token::CountBegin;
+            m_token = RegexToken::CountBegin;
             m_state = State::InCount;
             return;
-        case L'^': m_token = Token::TextBegin; return;
-        case L'$': m_token = Token::TextEnd; return;
-        case L'.': m_token = Token::Any; return;
-        case L'*': m_token = Token::Star; return;
-        case L'+': m_token = Token::Plus; return;
-        case L'?': m_token = Token::Question; return;
-        case L'|': m_token = Token::Bar; return;
+        case L'^': m_token = RegexToken::TextBegin; return;
+        case L'$': m_token = RegexToken::TextEnd; return;
+        case L'.': m_token = RegexToken::Any; return;
+        case L'*': m_token = RegexToken::Star; return;
+        case L'+': m_token = RegexToken::Plus; return;
+        case L'?': m_token = RegexToken::Question; return;
+        case L'|': m_token = RegexToken::Bar; return;
         default: return SetUnit(unit);
     }
 }
 
 void RegexScanner::ScanGroupBegin() {
-    m_token = Token::GroupBegin;
+    m_token = RegexToken::GroupBegin;
     if (!TakeIf(L'?')) return;
     switch (Take(error_paren)) {
-        case L':': m_token = Token::PlainGroupBegin; return;
-        case L'=': m_token = Token::LookaheadBegin; return;
-        case L'!': m_token = Token::NegativeLookaheadBegin; return;
+        case L':': m_token = RegexToken::PlainGroupBegin; return;
+        case L'=': m_token = RegexToken::LookaheadBegin; return;
+        case L'!': m_token = RegexToken::NegativeLookaheadBegin; return;
         default: FailRegex(error_paren);
     }
 }
 
 void RegexScanner::ScanClassBegin() {
     m_state = State::InClass;
-    m_token = TakeIf(L'^') ? Token::NegatedClassBegin : Token::ClassBegin;
+    m_token = TakeIf(L'^') ? RegexToken::NegatedClassBegin : RegexToken::ClassBegin;
 }
 
 void RegexScanner::ScanInClass() {
     const wchar_t unit = m_pattern[m_at++];
     switch (unit) {
-        case L'-': m_token = Token::Dash; return;
+        case L'-': m_token = RegexToken::Dash; return;
         case L'[': return ScanInBracket();
         case L']':
-            m_token = Token::ClassEnd;
+            m_token = RegexToken::ClassEnd;
             m_state = State::Normal;
             return;
         case L'\\': return ScanEscape();
@@ -106,9 +105,9 @@ void RegexScanner::ScanInClass() {
 void RegexScanner::ScanInBracket() {
     if (IsAtEnd()) FailRegex(error_brack);
     switch (m_pattern[m_at]) {
-        case L'.': return ScanName(Token::Collating, error_collate);
-        case L':': return ScanName(Token::ClassName, error_ctype);
-        case L'=': return ScanName(Token::Equivalence, error_collate);
+        case L'.': return ScanName(RegexToken::Collating, error_collate);
+        case L':': return ScanName(RegexToken::ClassName, error_ctype);
+        case L'=': return ScanName(RegexToken::Equivalence, error_collate);
         default: return SetUnit(L'[');
     }
 }
@@ -125,9 +124,9 @@ void RegexScanner::ScanName(RegexToken token, error_type otherwise) {
 
 void RegexScanner::ScanInCount() {
     const wchar_t unit = m_pattern[m_at++];
-    if (IsDigit(unit)) return ScanNumber(Token::Number);
+    if (IsDigit(unit)) return ScanNumber(RegexToken::Number);
     if (unit != L',' && unit != L'}') FailRegex(error_badbrace);
-    m_token = unit == L',' ? Token::Comma : Token::CountEnd;
+    m_token = unit == L',' ? RegexToken::Comma : RegexToken::CountEnd;
     if (unit == L'}') m_state = State::Normal;
 }
 
@@ -142,22 +141,22 @@ void RegexScanner::ScanEscape() {
         case L'v': return SetUnit(L'\v');
         case L'b':
             if (m_state == State::InClass) return SetUnit(L'\b');
-            m_token = Token::WordBorder;
+            m_token = RegexToken::WordBorder;
             return;
-        case L'B': m_token = Token::NoWordBorder; return;
+        case L'B': m_token = RegexToken::NoWordBorder; return;
         case L'd':
         case L'D':
         case L's':
         case L'S':
         case L'w':
         case L'W':
-            m_token = Token::LetterClass;
+            m_token = RegexToken::LetterClass;
             m_unit = unit;
             return;
         case L'c': return SetUnit(Take(error_escape));
         case L'x': return ScanHex(2);
         case L'u': return ScanHex(4);
-        default: return IsDigit(unit) ? ScanNumber(Token::BackReference) : SetUnit(unit);
+        default: return IsDigit(unit) ? ScanNumber(RegexToken::BackReference) : SetUnit(unit);
     }
 }
 

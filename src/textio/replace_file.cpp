@@ -87,8 +87,7 @@ void FileReplacement::LookAtTarget() {
     if (!m_original || !(WantsBackup() || StaysWhenNotMoved())) {
         const DWORD access = READ_CONTROL | (WantsBackup() ? FILE_READ_ATTRIBUTES : GENERIC_WRITE);
         const Win32::FileHandle file(CreateFileW(Win32::ExtendedPath(m_request.target).c_str(), access,
-                                                 FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                                 OPEN_EXISTING, 0, nullptr));
+                                                 Win32::kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
         if (!file) throw QVUtilsException(GetLastError(), kCannotOpen);
         Win32::FileStamp stamp;
         if (!m_original) ThrowIfFailed(Win32::GetStamp(file.Get(), stamp), kUnreadable);

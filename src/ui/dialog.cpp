@@ -33,14 +33,10 @@ void ScaleByOurselves(HWND dialog) {
     if (const auto set = Win32::FindFunction<Function>(user, "SetDialogDpiChangeBehavior")) set(dialog, kAll, kAll);
 }
 
-SIZE SizeOf(const RECT& rect) {
-    return {rect.right - rect.left, rect.bottom - rect.top};
-}
-
-SIZE SizeOf(HWND window) {
+SIZE SizeOfWindow(HWND window) {
     RECT rect = {};
     GetWindowRect(window, &rect);
-    return SizeOf(rect);
+    return Win32::SizeOf(rect);
 }
 
 /// The system cuts a dialog that is larger than the screen: what its controls need would not be known.
@@ -52,7 +48,7 @@ void GiveWholeSize(HWND dialog, const DLGTEMPLATE* layout) {
     MapDialogRect(dialog, &wanted);
     RECT client = {};
     GetClientRect(dialog, &client);
-    const SIZE window = SizeOf(dialog);
+    const SIZE window = SizeOfWindow(dialog);
     SetWindowPos(dialog, nullptr, 0, 0, window.cx + std::max(0L, wanted.right - client.right),
                  window.cy + std::max(0L, wanted.bottom - client.bottom), SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
@@ -240,7 +236,7 @@ void Dialog::ShrinkToScreen() {
     GetWindowRect(m_window, &rect);
     RECT client = {};
     GetClientRect(m_window, &client);
-    const SIZE screen = SizeOf(Win32::WorkAreaNear(rect));
+    const SIZE screen = Win32::SizeOf(Win32::WorkAreaNear(rect));
     const SIZE frame = {rect.right - rect.left - client.right, rect.bottom - rect.top - client.bottom};
     const double share = std::min({1.0, static_cast<double>(screen.cx - frame.cx) / client.right,
                                    static_cast<double>(screen.cy - frame.cy) / client.bottom});
@@ -275,13 +271,13 @@ void Dialog::Place() {
     const RECT fitted = Win32::FitInto(rect, Win32::WorkAreaNear(rect));
     SetWindowPos(m_window, nullptr, fitted.left, fitted.top, fitted.right - fitted.left, fitted.bottom - fitted.top,
                  SWP_NOZORDER | SWP_NOACTIVATE);
-    m_placed = SizeOf(m_window);
+    m_placed = SizeOfWindow(m_window);
 }
 
 void Dialog::KeepSize() const noexcept {
     if (!m_host.settings || !m_host.page || !(GetWindowLongPtrW(m_window, GWL_STYLE) & WS_THICKFRAME)) return;
     // Only what the user has chosen: a size that was cut to a small screen would be kept for large ones.
-    const SIZE size = SizeOf(m_window);
+    const SIZE size = SizeOfWindow(m_window);
     if (size.cx == m_placed.cx && size.cy == m_placed.cy) return;
     // Guarded, since a dialog that cannot keep its size must close all the same.
     Quorvane::SDK::AtBoundary(false, [&] {

@@ -14,10 +14,6 @@ namespace {
 constexpr int kLeastShare = 70;  // percent of its width that a control keeps where the window is too narrow
 constexpr int kLine = 24;        // pixels at 96 to the inch that an arrow of a scroll bar stands for
 
-SIZE SizeOf(const RECT& rect) {
-    return {rect.right - rect.left, rect.bottom - rect.top};
-}
-
 RECT RectIn(HWND dialog, HWND control) {
     RECT rect = {};
     GetWindowRect(control, &rect);
@@ -78,9 +74,9 @@ void Resizing::Start(HWND dialog, std::span<const Anchor> anchors, std::span<con
     m_font.Reset();
     RECT rect = {};
     GetWindowRect(dialog, &rect);
-    m_window = SizeOf(rect);
+    m_window = Win32::SizeOf(rect);
     GetClientRect(dialog, &rect);
-    m_client = SizeOf(rect);
+    m_client = Win32::SizeOf(rect);
     GetObjectW(reinterpret_cast<HFONT>(SendMessageW(dialog, WM_GETFONT, 0, 0)), sizeof(m_startFont), &m_startFont);
     m_places.clear();
     for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
@@ -114,7 +110,7 @@ int Resizing::SpareWidth() const {
         const Anchor& anchor = place.anchor;
         if (place.isInColumn) continue;
         if (anchor.left == 0 && anchor.right == 100)
-            spare = std::min(spare, SizeOf(place.rect).cx * (100 - kLeastShare) / 100);
+            spare = std::min(spare, Win32::SizeOf(place.rect).cx * (100 - kLeastShare) / 100);
         if (anchor.right == 0) fixed = std::max(fixed, place.rect.right);
     }
     return std::clamp(WidthBesideColumn() - Scaled(fixed) - GapOfButtons(), 0, Scaled(spare));
@@ -129,7 +125,7 @@ Resizing::Content Resizing::ContentFor(int width) const {
     int bottom = gap;
     for (const Place& place : m_places) {
         if (!place.isInColumn) continue;
-        const SIZE size = SizeOf(place.rect);
+        const SIZE size = Win32::SizeOf(place.rect);
         if (x > gap && x + Scaled(size.cx) + gap > std::max<int>(width, content.size.cx)) {
             x = gap;
             content.rowHeight = bottom;
@@ -206,7 +202,7 @@ void Resizing::Arrange() {
     for (const Place& place : m_places) {
         RECT rect = RectOf(place, content, size);
         if (place.isInColumn && content.rowHeight > 0) {
-            const SIZE button = {Scaled(SizeOf(place.rect).cx), Scaled(SizeOf(place.rect).cy)};
+            const SIZE button = {Scaled(Win32::SizeOf(place.rect).cx), Scaled(Win32::SizeOf(place.rect).cy)};
             if (next.x > gap - m_scroll.x && next.x + m_scroll.x + button.cx + gap > size.cx)
                 next = {gap - m_scroll.x, next.y + button.cy + gap};
             rect = {next.x, next.y, next.x + button.cx, next.y + button.cy};
@@ -228,7 +224,7 @@ void Resizing::LimitSize(MINMAXINFO& limits) const noexcept {
     if (m_places.empty()) return;
     RECT rect = {};
     GetWindowRect(m_dialog, &rect);
-    const SIZE screen = SizeOf(Win32::WorkAreaNear(rect));
+    const SIZE screen = Win32::SizeOf(Win32::WorkAreaNear(rect));
     limits.ptMinTrackSize = {std::min<LONG>(Scaled(m_window.cx), screen.cx),
                              std::min<LONG>(Scaled(m_window.cy), screen.cy)};
 }

@@ -53,9 +53,8 @@ struct FileIdentity {
 };
 
 std::optional<FileIdentity> IdentityOf(const std::wstring& path) {
-    const FileHandle file(CreateFileW(ExtendedPath(path).c_str(), FILE_READ_ATTRIBUTES,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                                      FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    const FileHandle file(CreateFileW(ExtendedPath(path).c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr,
+                                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     BY_HANDLE_FILE_INFORMATION information = {};
     if (!file || !GetFileInformationByHandle(file.Get(), &information)) return std::nullopt;
     return FileIdentity{information.dwVolumeSerialNumber, information.nFileIndexHigh, information.nFileIndexLow};
@@ -80,8 +79,7 @@ uint64_t IndexOf(HANDLE file) {
 
 /// Where the path leads, with every link on its way followed; "" when that is not known.
 std::wstring FinalPath(const std::wstring& path) {
-    const FileHandle file(CreateFileW(ExtendedPath(path).c_str(), 0,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+    const FileHandle file(CreateFileW(ExtendedPath(path).c_str(), 0, kShareAll, nullptr, OPEN_EXISTING,
                                       FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     if (!file) return {};
     std::wstring final(MAX_PATH, L'\0');

@@ -13,8 +13,6 @@
 namespace Win32 {
 namespace {
 
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
 /// What the system tells of an entry, for as long as the next one is not read.
 struct SeenEntry {
     std::wstring_view name;

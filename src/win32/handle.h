@@ -52,6 +52,8 @@ struct FileTraits {
 };
 using FileHandle = UniqueHandle<FileTraits>;
 
+inline constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
 /// A search of a folder, or of a file's streams.
 struct FindTraits {
     using Raw = HANDLE;

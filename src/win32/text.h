@@ -88,5 +88,7 @@ std::string ToUtf8(std::wstring_view text);
 std::optional<std::wstring> FromUtf8(std::string_view bytes);
 /// The same into a text that serves again for many; false when they are not.
 bool FromUtf8(std::string_view bytes, std::wstring& text);
+/// For names and messages of programs and libraries: empty when they are not valid UTF-8.
+std::wstring Wide(std::string_view bytes);
 
 }  // namespace Win32

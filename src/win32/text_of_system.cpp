@@ -67,4 +67,8 @@ std::optional<std::wstring> FromUtf8(std::string_view bytes) {
     return FromUtf8(bytes, text) ? std::optional(std::move(text)) : std::nullopt;
 }
 
+std::wstring Wide(std::string_view bytes) {
+    return FromUtf8(bytes).value_or(std::wstring());
+}
+
 }  // namespace Win32

@@ -35,6 +35,10 @@ constexpr int Rescaled(int length, UINT from, UINT to) {
     return static_cast<int>((product + (product < 0 ? -int64_t{from} : int64_t{from}) / 2) / from);
 }
 
+constexpr SIZE SizeOf(const RECT& rect) {
+    return {rect.right - rect.left, rect.bottom - rect.top};
+}
+
 /// Moves and cuts a rectangle so that it lies within an area.
 RECT FitInto(RECT rect, const RECT& area);
 

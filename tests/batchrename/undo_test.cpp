@@ -13,14 +13,14 @@ namespace {
 using namespace BatchRename;
 using namespace QVTest;
 
-constexpr CalendarTime kTime = {2016, 3, 1, 7, 14, 29, 5, 0};
+constexpr CalendarTime kSessionTime = {2016, 3, 1, 7, 14, 29, 5, 0};
 constexpr wchar_t kText[] =
     L"[INFO]\r\nDate : 1457360945\r\nItems : 2\r\nHaveRestored : 0\r\n\r\n[FILES]\r\n"
     L"C:\\d|old 1|new 1\r\nC:\\d|\xD83D\xDE00|b\r\n";
 
 BatchRenameUndo Sample() {
     BatchRenameUndo session;
-    session.time = kTime;
+    session.time = kSessionTime;
     session.entries = {{L"C:\\d", L"new 1", L"old 1", {}, {}}, {L"C:\\d", L"b", L"\xD83D\xDE00", {}, {}}};
     return session;
 }

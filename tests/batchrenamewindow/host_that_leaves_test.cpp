@@ -247,10 +247,6 @@ TEST(FaultsOfTheHost, AreBorneByTheWindow) {
     host.Delete();
 }
 
-void WINAPI PauseShortly(DWORD milliseconds) {
-    Sleep(milliseconds / 10);
-}
-
 TEST(FaultsOfTheHost, AreBorneWhileTheWindowComesAndGoes) {
     HostThatLeaves host("", [] {});
     const ReplacedImport hurried(host.Library(), "Sleep", reinterpret_cast<void*>(PauseShortly));

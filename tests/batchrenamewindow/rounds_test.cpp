@@ -56,10 +56,6 @@ Held HeldNow() {
     return held;
 }
 
-void WINAPI PauseShortly(DWORD milliseconds) {
-    Sleep(milliseconds / 10);
-}
-
 /// Returns how often the library was loaded.
 size_t RunEveryCommand() {
     for (const WritingCommand& command : WritingCommands()) {

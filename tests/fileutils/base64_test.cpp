@@ -16,7 +16,7 @@ using namespace FileUtils;
 using namespace QVTest;
 
 /// Bytes without a pattern that repeats with the groups.
-std::string Bytes(size_t size) {
+std::string BytesOf(size_t size) {
     std::string bytes;
     uint32_t state = 1;
     while (bytes.size() < size) {
@@ -35,7 +35,7 @@ constexpr char kHeader[] =
 
 TEST(CBase64, GivesBackWhatWasEncodedWhereverTheBlocksAreCut) {
     for (size_t size = 0; size <= 200; ++size)
-        for (const int blockSize : {0, 1, 2, 3, 4, 75, 99}) RunTarget(QVFuzz::RunBase64, {blockSize}, Bytes(size));
+        for (const int blockSize : {0, 1, 2, 3, 4, 75, 99}) RunTarget(QVFuzz::RunBase64, {blockSize}, BytesOf(size));
 }
 
 TEST(MimeHeader, GivesItsEndAndTheNameOfItsSecondLine) {
@@ -62,7 +62,7 @@ TEST(Base64Command, WritesTheseBytesAndReadsThemBack) {
     const CommandRunner runner;
     for (const size_t size :
          {0, 1, 56, 57, 58, 75, 76, 3071, 3072, 3073, 3102, 3128, 3129, 4096, 6144, 3072 * 64 + 40}) {
-        const std::string bytes = Bytes(size);
+        const std::string bytes = BytesOf(size);
         const std::wstring path = runner.Write(L"a.bin", bytes);
         const auto says = [&](const wchar_t* id, const std::wstring& file, const std::string& said) {
             const std::string out = runner.Run({L"command", id, file}, {L"yes"}).out;

@@ -13,7 +13,7 @@ namespace {
 
 using namespace QVTest;
 
-constexpr wchar_t kTitle[] = L"Create links";
+constexpr wchar_t kLinksTitle[] = L"Create links";
 
 /// What the dialog says once it has looked at the links.
 testing::AssertionResult Says(const DrivenDialog& dialog, const std::wstring& reason) {
@@ -75,7 +75,7 @@ TEST(CreateLinksCommand, MakesOneLinkForEachTarget) {
     const std::wstring first = runner.Write(L"a.txt", "1");
     const std::wstring second = runner.Write(L"b", "2");
     const HostRun run = runner.RunDriven({L"command", L"30350", first, second}, [](DialogDriver& driver) {
-        const DrivenDialog dialog = driver.WaitFor(kTitle);
+        const DrivenDialog dialog = driver.WaitFor(kLinksTitle);
         EXPECT_FALSE(dialog.IsEnabled(IDC_LINK_AS_ADMIN));
         EXPECT_EQ(dialog.Selected(IDC_LINK_KIND), 0);
         EXPECT_EQ(dialog.Text(IDC_LINK_NAME), L"a - link.txt");
@@ -121,7 +121,7 @@ TEST(CreateLinksDlg, AsksAboutALinkOnlyWhenItIsAnotherAndNotOnItsThread) {
         for (int time = 0; time < 2; ++time) open.Press(IDC_LINK_PICK_FOLDER);
         open.PressAndClose(IDOK);
     };
-    WhileShown(kTitle, person, [&] { request = dialog.Show(nullptr); });
+    WhileShown(kLinksTitle, person, [&] { request = dialog.Show(nullptr); });
     ASSERT_TRUE(request);
     EXPECT_EQ(request->links.front(), L"C:\\u\\\u00C4 - link");
     EXPECT_EQ(request->links.back(), L"C:\\u\\19999");
@@ -148,7 +148,7 @@ TEST(CreateLinksDlg, WaitsForNoCheckThatIsVoidAndShowsNothingOfIt) {
         EXPECT_TRUE(Says(open, L"bad"));
         open.PressAndClose(IDCANCEL);
     };
-    WhileShown(kTitle, person, [&] { EXPECT_FALSE(dialog.Show(nullptr)); });
+    WhileShown(kLinksTitle, person, [&] { EXPECT_FALSE(dialog.Show(nullptr)); });
 }
 
 TEST(CreateLinksCommand, SaysHowManyLinksFailedAlsoAsAdministrator) {
@@ -156,7 +156,7 @@ TEST(CreateLinksCommand, SaysHowManyLinksFailedAlsoAsAdministrator) {
     // Here no junction can be made.
     const Words words = {L"command", L"30350", runner.MakeFolder(L"sub"), L"--can-elevate"};
     const HostRun run = runner.RunDriven(words, [](DialogDriver& driver) {
-        const DrivenDialog dialog = driver.WaitFor(kTitle);
+        const DrivenDialog dialog = driver.WaitFor(kLinksTitle);
         EXPECT_TRUE(Says(dialog, L""));
         dialog.Check(IDC_LINK_AS_ADMIN, true);
         dialog.PressAndClose(IDOK);

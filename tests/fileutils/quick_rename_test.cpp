@@ -72,7 +72,7 @@ TEST(RenameCommands, RenameTheSelectionAfterOneQuestion) {
 using FileUtils::NamePart;
 using FileUtils::WithTextReplaced;
 
-constexpr wchar_t kTitle[] = L"Replace text in names";
+constexpr wchar_t kNamesTitle[] = L"Replace text in names";
 
 TEST(ReplaceInNames, MakesTheseNames) {
     const std::tuple<FileUtils::NameReplacement, const wchar_t*, const wchar_t*, const wchar_t*> cases[] = {
@@ -92,7 +92,7 @@ TEST(ReplaceInNames, ShowsTheNewNamesAndRenames) {
     const CommandRunner runner;
     const Words words = {L"command", L"30010", runner.Write(L"old one.txt", "1"), runner.Write(L"two.old", "2")};
     const HostRun run = runner.RunDriven(words, [](DialogDriver& driver) {
-        const DrivenDialog dialog = driver.WaitFor(kTitle);
+        const DrivenDialog dialog = driver.WaitFor(kNamesTitle);
         EXPECT_FALSE(dialog.IsEnabled(IDOK));
         dialog.Enter(IDC_NAME_FIND, L"OLD");
         EXPECT_EQ(dialog.Text(IDC_REASON), L"No name holds this text.");

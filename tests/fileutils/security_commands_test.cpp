@@ -25,7 +25,7 @@ using QVHost::Bytes;
 using namespace QVTest;
 namespace SDK = Quorvane::SDK;
 
-constexpr wchar_t kTitle[] = L"Add File Access";
+constexpr wchar_t kGrantTitle[] = L"Add File Access";
 constexpr uint32_t kMalformed = ERROR_INVALID_PARAMETER;
 
 /// Numbers and texts as a request holds them.
@@ -197,7 +197,7 @@ TEST(GrantAndResetAccess, ChangeTheItemsBeforeTheOneThatFailsAndAskBeforeTheyTak
         ASSERT_FALSE(IsOpenToAll(AccessListOf(first).data()));
         const HostRun granted =
             runner.RunDriven(Joined({L"command", L"30311", first, second, third}, more), [](DialogDriver& driver) {
-                const DrivenDialog dialog = driver.WaitFor(kTitle);
+                const DrivenDialog dialog = driver.WaitFor(kGrantTitle);
                 EXPECT_EQ(dialog.Text(IDC_ACCESS_ACCOUNT), Security::CurrentAccountName());
                 EXPECT_EQ(dialog.Selected(IDC_ACCESS_RIGHTS), 0);
                 dialog.Enter(IDC_ACCESS_ACCOUNT, L"no such account");

@@ -6,9 +6,9 @@ namespace {
 
 using FileUtils::SortForm;
 using QVLineSorter::SortRequest;
-namespace Option = QVLineSorter::SortOption;
+namespace SortOption = QVLineSorter::SortOption;
 
-constexpr uint32_t kPlain = Option::EntireLine | Option::AsText | Option::KeepBackup;
+constexpr uint32_t kPlain = SortOption::EntireLine | SortOption::AsText | SortOption::KeepBackup;
 
 SortForm FormWith(uint32_t options) {
     SortRequest request;
@@ -17,19 +17,19 @@ SortForm FormWith(uint32_t options) {
 }
 
 TEST(SortForm, ShowsPositionsCountedFromOneAndFillsWhatIsMissing) {
-    const SortForm form =
-        FileUtils::FormOf({2, 0, 0xFFFFFFFF, 0, L'\t', L"", Option::Item | Option::Silent | Option::Overwrite, 0, L""});
+    const SortForm form = FileUtils::FormOf(
+        {2, 0, 0xFFFFFFFF, 0, L'\t', L"", SortOption::Item | SortOption::Silent | SortOption::Overwrite, 0, L""});
     EXPECT_EQ(form.linePosition, L"4294967296");
     EXPECT_EQ(form.keepTop, L"2");
     EXPECT_EQ(form.itemSeparator, L"\\t");
     EXPECT_EQ(form.endCharacter, L"");
-    EXPECT_EQ(form.options, Option::Item | Option::AsText | Option::KeepBackup);
+    EXPECT_EQ(form.options, SortOption::Item | SortOption::AsText | SortOption::KeepBackup);
     EXPECT_EQ(FormWith(0).options, kPlain);
 }
 
 TEST(SortForm, SaysWhatCannotBeUsed) {
-    const uint32_t item = Option::Item | Option::AsText | Option::KeepBackup;
-    const uint32_t substring = Option::Substring | Option::AsText | Option::KeepBackup;
+    const uint32_t item = SortOption::Item | SortOption::AsText | SortOption::KeepBackup;
+    const uint32_t substring = SortOption::Substring | SortOption::AsText | SortOption::KeepBackup;
     const struct {
         const char* why;
         uint32_t options;
@@ -45,10 +45,10 @@ TEST(SortForm, SaysWhatCannotBeUsed) {
         {"two characters", substring, &SortForm::endCharacter, L"ab", L"End character is one character"},
         {"no separator", item, &SortForm::itemSeparator, L"", L"Item Separator is one character"},
         {"items count from 1", item, &SortForm::itemNumber, L"0", L"Item is a number of 1 or more"},
-        {"no name", kPlain | Option::SaveAs, &SortForm::saveAsName, L"", L"Save as needs"},
-        {"no format", kPlain | Option::AsDate, &SortForm::dateFormat, L"", L"Dates need a format"},
-        {"a bad format", kPlain | Option::AsDate, &SortForm::dateFormat, L"%Z", L"The date format uses %Z"},
-        {"a number key that is too long", substring | Option::AsNumber, &SortForm::substringLength, L"64",
+        {"no name", kPlain | SortOption::SaveAs, &SortForm::saveAsName, L"", L"Save as needs"},
+        {"no format", kPlain | SortOption::AsDate, &SortForm::dateFormat, L"", L"Dates need a format"},
+        {"a bad format", kPlain | SortOption::AsDate, &SortForm::dateFormat, L"%Z", L"The date format uses %Z"},
+        {"a number key that is too long", substring | SortOption::AsNumber, &SortForm::substringLength, L"64",
          L"Substring lenght is above 63"},
     };
     for (const auto& c : cases) {
@@ -65,7 +65,8 @@ TEST(SortForm, SaysWhatCannotBeUsed) {
 }
 
 TEST(SortForm, KeepsWhatTheChoicesDoNotUseAndLetsALengthEndTheNumbersOfItems) {
-    SortRequest before = {0, 0, 0, 64, L';', L"%Y", Option::Item | Option::AsNumber | Option::KeepBackup, 3, L""};
+    SortRequest before = {0, 0,  0, 64, L';', L"%Y", SortOption::Item | SortOption::AsNumber | SortOption::KeepBackup,
+                          3, L""};
     SortForm form = FileUtils::FormOf(before);
     EXPECT_NE(FileUtils::RequestOf(form, before).fault, L"");
     form.substringLength = L"3";
@@ -74,9 +75,10 @@ TEST(SortForm, KeepsWhatTheChoicesDoNotUseAndLetsALengthEndTheNumbersOfItems) {
     form.substringLength = L"0";
     EXPECT_EQ(FileUtils::RequestOf(form, before).hint, L"");
 
-    const uint32_t both = Option::NaturalNumbers | Option::IgnoreCase;  // of use without a language's order only
-    form.options = kPlain | both | Option::LanguageOrder;
-    EXPECT_EQ(FileUtils::RequestOf(form, before).request.options, kPlain | Option::LanguageOrder);
+    const uint32_t both =
+        SortOption::NaturalNumbers | SortOption::IgnoreCase;  // of use without a language's order only
+    form.options = kPlain | both | SortOption::LanguageOrder;
+    EXPECT_EQ(FileUtils::RequestOf(form, before).request.options, kPlain | SortOption::LanguageOrder);
     form.options = before.options = kPlain | both;
     EXPECT_EQ(FileUtils::RequestOf(form, before).request, before);
 }

@@ -10,7 +10,7 @@ namespace {
 
 using QVLineSorter::SortRequest;
 using namespace QVTest;
-namespace Option = QVLineSorter::SortOption;
+namespace SortOption = QVLineSorter::SortOption;
 
 std::optional<SortRequest> Show(const SortRequest& first,
                                 const std::function<void(DialogDriver&, const DrivenDialog&)>& person) {
@@ -21,9 +21,10 @@ std::optional<SortRequest> Show(const SortRequest& first,
 }
 
 TEST(SortLinesDlg, OpensWithTheRequestAndGivesItBack) {
-    const uint32_t options = Option::Substring | Option::AsDate | Option::DeleteBackup | Option::LanguageOrder |
-                             Option::Reverse | Option::RemoveDuplicates | Option::RemoveBlankLines |
-                             Option::SkipLeadingSpaces | Option::EndAtWhiteSpace | Option::EndAtCharacter;
+    const uint32_t options = SortOption::Substring | SortOption::AsDate | SortOption::DeleteBackup |
+                             SortOption::LanguageOrder | SortOption::Reverse | SortOption::RemoveDuplicates |
+                             SortOption::RemoveBlankLines | SortOption::SkipLeadingSpaces |
+                             SortOption::EndAtWhiteSpace | SortOption::EndAtCharacter;
     const SortRequest first = {1, 2, 3, 4, L',', L"%Y-%m-%d", options, 5, L""};
     const auto result = Show(first, [](DialogDriver&, const DrivenDialog& dialog) {
         EXPECT_EQ(dialog.Entries(IDC_TARGET), (std::vector<std::wstring>{L"427d", L"428d", L"429d"}));
@@ -72,8 +73,9 @@ TEST(SortLinesDlg, FillsARequestThatCanStart) {
         dialog.PressAndClose(IDOK);
     });
     ASSERT_TRUE(result);
-    const uint32_t options = Option::SaveAs | Option::AsNumber | Option::Item | Option::SkipLeadingSpaces |
-                             Option::Reverse | Option::RemoveBlankLines | Option::NaturalNumbers | Option::IgnoreCase;
+    const uint32_t options = SortOption::SaveAs | SortOption::AsNumber | SortOption::Item |
+                             SortOption::SkipLeadingSpaces | SortOption::Reverse | SortOption::RemoveBlankLines |
+                             SortOption::NaturalNumbers | SortOption::IgnoreCase;
     EXPECT_EQ(*result, (SortRequest{12, 0, 8, 0, L';', L"", options, 2, L"*_sorted.*"}));
 }
 

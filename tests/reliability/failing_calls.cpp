@@ -60,9 +60,9 @@ enum class Kind { True, Handle, Attributes, Code, Close, Write };
 
 /// A function of the system with its replacement. `Kind` says how its failure looks.
 template <Kind kind, auto* function>
-struct Call;
+struct ReplacedCall;
 template <Kind kind, class Result, class First, class... Rest, Result(WINAPI* function)(First, Rest...)>
-struct Call<kind, function> {
+struct ReplacedCall<kind, function> {
     static inline const char* name = "";
     static inline Result(WINAPI* real)(First, Rest...) = nullptr;
 
@@ -108,7 +108,7 @@ struct Row {
 /// `name` is looked up anew: `function` itself leads through this program's imports, which are replaced.
 template <Kind kind, auto* function>
 Row RowOf(const char* name) {
-    using Replaced = Call<kind, function>;
+    using Replaced = ReplacedCall<kind, function>;
     Replaced::name = name;
     for (const wchar_t* library : {L"kernel32.dll", L"advapi32.dll"}) {
         const auto address = reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(library), name));

@@ -42,4 +42,9 @@ struct ReplacedSlot : ReplacedFunction {
 /// "LIBRARY.dll" names that the module imports from.
 std::vector<const char*> ImportedLibraries(HMODULE module);
 
+/// In the place of Sleep: patience that a test has not.
+inline void WINAPI PauseShortly(DWORD milliseconds) {
+    Sleep(milliseconds / 10);
+}
+
 }  // namespace QVTest

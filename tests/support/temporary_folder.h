@@ -49,9 +49,8 @@ private:
 std::string Utf16(std::wstring_view text);
 
 inline Win32::FileState StateOf(const std::wstring& path) {
-    const Win32::FileHandle file(CreateFileW(path.c_str(), READ_CONTROL | FILE_READ_ATTRIBUTES,
-                                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                             OPEN_EXISTING, 0, nullptr));
+    const Win32::FileHandle file(CreateFileW(path.c_str(), READ_CONTROL | FILE_READ_ATTRIBUTES, Win32::kShareAll,
+                                             nullptr, OPEN_EXISTING, 0, nullptr));
     Win32::FileState state;
     EXPECT_EQ(Win32::GetState(file.Get(), path, state), 0u);
     EXPECT_EQ(Win32::GetStamp(file.Get(), state.stamp), 0u);

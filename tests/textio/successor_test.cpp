@@ -14,7 +14,7 @@ using namespace QVTest;
 
 namespace {
 
-void WriteNew(DataWriter& writer) {
+void WriteSuccessor(DataWriter& writer) {
     writer.Write("new", 3);
 }
 
@@ -147,13 +147,12 @@ TEST(Successor, HasTheRightsOfTheOriginalToTheLastBit) {
         Win32::FileState original = StateOf(path);
         if (random() % 4 == 0) original.attributes |= FILE_ATTRIBUTE_COMPRESSED;  // the system is asked first
         const auto look = [&](DataWriter& writer) {
-            WriteNew(writer);
+            WriteSuccessor(writer);
             const std::wstring beside = folder / folder.List().back();
             StateOf(beside);
             EXPECT_TRUE(HaveSameLists(RightsOf(beside), wanted));
-            const Win32::FileHandle intruder(CreateFileW(beside.c_str(), GENERIC_READ,
-                                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                                         nullptr, OPEN_EXISTING, 0, nullptr));
+            const Win32::FileHandle intruder(
+                CreateFileW(beside.c_str(), GENERIC_READ, Win32::kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
             EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
         };
         const ReplaceRequest request = {
@@ -228,7 +227,7 @@ TEST(Successor, OfAFileThatTheSystemReplacesIsMadeByHandWhereItRefuses) {
             g_compression = 0;
             const auto replace = Replace("ReplaceFileW", function);
             const auto control = Replace("DeviceIoControl", Control);
-            EXPECT_EQ(ErrorOf({path, false, keeps, !keeps}, WriteNew, original), error) << why;
+            EXPECT_EQ(ErrorOf({path, false, keeps, !keeps}, WriteSuccessor, original), error) << why;
             EXPECT_EQ(folder.ReadAll(), expected) << why;
             EXPECT_EQ(g_compression, function == Refuse ? COMPRESSION_FORMAT_DEFAULT : 0) << why;
         }
@@ -241,7 +240,7 @@ TEST(Successor, HasAttributesAndCreationTimeOfTheOriginal) {
     Win32::FileState original = StateOf(path);
     original.creationTime -= 10'000'000;
     original.attributes = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED | FILE_ATTRIBUTE_READONLY;
-    EXPECT_EQ(ErrorOf({path, false, true, false}, WriteNew, original), 0u);
+    EXPECT_EQ(ErrorOf({path, false, true, false}, WriteSuccessor, original), 0u);
     EXPECT_EQ(g_basic.CreationTime.QuadPart, original.creationTime);
     EXPECT_EQ(g_basic.FileAttributes, original.attributes);
 }
@@ -283,9 +282,9 @@ TEST(Successor, LeftoversGoWhenNobodyHoldsThem) {
     const std::wstring living = Win32::TemporaryNameBeside(folder / L"a");
     Win32::Successor held = Win32::CreateSuccessor(living, StateOf(strange));
     ASSERT_TRUE(held.file);
-    constexpr DWORD kShared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     for (const DWORD access : {DWORD{GENERIC_READ}, DWORD{GENERIC_WRITE}}) {
-        const Win32::FileHandle other(CreateFileW(living.c_str(), access, kShared, nullptr, OPEN_EXISTING, 0, nullptr));
+        const Win32::FileHandle other(
+            CreateFileW(living.c_str(), access, Win32::kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
         EXPECT_FALSE(other) << "nobody sees or changes it before it is whole";
     }
     Win32::RemoveLeftovers(folder.Path());
@@ -334,7 +333,7 @@ TEST(Successor, NeverLetsMoreUsersInThanTheOriginal) {
                        L")) -eq 0 || exit 1; done";
             };
             const auto look = [&](DataWriter& writer) {
-                WriteNew(writer);
+                WriteSuccessor(writer);
                 EXPECT_EQ(RunShell(folder, narrow(L"~qv*")), "0\n") << mode;
             };
             EXPECT_EQ(ErrorOf({path, false, true, false}, look, StateOf(path)), 0u);
@@ -348,7 +347,7 @@ TEST(Successor, OfALinksTargetTakesItsPlaceAndTheLinkStays) {
         if (RunShell(folder, L"mkdir sub; echo old > sub/real; ln -s sub/real link").empty()) GTEST_SKIP();
         ReplaceRequest request = way;
         request.target = folder / L"link";
-        EXPECT_EQ(ReplaceFileContent(request, WriteNew), 0u);
+        EXPECT_EQ(ReplaceFileContent(request, WriteSuccessor), 0u);
         EXPECT_EQ(RunShell(folder, L"test -L link && test $(cat sub/real) = new"), "0\n");
         EXPECT_EQ(Win32::Exists(folder / L"sub\\real.bak"), way.keepBackup);
         EXPECT_EQ(folder.List(), (std::vector<std::wstring>{L"link", L"sub"}));

@@ -88,12 +88,11 @@ TEST(Files, AMoveReplacesOnlyWhenAskedAndCopiesNothing) {
 }
 
 TEST(Files, AHeldFileIsReplacedAsSoonAsItIsFree) {
-    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const std::tuple<const char*, DWORD, bool> cases[] = {
         {"for nobody else", 0, false},
         {"for readers", FILE_SHARE_READ, false},
-        {"for everybody, as scanners do", kShareAll, false},
-        {"already deleted", kShareAll, true},
+        {"for everybody, as scanners do", Win32::kShareAll, false},
+        {"already deleted", Win32::kShareAll, true},
     };
     const auto pause = Replace("Sleep", LetGo);
     for (const auto& [why, sharing, isDeleted] : cases) {

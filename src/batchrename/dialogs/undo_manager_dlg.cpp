@@ -16,7 +16,7 @@ namespace {
 constexpr Ui::ListColumn kSessionColumns[] = {{Text::TimeOfRun, 848}, {Text::Items, 176}, {Text::State, 640}};
 constexpr Ui::ListColumn kEntryColumns[] = {{Text::NewName, 544}, {Text::OldName, 544}, {Text::Location, 576}};
 
-constexpr Ui::Anchor kAnchors[] = {
+constexpr Ui::Anchor kUndoAnchors[] = {
     {IDC_SESSIONS, 0, 0, 100, 40},  {IDC_ENTRIES_LABEL, 0, 40, 0, 40},  {IDC_ENTRIES, 0, 40, 100, 100},
     {IDOK, 100, 100, 100, 100},     {IDC_DELETE, 100, 100, 100, 100},   {IDC_DELETE_ALL, 100, 100, 100, 100},
     {IDCANCEL, 100, 100, 100, 100}, {IDC_ENTRIES_HINT, 0, 100, 0, 100},
@@ -54,7 +54,7 @@ std::optional<SessionChoice> BatchRenameUndoManagerDlg::Show(HWND owner) {
 }
 
 bool BatchRenameUndoManagerDlg::OnInit() {
-    MakeResizable(kAnchors);
+    MakeResizable(kUndoAnchors);
     Ui::AddColumns(Item(IDC_SESSIONS), kSessionColumns, Say());
     Ui::AddColumns(Item(IDC_ENTRIES), kEntryColumns, Say());
     FillSessions();

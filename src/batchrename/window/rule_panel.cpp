@@ -73,7 +73,7 @@ constexpr UINT kArranged = WM_APP;
 
 constexpr Ui::ListColumn kItemColumns[] = {{Text::Find, 336}, {Text::ReplaceWith, 336}};
 
-constexpr Ui::Anchor kAnchors[] = {
+constexpr Ui::Anchor kPanelAnchors[] = {
     {IDC_ITEMS, 0, 0, 100, 100},          {IDC_ITEM_NEW, 100, 0, 100, 0},
     {IDC_ITEM_EDIT, 100, 0, 100, 0},      {IDC_ITEM_REMOVE, 100, 0, 100, 0},
     {IDC_ITEM_UP, 100, 0, 100, 0},        {IDC_ITEM_DOWN, 100, 0, 100, 0},
@@ -122,7 +122,7 @@ void RulePanel::Create(HWND parent) {
 }
 
 bool RulePanel::OnInit() {
-    MakeResizable(kAnchors, kColumn);
+    MakeResizable(kPanelAnchors, kColumn);
     AddTips(PageOf(IDD_RULE_PANEL).tips, m_texts);
     for (const int edit : kEdits) SendMessageW(Item(edit), EM_LIMITTEXT, kLongestProfileText, 0);
     Ui::FillCombo(Item(IDC_CASE), m_texts, kCases, 0, 0);

@@ -19,7 +19,7 @@ constexpr ListEntry kRights[] = {
     {Text::AllRights, 0x1F01FF},            // everything that can be done with a file
 };
 
-constexpr Anchor kAnchors[] = {
+constexpr Anchor kAccessAnchors[] = {
     {IDC_ACCESS_NOTE, 0, 0, 100, 0},   {IDC_ACCESS_ACCOUNT, 0, 0, 100, 0}, {IDC_ACCESS_FIND, 100, 0, 100, 0},
     {IDC_ACCESS_RIGHTS, 0, 0, 100, 0}, {IDC_REASON, 0, 100, 100, 100},     {IDOK, 100, 100, 100, 100},
     {IDCANCEL, 100, 100, 100, 100},
@@ -45,7 +45,7 @@ std::optional<AccessChoice> ChangeAccessDlg::Show(HWND owner) {
 }
 
 bool ChangeAccessDlg::OnInit() {
-    MakeResizable(kAnchors);
+    MakeResizable(kAccessAnchors);
     FillCombo(Item(IDC_ACCESS_RIGHTS), m_texts, kRights, m_choice.mask, kReadAndExecute);
     SetTextOf(Item(IDC_ACCESS_ACCOUNT), m_choice.account);
     EnableWindow(Item(IDOK), !m_choice.account.empty());

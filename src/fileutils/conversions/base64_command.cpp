@@ -57,12 +57,13 @@ std::string HeaderName(std::wstring_view name) {
 }
 
 void Encode(QVUtils::DataReader& source, const std::wstring& sourceName, QVUtils::DataWriter& target) {
-    constexpr size_t kText = CBase64::EncodedSize(kEncodeBlock);
+    constexpr size_t kEncodedBlock = CBase64::EncodedSize(kEncodeBlock);
     const std::string header = MimeHeader(HeaderName(sourceName));
     QVUtils::WriteAll(target, header.data(), header.size());
     const auto data = std::make_unique_for_overwrite<uint8_t[]>(kEncodeBlock * kBlocksAtOnce);
-    const auto lines = std::make_unique_for_overwrite<char[]>(Base64Lines::LargestResult(kText) * kBlocksAtOnce);
-    char text[kText];
+    const auto lines =
+        std::make_unique_for_overwrite<char[]>(Base64Lines::LargestResult(kEncodedBlock) * kBlocksAtOnce);
+    char text[kEncodedBlock];
     Base64Lines cutter;
     for (;;) {
         const uint32_t size = ReadFully(source, data.get(), kEncodeBlock * kBlocksAtOnce);

@@ -27,7 +27,7 @@ constexpr size_t kLongestReplacement = 4000;
 constexpr wchar_t kObjectOfWindow[] = L"QVUtils.ConfirmReplace";
 constexpr wchar_t kEllipsis = L'\u2026';
 
-constexpr Anchor kAnchors[] = {
+constexpr Anchor kConfirmAnchors[] = {
     {IDC_MATCH_FILE, 0, 0, 100, 0},
     {IDC_MATCH_CONTEXT, 0, 0, 100, 60},
     {IDC_MATCH_REPLACEMENT_LABEL, 0, 60, 100, 60},
@@ -181,7 +181,7 @@ void ConfirmReplaceDlg::EnableOthers() noexcept {
 }
 
 bool ConfirmReplaceDlg::OnInit() {
-    MakeResizable(kAnchors);
+    MakeResizable(kConfirmAnchors);
     if (m_place)
         MoveWindow(GetWindow(), m_place->left, m_place->top, m_place->right - m_place->left,
                    m_place->bottom - m_place->top, FALSE);

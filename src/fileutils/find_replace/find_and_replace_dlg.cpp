@@ -14,7 +14,7 @@ using namespace Ui;
 using namespace Quorvane::SDK;
 namespace Option = QVFindAndReplace::Option;
 
-constexpr ListEntry kTargets[] = {
+constexpr ListEntry kFindTargets[] = {
     {Text::SaveAs, Option::SaveAs},
     {Text::WriteAndKeepBackup, Option::KeepBackup},
     {Text::WriteAndDeleteBackup, Option::DropBackup},
@@ -31,9 +31,9 @@ constexpr UINT_PTR kCountTimer = 1;
 constexpr UINT kCountPause = 300;  // milliseconds without a change
 
 // Keeps the extension, lies beside the original, and cannot be the original itself.
-constexpr wchar_t kProposal[] = L"*_new.*";
+constexpr wchar_t kNewName[] = L"*_new.*";
 
-constexpr OptionBox kBoxes[] = {
+constexpr OptionBox kFindBoxes[] = {
     {IDC_REGULAR_EXPRESSION, Option::RegularExpression},
     {IDC_WILDCARD, Option::Wildcard},
     {IDC_IGNORE_CASE, Option::IgnoreCase},
@@ -43,7 +43,7 @@ constexpr OptionBox kBoxes[] = {
     {IDC_REPLACE_ALL, Option::ReplaceAll},
 };
 
-constexpr Anchor kAnchors[] = {
+constexpr Anchor kFindAnchors[] = {
     {IDC_HEADING, 0, 0, 100, 0},
     {IDC_FILES, 0, 0, 100, 40},
     {IDC_TARGET_LABEL, 0, 40, 0, 40},
@@ -81,12 +81,12 @@ std::optional<FindAndReplaceRequest> FindAndReplaceDlg::Show(HWND owner) {
 
 bool FindAndReplaceDlg::OnInit() {
     m_count.emplace(m_files, GetWindow(), kCountReady);
-    MakeResizable(kAnchors);
+    MakeResizable(kFindAnchors);
     FillList(Item(IDC_FILES), m_files);
     // A target must be one: without any the files would be written over with no backup.
-    FillCombo(Item(IDC_TARGET), m_texts, kTargets, m_request.options, Option::KeepBackup);
+    FillCombo(Item(IDC_TARGET), m_texts, kFindTargets, m_request.options, Option::KeepBackup);
     FillCombo(Item(IDC_MODE), m_texts, kModes, m_request.options, Option::ModeOne);
-    SetBoxes(GetWindow(), kBoxes, m_request.options);
+    SetBoxes(GetWindow(), kFindBoxes, m_request.options);
     for (const int edit : {IDC_FIND, IDC_REPLACEMENT}) SendMessageW(Item(edit), EM_LIMITTEXT, kLongestFindText, 0);
     SetTextOf(Item(IDC_FIND), WithEditBreaks(m_request.find));
     SetTextOf(Item(IDC_REPLACEMENT), WithEditBreaks(m_request.replacement));
@@ -128,7 +128,8 @@ bool FindAndReplaceDlg::OnMessage(UINT message, WPARAM wParam, LPARAM) {
 
 FindAndReplaceRequest FindAndReplaceDlg::FromControls() const {
     FindAndReplaceRequest request;
-    request.options = SelectedBit(Item(IDC_TARGET)) | SelectedBit(Item(IDC_MODE)) | BitsOfBoxes(GetWindow(), kBoxes);
+    request.options =
+        SelectedBit(Item(IDC_TARGET)) | SelectedBit(Item(IDC_MODE)) | BitsOfBoxes(GetWindow(), kFindBoxes);
     request.find = Win32::WindowText(Item(IDC_FIND));
     request.replacement = Win32::WindowText(Item(IDC_REPLACEMENT));
     request.targetPattern = Win32::WindowText(Item(IDC_FILE_NAME));
@@ -137,7 +138,7 @@ FindAndReplaceRequest FindAndReplaceDlg::FromControls() const {
 
 void FindAndReplaceDlg::ProposeFileName() {
     const bool savesAs = TakesFileName(SelectedBit(Item(IDC_TARGET)));
-    SetTextOf(Item(IDC_FILE_NAME), ProposedFileName(savesAs, Win32::WindowText(Item(IDC_FILE_NAME)), kProposal));
+    SetTextOf(Item(IDC_FILE_NAME), ProposedFileName(savesAs, Win32::WindowText(Item(IDC_FILE_NAME)), kNewName));
 }
 
 void FindAndReplaceDlg::Refresh() {

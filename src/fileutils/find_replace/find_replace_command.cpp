@@ -36,13 +36,9 @@ constexpr ModeName kModeNames[] = {
     {L"Multiline", Option::ModeMultiline},
 };
 
-struct SwitchOption {
-    const char* name;
-    uint32_t option;
-};
 // "IGNORECASE" is registered and not here: runs from scripts tell upper from lower case.
 // compatibility: 7
-constexpr SwitchOption kSwitches[] = {
+constexpr std::pair<const char*, uint32_t> kFindSwitches[] = {
     {Parameter::ForceUtf8, Option::ForceUtf8}, {Parameter::Wildcard, Option::Wildcard},
     {Parameter::Overwrite, Option::Overwrite}, {Parameter::ReplaceAll, Option::ReplaceAll},
     {Parameter::Silent, Option::Silent},
@@ -64,8 +60,8 @@ uint32_t OptionsOf(ICustomCommandCall& call) {
     const std::wstring mode = TextParameter(call, Parameter::Mode);
     for (const ModeName& row : kModeNames)
         if (Win32::EqualIgnoringCase(mode, row.name)) options = row.option;
-    for (const SwitchOption& row : kSwitches)
-        if (call.HasParameter(row.name)) options |= row.option;
+    for (const auto& [name, option] : kFindSwitches)
+        if (call.HasParameter(name)) options |= option;
     if (call.HasParameter(Parameter::KeepBackup))
         options |= Option::KeepBackup;
     else
@@ -166,7 +162,7 @@ private:
     uint32_t m_lastErrorCode = 0;
 };
 
-constexpr wchar_t kSection[] = L"FindReplace";
+constexpr wchar_t kFindSection[] = L"FindReplace";
 constexpr wchar_t kFindKey[] = L"Find";
 constexpr wchar_t kReplaceKey[] = L"ReplaceWith";
 constexpr wchar_t kOptionsKey[] = L"Options";
@@ -174,7 +170,7 @@ constexpr wchar_t kOptionsKey[] = L"Options";
 void LoadText(ISettings& store, const wchar_t* key, std::wstring& text) {
     // One unit more than the host is told of: the text ends there whatever the host does.
     std::vector<wchar_t> buffer(kLongestFindText + 2);
-    if (store.GetString(1, kSection, key, buffer.data(), kLongestFindText + 1)) text = buffer.data();
+    if (store.GetString(1, kFindSection, key, buffer.data(), kLongestFindText + 1)) text = buffer.data();
 }
 
 /// The last request, as far as the store has it; a key that is missing leaves its field alone. The target's name is not
@@ -183,14 +179,14 @@ void LoadSettings(ISettings* store, FindAndReplaceRequest& request) {
     if (!store) return;
     LoadText(*store, kFindKey, request.find);
     LoadText(*store, kReplaceKey, request.replacement);
-    store->GetNumber(1, kSection, kOptionsKey, &request.options);
+    store->GetNumber(1, kFindSection, kOptionsKey, &request.options);
 }
 
 void SaveSettings(ISettings* store, const FindAndReplaceRequest& request) {
     if (!store) return;
-    store->SetString(1, kSection, kFindKey, request.find.c_str());
-    store->SetString(1, kSection, kReplaceKey, request.replacement.c_str());
-    store->SetNumber(1, kSection, kOptionsKey, request.options);
+    store->SetString(1, kFindSection, kFindKey, request.find.c_str());
+    store->SetString(1, kFindSection, kReplaceKey, request.replacement.c_str());
+    store->SetNumber(1, kFindSection, kOptionsKey, request.options);
 }
 
 }  // namespace

@@ -24,7 +24,7 @@ constexpr Quorvane::SDK::OwnText kKinds[] = {Text::HardLink, Text::Junction, Tex
 
 constexpr ListColumn kColumns[] = {{Text::LinkColumn, 400}, {Text::TargetColumn, 800}};
 
-constexpr Anchor kAnchors[] = {
+constexpr Anchor kLinkAnchors[] = {
     {IDC_LINK_FOLDER, 0, 0, 100, 0},    {IDC_LINK_PICK_FOLDER, 100, 0, 100, 0},
     {IDC_LINK_TARGETS, 0, 0, 100, 100}, {IDC_LINK_NAME_LABEL, 0, 100, 0, 100},
     {IDC_LINK_NAME, 0, 100, 100, 100},  {IDC_LINK_AS_ADMIN, 0, 100, 0, 100},
@@ -53,7 +53,7 @@ std::optional<CreateLinksRequest> CreateLinksDlg::Show(HWND owner) {
 }
 
 bool CreateLinksDlg::OnInit() {
-    MakeResizable(kAnchors);
+    MakeResizable(kLinkAnchors);
     for (const Quorvane::SDK::OwnText& kind : kKinds)
         SendMessageW(Item(IDC_LINK_KIND), CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(Say()(kind).c_str()));
     SendMessageW(Item(IDC_LINK_KIND), CB_SETCURSEL, ProposedType(m_names.Targets()) - 1, 0);

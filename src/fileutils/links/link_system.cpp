@@ -33,9 +33,8 @@ uint32_t SetReparsePoint(const std::wstring& folder, const ReparseBuffer& buffer
     // Shared: programs that show the folder above may have this one open. Should a file come into it meanwhile, the
     // system itself refuses to make it a junction.
     const Win32::FileHandle handle(CreateFileW(Win32::ExtendedPath(folder).c_str(), GENERIC_READ | GENERIC_WRITE,
-                                               FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                               OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT,
-                                               nullptr));
+                                               Win32::kShareAll, nullptr, OPEN_EXISTING,
+                                               FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
     if (!handle) return GetLastError();
     std::vector<uint8_t> bytes = buffer.bytes;
     DWORD returned = 0;

@@ -20,13 +20,13 @@ namespace {
 using namespace Ui;
 
 constexpr size_t kLongestPreview = 100;  // names; more than anybody reads
-constexpr WPARAM kLongestText = 255;     // units of a name
+constexpr WPARAM kLongestName = 255;     // units of a name
 constexpr wchar_t kArrow[] = L"  ->  ";
 
 // In the order of NamePart.
 constexpr Quorvane::SDK::OwnText kParts[] = {Text::PartName, Text::PartExtension, Text::PartBoth};
 
-constexpr Anchor kAnchors[] = {
+constexpr Anchor kReplaceAnchors[] = {
     {IDC_NAME_FIND, 0, 0, 100, 0},  {IDC_NAME_REPLACEMENT, 0, 0, 100, 0}, {IDC_NAME_PREVIEW, 0, 0, 100, 100},
     {IDC_REASON, 0, 100, 100, 100}, {IDOK, 100, 100, 100, 100},           {IDCANCEL, 100, 100, 100, 100},
 };
@@ -59,12 +59,12 @@ std::optional<NameReplacement> CReplaceDlg::Show(HWND owner) {
 }
 
 bool CReplaceDlg::OnInit() {
-    MakeResizable(kAnchors);
+    MakeResizable(kReplaceAnchors);
     for (const Quorvane::SDK::OwnText& part : kParts)
         SendMessageW(Item(IDC_NAME_PART), CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(Say()(part).c_str()));
     SendMessageW(Item(IDC_NAME_PART), CB_SETCURSEL, 0, 0);
     for (const int edit : {IDC_NAME_FIND, IDC_NAME_REPLACEMENT})
-        SendMessageW(Item(edit), EM_LIMITTEXT, kLongestText, 0);
+        SendMessageW(Item(edit), EM_LIMITTEXT, kLongestName, 0);
     Refresh();
     return true;
 }

@@ -22,7 +22,7 @@ namespace {
 
 using namespace Quorvane::SDK;
 using QVLineSorter::SortRequest;
-namespace Option = QVLineSorter::SortOption;
+namespace SortOption = QVLineSorter::SortOption;
 namespace ErrorCode = QVUtils::ErrorCode;
 
 /// The log lines about a file have this level and the kind of a success, whatever became of it: log readers filter for
@@ -39,9 +39,10 @@ public:
         FileRun run;
         run.title = Text::SortTitle;
         run.overwriteQuestion = Text::SortOverwrite;
-        if (m_request.Has(Option::SaveAs)) run.saveAs = m_request.saveAsName.empty() ? L"*.*" : m_request.saveAsName;
-        run.mayOverwrite = m_request.Has(Option::Overwrite);
-        run.isSilent = m_request.Has(Option::Silent);
+        if (m_request.Has(SortOption::SaveAs))
+            run.saveAs = m_request.saveAsName.empty() ? L"*.*" : m_request.saveAsName;
+        run.mayOverwrite = m_request.Has(SortOption::Overwrite);
+        run.isSilent = m_request.Has(SortOption::Silent);
         run.showsProgress = !run.isSilent;
         run.marks = {{MarkKind::Done, true}, {MarkKind::Failed, true}, {MarkKind::Skipped, false}};
         run.process = [&](const FileTask& task) { return Process(task); };
@@ -61,7 +62,7 @@ public:
 
 private:
     FileResult Process(const FileTask& task) {
-        if (task.mayOverwrite) m_request.options |= Option::Overwrite;
+        if (task.mayOverwrite) m_request.options |= SortOption::Overwrite;
         const QVLineSorter::SortFileResult result =
             QVLineSorter::SortFile(task.source, task.target, m_request, task.tell);
         if (result.errorCode == ErrorCode::Cancelled) return FileResult::Cancelled;
@@ -75,7 +76,7 @@ private:
         Log(L"[SortLines] - Sorted lines in file : %s (Saved as : %s)", task.source.c_str(), task.target.c_str());
         NoteLines(result.linesTooShort, result.lines, L"end before the place where the key begins");
         NoteLines(result.linesWithoutValue, result.lines,
-                  m_request.Has(Option::AsDate) ? L"have no date that fits the format" : L"have no number");
+                  m_request.Has(SortOption::AsDate) ? L"have no date that fits the format" : L"have no number");
         return FileResult::Done;
     }
 

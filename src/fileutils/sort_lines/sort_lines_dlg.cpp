@@ -13,32 +13,32 @@ namespace {
 using namespace Ui;
 
 using namespace Quorvane::SDK;
-namespace Option = QVLineSorter::SortOption;
+namespace SortOption = QVLineSorter::SortOption;
 
-constexpr ListEntry kTargets[] = {
-    {Text::SortSaveAs, Option::SaveAs},
-    {Text::WriteAndKeepBackup, Option::KeepBackup},
-    {Text::WriteAndDeleteBackup, Option::DeleteBackup},
+constexpr ListEntry kSortTargets[] = {
+    {Text::SortSaveAs, SortOption::SaveAs},
+    {Text::WriteAndKeepBackup, SortOption::KeepBackup},
+    {Text::WriteAndDeleteBackup, SortOption::DeleteBackup},
 };
 constexpr ListEntry kMethods[] = {
-    {Text::SortAsText, Option::AsText},
-    {Text::SortAsNumber, Option::AsNumber},
-    {Text::SortAsDate, Option::AsDate},
+    {Text::SortAsText, SortOption::AsText},
+    {Text::SortAsNumber, SortOption::AsNumber},
+    {Text::SortAsDate, SortOption::AsDate},
 };
 
 // Radio buttons answer as boxes do.
-constexpr OptionBox kBoxes[] = {
-    {IDC_KEY_LINE, Option::EntireLine},
-    {IDC_KEY_SUBSTRING, Option::Substring},
-    {IDC_KEY_ITEM, Option::Item},
-    {IDC_SKIP_SPACES, Option::SkipLeadingSpaces},
-    {IDC_END_AT_WHITESPACE, Option::EndAtWhiteSpace},
-    {IDC_LANGUAGE_ORDER, Option::LanguageOrder},
-    {IDC_SORT_IGNORE_CASE, Option::IgnoreCase},
-    {IDC_NATURAL_NUMBERS, Option::NaturalNumbers},
-    {IDC_REVERSE, Option::Reverse},
-    {IDC_REMOVE_DUPLICATES, Option::RemoveDuplicates},  // always disabled: it goes through as it came
-    {IDC_REMOVE_BLANK_LINES, Option::RemoveBlankLines},
+constexpr OptionBox kSortBoxes[] = {
+    {IDC_KEY_LINE, SortOption::EntireLine},
+    {IDC_KEY_SUBSTRING, SortOption::Substring},
+    {IDC_KEY_ITEM, SortOption::Item},
+    {IDC_SKIP_SPACES, SortOption::SkipLeadingSpaces},
+    {IDC_END_AT_WHITESPACE, SortOption::EndAtWhiteSpace},
+    {IDC_LANGUAGE_ORDER, SortOption::LanguageOrder},
+    {IDC_SORT_IGNORE_CASE, SortOption::IgnoreCase},
+    {IDC_NATURAL_NUMBERS, SortOption::NaturalNumbers},
+    {IDC_REVERSE, SortOption::Reverse},
+    {IDC_REMOVE_DUPLICATES, SortOption::RemoveDuplicates},  // always disabled: it goes through as it came
+    {IDC_REMOVE_BLANK_LINES, SortOption::RemoveBlankLines},
 };
 
 struct TextField {
@@ -74,10 +74,10 @@ constexpr DateFormat kDateFormats[] = {
     {L"%d %b %Y %H:%M:%S", L"11 Nov 2014 13:44:48"},
 };
 
-constexpr wchar_t kProposal[] = L"*_sorted.*";
+constexpr wchar_t kSortedName[] = L"*_sorted.*";
 
 // A higher window shows more files, a wider one longer paths; the fields below stay together.
-constexpr Anchor kAnchors[] = {
+constexpr Anchor kSortAnchors[] = {
     {IDC_WARNING, 0, 0, 100, 0},
     {IDC_FILES, 0, 0, 100, 100},
     {IDC_TARGET_LABEL, 0, 100, 0, 100},
@@ -150,7 +150,7 @@ std::optional<QVLineSorter::SortRequest> SortLinesDlg::Show(HWND owner) {
 }
 
 bool SortLinesDlg::OnInit() {
-    MakeResizable(kAnchors);
+    MakeResizable(kSortAnchors);
     FillList(Item(IDC_FILES), m_files);
     for (const TextField& field : kTextFields) SendMessageW(Item(field.control), EM_LIMITTEXT, field.longest, 0);
     ToControls(FormOf(m_request));
@@ -161,16 +161,16 @@ bool SortLinesDlg::OnInit() {
 }
 
 void SortLinesDlg::ToControls(const SortForm& form) {
-    FillCombo(Item(IDC_TARGET), m_texts, kTargets, form.options, Option::KeepBackup);
-    FillCombo(Item(IDC_SORT_METHOD), m_texts, kMethods, form.options, Option::AsText);
-    SetBoxes(GetWindow(), kBoxes, form.options);
+    FillCombo(Item(IDC_TARGET), m_texts, kSortTargets, form.options, SortOption::KeepBackup);
+    FillCombo(Item(IDC_SORT_METHOD), m_texts, kMethods, form.options, SortOption::AsText);
+    SetBoxes(GetWindow(), kSortBoxes, form.options);
     for (const TextField& field : kTextFields) SetTextOf(Item(field.control), form.*field.text);
 }
 
 SortForm SortLinesDlg::FromControls() const {
     SortForm form;
     form.options =
-        SelectedBit(Item(IDC_TARGET)) | SelectedBit(Item(IDC_SORT_METHOD)) | BitsOfBoxes(GetWindow(), kBoxes);
+        SelectedBit(Item(IDC_TARGET)) | SelectedBit(Item(IDC_SORT_METHOD)) | BitsOfBoxes(GetWindow(), kSortBoxes);
     for (const TextField& field : kTextFields) form.*field.text = Win32::WindowText(Item(field.control));
     return form;
 }
@@ -193,7 +193,7 @@ bool SortLinesDlg::OnCommand(int id, int notification) {
 
 void SortLinesDlg::ProposeFileName() {
     const bool savesAs = EnabledFor(SelectedBit(Item(IDC_TARGET))).fileName;
-    SetTextOf(Item(IDC_FILE_NAME), ProposedFileName(savesAs, Win32::WindowText(Item(IDC_FILE_NAME)), kProposal));
+    SetTextOf(Item(IDC_FILE_NAME), ProposedFileName(savesAs, Win32::WindowText(Item(IDC_FILE_NAME)), kSortedName));
 }
 
 void SortLinesDlg::PickDateFormat() {

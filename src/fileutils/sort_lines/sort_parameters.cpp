@@ -12,21 +12,17 @@ namespace {
 
 using namespace Quorvane::SDK;
 using QVLineSorter::SortRequest;
-namespace Option = QVLineSorter::SortOption;
+namespace SortOption = QVLineSorter::SortOption;
 
-struct SwitchOption {
-    const char* name;
-    uint32_t option;
-};
-constexpr SwitchOption kSwitches[] = {
-    {Parameter::SkipLeadingSpace, Option::SkipLeadingSpaces},
-    {Parameter::EndAtWhiteSpace, Option::EndAtWhiteSpace},
-    {Parameter::IgnoreCase, Option::IgnoreCase},
-    {Parameter::LanguageOrder, Option::LanguageOrder},
-    {Parameter::NaturalNumberOrder, Option::NaturalNumbers},
-    {Parameter::Reverse, Option::Reverse},
-    {Parameter::Overwrite, Option::Overwrite},
-    {Parameter::Silent, Option::Silent},
+constexpr std::pair<const char*, uint32_t> kSortSwitches[] = {
+    {Parameter::SkipLeadingSpace, SortOption::SkipLeadingSpaces},
+    {Parameter::EndAtWhiteSpace, SortOption::EndAtWhiteSpace},
+    {Parameter::IgnoreCase, SortOption::IgnoreCase},
+    {Parameter::LanguageOrder, SortOption::LanguageOrder},
+    {Parameter::NaturalNumberOrder, SortOption::NaturalNumbers},
+    {Parameter::Reverse, SortOption::Reverse},
+    {Parameter::Overwrite, SortOption::Overwrite},
+    {Parameter::Silent, SortOption::Silent},
 };
 
 struct NamedOption {
@@ -34,8 +30,9 @@ struct NamedOption {
     uint32_t option;
 };
 constexpr NamedOption kSortBy[] = {
-    {L"line", Option::EntireLine}, {L"substring", Option::Substring}, {L"item", Option::Item}};
-constexpr NamedOption kSortAs[] = {{L"text", Option::AsText}, {L"num", Option::AsNumber}, {L"date", Option::AsDate}};
+    {L"line", SortOption::EntireLine}, {L"substring", SortOption::Substring}, {L"item", SortOption::Item}};
+constexpr NamedOption kSortAs[] = {
+    {L"text", SortOption::AsText}, {L"num", SortOption::AsNumber}, {L"date", SortOption::AsDate}};
 
 /// Reads the parameters of one call. What is not given leaves the request alone; what is given wrongly throws.
 class SortParameters {
@@ -45,13 +42,13 @@ public:
     SortRequest Read() {
         SortRequest request;
         request.options =
-            ReadName(Parameter::SortBy, kSortBy, 0) | ReadName(Parameter::SortAs, kSortAs, Option::AsText);
-        for (const SwitchOption& row : kSwitches)
-            if (m_call.HasParameter(row.name)) request.options |= row.option;
+            ReadName(Parameter::SortBy, kSortBy, 0) | ReadName(Parameter::SortAs, kSortAs, SortOption::AsText);
+        for (const auto& [name, option] : kSortSwitches)
+            if (m_call.HasParameter(name)) request.options |= option;
         if (m_call.HasParameter(Parameter::KeepBackup))
-            request.options |= Option::KeepBackup;
+            request.options |= SortOption::KeepBackup;
         else
-            request.options |= m_call.HasParameter(Parameter::Delete) ? Option::DeleteBackup : Option::SaveAs;
+            request.options |= m_call.HasParameter(Parameter::Delete) ? SortOption::DeleteBackup : SortOption::SaveAs;
         request.saveAsName = Text(Parameter::Target).value_or(L"");
 
         request.keepTop = ReadNumber(Parameter::KeepTop);
@@ -63,9 +60,9 @@ public:
 
         const std::optional<wchar_t> endCharacter = ReadSeparator(Parameter::EndCharacter);
         const std::optional<wchar_t> itemSeparator = ReadSeparator(Parameter::ItemSeparator);
-        if (endCharacter) request.options |= Option::EndAtCharacter;
+        if (endCharacter) request.options |= SortOption::EndAtCharacter;
         // A request has one separator. Both are given only by mistake; then the one that the key's kind uses counts.
-        const bool wantsItem = request.Has(Option::Item);
+        const bool wantsItem = request.Has(SortOption::Item);
         request.separator =
             (wantsItem ? itemSeparator : endCharacter).value_or((wantsItem ? endCharacter : itemSeparator).value_or(0));
 
@@ -132,9 +129,9 @@ public:
     SortNotes(ICustomCommandCall& call, const SortRequest& request) : m_call(call), m_request(request) {}
 
     std::vector<std::wstring> Find() {
-        const bool isSaved = Is(Option::SaveAs);
+        const bool isSaved = Is(SortOption::SaveAs);
         NoteUnused(!isSaved, {Parameter::Target}, L"together with KEEPBACKUP or DELETE");
-        NoteUnused(Is(Option::KeepBackup), {Parameter::Delete}, L"together with KEEPBACKUP");
+        NoteUnused(Is(SortOption::KeepBackup), {Parameter::Delete}, L"together with KEEPBACKUP");
         FindForKey();
         FindForOrder();
         return std::move(m_notes);
@@ -144,33 +141,33 @@ private:
     bool Is(uint32_t option) const { return m_request.Has(option); }
 
     void FindForKey() {
-        const bool isSubstring = Is(Option::Substring);
+        const bool isSubstring = Is(SortOption::Substring);
         const bool hasLength = m_request.substringLength > 0;
-        NoteUnused(!Is(Option::Item), {Parameter::ItemNumber, Parameter::ItemSeparator}, L"without SORTBY=item");
+        NoteUnused(!Is(SortOption::Item), {Parameter::ItemNumber, Parameter::ItemSeparator}, L"without SORTBY=item");
         NoteUnused(!isSubstring, {Parameter::EndCharacter, Parameter::EndAtWhiteSpace}, L"without SORTBY=substring");
         // The length ends number keys of every kind.
-        NoteUnused(!isSubstring && !Is(Option::AsNumber), {Parameter::SubstringLength},
+        NoteUnused(!isSubstring && !Is(SortOption::AsNumber), {Parameter::SubstringLength},
                    L"without SORTBY=substring or SORTAS=num");
         NoteUnused(isSubstring && hasLength, {Parameter::EndAtWhiteSpace, Parameter::EndCharacter},
                    L"together with SUBSTRLEN");
-        NoteUnused(isSubstring && !hasLength && Is(Option::EndAtWhiteSpace), {Parameter::EndCharacter},
+        NoteUnused(isSubstring && !hasLength && Is(SortOption::EndAtWhiteSpace), {Parameter::EndCharacter},
                    L"together with ENDATWHITESPACE");
-        if (!Is(Option::Item)) return;
+        if (!Is(SortOption::Item)) return;
         if (m_request.itemNumber == 0) Note(L"SORTBY=item without ITEM : no line has a key, and the order stays");
         if (m_request.separator == 0) Note(L"SORTBY=item without ITEMSEP : each line is one item");
     }
 
     void FindForOrder() {
-        const bool byValue = Is(Option::AsNumber | Option::AsDate);
+        const bool byValue = Is(SortOption::AsNumber | SortOption::AsDate);
         NoteUnused(byValue, {Parameter::IgnoreCase, Parameter::LanguageOrder, Parameter::NaturalNumberOrder},
                    L"together with SORTAS=num or SORTAS=date");
-        NoteUnused(!Is(Option::AsDate), {Parameter::DateFormat}, L"without SORTAS=date");
-        const bool byLanguage = Is(Option::LanguageOrder);
+        NoteUnused(!Is(SortOption::AsDate), {Parameter::DateFormat}, L"without SORTAS=date");
+        const bool byLanguage = Is(SortOption::LanguageOrder);
         NoteUnused(!byValue && byLanguage, {Parameter::IgnoreCase}, L"together with LANGUAGEORDER");
         NoteUnused(!byValue && !byLanguage, {Parameter::NaturalNumberOrder}, L"without LANGUAGEORDER");
-        if (byValue && Is(Option::EntireLine))
+        if (byValue && Is(SortOption::EntireLine))
             Note(L"SORTBY=line : entire lines have no number and no date, and the order stays");
-        else if (Is(Option::AsDate) && m_request.dateFormat.empty())
+        else if (Is(SortOption::AsDate) && m_request.dateFormat.empty())
             Note(L"SORTAS=date without DATEFORMAT : no line has a date, and the order stays");
     }
 
