@@ -29,6 +29,7 @@ inline constexpr DWORD GENERIC_READ = 0x80000000;
 inline constexpr DWORD GENERIC_WRITE = 0x40000000;
 inline constexpr DWORD FILE_SHARE_READ = 1;
 inline constexpr DWORD FILE_SHARE_WRITE = 2;
+inline constexpr DWORD FILE_SHARE_DELETE = 4;
 inline constexpr DWORD OPEN_EXISTING = 3;
 inline constexpr DWORD CREATE_ALWAYS = 2;
 inline constexpr DWORD CREATE_NEW = 1;
