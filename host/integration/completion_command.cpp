@@ -14,24 +14,20 @@ std::string Joined(const std::vector<OptionWords>& options) {
     return words;
 }
 
-/// A branch for each option that takes something: one of few words, a path, or what nobody can guess.
+/// A branch for each option that takes something: one of few words; else nothing, and so the shell offers files.
 std::string BashValues(const std::vector<CommandWords>& commands) {
     std::string script;
-    std::string paths;
     std::string others;
     for (const CommandWords& command : commands)
         for (const OptionWords& option : command.options) {
             if (option.value.empty()) continue;
-            if (!option.choices.empty()) {
+            if (option.choices.empty())
+                others += (others.empty() ? "" : " | ") + option.name;
+            else
                 script += "    " + option.name + ") COMPREPLY=($(compgen -W '" + option.choices +
                           "' -- \"$word\")); return ;;\n";
-                continue;
-            }
-            std::string& list = option.value == "FILE" || option.value == "FOLDER" ? paths : others;
-            list += (list.empty() ? "" : " | ") + option.name;
         }
-    return script + "    " + paths + ") COMPREPLY=($(compgen -f -- \"$word\")); return ;;\n    " + others +
-           ") return ;;\n";
+    return script + "    " + others + ") return ;;\n";
 }
 
 /// A branch for each subcommand: its own options, and the words that it may begin with.
@@ -51,6 +47,7 @@ std::string NamesOf(const std::vector<CommandWords>& commands) {
     return names;
 }
 
+/// Where it finds no word the shell offers files ("-o default"), and so keeps names with blanks together.
 std::string BashScript(const std::vector<CommandWords>& commands) {
     const std::string names = NamesOf(commands);
     return "# Completion of qvhost for bash. To use it: qvhost completion bash >FILE, and in ~/.bashrc: source FILE\n"
@@ -74,11 +71,10 @@ std::string BashScript(const std::vector<CommandWords>& commands) {
            "    -*) COMPREPLY=($(compgen -W \"$options " +
            Joined(commands.front().options) +
            "\" -- \"$word\")) ;;\n"
-           "    *) COMPREPLY=($(compgen -W \"$words\" -- \"$word\"))\n"
-           "       [ -z \"$command\" ] || COMPREPLY+=($(compgen -f -- \"$word\")) ;;\n"
+           "    *) COMPREPLY=($(compgen -W \"$words\" -- \"$word\")) ;;\n"
            "  esac\n"
            "}\n"
-           "complete -o filenames -F _qvhost qvhost qvhost.exe\n";
+           "complete -o default -F _qvhost qvhost qvhost.exe\n";
 }
 
 /// A text in PowerShell's plain quotes.

@@ -161,6 +161,9 @@ TEST(Completion, KnowsEveryWordOfTheCommandLine) {
         }
         EXPECT_EQ(script.find("elevated-server"), std::string::npos);
     }
+    const std::string bash = host.Run({L"completion", L"bash"}).out;
+    EXPECT_EQ(bash.find("compgen -f"), std::string::npos) << "names with blanks fall into words";
+    EXPECT_NE(bash.find("complete -o default "), std::string::npos) << "files are offered";
     EXPECT_EQ(host.Run({L"completion", L"fish"}).status, 2);
 }
 
