@@ -5,6 +5,9 @@
 
 namespace QVHost {
 
+/// The part of the guide that F1 opens in the panel.
+inline constexpr wchar_t kPanelTopic[] = L"choose-files-and-run-a-command";
+
 enum class PanelText : uint32_t {
     Program = 1,
     Menu,

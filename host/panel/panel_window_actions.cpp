@@ -20,8 +20,6 @@ namespace {
 
 using Quorvane::SDK::FormatText;
 
-constexpr wchar_t kTopic[] = L"the-panel";  // of the guide
-
 std::wstring SizeText(uint64_t bytes) {
     std::array<wchar_t, 64> text = {};
     StrFormatByteSizeW(static_cast<LONGLONG>(bytes), text.data(), static_cast<UINT>(text.size()));
@@ -52,7 +50,7 @@ void PanelWindow::OnCommand(WORD command) {
             SetFocus(GetFocus() == m_content->list.Window() ? m_content->log.Window() : m_content->list.Window());
             return;
         case PanelCommand::Guide:
-            Ui::OpenGuide(m_frame, kTopic,
+            Ui::OpenGuide(m_frame, kPanelTopic,
                           [this](Quorvane::SDK::TextId id) { return m_session.State().texts.Find({}, id); });
             return;
         case PanelCommand::CopyLog: m_content->log.Copy(); return;

@@ -41,12 +41,12 @@ constexpr Ui::Tip kChangeAccessTexts[] = {
 };
 
 constexpr Ui::DialogPage kPages[] = {
-    {IDD_FIND_AND_REPLACE, L"FindAndReplace", L"find-and-replace", kFindAndReplaceTips},
-    {IDD_CONFIRM_REPLACE, L"ConfirmReplace", L"the-question-about-each-match", kConfirmReplaceTips},
-    {IDD_SORT_LINES, L"SortLines", L"sort-lines", kSortLinesTips},
-    {IDD_REPLACE_IN_NAMES, L"ReplaceInNames", L"names-text-links-and-conversions", {}},
-    {IDD_CREATE_LINKS, L"CreateLinks", L"names-text-links-and-conversions", kCreateLinksTips},
-    {IDD_CHANGE_ACCESS, L"ChangeAccess", L"ownership-and-access-rights", kChangeAccessTips, kChangeAccessTexts},
+    {IDD_FIND_AND_REPLACE, L"FindAndReplace", L"replace-text-in-many-files", kFindAndReplaceTips},
+    {IDD_CONFIRM_REPLACE, L"ConfirmReplace", L"answer-the-question-about-each-match", kConfirmReplaceTips},
+    {IDD_SORT_LINES, L"SortLines", L"sort-the-lines-of-files", kSortLinesTips},
+    {IDD_REPLACE_IN_NAMES, L"ReplaceInNames", L"change-names-quickly", {}},
+    {IDD_CREATE_LINKS, L"CreateLinks", L"create-links", kCreateLinksTips},
+    {IDD_CHANGE_ACCESS, L"ChangeAccess", L"change-ownership-and-access-rights", kChangeAccessTips, kChangeAccessTexts},
 };
 
 }  // namespace

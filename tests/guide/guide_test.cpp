@@ -10,6 +10,7 @@
 #include "host/app/host_text.h"
 #include "host/app/unix_paths.h"
 #include "host/contract/whole_file.h"
+#include "host/panel/panel_texts.h"
 #include "support/host_run.h"
 #include "support/temporary_folder.h"
 
@@ -149,6 +150,7 @@ TEST(Guide, HasTheTopicsThatTheDialogsOpen) {
     }
     for (const std::span<const Ui::DialogPage> pages : {FileUtils::DialogPages(), BatchRename::DialogPages()})
         for (const Ui::DialogPage& page : pages) EXPECT_TRUE(topics.contains(page.topic)) << page.dialog;
+    EXPECT_TRUE(topics.contains(QVHost::kPanelTopic));
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, Page,

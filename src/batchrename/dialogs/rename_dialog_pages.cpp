@@ -9,8 +9,6 @@ namespace {
 
 using namespace Quorvane::SDK;
 
-constexpr wchar_t kTopic[] = L"batch-rename-the-window";
-
 // The tooltips' texts have their numbers here and nowhere else.
 constexpr Ui::Tip kRulePanelTips[] = {
     {IDC_NAME_TEMPLATE, 350_d}, {IDC_EXTENSION_TEMPLATE, 351_d}, {IDC_COUNTER_DIGITS, 352_d}, {IDC_REGEX, 353_d},
@@ -19,9 +17,11 @@ constexpr Ui::Tip kRulePanelTips[] = {
 };
 
 constexpr Ui::DialogPage kPages[] = {
-    {IDD_RULE_PANEL, L"RulePanel", kTopic, kRulePanelTips}, {IDD_ADD_TAG, L"AddTag", kTopic, {}},
-    {IDD_UNDO_MANAGER, L"UndoManager", kTopic, {}},         {IDD_RENAME_ITEM, L"RenameItem", kTopic, {}},
-    {IDD_SAVE_PROFILE, L"SaveProfile", kTopic, {}},
+    {IDD_RULE_PANEL, L"RulePanel", L"rename-many-files", kRulePanelTips},
+    {IDD_ADD_TAG, L"AddTag", L"build-names-with-tags", {}},
+    {IDD_UNDO_MANAGER, L"UndoManager", L"take-a-renaming-back", {}},
+    {IDD_RENAME_ITEM, L"RenameItem", L"search-and-replace-in-names", {}},
+    {IDD_SAVE_PROFILE, L"SaveProfile", L"keep-a-rule-for-later", {}},
 };
 
 }  // namespace
