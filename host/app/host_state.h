@@ -51,6 +51,7 @@ struct HostState {
     Shelf<XmlService> xmlServices = {};
     std::vector<std::shared_ptr<FileItem>> selection = {};  // as the command line names it
     IPanelView* panel = nullptr;                            // where there is one, the selection is its own
+    bool reportsCalls = false;                              // each call is an item of the report, the marks are none
     std::atomic<uint32_t> failedCount = 0;                  // files marked as failed, renames refused
     // Of the command that is running. One that marks its files says by that which of them failed; all others say it in
     // the log alone.

@@ -87,6 +87,7 @@ int RunCall(Session& session, const HostOptions& options, std::istream& in) {
         throw UsageError(L"with --files-from the place of each path is marked by {}, as in FILE={}");
     bool isDone = true;
     HostState& state = session.State();
+    state.reportsCalls = true;
     for (const std::wstring& path : SelectedPaths({}, options.filesFrom, in)) {
         if (IsStopped(state.progressWatch)) {
             isDone = false;

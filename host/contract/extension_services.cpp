@@ -127,7 +127,9 @@ IPanelView::Items HostServices::FocusedGroup() const {
 bool HostServices::MarkFiles(const FileList& list, uint32_t kind) {
     const wchar_t* const word = WordOfMark(kind);
     if (!word) return false;
+    const bool isReported = m_state.reportsCalls && m_state.output.IsCollecting();
     for (const std::shared_ptr<FileItem>& item : list.Items()) {
+        if (isReported) break;
         if (m_state.panel)
             m_state.panel->MarkFile(item->Path(), kind);
         else if (!m_state.output.Item(ItemFields(item->Path(), L"", word, 0, L"")))
