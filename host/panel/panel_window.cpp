@@ -100,10 +100,7 @@ void PanelWindow::Open(const std::vector<std::wstring>& paths) {
     m_content.emplace(m_frame, m_session, m_look);
     const bool isMaximised = RestorePosition();
     Layout();
-    if (paths.size() == 1)
-        GoTo(paths.front());
-    else
-        GoToAll(paths);
+    GoToAll(paths);
     m_before.clear();  // there is no way back before the first folder
     ShowAddress();
     m_isOpen = true;

@@ -105,6 +105,10 @@ void PanelWindow::OnDrop(HDROP drop) {
 }
 
 void PanelWindow::GoToAll(const std::vector<std::wstring>& paths) {
+    if (paths.size() == 1) {
+        GoTo(paths.front());
+        return;
+    }
     if (!ShowFolder(std::wstring(Win32::FolderOf(paths.front())))) return;
     if (const size_t elsewhere = m_content->list.Select(paths))
         ShowLine(FormatText(Text(PanelText::OtherFolders), {static_cast<int>(elsewhere)}), Tone::Note);

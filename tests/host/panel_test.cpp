@@ -217,6 +217,9 @@ TEST(Panel, ShowsAFolderRunsACommandAndMarksWhatBecameOfTheFiles) {
             panel.Type(L'o');
             EXPECT_EQ(panel.FocusedRow(), 4) << "letters go to the name";
 
+            panel.Drop({folder / L"sub"});
+            EXPECT_EQ(panel.Title(), (folder / L"sub") + L" - 1w") << "a single folder is opened";
+            panel.Command(PanelCommand::Back);
             panel.Drop({folder / L"other.txt", folder / L"sub"});
             EXPECT_EQ(panel.Selected(), (Names{L"sub", L"other.txt"}));
             panel.ChooseFirstOfLastMenu();
