@@ -84,7 +84,8 @@ private:
     /// The folder of a path and the name to select in it; the path itself when it is a folder. False when it cannot be
     /// shown.
     bool GoTo(const std::wstring& path);
-    /// Opens a single path as `GoTo` does. Of several it shows the folder of the first one, and selects what lies there.
+    /// Opens a single path as `GoTo` does. Of several it shows the folder of the first one, and selects what lies
+    /// there.
     void GoToAll(const std::vector<std::wstring>& paths);
     /// Its folder, with the item selected.
     bool GoToItem(const std::wstring& path);
