@@ -20,6 +20,7 @@ constexpr struct {
     std::string_view name;
     std::string_view words;
 } kChoices[] = {
+    {"--answer", "yes no ok cancel replace replace-all find-next skip-file"},
     {"--case", "lower upper name-lower name-upper extension-lower extension-upper words sentence"},
     {"--scope", "both name extension"},
     {"--sort", "natural date size none"},
