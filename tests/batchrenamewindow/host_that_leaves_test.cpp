@@ -68,6 +68,7 @@ public:
 private:
     TemporaryFolder m_files;
     InProcessHost m_process;
+    HurriedLibrary m_hurried{m_process.Library()};
     ServicesOfHost m_host{QV_HOST_PROGRAM};
     FakePanel m_panel{[this] { return m_host.State().selection; }, [](const std::wstring&) {}};
     IPluginInterface* m_extension = nullptr;
@@ -249,7 +250,6 @@ TEST(FaultsOfTheHost, AreBorneByTheWindow) {
 
 TEST(FaultsOfTheHost, AreBorneWhileTheWindowComesAndGoes) {
     HostThatLeaves host("", [] {});
-    const ReplacedImport hurried(host.Library(), "Sleep", reinterpret_cast<void*>(PauseShortly));
     host.Delete();
     const auto openAndClose = [&] {
         host.Create();

@@ -20,6 +20,7 @@ RenameWindow::RenameWindow(const Words& names, const std::string& profiles) {
         QVHost::ParseCommandLine({L"--config", m_settings.Path(), L"command", L"31000"});
     m_session = std::make_unique<QVHost::Session>(options, *m_environment, *m_output);
     m_session->StartExtensions();
+    m_hurried = std::make_unique<HurriedLibrary>(GetModuleHandleW(L"QVUtils.dll"));
     for (const std::wstring& name : names) m_files.Write(name, std::string(name.begin(), name.end()));
 }
 
@@ -40,6 +41,7 @@ void RenameWindow::Open(const Words& names) {
 }
 
 void RenameWindow::EndHost() {
+    m_hurried.reset();
     m_session.reset();
     m_output.reset();
 }
@@ -55,7 +57,9 @@ DrivenDialog RenameWindow::Panel() const {
 bool RenameWindow::WaitFor(const std::function<bool()>& isTrue) {
     const ULONGLONG end = GetTickCount64() + 10000;
     bool isReached = false;
+    const UINT_PTR looks = SetTimer(nullptr, 0, 10, nullptr);
     QVHost::PumpWhile(*m_session, [&] { return !(isReached = isTrue()) && GetTickCount64() < end; });
+    KillTimer(nullptr, looks);
     return isReached;
 }
 

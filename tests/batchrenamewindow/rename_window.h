@@ -11,6 +11,7 @@
 #include "batchrename/dialogs/batchrename_resource.h"
 #include "host/app/session.h"
 #include "support/dialog_driver.h"
+#include "support/replaced_imports.h"
 #include "support/temporary_folder.h"
 
 namespace QVTest {
@@ -62,6 +63,7 @@ private:
     std::unique_ptr<QVHost::HostEnvironment> m_environment;
     std::unique_ptr<QVHost::Output> m_output;
     std::unique_ptr<QVHost::Session> m_session;
+    std::unique_ptr<HurriedLibrary> m_hurried;
 };
 
 inline constexpr int kNewName = 1;

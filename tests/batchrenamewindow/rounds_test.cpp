@@ -67,7 +67,6 @@ size_t RunEveryCommand() {
 
 void UseTheWindow() {
     RenameWindow window({L"a", L"b"});
-    const ReplacedImport hurried(GetModuleHandleW(L"QVUtils.dll"), "Sleep", reinterpret_cast<void*>(PauseShortly));
     window.Open({L"a", L"b"});
     window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
     EXPECT_TRUE(window.WaitForStatus(L"2 of 2 items will be renamed"));

@@ -42,9 +42,22 @@ struct ReplacedSlot : ReplacedFunction {
 /// "LIBRARY.dll" names that the module imports from.
 std::vector<const char*> ImportedLibraries(HMODULE module);
 
-/// In the place of Sleep: patience that a test has not.
-inline void WINAPI PauseShortly(DWORD milliseconds) {
-    Sleep(milliseconds / 10);
-}
+/// A library whose pauses take a tenth of their time: a person is waited for nowhere in a test.
+class HurriedLibrary {
+public:
+    explicit HurriedLibrary(HMODULE library)
+        : m_sleep(library, "Sleep", reinterpret_cast<void*>(&SleepShortly)),
+          m_wait(library, "SleepConditionVariableSRW", reinterpret_cast<void*>(&WaitShortly)) {}
+
+private:
+    static void WINAPI SleepShortly(DWORD milliseconds) { Sleep(milliseconds / 10); }
+    static BOOL WINAPI WaitShortly(CONDITION_VARIABLE* condition, SRWLOCK* lock, DWORD milliseconds, ULONG flags) {
+        return SleepConditionVariableSRW(condition, lock, milliseconds == INFINITE ? INFINITE : milliseconds / 10,
+                                         flags);
+    }
+
+    ReplacedImport m_sleep;
+    ReplacedImport m_wait;
+};
 
 }  // namespace QVTest
