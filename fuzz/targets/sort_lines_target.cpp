@@ -10,8 +10,8 @@ void Sort(std::string_view text, uint8_t rule, uint8_t order) {
     Lines<CharT> lines;
     std::basic_string<CharT> line;
     std::basic_string<CharT> units = Widened<CharT>(text);
-    // The mark of UTF-16 is no part of the text.
-    if (sizeof(CharT) > 1 && units.starts_with(static_cast<CharT>(0xFEFF))) units.erase(0, 1);
+    // The mark of UTF-16 is no part of the text, and a second one would become it when the lines are written again.
+    if (sizeof(CharT) > 1) units.erase(0, units.find_first_not_of(static_cast<CharT>(0xFEFF)));
     for (const CharT unit : units) {
         if (unit != CharT('\n') && unit != CharT('\r'))
             line += unit;
