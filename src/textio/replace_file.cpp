@@ -205,10 +205,13 @@ uint32_t FileReplacement::ReplaceByHand() {
     // answer could be out of date.
     uint32_t error = ERROR_SUCCESS;
     const std::wstring backup = FreeBackupName(m_original->path, [&](const std::wstring& name) {
-        error = Win32::MoveFileTo(m_original->path, name);
+        const bool fits = Win32::FileNameOf(name).size() <= Win32::kLongestName;
+        error = fits ? Win32::MoveFileTo(m_original->path, name) : ERROR_FILENAME_EXCED_RANGE;
         return error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS;
     });
-    if (backup.empty()) return MoveToTarget(true);
+    // Of a backup that is to be deleted anyway the name alone must not end the work.
+    const bool isNameless = backup.empty() || (error == ERROR_FILENAME_EXCED_RANGE && !m_request.keepBackup);
+    if (isNameless) return MoveToTarget(true);
     return error ? NotMoved(error, WantsBackup() ? kNoBackup : kNotReplaced) : MoveIn(backup);
 }
 

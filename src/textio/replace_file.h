@@ -62,8 +62,9 @@ std::optional<Win32::FileState> OriginalOf(const FileDataReader& reader, const s
 ///    and when this process is killed, with the next run in that folder (RemoveLeftovers).
 /// 7. What cannot be a file's name - a device, a stream - is refused before anything is written.
 ///
-/// When all names for backups are taken, the target is replaced without one. A new target is created under its name (a
-/// record beside it), and removed again unless it is completed or its part is to stay.
+/// When all names for backups are taken, the target is replaced without one; also when the target's name leaves too few
+/// characters for a backup's, unless the backup is to stay (code 206). A new target is created under its name (a record
+/// beside it), and removed again unless it is completed or its part is to stay.
 class FileReplacement {
 public:
     /// Only takes notice; nothing is opened yet.

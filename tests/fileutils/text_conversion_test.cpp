@@ -32,12 +32,13 @@ TEST(TextConversionCommand, ConvertsTheSelectionAndNamesWhatFails) {
     for (const auto& [id, answers, expected] : cases) {
         const CommandRunner runner;
         const std::wstring first = runner.Write(L"a.txt", "a\tb\r\n\nc\r");
-        const std::wstring second = runner.Write(L"b", "a\tb\r\n\nc\r");
+        const std::wstring longest(255, L'n');  // none is left for the ending of a temporary name
+        const std::wstring second = runner.Write(longest, "a\tb\r\n\nc\r");
         SetFileAttributesW(first.c_str(), FILE_ATTRIBUTE_HIDDEN);
         const HostRun run = runner.Run({L"command", id, runner / L"A.TXT", second}, answers);
         EXPECT_EQ(run.status, 0) << run.error;
         EXPECT_TRUE(Holds(run.error, "[question] Convert text: Files that will be changed: 2."));
-        EXPECT_EQ(runner.ReadAll(), (Contents{{L"a.txt", expected}, {L"b", expected}})) << run.error;
+        EXPECT_EQ(runner.ReadAll(), (Contents{{L"a.txt", expected}, {longest, expected}})) << run.error;
         EXPECT_EQ(GetFileAttributesW(first.c_str()) & FILE_ATTRIBUTE_HIDDEN, DWORD{FILE_ATTRIBUTE_HIDDEN});
     }
     const CommandRunner runner;

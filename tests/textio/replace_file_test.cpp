@@ -145,6 +145,20 @@ TEST(ReplaceFileContent, AFileOfSeveralNamesStaysAsItIs) {
     }
 }
 
+/// A name has 255 characters at most, those of ".bak" included.
+TEST(ReplaceFileContent, ANameOfFullLengthNeedsABackupsNameOnlyForABackupThatStays) {
+    const std::wstring longest(255, L'n');
+    for (const ReplaceRequest& way : kWays)
+        for (const bool isRead : {true, false}) {
+            const TemporaryFolder folder;
+            const std::wstring path = folder.Write(longest, "old");
+            const std::optional<Win32::FileState> original = isRead ? std::optional(StateOf(path)) : std::nullopt;
+            const uint32_t error = way.keepBackup ? ERROR_FILENAME_EXCED_RANGE : 0;
+            EXPECT_EQ(ErrorOf(To(path, way), WriteNew, original), error);
+            EXPECT_EQ(folder.ReadAll(), (Contents{{longest, error ? "old" : "new"}}));
+        }
+}
+
 /// A record is under its name whole or not at all, and never takes a name that it may not take.
 TEST(ReplaceRecord, TakesItsNameWhenItIsComplete) {
     const struct {

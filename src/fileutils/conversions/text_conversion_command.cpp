@@ -14,6 +14,8 @@
 #include "textio/data_reader.h"
 #include "textio/replace_file.h"
 #include "textio/told_streams.h"
+#include "win32/file_name.h"
+#include "win32/path.h"
 #include "win32/windows.h"
 
 namespace FileUtils {
@@ -71,7 +73,9 @@ void ConvertBytes(QVUtils::DataReader& reader, TextConverter converter, QVUtils:
 /// @throws QVUtilsException, also when there is a file of the temporary name, and when the user cancels (code 1223)
 void ConvertFile(IHostServices& host, const std::wstring& path, const TextConverter& converter,
                  const QVUtils::TellProgress& tell) {
-    const std::wstring temporary = path + L".temp" + std::to_wstring(std::time(nullptr));
+    std::wstring temporary = path + L".temp" + std::to_wstring(std::time(nullptr));
+    // A file of such a long name is converted all the same; only what cannot take its place does not stay.
+    if (Win32::FileNameOf(temporary).size() > Win32::kLongestName) temporary.clear();
     QVUtils::FileDataReader reader(path);
     QVUtils::FileReplacement replacement({.target = path, .mayOverwrite = true, .temporaryPath = temporary});
     replacement.Begin(QVUtils::OriginalOf(reader, path));
