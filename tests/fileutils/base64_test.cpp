@@ -117,6 +117,8 @@ TEST(Base64Command, AsksBeforeATargetIsReplacedAndRefusesTheSourceAsItsOwn) {
     const HostRun run = runner.Run({L"command", L"30211", same, linked, plain}, {L"yes"});
     EXPECT_EQ(std::count(run.out.begin(), run.out.end(), '\n'), 3) << run.out;
     EXPECT_EQ(runner.ReadAll(), before);
+    const HostRun nameless = runner.Run({L"command", L"30211", runner.Write(L".b64", "YWJj")}, {L"yes"});
+    EXPECT_TRUE(Holds(nameless.out, "( The target cannot be a file name, ErrorCode : 123 )")) << nameless.Said();
     const std::string notes = runner.Run({L"command", L"30210", runner.Write(L"same", "x")}, {L"no"}).error;
     EXPECT_TRUE(Holds(notes, "[question] Encode as Base64 (MIME): The file already exists:"));
     EXPECT_EQ(runner.Read(L"same.b64"), before.at(L"same.b64"));

@@ -146,6 +146,9 @@ uint64_t Convert(bool encodes, const std::wstring& path, const std::wstring& tar
 void ConvertFile(IHostServices& host, IFileOperations& files, bool encodes, const std::wstring& path,
                  const QVUtils::TellProgress& tell) {
     const std::wstring target = TargetOf(path, encodes);
+    // Looked at before the target is: a device is there, and so is the folder, which ".b64" without more would mean.
+    if (!Win32::IsFileName(Win32::FileNameOf(target)))
+        throw QVUtilsException(QVUtils::ErrorCode::InvalidName, "The target cannot be a file name");
     // By whatever name: writing the target would empty the file before it is read.
     if (Win32::EqualIgnoringCase(target, path) || Win32::IsSameFile(path, target))
         throw QVUtilsException(ERROR_INVALID_PARAMETER, "Source and target are the same file");
