@@ -48,8 +48,9 @@ Win32::FileState OriginalOf(const FileDataReader& reader, const std::wstring& pa
 
 std::optional<Win32::FileState> OriginalOf(const FileDataReader& reader, const std::wstring& path,
                                            const std::wstring& target) {
-    if (!Win32::EqualIgnoringCase(path, target)) return std::nullopt;
-    return OriginalOf(reader, path);
+    // There are folders that hold two files whose names differ in the case of letters only.
+    const bool isSame = path == target || (Win32::EqualIgnoringCase(path, target) && Win32::IsSameFile(path, target));
+    return isSame ? std::optional(OriginalOf(reader, path)) : std::nullopt;
 }
 
 FileReplacement::~FileReplacement() {

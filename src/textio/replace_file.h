@@ -37,7 +37,7 @@ struct ReplaceRequest {
 /// place only while it is still so.
 /// @throws QVUtilsException "Unable to read the access rights of the file"
 Win32::FileState OriginalOf(const FileDataReader& reader, const std::wstring& path);
-/// The same when `target` is that path, in whatever letters; else nothing.
+/// The same when `target` is that path, in whatever letters that mean the same file; else nothing.
 std::optional<Win32::FileState> OriginalOf(const FileDataReader& reader, const std::wstring& path,
                                            const std::wstring& target);
 

@@ -354,3 +354,14 @@ TEST(Successor, OfALinksTargetTakesItsPlaceAndTheLinkStays) {
         RunShell(folder, L"rm link");  // which the system here would follow
     }
 }
+
+TEST(Successor, OfAFileWhoseNameDiffersInLettersCaseLeavesTheSourceAlone) {
+    const TemporaryFolder folder;
+    const std::wstring source = folder.Write(L"a", "old");
+    const FileDataReader reader(source);
+    EXPECT_TRUE(OriginalOf(reader, source, folder / L"A")) << "one file, called by two names";
+    if (RunShell(folder, L"echo other > A").empty()) GTEST_SKIP() << "the folder holds one of the two";
+    ReplaceFileContent({.target = folder / L"A", .mayOverwrite = true}, WriteNew,
+                       OriginalOf(reader, source, folder / L"A"));
+    EXPECT_EQ(RunShell(folder, L"test $(cat a)$(cat A) = oldnew"), "0\n");
+}
