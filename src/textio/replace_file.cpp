@@ -185,15 +185,13 @@ std::optional<uint32_t> FileReplacement::ReplaceBySystem() {
     m_held.reset();
     m_file.Close();
     const uint32_t error = Win32::ReplaceBySystem(*m_original, m_path, backup);
-    const bool isAside = Win32::IsUnchangedAt(backup, *m_original);
-    if (error != ERROR_SUCCESS && isAside) return MoveIn(backup);
+    if (error != ERROR_SUCCESS && Win32::CheckMoved(backup, *m_original) == ERROR_SUCCESS) return MoveIn(backup);
     if (error != ERROR_SUCCESS) {
         Win32::RemoveFile(backup);
         m_file.Adopt(Win32::OpenSuccessor(m_path));
         return std::nullopt;
     }
     m_isOurs = false;
-    if (!isAside) BringBack(backup, ErrorCode::ReadFault, kChanged, Win32::MoveFileOver);
     if (!Win32::GiveRights(m_original->path, *m_original))
         BringBack(backup, ERROR_INVALID_SECURITY_DESCR, kNoRights, Win32::MoveFileOver);
     return FinishWith(backup);
@@ -254,7 +252,12 @@ uint32_t FileReplacement::FinishWith(const std::wstring& backup) {
     m_isOurs = false;
     m_isInPlace = true;
     m_held.reset();
-    return m_request.keepBackup ? ERROR_SUCCESS : Win32::RemoveFileWhateverItsAttributes(backup);
+    m_file.Abandon();  // a file that is open is not replaced
+    // A program that saves as it is done here may have given the name to its own file since the last look.
+    const uint32_t doubt = Win32::CheckMoved(backup, *m_original);
+    if (doubt == ERROR_FILE_INVALID) BringBack(backup, ErrorCode::ReadFault, kChanged, Win32::MoveFileOver);
+    if (m_request.keepBackup) return ERROR_SUCCESS;
+    return doubt ? doubt : Win32::RemoveFileWhateverItsAttributes(backup);
 }
 
 uint32_t ReplaceFileContent(const ReplaceRequest& request, const WriteContent& write,

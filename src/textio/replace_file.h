@@ -48,8 +48,9 @@ std::optional<Win32::FileState> OriginalOf(const FileDataReader& reader, const s
 ///    that has the target's access list from its first byte, and its owner and group where the system lets this user
 ///    give them. Without the same list nothing is replaced. A backup is the original itself.
 /// 2. Nobody's save is lost. A target whose number, size, write time or change time is another than when it was opened
-///    stays as it is, and from that look until it has been moved nobody can open it for writing. (A record is replaced
-///    in one step instead, and let go of for that.)
+///    stays as it is, and from that look until it has been moved nobody can open it for writing. A file that was
+///    given its name between the look and the move is put back. (A record is replaced in one step instead, and let go
+///    of for that.)
 /// 3. Durable. The new content is on disk before the target is touched, and has its name on disk before a backup is
 ///    deleted. A target's content is under its own name or its backup's at any time.
 /// 4. The file stays what it is: name as it stands on disk, attributes, creation time, compression, encryption,

@@ -266,12 +266,13 @@ uint32_t HoldUnchanged(const FileState& state, HeldFile& held) {
     return stamp == state.stamp ? ERROR_SUCCESS : ERROR_FILE_INVALID;
 }
 
-bool IsUnchangedAt(const std::wstring& path, const FileState& state) {
+uint32_t CheckMoved(const std::wstring& path, const FileState& state) {
     const HeldFile file = OpenFile(path, FILE_READ_ATTRIBUTES);
+    if (!file) return GetLastError();
     FileStamp stamp;
-    if (!file || GetStamp(file.get(), stamp) != ERROR_SUCCESS) return false;
-    stamp.changeTime = state.stamp.changeTime;
-    return stamp == state.stamp;
+    if (const uint32_t error = GetStamp(file.get(), stamp)) return error;
+    const bool isSame = stamp.size == state.stamp.size && stamp.writeTime == state.stamp.writeTime;
+    return isSame ? ERROR_SUCCESS : ERROR_FILE_INVALID;
 }
 
 std::wstring TemporaryNameBeside(const std::wstring& path) {

@@ -30,9 +30,10 @@ uint32_t GetState(void* openFile, const std::wstring& path, FileState& state);
 /// when both are so, ERROR_FILE_INVALID (1006) for another file, another content or none. As long as `held` lives
 /// nobody else can open the file for writing; a program that has it open so is waited for, as all that hold files are.
 uint32_t HoldUnchanged(const FileState& state, HeldFile& held);
-/// Is the file, which has been moved to `path`, as it was looked at? Its change time is not compared: moving changes
-/// it.
-bool IsUnchangedAt(const std::wstring& path, const FileState& state);
+/// Looks whether the file that has been moved to `path` is the one that was looked at, and as it was then. Size and
+/// write time say so: moving changes the change time, and on some file systems the file's number. Windows error code, 0
+/// when it is, ERROR_FILE_INVALID (1006) when it is not.
+uint32_t CheckMoved(const std::wstring& path, const FileState& state);
 
 /// A name beside `path` that nobody can guess, in the form of ExtendedPath: "~qv", 16 random hexadecimal digits, a
 /// check of 16 more, ".tmp".

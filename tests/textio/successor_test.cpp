@@ -199,7 +199,29 @@ BOOL WINAPI SaveFirst(LPCWSTR target, LPCWSTR from, LPCWSTR backup, DWORD flags,
     return Real<&ReplaceFileW>("ReplaceFileW")(target, from, backup, flags, one, two);
 }
 
+/// Before anything is moved away from its name, another program does the same with it.
+BOOL WINAPI SaveByMovingFirst(LPCWSTR from, LPCWSTR to, DWORD flags) {
+    const auto move = Real<&MoveFileExW>("MoveFileExW");
+    if (std::wstring_view(to).ends_with(L".bak")) {
+        EXPECT_TRUE(move(from, (std::wstring(from) + L".old").c_str(), 0));
+        const Win32::FileHandle other(CreateFileW(from, GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+        DWORD size = 0;
+        EXPECT_TRUE(WriteFile(other.Get(), "other", 5, &size, nullptr));
+    }
+    return move(from, to, flags);
+}
+
 }  // namespace
+
+TEST(Successor, GivesWayToAFileThatTookTheNameMeanwhile) {
+    for (const bool keeps : {true, false}) {
+        const TemporaryFolder folder;
+        const std::wstring path = folder.Write(L"a", "old");
+        const auto move = Replace("MoveFileExW", SaveByMovingFirst);
+        EXPECT_EQ(ErrorOf({path, false, keeps, !keeps}, WriteNew, StateOf(path)), ErrorCode::ReadFault);
+        EXPECT_EQ(folder.ReadAll(), (Contents{{L"a", "other"}, {L"a.old", "old"}}));
+    }
+}
 
 TEST(Successor, OfAFileThatTheSystemReplacesIsMadeByHandWhereItRefuses) {
     const auto real = Real<&ReplaceFileW>("ReplaceFileW");
