@@ -299,7 +299,7 @@ private:
     }
 
     /// The line before the match and `lineCount` - 1 lines from its own on, as far as there are such lines, joined by
-    /// CR LF. Tells `match` where in this text it stands.
+    /// CR LF, with blanks for zero characters. Tells `match` where in this text it stands.
     Text MakeContext(Match& match, uint32_t lineCount) const {
         Text context;
         const uint32_t first = match.startLine == 0 ? 0 : match.startLine - 1;
@@ -317,6 +317,8 @@ private:
             context += PartOf(line, from, match.startColumn - from + length + kContextUnits / 2);
             match.contextLength = static_cast<uint32_t>(std::min(length, context.size() - match.contextOffset));
         }
+        // Those who are asked see the text up to its first zero, which may be one of the file's.
+        std::ranges::replace(context, CharT(0), CharT(' '));
         return context;
     }
 

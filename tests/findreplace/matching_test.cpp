@@ -209,3 +209,9 @@ TYPED_TEST(Matching, QuestionsShowTheMatchAlsoInLinesTooLongToShow) {
     EXPECT_EQ(callback.matches[0].endColumn, 5003u);
     EXPECT_LT(callback.matches[0].contextOffset, 1100u);
 }
+
+TYPED_TEST(Matching, QuestionsShowTheMatchAlsoAfterZeroCharacters) {
+    RecordingCallback callback({Answer::FindNext});
+    Apply<TypeParam>(std::string("a\0b\nhit\0c\n", 10), kOne, L"hit", L"x", &callback);
+    EXPECT_EQ(callback.shown, std::vector<std::string>{"hit"});
+}

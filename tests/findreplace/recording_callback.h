@@ -41,8 +41,7 @@ public:
 private:
     uint32_t Answer(const std::string& context, const QVFindAndReplace::Match& match, const std::string& replacement,
                     uint32_t length) {
-        // A zero character ends the context here.
-        shown.push_back(context.substr(std::min<size_t>(match.contextOffset, context.size()), match.contextLength));
+        shown.push_back(context.substr(match.contextOffset, match.contextLength));
         matches.push_back(match);
         lastReplacement = replacement;
         lastLength = length;

@@ -59,12 +59,8 @@ uint32_t FindAndReplaceCallback::ConfirmA(const char* context, QVUtils::Encoding
     question.kind = kind;
     question.match = match;
     const std::string_view raw = question.rawContext;
-    // A zero byte in the line cuts the context short of the match; what is left of it is shown.
     question.match.contextOffset = DecodedLength(raw.substr(0, match.contextOffset));
-    if (match.contextOffset < raw.size())
-        question.match.contextLength = DecodedLength(raw.substr(match.contextOffset, match.contextLength));
-    else
-        question.match.contextLength = 0;
+    question.match.contextLength = DecodedLength(raw.substr(match.contextOffset, match.contextLength));
     return Ask(std::move(question));
 }
 
