@@ -101,7 +101,7 @@ void AddRename(CLI::App& app, RenameOptions& rename) {
     AddValue(app, "--save-profile", "NAME", rename.saveProfile, "Saves the rule");
     AddValue(app, "--time", "YYYY-MM-DDThh:mm:ss", rename.time, "What date and time tags give (now)");
     AddValue(app, "--names-from", "FILE", rename.namesFrom,
-             "The new names instead of a rule, one a line, UTF-8; - for standard input");
+             "The new names instead of a rule, one a line, UTF-8 or UTF-16; - for standard input");
     AddValue(app, "--sort", "ORDER", rename.sort, "The order in which [C] counts: natural, date, size or none (none)");
     AddValue(app, "--on-clash", "WAY", rename.onClash, "Names that are taken or wanted twice: fail or number (fail)");
     app.add_flag("--regex", rename.isRegex, "The find texts are regular expressions");

@@ -160,7 +160,7 @@ int RunAndTell(const std::vector<std::wstring>& arguments, HostEnvironment& envi
                Report& report) {
     try {
         const HostOptions options = ParseCommandLine(arguments);
-        if (!options.printsJson) output.CollectIn(nullptr);
+        output.CollectIn(options.printsJson ? &report : nullptr);
         const bool hasName = options.action == Action::Call || options.action == Action::Command ||
                              (options.action == Action::Undo && !options.operands.empty());
         report.SetCommand(options.actionName, hasName ? options.operands.front() : L"");

@@ -18,9 +18,8 @@ namespace {
 
 using TakePath = std::function<void(const std::wstring& path)>;
 
-/// A list in UTF-16, told by its mark, as UTF-8; nothing for any other. What UTF-16 cannot hold is damaged so that it
-/// is no path: a lone surrogate leads nowhere.
-std::optional<std::string> Utf8OfUtf16(std::string_view bytes) {
+/// The text of a list in UTF-16, told by its mark; nothing for any other.
+std::optional<std::wstring> TextOfUtf16(std::string_view bytes) {
     const bool isBigEndian = bytes.starts_with("\xFE\xFF");
     if (!isBigEndian && !bytes.starts_with("\xFF\xFE")) return std::nullopt;
     std::wstring text;
@@ -29,32 +28,31 @@ std::optional<std::string> Utf8OfUtf16(std::string_view bytes) {
         const auto second = static_cast<uint8_t>(bytes[at + 1]);
         text += static_cast<wchar_t>(isBigEndian ? first << 8 | second : second << 8 | first);
     }
-    return ToUtf8(text);
+    return text;
 }
 
-void ReadList(const std::wstring& listFile, std::istream& in, const TakePath& take) {
-    std::string bytes;
-    if (listFile == L"-") {
-        bytes.assign(std::istreambuf_iterator<char>(in), {});
-    } else {
-        const uint32_t error = ReadWholeFile(FullUserPath(listFile), bytes);
-        if (error != ERROR_SUCCESS)
-            throw UsageError(L"cannot read the list of files " + listFile + L": " + DescribeError(error));
+void TakeLines(std::wstring_view text, const TakeLine& take) {
+    for (size_t number = 1; !text.empty(); ++number) {
+        const size_t end = std::min(text.find(L'\n'), text.size());
+        std::wstring_view line = text.substr(0, end);
+        if (line.ends_with(L'\r')) line.remove_suffix(1);
+        take(line, number);
+        text.remove_prefix(std::min(end + 1, text.size()));
     }
-    size_t number = 0;
+}
+
+void ReadPaths(const std::wstring& listFile, std::istream& in, const TakePath& take) {
     std::wstring path;
-    const std::optional<std::string> fromUtf16 = Utf8OfUtf16(bytes);
-    for (const std::string_view line : LinesOf(fromUtf16 ? *fromUtf16 : bytes)) {
-        ++number;
-        const auto place = [&] { return L"line " + std::to_wstring(number) + L" of " + listFile; };
-        if (!FromUtf8(line, path)) throw UsageError(place() + L" is neither UTF-8 nor UTF-16 with a mark");
+    ForEachLineOfList(listFile, L"list of files", in, [&](std::wstring_view line, size_t number) {
         // No name holds quotes; lists that are copied from a file manager have them around each path.
-        if (path.size() > 1 && path.front() == L'"' && path.back() == L'"') path = path.substr(1, path.size() - 2);
+        if (line.size() > 1 && line.front() == L'"' && line.back() == L'"') line = line.substr(1, line.size() - 2);
         // Lists such as `find -print0` makes; the system would take what stands before the zero for the path.
-        if (path.find(L'\0') != std::wstring::npos)
-            throw UsageError(place() + L" holds a zero character; each path needs a line of its own");
+        if (line.find(L'\0') != std::wstring_view::npos)
+            throw UsageError(L"line " + std::to_wstring(number) + L" of " + listFile +
+                             L" holds a zero character; each path needs a line of its own");
+        path = line;
         if (!path.empty()) take(path);
-    }
+    });
 }
 
 /// A path as it was typed, or, where its name has wildcards and is nobody's, what the wildcards match, in order of
@@ -77,6 +75,27 @@ void TakeTyped(const std::wstring& typed, const TakePath& take) {
 
 }  // namespace
 
+void ForEachLineOfList(const std::wstring& listFile, const std::wstring& what, std::istream& in, const TakeLine& take) {
+    std::string bytes;
+    if (listFile == L"-") {
+        bytes.assign(std::istreambuf_iterator<char>(in), {});
+    } else {
+        const uint32_t error = ReadWholeFile(FullUserPath(listFile), bytes);
+        if (error != ERROR_SUCCESS)
+            throw UsageError(L"cannot read the " + what + L" " + listFile + L": " + DescribeError(error));
+    }
+    if (const std::optional<std::wstring> text = TextOfUtf16(bytes)) return TakeLines(*text, take);
+    size_t number = 0;
+    std::wstring wide;
+    for (const std::string_view line : LinesOf(bytes)) {
+        ++number;
+        if (!FromUtf8(line, wide))
+            throw UsageError(L"line " + std::to_wstring(number) + L" of " + listFile +
+                             L" is neither UTF-8 nor UTF-16 with a mark");
+        take(wide, number);
+    }
+}
+
 void ForEachSelectedPath(const std::vector<std::wstring>& given, const std::optional<std::wstring>& listFile,
                          std::istream& in, const TakeSelected& take) {
     FullUserPaths fullPath;
@@ -87,7 +106,7 @@ void ForEachSelectedPath(const std::vector<std::wstring>& given, const std::opti
         take(path, full);
     };
     for (const std::wstring& typed : given) TakeTyped(typed, takeFull);
-    if (listFile) ReadList(*listFile, in, takeFull);
+    if (listFile) ReadPaths(*listFile, in, takeFull);
 }
 
 std::vector<std::wstring> SelectedPaths(const std::vector<std::wstring>& given,

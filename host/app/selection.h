@@ -5,9 +5,17 @@
 #include <istream>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace QVHost {
+
+/// What is done with each line: without its end, and its number, counted from 1.
+using TakeLine = std::function<void(std::wstring_view line, size_t number)>;
+
+/// Takes the lines of a text file (`-`: of `in`), in UTF-8 or, with a mark, in UTF-16.
+/// @throws UsageError when it cannot be read, with `what` the file is, or at a line of another encoding
+void ForEachLineOfList(const std::wstring& listFile, const std::wstring& what, std::istream& in, const TakeLine& take);
 
 /// What is done with each path: as it was given, and in full.
 using TakeSelected = std::function<void(const std::wstring& given, const std::wstring& full)>;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 #include <functional>
-#include <iterator>
 #include <new>
 #include <string_view>
 #include <unordered_set>
@@ -12,10 +11,7 @@
 #include "batchrename/model/row_order.h"
 #include "batchrename/run/rename_run.h"
 #include "host/app/host_error.h"
-#include "host/app/host_text.h"
 #include "host/app/selection.h"
-#include "host/app/unix_paths.h"
-#include "host/contract/whole_file.h"
 #include "win32/file_name.h"
 #include "win32/folder.h"
 #include "win32/path.h"
@@ -59,18 +55,14 @@ RenameItems Sorted(const RenameItems& rows, const std::wstring& order) {
 }
 
 void TakeNames(const RenameItems& rows, const std::wstring& listFile, std::istream& in) {
-    std::string bytes;
-    if (listFile == L"-")
-        bytes.assign(std::istreambuf_iterator<char>(in), {});
-    else if (const uint32_t error = ReadWholeFile(FullUserPath(listFile), bytes))
-        throw UsageError(L"cannot read the new names in " + listFile + L": " + DescribeError(error));
-    const std::vector<std::string_view> lines = LinesOf(bytes);
-    if (lines.size() != rows.size())
-        throw UsageError(listFile + L" has " + std::to_wstring(lines.size()) + L" names for " +
-                         std::to_wstring(rows.size()) + L" files and folders");
-    for (size_t row = 0; row < rows.size(); ++row)
-        if (!FromUtf8(lines[row], rows[row]->newName))
-            throw UsageError(L"line " + std::to_wstring(row + 1) + L" of " + listFile + L" is not UTF-8");
+    size_t count = 0;
+    ForEachLineOfList(listFile, L"list of new names", in, [&](std::wstring_view line, size_t number) {
+        count = number;
+        if (count <= rows.size()) rows[count - 1]->newName = line;
+    });
+    if (count != rows.size())
+        throw UsageError(listFile + L" has " + std::to_wstring(count) + L" names for " + std::to_wstring(rows.size()) +
+                         L" files and folders");
 }
 
 /// "photo.jpg" with 2: "photo (2).jpg".

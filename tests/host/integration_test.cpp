@@ -74,6 +74,7 @@ TEST(Report, HasOneSchemaForEveryCommandAndOutcome) {
         EXPECT_EQ(messages.empty(), std::string_view(c.said).empty()) << messages;
     }
     EXPECT_EQ(host.Run({L"menus", L"--json"}).status, 2);
+    EXPECT_TRUE(json::accept(host.Run({L"undo", L"--json=true"}).out));
     const HostRun unasked = host.Run({L"call", L"Ask", L"STYLE=35", L"--json"}, {}, Words{L"YES"});
     EXPECT_NE(unasked.out.find("button 7"), std::string::npos) << "nobody sees a question in a document";
 }
@@ -147,6 +148,9 @@ TEST(FilesFrom, TakesListsAsPeopleAndProgramsWriteThem) {
         EXPECT_EQ(run.error, "[done] " + QVHost::ToUtf8(path) + "\n");
     }
     EXPECT_EQ(host.Run({L"command", L"40000", L"--files-from", L"-"}, "a\xFF").status, 2);
+    const HostRun named =
+        host.Run({L"rename", path, L"--names-from", L"-", L"--preview"}, Utf16(L"\xFEFFn\u00E9w\r\n"));
+    EXPECT_NE(named.out.find("\tn\xC3\xA9w\trename"), std::string::npos) << named.Said();
 }
 
 TEST(Completion, KnowsEveryWordOfTheCommandLine) {
