@@ -33,7 +33,9 @@ bool IsSpelled(const std::wstring& path) {
 }  // namespace
 
 uint32_t RenameOne(const std::wstring& path, const std::wstring& newName, const std::wstring& asideName) {
-    if (!Win32::IsFileName(newName)) return ERROR_INVALID_NAME;
+    // A restore gives back half a pair, which the system takes.
+    const Win32::NameFault fault = Win32::CheckFileName(newName).fault;
+    if (fault != Win32::NameFault::None && fault != Win32::NameFault::LoneSurrogate) return ERROR_INVALID_NAME;
     const std::wstring folder(Win32::FolderOf(path));
     const std::wstring target = folder + newName;
     uint32_t error = Win32::MoveFileTo(path, target);

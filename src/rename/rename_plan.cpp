@@ -229,7 +229,9 @@ private:
             return;
         }
         const Win32::NameCheck check = Win32::CheckFileName(item.newName);
-        if (check.fault != Win32::NameFault::None)
+        // Half a pair is a name that the system takes: nobody should choose it, but who had it gets it back.
+        const bool isOldName = item.state == RowState::Restore && check.fault == Win32::NameFault::LoneSurrogate;
+        if (check.fault != Win32::NameFault::None && !isOldName)
             return Fail(row, RowReason::BadName,
                         check.fault == Win32::NameFault::TooLong ? kNameTooLong : kInvalidName);
         if (item.location.size() + item.newName.size() + kPathReserve > kLongestPath)

@@ -110,8 +110,10 @@ TEST(UndoStore, ListsTheNewestFirstAndDeletesWhatItCan) {
     folder.Write(L"b.dat", Utf16(L"[INFO]\nDate : 1457360946\n"));
     folder.Write(L"damaged.dat", "\x01");
     folder.Write(L"other.txt", "");
+    CreateDirectoryW((folder / L"folder.dat").c_str(), nullptr);
     store.SetFolder(folder.Path());
     ASSERT_EQ(store.Sessions().size(), 3u);
+    RemoveDirectoryW((folder / L"folder.dat").c_str());
     EXPECT_EQ(store.Sessions()[0]->fileName, L"b.dat");
     EXPECT_EQ(store.Sessions()[2]->fileName, L"damaged.dat");
     EXPECT_FALSE(store.Delete(std::make_shared<BatchRenameUndo>()));

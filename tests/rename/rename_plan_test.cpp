@@ -47,6 +47,13 @@ TEST(PlanRenames, GivesEachRowOneVerdictWithItsReason) {
     }
 }
 
+TEST(PlanRenames, GivesBackANameThatNobodyMayChoose) {
+    const RenameItems rows = Rows(kFolder, {{L"a", L"\xD83D"}});
+    EXPECT_EQ(PlanRenames(rows, {Listing(kFolder, {L"a"})}).rows[0].reason, RowReason::BadName);
+    rows[0]->state = RowState::Restore;
+    EXPECT_EQ(PlanRenames(rows, {Listing(kFolder, {L"a"})}).rows[0].reason, RowReason::None);
+}
+
 TEST(PlanRenames, FailsTheRowsOfAFolderThatCannotBeRead) {
     const RenameItems rows = Rows(kFolder, {{L"a", L"b"}});
     const RenamePlan plan = PlanRenames(rows, {{kFolder, {}, 5}});

@@ -64,11 +64,13 @@ const std::vector<std::shared_ptr<BatchRenameUndo>>& UndoStore::Sessions() {
 }
 
 std::vector<UndoStore::Listed> UndoStore::ListFolder() const {
-    std::vector<std::wstring> names;
-    Win32::ListFolder(m_folder, L"*.dat", names);
+    std::vector<Win32::FolderEntry> entries;
+    Win32::ListFolder(m_folder, L"*.dat", entries);
     std::vector<Listed> all;
-    for (std::wstring& name : names) {
+    for (Win32::FolderEntry& entry : entries) {
+        if ((entry.attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) continue;
         Listed listed;
+        std::wstring& name = entry.name;
         if (const std::optional<CalendarTime> time = TimeOfFileName(name)) {
             listed.seconds = SecondsOf(*time);
         } else {
