@@ -4,6 +4,7 @@
 
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
+#include "host/app/selection.h"
 #include "host/app/session.h"
 #include "host/app/unix_paths.h"
 #include "host/selftest/self_test.h"
@@ -142,8 +143,10 @@ std::vector<std::wstring> CommonOptions(const HostOptions& options, const std::w
 }  // namespace
 
 int RunSelfTest(const HostOptions& options, const HostEnvironment& environment, Output& output) {
+    const bool isGiven = !options.operands.empty();
+    if (isGiven && options.operands.front().empty()) RefuseMissingPath({});
     const std::wstring where(
-        Win32::WithoutSeparator(options.operands.empty() ? TemporaryFolder() : FullUserPath(options.operands.front())));
+        Win32::WithoutSeparator(isGiven ? FullUserPath(options.operands.front()) : TemporaryFolder()));
     const OwnFolder own(where);
     const Volume volume = VolumeOf(own.Path());
     PrintHead(output, volume);

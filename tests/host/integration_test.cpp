@@ -134,6 +134,7 @@ TEST(SelfTest, TellsWhatFailedAndNotWhereAndLeavesNothing) {
     const HostRun lost = host.Run({L"selftest", folder.Path(), L"--library", folder / L"none.dll"});
     EXPECT_NE(lost.out.find("there is no file FOLDER\\none.dll"), std::string::npos) << lost.out;
     EXPECT_EQ(host.Run({L"selftest", folder / L"none"}).status, 2);
+    EXPECT_EQ(host.Run({L"selftest", L""}).status, 2);
 }
 
 TEST(FilesFrom, TakesListsAsPeopleAndProgramsWriteThem) {
