@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 #include <iterator>
+#include <unordered_set>
 
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
@@ -112,7 +113,10 @@ void ForEachSelectedPath(const std::vector<std::wstring>& given, const std::opti
 std::vector<std::wstring> SelectedPaths(const std::vector<std::wstring>& given,
                                         const std::optional<std::wstring>& listFile, std::istream& in) {
     std::vector<std::wstring> paths;
+    // In exactly these letters: there are folders in which names that differ in case alone are two.
+    std::unordered_set<std::wstring> known;
     ForEachSelectedPath(given, listFile, in, [&](const std::wstring& path, const std::wstring& full) {
+        if (!known.insert(full).second) return;
         if (!Win32::Exists(full)) RefuseMissingPath(path);
         paths.push_back(full);
     });

@@ -27,7 +27,7 @@ using TakeSelected = std::function<void(const std::wstring& given, const std::ws
 void ForEachSelectedPath(const std::vector<std::wstring>& given, const std::optional<std::wstring>& listFile,
                          std::istream& in, const TakeSelected& take);
 
-/// All of them in full.
+/// All of them in full; one that is given twice comes once, as in a panel.
 /// @throws UsageError naming the first path that does not exist, or a list that cannot be read
 std::vector<std::wstring> SelectedPaths(const std::vector<std::wstring>& given,
                                         const std::optional<std::wstring>& listFile, std::istream& in);

@@ -145,7 +145,7 @@ TEST(FilesFrom, TakesListsAsPeopleAndProgramsWriteThem) {
     std::string big = little;
     for (size_t at = 0; at + 1 < big.size(); at += 2) std::swap(big[at], big[at + 1]);
     for (const std::string& bytes : {QVHost::ToUtf8(list), little, big}) {
-        const HostRun run = host.Run({L"command", L"40000", L"--files-from", L"-"}, bytes);
+        const HostRun run = host.Run({L"command", L"40000", path, L"--files-from", L"-"}, bytes);
         EXPECT_EQ(run.error, "[done] " + QVHost::ToUtf8(path) + "\n");
     }
     EXPECT_EQ(host.Run({L"command", L"40000", L"--files-from", L"-"}, "a\xFF").status, 2);
