@@ -177,6 +177,22 @@ const CharT* FindUnit(const CharT* begin, const CharT* end, CharT unit) {
     return begin;
 }
 
+uint64_t MarkUnits(const char* begin, const char* end, char unit) {
+    uint64_t marks = 0;
+#ifdef __SSE2__
+    if (static_cast<size_t>(end - begin) >= kMarks) {
+        using B = Block<char>;
+        const __m128i wanted = B::Fill(unit);
+        for (size_t at = 0; at < kMarks; at += B::kUnits)
+            marks |= uint64_t{B::Mask(B::Equal(B::Load(begin + at), wanted))} << at;
+        return marks;
+    }
+#endif
+    const size_t count = std::min(static_cast<size_t>(end - begin), kMarks);
+    for (size_t at = 0; at < count; ++at) marks |= uint64_t{begin[at] == unit} << at;
+    return marks;
+}
+
 template <class CharT>
 CaseFolding<CharT>::CaseFolding() : m_folded(size_t{1} << 8 * sizeof(CharT)) {
     for (size_t index = 0; index < m_folded.size(); ++index) {

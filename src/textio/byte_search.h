@@ -62,6 +62,12 @@ LineBegins CountLineBegins(const CharT* begin, const CharT* end);
 template <class CharT>
 const CharT* FindUnit(const CharT* begin, const CharT* end, CharT unit);
 
+/// Units that MarkUnits looks at, at most.
+inline constexpr size_t kMarks = 64;
+
+/// Where text has many hits of one byte: bit N is set when the Nth of the next kMarks bytes is there and is `unit`.
+uint64_t MarkUnits(const char* begin, const char* end, char unit);
+
 /// A text made ready to be found many times.
 ///
 /// Time of a search: one look at each unit plus one comparison for each place where the text's first and last unit fit.

@@ -21,6 +21,20 @@ TEST(TextConverter, FollowsThePlainRulesWhereverTheBlocksAreCut) {
             RunTarget(QVFuzz::RunTextConversion, {tabWidth * 4 + kTabsToSpaces, 2}, text);
 }
 
+// Texts are gone through in blocks, and short pieces copied in steps: a hit at each place of a block, and pieces of all
+// kinds of length up to it.
+TEST(TextConverter, FollowsThePlainRulesWhereverAHitLiesInALongText) {
+    for (size_t length = 0; length < 70; ++length) {
+        for (const std::string hit : {"\r\n", "\n\r", "\t\t"}) {
+            const std::string piece(length, 'a');
+            const std::string text =
+                piece + hit + std::string(200, 'b') + hit + piece + hit + std::string(1100, 'c') + hit + piece;
+            for (const int conversion : {0, 1, 2, 20 * 4 + kTabsToSpaces})
+                RunTarget(QVFuzz::RunTextConversion, {conversion, 63}, text);
+        }
+    }
+}
+
 // What is kept of a file that is replaced, and of one that cannot be, is held by the tests of the one writer.
 TEST(TextConversionCommand, ConvertsTheSelectionAndNamesWhatFails) {
     const std::tuple<const wchar_t*, Names, std::string> cases[] = {

@@ -24,10 +24,10 @@ public:
     explicit TextConverter(TextConversion conversion, uint32_t tabWidth = 0)
         : m_conversion(conversion), m_tabWidth(tabWidth) {}
 
-    /// Most bytes that a block of `size` bytes can become.
+    /// Bytes of memory in which to put what becomes of a block of `size` bytes: at least as many as it can become.
     size_t LargestResult(size_t size) const;
 
-    /// Converts the next block into `out`, which has room for LargestResult, and gives the number of bytes written.
+    /// Converts the next block into `out`, which has LargestResult bytes, and gives the number of bytes written.
     size_t Convert(const char* data, size_t size, char* out);
 
 private:
