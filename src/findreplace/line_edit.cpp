@@ -12,15 +12,15 @@ void LineEdit<CharT>::Begin(View line) {
     m_line = line;
     m_isChanged = m_isFinished = false;
     m_passed = 0;
-    m_done.clear();
+    m_done.Clear();
     m_ahead = line;
     m_put = 0;
     m_isBehindReplacement = false;
 }
 
 template <class CharT>
-std::vector<CharT> LineEdit<CharT>::TakeText() {
-    m_done.insert(m_done.end(), m_ahead.begin(), m_ahead.end());
+PassingText<CharT> LineEdit<CharT>::TakeText() {
+    m_done.Append(m_ahead);
     return std::exchange(m_done, {});
 }
 
@@ -59,8 +59,8 @@ void LineEdit<CharT>::Replace(Span match, View replacement, LineMatcher<CharT>& 
     if (!m_isChanged) {
         m_isChanged = true;
         // Most replacements are about as long as what they replace; a long line must not be copied while it grows.
-        m_done.reserve(m_line.size() + m_line.size() / 8 + replacement.size());
-        m_done.assign(m_line.begin(), m_line.begin() + static_cast<std::ptrdiff_t>(m_passed));
+        m_done.Reserve(m_line.size() + m_line.size() / 8 + replacement.size());
+        m_done.Append(m_line.substr(0, m_passed));
     }
     const size_t lengthBefore = m_ahead.size();
     Pass(match.start);
@@ -69,7 +69,7 @@ void LineEdit<CharT>::Replace(Span match, View replacement, LineMatcher<CharT>& 
     // empty match would be found at the same place for ever.
     size_t kept = std::min(replacement.size(), match.length);
     if (match.length == 0 || !matcher.MayBeginIn(replacement.substr(kept), m_ahead)) kept = replacement.size();
-    m_done.insert(m_done.end(), replacement.begin(), replacement.begin() + static_cast<std::ptrdiff_t>(kept));
+    m_done.Append(replacement.substr(0, kept));
     m_put = replacement.size() - kept;
     PushBack(replacement.substr(kept));
     m_isBehindReplacement = kept == replacement.size() && kept > 0;
@@ -85,7 +85,7 @@ void LineEdit<CharT>::Pass(size_t length) {
         length = m_ahead.size();
     }
     if (m_isChanged)
-        m_done.insert(m_done.end(), m_ahead.begin(), m_ahead.begin() + static_cast<std::ptrdiff_t>(length));
+        m_done.Append(m_ahead.substr(0, length));
     else
         m_passed += length;
     m_ahead.remove_prefix(length);

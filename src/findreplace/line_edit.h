@@ -6,9 +6,9 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "findreplace/line_matcher.h"
+#include "findreplace/passing_text.h"
 
 namespace QVFindAndReplace {
 
@@ -39,15 +39,13 @@ public:
     /// The text to be searched next. Spans below count from its beginning.
     View GetAhead() const noexcept { return m_ahead; }
     /// Characters of the line before the text ahead.
-    size_t GetColumn() const noexcept { return m_isChanged ? m_done.size() : m_passed; }
+    size_t GetColumn() const noexcept { return m_isChanged ? m_done.Size() : m_passed; }
     bool IsChanged() const noexcept { return m_isChanged; }
     /// The line's text up to the position and from it on.
-    View GetDone() const noexcept {
-        return m_isChanged ? View(m_done.data(), m_done.size()) : m_line.substr(0, m_passed);
-    }
+    View GetDone() const noexcept { return m_isChanged ? m_done.Get() : m_line.substr(0, m_passed); }
 
     /// Ends the edit: gives the line's new text, of which nothing is kept here.
-    std::vector<CharT> TakeText();
+    PassingText<CharT> TakeText();
 
     /// At most `length` characters of the line as it stands, from column `from` on.
     std::basic_string<CharT> GetPart(size_t from, size_t length) const;
@@ -70,7 +68,7 @@ private:
     bool m_isChanged = false;
     bool m_isFinished = false;
     size_t m_passed = 0;        // while nothing is changed, the units of m_line that are done
-    std::vector<CharT> m_done;  // from the first change on
+    PassingText<CharT> m_done;  // from the first change on
     View m_ahead;
     // Holds m_ahead at its end once something was pushed back. Its front is memory that was not touched yet.
     std::unique_ptr<CharT[]> m_room;

@@ -1,8 +1,10 @@
 #include "findreplace/lines.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "findreplace/request.h"
+#include "textio/short_copy.h"
 #include "textio/text_file.h"
 
 namespace QVFindAndReplace {
@@ -15,6 +17,26 @@ template <class CharT>
 bool HasBreak(const LineRecord<CharT>& record) {
     return record.lineBreak != LineBreak::None;
 }
+
+/// Collects what is written line by line.
+class Collector {
+public:
+    explicit Collector(QVUtils::DataWriter& writer) : m_writer(writer) {}
+
+    void Write(const void* data, size_t size) {
+        const bool isLong = size > sizeof(m_bytes) / 2;
+        if (isLong || size > sizeof(m_bytes) - m_collected) Flush();
+        if (isLong) return QVUtils::WriteAll(m_writer, data, size);
+        QVUtils::CopyBytes(m_bytes + m_collected, data, size);
+        m_collected += size;
+    }
+    void Flush() { QVUtils::WriteAll(m_writer, m_bytes, std::exchange(m_collected, 0)); }
+
+private:
+    QVUtils::DataWriter& m_writer;
+    size_t m_collected = 0;
+    char m_bytes[8192] = {};
+};
 
 }  // namespace
 
@@ -39,7 +61,6 @@ CharT* TextArena<CharT>::Allocate(size_t length) {
 template <class CharT>
 void TextArena<CharT>::Clear() {
     m_longTexts.clear();
-    m_adopted.clear();
     if (m_blocks.empty()) return;
     m_blocks.resize(1);
     m_next = m_blocks.front().get();
@@ -75,15 +96,15 @@ void Lines<CharT>::SetLine(uint32_t line, View head, View tail) {
     const size_t length = head.size() + tail.size();
     // Room for one unit at least: an edit to no text at all is an edit too, and shows by its address.
     CharT* const text = m_arena.Allocate(std::max<size_t>(length, 1));
-    std::copy(head.begin(), head.end(), text);
-    std::copy(tail.begin(), tail.end(), text + head.size());
+    QVUtils::CopyBytes(text, head.data(), head.size() * sizeof(CharT));
+    QVUtils::CopyBytes(text + head.size(), tail.data(), tail.size() * sizeof(CharT));
     Edit(line, text, length);
 }
 
 template <class CharT>
-void Lines<CharT>::SetLine(uint32_t line, std::vector<CharT>&& text) {
-    Edit(line, text.data(), text.size());
-    m_arena.Adopt(std::move(text));
+void Lines<CharT>::SetLine(uint32_t line, PassingText<CharT>&& text) {
+    Edit(line, text.Get().data(), text.Size());
+    m_arena.Adopt(text.Release());
 }
 
 template <class CharT>
@@ -131,9 +152,9 @@ void Lines<CharT>::Save(QVUtils::DataWriter& writer, LineBreak& style, uint32_t 
         writer.SetLineBreak(QVUtils::LineBreakBytes<CharT>(style == LineBreak::None ? LineBreak::Lf : style));
     }
 
-    const auto write = [&](const CharT* text, size_t length) {
-        QVUtils::WriteAll(writer, text, length * sizeof(CharT));
-    };
+    Collector collector(writer);
+    const auto write = [&](const CharT* text, size_t length) { collector.Write(text, length * sizeof(CharT)); };
+    const auto writeBreak = [&] { collector.Write(writer.GetLineBreak().data(), writer.GetLineBreak().size()); };
     // Neighbouring lines that are written just as they stand in the text go out in one piece.
     const CharT* pieceBegin = nullptr;
     const CharT* pieceEnd = nullptr;
@@ -157,19 +178,20 @@ void Lines<CharT>::Save(QVUtils::DataWriter& writer, LineBreak& style, uint32_t 
         writePiece();
         if (!record.isRemoved) {
             write(record.edited ? record.edited : record.text, record.currentLength);
-            if (HasBreak(record)) writer.WriteNewLine();
+            if (HasBreak(record)) writeBreak();
         }
         if (!record.hasInsertedLines) continue;
         // An added line ends in a break. Only after the file's last line, when that has none, the break stands between
         // them. A lone CR ends a line too, and is lost as everywhere: what follows it joins on, an added line as well.
         const bool isEnd = !HasBreak(record) && record.text + record.length == m_text.data() + m_text.size();
         for (const auto& text : m_inserted.at(line)) {
-            if (isEnd) writer.WriteNewLine();
+            if (isEnd) writeBreak();
             write(text.data(), text.size());
-            if (!isEnd) writer.WriteNewLine();
+            if (!isEnd) writeBreak();
         }
     }
     writePiece();
+    collector.Flush();
 }
 
 template <class CharT>

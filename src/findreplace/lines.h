@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "findreplace/passing_text.h"
 #include "textio/data_writer.h"
 #include "textio/line_splitter.h"
 
@@ -19,8 +20,8 @@ class TextArena {
 public:
     /// Room for `length` units, valid until Clear.
     CharT* Allocate(size_t length);
-    /// Keeps a text that was built elsewhere; it stays where it is.
-    void Adopt(std::vector<CharT>&& text) { m_adopted.push_back(std::move(text)); }
+    /// Keeps a text that was built elsewhere.
+    void Adopt(std::unique_ptr<CharT[]> text) { m_longTexts.push_back(std::move(text)); }
     /// Gives up all texts, and keeps one block for the next ones.
     void Clear();
 
@@ -28,7 +29,6 @@ private:
     static constexpr size_t kBlockUnits = (1 << 18) / sizeof(CharT);
     std::vector<std::unique_ptr<CharT[]>> m_blocks;
     std::vector<std::unique_ptr<CharT[]>> m_longTexts;
-    std::vector<std::vector<CharT>> m_adopted;
     CharT* m_next = nullptr;
     size_t m_left = 0;
 };
@@ -79,7 +79,7 @@ public:
     /// Gives a line the text `head` + `tail`. Both may lie in the line's present text.
     void SetLine(uint32_t line, View head, View tail);
     /// The same, taking the text over instead of copying it.
-    void SetLine(uint32_t line, std::vector<CharT>&& text);
+    void SetLine(uint32_t line, PassingText<CharT>&& text);
     /// The line is searched and written no more.
     void RemoveLine(uint32_t line);
     /// Adds a line after `line` and after those added there before. Added lines are written, never searched: that

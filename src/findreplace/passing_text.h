@@ -6,6 +6,8 @@
 #include <memory>
 #include <string_view>
 
+#include "textio/short_copy.h"
+
 namespace QVFindAndReplace {
 
 template <class CharT>
@@ -20,33 +22,24 @@ public:
 
     void Append(const CharT* begin, const CharT* end) {
         const auto length = static_cast<size_t>(end - begin);
-        if (m_capacity - m_size < length) Grow(length);
-        Copy(reinterpret_cast<char*>(m_units.get() + m_size), reinterpret_cast<const char*>(begin),
-             length * sizeof(CharT));
+        Reserve(length);
+        QVUtils::CopyBytes(m_units.get() + m_size, begin, length * sizeof(CharT));
         m_size += length;
     }
     void Append(View text) { Append(text.data(), text.data() + text.size()); }
 
+    /// Makes sure of memory for so many more units.
+    void Reserve(size_t more) {
+        if (m_capacity - m_size < more) Grow(more);
+    }
+
+    /// Gives up the memory, in which the text stays where it is.
+    std::unique_ptr<CharT[]> Release() noexcept {
+        m_size = m_capacity = 0;
+        return std::move(m_units);
+    }
+
 private:
-    /// Mostly it is the text between two hits: a call for each would cost more than the copy.
-    static void Copy(char* to, const char* from, size_t size) {
-        if (size > kLongBytes)
-            std::memcpy(to, from, size);
-        else if (size >= 16)
-            CopyWords<16>(to, from, size);
-        else if (size >= 4)
-            CopyWords<4>(to, from, size);
-        else
-            std::copy(from, from + size, to);
-    }
-
-    /// Word by word, the last of which may overlap the one before.
-    template <size_t kWord>
-    static void CopyWords(char* to, const char* from, size_t size) {
-        for (size_t at = 0; at + kWord < size; at += kWord) std::memcpy(to + at, from + at, kWord);
-        std::memcpy(to + size - kWord, from + size - kWord, kWord);
-    }
-
     void Grow(size_t more) {
         const size_t capacity = std::max(2 * m_capacity, m_size + more + kLeastUnits);
         auto larger = std::make_unique_for_overwrite<CharT[]>(capacity);
@@ -55,8 +48,7 @@ private:
         m_capacity = capacity;
     }
 
-    static constexpr size_t kLongBytes = 512;
-    static constexpr size_t kLeastUnits = size_t{192} * 1024 / sizeof(CharT);
+    static constexpr size_t kLeastUnits = size_t{8} * 1024 / sizeof(CharT);
     std::unique_ptr<CharT[]> m_units;
     size_t m_size = 0;
     size_t m_capacity = 0;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "textio/data_writer.h"
+#include "textio/short_copy.h"
 
 namespace QVUtils {
 
@@ -15,7 +16,7 @@ uint32_t BufferedDataWriter::WriteData(const void* buffer, uint32_t size, uint32
             break;
         }
         const uint32_t part = std::min(left, kBlockSize - m_collected);
-        std::memcpy(block.bytes.get() + m_collected, bytes, part);
+        CopyBytes(block.bytes.get() + m_collected, bytes, part);
         bytes += part;
         left -= part;
         m_collected += part;
