@@ -156,10 +156,20 @@ void AddSet(std::vector<Case>& cases, const Words& words, const Data& data) {
         Find("a hit a line in UTF-16 " + set, 0.3, many + "utf16", text, find + "pin", WideTools(words.hit, "pin")));
 }
 
+/// What no find and replace on this platform can do without: the same calls of the system, and nothing between them.
+Case CopyAlone(const std::string& sample, uint64_t bytes, std::vector<Peer> tools) {
+    Case copy = Find("a copy alone of " + sample, 1.0, sample, bytes, "", std::move(tools));
+    copy.ours = "exec $WINE $LOOPS/copy_loop.exe Z:$W/in.txt Z:$W/out.ours";
+    copy.compare = "cmp $W/in.txt $W/out.ours";
+    return copy;
+}
+
 }  // namespace
 
 void AddSearches(std::vector<Case>& cases, const Data& data) {
     for (const Words& words : kWords) AddSet(cases, words, data);
+    cases.push_back(CopyAlone("logs.few.lf", data.TextBytes(), Tools("rejected", "pin", true)));
+    cases.push_back(CopyAlone("logs.few.utf16", data.TextBytes(), WideTools("rejected", "pin")));
 }
 
 }  // namespace Bench
