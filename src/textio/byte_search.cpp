@@ -72,6 +72,36 @@ struct Block {
     }
 };
 
+/// The bits of the four blocks at `text` for which `test` holds.
+template <class CharT, class Test>
+uint64_t MarkFour(const CharT* text, Test test) {
+    using B = Block<CharT>;
+    uint64_t marks = 0;
+    for (size_t block = 0; block < 4; ++block)
+        marks |= uint64_t{B::Mask(test(B::Load(text + block * B::kUnits)))} << (16 * block);
+    return marks;
+}
+
+/// Moves `at` to the first unit for which `test` holds. Without such a unit in whole blocks: false, and `at` stands at
+/// the rest of the text. Four blocks at once: a line is mostly longer than one.
+template <class CharT, class Test>
+bool FindInBlocks(const CharT*& at, const CharT* end, Test test) {
+    using B = Block<CharT>;
+    for (; static_cast<size_t>(end - at) >= 4 * B::kUnits; at += 4 * B::kUnits) {
+        const uint64_t marks = MarkFour(at, test);
+        if (marks == 0) continue;
+        at += static_cast<size_t>(std::countr_zero(marks)) / sizeof(CharT);
+        return true;
+    }
+    for (; static_cast<size_t>(end - at) >= B::kUnits; at += B::kUnits) {
+        const uint32_t mask = B::Mask(test(B::Load(at)));
+        if (mask == 0) continue;
+        at += B::FirstUnit(mask);
+        return true;
+    }
+    return false;
+}
+
 /// Compares a block with up to kLike units that count as one.
 template <class CharT, size_t kLike>
 class UnitTest {
@@ -100,11 +130,8 @@ const CharT* FindLineBreak(const CharT* begin, const CharT* end) {
     using B = Block<CharT>;
     const __m128i cr = B::Fill(CharT('\r'));
     const __m128i lf = B::Fill(CharT('\n'));
-    for (; static_cast<size_t>(end - begin) >= B::kUnits; begin += B::kUnits) {
-        const __m128i block = B::Load(begin);
-        const uint32_t mask = B::Mask(_mm_or_si128(B::Equal(block, cr), B::Equal(block, lf)));
-        if (mask != 0) return begin + B::FirstUnit(mask);
-    }
+    const auto isBreak = [=](__m128i block) { return _mm_or_si128(B::Equal(block, cr), B::Equal(block, lf)); };
+    if (FindInBlocks(begin, end, isBreak)) return begin;
 #endif
     while (begin != end && *begin != CharT('\r') && *begin != CharT('\n')) ++begin;
     return begin;
@@ -168,26 +195,20 @@ const CharT* FindUnit(const CharT* begin, const CharT* end, CharT unit) {
 #ifdef __SSE2__
     using B = Block<CharT>;
     const __m128i wanted = B::Fill(unit);
-    for (; static_cast<size_t>(end - begin) >= B::kUnits; begin += B::kUnits) {
-        const uint32_t mask = B::Mask(B::Equal(B::Load(begin), wanted));
-        if (mask != 0) return begin + B::FirstUnit(mask);
-    }
+    if (FindInBlocks(begin, end, [=](__m128i block) { return B::Equal(block, wanted); })) return begin;
 #endif
     while (begin != end && *begin != unit) ++begin;
     return begin;
 }
 
 uint64_t MarkUnits(const char* begin, const char* end, char unit) {
-    uint64_t marks = 0;
 #ifdef __SSE2__
-    if (static_cast<size_t>(end - begin) >= kMarks) {
-        using B = Block<char>;
-        const __m128i wanted = B::Fill(unit);
-        for (size_t at = 0; at < kMarks; at += B::kUnits)
-            marks |= uint64_t{B::Mask(B::Equal(B::Load(begin + at), wanted))} << at;
-        return marks;
-    }
+    using B = Block<char>;
+    const __m128i wanted = B::Fill(unit);
+    if (static_cast<size_t>(end - begin) >= kMarks)
+        return MarkFour(begin, [=](__m128i block) { return B::Equal(block, wanted); });
 #endif
+    uint64_t marks = 0;
     const size_t count = std::min(static_cast<size_t>(end - begin), kMarks);
     for (size_t at = 0; at < count; ++at) marks |= uint64_t{begin[at] == unit} << at;
     return marks;

@@ -77,3 +77,18 @@ TYPED_TEST(ByteSearch, FindsWhatTheObviousLoopFinds) {
         ASSERT_EQ(FindLineBreak(begin, end) - begin, std::ptrdiff_t(std::min(text.find_first_of(breaks), text.size())));
     }
 }
+
+// Four blocks at once, then one at a time, then the rest.
+TYPED_TEST(ByteSearch, FindsTheFirstOfTwoBreaksWhereverItLiesInALongText) {
+    using CharT = TypeParam;
+    for (size_t place = 0; place < 200; ++place) {
+        for (const size_t rest : {0, 1, 9, 80}) {
+            const auto text = std::basic_string<CharT>(place, CharT('a')) + CharT('\n') +
+                              std::basic_string<CharT>(rest, CharT('a')) + CharT('\n');
+            const CharT* const begin = text.data();
+            ASSERT_EQ(FindUnit(begin, begin + text.size(), CharT('\n')) - begin, std::ptrdiff_t(place));
+            ASSERT_EQ(FindLineBreak(begin, begin + text.size()) - begin, std::ptrdiff_t(place));
+            ASSERT_EQ(FindLineBreak(begin, begin + place), begin + place);
+        }
+    }
+}
