@@ -13,8 +13,10 @@ int wmain(int argc, wchar_t** argv) {
     file.Open(argv[2], true);
     QVUtils::BufferedDataWriter writer(file);
     const auto block = std::make_unique_for_overwrite<char[]>(kBlock);
-    for (uint32_t size = kBlock; size > 0;) {
+    for (;;) {
+        uint32_t size = 0;
         reader.Read(block.get(), kBlock, size);
+        if (size == 0) break;
         QVUtils::WriteAll(writer, block.get(), size);
     }
     writer.Flush();
