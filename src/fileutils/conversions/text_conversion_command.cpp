@@ -23,7 +23,7 @@ namespace {
 
 using namespace Quorvane::SDK;
 
-constexpr uint32_t kBlockSize = 128 * 1024;  // bytes
+constexpr uint32_t kBlockSize = 64 * 1024;  // bytes; with what becomes of them, in the processor's own cache
 constexpr uint32_t kLargestChoice = 8;
 constexpr uint32_t kProposedChoice = 3;  // the fourth: a tab is 4 spaces
 constexpr uint32_t kTabWidthLimit = 21;  // a host that returns such a number did not show our choices
