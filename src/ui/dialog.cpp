@@ -231,7 +231,7 @@ bool Dialog::Start() {
     return isFocusOpen;
 }
 
-void Dialog::ShrinkToScreen() {
+void Dialog::ShrinkToScreen(UINT dotsPerInch) {
     RECT rect = {};
     GetWindowRect(m_window, &rect);
     RECT client = {};
@@ -241,20 +241,18 @@ void Dialog::ShrinkToScreen() {
     const double share = std::min({1.0, static_cast<double>(screen.cx - frame.cx) / client.right,
                                    static_cast<double>(screen.cy - frame.cy) / client.bottom});
     if (share >= 1.0) return;
-    const UINT dots = Win32::DotsPerInch(m_window);
-    m_resizing.Rescale(static_cast<UINT>(dots * std::max(share, kSmallestShare)));
+    m_resizing.Rescale(static_cast<UINT>(dotsPerInch * std::max(share, kSmallestShare)));
     const SIZE natural = m_resizing.NaturalClient();
     InflateRect(&rect, (natural.cx - client.right) / 2, (natural.cy - client.bottom) / 2);
     if (natural.cy + frame.cy > screen.cy) rect.right += GetSystemMetrics(SM_CXVSCROLL);
-    SetWindowPos(m_window, nullptr, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
+    MoveTo(rect);
     m_resizing.Arrange();
 }
 
 void Dialog::Place() {
     const auto style = GetWindowLongPtrW(m_window, GWL_STYLE);
     if (style & WS_CHILD) return;
-    ShrinkToScreen();
+    ShrinkToScreen(Win32::DotsPerInch(m_window));
     RECT rect = {};
     GetWindowRect(m_window, &rect);
     wchar_t text[kSizeCapacity + 1] = {};  // it ends whatever the host does
@@ -268,9 +266,7 @@ void Dialog::Place() {
         // Around the place where it would be otherwise, and never smaller than its controls need.
         InflateRect(&rect, more(size->cx, rect.right - rect.left) / 2, more(size->cy, rect.bottom - rect.top) / 2);
     }
-    const RECT fitted = Win32::FitInto(rect, Win32::WorkAreaNear(rect));
-    SetWindowPos(m_window, nullptr, fitted.left, fitted.top, fitted.right - fitted.left, fitted.bottom - fitted.top,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
+    MoveTo(Win32::FitInto(rect, Win32::WorkAreaNear(rect)));
     m_placed = SizeOfWindow(m_window);
 }
 
@@ -286,10 +282,28 @@ void Dialog::KeepSize() const noexcept {
     });
 }
 
+void Dialog::MoveTo(const RECT& rect) {
+    SetWindowPos(m_window, nullptr, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 void Dialog::OnScaleChange(UINT dotsPerInch, const RECT& suggested) {
+    const SIZE before = SizeOfWindow(m_window);
+    const bool isAsPlaced = before.cx == m_placed.cx && before.cy == m_placed.cy;
     RescaleControls(dotsPerInch);
-    SetWindowPos(m_window, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
-                 suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    // What is suggested follows the size of before, and that of a dialog that was shrunk says nothing about another
+    // scale: it has its whole size first, and is shrunk where this screen asks for it.
+    const SIZE whole = m_resizing.NaturalWindow();
+    const SIZE wanted = Win32::SizeOf(suggested);
+    MoveTo({suggested.left, suggested.top, suggested.left + whole.cx, suggested.top + whole.cy});
+    ShrinkToScreen(dotsPerInch);
+    RECT rect = {};
+    GetWindowRect(m_window, &rect);
+    // What the user has added to the size stays, as far as the screen goes.
+    rect.right += std::max(0L, wanted.cx - whole.cx);
+    rect.bottom += std::max(0L, wanted.cy - whole.cy);
+    MoveTo(Win32::FitInto(rect, Win32::WorkAreaNear(rect)));
+    if (isAsPlaced) m_placed = SizeOfWindow(m_window);
 }
 
 void Dialog::RescaleControls(UINT dotsPerInch) {

@@ -90,7 +90,8 @@ private:
     INT_PTR Handle(UINT message, WPARAM wParam, LPARAM lParam);
     bool Start();
     /// Where the screen is too small for the dialog at its scale, it takes a smaller one, within limits.
-    void ShrinkToScreen();
+    void ShrinkToScreen(UINT dotsPerInch);
+    void MoveTo(const RECT& rect);
     /// As large as it was last, and no larger than the screen.
     void Place();
     void KeepSize() const noexcept;

@@ -142,6 +142,10 @@ SIZE Resizing::NaturalClient() const {
     return {Scaled(m_client.cx), Scaled(m_client.cy)};
 }
 
+SIZE Resizing::NaturalWindow() const {
+    return {Scaled(m_window.cx), Scaled(m_window.cy)};
+}
+
 bool Resizing::HasColumn() const {
     return std::ranges::any_of(m_places, &Place::isInColumn);
 }
@@ -225,8 +229,8 @@ void Resizing::LimitSize(MINMAXINFO& limits) const noexcept {
     RECT rect = {};
     GetWindowRect(m_dialog, &rect);
     const SIZE screen = Win32::SizeOf(Win32::WorkAreaNear(rect));
-    limits.ptMinTrackSize = {std::min<LONG>(Scaled(m_window.cx), screen.cx),
-                             std::min<LONG>(Scaled(m_window.cy), screen.cy)};
+    const SIZE whole = NaturalWindow();
+    limits.ptMinTrackSize = {std::min(whole.cx, screen.cx), std::min(whole.cy, screen.cy)};
 }
 
 void Resizing::Rescale(UINT dotsPerInch) {

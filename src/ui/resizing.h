@@ -47,6 +47,7 @@ public:
     void LimitSize(MINMAXINFO& limits) const noexcept;
     /// What the controls need, in pixels: in their usual places, at least, and in height in a window that is so wide.
     SIZE NaturalClient() const;
+    SIZE NaturalWindow() const;  // with its frame
     int LeastWidth() const;
     int HeightFor(int width) const;
     /// The window goes to a screen of another scale: sizes, fonts and the columns of lists are made anew.

@@ -10,6 +10,7 @@
 #include "ui/dialog.h"
 #include "ui/guide.h"
 #include "ui/system_ink.h"
+#include "win32/window_position.h"
 
 #include <commctrl.h>
 
@@ -149,7 +150,7 @@ TEST(Resizing, MovesEachEdgeByItsShare) {
 }
 
 TEST(Resizing, CountsAnewOnAScreenOfAnotherScale) {
-    Sample sample;
+    Sample sample(IDD_CHANGE_ACCESS);  // twice as large it fits on the screen
     sample.anchors = {{IDOK, 100, 100, 100, 100}};
     sample.ShowModeless(nullptr);
     const HWND window = sample.GetWindow();
@@ -165,6 +166,7 @@ TEST(Resizing, CountsAnewOnAScreenOfAnotherScale) {
         return std::vector<LONG>{scale * (client.right - button.right), scale * (client.bottom - button.bottom),
                                  scale * (button.right - button.left), scale * (button.bottom - button.top)};
     };
+    const auto once = measures(1);
     const auto doubled = measures(2);
     const auto heightOfFont = [&] {
         LOGFONTW font = {};
@@ -176,10 +178,22 @@ TEST(Resizing, CountsAnewOnAScreenOfAnotherScale) {
     // As the system does it: it tells of the new scale, and of a place for a window so much larger.
     RECT client = {};
     GetClientRect(window, &client);
-    const RECT larger = {whole.left, whole.top, whole.right + client.right, whole.bottom + client.bottom};
+    RECT larger = {whole.left, whole.top, whole.right + client.right, whole.bottom + client.bottom};
     SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(2 * dots, 2 * dots), reinterpret_cast<LPARAM>(&larger));
     EXPECT_EQ(measures(1), doubled);
     EXPECT_EQ(heightOfFont(), 2 * before);
+
+    larger.right = larger.left + 8 * (whole.right - whole.left);
+    SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(8 * dots, 8 * dots), reinterpret_cast<LPARAM>(&larger));
+    RECT common = {};
+    const RECT shrunk = RectOf(window);
+    const RECT screen = Win32::WorkAreaNear(shrunk);
+    EXPECT_TRUE(IntersectRect(&common, &shrunk, &screen) && EqualRect(&common, &shrunk)) << "no button off the screen";
+    EXPECT_LT(-heightOfFont(), -8 * before) << "it is made smaller before it scrolls";
+    const RECT tiny = {0, 0, 1, 1};  // what follows the size of a dialog that was shrunk may be too small
+    SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(dots, dots), reinterpret_cast<LPARAM>(&tiny));
+    EXPECT_EQ(measures(1), once);
+    EXPECT_EQ(heightOfFont(), before);
 }
 
 TEST(Resizing, ScrollsWhereTheWindowIsTooSmallAndHasTheFocusInSight) {
