@@ -157,6 +157,14 @@ inline constexpr TextId SortDone = 573_d;       // one argument: the number of f
 inline constexpr TextId SortOverwrite = 575_d;  // one argument: the path of the target
 inline constexpr TextId SortFailed = 581_d;     // one argument: the files that failed or were skipped
 
+// What the sorter's log notes of lines: how many of all of them, and what they lack.
+inline constexpr CountedText LinesOf = {{590_d, L"%d of %d line"}, {591_d, L"%d of %d lines"}};
+inline constexpr CountedText LinesTooShort = {{592_d, L"%s ends before the place where the key begins"},
+                                              {593_d, L"%s end before the place where the key begins"}};
+inline constexpr CountedText LinesWithoutNumber = {{594_d, L"%s has no number"}, {595_d, L"%s have no number"}};
+inline constexpr CountedText LinesWithoutDate = {{596_d, L"%s has no date that fits the format"},
+                                                 {597_d, L"%s have no date that fits the format"}};
+
 // Links.
 inline constexpr OwnText LinkColumn = {600_d, L"Link"};
 inline constexpr OwnText TargetColumn = {601_d, L"Leads to"};
@@ -250,7 +258,8 @@ inline constexpr TextId kAll[] = {
 /// Those with an English text of their own, likewise.
 // clang-format off
 inline constexpr OwnText kOwn[] = {
-    LinkColumn, TargetColumn, HardLink, Junction, SymbolicLink, Shortcut, LookingAtLinks, FolderNeeded,
+    LinesOf.one, LinesOf.others, LinesTooShort.one, LinesTooShort.others, LinesWithoutNumber.one,
+    LinesWithoutNumber.others, LinesWithoutDate.one, LinesWithoutDate.others, LinkColumn, TargetColumn, HardLink, Junction, SymbolicLink, Shortcut, LookingAtLinks, FolderNeeded,
     LinkNotCreated, LinksNotCreated, CreateLinksTitle, PartName, PartExtension, PartBoth, NothingToFind,
     NoNameHoldsIt, NamesChange.one, NamesChange.others, NameImpossible, MoreImpossible, NoSuchAccount, FileOfFiles,
     MatchInLine};

@@ -74,14 +74,16 @@ private:
         if (result.backupErrorCode != 0)
             LogReason(L"Unable to delete the backup (.bak) of the file", result.backupErrorCode);
         Log(L"[SortLines] - Sorted lines in file : %s (Saved as : %s)", task.source.c_str(), task.target.c_str());
-        NoteLines(result.linesTooShort, result.lines, L"end before the place where the key begins");
-        NoteLines(result.linesWithoutValue, result.lines,
-                  m_request.Has(SortOption::AsDate) ? L"have no date that fits the format" : L"have no number");
+        NoteLines(Text::LinesTooShort, result.linesTooShort, result.lines);
+        NoteLines(m_request.Has(SortOption::AsDate) ? Text::LinesWithoutDate : Text::LinesWithoutNumber,
+                  result.linesWithoutValue, result.lines);
         return FileResult::Done;
     }
 
-    void NoteLines(uint64_t count, uint64_t all, const wchar_t* what) {
-        if (count > 0) Log(L"[SortLines] - Note : %I64u of %I64u lines %s", count, all, what);
+    void NoteLines(const CountedText& what, uint64_t count, uint64_t all) {
+        if (count == 0) return;
+        const Words say([&](TextId id) { return HostText(m_host, id); });
+        Log(L"[SortLines] - Note : %s", say(what, count, {say(Text::LinesOf, all, {count, all})}).c_str());
     }
 
     RunSummary Summary(const FileRunResult& result) const {
