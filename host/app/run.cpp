@@ -8,6 +8,7 @@
 #include "host/app/selection.h"
 #include "host/app/session.h"
 #include "host/app/subcommands.h"
+#include "win32/target_name.h"
 
 namespace QVHost {
 namespace {
@@ -78,6 +79,21 @@ std::vector<std::wstring> ArgumentsFor(std::vector<std::wstring> arguments, cons
     return arguments;
 }
 
+/// Each call knows its own file alone. That several would be written to one target is seen here, before the first call.
+void RefuseSharedTarget(const std::vector<std::wstring>& arguments, const std::vector<std::wstring>& paths) {
+    constexpr std::wstring_view kTarget = L"TARGET=";
+    // Then each file is its own target, and the library notes that TARGET is not used.
+    const auto staysInPlace = [](const std::wstring& text) { return text == L"KEEPBACKUP" || text == L"DELETE"; };
+    if (std::ranges::any_of(arguments, staysInPlace)) return;
+    for (const std::wstring& argument : arguments) {
+        if (!argument.starts_with(kTarget) || argument.find(kPathPlace) != std::wstring::npos) continue;
+        const std::wstring shared = Win32::FindSharedTarget(argument.substr(kTarget.size()), paths);
+        if (!shared.empty())
+            throw UsageError(L"several files of the list would be written to " + shared +
+                             L"; in TARGET a * stands for each file's name, as in TARGET=*_new.*");
+    }
+}
+
 int RunCall(Session& session, const HostOptions& options, std::istream& in) {
     const CustomCommand& command = FindCustomCommand(session.State().customCommands, options.operands.front());
     const std::vector<std::wstring> arguments(options.operands.begin() + 1, options.operands.end());
@@ -88,7 +104,9 @@ int RunCall(Session& session, const HostOptions& options, std::istream& in) {
     bool isDone = true;
     HostState& state = session.State();
     state.reportsCalls = true;
-    for (const std::wstring& path : SelectedPaths({}, options.filesFrom, in)) {
+    const std::vector<std::wstring> paths = SelectedPaths({}, options.filesFrom, in);
+    RefuseSharedTarget(arguments, paths);
+    for (const std::wstring& path : paths) {
         if (IsStopped(state.progressWatch)) {
             isDone = false;
             break;

@@ -4,7 +4,6 @@
 #include <new>
 #include <set>
 
-#include "fileutils/target_pattern.h"
 #include "sdk/owners.h"
 #include "sdk/text_format.h"
 #include "textio/qvutils_exception.h"
@@ -12,6 +11,7 @@
 #include "win32/files.h"
 #include "win32/path.h"
 #include "win32/successor.h"
+#include "win32/target_name.h"
 #include "win32/windows.h"
 
 namespace FileUtils {
@@ -110,7 +110,8 @@ private:
 
     std::wstring TargetOf(const std::wstring& source) const {
         if (!m_run.saveAs) return source;
-        return Win32::JoinPath(Win32::FolderOf(source), ExpandTargetName(*m_run.saveAs, Win32::FileNameOf(source)));
+        return Win32::JoinPath(Win32::FolderOf(source),
+                               Win32::ExpandTargetName(*m_run.saveAs, Win32::FileNameOf(source)));
     }
 
     TargetAnswer AskForTarget(const std::wstring& target) {

@@ -48,8 +48,8 @@ struct RunSummary {
 struct FileRun {
     Quorvane::SDK::TextId title = {};              // of the progress display and the boxes
     Quorvane::SDK::TextId overwriteQuestion = {};  // with the target's path
-    /// "Save as": the target's name in the source's folder, or a pattern for it (see ExpandTargetName). Without, each
-    /// file is its own target.
+    /// "Save as": the target's name in the source's folder, or a pattern for it (see Win32::ExpandTargetName). Without,
+    /// each file is its own target.
     std::optional<std::wstring> saveAs;
     bool mayOverwrite = false;
     bool isSilent = false;  // shows neither question nor summary; targets that exist stay unless mayOverwrite

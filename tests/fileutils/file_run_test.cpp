@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include "fileutils/fileutils_texts.h"
-#include "fileutils/target_pattern.h"
 #include "support/services_of_host.h"
 
 namespace {
@@ -126,16 +125,3 @@ TEST(RunOverFiles, AsksTellsAndMarks) {
 }
 
 }  // namespace
-
-TEST(ExpandTargetName, PutsNameAndExtensionInPlaceOfTheStars) {
-    const std::tuple<const wchar_t*, const wchar_t*, const wchar_t*> cases[] = {
-        {L"*.*", L"a.b.txt", L"a.b.txt"},       {L"*_new.*", L"a.b.txt", L"a.b_new.txt"},
-        {L"*.bak", L"a.txt", L"a.bak"},         {L"out.*", L"a.txt", L"out.txt"},
-        {L"*_copy", L"a.txt", L"a.txt_copy"},   {L"*", L"a.txt", L"a.txt"},
-        {L"*.*", L"Makefile", L"Makefile"},     {L"*.out", L"Makefile", L"Makefile.out"},
-        {L"*.*", L".profile", L".profile"},     {L"*-*.*", L"a.txt", L"a-a.txt"},
-        {L"fixed.txt", L"a.txt", L"fixed.txt"}, {L"", L"a.txt", L""},
-    };
-    for (const auto& [pattern, source, expected] : cases)
-        EXPECT_EQ(ExpandTargetName(pattern, source), expected) << testing::PrintToString(std::wstring(pattern));
-}

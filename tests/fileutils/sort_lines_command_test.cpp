@@ -74,8 +74,9 @@ TEST(SortLinesCommand, NotesWhatHasNoEffectAndWhatLinesLack) {
         {{L"SORTAS=num", L"LANGUAGEORDER"}, "LANGUAGEORDER is not used together with SORTAS=num or SORTAS=date"},
         {{L"NATRUALNUMORDER"}, "NATRUALNUMORDER is not used without LANGUAGEORDER"},
         {{L"SORTAS=num"}, "2 of 3 lines have no number"},
+        {{L"SORTAS=num", L"KEEPBOTTOM=2"}, "1 of 1 line has no number"},
         {{L"SORTAS=date", L"DATEFORMAT=%Y-%m-%d"}, "3 of 3 lines have no date that fits the format"},
-        {{L"LINEOFFSET=4", L"KEEPTOP=1"}, "1 of 2 lines end before the place where the key begins"},
+        {{L"LINEOFFSET=4", L"KEEPTOP=1"}, "1 of 2 lines ends before the place where the key begins"},
     };
     for (const auto& [parameters, note] : cases) {
         const CommandRunner runner;
@@ -84,6 +85,25 @@ TEST(SortLinesCommand, NotesWhatHasNoEffectAndWhatLinesLack) {
         EXPECT_EQ(run.status, 0);
         EXPECT_EQ(Holds(run.out, "[SortLines] - Note : "), *note != '\0') << run.out;
         EXPECT_TRUE(Holds(run.out, note)) << run.out;
+    }
+}
+
+TEST(SortLinesCommand, RefusesOneTargetForSeveralFilesOfAList) {
+    const std::tuple<Words, int, const char*> cases[] = {
+        {{L"TARGET=New.*"}, 2, "would be written to New.txt"},
+        {{L"TARGET=*_new.*"}, 0, ""},
+        {{L"TARGET=New.*", L"KEEPBACKUP"}, 0, ""},
+    };
+    for (const auto& [parameters, status, reason] : cases) {
+        const CommandRunner runner;
+        std::wstring list = L"\xFEFF";
+        for (const wchar_t* name : {L"a.txt", L"b.txt"}) list += runner.Write(name, "b\na\n") + L"\n";
+        const std::wstring file = runner.Write(L"list", Utf16(list));
+        const HostRun run =
+            runner.Run(Joined({L"call", L"SortLines", L"FILE={}", L"SILENT", L"--files-from", file}, parameters));
+        EXPECT_EQ(run.status, status) << run.error;
+        EXPECT_TRUE(Holds(run.error, reason));
+        EXPECT_EQ(runner.List().size(), status == 0 ? 5u : 3u) << "refused before anything is written";
     }
 }
 

@@ -1,4 +1,5 @@
 #include "win32/file_name.h"
+#include "win32/target_name.h"
 
 #include <gtest/gtest.h>
 
@@ -42,6 +43,19 @@ TEST(CheckFileName, FindsWhatCannotBeAName) {
         EXPECT_EQ(DescribeNameFault(c.name, check).empty(), c.fault == NameFault::None) << c.name;
     }
     EXPECT_EQ(DescribeNameFault(L"\x07", CheckFileName(L"\x07")), L"the character U+0007 cannot be in a name");
+}
+
+TEST(ExpandTargetName, PutsNameAndExtensionInPlaceOfTheStars) {
+    const std::tuple<const wchar_t*, const wchar_t*, const wchar_t*> cases[] = {
+        {L"*.*", L"a.b.txt", L"a.b.txt"},       {L"*_new.*", L"a.b.txt", L"a.b_new.txt"},
+        {L"*.bak", L"a.txt", L"a.bak"},         {L"out.*", L"a.txt", L"out.txt"},
+        {L"*_copy", L"a.txt", L"a.txt_copy"},   {L"*", L"a.txt", L"a.txt"},
+        {L"*.*", L"Makefile", L"Makefile"},     {L"*.out", L"Makefile", L"Makefile.out"},
+        {L"*.*", L".profile", L".profile"},     {L"*-*.*", L"a.txt", L"a-a.txt"},
+        {L"fixed.txt", L"a.txt", L"fixed.txt"}, {L"", L"a.txt", L""},
+    };
+    for (const auto& [pattern, source, expected] : cases)
+        EXPECT_EQ(ExpandTargetName(pattern, source), expected) << testing::PrintToString(std::wstring(pattern));
 }
 
 }  // namespace

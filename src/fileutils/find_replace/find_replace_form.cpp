@@ -1,13 +1,11 @@
 #include "fileutils/find_replace/find_replace_form.h"
 
 #include <algorithm>
-#include <set>
 
 #include "fileutils/fileutils_texts.h"
 #include "fileutils/target_pattern.h"
 #include "findreplace/wildcard.h"
 #include "win32/code_page.h"
-#include "win32/path.h"
 #include "win32/text.h"
 
 namespace FileUtils {
@@ -36,17 +34,6 @@ std::wstring FindWildcardFault(const FindAndReplaceRequest& request) {
         } catch (const std::regex_error&) {
             return L"This wildcard cannot be read (braces hold a count, as in x{2}): " + pattern;
         }
-    }
-    return {};
-}
-
-/// A target that several files would be written to, so that the last result alone would be left.
-std::wstring FindSharedTarget(const std::wstring& pattern, std::span<const std::wstring> files) {
-    std::set<std::wstring> targets;
-    for (const std::wstring& file : files) {
-        const std::wstring name = ExpandTargetName(pattern, Win32::FileNameOf(file));
-        if (!targets.insert(Win32::ToUpperCase(Win32::JoinPath(Win32::FolderOf(file), name))).second)
-            return L"Several files would be saved as " + name + L". A * stands for each original's name.";
     }
     return {};
 }
@@ -92,10 +79,9 @@ std::wstring WhyNotStart(const FindAndReplaceRequest& request, std::span<const s
     const std::vector<std::wstring> items = QVFindAndReplace::SplitItems(request.find);
     if (QVFindAndReplace::ModeOf(request.options) == Mode::One && (items.empty() || items.front().empty()))
         return L"There is no text to find in the first line.";
-    std::wstring reason = FindWildcardFault(request);
+    const std::wstring reason = FindWildcardFault(request);
     if (!reason.empty() || !TakesFileName(request.options)) return reason;
-    reason = WhyNotAFileName(request.targetPattern);
-    return reason.empty() ? FindSharedTarget(request.targetPattern, files) : reason;
+    return WhyNotATarget(request.targetPattern, files);
 }
 
 void CountSummary::Add(const QVFindAndReplace::FileCount& count, bool dependsOnEncoding) {

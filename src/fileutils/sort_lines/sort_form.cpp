@@ -32,11 +32,11 @@ class FormReader {
 public:
     FormReader(const SortForm& form, const SortRequest& before) : m_form(form) { m_reading.request = before; }
 
-    SortReading Read() {
+    SortReading Read(std::span<const std::wstring> files) {
         SortRequest& request = m_reading.request;
         request.options = OptionsOf(m_form.options);
         request.saveAsName = m_form.saveAsName;
-        if (request.Has(SortOption::SaveAs)) Fail(WhyNotAFileName(m_form.saveAsName));
+        if (request.Has(SortOption::SaveAs)) Fail(WhyNotATarget(m_form.saveAsName, files));
         ReadNumber(m_form.keepTop, L"Start Line", request.keepTop);
         ReadNumber(m_form.keepBottom, L"End Line", request.keepBottom);
         uint32_t position = 0;
@@ -150,8 +150,8 @@ SortEnabling EnabledFor(uint32_t options) {
     };
 }
 
-SortReading RequestOf(const SortForm& form, const SortRequest& before) {
-    return FormReader(form, before).Read();
+SortReading RequestOf(const SortForm& form, const SortRequest& before, std::span<const std::wstring> files) {
+    return FormReader(form, before).Read(files);
 }
 
 namespace {

@@ -48,8 +48,9 @@ struct SortReading {
 };
 
 /// `before`: the request that the form was made from. What the chosen key and method do not use keeps its old value, so
-/// that it is there again the next time.
-SortReading RequestOf(const SortForm& form, const QVLineSorter::SortRequest& before);
+/// that it is there again the next time. `files`: full paths of those to sort, which all need targets of their own.
+SortReading RequestOf(const SortForm& form, const QVLineSorter::SortRequest& before,
+                      std::span<const std::wstring> files = {});
 
 /// Loads what the store has; a key that is missing leaves its field alone. What cannot be a separator loads as none,
 /// and a date format is cut at 127 characters. The "Save as" name is not kept. A null store loads and saves nothing.

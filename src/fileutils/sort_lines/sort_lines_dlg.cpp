@@ -177,7 +177,7 @@ SortForm SortLinesDlg::FromControls() const {
 
 bool SortLinesDlg::OnCommand(int id, int notification) {
     if (id == IDOK) {
-        SortReading reading = RequestOf(FromControls(), m_request);
+        SortReading reading = RequestOf(FromControls(), m_request, m_files);
         if (!reading.fault.empty()) return true;
         m_request = std::move(reading.request);
         End(IDOK);
@@ -224,7 +224,7 @@ void SortLinesDlg::Refresh() {
     EnableWindow(Item(IDC_SORT_IGNORE_CASE), enabled.ignoreCase);
     EnableWindow(Item(IDC_NATURAL_NUMBERS), enabled.naturalNumbers);
 
-    const SortReading reading = RequestOf(form, m_request);
+    const SortReading reading = RequestOf(form, m_request, m_files);
     SetTextOf(Item(IDC_REASON), Reason(reading.fault.empty() ? reading.hint : reading.fault, Say()));
     EnableWindow(Item(IDOK), reading.fault.empty());
 }
