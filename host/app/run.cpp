@@ -106,12 +106,14 @@ int RunCall(Session& session, const HostOptions& options, std::istream& in) {
     state.reportsCalls = true;
     const std::vector<std::wstring> paths = SelectedPaths({}, options.filesFrom, in);
     RefuseSharedTarget(arguments, paths);
+    state.progressWatch.all = static_cast<uint32_t>(paths.size());
     for (const std::wstring& path : paths) {
         if (IsStopped(state.progressWatch)) {
             isDone = false;
             break;
         }
         isDone &= CallOnce(session, command, ArgumentsFor(arguments, path), options.previewsCall, path);
+        ++state.progressWatch.begun;
     }
     return StatusOf(state, isDone, 0);
 }

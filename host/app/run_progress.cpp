@@ -89,7 +89,11 @@ constexpr size_t kLineWidth = 78;  // of the narrowest usual terminal, less what
 
 Progress::Progress(Shelf<Progress>& shelf, Output& output, ProgressWatch watch, const ProgressTitle& words,
                    uint32_t total)
-    : m_shelf(shelf), m_output(output), m_watch(watch), m_title(OnOneLine(words.title)), m_total(total) {
+    : m_shelf(shelf),
+      m_output(output),
+      m_watch(watch),
+      m_title(OnOneLine(words.title)),
+      m_total(watch.all > 0 ? watch.all : total) {
     if (watch.isInWindow) m_window.emplace(words);
 }
 
@@ -99,7 +103,7 @@ Progress::~Progress() {
 
 void Progress::Advance(uint32_t done, const wchar_t* currentItem) {
     GuardedCall([&] {
-        const std::wstring place = std::to_wstring(done) + L"/" + std::to_wstring(m_total) + L" ";
+        const std::wstring place = std::to_wstring(m_watch.begun + done) + L"/" + std::to_wstring(m_total) + L" ";
         const std::wstring item = OnOneLine(TextOrEmpty(currentItem));
         Show(m_title + L" " + place + item);
         if (m_window) m_window->Show(place + item);

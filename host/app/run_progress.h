@@ -59,6 +59,8 @@ struct ProgressWatch {
     bool isShown = false;                            // standard error is a terminal
     const std::atomic<bool>* isCancelled = nullptr;  // set by Ctrl+C; null: never
     bool isInWindow = false;                         // it is shown in a window instead
+    uint32_t begun = 0;  // files of a list for which calls are made one by one: those before this call
+    uint32_t all = 0;    // and all of them; 0: no list
 };
 
 inline bool IsStopped(const ProgressWatch& watch) {

@@ -5,7 +5,6 @@
 
 #include "findreplace/matching.h"
 #include "findreplace/text_blocks.h"
-#include "textio/progress.h"
 #include "textio/text_file.h"
 #include "win32/code_page.h"
 
@@ -24,12 +23,17 @@ constexpr wchar_t kEllipsis = L'\u2026';
 /// not wait for the last block's count.
 class BoundedReader final : public QVUtils::DataReader {
 public:
-    BoundedReader(QVUtils::DataReader& reader, const CountBounds& bounds, FileCount& count)
-        : m_reader(reader), m_bounds(bounds), m_count(count) {}
+    BoundedReader(QVUtils::DataReader& reader, const CountBounds& bounds, uint64_t size, FileCount& count)
+        : m_reader(reader), m_bounds(bounds), m_size(size), m_count(count) {}
+
+    bool GoesOn() const {
+        const uint64_t percent = m_size == 0 ? 0 : std::min<uint64_t>(100, m_count.bytes * 100 / m_size);
+        return !m_bounds.goesOn || m_bounds.goesOn(static_cast<uint32_t>(percent));
+    }
 
     uint32_t Read(void* buffer, uint32_t size, uint32_t& bytesRead) override {
         bytesRead = 0;
-        if (m_bounds.isStopped && m_bounds.isStopped()) m_count.isWhole = false;
+        if (!GoesOn()) m_count.isWhole = false;
         if (m_count.isWhole) ReadSome(buffer, size, bytesRead);
         if (bytesRead == 0) m_reader.Close();
         return 1;
@@ -52,6 +56,7 @@ private:
 
     QVUtils::DataReader& m_reader;
     const CountBounds& m_bounds;
+    const uint64_t m_size;  // bytes of the file
     FileCount& m_count;
 };
 
@@ -84,8 +89,8 @@ public:
         : m_file(file), m_request(request), m_tell(tell), m_count(count), m_document(count.kind) {}
 
     void Run(const CountBounds& bounds) {
-        if (bounds.isStopped) m_progress = QVUtils::Progress([&](uint32_t) { return !bounds.isStopped(); });
-        BoundedReader reader(m_file.GetReader(), bounds, m_count);
+        BoundedReader reader(m_file.GetReader(), bounds, m_file.GetSize(), m_count);
+        if (bounds.goesOn) m_progress = QVUtils::Progress([&](uint32_t) { return reader.GoesOn(); });
         const bool isOverLines = m_request.GetMode() == Mode::Multiline;
         TextBlocks<CharT> blocks(reader, static_cast<uint32_t>(m_file.GetMarkSize()),
                                  isOverLines ? TextBlocks<CharT>::kWholeText : TextBlocks<CharT>::kBlockSize,

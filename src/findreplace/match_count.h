@@ -9,13 +9,15 @@
 
 #include "findreplace/request.h"
 #include "textio/encoding.h"
+#include "textio/progress.h"
 
 namespace QVFindAndReplace {
 
 /// How far a count goes at the most.
 struct CountBounds {
     uint64_t bytes = std::numeric_limits<uint64_t>::max();
-    std::function<bool()> isStopped = {};  // asked for each 32 KB or so, and in long lines; empty: never
+    /// Told how much of the file is read, in percent, for each 32 KB or so and in long lines; false ends the count.
+    QVUtils::TellProgress goesOn = {};
 };
 
 /// What a run with the same request would find in one file.

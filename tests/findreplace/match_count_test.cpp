@@ -60,7 +60,12 @@ TEST(MatchCount, CountsWhatARunChangesAndTellsEachLine) {
 
 TEST(MatchCount, SaysWhatAFileIsAndWhereItStopped) {
     int looks = 0;
-    const CountBounds none, four = {.bytes = 4}, stopped = {.isStopped = [&] { return ++looks > 1; }};
+    uint32_t told = 0;
+    const auto goesOn = [&](uint32_t percent) {
+        told = percent;
+        return ++looks <= 1;
+    };
+    const CountBounds none, four = {.bytes = 4}, stopped = {.goesOn = goesOn};
     const std::string block(32768, 'y');
     const std::tuple<std::string, const CountBounds&, std::string> cases[] = {
         {"a\r\nb\r\n", none, "kind 1: 1"},
@@ -86,6 +91,7 @@ TEST(MatchCount, SaysWhatAFileIsAndWhereItStopped) {
         if (!count.isWhole) said += " cut";
         EXPECT_EQ(said, expected) << content.substr(0, 20);
     }
+    EXPECT_TRUE(told > 0 && told < 100) << told << " % of the file that was stopped in its middle";
 }
 
 TEST(MatchCount, KnowsWhatAnotherRunWouldReplaceAnew) {

@@ -70,9 +70,14 @@ CallResult PreviewFile(IHostServices& host, const std::wstring& path, Request& r
     const OwnedProgress progress(host.OpenProgress(HostText(host, Text::FindReplaceTitle), 1));
     if (progress) progress->Advance(0, path.c_str());
     ChangeLog changes(host, path);
-    const FileCount count = QVFindAndReplace::CountMatches(
-        path, request, {.isStopped = [&] { return progress && progress->IsCancelled(); }},
-        [&](const auto& change) { changes.Tell(change); });
+    const auto tellPercent = [&, shown = 0u](uint32_t percent) mutable {
+        if (!progress) return true;
+        if (percent != shown) progress->Advance(0, (std::to_wstring(percent) + L" % " + path).c_str());
+        shown = percent;
+        return !progress->IsCancelled();
+    };
+    const FileCount count = QVFindAndReplace::CountMatches(path, request, {.goesOn = tellPercent},
+                                                           [&](const auto& change) { changes.Tell(change); });
     const auto tell = [&](const std::wstring& result, uint32_t code) -> CallResult {
         LogLine(host, code == 0 ? LogKind::Success : LogKind::Failure,
                 L"[Find and Replace] - Preview : " + result + L" : " + path);

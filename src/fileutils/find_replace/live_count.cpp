@@ -61,7 +61,8 @@ CountSummary LiveCount::Shared::Count(const FindAndReplaceRequest& request) cons
             summed.isWhole = false;
             break;
         }
-        const auto count = QVFindAndReplace::CountMatches(file, engineRequest, {.bytes = left, .isStopped = isOver});
+        const auto count = QVFindAndReplace::CountMatches(
+            file, engineRequest, {.bytes = left, .goesOn = [&](uint32_t) { return !isOver(); }});
         left -= count.bytes;
         summed.Add(count, dependsOnEncoding);
     }
