@@ -66,7 +66,8 @@ enum class PanelText : uint32_t {
     KeyShift,
     KeyUp,
     KeyLeft,
-    Last = KeyLeft,
+    CountOfTold,  // one %d
+    Last = CountOfTold,
 };
 
 inline constexpr wchar_t kPanelSection[] = L"Panel";

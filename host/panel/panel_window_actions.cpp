@@ -148,8 +148,8 @@ std::wstring PanelWindow::SummaryOf(const RunCounts& counts) const {
     const std::pair<PanelText, uint64_t> parts[] = {
         {PanelText::CountOfChanged, counts.changed},   {PanelText::CountOfAdded, counts.added},
         {PanelText::CountOfGone, counts.gone},         {PanelText::CountOfRenamed, counts.renamed},
-        {PanelText::CountOfReplaced, counts.replaced}, {PanelText::CountOfFailed, counts.failed},
-        {PanelText::CountOfSkipped, counts.skipped},
+        {PanelText::CountOfReplaced, counts.replaced}, {PanelText::CountOfTold, counts.told},
+        {PanelText::CountOfFailed, counts.failed},     {PanelText::CountOfSkipped, counts.skipped},
     };
     std::wstring text;
     for (const auto& [part, count] : parts)

@@ -1,5 +1,6 @@
 #include "host/panel/run_report.h"
 
+#include <algorithm>
 #include <map>
 
 #include "sdk/file_list.h"
@@ -69,6 +70,7 @@ void RunReport::Mark(uint32_t kind) {
 
 void RunReport::Line(std::wstring_view text, Tone tone) {
     m_counts.replaced += ChangesIn(text);
+    if (tone == Tone::Success && TellsWhatWasDone(text)) ++m_doneLines;
     if (tone == Tone::Failure) ++m_failureLines;
 }
 
@@ -97,7 +99,14 @@ RunCounts RunReport::End(const std::vector<FolderRow>& rows) {
         before.erase(former);
     }
     counts.gone = before.size();
+    // What a command does elsewhere, or to what no listing shows, such as rights, is known by its log alone.
+    if (counts.changed + counts.added + counts.gone + counts.renamed + counts.replaced == 0) counts.told = m_doneLines;
     return counts;
+}
+
+bool TellsWhatWasDone(std::wstring_view line) {
+    constexpr std::wstring_view kAside[] = {L" - Note : ", L" - Before : ", L" - Preview : ", L" - 0 changes made "};
+    return std::ranges::none_of(kAside, [&](std::wstring_view mark) { return line.find(mark) != line.npos; });
 }
 
 uint64_t ChangesIn(std::wstring_view line) {

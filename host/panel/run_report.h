@@ -18,6 +18,7 @@ struct RunCounts {
     size_t added = 0;
     size_t gone = 0;
     size_t renamed = 0;  // files and folders anywhere
+    size_t told = 0;     // told of as done, where no other number above says what was done
     size_t failed = 0;
     size_t skipped = 0;
     uint64_t replaced = 0;  // matches
@@ -40,8 +41,12 @@ private:
     std::vector<FolderRow> m_before;
     std::vector<std::pair<std::wstring, std::wstring>> m_renamings;
     RunCounts m_counts;
+    size_t m_doneLines = 0;
     size_t m_failureLines = 0;
 };
+
+/// Whether a log line of a success tells that something was done, and not only what may be of interest about it.
+bool TellsWhatWasDone(std::wstring_view line);
 
 /// How many changes a log line of a find and replace tells of: "[Find and Replace] - 7 changes made to file : ...". The
 /// lines' form is fixed, as scripts read them. 0 for any other line.

@@ -76,6 +76,12 @@ TEST(RunReport, CountsByTheFilesWhatACommandDid) {
                                          row(L"sub", 6, FILE_ATTRIBUTE_DIRECTORY)});
     EXPECT_EQ(counts,
               (RunCounts{.changed = 1, .added = 1, .gone = 1, .renamed = 1, .failed = 1, .skipped = 1, .replaced = 7}));
+
+    report.Begin({row(L"same", 1)});
+    for (const wchar_t* line : {LR"([Security] - Before : O:BA : C:\d\same)", LR"([Security] - New owner : C:\d\same)",
+                                LR"(Link Created (Shortcut) Link : "C:\e\same.lnk" Link Target : "C:\d\same")"})
+        report.Line(line, Tone::Success);
+    EXPECT_EQ(report.End({row(L"same", 1)}), (RunCounts{.told = 2})) << "as the log has it";
 }
 
 TEST(RunReport, FindsTheFileThatALineNames) {
