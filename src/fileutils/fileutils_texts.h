@@ -185,6 +185,7 @@ inline constexpr OwnText PartBoth = {622_d, L"name and extension"};
 inline constexpr OwnText NothingToFind = {623_d, L"There is no text to find."};
 inline constexpr OwnText NoNameHoldsIt = {624_d, L"No name holds this text."};
 inline constexpr CountedText NamesChange = {{625_d, L"%d name will change."}, {626_d, L"%d names will change."}};
+inline constexpr CountedText NamesStay = {{618_d, L"%d name stays as it is."}, {619_d, L"%d names stay as they are."}};
 inline constexpr OwnText NameImpossible = {627_d, L"\"%s\" cannot be a name: %s."};
 inline constexpr OwnText MoreImpossible = {628_d, L" So it is with %d names."};
 
@@ -220,6 +221,11 @@ inline constexpr OwnText kReasons[] = {
     {672_d, L"Substring lenght is above 63, the longest number key."},
     {673_d, L"The date format is longer than 127 characters."},
     {674_d, L"The date format uses %s, which is not supported."},
+    {675_d, L"the path would be too long"},
+    {676_d, L"there is no such item any more"},
+    {677_d, L"\"%s\" would be the name of more than one item"},
+    {678_d, L"\"%s\" is there already"},
+    {679_d, L"\"%s\" is the name of an item that keeps it"},
     {680_d, L"There is too little memory to look at all links."},
     {681_d, L"A link has no name: %s"},
     {682_d, L"Two links have the same name: %s"},
@@ -261,7 +267,7 @@ inline constexpr OwnText kOwn[] = {
     LinesOf.one, LinesOf.others, LinesTooShort.one, LinesTooShort.others, LinesWithoutNumber.one,
     LinesWithoutNumber.others, LinesWithoutDate.one, LinesWithoutDate.others, LinkColumn, TargetColumn, HardLink, Junction, SymbolicLink, Shortcut, LookingAtLinks, FolderNeeded,
     LinkNotCreated, LinksNotCreated, CreateLinksTitle, PartName, PartExtension, PartBoth, NothingToFind,
-    NoNameHoldsIt, NamesChange.one, NamesChange.others, NameImpossible, MoreImpossible, NoSuchAccount, FileOfFiles,
+    NoNameHoldsIt, NamesChange.one, NamesChange.others, NamesStay.one, NamesStay.others, NameImpossible, MoreImpossible, NoSuchAccount, FileOfFiles,
     MatchInLine};
 // clang-format on
 

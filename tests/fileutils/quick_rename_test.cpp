@@ -99,7 +99,7 @@ TEST(ReplaceInNames, ShowsTheNewNamesAndRenames) {
         dialog.PressLater(IDC_NAME_IGNORE_CASE);
         EXPECT_TRUE(WaitUntil([&] { return dialog.IsEnabled(IDOK); }));
         dialog.Enter(IDC_NAME_REPLACEMENT, L"?");
-        EXPECT_EQ(dialog.Text(IDC_REASON), L"\"? one.txt\": the character \"?\" cannot be in a name.");
+        EXPECT_EQ(dialog.Text(IDC_REASON), L"\"old one.txt\": the character \"?\" cannot be in a name.");
         EXPECT_FALSE(dialog.IsEnabled(IDOK));
         dialog.Enter(IDC_NAME_REPLACEMENT, L"new");
         EXPECT_EQ(dialog.Text(IDC_REASON), L"1 name will change.");
@@ -108,6 +108,46 @@ TEST(ReplaceInNames, ShowsTheNewNamesAndRenames) {
     });
     EXPECT_EQ(run.status, 0) << run.error;
     EXPECT_EQ(runner.List(), (Names{L"new one.txt", L"two.old"}));
+}
+
+TEST(ReplaceInNames, LeavesOutNamesThatMeetOrAreThereAndSaysSoBefore) {
+    const struct {
+        const wchar_t *find, *replacement, *said, *first;
+        Names after;  // nothing: it cannot start
+    } cases[] = {
+        {L"1",
+         L"12",
+         L"2 names will change.",
+         L"a1  ->  a12",  // the other one frees the name
+         {L"a12", L"a122", L"a4", L"ax", L"b4", L"xa"}},
+        {L"a",
+         L"b",
+         L"4 names will change. 1 name stays as it is. \"a4\": \"b4\" is there already.",
+         L"a4  ->  b4  (\"b4\" is there already)",
+         {L"a4", L"b1", L"b12", L"b4", L"bx", L"xb"}},
+        {L"x",
+         L"",
+         L"\"ax\": \"a\" would be the name of more than one item.",
+         L"ax  ->  a  (\"a\" would be the name of more than one item)",
+         {}},
+    };
+    for (const auto& c : cases) {
+        const CommandRunner runner;
+        runner.Write(L"b4", "");
+        Words words = {L"command", L"30010"};
+        for (const wchar_t* name : {L"a1", L"a12", L"a4", L"ax", L"xa"}) words.push_back(runner.Write(name, ""));
+        const HostRun run = runner.RunDriven(words, [&](DialogDriver& driver) {
+            const DrivenDialog dialog = driver.WaitFor(kNamesTitle);
+            dialog.Enter(IDC_NAME_FIND, c.find);
+            dialog.Enter(IDC_NAME_REPLACEMENT, c.replacement);
+            EXPECT_EQ(dialog.Text(IDC_REASON), c.said);
+            EXPECT_EQ(ShownText(dialog.Control(IDC_NAME_PREVIEW), LB_GETTEXT, 0), c.first);
+            EXPECT_EQ(dialog.IsEnabled(IDOK), !c.after.empty());
+            dialog.PressAndClose(c.after.empty() ? IDCANCEL : IDOK);
+        });
+        EXPECT_EQ(run.status, 0) << run.error;
+        EXPECT_TRUE(c.after.empty() || runner.List() == c.after) << c.said;
+    }
 }
 
 }  // namespace

@@ -2,14 +2,10 @@
 
 #include <algorithm>
 
-#include "fileutils/commands.h"
 #include "fileutils/dialog_pages.h"
 #include "fileutils/fileutils_resource.h"
 #include "fileutils/fileutils_texts.h"
-#include "fileutils/names/rename_items.h"
-#include "sdk/owners.h"
 #include "ui/controls.h"
-#include "win32/file_name.h"
 #include "win32/path.h"
 #include "win32/text.h"
 #include "win32/window_text.h"
@@ -31,14 +27,15 @@ constexpr Anchor kReplaceAnchors[] = {
     {IDC_REASON, 0, 100, 100, 100}, {IDOK, 100, 100, 100, 100},           {IDCANCEL, 100, 100, 100, 100},
 };
 
-/// In words, for the first new name that cannot be one; "" when all can.
-std::wstring FaultOf(const std::vector<NameChange>& changes) {
-    const auto change = std::ranges::find_if_not(changes, Win32::IsFileName, &NameChange::to);
-    if (change == changes.end()) return {};
-    return L"\"" + change->to + L"\": " + Win32::DescribeNameFault(change->to, Win32::CheckFileName(change->to)) + L'.';
+/// In words, for the first name that cannot be changed so; "" when all can.
+std::wstring FirstFault(const std::vector<NameChange>& changes) {
+    const auto change = std::ranges::find_if_not(changes, &std::wstring::empty, &NameChange::fault);
+    return change == changes.end() ? L"" : L"\"" + change->from + L"\": " + change->fault + L'.';
 }
 
-std::vector<std::wstring> PreviewOf(const std::vector<NameChange>& changes) {
+/// Those with a fault first: there may be more names than anybody looks through.
+std::vector<std::wstring> PreviewOf(std::vector<NameChange> changes, const Quorvane::SDK::Words& say) {
+    std::ranges::stable_partition(changes, [](const NameChange& change) { return !change.fault.empty(); });
     std::vector<std::wstring> lines;
     for (const NameChange& change : changes) {
         if (lines.size() == kLongestPreview) {
@@ -46,6 +43,7 @@ std::vector<std::wstring> PreviewOf(const std::vector<NameChange>& changes) {
             break;
         }
         lines.push_back(change.from + kArrow + change.to);
+        if (!change.fault.empty()) lines.back() += L"  (" + Reason(change.fault, say) + L')';
     }
     return lines;
 }
@@ -92,17 +90,20 @@ bool CReplaceDlg::Refresh() {
     const NameReplacement request = FromControls();
     const std::vector<NameChange> changes = m_changes(request);
     SendMessageW(Item(IDC_NAME_PREVIEW), LB_RESETCONTENT, 0, 0);
-    FillList(Item(IDC_NAME_PREVIEW), PreviewOf(changes));
-    const size_t count = changes.size();
-    const std::wstring fault = FaultOf(changes);
     const Quorvane::SDK::Words say = Say();
-    SetTextOf(Item(IDC_REASON), request.find.empty() ? say(Text::NothingToFind)
-                                : !fault.empty()     ? Reason(fault, say)
-                                : count == 0         ? say(Text::NoNameHoldsIt)
-                                                     : say(Text::NamesChange, count));
-    const bool canEnd = count > 0 && fault.empty();
-    EnableWindow(Item(IDOK), canEnd);
-    return canEnd;
+    FillList(Item(IDC_NAME_PREVIEW), PreviewOf(changes, say));
+    const auto stays = static_cast<size_t>(
+        std::ranges::count_if(changes, [](const NameChange& change) { return !change.fault.empty(); }));
+    const size_t count = changes.size() - stays;
+    std::wstring text = request.find.empty() ? say(Text::NothingToFind) : say(Text::NoNameHoldsIt);
+    if (!changes.empty()) text = count > 0 ? say(Text::NamesChange, count) : L"";
+    if (stays > 0) {
+        if (count > 0) text += L' ' + say(Text::NamesStay, stays) + L' ';
+        text += Reason(FirstFault(changes), say);
+    }
+    SetTextOf(Item(IDC_REASON), text);
+    EnableWindow(Item(IDOK), count > 0);
+    return count > 0;
 }
 
 namespace {
@@ -134,49 +135,6 @@ std::wstring WithTextReplaced(const NameReplacement& replacement, std::wstring_v
     if (parts.hasDot) result += L'.';
     result += inName ? std::wstring(parts.extension) : Replaced(replacement, parts.extension);
     return result;
-}
-
-namespace {
-
-using namespace Quorvane::SDK;
-
-/// What the preview needs of an item, read once: it is computed at every key.
-struct NamedItem {
-    IFileItem* item;
-    std::wstring name;
-    bool isFolder;
-};
-
-std::vector<NamedItem> NamedItemsOf(IFileList& list) {
-    std::vector<NamedItem> items;
-    for (IFileItem* const item : ItemsOf(list)) items.push_back({item, NameOf(*item), IsFolder(*item)});
-    return items;
-}
-
-}  // namespace
-
-uint32_t RunReplaceInNames(IHostServices& host, uint32_t) {
-    const Owned<IFileList> list = GatherSelection(host, SelectionFlags::Names);
-    if (!list || list->GetCount() == 0) return 1;
-    const std::vector<NamedItem> items = NamedItemsOf(*list);
-    CReplaceDlg dialog([&](const NameReplacement& request) {
-        std::vector<NameChange> changes;
-        for (const NamedItem& item : items) {
-            std::wstring name = WithTextReplaced(request, item.name, item.isFolder);
-            if (name != item.name) changes.push_back({item.name, std::move(name)});
-        }
-        return changes;
-    });
-    dialog.UseHost(DialogHostFor(host, IDD_REPLACE_IN_NAMES));
-    const std::optional<NameReplacement> request = dialog.Show(host.GetMainWindow());
-    if (!request) return 1;
-    std::vector<ItemRename> renames;
-    for (const NamedItem& item : items) {
-        std::wstring name = WithTextReplaced(*request, item.name, item.isFolder);
-        if (name != item.name) renames.push_back({item.item, std::move(name)});
-    }
-    RenameInOneBatch(host, renames);
-    return 1;
 }
 
 }  // namespace FileUtils

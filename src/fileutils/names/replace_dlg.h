@@ -25,6 +25,7 @@ struct NameReplacement {
 struct NameChange {
     std::wstring from;
     std::wstring to;
+    std::wstring fault;  // why it stays as it is, in English; "" when it can change
 };
 
 class CReplaceDlg final : private Ui::Dialog {
@@ -33,7 +34,7 @@ public:
     using Changes = std::function<std::vector<NameChange>(const NameReplacement&)>;
     explicit CReplaceDlg(Changes changes);
 
-    /// A request that changes at least one name, and each to what can be one; nothing when the user cancels.
+    /// A request that can change at least one name; nothing when the user cancels.
     std::optional<NameReplacement> Show(HWND owner);
     using Dialog::UseHost;
 
