@@ -5,6 +5,7 @@
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
 #include "host/contract/host_boundary.h"
+#include "ui/system_ink.h"
 #include "win32/window_position.h"
 
 #include <windowsx.h>
@@ -206,12 +207,7 @@ LRESULT PanelWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_HELP: OnCommand(PanelCommand::Guide); return TRUE;
         case WM_SYSCOLORCHANGE:
         case WM_THEMECHANGED:
-        case WM_SETTINGCHANGE:
-            // The system tells the frame only, and the controls keep colours of their own.
-            for (const HWND control : {m_content->list.Window(), m_content->log.Window(), m_content->status})
-                SendMessageW(control, WM_SYSCOLORCHANGE, 0, 0);
-            RedrawWindow(m_frame, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
-            return 0;
+        case WM_SETTINGCHANGE: Ui::TellColours(m_frame); return 0;
         case WM_GETMINMAXINFO: LimitSize(*reinterpret_cast<MINMAXINFO*>(lParam)); return 0;
         case WM_COMMAND: OnCommand(LOWORD(wParam)); return 0;
         case WM_NOTIFY: return OnNotification(*reinterpret_cast<NMHDR*>(lParam));

@@ -145,6 +145,12 @@ constexpr wchar_t kSample[] = L"abcdefghijklmnopqrstuvwxyz";
 
 }  // namespace
 
+bool IsListView(HWND window) {
+    wchar_t name[32] = {};
+    GetClassNameW(window, name, static_cast<int>(std::size(name)));
+    return std::wstring_view(name) == WC_LISTVIEWW;
+}
+
 void AddColumns(HWND list, std::span<const ListColumn> columns, const Quorvane::SDK::Words& say) {
     SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
     const LRESULT sample = SendMessageW(list, LVM_GETSTRINGWIDTHW, 0, reinterpret_cast<LPARAM>(kSample));

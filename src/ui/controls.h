@@ -58,6 +58,9 @@ std::optional<uint32_t> NumberFromText(std::wstring_view text);
 /// Enables or disables a control and, standing right before it in the order of tabs, the label that names it.
 void EnableWithLabel(HWND control, bool isEnabled);
 
+/// True for a list with columns.
+bool IsListView(HWND window);
+
 struct ListColumn {
     Quorvane::SDK::OwnText title;
     int width;  // in sixteenths of an average character of the list's font: so it grows with the font

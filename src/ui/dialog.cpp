@@ -7,6 +7,7 @@
 #include "sdk/boundary.h"
 #include "ui/activation_context.h"
 #include "ui/guide.h"
+#include "ui/system_ink.h"
 #include "win32/module.h"
 #include "win32/text.h"
 #include "win32/window_position.h"
@@ -68,13 +69,6 @@ std::wstring TextOfSize(SIZE size, UINT dots) {
         return std::to_wstring(Win32::Rescaled(static_cast<int>(pixels), dots, USER_DEFAULT_SCREEN_DPI));
     };
     return length(size.cx) + L"," + length(size.cy);
-}
-
-/// The controls of the system keep the colours that they have asked for once, and hear nothing of others themselves.
-void TellColours(HWND dialog) {
-    for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
-        SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
-    RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 }  // namespace

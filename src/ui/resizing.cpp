@@ -2,10 +2,9 @@
 
 #include <commctrl.h>
 #include <algorithm>
-#include <iterator>
-#include <string_view>
 #include <utility>
 
+#include "ui/controls.h"
 #include "win32/window_position.h"
 
 namespace Ui {
@@ -19,12 +18,6 @@ RECT RectIn(HWND dialog, HWND control) {
     GetWindowRect(control, &rect);
     MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&rect), 2);
     return rect;
-}
-
-bool IsListView(HWND window) {
-    wchar_t name[32] = {};
-    GetClassNameW(window, name, static_cast<int>(std::size(name)));
-    return std::wstring_view(name) == WC_LISTVIEWW;
 }
 
 /// The client area with the scroll bars that stand in it now.

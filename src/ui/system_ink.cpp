@@ -1,7 +1,10 @@
 #include "ui/system_ink.h"
 
+#include <commctrl.h>
 #include <algorithm>
 #include <cmath>
+
+#include "ui/controls.h"
 
 namespace Ui {
 namespace {
@@ -30,6 +33,14 @@ COLORREF ReadableInk(COLORREF first, COLORREF ground, COLORREF other) noexcept {
 
 COLORREF AccentInk() noexcept {
     return ReadableInk(GetSysColor(COLOR_HOTLIGHT), GetSysColor(COLOR_WINDOW), GetSysColor(COLOR_WINDOWTEXT));
+}
+
+void TellColours(HWND window) {
+    for (HWND child = GetWindow(window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
+        if (IsListView(child)) SendMessageW(child, LVM_SETBKCOLOR, 0, static_cast<LPARAM>(GetSysColor(COLOR_WINDOW)));
+    }
+    RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 }  // namespace Ui

@@ -16,4 +16,8 @@ COLORREF ReadableInk(COLORREF first, COLORREF ground, COLORREF other) noexcept;
 /// ground of a list, since not every theme means them to.
 COLORREF AccentInk() noexcept;
 
+/// To be called when the system's colours have changed, which it tells a window of the desktop alone: the controls in
+/// it keep the colours that they have asked for once, and lists their ground. Draws all of it anew.
+void TellColours(HWND window);
+
 }  // namespace Ui

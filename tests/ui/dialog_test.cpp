@@ -285,6 +285,18 @@ TEST(SystemInk, KnowsWhatCanBeRead) {
     SetSysColors(2, kinds, before);
 }
 
+TEST(Dialog, GivesItsListsTheGroundOfTheColoursNow) {
+    Sample sample(IDD_CREATE_LINKS);
+    sample.ShowModeless(nullptr);
+    const int kinds[] = {COLOR_WINDOW};
+    const COLORREF before[] = {GetSysColor(COLOR_WINDOW)};
+    const COLORREF dark[] = {RGB(30, 30, 30)};
+    SetSysColors(1, kinds, dark);
+    SendMessageW(sample.GetWindow(), WM_SYSCOLORCHANGE, 0, 0);
+    EXPECT_EQ(SendDlgItemMessageW(sample.GetWindow(), IDC_LINK_TARGETS, LVM_GETBKCOLOR, 0, 0), RGB(30, 30, 30));
+    SetSysColors(1, kinds, before);
+}
+
 TEST(Guide, IsThePackedPageElseTheTextInTheCheckout) {
     const Ui::GuidePlace packed = Ui::PlaceOfGuide(LR"(C:\QVUtils)", L"sort-lines");
     EXPECT_EQ(packed.page, LR"(C:\QVUtils\docs\help\sort-lines.html)");

@@ -9,6 +9,7 @@
 #include "batchrename/rule_context.h"
 #include "sdk/boundary.h"
 #include "ui/activation_context.h"
+#include "ui/system_ink.h"
 #include "win32/window_position.h"
 
 namespace BatchRename {
@@ -284,10 +285,7 @@ void BatchRenameMainFrame::OnScaleChange(UINT dotsPerInch, const RECT& suggested
 void BatchRenameMainFrame::OnColours() {
     if (!m_list.GetWindow() || !m_panel || !m_statusBar) return;
     m_list.Recolour();
-    // The system tells the frame only, and the controls keep the colours that they have asked for once.
-    for (const HWND pane : {m_list.GetWindow(), m_panel->GetWindow(), m_statusBar})
-        SendMessageW(pane, WM_SYSCOLORCHANGE, 0, 0);
-    RedrawWindow(m_window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+    Ui::TellColours(m_window);
 }
 
 void BatchRenameMainFrame::SwitchPane() {
