@@ -66,7 +66,7 @@ PanelWindow::PanelWindow(Session& session) : m_session(session) {
     windowClass.hInstance = GetModuleHandleW(nullptr);
     windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     windowClass.hIcon = LoadIconW(nullptr, IDI_APPLICATION);
-    windowClass.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
+    windowClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);  // whatever colour that is then
     windowClass.lpszClassName = kClass;
     RegisterClassExW(&windowClass);  // a second panel of this process finds it there
     m_frame = CreateWindowExW(WS_EX_ACCEPTFILES, kClass, Text(PanelText::Program).c_str(),

@@ -47,7 +47,10 @@ GuidePlace PlaceOfGuide(const std::wstring& folder, const std::wstring& topic) {
 
 void OpenGuide(HWND owner, const std::wstring& topic, const HostTexts& texts) {
     const std::wstring module = Win32::PathOfModule(OwnModule());
-    const GuidePlace place = PlaceOfGuide(std::wstring(Win32::WithoutSeparator(Win32::FolderOf(module))), topic);
+    OpenGuide(owner, PlaceOfGuide(std::wstring(Win32::WithoutSeparator(Win32::FolderOf(module))), topic), texts);
+}
+
+void OpenGuide(HWND owner, const GuidePlace& place, const HostTexts& texts) {
     const bool isPacked = Win32::Exists(place.page);
     const std::wstring& file = isPacked || place.text.empty() ? place.page : place.text;
     if (!isPacked && !Win32::Exists(file))

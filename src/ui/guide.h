@@ -22,8 +22,10 @@ struct GuidePlace {
 };
 GuidePlace PlaceOfGuide(const std::wstring& folder, const std::wstring& topic);
 
-/// Has the system show the page, with whatever shows such pages here; says so when there is none. To be called on the
-/// thread of `owner`, since the shell may put windows above it. Nothing else happens.
+/// Has the system show the page, with whatever shows such pages here, else the text; says so when there is neither. To
+/// be called on the thread of `owner`, since the shell may put windows above it. Nothing else happens.
+void OpenGuide(HWND owner, const GuidePlace& place, const HostTexts& texts);
+/// The place is that of our own module.
 void OpenGuide(HWND owner, const std::wstring& topic, const HostTexts& texts);
 
 }  // namespace Ui

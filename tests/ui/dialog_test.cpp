@@ -5,14 +5,20 @@
 
 #include "fileutils/fileutils_resource.h"
 #include "support/dialog_driver.h"
+#include "support/replaced_imports.h"
+#include "support/temporary_folder.h"
 #include "ui/activation_context.h"
 #include "ui/controls.h"
 #include "ui/dialog.h"
 #include "ui/guide.h"
 #include "ui/system_ink.h"
+#include "win32/folder.h"
+#include "win32/module.h"
+#include "win32/path.h"
 #include "win32/window_position.h"
 
 #include <commctrl.h>
+#include <shellapi.h>
 
 namespace {
 
@@ -302,6 +308,38 @@ TEST(Guide, IsThePackedPageElseTheTextInTheCheckout) {
     EXPECT_EQ(packed.page, LR"(C:\QVUtils\docs\help\sort-lines.html)");
     EXPECT_EQ(packed.text, L"") << "nothing above the folder is looked at";
     EXPECT_EQ(Ui::PlaceOfGuide(LR"(C:\qv\build\release\bin)", L"x").text, LR"(C:\qv\docs\user-guide.md)");
+}
+
+std::vector<std::wstring> g_opened;
+decltype(&GetProcAddress) g_getProcAddress = nullptr;
+BOOL WINAPI RecordOpened(SHELLEXECUTEINFOW* request) {
+    g_opened = {request->lpVerb, request->lpFile, request->lpParameters ? request->lpParameters : L""};
+    return TRUE;
+}
+/// The shell's library is loaded when it is needed, and its functions are found by name.
+FARPROC WINAPI FindWithoutShell(HMODULE module, const char* name) {
+    const bool isOpening = std::string_view(name) == "ShellExecuteExW";
+    return isOpening ? reinterpret_cast<FARPROC>(RecordOpened) : g_getProcAddress(module, name);
+}
+
+TEST(Guide, IsOpenedByABrowserWherePackedAndElseAsText) {
+    const QVTest::ReplacedImport replaced(GetModuleHandleW(nullptr), "GetProcAddress",
+                                          reinterpret_cast<void*>(FindWithoutShell));
+    g_getProcAddress = reinterpret_cast<decltype(g_getProcAddress)>(replaced.Original());
+    ASSERT_NE(g_getProcAddress, nullptr);
+    const QVTest::TemporaryFolder root;
+    const auto write = [&](const std::wstring& folder, const wchar_t* file) {
+        Win32::MakeFolders(root / folder);
+        return root.Write(folder + L"\\" + file, "");
+    };
+    const std::wstring text = write(L"docs", L"user-guide.md");
+    Win32::MakeFolders(root / L"build\\release\\bin");
+    Ui::OpenGuide(nullptr, Ui::PlaceOfGuide(root / L"build\\release\\bin", L"sort-lines"), {});
+    const std::wstring notepad = Win32::JoinPath(Win32::SystemFolder(), L"notepad.exe");
+    EXPECT_EQ(g_opened, (std::vector<std::wstring>{L"open", notepad, L"\"" + text + L"\""}));
+    const std::wstring page = write(L"docs\\help", L"sort-lines.html");
+    Ui::OpenGuide(nullptr, Ui::PlaceOfGuide(root.Path(), L"sort-lines"), {});
+    EXPECT_EQ(g_opened, (std::vector<std::wstring>{L"open", page, L""}));
 }
 
 TEST(ActivationContext, GivesOurWindowsTheNewerControls) {

@@ -36,7 +36,7 @@ void RegisterFrameClass(WNDPROC procedure) {
     description.hInstance = Ui::OwnModule();
     description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     description.hIcon = LoadIconW(nullptr, IDI_APPLICATION);
-    description.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
+    description.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);  // whatever colour that is then
     description.lpszClassName = kFrameClass;
     if (!RegisterClassExW(&description) && GetLastError() != ERROR_CLASS_ALREADY_EXISTS)
         ThrowLastError("The window's class cannot be registered");
