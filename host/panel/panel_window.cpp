@@ -5,6 +5,7 @@
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
 #include "host/contract/host_boundary.h"
+#include "ui/controls.h"
 #include "ui/system_ink.h"
 #include "win32/window_position.h"
 
@@ -149,7 +150,8 @@ void PanelWindow::LimitSize(MINMAXINFO& limits) const {
 
 bool PanelWindow::PreTranslate(MSG& message) {
     if (m_isBusy || !m_content || (message.hwnd != m_frame && !IsChild(m_frame, message.hwnd))) return false;
-    return TranslateAcceleratorW(m_frame, m_keys.Get(), &message) != 0 || IsDialogMessageW(m_frame, &message) != FALSE;
+    return TranslateAcceleratorW(m_frame, m_keys.Get(), &message) != 0 || Ui::SelectAllByKey(message) ||
+           IsDialogMessageW(m_frame, &message) != FALSE;
 }
 
 IPanelView::Items PanelWindow::SelectedItems() {

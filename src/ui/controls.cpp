@@ -62,6 +62,14 @@ void SetChecked(HWND box, bool isChecked) {
     SendMessageW(box, BM_SETCHECK, isChecked ? BST_CHECKED : BST_UNCHECKED, 0);
 }
 
+bool SelectAllByKey(const MSG& message) {
+    constexpr WPARAM kCtrlA = 1;  // as a character
+    const bool isKey = message.message == WM_CHAR && message.wParam == kCtrlA;
+    if (!isKey || !(SendMessageW(message.hwnd, WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL)) return false;
+    SendMessageW(message.hwnd, EM_SETSEL, 0, -1);
+    return true;
+}
+
 void SetBoxes(HWND dialog, std::span<const OptionBox> boxes, uint32_t options) {
     for (const OptionBox& box : boxes) SetChecked(GetDlgItem(dialog, box.control), (options & box.bit) != 0);
 }

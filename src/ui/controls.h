@@ -25,6 +25,10 @@ void SetTextOf(HWND control, const std::wstring& text);
 bool IsChecked(HWND box);
 void SetChecked(HWND box, bool isChecked);
 
+/// Selects the whole text of a field where the message is Ctrl+A for one: not every version of the system does it in
+/// fields of several lines. True when it was; there is nothing left to dispatch then.
+bool SelectAllByKey(const MSG& message);
+
 /// A check box that stands for an option bit.
 struct OptionBox {
     int control;

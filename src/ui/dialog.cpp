@@ -134,7 +134,7 @@ LRESULT CALLBACK Dialog::FilterLetters(int code, WPARAM wParam, LPARAM lParam) n
     if (code == MSGF_DIALOGBOX && message->message == WM_CHAR)
         for (HWND window = message->hwnd; window; window = GetAncestor(window, GA_PARENT))
             if (GetWindowLongPtrW(window, DWLP_DLGPROC) == reinterpret_cast<LONG_PTR>(Procedure)) {
-                DispatchMessageW(message);
+                if (!SelectAllByKey(*message)) DispatchMessageW(message);
                 return TRUE;
             }
     return CallNextHookEx(nullptr, code, wParam, lParam);

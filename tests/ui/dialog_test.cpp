@@ -359,6 +359,24 @@ TEST(ActivationContext, GivesOurWindowsTheNewerControls) {
     EXPECT_FALSE(hasNewerEdit());
 }
 
+TEST(Controls, SelectTheWholeTextByKeyInFieldsAlone) {
+    Sample sample;
+    sample.ShowModeless(nullptr);
+    const HWND field = GetDlgItem(sample.GetWindow(), IDC_MATCH_CONTEXT);
+    SetWindowTextW(field, L"a\r\nb");
+    const auto selects = [](HWND control, WPARAM character) {
+        MSG message = {};
+        message.hwnd = control;
+        message.message = WM_CHAR;
+        message.wParam = character;
+        return Ui::SelectAllByKey(message);
+    };
+    EXPECT_TRUE(selects(field, 1));
+    EXPECT_EQ(SendMessageW(field, EM_GETSEL, 0, 0), MAKELONG(0, 4));
+    EXPECT_FALSE(selects(field, L'a'));
+    EXPECT_FALSE(selects(GetDlgItem(sample.GetWindow(), IDOK), 1));
+}
+
 TEST(Controls, AllLineBreaksBecomeThoseOfEdits) {
     EXPECT_EQ(Ui::WithEditBreaks(L"a\nb\rc\r\nd\r\r\n"), L"a\r\nb\r\nc\r\nd\r\n\r\n");
 }

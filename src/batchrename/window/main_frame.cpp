@@ -344,7 +344,7 @@ void BatchRenameMainFrame::SavePosition() const noexcept {
 
 bool BatchRenameMainFrame::PreTranslate(MSG& message) {
     if (!m_window || (message.hwnd != m_window && !IsChild(m_window, message.hwnd))) return false;
-    if (OnKey(message)) return true;
+    if (OnKey(message) || Ui::SelectAllByKey(message)) return true;
     // A letter without Alt is its control's alone: on a button the system would take it for the key of another.
     return message.message != WM_CHAR && IsDialogMessageW(m_window, &message);
 }
