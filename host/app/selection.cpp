@@ -9,6 +9,7 @@
 #include "host/app/host_text.h"
 #include "host/app/unix_paths.h"
 #include "host/contract/whole_file.h"
+#include "win32/file_name.h"
 #include "win32/files.h"
 #include "win32/folder.h"
 #include "win32/path.h"
@@ -71,7 +72,12 @@ void TakeTyped(const std::wstring& typed, const TakePath& take) {
     std::erase_if(entries, [](const auto& entry) { return (entry.attributes & FILE_ATTRIBUTE_HIDDEN) != 0; });
     if (entries.empty()) throw UsageError(L"there is no file or folder " + typed);
     std::ranges::sort(entries, {}, &Win32::FolderEntry::name);
-    for (const Win32::FolderEntry& entry : entries) take(folder + entry.name);
+    for (const Win32::FolderEntry& entry : entries) {
+        const std::wstring path = folder + entry.name;
+        if (!Win32::IsFileName(entry.name) && Win32::FileNameOf(FullUserPath(path)) != entry.name)
+            throw UsageError(L"\"" + path + L"\" leads to another name; give its full path after \\\\?\\");
+        take(path);
+    }
 }
 
 }  // namespace

@@ -6,8 +6,8 @@
 
 namespace Win32 {
 
-/// The absolute form of `path` (either slash, relative or not), of any length. Gives `path` back unchanged when the
-/// system cannot form it; the call that uses it then reports the error.
+/// The absolute form of `path` (either slash, relative or not), of any length. Gives `path` back unchanged when it
+/// begins with `\\?\`, or when the system cannot form it; the call that uses it then reports the error.
 std::wstring FullPath(const std::wstring& path);
 
 /// The form of `path` that the file functions take at any length: unchanged while it is short, else absolute with the

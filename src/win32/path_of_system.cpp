@@ -12,6 +12,8 @@ constexpr size_t kShortPathLimit = MAX_PATH - 12;
 }  // namespace
 
 std::wstring FullPath(const std::wstring& path) {
+    // The system's function would make such a path lead elsewhere: it drops a dot or a blank at the end.
+    if (path.starts_with(LR"(\\?\)")) return path;
     std::wstring full(kShortPathLimit, L'\0');
     for (;;) {
         const DWORD length = GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);

@@ -59,11 +59,16 @@ TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
     const HostRunner host;
     host.Folder().Write(L"good.txt", "");
     host.Folder().Write(L"bad.txt", "");
+    host.Folder().Write(L"odd", "");
+    const std::wstring odd = LR"(\\?\)" + (host.Folder() / L"odd.");
+    ASSERT_TRUE(CopyFileW((host.Folder() / L"odd").c_str(), odd.c_str(), TRUE));
     const std::tuple<const char*, Words, int, const char*> cases[] = {
         {"a failed file", {L"command", L"40000", host.Folder() / L"bad.txt"}, 1, "[failed] "},
         {"not handled", {L"command", L"9"}, 1, "no extension handles the command 9"},
         {"wildcards", {L"command", L"40000", host.Folder() / L"g?od.*"}, 0, "good.txt\n"},
         {"wildcards that match nothing", {L"command", L"40000", host.Folder() / L"no*.txt"}, 2, "no*.txt"},
+        {"a name that the system cuts", {L"command", L"40000", host.Folder() / L"od*"}, 2, "odd.\" leads to another"},
+        {"the same in full", {L"command", L"40000", odd}, 0, "odd.\n"},
         {"a missing file", {L"command", L"40000", L"none.txt"}, 2, "there is no file or folder none.txt"},
         {"no id", {L"command", L"x"}, 2, "\"x\" is no command id"},
         {"required parameter missing", {L"call", L"Echo"}, 1, "Echo needs TEXT"},
@@ -84,6 +89,7 @@ TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
         EXPECT_EQ(run.status, status) << why << ": " << run.error;
         EXPECT_TRUE(Contains(run.error, said)) << why << ": " << run.error;
     }
+    EXPECT_TRUE(DeleteFileW(odd.c_str()));
 }
 
 TEST(QvHost, TakesPathsOfAnyLengthAndScript) {
