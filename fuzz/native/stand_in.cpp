@@ -48,7 +48,9 @@ void SystemCondition::WakeAll() noexcept {}
 
 /// Byte by byte: decoding well is the system's affair.
 std::wstring FromCodePage(std::string_view text, uint32_t) {
-    return {text.begin(), text.end()};
+    std::wstring wide;
+    for (const char byte : text) wide += static_cast<wchar_t>(static_cast<uint8_t>(byte));
+    return wide;
 }
 
 }  // namespace Win32
