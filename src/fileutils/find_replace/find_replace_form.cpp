@@ -79,7 +79,7 @@ std::wstring WhyNotStart(const FindAndReplaceRequest& request, std::span<const s
     const std::vector<std::wstring> items = QVFindAndReplace::SplitItems(request.find);
     if (QVFindAndReplace::ModeOf(request.options) == Mode::One && (items.empty() || items.front().empty()))
         return L"There is no text to find in the first line.";
-    const std::wstring reason = FindWildcardFault(request);
+    std::wstring reason = FindWildcardFault(request);
     if (!reason.empty() || !TakesFileName(request.options)) return reason;
     return WhyNotATarget(request.targetPattern, files);
 }

@@ -6,6 +6,7 @@
 #include "fileutils/fileutils_resource.h"
 #include "fileutils/fileutils_texts.h"
 #include "ui/controls.h"
+#include "win32/file_name.h"
 #include "win32/path.h"
 #include "win32/text.h"
 #include "win32/window_text.h"
@@ -16,7 +17,6 @@ namespace {
 using namespace Ui;
 
 constexpr size_t kLongestPreview = 100;  // names; more than anybody reads
-constexpr WPARAM kLongestName = 255;     // units of a name
 constexpr wchar_t kArrow[] = L"  ->  ";
 
 // In the order of NamePart.
@@ -35,7 +35,8 @@ std::wstring FirstFault(const std::vector<NameChange>& changes) {
 
 /// Those with a fault first: there may be more names than anybody looks through.
 std::vector<std::wstring> PreviewOf(std::vector<NameChange> changes, const Quorvane::SDK::Words& say) {
-    std::ranges::stable_partition(changes, [](const NameChange& change) { return !change.fault.empty(); });
+    std::stable_partition(changes.begin(), changes.end(),
+                          [](const NameChange& change) { return !change.fault.empty(); });
     std::vector<std::wstring> lines;
     for (const NameChange& change : changes) {
         if (lines.size() == kLongestPreview) {
@@ -62,7 +63,7 @@ bool CReplaceDlg::OnInit() {
         SendMessageW(Item(IDC_NAME_PART), CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(Say()(part).c_str()));
     SendMessageW(Item(IDC_NAME_PART), CB_SETCURSEL, 0, 0);
     for (const int edit : {IDC_NAME_FIND, IDC_NAME_REPLACEMENT})
-        SendMessageW(Item(edit), EM_LIMITTEXT, kLongestName, 0);
+        SendMessageW(Item(edit), EM_LIMITTEXT, Win32::kLongestName, 0);
     Refresh();
     return true;
 }
