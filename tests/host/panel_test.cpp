@@ -193,7 +193,7 @@ TEST(Panel, ShowsAFolderRunsACommandAndMarksWhatBecameOfTheFiles) {
             EXPECT_EQ(panel.Title(), folder.Path() + L" - 1w");
             EXPECT_EQ(panel.Column(0), (Names{L"sub", L"bad.txt", L"good.txt", L"other.txt"}));
             EXPECT_EQ(panel.Selected(), (Names{L"bad.txt", L"good.txt"})) << "as the command line says";
-            EXPECT_EQ(panel.Log(), Names{L"33w"}) << "and what lies elsewhere is told";
+            EXPECT_TRUE(WaitUntil([&] { return panel.Log() == Names{L"33w"}; })) << "and what lies elsewhere is told";
             EXPECT_TRUE(WaitUntil([&] { return panel.Status() == L"20w"; })) << "something is selected";
 
             panel.ChooseFirstOfLastMenu();
