@@ -1,5 +1,11 @@
 #include "host/contract/settings_file.h"
 
+#include <array>
+#include <string_view>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
 #include "host/app/host_text.h"
 #include "host/contract/host_boundary.h"
 #include "host/contract/whole_file.h"
@@ -21,7 +27,14 @@ bool IsMissing(uint32_t error) {
     return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
 }
 
-nlohmann::json& PlaceOf(nlohmann::json& values, const std::array<std::string, 3>& names) {
+/// Extension, section, key.
+using Names = std::array<std::string, 3>;
+
+Names NamesOf(const std::wstring& extension, const wchar_t* section, const wchar_t* key) {
+    return {ToUtf8(extension), ToUtf8(section), ToUtf8(key)};
+}
+
+nlohmann::json& PlaceOf(nlohmann::json& values, const Names& names) {
     nlohmann::json* place = &values;
     for (const std::string& name : names) {
         // A hand-edited file may have something else at a section's place; it gives way to the section.
@@ -33,7 +46,59 @@ nlohmann::json& PlaceOf(nlohmann::json& values, const std::array<std::string, 3>
 
 }  // namespace
 
-SettingsFile::SettingsFile(Output& output, std::wstring path) : m_output(output), m_path(std::move(path)) {
+class SettingsFile::Values {
+public:
+    /// Null where there is no such value.
+    const nlohmann::json* Find(const Names& names) const {
+        const nlohmann::json* place = &m_values;
+        for (const std::string& name : names) {
+            if (!place->is_object()) return nullptr;
+            const auto entry = place->find(name);
+            if (entry == place->end()) return nullptr;
+            place = &*entry;
+        }
+        return place;
+    }
+
+    void Set(const Names& names, nlohmann::json value) {
+        nlohmann::json& entry = PlaceOf(m_values, names);
+        if (entry == value && entry.type() == value.type()) return;
+        entry = value;
+        m_changes.push_back({names, std::move(value)});
+    }
+
+    /// False, and nothing taken over, for what is no JSON object.
+    bool Read(std::string_view bytes) {
+        nlohmann::json values = nlohmann::json::parse(bytes, nullptr, false);
+        if (!values.is_object()) return false;
+        m_values = std::move(values);
+        return true;
+    }
+
+    /// What a file that has values of its own by now becomes.
+    std::string Merged(const Values& file) const {
+        nlohmann::json values = file.m_values;
+        for (const Change& change : m_changes) PlaceOf(values, change.names) = change.value;
+        return values.dump(kJsonIndent) + "\n";
+    }
+
+    bool HasChanges() const { return !m_changes.empty(); }
+    void ForgetChanges() { m_changes.clear(); }
+
+private:
+    struct Change {
+        Names names;
+        nlohmann::json value;
+    };
+
+    nlohmann::json m_values = nlohmann::json::object();
+    std::vector<Change> m_changes;
+};
+
+SettingsFile::~SettingsFile() = default;
+
+SettingsFile::SettingsFile(Output& output, std::wstring path)
+    : m_output(output), m_path(std::move(path)), m_values(std::make_unique<Values>()) {
     m_mayWrite = !m_path.empty();
     if (!m_mayWrite) return;
     std::string bytes;
@@ -44,11 +109,7 @@ SettingsFile::SettingsFile(Output& output, std::wstring path) : m_output(output)
         m_output.Note(L"[settings] " + m_path + L" cannot be read and stays as it is: " + DescribeError(error));
         return;
     }
-    nlohmann::json values = nlohmann::json::parse(bytes, nullptr, false);
-    if (values.is_object())
-        m_values = std::move(values);
-    else
-        KeepDamagedFile();
+    if (!m_values->Read(bytes)) KeepDamagedFile();
 }
 
 void SettingsFile::KeepDamagedFile() {
@@ -66,31 +127,10 @@ void SettingsFile::KeepDamagedFile() {
                   DescribeError(error));
 }
 
-nlohmann::json* SettingsFile::Find(const std::wstring& extension, const wchar_t* section, const wchar_t* key) {
-    nlohmann::json* place = &m_values;
-    for (const std::string& name : {ToUtf8(extension), ToUtf8(section), ToUtf8(key)}) {
-        if (!place->is_object()) return nullptr;
-        const auto entry = place->find(name);
-        if (entry == place->end()) return nullptr;
-        place = &*entry;
-    }
-    return place;
-}
-
-bool SettingsFile::Set(const std::wstring& extension, const wchar_t* section, const wchar_t* key,
-                       nlohmann::json value) {
-    const std::array<std::string, 3> names = {ToUtf8(extension), ToUtf8(section), ToUtf8(key)};
-    nlohmann::json& entry = PlaceOf(m_values, names);
-    if (entry == value && entry.type() == value.type()) return true;
-    entry = value;
-    m_changes.push_back({names, std::move(value)});
-    return true;
-}
-
 std::optional<std::wstring> SettingsFile::Text(const std::wstring& extension, const wchar_t* section,
                                                const wchar_t* key) {
     const std::lock_guard lock(m_mutex);
-    const nlohmann::json* value = Find(extension, section, key);
+    const nlohmann::json* value = m_values->Find(NamesOf(extension, section, key));
     if (!value || !value->is_string()) return std::nullopt;
     return FromUtf8(value->get_ref<const std::string&>());
 }
@@ -98,7 +138,7 @@ std::optional<std::wstring> SettingsFile::Text(const std::wstring& extension, co
 std::optional<uint32_t> SettingsFile::Number(const std::wstring& extension, const wchar_t* section,
                                              const wchar_t* key) {
     const std::lock_guard lock(m_mutex);
-    const nlohmann::json* value = Find(extension, section, key);
+    const nlohmann::json* value = m_values->Find(NamesOf(extension, section, key));
     if (!value || !value->is_number_unsigned() || value->get<uint64_t>() > UINT32_MAX) return std::nullopt;
     return value->get<uint32_t>();
 }
@@ -108,18 +148,20 @@ bool SettingsFile::SetText(const std::wstring& extension, const wchar_t* section
     std::optional<std::string> bytes = Win32::ToCodePage(text, Win32::kUtf8CodePage);
     if (!bytes) return false;
     const std::lock_guard lock(m_mutex);
-    return Set(extension, section, key, std::move(*bytes));
+    m_values->Set(NamesOf(extension, section, key), std::move(*bytes));
+    return true;
 }
 
 bool SettingsFile::SetNumber(const std::wstring& extension, const wchar_t* section, const wchar_t* key,
                              uint32_t value) {
     const std::lock_guard lock(m_mutex);
-    return Set(extension, section, key, value);
+    m_values->Set(NamesOf(extension, section, key), value);
+    return true;
 }
 
 bool SettingsFile::Save() {
     const std::lock_guard lock(m_mutex);
-    if (m_changes.empty() || !m_mayWrite) return true;
+    if (!m_values->HasChanges() || !m_mayWrite) return true;
     uint32_t error = Win32::MakeFolders(Win32::FolderOf(m_path));
     if (error == ERROR_SUCCESS) error = SaveChanges();
     // Another run has saved since the file was read.
@@ -130,7 +172,7 @@ bool SettingsFile::Save() {
         m_output.Note(L"[settings] " + m_path + L" cannot be saved: " + DescribeError(error));
         return false;
     }
-    m_changes.clear();
+    m_values->ForgetChanges();
     return true;
 }
 
@@ -140,15 +182,14 @@ uint32_t SettingsFile::SaveChanges() {
     std::optional<Win32::FileState> original;
     const uint32_t error = ReadWholeFile(m_path, bytes, original);
     if (error != ERROR_SUCCESS && !IsMissing(error)) return error;
-    nlohmann::json values = nlohmann::json::parse(bytes, nullptr, false);
-    if (original && !values.is_object()) {
+    Values file;
+    if (original && !file.Read(bytes)) {
         KeepDamagedFile();
         if (!m_mayWrite) return ERROR_INVALID_DATA;
         original.reset();
     }
-    if (!original) values = m_values;
-    for (const Change& change : m_changes) PlaceOf(values, change.names) = change.value;
-    return QVUtils::ReplaceRecord(m_path, values.dump(kJsonIndent) + "\n", original.has_value(), original);
+    return QVUtils::ReplaceRecord(m_path, m_values->Merged(original ? file : *m_values), original.has_value(),
+                                  original);
 }
 
 bool ExtensionSettings::GetString(uint32_t, const wchar_t* section, const wchar_t* key, wchar_t* buffer,

@@ -2,14 +2,11 @@
 // numbers are numbers.
 #pragma once
 
-#include <array>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
-#include <vector>
-
-#include <nlohmann/json.hpp>
 
 #include "host/app/output.h"
 #include "sdk/host_objects.h"
@@ -22,6 +19,7 @@ public:
     /// and the run begins without settings; one that cannot be read is left alone and never written over. "" for
     /// settings that end with the run.
     SettingsFile(Output& output, std::wstring path);
+    ~SettingsFile();
 
     std::optional<std::wstring> Text(const std::wstring& extension, const wchar_t* section, const wchar_t* key);
     std::optional<uint32_t> Number(const std::wstring& extension, const wchar_t* section, const wchar_t* key);
@@ -34,22 +32,16 @@ public:
     bool Save();
 
 private:
-    struct Change {
-        std::array<std::string, 3> names;  // extension, section, key
-        nlohmann::json value;
-    };
+    class Values;  // the JSON library's headers cost each file that includes them two seconds
 
     uint32_t SaveChanges();
-    nlohmann::json* Find(const std::wstring& extension, const wchar_t* section, const wchar_t* key);
-    bool Set(const std::wstring& extension, const wchar_t* section, const wchar_t* key, nlohmann::json value);
     void KeepDamagedFile();
 
     Output& m_output;
     std::wstring m_path;
     std::mutex m_mutex;
-    nlohmann::json m_values = nlohmann::json::object();
+    std::unique_ptr<Values> m_values;
     bool m_mayWrite = true;
-    std::vector<Change> m_changes;
 };
 
 /// The view of one extension.
