@@ -7,8 +7,8 @@
 #
 # The headers of the standard library and the system are half of what there is to compile, so they are precompiled:
 # once for the engines, which get the standard's only, once for all others. The project's own headers never are: that
-# would carry them past the layers. ./qv check reads each file without any of this, so each still has to include what it
-# uses.
+# would carry them past the layers. ./qv check --changed compiles each changed file without any of this, so it still has
+# to include what it uses.
 function(qv_module name)
   cmake_parse_arguments(MODULE "ENGINE" "" "SOURCES;RESOURCES;PUBLIC;PRIVATE" ${ARGN})
   set(view ${CMAKE_BINARY_DIR}/modules/${name})
