@@ -177,7 +177,8 @@ void AddFiles(std::vector<Case>& cases, const Data& data) {
                      .samples = {"small"},
                      .ours = "exec $QV --files-from $D/small.list columns --csv",
                      .peers = {{"bare loop", "sh", "exec $WINE $LOOPS/columns_loop.exe $D/small.list"}},
-                     .memoryLimit = kBlocksOnly});
+                     .memoryLimit = kBlocksOnly,
+                     .holdsWork = true});
 }
 
 }  // namespace

@@ -30,7 +30,7 @@ struct Case {
     std::vector<Peer> peers = {};  // none: only memory is looked at
     std::string compare = {};      // succeeds when the results are as equal as they must be; "": nothing to compare
     uint64_t memoryLimit = 0;      // bytes; our peak must not be above, with what every process under Wine takes
-    bool holdsWork = false;        // a text, lines or rows: the peak grows with the work
+    bool holdsWork = false;        // a text, lines, rows or paths: the peak grows with the work
 };
 
 constexpr uint64_t kMegabyte = 1'000'000;
