@@ -6,6 +6,7 @@
 #include <mutex>
 #include <optional>
 #include <set>
+#include <span>
 #include <sstream>
 #include <typeinfo>
 #include <utility>
@@ -41,7 +42,8 @@ using Arguments = uintptr_t[9];  // the object first; the longest log line has n
 enum Fault : uint8_t { Throws, GivesNothing, GivesNonsense, Refuses };
 
 struct Round {
-    size_t number = std::string::npos;  // of the call that goes wrong
+    std::string wrong = {};  // the call that goes wrong, the next one after so many of the same name: repeated acts
+    size_t before = 0;       // may make fewer of others
     Fault fault = {};
     std::function<void(const std::string&)> onCall = {};
     std::vector<std::string> calls = {};
@@ -53,6 +55,10 @@ struct Round {
 std::recursive_mutex g_lock;
 std::map<uintptr_t, std::pair<std::string, void**>> g_objects;  // their class and its table
 std::optional<Round> g_round;
+
+size_t CountOf(const std::string& call, std::span<const std::string> calls) {
+    return static_cast<size_t>(std::count(calls.begin(), calls.end(), call));
+}
 
 void Begin(std::optional<Round> round) {
     const std::lock_guard lock(g_lock);
@@ -97,10 +103,11 @@ uintptr_t Replacement(uintptr_t object, uintptr_t a, uintptr_t b, uintptr_t c, u
     }
     const Arguments given = {object, a, b, c, d, e, f, g, h};
     const Slot slot = SlotOf(class_, number);
-    const bool fails = g_round->calls.size() == g_round->number;
+    const std::string call = class_ + " " + std::to_string(number);
+    const bool fails = call == g_round->wrong && CountOf(call, g_round->calls) == g_round->before;
     const auto [fault, onCall] = std::pair(g_round->fault, g_round->onCall);
-    g_round->calls.push_back(class_ + " " + std::to_string(number));
-    if (fails) g_round->failed = g_round->calls.back();
+    g_round->calls.push_back(call);
+    if (fails) g_round->failed = call;
     if (slot.Is("-") && given[slot.argument] != reinterpret_cast<uintptr_t>(HostCalls::Nothing())) {
         const auto found = g_round->open.find(given[slot.argument]);
         if (found == g_round->open.end())
@@ -115,7 +122,7 @@ uintptr_t Replacement(uintptr_t object, uintptr_t a, uintptr_t b, uintptr_t c, u
     if (answer != 0 && slot.Is("o+")) HostCalls::Watch(reinterpret_cast<void*>(answer));
     if (answer != 0 && slot.Is("+") && g_round) g_round->open.insert(answer);
     lock.unlock();
-    if (onCall) onCall(class_ + " " + std::to_string(number));
+    if (onCall) onCall(call);
     return answer;
 }
 
@@ -153,7 +160,7 @@ void HostCalls::Walk(const std::function<void()>& act, const std::function<void(
         Begin(round);
         act();
         const std::vector<std::string> calls = g_round->calls;
-        g_round->number = std::string::npos;
+        g_round->wrong.clear();
         if (restore) restore();
         // Another thread may be about to give back.
         const auto isAllGivenBack = [] {
@@ -170,9 +177,11 @@ void HostCalls::Walk(const std::function<void()>& act, const std::function<void(
     EXPECT_GT(calls.size(), 3u);
     for (size_t number = 0; number < calls.size(); ++number) {
         const bool isFirst = known.insert(calls[number]).second;
+        const size_t before = CountOf(calls[number], std::span(calls).first(number));
         for (const Fault fault : {Throws, GivesNothing, GivesNonsense, Refuses}) {
             const bool isTurn = fault == number % 4 || (restore && fault == Throws);
-            if (isEvery || (isFirst && !restore) || (isTurn && isFirst == !!restore)) doOnce({number, fault});
+            if (isEvery || (isFirst && !restore) || (isTurn && isFirst == !!restore))
+                doOnce({calls[number], before, fault});
         }
     }
     Begin({});
