@@ -57,7 +57,6 @@ public:
     explicit BatchRenameGUIThread(std::shared_ptr<ExtensionState> state);
 
     DWORD Id() const { return m_id; }
-    bool HasEnded() const { return Wait(0); }
     /// False when it has not ended within so many milliseconds.
     bool Wait(DWORD milliseconds) const;
 

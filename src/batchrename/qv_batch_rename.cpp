@@ -21,6 +21,7 @@ constexpr uint32_t kRenameCommandFlags = 0x201;
 
 // Milliseconds.
 constexpr DWORD kPauseAtStart = 1000;
+constexpr DWORD kWaitForEnding = 1000;
 constexpr DWORD kWaitAtShutdown = 5000;
 constexpr DWORD kWaitAtDeletion = 4000;
 constexpr DWORD kWaitForCalls = 100;  // a thread may have passed the gate and not be in the host yet
@@ -124,8 +125,9 @@ uint32_t QVBatchRename::OnCommand(uint32_t id, uintptr_t first, uintptr_t second
 
 uint32_t QVBatchRename::OpenWindow() {
     if (!m_services || m_state->isClosing) return 0;
-    // A window that was closed has ended its thread.
-    if (m_guiThread && m_guiThread->HasEnded()) m_guiThread.reset();
+    // A thread without a window is just ending, and rows sent to it would be lost. Waited for while the caller has
+    // patience, as a thread that hangs must not hang the host.
+    if (m_guiThread && m_guiThread->Wait(IsWindow(m_state->window) ? 0 : kWaitForEnding)) m_guiThread.reset();
     if (const HWND window = m_state->window) PostMessageW(window, WM_COMMAND, kRenameCommand, 0);
     m_state->hostCallback.Acquire(m_state->host);
     RuleContext& context = m_state->Context();

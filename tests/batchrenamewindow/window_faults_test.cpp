@@ -28,17 +28,28 @@ uintptr_t NoThreadOfTheRuntime(void*, unsigned, unsigned (*)(void*), void*, unsi
     return 0;
 }
 
+[[noreturn]] void WINAPI EndLate(HMODULE module, DWORD code) {
+    Sleep(200);
+    FreeLibraryAndExitThread(module, code);
+}
+
 TEST(RenameWindowWithoutThreads, SaysSoAndOpensLater) {
     RenameWindow window(kNames);
-    // The window's own thread, then the one for its previews.
-    for (const auto& [call, function] : {std::pair("CreateThread", reinterpret_cast<void*>(NoThread)),
-                                         {"_beginthreadex", reinterpret_cast<void*>(NoThreadOfTheRuntime)}}) {
-        const ReplacedImport replaced(Library(), call, function);
-        ASSERT_NE(replaced.Original(), nullptr);
-        window.RunCommand(kNames);
-        EXPECT_TRUE(window.WaitFor([&] { return !window.Frame(); }));
+    {
+        // A thread that has said so and takes its time to end is waited for.
+        const ReplacedImport slowEnd(Library(), "FreeLibraryAndExitThread", reinterpret_cast<void*>(EndLate));
+        ASSERT_NE(slowEnd.Original(), nullptr);
+        // The window's own thread, then the one for its previews.
+        for (const auto& [call, function] : {std::pair("CreateThread", reinterpret_cast<void*>(NoThread)),
+                                             {"_beginthreadex", reinterpret_cast<void*>(NoThreadOfTheRuntime)}}) {
+            const ReplacedImport replaced(Library(), call, function);
+            ASSERT_NE(replaced.Original(), nullptr);
+            window.Host().loggedFailures = 0;
+            window.RunCommand(kNames);
+            ASSERT_TRUE(window.WaitFor([&] { return window.Host().loggedFailures > 0; }));
+        }
+        window.Open(kNames);
     }
-    window.Open(kNames);
     window.Panel().Enter(IDC_NAME_TEMPLATE, L"[N]2");
     ASSERT_TRUE(window.WaitForStatus(L"2 of 2 items will be renamed"));
     {
