@@ -9,8 +9,8 @@ namespace Win32 {
 struct ItemIdentity {
     uint32_t volume = 0;  // serial number
     uint64_t index = 0;   // of the item on the volume; 0: not known
-    // Of a file whose number a new one may get once it is deleted (its upper 16 bits, which count that, are 0): when it
-    // was written and read last, in 100 nanoseconds since 1601. 0: the number alone tells.
+    // Of a file whose number a new item may get once it is deleted (its upper 16 bits, which count that, are 0): when
+    // it was written and read last, in 100 nanoseconds since 1601. 0: the number alone tells; so it does for folders.
     uint64_t written = 0;
     uint64_t accessed = 0;
 
@@ -18,10 +18,11 @@ struct ItemIdentity {
 };
 
 /// A file that was written or read since stays the same; one with the number of a file that was deleted has been both.
+/// A folder with that number has no times, and is another item.
 inline bool IsSameItem(const ItemIdentity& left, const ItemIdentity& right) {
     if (left.volume != right.volume || left.index != right.index) return false;
-    const bool isCertain = left.written == 0 || right.written == 0;
-    return isCertain || left.written == right.written || left.accessed == right.accessed;
+    const bool isOneKind = (left.written == 0) == (right.written == 0);
+    return isOneKind && (left.written == right.written || left.accessed == right.accessed);
 }
 
 }  // namespace Win32

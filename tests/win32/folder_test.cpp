@@ -1,6 +1,8 @@
 #include "win32/folder.h"
 
 #include <algorithm>
+#include <functional>
+#include <map>
 
 #include "support/temporary_folder.h"
 
@@ -41,6 +43,27 @@ TEST(Folder, SaysWhyItCannotBeListed) {
     EXPECT_NE(Win32::ListFolder(folder.Write(L"file", "x"), L"*", names), 0u);
     EXPECT_EQ(Win32::ListFolder(folder.Path(), L"*.none", names), 0u);
     EXPECT_TRUE(names.empty());
+}
+
+// A server that does not count how often a number was given may give that of a deleted file to a folder.
+TEST(Folder, FindsAnItemUnlessAnotherOneHasItsNumber) {
+    const QVTest::TemporaryFolder folder;
+    folder.Write(L"file", "x");
+    CreateDirectoryW((folder / L"inner").c_str(), nullptr);
+    std::map<std::wstring, Win32::ItemIdentity, std::less<>> items;
+    Win32::ListFolder(folder.Path(),
+                      [&](std::wstring_view name, const Win32::ItemIdentity& item) { items.emplace(name, item); });
+    const Win32::ItemIdentity file = items.at(L"file");
+    const Win32::ItemIdentity inner = items.at(L"inner");
+    ASSERT_TRUE(file && inner);
+    const auto found = [&](const Win32::ItemIdentity& item) { return Win32::FindItem(folder.Path(), item); };
+    EXPECT_EQ(found(inner), folder / L"inner");
+    EXPECT_EQ(found({inner.volume, inner.index, 1, 1}), L"") << "it was a file";
+    if (file.index >> 48 != 0) GTEST_SKIP() << "the numbers of this disk are counted";
+    EXPECT_EQ(found({file.volume, file.index, 1, file.accessed}), folder / L"file");
+    EXPECT_EQ(found({file.volume, file.index, file.written, 1}), folder / L"file");
+    EXPECT_EQ(found({file.volume, file.index, 1, 1}), L"");
+    EXPECT_EQ(found({file.volume, file.index, 0, 0}), L"") << "it was a folder";
 }
 
 }  // namespace
