@@ -115,10 +115,10 @@ std::wstring UndoStore::PathOf(BatchRenameUndo& session) {
 /// A session is there whole or not at all.
 uint32_t UndoStore::WriteFileOf(BatchRenameUndo& session, bool mayReplace) {
     // A host without a configuration folder: what has no folder would land in whichever is the current one.
-    if (m_folder.empty()) return m_lastError = ERROR_PATH_NOT_FOUND;
+    if (m_folder.empty()) return ERROR_PATH_NOT_FOUND;
     Win32::MakeFolders(m_folder);
     const std::wstring text = FormatSession(session);
-    return m_lastError = QVUtils::ReplaceRecord(PathOf(session), BytesOf(text), mayReplace);
+    return QVUtils::ReplaceRecord(PathOf(session), BytesOf(text), mayReplace);
 }
 
 UndoProgress UndoStore::OpenAtEnd(BatchRenameUndo& session) {
@@ -142,7 +142,7 @@ UndoProgress UndoStore::OpenAtEnd(BatchRenameUndo& session) {
 
 UndoProgress UndoStore::Begin(const std::shared_ptr<BatchRenameUndo>& session) {
     session->isUnfinished = true;
-    while (WriteFileOf(*session, false) == ERROR_ALREADY_EXISTS) {
+    while ((m_lastError = WriteFileOf(*session, false)) == ERROR_ALREADY_EXISTS) {
         // Another run of this second has the name. The session's own time counts on, because the clock may have been
         // set back.
         session->time = TimeOfSeconds(SecondsOf(session->time) + 1);
@@ -162,8 +162,8 @@ UndoProgress UndoStore::Begin(const std::shared_ptr<BatchRenameUndo>& session) {
 }
 
 UndoProgress UndoStore::BeginRestore(BatchRenameUndo& session) {
-    if (Write(session) != ERROR_SUCCESS) return {};
-    return OpenAtEnd(session);
+    m_lastError = Write(session);
+    return m_lastError == ERROR_SUCCESS ? OpenAtEnd(session) : UndoProgress();
 }
 
 uint32_t UndoStore::Write(BatchRenameUndo& session) {

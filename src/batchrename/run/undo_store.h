@@ -49,11 +49,12 @@ public:
     virtual UndoProgress Begin(const std::shared_ptr<BatchRenameUndo>& session) = 0;
     /// The same for the restoring of a session that the journal has: it is written anew.
     virtual UndoProgress BeginRestore(BatchRenameUndo& session) = 0;
-    /// Writes a session, whole or not at all. Windows error code, 0 for success.
+    /// Writes the session of a run that has ended, whole or not at all. When that fails, the record of its steps stays,
+    /// by which it can be taken back as well: hence no LastError. Windows error code, 0 for success.
     virtual uint32_t Write(BatchRenameUndo& session) = 0;
     /// True when it is gone.
     virtual bool Delete(const std::shared_ptr<BatchRenameUndo>& session) = 0;
-    /// Windows error code of the last operation that failed.
+    /// Windows error code of the last beginning, step or deletion that failed.
     virtual uint32_t LastError() const = 0;
 
 protected:
