@@ -7,6 +7,7 @@
 #include "host/elevated/elevated_protocol.h"
 #include "host/elevated/message_pipe.h"
 #include "host_runner.h"
+#include "support/start_process.h"
 
 #include <aclapi.h>
 
@@ -75,15 +76,10 @@ TEST(ElevatedChannel, GivesUpWhenTheOtherProcessEnds) {
 
 /// `program` as the second process of the host for a pipe that the test has made.
 Win32::KernelHandle Start(const std::wstring& program, const std::wstring& pipe, const std::wstring& library) {
-    std::wstring line =
-        QuoteArguments({program, L"elevated-server", L"--pipe", pipe, L"--extension", L"0", L"--library", library});
-    STARTUPINFOW start = {};
-    start.cb = sizeof(start);
-    PROCESS_INFORMATION started = {};
-    EXPECT_TRUE(
-        CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &started));
-    CloseHandle(started.hThread);
-    return Win32::KernelHandle(started.hProcess);
+    StartedProcess server = StartProcess(program, QuoteArguments({program, L"elevated-server", L"--pipe", pipe,
+                                                                  L"--extension", L"0", L"--library", library}));
+    EXPECT_TRUE(server.process);
+    return std::move(server.process);
 }
 
 /// The exit code of a process that has come to its end, or is ended.

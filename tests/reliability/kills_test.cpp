@@ -5,6 +5,7 @@
 
 #include "host/elevated/elevated_channel.h"
 #include "reliability/writing_commands.h"
+#include "support/start_process.h"
 #include "win32/handle.h"
 
 namespace {
@@ -20,15 +21,10 @@ int KillCount() {
 
 Win32::KernelHandle Start(std::vector<std::wstring> arguments) {
     arguments.insert(arguments.begin(), QV_HOST_PROGRAM);
-    std::wstring line = QVHost::QuoteArguments(arguments);
-    STARTUPINFOW start = {};
-    start.cb = sizeof(start);
-    PROCESS_INFORMATION started = {};
-    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW | DETACHED_PROCESS, nullptr,
-                        nullptr, &start, &started))
-        ADD_FAILURE() << "the host does not start, error " << GetLastError();
-    const Win32::KernelHandle thread(started.hThread);
-    return Win32::KernelHandle(started.hProcess);
+    StartedProcess host =
+        StartProcess(QV_HOST_PROGRAM, QVHost::QuoteArguments(arguments), {CREATE_NO_WINDOW | DETACHED_PROCESS});
+    EXPECT_TRUE(host.process) << "the host does not start, error " << GetLastError();
+    return std::move(host.process);
 }
 
 /// Runs a command to its end. The time that this took, in milliseconds.

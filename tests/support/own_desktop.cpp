@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <string>
 
+#include "support/start_process.h"
 #include "win32/handle.h"
 
 namespace {
@@ -37,20 +38,14 @@ int wmain(int argc, wchar_t** argv) {
     if (!SetInformationJobObject(job.Get(), JobObjectExtendedLimitInformation, &limits, sizeof(limits)))
         return Fail("SetInformationJobObject");
 
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof(startup);
-    startup.lpDesktop = name.data();
-    PROCESS_INFORMATION process = {};
-    if (!CreateProcessW(argv[1], nullptr, nullptr, nullptr, TRUE, CREATE_SUSPENDED, nullptr, nullptr, &startup,
-                        &process))
-        return Fail("CreateProcessW");
-    const Win32::KernelHandle thread(process.hThread);
-    const Win32::KernelHandle test(process.hProcess);
-    if (!AssignProcessToJobObject(job.Get(), test.Get()))
-        return TerminateProcess(test.Get(), 2), Fail("AssignProcessToJobObject");
-    ResumeThread(thread.Get());
-    WaitForSingleObject(test.Get(), INFINITE);
+    const QVTest::StartedProcess test =
+        QVTest::StartProcess(argv[1], {}, {CREATE_SUSPENDED, /*inheritsHandles=*/true, name.data()});
+    if (!test.process) return Fail("CreateProcessW");
+    if (!AssignProcessToJobObject(job.Get(), test.process.Get()))
+        return TerminateProcess(test.process.Get(), 2), Fail("AssignProcessToJobObject");
+    ResumeThread(test.thread.Get());
+    WaitForSingleObject(test.process.Get(), INFINITE);
     DWORD status = 2;
-    GetExitCodeProcess(test.Get(), &status);
+    GetExitCodeProcess(test.process.Get(), &status);
     return static_cast<int>(status);
 }
