@@ -158,7 +158,6 @@ int Run(const HostOptions& options, HostEnvironment& environment, Output& output
     if (options.action == Action::ElevatedServer) return RunElevatedServer(options, environment);
     if (options.action == Action::SendTo) return RunSendTo(options, environment, output);
     if (options.action == Action::SelfTest) return RunSelfTest(options, environment, output);
-    if (options.action == Action::Completion) return PrintCompletion(options, output);
     Session session(options, environment, output);
     if (options.action == Action::Extensions) {
         PrintExtensions(output, session.Library().Extensions());
@@ -170,6 +169,7 @@ int Run(const HostOptions& options, HostEnvironment& environment, Output& output
         case Action::Call: return RunCall(session, options, environment.in);
         case Action::Command: return RunCommand(session, options, environment.in);
         case Action::Columns: return RunColumns(session, options, environment.in);
+        case Action::Completion: return PrintCompletion(options, session.State().customCommands, output);
         case Action::Menus: PrintMenus(output, session.State().menus); return ExitStatus::Done;
         default: PrintCustomCommands(output, session.State().customCommands); return ExitStatus::Done;
     }

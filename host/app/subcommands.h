@@ -59,7 +59,7 @@ int RunSelfTest(const HostOptions& options, const HostEnvironment& environment, 
 
 /// `completion`: a script for the shell named, made of what the command line knows. The exit status.
 /// @throws UsageError for another shell
-int PrintCompletion(const HostOptions& options, Output& output);
+int PrintCompletion(const HostOptions& options, const CustomCommandTable& table, Output& output);
 
 /// `elevated-server`: performs the requests that come through the pipe on this process's own copy of the library, one
 /// after the other, until the pipe ends. The exit status.

@@ -4,9 +4,12 @@
 
 #include "host/app/host_error.h"
 #include "host/app/host_text.h"
+#include "host/contract/custom_commands.h"
 
 namespace QVHost {
 namespace {
+
+using namespace Quorvane::SDK;
 
 std::string Joined(const std::vector<OptionWords>& options) {
     std::string words;
@@ -47,32 +50,63 @@ std::string NamesOf(const std::vector<CommandWords>& commands) {
     return names;
 }
 
+/// What `call` runs, with the keys and switches of each as its options: a key with "=", which its value follows.
+std::vector<CommandWords> WordsOfCalls(const CustomCommandTable& table) {
+    std::vector<CommandWords> calls;
+    for (const CustomCommand* command : table.Commands()) {
+        std::vector<OptionWords> keys;
+        for (const CustomParameter& parameter : command->Parameters())
+            keys.push_back({parameter.name + (parameter.Is(ParameterFlags::Switch) ? "" : "="),
+                            {},
+                            {},
+                            ToUtf8(OnOneLine(parameter.description))});
+        calls.push_back({command->Name(), ToUtf8(OnOneLine(command->Description())), std::move(keys), {}});
+    }
+    return calls;
+}
+
+/// A branch for each command that can be called: its keys and switches.
+std::string BashCalls(const std::vector<CommandWords>& calls) {
+    std::string script;
+    for (const CommandWords& call : calls)
+        script += "    'call " + call.name + "') words='" + Joined(call.options) + "' ;;\n";
+    return script;
+}
+
 /// Where it finds no word the shell offers files ("-o default"), and so keeps names with blanks together.
-std::string BashScript(const std::vector<CommandWords>& commands) {
+std::string BashScript(const std::vector<CommandWords>& commands, const std::vector<CommandWords>& calls) {
     const std::string names = NamesOf(commands);
     return "# Completion of qvhost for bash. To use it: qvhost completion bash >FILE, and in ~/.bashrc: source FILE\n"
            "_qvhost() {\n"
-           "  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} command='' options='' words='' "
-           "each\n"
+           "  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} command='' first='' options='' "
+           "words='' each\n"
            "  case \"$before\" in\n" +
            BashValues(commands) +
            "  esac\n"
            "  for each in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
-           "    case \" " +
+           "    case \"$command $each\" in\n"
+           "      *' '-*) ;;\n"
+           "      ?*' '*) first=$each; break ;;\n"
+           "      *) case \" " +
            names +
-           " \" in *\" $each \"*) command=$each; break ;; esac\n"
+           " \" in *\" $each \"*) command=$each ;; esac ;;\n"
+           "    esac\n"
            "  done\n"
            "  case \"$command\" in\n" +
            BashCommands(commands) + "    *) words='" + names +
            "' ;;\n"
            "  esac\n"
-           "  [ \"$before\" = \"$command\" ] || [ -z \"$command\" ] || words=''\n"
+           "  case \"$command $first\" in\n" +
+           BashCalls(calls) +
+           "    ?*' '?*) words='' ;;\n"
+           "  esac\n"
            "  case \"$word\" in\n"
            "    -*) COMPREPLY=($(compgen -W \"$options " +
            Joined(commands.front().options) +
            "\" -- \"$word\")) ;;\n"
            "    *) COMPREPLY=($(compgen -W \"$words\" -- \"$word\")) ;;\n"
            "  esac\n"
+           "  case \"${COMPREPLY[*]}\" in *=) compopt -o nospace ;; esac\n"
            "}\n"
            "complete -o default -F _qvhost qvhost qvhost.exe\n";
 }
@@ -106,7 +140,7 @@ std::string PowerShellWords(const std::vector<CommandWords>& commands) {
     return script;
 }
 
-std::string PowerShellScript(const std::vector<CommandWords>& commands) {
+std::string PowerShellScript(const std::vector<CommandWords>& commands, const std::vector<CommandWords>& calls) {
     return "# Completion of qvhost for PowerShell. To use it, in $PROFILE:\n"
            "#   qvhost completion powershell | Out-String | Invoke-Expression\n"
            "$qvhostOptions = @{\n" +
@@ -115,6 +149,9 @@ std::string PowerShellScript(const std::vector<CommandWords>& commands) {
            "$qvhostCommands = [ordered]@{\n" +
            PowerShellWords(commands) +
            "}\n"
+           "$qvhostCalls = @{\n" +
+           PowerShellTable(calls) +
+           "}\n"
            "Register-ArgumentCompleter -Native -CommandName qvhost, qvhost.exe -ScriptBlock {\n"
            "    param($word, $line, $position)\n"
            "    $before = @($line.CommandElements | Where-Object { $_.Extent.EndOffset -lt $position } |\n"
@@ -122,14 +159,18 @@ std::string PowerShellScript(const std::vector<CommandWords>& commands) {
            "    $command = $before | Where-Object { $qvhostCommands.Contains($_) } | Select-Object -First 1\n"
            "    $options = @($qvhostOptions['']) + @(if ($command) { $qvhostOptions[$command] })\n"
            "    $last = $options | Where-Object { $_ -and $_[0] -eq $before[-1] } | Select-Object -First 1\n"
-           "    $found = if ($last -and $last[2]) { -split $last[2] | ForEach-Object { ,@($_, $_) } }\n"
-           "        elseif ($word.StartsWith('-')) { $options | Where-Object { $_ } | ForEach-Object { ,@($_[0], "
-           "$_[1]) } }\n"
+           "    $call = if ($command -eq 'call') { $before | Where-Object { $qvhostCalls.Contains($_) } |\n"
+           "        Select-Object -First 1 }\n"
+           "    $found = @(\n"
+           "        if ($last -and $last[2]) { -split $last[2] | ForEach-Object { ,@($_, $_) } }\n"
+           "        elseif ($word.StartsWith('-')) { $options }\n"
            "        elseif (-not $command) { $qvhostCommands.Keys | ForEach-Object { ,@($_, $qvhostCommands[$_][0]) } "
            "}\n"
+           "        elseif ($call) { $qvhostCalls[$call] }\n"
            "        elseif ($before[-1] -eq $command) { -split $qvhostCommands[$command][1] | ForEach-Object { ,@($_, "
            "$_) } }\n"
-           "    $found | Where-Object { $_ -and $_[0].StartsWith($word) } | ForEach-Object {\n"
+           "    )\n"
+           "    $found | Where-Object { $_ -and $_[0].StartsWith($word, 'OrdinalIgnoreCase') } | ForEach-Object {\n"
            "        [System.Management.Automation.CompletionResult]::new($_[0], $_[0], 'ParameterValue', $_[1])\n"
            "    }\n"
            "}\n";
@@ -137,12 +178,14 @@ std::string PowerShellScript(const std::vector<CommandWords>& commands) {
 
 }  // namespace
 
-int PrintCompletion(const HostOptions& options, Output& output) {
+int PrintCompletion(const HostOptions& options, const CustomCommandTable& table, Output& output) {
     const std::wstring shell = options.operands.size() == 1 ? options.operands.front() : L"";
     if (shell != L"bash" && shell != L"powershell")
         throw UsageError(L"it goes: qvhost completion bash, or qvhost completion powershell");
-    const std::vector<CommandWords> commands = AllWords();
-    output.Lines(shell == L"bash" ? BashScript(commands) : PowerShellScript(commands));
+    std::vector<CommandWords> commands = AllWords();
+    const std::vector<CommandWords> calls = WordsOfCalls(table);
+    std::ranges::find(commands, "call", &CommandWords::name)->choices = NamesOf(calls);
+    output.Lines(shell == L"bash" ? BashScript(commands, calls) : PowerShellScript(commands, calls));
     return ExitStatus::Done;
 }
 

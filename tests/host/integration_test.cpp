@@ -165,6 +165,7 @@ TEST(Completion, KnowsEveryWordOfTheCommandLine) {
                 EXPECT_NE(script.find(option.name), std::string::npos) << option.name;
         }
         EXPECT_EQ(script.find("elevated-server"), std::string::npos);
+        for (const char* word : {"Echo", "TEXT="}) EXPECT_NE(script.find(word), std::string::npos) << word;
     }
     const std::string bash = host.Run({L"completion", L"bash"}).out;
     EXPECT_EQ(bash.find("compgen -f"), std::string::npos) << "names with blanks fall into words";
