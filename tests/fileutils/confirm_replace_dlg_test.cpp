@@ -80,6 +80,10 @@ void Type(const DrivenDialog& shown, UINT message, WPARAM key) {
 TEST(ConfirmReplaceDlg, IsOneWindowForARunAndTakesEachAnswer) {
     const HWND panel =
         CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPED, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    // In front is a window of the host that is not owned by its main window.
+    const HWND front =
+        CreateWindowExW(0, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    SetActiveWindow(front);
     FileUtils::ConfirmReplaceDlg dialog(panel);
     const ConfirmQuestion plain = Question(L"one\r\nthe ", L"match", L" here");
     ConfirmQuestion narrow = NarrowQuestion();
@@ -91,7 +95,8 @@ TEST(ConfirmReplaceDlg, IsOneWindowForARunAndTakesEachAnswer) {
         L"Confirm Replace",
         [&](const DrivenDialog& shown) {
             window = shown.Window();
-            EXPECT_FALSE(IsWindowEnabled(panel));
+            EXPECT_FALSE(IsWindowEnabled(panel) || IsWindowEnabled(front));
+            EXPECT_EQ(GetWindow(window, GW_OWNER), front);
             EXPECT_EQ(shown.Text(IDC_MATCH_FILE), L"C:\\letters\\order.txt");
             EXPECT_EQ(shown.Text(IDC_MATCH_FILE_LABEL), L"F&ile 1 of 1:");
             EXPECT_EQ(shown.Text(IDC_MATCH_CONTEXT_LABEL), L"&Match 1 in line 12:");
@@ -123,7 +128,8 @@ TEST(ConfirmReplaceDlg, IsOneWindowForARunAndTakesEachAnswer) {
     EXPECT_EQ(answers, (std::vector<uint32_t>{Answer::Replace, Answer::FindNext}));
     EXPECT_TRUE(IsWindow(window));
     dialog.Close();
-    EXPECT_TRUE(!IsWindow(window) && IsWindowEnabled(panel));
+    EXPECT_TRUE(!IsWindow(window) && IsWindowEnabled(panel) && IsWindowEnabled(front));
+    DestroyWindow(front);
     for (const auto& [button, answer] :
          {std::pair{IDC_ANSWER_REPLACE_ALL, Answer::ReplaceAll}, {IDCANCEL, Answer::Cancel}})
         QVTest::WhileShown(
