@@ -89,21 +89,15 @@ void PrintItems(Output& output, const ColumnValues& values, const Next& next) {
 
 }  // namespace
 
-bool PrintColumns(Output& output, const ColumnValues& values, const Items& items, ColumnFormat format,
+void PrintColumns(Output& output, const ColumnValues& values, const Items& items, ColumnFormat format,
                   const std::function<bool()>& isStopped) {
-    bool isWhole = true;
     auto at = items.begin();
-    const Next next = [&]() -> FileItem* {
-        if (at == items.end()) return nullptr;
-        isWhole = !isStopped();
-        return isWhole ? (at++)->get() : nullptr;
-    };
+    const Next next = [&]() -> FileItem* { return at == items.end() || isStopped() ? nullptr : (at++)->get(); };
     switch (format) {
         case ColumnFormat::Table: PrintTable(output, values, next); break;
         case ColumnFormat::Csv: PrintCsv(output, values, next); break;
         case ColumnFormat::Items: PrintItems(output, values, next); break;
     }
-    return isWhole;
 }
 
 }  // namespace QVHost

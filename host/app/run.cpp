@@ -15,13 +15,12 @@ namespace {
 
 constexpr std::wstring_view kPathPlace = L"{}";  // in the arguments of a call that is made for each path
 
-/// The status of a command that was `handled`, with everything that counts against it.
-int StatusOf(HostState& state, bool handled, uint32_t resultCode) {
+/// The status of a command that was `isDone`, with everything that counts against it.
+int StatusOf(HostState& state, bool isDone) {
     const bool isSaved = state.settings.Save();
     const bool isLogged = state.log.Flush();
     state.failedCount += state.loggedFailures.exchange(0);
-    const bool isDone = handled && resultCode == 0 && state.failedCount == 0 && isSaved && isLogged;
-    return isDone ? ExitStatus::Done : ExitStatus::Failed;
+    return isDone && state.failedCount == 0 && isSaved && isLogged ? ExitStatus::Done : ExitStatus::Failed;
 }
 
 const CustomCommand& FindCustomCommand(const CustomCommandTable& table, const std::wstring& name) {
@@ -98,7 +97,7 @@ int RunCall(Session& session, const HostOptions& options, std::istream& in) {
     const CustomCommand& command = FindCustomCommand(session.State().customCommands, options.operands.front());
     const std::vector<std::wstring> arguments(options.operands.begin() + 1, options.operands.end());
     if (!options.filesFrom)
-        return StatusOf(session.State(), CallOnce(session, command, arguments, options.previewsCall), 0);
+        return StatusOf(session.State(), CallOnce(session, command, arguments, options.previewsCall));
     if (std::ranges::none_of(arguments, [](const auto& text) { return text.find(kPathPlace) != text.npos; }))
         throw UsageError(L"with --files-from the place of each path is marked by {}, as in FILE={}");
     bool isDone = true;
@@ -108,14 +107,11 @@ int RunCall(Session& session, const HostOptions& options, std::istream& in) {
     RefuseSharedTarget(arguments, paths);
     state.progressWatch.all = static_cast<uint32_t>(paths.size());
     for (const std::wstring& path : paths) {
-        if (IsStopped(state.progressWatch)) {
-            isDone = false;
-            break;
-        }
+        if (IsStopped(state.progressWatch)) break;
         isDone &= CallOnce(session, command, ArgumentsFor(arguments, path), options.previewsCall, path);
         ++state.progressWatch.begun;
     }
-    return StatusOf(state, isDone, 0);
+    return StatusOf(state, isDone);
 }
 
 void Select(HostState& state, const std::vector<std::wstring>& given, const std::optional<std::wstring>& listFile,
@@ -131,9 +127,8 @@ int RunColumns(Session& session, const HostOptions& options, std::istream& in) {
     const ColumnFormat format = options.printsCsv    ? ColumnFormat::Csv
                                 : options.printsJson ? ColumnFormat::Items
                                                      : ColumnFormat::Table;
-    const bool isWhole = PrintColumns(state.output, state.columns, state.selection, format,
-                                      [&] { return IsStopped(state.progressWatch); });
-    return isWhole ? ExitStatus::Done : ExitStatus::Failed;
+    PrintColumns(state.output, state.columns, state.selection, format, [&] { return IsStopped(state.progressWatch); });
+    return ExitStatus::Done;
 }
 
 int RunCommand(Session& session, const HostOptions& options, std::istream& in) {
@@ -149,7 +144,7 @@ int RunCommand(Session& session, const HostOptions& options, std::istream& in) {
     if (!handled)
         state.output.Note(L"qvhost: no extension handles the command " + std::to_wstring(id) +
                           L" (qvhost menus lists them)");
-    return StatusOf(state, handled, 0);
+    return StatusOf(state, handled);
 }
 
 int Run(const HostOptions& options, HostEnvironment& environment, Output& output) {
@@ -175,7 +170,7 @@ int Run(const HostOptions& options, HostEnvironment& environment, Output& output
     }
 }
 
-/// Runs what the arguments say. The exit status, apart from output that cannot be written.
+/// Runs what the arguments say. The exit status, apart from a stop and from output that cannot be written.
 int RunAndTell(const std::vector<std::wstring>& arguments, HostEnvironment& environment, Output& output,
                Report& report) {
     try {
@@ -206,7 +201,12 @@ int RunQvHost(const std::vector<std::wstring>& arguments, HostEnvironment& envir
     Report report;
     // Looked for by itself: who asks for a document gets one for a command line too that makes no sense.
     if (std::ranges::find(arguments, L"--json") != arguments.end()) output.CollectIn(&report);
-    const int status = RunAndTell(arguments, environment, output, report);
+    int status = RunAndTell(arguments, environment, output, report);
+    // Here for every subcommand: what was left out need not show in what a command says of itself.
+    if (IsStopped(environment.progressWatch)) {
+        output.Note(L"qvhost: the run was stopped");
+        status = std::max<int>(status, ExitStatus::Failed);
+    }
     if (output.IsCollecting()) {
         output.CollectIn(nullptr);
         output.Lines(report.Text(status));

@@ -32,8 +32,8 @@ enum class ColumnFormat {
 };
 
 /// A server may take seconds for each owner's name, so it is asked before each file whether to stop; what is printed
-/// then is whole, but holds the files so far alone. False when it was stopped.
-bool PrintColumns(Output& output, const ColumnValues& values, const std::vector<std::shared_ptr<FileItem>>& items,
+/// then is whole, but holds the files so far alone.
+void PrintColumns(Output& output, const ColumnValues& values, const std::vector<std::shared_ptr<FileItem>>& items,
                   ColumnFormat format, const std::function<bool()>& isStopped);
 
 /// `panel`: starts the extensions, shows a folder in a window, or the folder of the paths with these selected, and

@@ -183,8 +183,7 @@ int RunRename(const HostOptions& options, HostEnvironment& environment, Output& 
         isDone = host.PrintOutcomes(rows, outcomes, L"renamed", given.onlyChanges) && isDone;
         isDone = host.IsRecorded() && isDone;
     }
-    const bool isInterrupted = environment.progressWatch.isCancelled && environment.progressWatch.isCancelled->load();
-    return isDone && !isInterrupted ? ExitStatus::Done : ExitStatus::Failed;
+    return isDone ? ExitStatus::Done : ExitStatus::Failed;
 }
 
 }  // namespace QVHost

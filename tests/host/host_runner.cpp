@@ -16,12 +16,12 @@ HostRunner::HostRunner() {
 }
 
 HostRun HostRunner::Run(std::vector<std::wstring> arguments, const std::string& input,
-                        std::optional<std::vector<std::wstring>> lines) const {
+                        std::optional<std::vector<std::wstring>> lines, const std::atomic<bool>* isStopped) const {
     const std::vector<std::wstring> common = {L"--library",  BesideThisProgram(L"test_extension.dll"),
                                               L"--config",   m_folder / L"config",
                                               L"--language", m_folder / L"texts.txt"};
     arguments.insert(arguments.begin(), common.begin(), common.end());
-    return RunHost(BesideThisProgram(L"qvhost.exe"), arguments, input, lines);
+    return RunHost(BesideThisProgram(L"qvhost.exe"), arguments, input, lines, isStopped);
 }
 
 }  // namespace QVTest

@@ -15,9 +15,10 @@ class HostRunner {
 public:
     HostRunner();
 
-    /// `input`: on the standard input. `lines`: questions are asked on a console that answers so and then ends.
+    /// As RunHost.
     HostRun Run(std::vector<std::wstring> arguments, const std::string& input = {},
-                std::optional<std::vector<std::wstring>> lines = {}) const;
+                std::optional<std::vector<std::wstring>> lines = {},
+                const std::atomic<bool>* isStopped = nullptr) const;
     /// The same for a custom command with its arguments.
     HostRun Call(std::vector<std::wstring> arguments, std::optional<std::vector<std::wstring>> lines = {}) const {
         arguments.insert(arguments.begin(), L"call");

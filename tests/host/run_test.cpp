@@ -92,6 +92,20 @@ TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
     EXPECT_TRUE(DeleteFileW(odd.c_str()));
 }
 
+TEST(QvHost, CountsAStopAsAFailureOfWhateverRan) {
+    const HostRunner host;
+    const std::wstring path = host.Folder().Write(L"good.txt", "");
+    const std::atomic<bool> isStopped = true;
+    for (const Words& arguments : {Words{L"command", L"40000", path},
+                                   {L"call", L"Echo", L"TEXT={}", L"--files-from", L"-"},
+                                   {L"columns", path},
+                                   {L"rename", path, L"--name", L"new"}}) {
+        const HostRun run = host.Run(arguments, QVHost::ToUtf8(path), {}, &isStopped);
+        EXPECT_EQ(run.status, 1) << run.Said();
+        EXPECT_TRUE(Contains(run.error, "qvhost: the run was stopped\n")) << run.error;
+    }
+}
+
 TEST(QvHost, TakesPathsOfAnyLengthAndScript) {
     const HostRunner host;
     std::wstring folder = host.Folder().Path();

@@ -79,8 +79,10 @@ TEST_F(Columns, ArePrintedForPeopleAndForTables) {
     EXPECT_EQ(m_host.Log(), "path,owner,access,ADScount,ADSsize\n\"" + name + "\",\"D\\\"\"o\"\"\",R X,2,\n" + "File" +
                                 std::string(name.size() - 4, ' ') + "  Owner  Access  Streams  Size of streams\n" +
                                 name + "  D\\\"o\"  R X           2\n");
-    EXPECT_FALSE(QVHost::PrintColumns(m_host.State().output, values, m_host.State().selection,
-                                      QVHost::ColumnFormat::Csv, [] { return true; }));
+    const size_t length = m_host.Log().size();
+    QVHost::PrintColumns(m_host.State().output, values, m_host.State().selection, QVHost::ColumnFormat::Csv,
+                         [] { return true; });
+    EXPECT_EQ(m_host.Log().substr(length), "path,owner,access,ADScount,ADSsize\n") << "stopped before the first file";
 }
 
 }  // namespace

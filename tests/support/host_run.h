@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -38,13 +39,15 @@ inline QVHost::HostEnvironment EnvironmentOf(std::ostream& out, std::ostream& er
 }
 
 /// `program` is qvhost.exe, whose neighbours are the library and the texts; `input` is on the standard input. With
-/// `lines`, questions are asked on a console that answers so and then ends.
+/// `lines`, questions are asked on a console that answers so and then ends. `isStopped`: what Ctrl+C sets.
 inline HostRun RunHost(const std::wstring& program, const std::vector<std::wstring>& arguments,
-                       const std::string& input = {}, const std::optional<std::vector<std::wstring>>& lines = {}) {
+                       const std::string& input = {}, const std::optional<std::vector<std::wstring>>& lines = {},
+                       const std::atomic<bool>* isStopped = nullptr) {
     std::ostringstream out;
     std::ostringstream error;
     std::istringstream in(input);
     QVHost::HostEnvironment environment = EnvironmentOf(out, error, in, program);
+    environment.progressWatch.isCancelled = isStopped;
     if (lines)
         environment.readAnswer = [&, next = size_t{0}]() mutable -> std::optional<std::wstring> {
             return next < lines->size() ? std::optional((*lines)[next++]) : std::nullopt;
