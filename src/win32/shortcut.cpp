@@ -1,6 +1,8 @@
 #include "win32/shortcut.h"
 
 #include "win32/com.h"
+#include "win32/path.h"
+#include "win32/text.h"
 
 #include <shlobj.h>
 
@@ -18,6 +20,14 @@ std::wstring TextFrom(const Get& get) {
     return text;
 }
 
+/// A shell may cut a path that is too long for it, and say that all went well.
+bool SetTarget(IShellLinkW& link, const std::wstring& target) {
+    if (FAILED(link.SetPath(target.c_str()))) return false;
+    if (target.size() < MAX_PATH) return true;
+    const std::wstring kept = TextFrom([&](wchar_t* to) { return link.GetPath(to, kLongestText, nullptr, 0); });
+    return EqualIgnoringCase(FileNameOf(kept), FileNameOf(target));
+}
+
 }  // namespace
 
 uint32_t SaveShortcut(const std::wstring& file, const Shortcut& shortcut) {
@@ -26,7 +36,7 @@ uint32_t SaveShortcut(const std::wstring& file, const Shortcut& shortcut) {
     const auto disk = InterfaceOf<IPersistFile>(link, IID_IPersistFile);
     if (!disk) return ERROR_PATH_NOT_FOUND;
     const bool isSaved =
-        SUCCEEDED(link->SetPath(shortcut.target.c_str())) &&
+        SetTarget(*link.Get(), shortcut.target) &&
         (shortcut.arguments.empty() || SUCCEEDED(link->SetArguments(shortcut.arguments.c_str()))) &&
         (shortcut.workingFolder.empty() || SUCCEEDED(link->SetWorkingDirectory(shortcut.workingFolder.c_str()))) &&
         (shortcut.description.empty() || SUCCEEDED(link->SetDescription(shortcut.description.c_str()))) &&

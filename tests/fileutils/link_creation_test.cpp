@@ -156,6 +156,9 @@ TEST(LinkShortcut, HasTheseFields) {
     const std::wstring link = folder / L"link.lnk";
     ASSERT_EQ(ThisSystem().saveShortcut(link, target, folder.Path(), L"words"), 0u);
     EXPECT_EQ(Win32::ReadShortcut(link), (Win32::Shortcut{target, L"", folder.Path(), L"words"}));
+    const std::wstring deep = Win32::JoinPath(folder / std::wstring(240, L'd'), L"somewhere else");
+    EXPECT_EQ(ThisSystem().saveShortcut(folder / L"deep.lnk", deep, L"", L""), 3u) << "it would lead to another place";
+    EXPECT_FALSE(Win32::Exists(folder / L"deep.lnk"));
 }
 
 /// Runs "CreateLink" for a target and the link "link" of the runner's folder.
