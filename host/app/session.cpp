@@ -23,14 +23,6 @@ constexpr const wchar_t* kGermanName = L"qvhost-german.txt";
 constexpr const wchar_t* kConfigurationName = L"QVUtils Host";
 constexpr const wchar_t* kSettingsName = L"settings.json";
 
-std::wstring EnvironmentText(const wchar_t* name) {
-    const DWORD size = GetEnvironmentVariableW(name, nullptr, 0);
-    if (size == 0) return {};
-    std::wstring text(size, L'\0');
-    text.resize(GetEnvironmentVariableW(name, text.data(), size));
-    return text;
-}
-
 /// The path given, in full, or `name` beside the program.
 std::wstring GivenOrBeside(const std::wstring& given, const std::wstring& program, const wchar_t* name) {
     return given.empty() ? Win32::JoinPath(Win32::FolderOf(program), name) : FullUserPath(given);
@@ -121,6 +113,14 @@ void RunQueuedCommands(Session& session) {
 }
 
 }  // namespace
+
+std::wstring EnvironmentText(const wchar_t* name) {
+    const DWORD size = GetEnvironmentVariableW(name, nullptr, 0);
+    if (size == 0) return {};
+    std::wstring text(size, L'\0');
+    text.resize(GetEnvironmentVariableW(name, text.data(), size));
+    return text;
+}
 
 std::wstring LibraryPath(const HostOptions& options, const HostEnvironment& environment) {
     return GivenOrBeside(options.library, environment.program, kLibraryName);

@@ -18,6 +18,9 @@ namespace QVHost {
 /// @throws HostError when the log file cannot be opened
 HostState MakeHostState(const HostOptions& options, const HostEnvironment& environment, Output& output);
 
+/// "" for a variable that is not set.
+std::wstring EnvironmentText(const wchar_t* name);
+
 /// The library to load: the one that the options name, else the one beside the program.
 std::wstring LibraryPath(const HostOptions& options, const HostEnvironment& environment);
 

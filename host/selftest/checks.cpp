@@ -39,7 +39,8 @@ std::wstring SecurityText(const std::wstring& path, SECURITY_INFORMATION part) {
 
 /// What was told done, and is not: a fault, unless this is Wine, which answers some calls without doing anything.
 CheckResult Undone(const std::wstring& reason) {
-    return RunsUnderWine() ? NotAvailableBecause(L"done in words alone: " + reason) : FailedBecause(reason);
+    return RunsUnderWine() ? NotAvailableBecause(L"the system says that it is done, but " + reason)
+                           : FailedBecause(reason);
 }
 
 std::wstring AccessListOf(const std::wstring& path) {
@@ -239,7 +240,8 @@ CheckResult Junction(const Trial& trial) {
 CheckResult ShellShortcut(const Trial& trial) {
     const std::wstring target = trial.MakeFile(L"target.txt");
     const Trial::Said said = MakeLink(trial, L"4", trial.PathOf(L"shortcut.lnk"), target);
-    if (said.status != ExitStatus::Done) return FailedBecause(said.text);
+    if (said.status != ExitStatus::Done)
+        return target.size() < MAX_PATH ? FailedBecause(said.text) : NotAvailableBecause(said.text);
     const std::optional<Win32::Shortcut> shortcut = Win32::ReadShortcut(trial.PathOf(L"shortcut.lnk"));
     return shortcut && Win32::IsSameFile(shortcut->target, target) ? CheckResult()
                                                                    : FailedBecause(L"it does not lead to its target");

@@ -121,11 +121,26 @@ const wchar_t* WordOf(CheckResult::Kind kind) {
     }
 }
 
-/// One line. The folder's path, which may have the name of its user, stands as FOLDER.
-std::wstring LineOf(const Check& check, const CheckResult& result, const std::wstring& folder) {
+/// Paths that may have the name of their user, and what stands for them in the report.
+using HiddenPaths = std::vector<std::pair<std::wstring, const wchar_t*>>;
+
+HiddenPaths PathsToHide(const std::wstring& where, const std::wstring& program) {
+    HiddenPaths paths = {{where, L"FOLDER"},
+                         {std::wstring(Win32::WithoutSeparator(Win32::FolderOf(FullUserPath(program)))), L"PROGRAM"},
+                         {EnvironmentText(L"USERPROFILE"), L"PROFILE"}};
+    // The root of a drive has no name in it, and stands before every other path.
+    std::erase_if(paths, [](const auto& path) { return path.first.empty() || path.first.ends_with(L'\\'); });
+    return paths;
+}
+
+/// One line, without the paths.
+std::wstring LineOf(const Check& check, const CheckResult& result, const HiddenPaths& hidden) {
     std::wstring line = std::wstring(WordOf(result.kind)).append(L": ").append(check.name);
     if (!result.reason.empty()) line += L": " + OnOneLine(result.reason);
-    for (size_t at = 0; (at = line.find(folder, at)) != std::wstring::npos;) line.replace(at, folder.size(), L"FOLDER");
+    for (const auto& [path, word] : hidden)
+        for (size_t at = 0; at + path.size() <= line.size(); ++at)
+            if (EqualIgnoringCase(std::wstring_view(line).substr(at, path.size()), path))
+                line.replace(at, path.size(), word);
     return line;
 }
 
@@ -149,6 +164,7 @@ int RunSelfTest(const HostOptions& options, const HostEnvironment& environment, 
         Win32::WithoutSeparator(isGiven ? FullUserPath(options.operands.front()) : TemporaryFolder()));
     const OwnFolder own(where);
     const Volume volume = VolumeOf(own.Path());
+    const HiddenPaths hidden = PathsToHide(where, environment.program);
     PrintHead(output, volume);
     size_t counts[3] = {};
     for (const Check& check : AllChecks()) {
@@ -159,7 +175,7 @@ int RunSelfTest(const HostOptions& options, const HostEnvironment& environment, 
         const Trial trial(folder, volume.flags, environment.program, CommonOptions(options, own.Path()));
         const CheckResult result = RunCheck(check, trial);
         ++counts[static_cast<size_t>(result.kind)];
-        output.Line(LineOf(check, result, where));
+        output.Line(LineOf(check, result, hidden));
     }
     output.Line(L"");
     output.Line(std::to_wstring(counts[0]) + L" passed, " + std::to_wstring(counts[1]) + L" failed, " +

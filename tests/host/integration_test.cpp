@@ -131,8 +131,15 @@ TEST(SelfTest, TellsWhatFailedAndNotWhereAndLeavesNothing) {
     EXPECT_NE(run.out.find("passed: names of 255 characters"), std::string::npos) << run.out;
     EXPECT_EQ(run.out.find(" 0 failed"), std::string::npos);
     EXPECT_EQ(folder.List(), Words());
-    const HostRun lost = host.Run({L"selftest", folder.Path(), L"--library", folder / L"none.dll"});
-    EXPECT_NE(lost.out.find("there is no file FOLDER\\none.dll"), std::string::npos) << lost.out;
+    wchar_t profile[MAX_PATH] = {};
+    ASSERT_NE(GetEnvironmentVariableW(L"USERPROFILE", profile, MAX_PATH), 0u);
+    const std::pair<std::wstring, const char*> libraries[] = {{folder / L"none.dll", "FOLDER"},
+                                                              {BesideThisProgram(L"none.dll"), "PROGRAM"},
+                                                              {std::wstring(profile) + L"\\none.dll", "PROFILE"}};
+    for (const auto& [library, word] : libraries) {
+        const HostRun lost = host.Run({L"selftest", folder.Path(), L"--library", library});
+        EXPECT_NE(lost.out.find(std::string("there is no file ") + word), std::string::npos) << lost.out;
+    }
     EXPECT_EQ(host.Run({L"selftest", folder / L"none"}).status, 2);
     EXPECT_EQ(host.Run({L"selftest", L""}).status, 2);
 }
