@@ -17,20 +17,24 @@ std::string Joined(const std::vector<OptionWords>& options) {
     return words;
 }
 
+/// The options that a value follows, as a pattern.
+std::string BashOptionsWithValue(const std::vector<CommandWords>& commands) {
+    std::string pattern;
+    for (const CommandWords& command : commands)
+        for (const OptionWords& option : command.options)
+            if (!option.value.empty()) pattern += (pattern.empty() ? "" : " | ") + option.name;
+    return pattern;
+}
+
 /// A branch for each option that takes something: one of few words; else nothing, and so the shell offers files.
 std::string BashValues(const std::vector<CommandWords>& commands) {
     std::string script;
-    std::string others;
     for (const CommandWords& command : commands)
-        for (const OptionWords& option : command.options) {
-            if (option.value.empty()) continue;
-            if (option.choices.empty())
-                others += (others.empty() ? "" : " | ") + option.name;
-            else
+        for (const OptionWords& option : command.options)
+            if (!option.choices.empty())
                 script += "    " + option.name + ") COMPREPLY=($(compgen -W '" + option.choices +
                           "' -- \"$word\")); return ;;\n";
-        }
-    return script + "    " + others + ") return ;;\n";
+    return script + "    " + BashOptionsWithValue(commands) + ") return ;;\n";
 }
 
 /// A branch for each subcommand: its own options, and the words that it may begin with.
@@ -73,21 +77,31 @@ std::string BashCalls(const std::vector<CommandWords>& calls) {
     return script;
 }
 
-/// Where it finds no word the shell offers files ("-o default"), and so keeps names with blanks together.
+/// Where it finds no word the shell offers files ("-o default"), and so keeps names with blanks together. To the shell
+/// an equals sign is a word of its own: it stands before or under the cursor in the value of a key or of an option.
 std::string BashScript(const std::vector<CommandWords>& commands, const std::vector<CommandWords>& calls) {
     const std::string names = NamesOf(commands);
     return "# Completion of qvhost for bash. To use it: qvhost completion bash >FILE, and in ~/.bashrc: source FILE\n"
            "_qvhost() {\n"
            "  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} command='' first='' options='' "
            "words='' each\n"
+           "  local value='' skips=''\n"
+           "  if [ \"$word\" = = ]; then value=1 word=''\n"
+           "  elif [ \"$before\" = = ]; then value=1 before=${COMP_WORDS[COMP_CWORD-2]}; fi\n"
            "  case \"$before\" in\n" +
            BashValues(commands) +
            "  esac\n"
+           "  if [ -n \"$value\" ]; then return; fi\n"
            "  for each in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
-           "    case \"$command $each\" in\n"
-           "      *' '-*) ;;\n"
-           "      ?*' '*) first=$each; break ;;\n"
-           "      *) case \" " +
+           "    if [ \"$each\" = = ]; then skips=1; continue; fi\n"
+           "    if [ -n \"$skips\" ]; then skips=''; continue; fi\n"
+           "    case \"$each\" in\n"
+           "      " +
+           BashOptionsWithValue(commands) +
+           ") skips=1 ;;\n"
+           "      -*) ;;\n"
+           "      *) if [ -n \"$command\" ]; then first=$each; break; fi\n"
+           "        case \" " +
            names +
            " \" in *\" $each \"*) command=$each ;; esac ;;\n"
            "    esac\n"
@@ -170,7 +184,8 @@ std::string PowerShellScript(const std::vector<CommandWords>& commands, const st
            "        elseif ($before[-1] -eq $command) { -split $qvhostCommands[$command][1] | ForEach-Object { ,@($_, "
            "$_) } }\n"
            "    )\n"
-           "    $found | Where-Object { $_ -and $_[0].StartsWith($word, 'OrdinalIgnoreCase') } | ForEach-Object {\n"
+           "    $found | Where-Object { $_ -and $_[0] -and $_[0].StartsWith($word, 'OrdinalIgnoreCase') } | "
+           "ForEach-Object {\n"
            "        [System.Management.Automation.CompletionResult]::new($_[0], $_[0], 'ParameterValue', $_[1])\n"
            "    }\n"
            "}\n";

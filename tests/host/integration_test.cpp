@@ -177,6 +177,7 @@ TEST(Completion, KnowsEveryWordOfTheCommandLine) {
     const std::string bash = host.Run({L"completion", L"bash"}).out;
     EXPECT_EQ(bash.find("compgen -f"), std::string::npos) << "names with blanks fall into words";
     EXPECT_NE(bash.find("complete -o default "), std::string::npos) << "files are offered";
+    EXPECT_NE(bash.find(R"([ "$before" = = ])"), std::string::npos) << "FILE=S would become FILE=SILENT";
     EXPECT_EQ(host.Run({L"completion", L"fish"}).status, 2);
 }
 
