@@ -73,6 +73,8 @@ std::wstring OwnSid() {
     return text;
 }
 
+const wchar_t kDrivesAlone[] = L"access rights are changed on paths with a drive letter alone";
+
 /// Owners only, which no folder hands down; the user keeps what is needed to take the file away.
 const wchar_t kNarrowList[] = L"D:P(A;;FA;;;OW)(A;;FA;;;BA)(A;;FR;;;WD)";
 
@@ -84,6 +86,11 @@ CheckResult WithNarrowList(const Trial& trial, CheckResult (*check)(const Trial&
     if (const uint32_t error = SetAccessList(file, kNarrowList))
         return FailedBecause(Reason(L"the list of access rights cannot be set", error));
     return check(trial, file);
+}
+
+/// On a share, and after \\?\, the library changes no access list.
+bool IsOnDrive(const Trial& trial) {
+    return !trial.Folder().starts_with(LR"(\\)");
 }
 
 CheckResult ReplaceKeepsRights(const Trial& trial) {
@@ -98,6 +105,7 @@ CheckResult ReplaceKeepsRights(const Trial& trial) {
 }
 
 CheckResult ResetRights(const Trial& trial) {
+    if (!IsOnDrive(trial)) return NotAvailableBecause(kDrivesAlone);
     return WithNarrowList(trial, [](const Trial& self, const std::wstring& file) {
         const std::wstring before = AccessListOf(file);
         const Trial::Said said = self.Run({L"command", L"30310", file, L"--answer", L"yes"});
@@ -107,6 +115,7 @@ CheckResult ResetRights(const Trial& trial) {
 }
 
 CheckResult GrantRights(const Trial& trial) {
+    if (!IsOnDrive(trial)) return NotAvailableBecause(kDrivesAlone);
     return WithNarrowList(trial, [](const Trial& self, const std::wstring& file) {
         const std::wstring before = AccessListOf(file);
         const Trial::Said said = self.RunInWindows({L"command", L"30311", file}, IDOK);
