@@ -65,8 +65,10 @@ bool CallOnce(Session& session, const CustomCommand& command, const std::vector<
     if (!handled) TellNotDone(state, command, call);
     state.output.Result(call.ResultCode(), call.ResultText());
     const bool isDone = handled && call.ResultCode() == 0;
-    if (!path.empty())
-        state.output.Item(ItemFields(path, L"", isDone ? L"done" : L"failed", call.ResultCode(), call.ResultText()));
+    if (path.empty()) return isDone;
+    // What a command says in its result may be no more than the code again.
+    const std::wstring reason = call.ResultCode() == 0 ? call.ResultText() : DescribeError(call.ResultCode());
+    state.output.Item(ItemFields(path, L"", isDone ? L"done" : L"failed", call.ResultCode(), isDone ? L"" : reason));
     return isDone;
 }
 

@@ -74,6 +74,9 @@ TEST(Report, HasOneSchemaForEveryCommandAndOutcome) {
         EXPECT_EQ(messages.empty(), std::string_view(c.said).empty()) << messages;
     }
     EXPECT_EQ(host.Run({L"menus", L"--json"}).status, 2);
+    const HostRun refused = host.Run({L"call", L"Refuse", L"CODE=5", L"TEXT={}", L"--files-from", L"-", L"--json"},
+                                     QVHost::ToUtf8(host.Folder().Path()));
+    EXPECT_NE(refused.out.find(R"("code": 5, "reason": "error 5 ()"), std::string::npos) << refused.out;
     EXPECT_TRUE(json::accept(host.Run({L"undo", L"--json=true"}).out));
     const HostRun unasked = host.Run({L"call", L"Ask", L"STYLE=35", L"--json"}, {}, Words{L"YES"});
     EXPECT_NE(unasked.out.find("button 7"), std::string::npos) << "nobody sees a question in a document";

@@ -216,7 +216,7 @@ constexpr TestExtension::CommandRow TestExtension::kCustomCommands[] = {
     {"Choose", &TestExtension::Choose, {}},
     {"Enter", &TestExtension::Enter, {}},
     {"Elevate", &TestExtension::Elevate, {{"TEXT", Text}, {"REQUEST", Number}}},
-    {"Refuse", &TestExtension::Refuse, {{"CODE", Number}}},
+    {"Refuse", &TestExtension::Refuse, {{"CODE", Number}, {"TEXT", Text}}},
     {"Misuse", &TestExtension::Misuse, {{"FILE", Text}}},
 };
 
