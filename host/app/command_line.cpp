@@ -244,7 +244,7 @@ void CheckOperands(const HostOptions& options) {
     if (options.action == Action::SelfTest && options.operands.size() > 1)
         throw UsageError(L"selftest works in one folder: qvhost selftest [FOLDER]");
     if (options.action == Action::SendTo && options.sendTo.installs == options.sendTo.removes)
-        throw UsageError(L"it goes: qvhost send-to --install, or --remove");
+        throw UsageError(L"send-to needs --install or --remove");
     if (options.printsCsv && options.printsJson) throw UsageError(L"--csv and --json do not go together");
     if (options.action == Action::ElevatedServer) CheckServer(options);
 }
@@ -303,7 +303,7 @@ HostOptions ParseCommandLine(const std::vector<std::wstring>& arguments) {
         app.exit(success, help, unused);
         throw HelpText{help.str()};
     } catch (const CLI::RequiredError&) {
-        throw UsageError(L"it needs to be said what to do, for example: qvhost menus");
+        throw UsageError(L"a subcommand is missing, for example: qvhost menus");
     } catch (const CLI::Error& error) {
         throw UsageError(Wide(error.what()));
     }

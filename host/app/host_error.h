@@ -15,7 +15,7 @@ inline constexpr int Failed = 1;    // not handled, or something failed
 inline constexpr int WrongUse = 2;  // nothing was run
 }  // namespace ExitStatus
 
-/// The command line asks for something that cannot be; the text says what, and how it goes.
+/// The command line asks for something that cannot be; the text says what, and what there is instead.
 class UsageError : public std::runtime_error {
 public:
     explicit UsageError(const std::wstring& text) : std::runtime_error(ToUtf8(text)) {}

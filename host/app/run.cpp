@@ -188,7 +188,7 @@ int RunAndTell(const std::vector<std::wstring>& arguments, HostEnvironment& envi
         return ExitStatus::Done;
     } catch (const UsageError& error) {
         output.Note(L"qvhost: " + Wide(error.what()));
-        output.Note(L"qvhost: how it goes: qvhost --help");
+        output.Note(L"qvhost: for help: qvhost --help");
         return ExitStatus::WrongUse;
     } catch (const std::exception& error) {
         output.Note(L"qvhost: " + Wide(error.what()));

@@ -50,8 +50,8 @@ void ReadPaths(const std::wstring& listFile, std::istream& in, const TakePath& t
         if (line.size() > 1 && line.front() == L'"' && line.back() == L'"') line = line.substr(1, line.size() - 2);
         // Lists such as `find -print0` makes; the system would take what stands before the zero for the path.
         if (line.find(L'\0') != std::wstring_view::npos)
-            throw UsageError(L"line " + std::to_wstring(number) + L" of " + listFile +
-                             L" holds a zero character; each path needs a line of its own");
+            throw UsageError(L"line " + std::to_wstring(number) + L" of " + NameOfList(listFile) +
+                             L" holds a zero character; a list has a path a line, in UTF-8 or, with a mark, UTF-16");
         path = line;
         if (!path.empty()) take(path);
     });
@@ -82,6 +82,10 @@ void TakeTyped(const std::wstring& typed, const TakePath& take) {
 
 }  // namespace
 
+std::wstring NameOfList(const std::wstring& listFile) {
+    return listFile == L"-" ? L"the standard input" : listFile;
+}
+
 void ForEachLineOfList(const std::wstring& listFile, const std::wstring& what, std::istream& in, const TakeLine& take) {
     std::string bytes;
     if (listFile == L"-") {
@@ -97,7 +101,7 @@ void ForEachLineOfList(const std::wstring& listFile, const std::wstring& what, s
     for (const std::string_view line : LinesOf(bytes)) {
         ++number;
         if (!FromUtf8(line, wide))
-            throw UsageError(L"line " + std::to_wstring(number) + L" of " + listFile +
+            throw UsageError(L"line " + std::to_wstring(number) + L" of " + NameOfList(listFile) +
                              L" is neither UTF-8 nor UTF-16 with a mark");
         take(wide, number);
     }

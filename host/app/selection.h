@@ -13,6 +13,9 @@ namespace QVHost {
 /// What is done with each line: without its end, and its number, counted from 1.
 using TakeLine = std::function<void(std::wstring_view line, size_t number)>;
 
+/// As messages call it: the file as it was given, or the standard input.
+std::wstring NameOfList(const std::wstring& listFile);
+
 /// Takes the lines of a text file (`-`: of `in`), in UTF-8 or, with a mark, in UTF-16.
 /// @throws UsageError when it cannot be read, with `what` the file is, or at a line of another encoding
 void ForEachLineOfList(const std::wstring& listFile, const std::wstring& what, std::istream& in, const TakeLine& take);

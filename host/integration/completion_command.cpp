@@ -196,7 +196,7 @@ std::string PowerShellScript(const std::vector<CommandWords>& commands, const st
 int PrintCompletion(const HostOptions& options, const CustomCommandTable& table, Output& output) {
     const std::wstring shell = options.operands.size() == 1 ? options.operands.front() : L"";
     if (shell != L"bash" && shell != L"powershell")
-        throw UsageError(L"it goes: qvhost completion bash, or qvhost completion powershell");
+        throw UsageError(L"completion needs the name of a shell: bash or powershell");
     std::vector<CommandWords> commands = AllWords();
     const std::vector<CommandWords> calls = WordsOfCalls(table);
     std::ranges::find(commands, "call", &CommandWords::name)->choices = NamesOf(calls);

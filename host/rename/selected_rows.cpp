@@ -61,8 +61,8 @@ void TakeNames(const RenameItems& rows, const std::wstring& listFile, std::istre
         if (count <= rows.size()) rows[count - 1]->newName = line;
     });
     if (count != rows.size())
-        throw UsageError(listFile + L" has " + std::to_wstring(count) + L" names for " + std::to_wstring(rows.size()) +
-                         L" files and folders");
+        throw UsageError(L"the names in " + NameOfList(listFile) + L" (" + std::to_wstring(count) +
+                         L") are not as many as the files and folders (" + std::to_wstring(rows.size()) + L")");
 }
 
 /// "photo.jpg" with 2: "photo (2).jpg".

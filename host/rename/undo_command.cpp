@@ -165,7 +165,7 @@ int RunUndo(const HostOptions& options, HostEnvironment& environment, Output& ou
     const bool isKnown = isList || isRestore || verb == L"show" || verb == L"delete";
     if (!isKnown || (isList ? words.size() > 1 : words.size() != 2))
         throw UsageError(
-            L"it goes: qvhost undo [list | show SESSION | restore SESSION [--preview] [--only PATTERN] | "
+            L"usage: qvhost undo [list | show SESSION | restore SESSION [--preview] [--only PATTERN] | "
             L"delete SESSION]");
     if (!isRestore && (options.undo.isPreview || options.undo.only))
         throw UsageError(L"--preview and --only go with qvhost undo restore");

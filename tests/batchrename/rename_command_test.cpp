@@ -131,7 +131,7 @@ TEST_F(RenameCommand, RefusesWhatMakesNoSense) {
         {{L"--time", L"2016-02-30T00:00:00"}, "--time takes"},
         {{L"--regex", L"--find", L"(", L"--replace", L""}, "no regular expression"},
         {{L"--names-from", L"x", L"--name", L"y"}, "--names-from gives"},
-        {{L"--names-from", m_files / L"a"}, "2 names for 1 files"},
+        {{L"--names-from", m_files / L"a"}, "(2) are not as many as the files and folders (1)"},
         {{L"--sort", L"x"}, "--sort takes"},
         {{L"--on-clash", L"x"}, "--on-clash takes"},
     };

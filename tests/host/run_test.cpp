@@ -52,7 +52,7 @@ TEST(QvHost, CallsACommandOnceForEachPathOfAList) {
     EXPECT_EQ(runOn(L"TEXT=x", first).status, 2);
     const HostRun refused = runOn(L"TEXT={}", second + std::string(1, '\0') + "c.txt");
     EXPECT_EQ(refused.status, 2);
-    EXPECT_TRUE(Contains(refused.error, "line 1 of - holds a zero character")) << refused.error;
+    EXPECT_TRUE(Contains(refused.error, "line 1 of the standard input holds a zero character")) << refused.error;
 }
 
 TEST(QvHost, EndsWithAStatusThatTellsWhatHappened) {
