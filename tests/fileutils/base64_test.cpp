@@ -93,7 +93,7 @@ TEST(Base64Command, DecodesIntoAPlainNameOfItsOwnFolderAndSaysWhatItDidNotUse) {
         {"-_-_\r\n", "( There is no Base64 text, 4 characters were ignored, ErrorCode : 13 )", ""},
         {"Y-W\xE4Jj", "[Base64] - Note : 2 characters were ignored ", "abc"},
         {"YWJjY", "( The Base64 text is cut off, ErrorCode : 13 )", "abc"},
-        {"YQ==\r\n\r\nYg==", "[Base64] - Note : 2 characters were ignored ", "a"},
+        {"YQ==\r\n\r\nY", "[Base64] - Note : 1 character was ignored ", "a"},
         {"YQ==\r\n \t\r\n", "", "a"},
         {"Y\r\nW\nJ j\r\n\tZGU=\r\n", "", "abcde"},
         {"YWI", "", "ab"},

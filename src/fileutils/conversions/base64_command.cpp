@@ -177,9 +177,9 @@ void ConvertFile(IHostServices& host, IFileOperations& files, bool encodes, cons
     host.Log(kLogLevel, LogKind::Success, L"[Base64] - %s file : %s (Saved as : %s)", encodes ? L"Encoded" : L"Decoded",
              path.c_str(), target.c_str());
     if (ignored > 0)
-        host.Log(kLogLevel, LogKind::Success,
-                 L"[Base64] - Note : %s characters were ignored (no Base64 text, or after its end) : %s",
-                 std::to_wstring(ignored).c_str(), path.c_str());
+        host.Log(kLogLevel, LogKind::Success, L"[Base64] - Note : %s ignored (no Base64 text, or after its end) : %s",
+                 ignored == 1 ? L"1 character was" : (std::to_wstring(ignored) + L" characters were").c_str(),
+                 path.c_str());
 }
 
 }  // namespace
