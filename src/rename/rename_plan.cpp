@@ -191,7 +191,9 @@ private:
             for (size_t name = 0; name < folder.names.Count(); ++name) {
                 Place& place = m_places[m_places.Intern(number, folder.names[name])];
                 place.isOnDisk = true;
-                if (name < folder.items.size()) place.item = &folder.items[name];
+                // There are folders in which names that differ in case alone are two: then the exact one is the row's.
+                const bool isExact = !place.item || folder.names[name] == place.name;
+                if (isExact && name < folder.items.size()) place.item = &folder.items[name];
             }
         }
     }

@@ -54,6 +54,14 @@ TEST(PlanRenames, GivesBackANameThatNobodyMayChoose) {
     EXPECT_EQ(PlanRenames(rows, {Listing(kFolder, {L"a"})}).rows[0].reason, RowReason::None);
 }
 
+TEST(PlanRenames, TellsItemsApartWhoseNamesDifferInCaseAlone) {
+    FolderNames listing = Listing(kFolder, {L"b", L"B", L"a", L"A"});
+    listing.items = {{1, 1}, {1, 2}, {1, 3}, {1, 4}};
+    const RenamePlan plan = PlanRenames(Rows(kFolder, {{L"a", L"x"}, {L"B", L"y"}}), {listing});
+    EXPECT_EQ(plan.identities[0].index, 3u);
+    EXPECT_EQ(plan.identities[1].index, 2u);
+}
+
 TEST(PlanRenames, FailsTheRowsOfAFolderThatCannotBeRead) {
     const RenameItems rows = Rows(kFolder, {{L"a", L"b"}});
     const RenamePlan plan = PlanRenames(rows, {{kFolder, {}, 5}});
