@@ -132,7 +132,7 @@ private:
             WhereNow& place = m_places[entry];
             place.folder = FolderNow(FolderOf(recorded));
             place.name = NameByRecord(recorded, place.folder);
-            if (recorded.identity) FindByIdentity(recorded, place);
+            if (recorded.identity.IsUnique()) FindByIdentity(recorded, place);
             if (place.isCertain) continue;
             if (place.name == recorded.oldName)
                 atOldName.push_back(entry);

@@ -71,8 +71,8 @@ public:
 /// A world on a disk, with a journal.
 class Scene {
 public:
-    explicit Scene(const World& world, bool hasIdentities = true) {
-        disk.hasIdentities = hasIdentities;
+    explicit Scene(const World& world, Numbers numbers = Numbers::Counted) {
+        disk.numbers = numbers;
         for (size_t at = 0; at < world.disk.size(); ++at) {
             const auto& [location, name] = world.disk[at];
             disk.Add(location, name);
@@ -105,7 +105,7 @@ public:
 /// again.
 class EveryHistory {
 public:
-    EveryHistory(const World& world, bool hasIdentities) : m_world(world), m_start(world, hasIdentities) {}
+    EveryHistory(const World& world, Numbers numbers) : m_world(world), m_start(world, numbers) {}
 
     void Explore() {
         std::set<std::pair<std::wstring, std::wstring>> seen;
@@ -154,7 +154,7 @@ private:
         for (int locked = 0; locked <= items; ++locked) {
             bool isOver = false;
             for (int kill = -1; !isOver; ++kill) {
-                Scene scene(m_world, m_start.disk.hasIdentities);
+                Scene scene(m_world, m_start.disk.numbers);
                 scene.disk.items = from.items;
                 scene.journal.text = from.journal;
                 if (locked > 0) scene.disk.locked = {locked};
@@ -171,7 +171,7 @@ private:
 
     void CheckThatAllComesHome(const State& state) const {
         if (state.journal.empty()) return;  // nothing was renamed
-        Scene scene(m_world, m_start.disk.hasIdentities);
+        Scene scene(m_world, m_start.disk.numbers);
         scene.disk.items = state.items;
         scene.journal.text = state.journal;
         scene.Restore();
@@ -187,8 +187,8 @@ private:
 };
 
 TEST(RunRestore, BringsAllHomeAfterEveryHistoryOfFourMishaps) {
-    for (const bool hasIdentities : {false, true})
-        for (const World& world : kWorlds) EveryHistory(world, hasIdentities).Explore();
+    for (const Numbers numbers : {Numbers::None, Numbers::NotCounted, Numbers::Counted})
+        for (const World& world : kWorlds) EveryHistory(world, numbers).Explore();
 }
 
 TEST(RunRenames, WritesTheSessionBeforeTheFirstRenameAndTruesItUp) {
@@ -206,7 +206,7 @@ TEST(RunRenames, WritesTheSessionBeforeTheFirstRenameAndTruesItUp) {
     const auto session = scene.journal.Read();
     ASSERT_EQ(session->entries.size(), 1u);
     EXPECT_EQ(session->entries[0].newName, L"4");
-    EXPECT_EQ(session->entries[0].identity.index, 3u);
+    EXPECT_EQ(session->entries[0].identity.index & 0xFFFF, 3u);
     EXPECT_FALSE(session->isUnfinished);
 }
 
@@ -266,6 +266,18 @@ TEST(RunRenames, StopsBetweenRowsButNotInARing) {
     EXPECT_EQ(scene.Rename(&isStopped)[2].code, Quorvane::SDK::RenameResult::Ignored);
     EXPECT_EQ(scene.results.DoneCount(), 2u);
     EXPECT_EQ(scene.disk.items[2].name, L"c");
+}
+
+TEST(RunRestore, FollowsNoFolderWhoseNumberMayBeAnothersByNow) {
+    SimulatedDisk disk;
+    disk.Add(kFolder, L"other");
+    BatchRenameUndo session;
+    for (const Numbers numbers : {Numbers::NotCounted, Numbers::Counted}) {
+        disk.numbers = numbers;
+        session.entries = {{kFolder, L"new", L"old", {}, {}, disk.Lister()(kFolder).items[0]}};
+        const RestoreRows restore = MakeRestoreRows(session, disk.Lister(), disk.Finder());
+        EXPECT_EQ(restore.rows[0]->currentName, numbers == Numbers::Counted ? L"other" : L"new");
+    }
 }
 
 TEST(RunRestore, FindsItemsUnderALocationThatIsTheirPath) {

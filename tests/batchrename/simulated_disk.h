@@ -27,20 +27,23 @@ struct DiskItem {
     bool operator==(const DiskItem&) const = default;
 };
 
+/// Of a disk's items; those that are not counted may be given again.
+enum class Numbers { None, NotCounted, Counted };
+
 class SimulatedDisk final : public Quorvane::SDK::IFileOperations {
 public:
     std::vector<DiskItem> items;
     int stepCount = 0;
     std::function<uint32_t(int step)> failure = [](int) { return 0u; };  // error of the step with this number
     std::set<int> locked;                                                // contents of items that somebody holds
-    bool hasIdentities = true;
+    Numbers numbers = Numbers::Counted;
     int crashBefore = -1;  // announced, not done
     int crashAfter = -1;   // done, not reported
 
     void Add(const std::wstring& location, const std::wstring& name) {
         items.push_back({location, name, static_cast<int>(items.size()) + 1});
     }
-    /// With the contents as the items' lasting numbers, or without any.
+    /// With the contents as the items' numbers, or without any.
     BatchRename::ListFolder Lister() {
         return [this](const std::wstring& folder) {
             BatchRename::FolderNames names;
@@ -50,14 +53,15 @@ public:
                 if (!Win32::EqualIgnoringCase(item.location, folder)) continue;
                 names.error = 0;
                 names.names.Add(item.name);
-                if (hasIdentities) names.items.push_back({1, static_cast<uint64_t>(item.content)});
+                if (numbers != Numbers::None) names.items.push_back({1, NumberOf(item)});
             }
             return names;
         };
     }
     BatchRename::FindItem Finder() const {
         return [this](const BatchRename::ItemIdentity& identity, const std::wstring&) {
-            const auto item = std::ranges::find(items, static_cast<int>(identity.index), &DiskItem::content);
+            const auto item =
+                std::ranges::find(items, identity.index, [this](const DiskItem& one) { return NumberOf(one); });
             return item != items.end() ? item->location + L"\\" + item->name : std::wstring();
         };
     }
@@ -85,6 +89,10 @@ public:
     bool GetPropertyText(const wchar_t*, const wchar_t*, const wchar_t*, wchar_t*, uint32_t) override { return false; }
 
 private:
+    uint64_t NumberOf(const DiskItem& item) const {
+        return (numbers == Numbers::Counted ? uint64_t{1} << 48 : 0) + static_cast<uint64_t>(item.content);
+    }
+
     uint32_t Rename(const std::wstring& path, const std::wstring& newName) {
         DiskItem* found = nullptr;
         for (DiskItem& item : items)
