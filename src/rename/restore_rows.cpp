@@ -234,13 +234,20 @@ private:
 
     /// What a folder of the time of the run is called now.
     std::wstring FolderNow(const std::wstring& folder) {
-        std::wstring plain(Win32::WithoutSeparator(folder));
-        const auto moved = m_movedFolders.find(Win32::ToUpperCase(plain));
-        if (moved != m_movedFolders.end())
-            return Win32::JoinPath(m_places[moved->second].folder, m_places[moved->second].name);
-        const std::wstring above(Win32::WithoutSeparator(Win32::FolderOf(plain)));
-        if (above.empty() || above.size() >= plain.size()) return plain;
-        return Win32::JoinPath(FolderNow(above), Win32::FileNameOf(plain));
+        const std::wstring plain(Win32::WithoutSeparator(folder));
+        if (m_movedFolders.empty()) return plain;
+        // The deepest one that moved. No recursion: a damaged record may name thousands of folders in one path.
+        const std::wstring key = Win32::ToUpperCase(plain);
+        for (std::wstring_view above = key;;) {
+            const auto moved = m_movedFolders.find(std::wstring(above));
+            if (moved != m_movedFolders.end()) {
+                const WhereNow& now = m_places[moved->second];
+                return Win32::JoinPath(now.folder, now.name) + plain.substr(above.size());
+            }
+            const std::wstring_view next = Win32::WithoutSeparator(Win32::FolderOf(above));
+            if (next.empty() || next.size() >= above.size()) return plain;
+            above = next;
+        }
     }
 
     const BatchRenameUndo& m_session;

@@ -24,6 +24,7 @@ constexpr std::wstring_view kReached = L"#@ ";
 constexpr std::wstring_view kStep = L"#> ";
 constexpr std::wstring_view kFailedStep = L"#= ";
 constexpr std::wstring_view kLineEnd = L"\r\n";
+constexpr size_t kLongestEntry = 32767 + 2 * (255 + 1);  // units: the longest path, and two names
 constexpr size_t kNoEntry = std::numeric_limits<size_t>::max();
 constexpr std::wstring_view kHexadecimal = L"0123456789abcdef";
 
@@ -114,6 +115,7 @@ private:
 
     void ReadEntry(std::wstring_view line) {
         m_entryOfNumber.push_back(kNoEntry);
+        if (line.size() > kLongestEntry) return;
         std::array<std::wstring_view, 3> fields;
         size_t count = 0;
         for (;;) {

@@ -280,6 +280,16 @@ TEST(RunRestore, FollowsNoFolderWhoseNumberMayBeAnothersByNow) {
     }
 }
 
+TEST(RunRestore, FollowsAFolderAboveThousands) {
+    SimulatedDisk disk;
+    disk.Add(kFolder, L"t");
+    BatchRenameUndo session;
+    std::wstring below;
+    for (int depth = 0; depth < 16000; ++depth) below += L"\\x";
+    session.entries = {{kFolder, L"t", L"s", {}, {}}, {kFolder + L"\\s" + below, L"new", L"old", {}, {}}};
+    EXPECT_EQ(MakeRestoreRows(session, disk.Lister()).rows[0]->location, kFolder + L"\\t" + below);
+}
+
 TEST(RunRestore, FindsItemsUnderALocationThatIsTheirPath) {
     SimulatedDisk disk;
     for (const wchar_t* name : {L"new1", L"new2"}) disk.Add(kFolder, name);
