@@ -33,9 +33,11 @@ bool IsSpelled(const std::wstring& path) {
 }  // namespace
 
 uint32_t RenameOne(const std::wstring& path, const std::wstring& newName, const std::wstring& asideName) {
-    // A restore gives back half a pair, which the system takes.
+    // A restore gives back half a pair, which the system takes, and names that it takes after the prefix alone.
     const Win32::NameFault fault = Win32::CheckFileName(newName).fault;
-    if (fault != Win32::NameFault::None && fault != Win32::NameFault::LoneSurrogate) return ERROR_INVALID_NAME;
+    const bool canBe = fault == Win32::NameFault::None || fault == Win32::NameFault::LoneSurrogate ||
+                       (path.starts_with(LR"(\\?\)") && Win32::IsVerbatimName(newName));
+    if (!canBe) return ERROR_INVALID_NAME;
     const std::wstring folder(Win32::FolderOf(path));
     const std::wstring target = folder + newName;
     uint32_t error = Win32::MoveFileTo(path, target);

@@ -231,8 +231,9 @@ private:
             return;
         }
         const Win32::NameCheck check = Win32::CheckFileName(item.newName);
-        // Half a pair is a name that the system takes: nobody should choose it, but who had it gets it back.
-        const bool isOldName = item.state == RowState::Restore && check.fault == Win32::NameFault::LoneSurrogate;
+        // There are names that an item can have and nobody should choose: who had one gets it back.
+        const bool isOldName = item.state == RowState::Restore &&
+                               (check.fault == Win32::NameFault::LoneSurrogate || Win32::IsVerbatimName(item.newName));
         if (check.fault != Win32::NameFault::None && !isOldName)
             return Fail(row, RowReason::BadName,
                         check.fault == Win32::NameFault::TooLong ? kNameTooLong : kInvalidName);

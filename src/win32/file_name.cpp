@@ -67,6 +67,11 @@ NameCheck CheckFileName(std::wstring_view name) {
     return {};
 }
 
+bool IsVerbatimName(std::wstring_view name) {
+    const NameFault fault = CheckFileName(name).fault;
+    return fault == NameFault::Reserved || (fault == NameFault::TrailingDotOrBlank && name != L"." && name != L"..");
+}
+
 std::wstring DescribeNameFault(std::wstring_view name, const NameCheck& check) {
     switch (check.fault) {
         case NameFault::None: return {};

@@ -33,6 +33,10 @@ inline bool IsFileName(std::wstring_view name) {
     return CheckFileName(name).fault == NameFault::None;
 }
 
+/// True for a name that is in no path as it stands, because the system takes it for a device's or drops its end, though
+/// an item can have it: see VerbatimPath.
+bool IsVerbatimName(std::wstring_view name);
+
 /// In words, with the character where one is at fault.
 std::wstring DescribeNameFault(std::wstring_view name, const NameCheck& check);
 

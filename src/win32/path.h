@@ -14,6 +14,10 @@ std::wstring FullPath(const std::wstring& path);
 /// prefix `\\?\` (`\\?\UNC\` for a share). A path that already begins with `\\?\` or `\\.\` is left alone.
 std::wstring ExtendedPath(const std::wstring& path);
 
+/// The absolute form of `path` with that prefix, of any length: what follows it is taken letter by letter, so that a
+/// name may end in a dot or a blank, or be a device's.
+std::wstring VerbatimPath(const std::wstring& path);
+
 /// Everything up to and including the last `\` or `/`; empty when there is none.
 std::wstring_view FolderOf(std::wstring_view path);
 

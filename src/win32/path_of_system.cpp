@@ -9,6 +9,11 @@ namespace {
 // lower limit for both is always right.
 constexpr size_t kShortPathLimit = MAX_PATH - 12;
 
+std::wstring Prefixed(const std::wstring& full) {
+    if (full.starts_with(LR"(\\)")) return LR"(\\?\UNC)" + full.substr(1);
+    return LR"(\\?\)" + full;
+}
+
 }  // namespace
 
 std::wstring FullPath(const std::wstring& path) {
@@ -31,9 +36,12 @@ std::wstring ExtendedPath(const std::wstring& path) {
     if (path.size() < kShortPathLimit && path.size() >= 2 && (path[1] == L':' || (path[0] == L'\\' || path[0] == L'/')))
         return path;
     std::wstring full = FullPath(path);
-    if (full.size() < kShortPathLimit) return path;
-    if (full.starts_with(LR"(\\)")) return LR"(\\?\UNC)" + full.substr(1);
-    return LR"(\\?\)" + full;
+    return full.size() < kShortPathLimit ? path : Prefixed(full);
+}
+
+std::wstring VerbatimPath(const std::wstring& path) {
+    const bool isDevice = path.starts_with(LR"(\\?\)") || path.starts_with(LR"(\\.\)");
+    return isDevice ? path : Prefixed(FullPath(path));
 }
 
 }  // namespace Win32

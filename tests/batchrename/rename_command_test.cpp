@@ -99,6 +99,21 @@ TEST_F(RenameCommand, FindsItemsAgainAndLeavesOthersAlone) {
     EXPECT_EQ(m_files.Read(L"in\\a") + m_files.Read(L"b1"), "aanother");
 }
 
+TEST_F(RenameCommand, TakesNoItemForOneWhoseNameEndsInADot) {
+    Fill({L"a"});
+    const std::wstring dotted = LR"(\\?\)" + (m_files / L"b.");
+    EXPECT_EQ(Rename({L"a"}, {L"--name", L"b"}).status, 0);
+    MoveFileW((m_files / L"b").c_str(), dotted.c_str());
+    m_files.Write(L"b", "another");
+    EXPECT_EQ(m_host.Run({L"undo", L"restore", L"last"}).out, "b.\ta\trestored\n");
+    EXPECT_EQ(m_files.Read(L"a"), "a");
+    MoveFileW((m_files / L"a").c_str(), dotted.c_str());
+    EXPECT_EQ(m_host.Run({L"rename", dotted, L"--name", L"c"}).status, 0);
+    EXPECT_EQ(m_host.Run({L"undo", L"restore", L"last"}).out, "c\tb.\trestored\n");
+    EXPECT_EQ(m_files.Read(L"b"), "another");
+    EXPECT_TRUE(DeleteFileW(dotted.c_str()));
+}
+
 TEST_F(RenameCommand, SortsAndNumbersAndWarns) {
     Fill({L"x10", L"x2", L"x1", L"y.txt"});
     m_files.Write(L"x1", "the largest one");

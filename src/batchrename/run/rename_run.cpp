@@ -5,6 +5,7 @@
 
 #include "batchrename/batchrename_texts.h"
 #include "win32/error_text.h"
+#include "win32/file_name.h"
 #include "win32/folder.h"
 #include "win32/path.h"
 #include "win32/windows.h"
@@ -130,7 +131,9 @@ private:
 
     Move MoveOf(size_t row, const std::wstring& from, const std::wstring& to) const {
         const BatchRenameItem& item = *m_rows[row];
-        return {row, Win32::JoinPath(item.location, from), to, TemporaryNameFor(item.location, item.currentName, 0)};
+        const bool isVerbatim = Win32::IsVerbatimName(from) || Win32::IsVerbatimName(to);
+        return {row, Win32::JoinPath(isVerbatim ? Win32::VerbatimPath(item.location) : item.location, from), to,
+                TemporaryNameFor(item.location, item.currentName, 0)};
     }
 
     std::vector<Move> MovesOf(const StepGroup& group) const {
