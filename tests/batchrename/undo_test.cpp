@@ -147,6 +147,17 @@ TEST(UndoStore, FindsTheNewestByItsNameAlone) {
     EXPECT_EQ(store.Sessions().size(), 3u);
 }
 
+TEST(UndoStore, PutsARunAfterTheNewestWhereTheClockWasSetBack) {
+    const TemporaryFolder folder;
+    for (const wchar_t* time : {L"2016-03-07-142900", L"2016-03-07-152900", L"2016-03-09-000000"})
+        folder.Write(L"BatchRenameUndoData-" + std::wstring(time) + L".dat", "");
+    UndoStore store;
+    store.SetFolder(folder.Path());
+    const auto session = std::make_shared<BatchRenameUndo>(Sample());
+    EXPECT_TRUE(store.Begin(session));
+    EXPECT_EQ(session->fileName, L"BatchRenameUndoData-2016-03-07-152901.dat");
+}
+
 int g_flushes = 0;
 BOOL WINAPI CountFlush(HANDLE) {
     ++g_flushes;

@@ -140,8 +140,29 @@ UndoProgress UndoStore::OpenAtEnd(BatchRenameUndo& session) {
     });
 }
 
+/// The clock may have been set back, as it is each autumn or on a journey. The session comes after the newest all the
+/// same: what was done last is undone first. One further ahead is from a clock that was wrong, and does not count.
+void UndoStore::PutAfterTheNewest(BatchRenameUndo& session) const {
+    constexpr int64_t kLargestStep = 26 * 60 * 60;  // seconds between the time zones that are furthest apart
+    std::vector<std::wstring> names;
+    Win32::ListFolder(m_folder, L"*.dat", names);
+    const std::wstring own = FileNameOf(session);
+    const int64_t latest = SecondsOf(session.time) + kLargestStep;
+    int64_t newest = 0;
+    for (const std::wstring& name : names) {
+        // Names of this kind are in the order of their times; hardly any is taken apart.
+        const std::optional<CalendarTime> time = name > own ? TimeOfFileName(name) : std::nullopt;
+        const int64_t seconds = time ? SecondsOf(*time) : 0;
+        if (seconds <= latest) newest = std::max(newest, seconds);
+    }
+    if (newest == 0) return;
+    session.time = TimeOfSeconds(newest + 1);
+    session.fileName.clear();
+}
+
 UndoProgress UndoStore::Begin(const std::shared_ptr<BatchRenameUndo>& session) {
     session->isUnfinished = true;
+    PutAfterTheNewest(*session);
     while ((m_lastError = WriteFileOf(*session, false)) == ERROR_ALREADY_EXISTS) {
         // Another run of this second has the name. The session's own time counts on, because the clock may have been
         // set back.

@@ -78,7 +78,8 @@ public:
     /// The session of this file name, with or without its ending; null when there is none. Reads no other.
     std::shared_ptr<BatchRenameUndo> Find(const std::wstring& name);
 
-    /// When a session of the same second has the file name, this waits for the next second.
+    /// When a session of the same second has the file name, this waits for the next second. Where the clock was set
+    /// back by up to a day, the session's time is moved on to stand after the newest one's.
     UndoProgress Begin(const std::shared_ptr<BatchRenameUndo>& session) override;
     UndoProgress BeginRestore(BatchRenameUndo& session) override;
     uint32_t Write(BatchRenameUndo& session) override;
@@ -100,6 +101,7 @@ private:
     std::shared_ptr<BatchRenameUndo> Read(const std::wstring& fileName) const;
     /// Newest first: by the time that a session's name tells, or the session itself where another has named it.
     std::vector<Listed> ListFolder() const;
+    void PutAfterTheNewest(BatchRenameUndo& session) const;
     std::wstring PathOf(BatchRenameUndo& session);
     uint32_t WriteFileOf(BatchRenameUndo& session, bool mayReplace);
     UndoProgress OpenAtEnd(BatchRenameUndo& session);
