@@ -180,8 +180,9 @@ std::wstring FindItem(std::wstring folder, const ItemIdentity& item) {
         if (hint) {
             ++level;
             if (VolumeOf(hint.Get()) != item.volume) return {};
-            const FileHandle found(
-                OpenFileById(hint.Get(), &id, FILE_READ_ATTRIBUTES, kShareAll, nullptr, FILE_FLAG_BACKUP_SEMANTICS));
+            // A link itself, and not what it leads to.
+            const FileHandle found(OpenFileById(hint.Get(), &id, FILE_READ_ATTRIBUTES, kShareAll, nullptr,
+                                                FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT));
             if (found) return IsTheItem(found.Get(), item) ? PathOf(found.Get()) : std::wstring();
             if (GetLastError() != ERROR_FILE_NOT_FOUND) return {};
         }

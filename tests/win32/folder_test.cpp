@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 
+#include "support/replaced_imports.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -64,6 +65,22 @@ TEST(Folder, FindsAnItemUnlessAnotherOneHasItsNumber) {
     EXPECT_EQ(found({file.volume, file.index, file.written, 1}), folder / L"file");
     EXPECT_EQ(found({file.volume, file.index, 1, 1}), L"");
     EXPECT_EQ(found({file.volume, file.index, 0, 0}), L"") << "it was a folder";
+}
+
+DWORD g_openFlags = 0;
+HANDLE WINAPI NoteFlags(HANDLE, FILE_ID_DESCRIPTOR*, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD flags) {
+    g_openFlags = flags;
+    return INVALID_HANDLE_VALUE;
+}
+
+TEST(Folder, FindsALinkAndNotWhatItLeadsTo) {
+    const QVTest::TemporaryFolder folder;
+    const QVTest::ReplacedImport noted(GetModuleHandleW(nullptr), "OpenFileById", reinterpret_cast<void*>(NoteFlags));
+    Win32::ItemIdentity item;
+    Win32::ListFolder(folder.Path().substr(0, 3),
+                      [&](std::wstring_view, const Win32::ItemIdentity& any) { item = any; });
+    Win32::FindItem(folder.Path(), item);
+    EXPECT_NE(g_openFlags & FILE_FLAG_OPEN_REPARSE_POINT, 0u);
 }
 
 }  // namespace
