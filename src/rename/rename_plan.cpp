@@ -207,12 +207,15 @@ private:
                 m_plan.identities[row] = *place.item;
             }
             const ItemIdentity& wanted = m_rows[row]->identity;
-            if (wanted && place.item && !IsSameItem(wanted, *place.item))
+            if (wanted && place.item && !IsSameItem(wanted, *place.item)) {
                 Fail(row, RowReason::OtherItem, kFileNotFound);
-            else if (place.holder != kNone)
+            } else if (place.holder != kNone) {
                 Fail(row, RowReason::ListedTwice, kAlreadyExists);
-            else
+                // A record whose last line was cut off can name another entry's item. Which one's it is nobody knows.
+                if (m_rows[row]->state == RowState::Restore) Fail(place.holder, RowReason::ListedTwice, kAlreadyExists);
+            } else {
                 place.holder = row;
+            }
         }
     }
 

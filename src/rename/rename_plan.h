@@ -33,7 +33,7 @@ enum class RowReason : uint8_t {
     FolderError,  // the folder cannot be read
     Gone,         // there is no such item any more
     OtherItem,    // another item has the row's name now
-    ListedTwice,  // an earlier row stands for the same item
+    ListedTwice,  // an earlier row stands for the same item; of a restore, any other
     Duplicate,    // more than one row wants the name, or a row that keeps it
     Taken,        // an item that is in no row has the name
     HeldByARow,   // a row that stays has the name

@@ -54,6 +54,13 @@ TEST(PlanRenames, GivesBackANameThatNobodyMayChoose) {
     EXPECT_EQ(PlanRenames(rows, {Listing(kFolder, {L"a"})}).rows[0].reason, RowReason::None);
 }
 
+TEST(PlanRenames, GivesAnItemNeitherOfTwoOldNames) {
+    const RenameItems rows = Rows(kFolder, {{L"b1", L"a10"}, {L"b1", L"a1"}});
+    for (const auto& row : rows) row->state = RowState::Restore;
+    const RenamePlan plan = PlanRenames(rows, {Listing(kFolder, {L"b1"})});
+    for (const RowPlan& row : plan.rows) EXPECT_EQ(row.reason, RowReason::ListedTwice);
+}
+
 TEST(PlanRenames, TellsItemsApartWhoseNamesDifferInCaseAlone) {
     FolderNames listing = Listing(kFolder, {L"b", L"B", L"a", L"A"});
     listing.items = {{1, 1}, {1, 2}, {1, 3}, {1, 4}};
