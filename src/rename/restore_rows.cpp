@@ -167,17 +167,18 @@ private:
     /// Puts the item's present place into `place`, which holds the name that it should have. An item that is nowhere
     /// keeps that name; what else may have it by now, its row's identity tells.
     void FindByIdentity(const UndoEntry& entry, WhereNow& place) {
+        const bool isOwnItem =
+            m_entriesOfIndex[entry.identity.index] == 1;  // not one more link of another entry's file
         const std::vector<std::wstring> names = m_listings.NamesOf(place.folder, entry.identity);
         if (!names.empty()) {
             const auto isThere = [&](const std::wstring& name) {
                 return std::ranges::find(names, name) != names.end();
             };
-            if (!isThere(place.name)) place.name = isThere(entry.oldName) ? entry.oldName : names.front();
+            if (!isThere(place.name) && (isOwnItem || isThere(entry.oldName)))
+                place.name = isThere(entry.oldName) ? entry.oldName : names.front();
             place.isCertain = true;
             return;
         }
-        const bool isOwnItem =
-            m_entriesOfIndex[entry.identity.index] == 1;  // not one more link of another entry's file
         const std::wstring path = m_find && isOwnItem ? m_find(entry.identity, place.folder) : std::wstring();
         if (!path.empty()) {
             place.folder = Win32::WithoutSeparator(Win32::FolderOf(path));

@@ -99,6 +99,15 @@ TEST_F(RenameCommand, FindsItemsAgainAndLeavesOthersAlone) {
     EXPECT_EQ(m_files.Read(L"in\\a") + m_files.Read(L"b1"), "aanother");
 }
 
+TEST_F(RenameCommand, GivesEachHardLinkItsOwnNameBack) {
+    Fill({L"a1"});
+    if (!CreateHardLinkW((m_files / L"a2").c_str(), (m_files / L"a1").c_str(), nullptr)) GTEST_SKIP();
+    EXPECT_EQ(Rename({L"a1", L"a2"}, {L"--find", L"a", L"--replace", L"b"}).status, 0);
+    DeleteFileW((m_files / L"b2").c_str());
+    EXPECT_EQ(m_host.Run({L"undo", L"restore", L"last"}).out,
+              "b2\ta2\tfailed: there is no such item any more\nb1\ta1\trestored\n");
+}
+
 TEST_F(RenameCommand, TakesNoItemForOneWhoseNameEndsInADot) {
     Fill({L"a"});
     const std::wstring dotted = LR"(\\?\)" + (m_files / L"b.");
