@@ -119,12 +119,6 @@ private:
     std::vector<Slot> m_slots;
 };
 
-uint32_t DepthOf(std::wstring_view location) {
-    while (location.ends_with(L'\\') || location.ends_with(L'/')) location.remove_suffix(1);
-    return static_cast<uint32_t>(
-        std::ranges::count_if(location, [](wchar_t unit) { return unit == L'\\' || unit == L'/'; }));
-}
-
 /// The folders of a plan, numbered. Rows of one folder mostly stand together, so the last answer is tried first.
 class FolderNumbers {
 public:
@@ -348,6 +342,16 @@ private:
 };
 
 }  // namespace
+
+uint32_t DepthOf(std::wstring_view location) {
+    while (location.ends_with(L'\\') || location.ends_with(L'/')) location.remove_suffix(1);
+    constexpr size_t kPrefix = 4;
+    constexpr size_t kSharePrefix = 3;  // without the separator that a share's path has twice
+    if (location.starts_with(LR"(\\?\)"))
+        location.remove_prefix(location.starts_with(LR"(\\?\UNC\)") ? kSharePrefix : kPrefix);
+    return static_cast<uint32_t>(
+        std::ranges::count_if(location, [](wchar_t unit) { return unit == L'\\' || unit == L'/'; }));
+}
 
 RenamePlan PlanRenames(const RenameItems& rows, const std::vector<FolderNames>& folders) {
     return Planner(rows, folders).Plan();

@@ -84,6 +84,9 @@ struct RenamePlan {
 /// one depth chains and rings come in the list order of their first rows. Takes time linear in rows and names.
 RenamePlan PlanRenames(const RenameItems& rows, const std::vector<FolderNames>& folders);
 
+/// How deep the folder is, in separators: the same with the prefix for long paths and without.
+uint32_t DepthOf(std::wstring_view location);
+
 /// The distinct folders of the rows, in order of appearance.
 std::vector<std::wstring> FoldersOf(const RenameItems& rows);
 

@@ -92,7 +92,7 @@ public:
         // From the top down: where an item is now depends on what has become of the folders above it.
         std::vector<size_t> order(m_places.size());
         std::iota(order.begin(), order.end(), size_t(0));
-        const auto depthOf = [&](size_t entry) { return std::ranges::count(m_session.entries[entry].location, L'\\'); };
+        const auto depthOf = [&](size_t entry) { return DepthOf(m_session.entries[entry].location); };
         std::ranges::stable_sort(order, {}, depthOf);
         for (size_t begin = 0; begin < order.size();) {
             size_t end = begin;

@@ -69,6 +69,15 @@ TEST(PlanRenames, TellsItemsApartWhoseNamesDifferInCaseAlone) {
     EXPECT_EQ(plan.identities[1].index, 2u);
 }
 
+TEST(PlanRenames, RenamesWhatIsInAFolderBeforeItHoweverThePathsAreSpelled) {
+    const std::pair<const wchar_t*, const wchar_t*> cases[] = {{LR"(\\?\C:\d)", LR"(C:\d\s)"},
+                                                               {LR"(\\?\UNC\a\b)", LR"(\\a\b\s)"}};
+    for (const auto& [above, inner] : cases) {
+        const RenameItems rows = {Row(above, L"s", L"t"), Row(inner, L"x", L"y")};
+        EXPECT_EQ(PlanRenames(rows, {Listing(above, {L"s"}), Listing(inner, {L"x"})}).steps.at(0).row, 1u) << above;
+    }
+}
+
 TEST(PlanRenames, FailsTheRowsOfAFolderThatCannotBeRead) {
     const RenameItems rows = Rows(kFolder, {{L"a", L"b"}});
     const RenamePlan plan = PlanRenames(rows, {{kFolder, {}, 5}});
