@@ -235,7 +235,7 @@ private:
 
     /// What a folder of the time of the run is called now.
     std::wstring FolderNow(const std::wstring& folder) {
-        const std::wstring plain(Win32::WithoutSeparator(folder));
+        std::wstring plain(Win32::WithoutSeparator(folder));
         if (m_movedFolders.empty()) return plain;
         // The deepest one that moved. No recursion: a damaged record may name thousands of folders in one path.
         const std::wstring key = Win32::ToUpperCase(plain);
