@@ -106,7 +106,8 @@ private:
         for (bool hasBlock = true; hasBlock;) {
             View block;
             hasBlock = blocks.Next(block);
-            m_watch.LookAt(block);
+            // What is given once more may begin inside of a character, and has been looked at.
+            m_watch.LookAt(block.substr(passing.GetLeft()));
             uint64_t changes = 0;
             const View text = passing.Replace(block, ends(), changes);
             blocks.GiveBack(passing.GetLeft());

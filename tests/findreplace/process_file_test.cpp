@@ -83,7 +83,10 @@ TEST(ProcessFile, KeepsTheEncodingAndEveryByteAroundTheMatchesOrFailsTheFile) {
 
 TEST(ProcessFile, NotesUtf8ThatNothingCallsSo) {
     const std::string words = "W\xC3\xB6rter und W\xC3\xB6rter, Text\n";
+    std::string quotes;  // a match that may begin at a block's end begins inside of a character
+    while (quotes.size() < 300'000) quotes += "a line that ends with \xC2\xAB\n";
     const std::tuple<std::string, uint32_t, const wchar_t*, const wchar_t*, bool> cases[] = {
+        {quotes, Option::ModeMultiline | Option::DropBackup, L"\xAB\na", L"b", true},
         {words, kBase, L"Text", L"W\xF6rter", true},  // would be put in by code page
         {words, kBase, L"W\xF6rter", L"x", true},     // is not found
         {words, kBase, L"Text", L"\x4E2D", true},     // has no place in the code page
