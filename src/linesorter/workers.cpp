@@ -1,7 +1,7 @@
 #include "linesorter/workers.h"
 
+#include <exception>
 #include <new>
-#include <system_error>
 
 namespace QVLineSorter {
 
@@ -12,8 +12,9 @@ Workers::Workers(QVUtils::Progress& progress, uint32_t threads) : m_progress(pro
     try {
         while (m_threads.size() < threads)
             m_threads.emplace_back([this, worker = static_cast<uint32_t>(m_threads.size())] { WorkUntilEnd(worker); });
-    } catch (const std::system_error&) {
-        // Those that there are do it, or the calling thread.
+    } catch (const std::exception&) {
+        // No thread, or no memory for one: those that there are do it, or the calling thread. They wait for an end that
+        // an object which is not complete never tells them.
     }
     std::unique_lock lock(m_lock);
     while (m_started < m_threads.size()) m_isIdle.Wait(lock);

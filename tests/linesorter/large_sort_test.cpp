@@ -1,5 +1,7 @@
 // Sorts that are large enough for threads and for groups in groups, and what ends one.
 #include <algorithm>
+#include <atomic>
+#include <optional>
 #include <random>
 
 #include "fuzz/plain_order.h"
@@ -95,6 +97,34 @@ TEST(LargeSort, OfWordsComesOutTheSameFromEachShuffle) {
         auto again = Load(sorted);
         Sort(again, request, {});
         EXPECT_EQ(Texts(again), sorted);
+    }
+}
+
+// A new thread cannot begin without memory of its own, so only this one's allocations are counted.
+const DWORD kThread = GetCurrentThreadId();
+int g_untilFailure = -1;  // below 0: none fails
+
+void* MallocThatFailsOnce(size_t size) {
+    const bool fails = GetCurrentThreadId() == kThread && g_untilFailure >= 0 && g_untilFailure-- == 0;
+    return fails ? nullptr : std::calloc(1, size);
+}
+
+TEST(Workers, AreThoseThatThereIsMemoryFor) {
+    const QVTest::ReplacedImport memory(GetModuleHandleW(nullptr), "malloc",
+                                        reinterpret_cast<void*>(MallocThatFailsOnce));
+    for (int before = 0; before < 12; ++before) {
+        QVUtils::Progress progress;
+        std::optional<Workers> workers;
+        g_untilFailure = before;
+        try {
+            workers.emplace(progress, 3);
+        } catch (const std::bad_alloc&) {
+        }
+        g_untilFailure = -1;
+        std::atomic<size_t> done = 0;
+        if (workers) workers->ForEach(10000, [&](uint32_t begin, uint32_t end, uint32_t) { done += end - begin; });
+        EXPECT_EQ(done, workers ? 10000u : 0u);
+        EXPECT_TRUE(workers || before < 2);  // its lists
     }
 }
 
