@@ -42,7 +42,7 @@ public:
         bool isFound = false;
         size_t steps = 0;
         m_now.clear();
-        m_firstMark += text.size() + 2;
+        m_firstMark = std::exchange(m_nextMark, m_nextMark + text.size() + 2);
         for (size_t position = 0;; ++position) {
             steps += m_now.size();
             if (steps > kStepsBetween && alive) {
@@ -111,7 +111,8 @@ private:
     const CaseFolding<CharT>* const m_folding;
     // Kept between searches: a search allocates nothing once they have grown.
     std::vector<size_t> m_seenAt;  // per state, the mark of the position for which it was last followed
-    size_t m_firstMark = 0;        // of this search; those of searches before it are smaller
+    size_t m_firstMark = 0;        // of this search
+    size_t m_nextMark = 1;         // of the next one: above all that searches before it have left
     std::vector<Thread> m_now;
     std::vector<Thread> m_next;
     std::vector<uint32_t> m_pending;

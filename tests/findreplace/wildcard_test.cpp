@@ -36,6 +36,23 @@ TEST(Wildcard, FindsWhatTheExpressionFinds) {
                           RandomText(random, random() % 6, parts) + '\x1E' + RandomText(random, random() % 12, units));
 }
 
+TYPED_TEST(Wildcard, FindsTheSameWhateverWasSearchedBefore) {
+    using CharT = TypeParam;
+    const std::basic_string<CharT> pattern = {'a', '{', '0', ',', '1', '}', 'b'};
+    const auto find = [](LineMatcher<CharT>& matcher, const std::basic_string<CharT>& text) {
+        Span span = {99, 99};
+        matcher.Find(text, span);
+        return std::pair(span.start, span.length);
+    };
+    const auto kept = MakeWildcardMatcher<CharT>(pattern, false);
+    std::mt19937 random(6);
+    for (int round = 0; round < 1000; ++round) {
+        const std::string line = RandomText(random, random() % 12, {"a", "b", "-"});
+        const std::basic_string<CharT> text(line.begin(), line.end());
+        EXPECT_EQ(find(*kept, text), find(*MakeWildcardMatcher<CharT>(pattern, false), text)) << line;
+    }
+}
+
 // A stretch of lines is looked at as a whole.
 TYPED_TEST(Wildcard, LongLinesNeedNoStackAndLittleTime) {
     using CharT = TypeParam;
