@@ -22,12 +22,27 @@ WildcardResult ByOurs(const std::basic_string<CharT>& pattern, bool ignoreCase, 
     });
 }
 
+/// A matcher keeps marks between its searches: what it finds must not depend on the searches before.
+template <class CharT>
+void RequireNoMemory(const std::basic_string<CharT>& pattern, bool ignoreCase, std::basic_string_view<CharT> text) {
+    const auto make = [&] { return QVFindAndReplace::MakeWildcardMatcher<CharT>(pattern, ignoreCase); };
+    const auto used = make();
+    for (size_t from : {size_t{0}, text.size() / 2, text.size() / 4}) {
+        QVFindAndReplace::Span ours;
+        QVFindAndReplace::Span fresh;
+        const bool isFound = used->Find(text.substr(from), ours);
+        Require(isFound == make()->Find(text.substr(from), fresh), "found as by a matcher that has searched nothing");
+        if (isFound) Require(ours.start == fresh.start && ours.length == fresh.length, "the same hit");
+    }
+}
+
 template <class CharT>
 void Compare(std::string_view patternBytes, bool ignoreCase, std::string_view textBytes, bool hasStandard) {
     const auto pattern = Widened<CharT>(patternBytes);
     const Exact<CharT> text(Widened<CharT>(textBytes));
     const WildcardResult ours = ByOurs<CharT>(pattern, ignoreCase, text.View());
     if (ours.isFound) Require(ours.start + ours.length <= text.View().size(), "a hit lies in the text");
+    if (ours.error == 0) RequireNoMemory<CharT>(pattern, ignoreCase, text.View());
     if (!hasStandard) return;
     // In wchar_t, which the standard engine knows on every platform.
     const std::wstring widePattern(pattern.begin(), pattern.end());
