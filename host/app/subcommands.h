@@ -57,7 +57,8 @@ int RunSendTo(const HostOptions& options, const HostEnvironment& environment, Ou
 /// @throws UsageError when the folder cannot be used
 int RunSelfTest(const HostOptions& options, const HostEnvironment& environment, Output& output);
 
-/// `completion`: a script for the shell named, made of what the command line knows. The exit status.
+/// `completion`: a script for the shell named, made of what the command line knows and of the commands in `table`. The
+/// exit status.
 /// @throws UsageError for another shell
 int PrintCompletion(const HostOptions& options, const CustomCommandTable& table, Output& output);
 
